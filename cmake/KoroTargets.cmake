@@ -1,0 +1,76 @@
+# Target helpers: flags live on one interface target, every folder lists its own files by name.
+
+find_package(Threads REQUIRED)
+
+add_library(koro_options INTERFACE)
+target_include_directories(koro_options INTERFACE
+    $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}> $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>)
+target_compile_options(koro_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wformat=2
+    $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Woverloaded-virtual>)
+if(KORO_DEVELOPER)
+    target_compile_options(koro_options INTERFACE -Werror)
+endif()
+target_link_libraries(koro_options INTERFACE Threads::Threads)
+
+if(KORO_SANITIZE)
+    # Signed overflow and the like end the test; a report that only scrolls by would be missed.
+    add_compile_options(-fsanitize=${KORO_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=${KORO_SANITIZE})
+endif()
+
+# Hidden symbols and no unique ones: unique symbols would make unloading impossible.
+function(koro_hide_symbols target)
+    set_target_properties(${target} PROPERTIES
+        C_VISIBILITY_PRESET hidden CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+        target_compile_options(${target} PRIVATE $<$<COMPILE_LANGUAGE:CXX>:-fno-gnu-unique>)
+    endif()
+endfunction()
+
+function(koro_add_object_library target)
+    add_library(${target} OBJECT)
+    target_link_libraries(${target} PUBLIC koro_options)
+    koro_hide_symbols(${target})
+endfunction()
+
+# koro_add_producer(target SOURCES a.cpp [DEFINITIONS X=1] [OUTPUT_NAME name]): a loadable producer, <name>.cti.
+function(koro_add_producer target)
+    cmake_parse_arguments(ARG "" "OUTPUT_NAME" "SOURCES;DEFINITIONS" ${ARGN})
+    add_library(${target} MODULE ${ARG_SOURCES})
+    target_link_libraries(${target} PRIVATE koro_options)
+    target_compile_definitions(${target} PRIVATE ${ARG_DEFINITIONS})
+    koro_hide_symbols(${target})
+    if(NOT ARG_OUTPUT_NAME)
+        set(ARG_OUTPUT_NAME ${target})
+    endif()
+    set_target_properties(${target} PROPERTIES PREFIX "" SUFFIX ".cti" OUTPUT_NAME ${ARG_OUTPUT_NAME}
+        LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/producers)
+endfunction()
+
+# koro_add_test(name SOURCES ... LIBRARIES ... [LABELS ...] [PRODUCERS targets...]): one GoogleTest program, one CTest entry.
+# PRODUCERS are built before it; their folder is in the environment variable KORO_TEST_PRODUCERS.
+function(koro_add_test name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES;LABELS;PRODUCERS;ENVIRONMENT" ${ARGN})
+    find_package(GTest REQUIRED)
+    add_executable(${name} ${ARG_SOURCES})
+    target_link_libraries(${name} PRIVATE koro_options ${ARG_LIBRARIES} GTest::gmock GTest::gtest_main)
+    if(ARG_PRODUCERS)
+        add_dependencies(${name} ${ARG_PRODUCERS})
+    endif()
+    set(folder ${CMAKE_CURRENT_BINARY_DIR}/${name}.run)
+    file(MAKE_DIRECTORY ${folder})
+    add_test(NAME ${name} COMMAND ${name} WORKING_DIRECTORY ${folder})
+    set_tests_properties(${name} PROPERTIES LABELS "${ARG_LABELS}" TIMEOUT 600
+        ENVIRONMENT "KORO_TEST_PRODUCERS=${PROJECT_BINARY_DIR}/producers;${ARG_ENVIRONMENT}")
+endfunction()
+
+# A test of classes: links the object library and sees everything.
+function(koro_add_unit_test name)
+    koro_add_test(${name} LIBRARIES koro_objects koro_test_support ${ARGN})
+endfunction()
+
+# A test of the exports: sees include/ and the finished library alone.
+function(koro_add_boundary_test name)
+    koro_add_test(${name} LIBRARIES zvr_koro koro_test_support ${ARGN})
+endfunction()
