@@ -1,0 +1,68 @@
+// TCallbackManager: the registry of callbacks of one kind and one owner.
+//
+// Its mutex is held while callbacks run. A callback that comes back to the registry that is calling it gets the
+// standard deadlock error (CheckedMutex); other threads wait until the round is over.
+#pragma once
+
+#include "base/checked_mutex.h"
+
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <unordered_map>
+#include <utility>
+
+namespace koro::internal
+{
+
+template <class... Arguments>
+class TCallbackManager
+{
+public:
+    using Function = std::function<void(Arguments...)>;
+    // Address of the stored copy: unique while it is registered.
+    using Handle = const void*;
+
+    // An empty function is stored all the same; the round that meets it ends with std::bad_function_call.
+    Handle RegisterCallback(Function function)
+    {
+        auto stored = std::make_unique<Function>(std::move(function));
+        const Handle handle = stored.get();
+        const std::lock_guard lock(mutex);
+        callbacks.emplace(handle, std::move(stored));
+        return handle;
+    }
+
+    // An unknown handle is ignored.
+    void UnregisterCallback(Handle handle)
+    {
+        std::unique_ptr<Function> removed; // freed after the lock
+        const std::lock_guard lock(mutex);
+        const auto found = callbacks.find(handle);
+        if (found == callbacks.end()) return;
+        removed = std::move(found->second);
+        callbacks.erase(found);
+    }
+
+    // Calls every function, in no defined order, on this thread. An exception ends the round.
+    void TriggerCallback(const Arguments&... arguments)
+    {
+        const std::lock_guard lock(mutex);
+        for (const auto& [handle, function] : callbacks)
+        {
+            (*function)(arguments...);
+        }
+    }
+
+    bool IsEmpty()
+    {
+        const std::lock_guard lock(mutex);
+        return callbacks.empty();
+    }
+
+private:
+    CheckedMutex mutex;
+    std::unordered_map<Handle, std::unique_ptr<Function>> callbacks;
+};
+
+} // namespace koro::internal

@@ -1,0 +1,25 @@
+#include "base/checked_mutex.h"
+
+#include <system_error>
+
+namespace koro::internal
+{
+
+void CheckedMutex::lock()
+{
+    // Relaxed is enough: a thread can only meet its own id here if it wrote it itself.
+    if (owner.load(std::memory_order_relaxed) == std::this_thread::get_id())
+    {
+        throw std::system_error(std::make_error_code(std::errc::resource_deadlock_would_occur));
+    }
+    mutex.lock();
+    owner.store(std::this_thread::get_id(), std::memory_order_relaxed);
+}
+
+void CheckedMutex::unlock()
+{
+    owner.store(std::thread::id(), std::memory_order_relaxed);
+    mutex.unlock();
+}
+
+} // namespace koro::internal

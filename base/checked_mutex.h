@@ -1,0 +1,30 @@
+// CheckedMutex: a plain, non-recursive mutex that knows its owner.
+//
+// A second lock by the owning thread throws the standard deadlock error instead of hanging. For the locks
+// that are held while an application's callback runs.
+#pragma once
+
+#include <atomic>
+#include <mutex>
+#include <thread>
+
+namespace koro::internal
+{
+
+class CheckedMutex
+{
+public:
+    CheckedMutex() = default;
+    CheckedMutex(const CheckedMutex&) = delete;
+    CheckedMutex& operator=(const CheckedMutex&) = delete;
+
+    // Throws std::system_error (resource_deadlock_would_occur) on the owning thread.
+    void lock();
+    void unlock();
+
+private:
+    std::mutex mutex;
+    std::atomic<std::thread::id> owner{};
+};
+
+} // namespace koro::internal

@@ -1,0 +1,32 @@
+// Once: a step that is done once, by whoever comes first; a failure leaves it open for the next caller.
+//
+// std::call_once promises the same, but its underlying pthread_once hangs at the second call after an
+// exception when a thread sanitizer watches it.
+#pragma once
+
+#include <atomic>
+#include <mutex>
+
+namespace koro::internal
+{
+
+class Once
+{
+public:
+    // Any thread. Callers that come while the step runs wait for its end.
+    template <class Step>
+    void Run(Step&& step)
+    {
+        if (done.load(std::memory_order_acquire)) return;
+        const std::lock_guard lock(mutex);
+        if (done.load(std::memory_order_relaxed)) return;
+        step();
+        done.store(true, std::memory_order_release);
+    }
+
+private:
+    std::mutex mutex;
+    std::atomic<bool> done{false};
+};
+
+} // namespace koro::internal
