@@ -1,0 +1,28 @@
+// EnvironmentVariable: sets or removes one variable of the process and puts the old state back when it goes.
+//
+// Owned by the test; nested ones go in reverse order. Not thread-safe, as the environment itself.
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace koro::test
+{
+
+class EnvironmentVariable
+{
+public:
+    // An empty optional removes the variable.
+    EnvironmentVariable(const std::string& name, const std::optional<std::string>& value);
+    ~EnvironmentVariable();
+    EnvironmentVariable(const EnvironmentVariable&) = delete;
+    EnvironmentVariable& operator=(const EnvironmentVariable&) = delete;
+
+    void Set(const std::optional<std::string>& value) const;
+
+private:
+    std::string name;
+    std::optional<std::string> before;
+};
+
+} // namespace koro::test

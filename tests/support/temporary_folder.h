@@ -1,0 +1,35 @@
+// TemporaryFolder: a folder of one test's own, removed with all that is in it when the object goes.
+//
+// Owned by the test. One thread.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace koro::test
+{
+
+class TemporaryFolder
+{
+public:
+    TemporaryFolder();
+    ~TemporaryFolder();
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    const std::filesystem::path& Path() const { return path; }
+
+    // The path of `name` inside, as text; nothing is made.
+    std::string File(const std::string& name) const { return (path / name).string(); }
+
+    // Each makes the named entry and returns its path.
+    std::string MakeFile(const std::string& name, const std::string& content) const;
+    std::string MakeFolder(const std::string& name) const;
+    std::string MakeCopy(const std::filesystem::path& source, const std::string& name) const;
+    std::string MakeLink(const std::filesystem::path& target, const std::string& name) const;
+
+private:
+    std::filesystem::path path;
+};
+
+} // namespace koro::test
