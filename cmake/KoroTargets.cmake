@@ -2,6 +2,16 @@
 
 find_package(Threads REQUIRED)
 
+# A compiler cache is used where there is one; a launcher that the user chose stays.
+find_program(KORO_CCACHE ccache)
+if(KORO_CCACHE AND PROJECT_IS_TOP_LEVEL)
+    foreach(language C CXX)
+        if(NOT CMAKE_${language}_COMPILER_LAUNCHER)
+            set(CMAKE_${language}_COMPILER_LAUNCHER ${KORO_CCACHE})
+        endif()
+    endforeach()
+endif()
+
 add_library(koro_options INTERFACE)
 target_include_directories(koro_options INTERFACE
     $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}> $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>)
@@ -17,6 +27,9 @@ if(KORO_SANITIZE)
     # Signed overflow and the like end the test; a report that only scrolls by would be missed.
     add_compile_options(-fsanitize=${KORO_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
     add_link_options(-fsanitize=${KORO_SANITIZE})
+endif()
+if(KORO_FUZZ)
+    add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 
 # Hidden symbols and no unique ones: unique symbols would make unloading impossible.
@@ -48,6 +61,16 @@ function(koro_add_producer target)
         LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/producers)
 endfunction()
 
+# One target for each label builds the tests that bear it: koro_tests_<label>.
+function(koro_label_tests name)
+    foreach(label ${ARGN})
+        if(NOT TARGET koro_tests_${label})
+            add_custom_target(koro_tests_${label})
+        endif()
+        add_dependencies(koro_tests_${label} ${name})
+    endforeach()
+endfunction()
+
 # koro_add_test(name SOURCES ... LIBRARIES ... [LABELS ...] [PRODUCERS targets...]): one GoogleTest program, one CTest entry.
 # PRODUCERS are built before it; their folder is in the environment variable KORO_TEST_PRODUCERS.
 function(koro_add_test name)
@@ -58,6 +81,7 @@ function(koro_add_test name)
     if(ARG_PRODUCERS)
         add_dependencies(${name} ${ARG_PRODUCERS})
     endif()
+    koro_label_tests(${name} ${ARG_LABELS})
     set(folder ${CMAKE_CURRENT_BINARY_DIR}/${name}.run)
     file(MAKE_DIRECTORY ${folder})
     add_test(NAME ${name} COMMAND ${name} WORKING_DIRECTORY ${folder})

@@ -1,0 +1,44 @@
+# What `cmake --install` lays down: headers, library, CMake package, pkg-config file, tool, simulator, documents.
+
+include(CMakePackageConfigHelpers)
+
+set(KORO_INSTALL_PACKAGEDIR ${CMAKE_INSTALL_LIBDIR}/cmake/${PROJECT_NAME})
+set(KORO_INSTALL_PRODUCERDIR ${CMAKE_INSTALL_LIBDIR}/${PROJECT_NAME})
+
+# The object library's include folders are not for consumers, so the package names its own.
+if(TARGET zvr_koro)
+    target_include_directories(zvr_koro INTERFACE $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+    set_target_properties(zvr_koro PROPERTIES EXPORT_NAME koro)
+    install(TARGETS zvr_koro EXPORT ${PROJECT_NAME}Targets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+    install(EXPORT ${PROJECT_NAME}Targets NAMESPACE zvr:: DESTINATION ${KORO_INSTALL_PACKAGEDIR})
+endif()
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/koro DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+    FILES_MATCHING PATTERN "*.h" PATTERN "*.hpp")
+
+configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/${PROJECT_NAME}Config.cmake.in
+    ${PROJECT_BINARY_DIR}/${PROJECT_NAME}Config.cmake
+    INSTALL_DESTINATION ${KORO_INSTALL_PACKAGEDIR} PATH_VARS KORO_INSTALL_PRODUCERDIR)
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/${PROJECT_NAME}ConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/${PROJECT_NAME}Config.cmake ${PROJECT_BINARY_DIR}/${PROJECT_NAME}ConfigVersion.cmake
+    DESTINATION ${KORO_INSTALL_PACKAGEDIR})
+
+# pkg-config follows a moved prefix only while the folders stay below it.
+cmake_path(APPEND KORO_PC_LIBDIR "\${prefix}" ${CMAKE_INSTALL_LIBDIR})
+cmake_path(APPEND KORO_PC_INCLUDEDIR "\${prefix}" ${CMAKE_INSTALL_INCLUDEDIR})
+cmake_path(APPEND KORO_PC_PRODUCERDIR "\${prefix}" ${KORO_INSTALL_PRODUCERDIR})
+configure_file(${CMAKE_CURRENT_LIST_DIR}/${PROJECT_NAME}.pc.in ${PROJECT_BINARY_DIR}/${PROJECT_NAME}.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/${PROJECT_NAME}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+if(TARGET koro_tool)
+    file(RELATIVE_PATH library_from_tool /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
+    set_target_properties(koro_tool PROPERTIES INSTALL_RPATH $ORIGIN/${library_from_tool})
+    install(TARGETS koro_tool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+endif()
+if(TARGET zvr_koro_simulator)
+    install(TARGETS zvr_koro_simulator LIBRARY DESTINATION ${KORO_INSTALL_PRODUCERDIR})
+endif()
+
+install(FILES ${PROJECT_SOURCE_DIR}/LICENSE ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/CHANGELOG.md
+    DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}
+    FILES_MATCHING PATTERN "*.md" PATTERN "decisions" EXCLUDE)
