@@ -1,0 +1,16 @@
+// One name for the file system library: ghc::filesystem where the system has it, else the standard one.
+#pragma once
+
+#ifdef KORO_HAVE_GHC_FILESYSTEM
+#include <ghc/filesystem.hpp>
+namespace koro::internal
+{
+namespace fs = ghc::filesystem;
+}
+#else
+#include <filesystem>
+namespace koro::internal
+{
+namespace fs = std::filesystem;
+}
+#endif

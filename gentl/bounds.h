@@ -1,0 +1,24 @@
+// Bounds for what a producer claims. A claim beyond them ends in an InternalErrorException that names the bound.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace koro::internal
+{
+
+struct ClaimBound
+{
+    const char* name; // as messages tell it
+    std::uint64_t limit;
+};
+
+inline constexpr ClaimBound informationBound{"information bytes", 16u << 20};
+inline constexpr ClaimBound textBound{"text bytes", 16u << 20};
+inline constexpr ClaimBound eventBlockBound{"event block bytes", 256u << 20};
+inline constexpr ClaimBound childrenBound{"children of one module", 65536};
+
+// Throws when `claimed` lies above the bound; `function` is the GenTL function that made the claim.
+void CheckClaim(const ClaimBound& bound, std::uint64_t claimed, const char* function);
+
+} // namespace koro::internal

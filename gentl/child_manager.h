@@ -1,0 +1,158 @@
+// TGenTLChildManager: the list of what lies below a module in the producer's tree.
+//
+// An update asks the producer for the present children, matches them by key against those held, keeps the object of
+// a child that stayed, and reports what was lost and what was found. Nothing but the key is ever compared.
+// Any thread; `listMutex` is held across the producer calls of an update, never during a callback.
+#pragma once
+
+#include "base/callback_registry.h"
+#include "gentl/bounds.h"
+#include "gentl/gentl_caller.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+namespace koro::internal
+{
+
+template <class Descriptor, class Key, class Index, class Parent>
+class TGenTLChildManager
+{
+public:
+    using FoundCallbacks = TCallbackManager<std::shared_ptr<Descriptor>>;
+    using LostCallbacks = TCallbackManager<Key>;
+
+    TGenTLChildManager(const TGenTLChildManager&) = delete;
+    TGenTLChildManager& operator=(const TGenTLChildManager&) = delete;
+    virtual ~TGenTLChildManager() = default;
+
+    // Walks the producer's list at the first call and whenever the producer reports a change. The new list is
+    // published before the first callback; all lost ones come before all found ones, and found ones in the
+    // producer's order. A failure leaves the published list and reports nothing.
+    void UpdateChildren(std::uint64_t timeout_ms)
+    {
+        auto news = WalkIfChanged(timeout_ms);
+        for (const auto& [key, descriptor] : news.lost)
+            lostCallbacks.TriggerCallback(key);
+        for (const auto& descriptor : news.found)
+            foundCallbacks.TriggerCallback(descriptor);
+    }
+
+    // A copy of the published list, without an update.
+    std::vector<std::shared_ptr<Descriptor>> Children() const
+    {
+        const std::lock_guard lock(listMutex);
+        return children;
+    }
+
+    typename FoundCallbacks::Handle RegisterFoundCallback(typename FoundCallbacks::Function function)
+    {
+        return foundCallbacks.RegisterCallback(std::move(function));
+    }
+    void UnregisterFoundCallback(typename FoundCallbacks::Handle handle) { foundCallbacks.UnregisterCallback(handle); }
+
+    typename LostCallbacks::Handle RegisterLostCallback(typename LostCallbacks::Function function)
+    {
+        return lostCallbacks.RegisterCallback(std::move(function));
+    }
+    void UnregisterLostCallback(typename LostCallbacks::Handle handle) { lostCallbacks.UnregisterCallback(handle); }
+
+protected:
+    explicit TGenTLChildManager(GenTLCaller genTLCaller) : caller(std::move(genTLCaller)) {}
+
+    // What the owner supplies. The names stand in the messages of failures.
+    virtual GenTL::GC_ERROR ProducerUpdateChildren(GenTL::bool8_t* changed, std::uint64_t timeout_ms) = 0;
+    virtual GenTL::GC_ERROR ProducerNumChildren(std::uint32_t* count) = 0;
+    virtual GenTL::GC_ERROR ProducerChildID(Index index, Key* id) = 0;
+    virtual const char* UpdateFunctionName() const = 0;
+    virtual const char* NumChildrenFunctionName() const = 0;
+    virtual const char* ChildIDFunctionName() const = 0;
+    // The owner itself; throws std::bad_weak_ptr when it is being destroyed.
+    virtual std::shared_ptr<Parent> SharedOwner() = 0;
+
+private:
+    using ChildMap = std::unordered_map<Key, std::shared_ptr<Descriptor>>;
+
+    struct News
+    {
+        ChildMap lost;
+        std::vector<std::shared_ptr<Descriptor>> found;
+    };
+
+    News WalkIfChanged(std::uint64_t timeout_ms)
+    {
+        const std::lock_guard lock(listMutex);
+        GenTL::bool8_t changed = 0;
+        Check(UpdateFunctionName(), ProducerUpdateChildren(&changed, timeout_ms));
+        if (updatedOnce && !changed) return {};
+
+        std::uint32_t count = 0;
+        Check(NumChildrenFunctionName(), ProducerNumChildren(&count));
+        CheckClaim(childrenBound, count, NumChildrenFunctionName());
+        return Walk(count);
+    }
+
+    // A child that stayed leaves `childrenByKey` at once. A failure half way therefore makes the next walk take the
+    // ones matched so far for new: they are reported as found, and their old objects go without a lost report.
+    News Walk(std::uint32_t count)
+    {
+        News news;
+        std::vector<std::shared_ptr<Descriptor>> newList;
+        ChildMap newMap;
+        for (Index index = 0; index < count; ++index)
+        {
+            Key id{};
+            Check(ChildIDFunctionName(), ProducerChildID(index, &id));
+            std::shared_ptr<Descriptor> descriptor;
+            if (const auto stayed = childrenByKey.find(id); stayed != childrenByKey.end())
+            {
+                descriptor = std::move(stayed->second);
+                childrenByKey.erase(stayed);
+            }
+            else
+            {
+                descriptor = std::make_shared<Descriptor>(id, SharedOwner(), caller.Proxy());
+                news.found.push_back(descriptor);
+            }
+            newList.push_back(descriptor);
+            newMap.emplace(id, std::move(descriptor)); // the first of two equal keys stays
+        }
+        news.lost = std::exchange(childrenByKey, std::move(newMap));
+        children = std::move(newList);
+        updatedOnce = true;
+        return news;
+    }
+
+    void Check(const char* function, GenTL::GC_ERROR result) const { CheckResult(function, result, *caller.Proxy()); }
+
+    const GenTLCaller caller;
+    std::vector<std::shared_ptr<Descriptor>> children; // in the producer's order
+    ChildMap childrenByKey;
+    FoundCallbacks foundCallbacks;
+    LostCallbacks lostCallbacks;
+    mutable std::mutex listMutex; // guards children and childrenByKey; no registry's mutex is taken under it
+    std::atomic<bool> updatedOnce{false};
+};
+
+// The id of a child in the string form of the standard: one query for the size, one for the text.
+// `query(buffer, size)` is the producer's function with all other arguments bound.
+template <class Query>
+GenTL::GC_ERROR QueryTextID(Query&& query, const char* function, std::string* id)
+{
+    std::size_t size = 0;
+    if (const auto result = query(nullptr, &size); result != GenTL::GC_ERR_SUCCESS) return result;
+    CheckClaim(textBound, size, function);
+    std::vector<char> text(size);
+    if (const auto result = query(text.data(), &size); result != GenTL::GC_ERR_SUCCESS) return result;
+    id->assign(text.begin(), std::find(text.begin(), text.end(), '\0'));
+    return GenTL::GC_ERR_SUCCESS;
+}
+
+} // namespace koro::internal

@@ -1,0 +1,47 @@
+// EnvironmentInspector: the producers that GENICAM_GENTL64_PATH leads to.
+//
+// One for the process, never destroyed before its end; closing the library leaves it alone. Any thread.
+#pragma once
+
+#include <functional>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace koro::internal
+{
+
+class EnvironmentInspector
+{
+public:
+    // Tells whether the producer at a path can be used; whatever it throws means no.
+    using UsabilityTest = std::function<bool(const std::string& ctiPath)>;
+
+    static EnvironmentInspector& Shared();
+
+    // Walks the variable's folders and changes the list by the difference: entries that are still there stay in
+    // front, in their order; new ones stand behind them, sorted. Only new ones are tested, one after the other, with
+    // the lock held. Throws NotFoundException when the variable is not set.
+    void UpdateCTIPaths(const UsabilityTest& isUsable);
+
+    // A copy of the list, which is empty before the first update.
+    std::vector<std::string> CTIPaths() const;
+
+private:
+    mutable std::mutex mutex;
+    std::vector<std::string> ctiPaths;
+};
+
+// The non-empty pieces between the separators ':' and ';'.
+std::vector<std::string> SplitProducerFolders(std::string_view variable);
+
+// Runs of slashes become one, except exactly two in front of a name.
+std::string StoredPathForm(std::string_view path);
+
+// The canonical paths of the plain files directly in `folder` whose names end in ".cti", in no order. None for a
+// folder that is absent, unreadable or has a path of 258 characters and more. Throws the file system's error for an
+// entry without canonical form.
+std::vector<std::string> ListProducerFiles(const std::string& folder);
+
+} // namespace koro::internal

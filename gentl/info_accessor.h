@@ -1,0 +1,87 @@
+// TGenTLInfoAccessor: typed queries of a GenTL object's information, a base of each class that has some.
+//
+// A query is two producer calls, size and data, and nothing is cached: every value is read fresh. The delivered
+// type and size have to be the expected ones. Any thread.
+#pragma once
+
+#include "base/exceptions.h"
+#include "gentl/gentl_caller.h"
+#include "gentl/info_names.h"
+
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+namespace koro::internal
+{
+
+// An answer as the producer delivered it, unchecked.
+struct RawInfo
+{
+    std::int32_t dataType; // INFO_DATATYPE of the standard
+    std::vector<std::uint8_t> bytes;
+};
+
+class InfoAccessor
+{
+public:
+    InfoAccessor(const InfoAccessor&) = delete;
+    InfoAccessor& operator=(const InfoAccessor&) = delete;
+    virtual ~InfoAccessor() = default;
+
+    // Any command, also a producer's own. Throws IOException, NotFoundException or InternalErrorException.
+    RawInfo Info(std::int32_t command) const;
+
+protected:
+    explicit InfoAccessor(GenTLCaller caller) : gentl(std::move(caller)) {}
+
+    // The producer's function with the identifiers of this object.
+    virtual GenTL::GC_ERROR QueryInfo(
+        std::int32_t command, GenTL::INFO_DATATYPE* dataType, void* buffer, std::size_t* size) const = 0;
+    virtual const char* QueryName() const = 0;
+    virtual const char* CommandName(std::int32_t command) const = 0;
+
+    // The value of a fixed size; throws InternalErrorException when type or size differ from the expected ones.
+    // INFO_DATATYPE_UNKNOWN passes for any type, since some producers leave the type unset.
+    template <class Value>
+    Value NumericInfo(std::int32_t command, GenTL::INFO_DATATYPE expectedDataType) const
+    {
+        static_assert(std::is_trivially_copyable_v<Value>);
+        Value value{};
+        FetchFixedSize(command, expectedDataType, &value, sizeof value);
+        return value;
+    }
+
+    bool BooleanInfo(std::int32_t command) const;
+    // The text up to the first zero.
+    std::string StringInfo(std::int32_t command) const;
+
+    // Throws by the rule for info queries, with `function` as the name in the message.
+    [[noreturn]] void ThrowInfoError(const char* function, std::int32_t command) const;
+
+    const GenTLCaller gentl;
+
+private:
+    std::size_t QuerySize(std::int32_t command) const;
+    // Reads into `size` zeroed bytes; returns the delivered size, which is never above `size`.
+    std::size_t QueryData(
+        std::int32_t command, GenTL::INFO_DATATYPE* dataType, std::uint8_t* bytes, std::size_t size) const;
+    void FetchFixedSize(
+        std::int32_t command, GenTL::INFO_DATATYPE expectedDataType, void* value, std::size_t expectedSize) const;
+    void CheckDataType(std::int32_t command, GenTL::INFO_DATATYPE expected, GenTL::INFO_DATATYPE delivered) const;
+    std::string Describe(const char* function, std::int32_t command) const;
+};
+
+template <class CommandList>
+class TGenTLInfoAccessor : public InfoAccessor
+{
+protected:
+    using InfoAccessor::InfoAccessor;
+
+private:
+    const char* CommandName(std::int32_t command) const final { return InfoCommandName<CommandList>(command); }
+};
+
+} // namespace koro::internal
