@@ -1,0 +1,45 @@
+/*
+ * A data stream of a device, before it is opened. The handle comes from KORO_Device_GetDataStream and ends with the
+ * device. Any thread.
+ */
+#ifndef KORO_DATA_STREAM_DESCRIPTOR_H
+#define KORO_DATA_STREAM_DESCRIPTOR_H
+
+#include <koro/return_codes.h>
+#include <koro/types.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/**
+ * Gives the descriptor as its base kind. The same handle each time.
+ * @param[out] moduleDescriptorHandle ends with the descriptor
+ */
+KORO_API KORO_ReturnCode KORO_DataStreamDescriptor_ToModuleDescriptor(
+    KORO_DataStreamDescriptorHandle dataStreamDescriptorHandle, KORO_ModuleDescriptorHandle* moduleDescriptorHandle);
+
+/** Gives the key: the device's key, "|", the id. No producer call. */
+KORO_API KORO_ReturnCode KORO_DataStreamDescriptor_GetKey(
+    KORO_DataStreamDescriptorHandle dataStreamDescriptorHandle, char* key, size_t* keySize);
+
+/**
+ * Gives the device of the descriptor.
+ * @param[out] deviceHandle the handle from the opening: nothing new to destruct
+ */
+KORO_API KORO_ReturnCode KORO_DataStreamDescriptor_GetParentDevice(
+    KORO_DataStreamDescriptorHandle dataStreamDescriptorHandle, KORO_DeviceHandle* deviceHandle);
+
+/**
+ * Opens the data stream.
+ * @param[out] dataStreamHandle a new handle; end it with KORO_DataStream_Destruct
+ * @return KORO_RETURN_CODE_BAD_ACCESS when the producer refuses, for instance since the stream is open already
+ */
+KORO_API KORO_ReturnCode KORO_DataStreamDescriptor_OpenDataStream(
+    KORO_DataStreamDescriptorHandle dataStreamDescriptorHandle, KORO_DataStreamHandle* dataStreamHandle);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -1,0 +1,42 @@
+/*
+ * The search for producers: the .cti files in the directories of the environment variable GENICAM_GENTL64_PATH.
+ *
+ * The list is one per process, empty before the first update, and outlives KORO_Library_Close. Any thread may call;
+ * an update blocks the readers, since it loads each new candidate once to see whether it can be used.
+ */
+#ifndef KORO_ENVIRONMENT_INSPECTOR_H
+#define KORO_ENVIRONMENT_INSPECTOR_H
+
+#include <koro/return_codes.h>
+#include <koro/types.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/**
+ * Searches the directories of GENICAM_GENTL64_PATH, which are separated by ":" or ";". Files that cannot be used
+ * are left out without a report.
+ * @return KORO_RETURN_CODE_NOT_FOUND when the variable is not set; the list then stays as it was
+ */
+KORO_API KORO_ReturnCode KORO_EnvironmentInspector_UpdateCTIPaths(void);
+
+/**
+ * Gives the number of producers that the last update found.
+ * @param[out] numCtiPaths number of paths
+ */
+KORO_API KORO_ReturnCode KORO_EnvironmentInspector_GetNumCTIPaths(size_t* numCtiPaths);
+
+/**
+ * Gives the canonical path of one producer, for KORO_ProducerLibrary_Construct.
+ * @param[in]  index                0 to the number of paths less 1
+ * @param[out] ctiPath, ctiPathSize the path
+ * @return KORO_RETURN_CODE_OUT_OF_RANGE for an index beyond the list, always before the first update
+ */
+KORO_API KORO_ReturnCode KORO_EnvironmentInspector_GetCTIPath(size_t index, char* ctiPath, size_t* ctiPathSize);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -1,0 +1,133 @@
+/*
+ * An opened interface, which lists the devices behind it.
+ *
+ * The handle ends with KORO_Interface_Destruct, or with its system. Every query but key and id asks the producer
+ * anew. Found and lost reports come out of KORO_Interface_UpdateDevices alone. Any thread.
+ */
+#ifndef KORO_INTERFACE_H
+#define KORO_INTERFACE_H
+
+#include <koro/gentl_values.h>
+#include <koro/return_codes.h>
+#include <koro/types.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/**
+ * Ends the handle, with its Module and EventSupportingModule handles, and all handles below it. The interface is
+ * closed when its last use ends.
+ */
+KORO_API KORO_ReturnCode KORO_Interface_Destruct(KORO_InterfaceHandle interfaceHandle);
+
+/** Gives the key: the system's key, "|", the id. No producer call. */
+KORO_API KORO_ReturnCode KORO_Interface_GetKey(KORO_InterfaceHandle interfaceHandle, char* key, size_t* keySize);
+
+/** Gives the interface's id. */
+KORO_API KORO_ReturnCode KORO_Interface_GetID(KORO_InterfaceHandle interfaceHandle, char* id, size_t* idSize);
+
+/**
+ * Gives any information of the interface as raw bytes.
+ * @param[in]  infoCommand    KORO_INTERFACE_INFO_... or a number of the producer's own
+ * @param[out] infoDataType   KORO_INFO_DATATYPE_... of the answer; valid also when the buffer is too small
+ * @param[out] info, infoSize the bytes as the producer delivered them
+ */
+KORO_API KORO_ReturnCode KORO_Interface_GetInfo(
+    KORO_InterfaceHandle interfaceHandle, int32_t infoCommand, int32_t* infoDataType, uint8_t* info, size_t* infoSize);
+
+/** Gives the name to show to a person. */
+KORO_API KORO_ReturnCode
+KORO_Interface_GetDisplayName(KORO_InterfaceHandle interfaceHandle, char* displayName, size_t* displayNameSize);
+
+/** Gives the transport layer type of the interface, such as "GEV" or "U3V". */
+KORO_API KORO_ReturnCode
+KORO_Interface_GetTLType(KORO_InterfaceHandle interfaceHandle, char* tlType, size_t* tlTypeSize);
+
+/**
+ * Lets the producer search for devices, takes over the new list, then calls the lost and the found callbacks on
+ * this thread.
+ * The first update always reads the list. A device that stayed keeps its descriptor and handle.
+ * @param[in] timeout_ms milliseconds for the producer's search; KORO_INFINITE waits without end
+ */
+KORO_API KORO_ReturnCode KORO_Interface_UpdateDevices(KORO_InterfaceHandle interfaceHandle, uint64_t timeout_ms);
+
+/** Gives the number of devices at the last update, 0 before it. Does not update. */
+KORO_API KORO_ReturnCode KORO_Interface_GetNumDevices(KORO_InterfaceHandle interfaceHandle, size_t* numDevices);
+
+/**
+ * Gives one device of the list, not yet opened. The same handle each time.
+ * @param[in]  index                  0 to the number of devices less 1
+ * @param[out] deviceDescriptorHandle ends when an update loses the device, or with the interface; there is nothing
+ *                                    to destruct
+ * @return KORO_RETURN_CODE_OUT_OF_RANGE for an index beyond the list
+ */
+KORO_API KORO_ReturnCode KORO_Interface_GetDevice(
+    KORO_InterfaceHandle interfaceHandle, size_t index, KORO_DeviceDescriptorHandle* deviceDescriptorHandle);
+
+/**
+ * Calls the application for each device that an update finds, on the thread that runs KORO_Interface_UpdateDevices.
+ * The callback must not throw, and must not register or unregister a found callback of this interface. The handle
+ * that it gets ends when the device is lost.
+ * @param[in]  callback        called as callback(deviceDescriptorHandle, callbackContext)
+ * @param[in]  callbackContext passed to the callback as it is; may be null
+ * @param[out] callbackHandle  for unregistering; ends with the interface
+ */
+KORO_API KORO_ReturnCode KORO_Interface_RegisterDeviceFoundCallback(
+    KORO_InterfaceHandle interfaceHandle, KORO_DeviceFoundCallback callback, void* callbackContext,
+    KORO_DeviceFoundCallbackHandle* callbackHandle);
+
+/**
+ * Ends the calls of a found callback. An unknown callback handle is ignored.
+ * Waits for a call that is under way on another thread.
+ * @param[in] callbackHandle from the registration
+ */
+KORO_API KORO_ReturnCode KORO_Interface_UnregisterDeviceFoundCallback(
+    KORO_InterfaceHandle interfaceHandle, KORO_DeviceFoundCallbackHandle callbackHandle);
+
+/**
+ * Calls the application for each device that is gone at an update, on the thread that runs
+ * KORO_Interface_UpdateDevices, before any found callback.
+ * The callback must not throw, must not register or unregister a lost callback of this interface, and cannot rely
+ * on the handle of the lost device's descriptor being valid.
+ * @param[in]  callback        called as callback(deviceId, deviceIdSize, callbackContext)
+ * @param[in]  callbackContext passed to the callback as it is; may be null
+ * @param[out] callbackHandle  for unregistering; ends with the interface
+ */
+KORO_API KORO_ReturnCode KORO_Interface_RegisterDeviceLostCallback(
+    KORO_InterfaceHandle interfaceHandle, KORO_DeviceLostCallback callback, void* callbackContext,
+    KORO_DeviceLostCallbackHandle* callbackHandle);
+
+/**
+ * Ends the calls of a lost callback. An unknown callback handle is ignored.
+ * Waits for a call that is under way on another thread.
+ * @param[in] callbackHandle from the registration
+ */
+KORO_API KORO_ReturnCode KORO_Interface_UnregisterDeviceLostCallback(
+    KORO_InterfaceHandle interfaceHandle, KORO_DeviceLostCallbackHandle callbackHandle);
+
+/**
+ * Gives the system of the interface.
+ * @param[out] systemHandle the handle from the opening: nothing new to destruct
+ */
+KORO_API KORO_ReturnCode
+KORO_Interface_GetParentSystem(KORO_InterfaceHandle interfaceHandle, KORO_SystemHandle* systemHandle);
+
+/**
+ * Gives the interface as a module, for its port. The same handle each time.
+ * @param[out] moduleHandle ends with the interface's handle
+ */
+KORO_API KORO_ReturnCode KORO_Interface_ToModule(KORO_InterfaceHandle interfaceHandle, KORO_ModuleHandle* moduleHandle);
+
+/**
+ * Gives the interface as a module with events. The same handle each time.
+ * @param[out] eventSupportingModuleHandle ends with the interface's handle
+ */
+KORO_API KORO_ReturnCode KORO_Interface_ToEventSupportingModule(
+    KORO_InterfaceHandle interfaceHandle, KORO_EventSupportingModuleHandle* eventSupportingModuleHandle);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
