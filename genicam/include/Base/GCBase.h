@@ -1,0 +1,8 @@
+// GCBase.h: the Base part as one include.
+#pragma once
+
+#include <Base/GCException.h>
+#include <Base/GCString.h>
+#include <Base/GCStringVector.h>
+#include <Base/GCTypes.h>
+#include <Base/GCUtilities.h>

@@ -1,0 +1,18 @@
+// IPort: the road to the registers. Implemented by the application, which owns it and keeps it alive while it is
+// connected; what its operations throw passes through the nodes unchanged.
+#pragma once
+
+#include <GenApi/IBase.h>
+
+namespace GENAPI_NAMESPACE
+{
+
+GENICAM_INTERFACE GENAPI_DECL_ABSTRACT IPort : virtual public IBase
+{
+    // Reads `length` bytes from `address` into `buffer`.
+    virtual void Read(void* buffer, int64_t address, int64_t length) = 0;
+    // Writes `length` bytes from `buffer` to `address`.
+    virtual void Write(const void* buffer, int64_t address, int64_t length) = 0;
+};
+
+} // namespace GENAPI_NAMESPACE

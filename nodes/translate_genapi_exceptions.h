@@ -1,0 +1,30 @@
+// TranslateGenApiExceptions: the wrapper around every call into the GenICam runtime that can throw.
+//
+// The runtime's exceptions are no standard ones; here they become the library's own, with the whole text of the source.
+// Everything else passes untouched: exceptions of the library come through the runtime when a port throws them. Any
+// thread.
+#pragma once
+
+#include <Base/GCException.h>
+#include <utility>
+
+namespace koro::internal
+{
+
+// To be called in a catch clause for GenericException only.
+[[noreturn]] void RethrowGenApiExceptionAsOwn();
+
+template <class Callable>
+decltype(auto) TranslateGenApiExceptions(Callable&& callable)
+{
+    try
+    {
+        return std::forward<Callable>(callable)();
+    }
+    catch (const GENICAM_NAMESPACE::GenericException&)
+    {
+        RethrowGenApiExceptionAsOwn();
+    }
+}
+
+} // namespace koro::internal
