@@ -1,0 +1,93 @@
+/*
+ * Takes frames on a thread of the application's own and ends its wait from another one. The library has no such
+ * thread: a wait without end blocks its caller until a frame comes or somebody kills the wait.
+ */
+#include "example.h"
+
+#include <pthread.h>
+#include <stdio.h>
+
+enum
+{
+    numBuffers = 3,
+    numFrames = 5
+};
+
+typedef struct Grabber
+{
+    KORO_DataStreamHandle stream;
+    pthread_mutex_t mutex;
+    pthread_cond_t frameTaken;
+    int numTaken; /* guarded by mutex */
+} Grabber;
+
+static void CountFrame(Grabber* grabber)
+{
+    pthread_mutex_lock(&grabber->mutex);
+    ++grabber->numTaken;
+    pthread_cond_signal(&grabber->frameTaken);
+    pthread_mutex_unlock(&grabber->mutex);
+}
+
+/* Grabs until the wait is killed. The last error belongs to a thread, so failures are told here. */
+static void* Grab(void* context)
+{
+    Grabber* grabber = context;
+    for (;;)
+    {
+        KORO_BufferHandle buffer = NULL;
+        const KORO_ReturnCode code = KORO_DataStream_WaitForFinishedBuffer(grabber->stream, KORO_INFINITE, &buffer);
+        if (code == KORO_RETURN_CODE_ABORTED)
+        {
+            return NULL;
+        }
+        Check(code);
+        CountFrame(grabber);
+        Check(KORO_DataStream_QueueBuffer(grabber->stream, buffer));
+    }
+}
+
+static void AwaitFrames(Grabber* grabber)
+{
+    pthread_mutex_lock(&grabber->mutex);
+    while (grabber->numTaken < numFrames)
+    {
+        pthread_cond_wait(&grabber->frameTaken, &grabber->mutex);
+    }
+    pthread_mutex_unlock(&grabber->mutex);
+}
+
+static void AllocateAndQueue(KORO_DataStreamHandle stream)
+{
+    size_t payloadSize = 0;
+    Check(KORO_DataStream_GetPayloadSize(stream, &payloadSize));
+    for (int index = 0; index < numBuffers; ++index)
+    {
+        KORO_BufferHandle buffer = NULL;
+        Check(KORO_DataStream_AllocAndAnnounceBuffer(stream, payloadSize, NULL, &buffer));
+        Check(KORO_DataStream_QueueBuffer(stream, buffer));
+    }
+}
+
+int main(void)
+{
+    Check(KORO_Library_Initialize());
+    const Camera camera = OpenFirstCamera();
+    AllocateAndQueue(camera.stream);
+
+    Grabber grabber = {camera.stream, PTHREAD_MUTEX_INITIALIZER, PTHREAD_COND_INITIALIZER, 0};
+    pthread_t thread;
+    if (pthread_create(&thread, NULL, Grab, &grabber) != 0)
+    {
+        return 1;
+    }
+    Check(KORO_DataStream_StartAcquisitionInfinite(camera.stream, KORO_ACQ_START_FLAGS_DEFAULT));
+    AwaitFrames(&grabber);
+    Check(KORO_DataStream_KillWait(camera.stream));
+    pthread_join(thread, NULL);
+    printf("%d frames on the thread, then its wait was killed\n", grabber.numTaken);
+
+    Check(KORO_DataStream_StopAcquisition(camera.stream, KORO_ACQ_STOP_FLAGS_DEFAULT));
+    CloseCamera(&camera);
+    return KORO_Library_Close();
+}
