@@ -1,0 +1,170 @@
+#include "image_writer.h"
+
+#include "pending_file.h"
+#include "tool_error.h"
+
+#include <bit>
+#include <cerrno>
+#include <csetjmp>
+#include <cstdarg>
+#include <cstring>
+#include <memory>
+#include <png.h>
+#include <string>
+#include <system_error>
+#include <tiffio.h>
+#include <unistd.h>
+
+namespace koro::tool
+{
+
+namespace
+{
+
+const uint8_t* BytesOf(const Picture& picture)
+{
+    return std::visit(
+        [](const auto& samples) { return reinterpret_cast<const uint8_t*>(samples.data()); }, picture.samples);
+}
+
+size_t LineBytes(const Picture& picture)
+{
+    return picture.width * picture.channels * (picture.BitsPerSample() / 8);
+}
+
+ToolError WriteError(const std::filesystem::path& path, const std::string& reason)
+{
+    return ToolError("Cannot write " + path.string() + ": " + reason + ".", "Check that the disk has room.");
+}
+
+// libpng reports by jumping: the text is kept here, outside of the frames that a jump skips.
+struct PNGFailure
+{
+    char text[160] = "unknown reason";
+};
+
+void KeepPNGError(png_structp png, png_const_charp text)
+{
+    auto* failure = static_cast<PNGFailure*>(png_get_error_ptr(png));
+    std::strncpy(failure->text, text, sizeof failure->text - 1);
+    png_longjmp(png, 1);
+}
+
+void IgnorePNGWarning(png_structp, png_const_charp) {}
+
+int ColourTypeOf(const Picture& picture)
+{
+    if (picture.channels == 1) return PNG_COLOR_TYPE_GRAY;
+    return picture.channels == 3 ? PNG_COLOR_TYPE_RGB : PNG_COLOR_TYPE_RGB_ALPHA;
+}
+
+// Holds nothing with a destructor: a jump may leave it. The light compression keeps pace with a camera.
+bool EncodePNG(png_structp png, png_infop info, std::FILE* stream, const Picture& picture, const uint8_t* bytes)
+{
+    if (setjmp(png_jmpbuf(png))) return false;
+
+    png_init_io(png, stream);
+    png_set_compression_level(png, 1);
+    png_set_filter(png, PNG_FILTER_TYPE_BASE, PNG_FILTER_SUB);
+    png_set_IHDR(
+        png, info, static_cast<png_uint_32>(picture.width), static_cast<png_uint_32>(picture.height),
+        static_cast<int>(picture.BitsPerSample()), ColourTypeOf(picture), PNG_INTERLACE_NONE,
+        PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+    png_write_info(png, info);
+    if (picture.BitsPerSample() == 16 && std::endian::native == std::endian::little) png_set_swap(png);
+    const size_t lineBytes = LineBytes(picture);
+    for (size_t y = 0; y < picture.height; ++y)
+        png_write_row(png, bytes + y * lineBytes);
+    png_write_end(png, nullptr);
+    return true;
+}
+
+// libtiff reports to one function of the process; the text belongs to the thread that writes.
+thread_local std::string tiffFailure;
+
+void KeepTIFFError(const char*, const char* format, va_list arguments)
+{
+    char text[256];
+    std::vsnprintf(text, sizeof text, format, arguments);
+    tiffFailure = text;
+}
+
+struct CloseTIFF
+{
+    void operator()(TIFF* tiff) const { TIFFClose(tiff); }
+};
+using TIFFOwner = std::unique_ptr<TIFF, CloseTIFF>;
+
+bool DescribeTIFF(TIFF* tiff, const Picture& picture)
+{
+    const int photometric = picture.channels == 1 ? PHOTOMETRIC_MINISBLACK : PHOTOMETRIC_RGB;
+    const uint16_t alpha[] = {EXTRASAMPLE_UNASSALPHA};
+    return TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, static_cast<uint32_t>(picture.width)) &&
+           TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, static_cast<uint32_t>(picture.height)) &&
+           TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, picture.BitsPerSample()) &&
+           TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, picture.channels) &&
+           (picture.channels != 4 || TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, 1, alpha)) &&
+           TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, photometric) &&
+           TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG) &&
+           TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_NONE) &&
+           TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, TIFFDefaultStripSize(tiff, 0));
+}
+
+bool EncodeTIFF(TIFF* tiff, const Picture& picture)
+{
+    if (!DescribeTIFF(tiff, picture)) return false;
+    const uint8_t* bytes = BytesOf(picture);
+    const size_t lineBytes = LineBytes(picture);
+    for (size_t y = 0; y < picture.height; ++y)
+    {
+        // The parameter lacks its const; an uncompressed line in the machine's byte order is left untouched.
+        auto* line = const_cast<uint8_t*>(bytes + y * lineBytes);
+        if (TIFFWriteScanline(tiff, line, static_cast<uint32_t>(y), 0) != 1) return false;
+    }
+    return TIFFFlush(tiff) == 1;
+}
+
+} // namespace
+
+void WritePNG(const Picture& picture, const std::filesystem::path& path)
+{
+    PendingFile file(path);
+    PNGFailure failure;
+    png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, &failure, KeepPNGError, IgnorePNGWarning);
+    png_infop info = png ? png_create_info_struct(png) : nullptr;
+    const bool written = info && EncodePNG(png, info, file.Stream(), picture, BytesOf(picture));
+    png_destroy_write_struct(&png, &info);
+    if (!written) throw WriteError(path, failure.text);
+    file.Commit();
+}
+
+void WriteTIFF(const Picture& picture, const std::filesystem::path& path)
+{
+    PendingFile file(path);
+    TIFFSetErrorHandler(KeepTIFFError);
+    tiffFailure = "unknown reason";
+    // libtiff closes what it is given; the pending file keeps its own descriptor.
+    const int descriptor = dup(fileno(file.Stream()));
+    if (descriptor < 0) throw WriteError(path, std::generic_category().message(errno));
+    TIFFOwner tiff(TIFFFdOpen(descriptor, path.c_str(), "w"));
+    if (!tiff)
+    {
+        close(descriptor);
+        throw WriteError(path, tiffFailure);
+    }
+    if (!EncodeTIFF(tiff.get(), picture)) throw WriteError(path, tiffFailure);
+    tiff.reset();
+    file.Commit();
+}
+
+void WriteRaw(const uint8_t* bytes, size_t size, const std::filesystem::path& path)
+{
+    PendingFile file(path);
+    if (std::fwrite(bytes, 1, size, file.Stream()) != size)
+    {
+        throw WriteError(path, std::generic_category().message(errno));
+    }
+    file.Commit();
+}
+
+} // namespace koro::tool

@@ -1,0 +1,48 @@
+#include "pending_file.h"
+
+#include "tool_error.h"
+
+#include <cerrno>
+#include <system_error>
+
+namespace koro::tool
+{
+
+PendingFile::PendingFile(const std::filesystem::path& path)
+    : finalPath(path), pendingPath(path.parent_path() / ("." + path.filename().string() + ".part")),
+      stream(std::fopen(pendingPath.c_str(), "w+b"))
+{
+    if (!stream) Fail("create", errno);
+}
+
+PendingFile::~PendingFile()
+{
+    if (stream) std::fclose(stream);
+    std::error_code ignored;
+    if (!pendingPath.empty()) std::filesystem::remove(pendingPath, ignored);
+}
+
+void PendingFile::Commit()
+{
+    const bool written = std::fflush(stream) == 0 && std::ferror(stream) == 0;
+    const int reason = errno;
+    const bool closed = std::fclose(stream) == 0;
+    stream = nullptr;
+    if (!written) Fail("write", reason);
+    if (!closed) Fail("write", errno);
+
+    std::error_code failure;
+    std::filesystem::rename(pendingPath, finalPath, failure);
+    if (failure) Fail("rename", failure.value());
+    pendingPath.clear();
+}
+
+void PendingFile::Fail(const char* action, int reason) const
+{
+    throw ToolError(
+        "Cannot " + std::string(action) + " " + finalPath.string() + ": " +
+            std::error_code(reason, std::generic_category()).message() + ".",
+        "Check that the folder exists, is writable and has room.");
+}
+
+} // namespace koro::tool

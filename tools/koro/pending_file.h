@@ -1,0 +1,34 @@
+// PendingFile: a file that shows up under its name only when it is whole.
+//
+// Owned by one writer; move-less. What was not committed is removed by the destructor. Not synchronised.
+#pragma once
+
+#include <cstdio>
+#include <filesystem>
+#include <string>
+
+namespace koro::tool
+{
+
+class PendingFile
+{
+public:
+    // Opens a hidden neighbour of `path` for writing. Throws ToolError with the system's reason.
+    explicit PendingFile(const std::filesystem::path& path);
+    PendingFile(const PendingFile&) = delete;
+    PendingFile& operator=(const PendingFile&) = delete;
+    ~PendingFile();
+
+    std::FILE* Stream() const noexcept { return stream; }
+    // Writes out and renames; an older file of that name is replaced. Throws ToolError with the system's reason.
+    void Commit();
+
+private:
+    [[noreturn]] void Fail(const char* action, int reason) const;
+
+    std::filesystem::path finalPath;
+    std::filesystem::path pendingPath;
+    std::FILE* stream;
+};
+
+} // namespace koro::tool

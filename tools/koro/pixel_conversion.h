@@ -1,0 +1,32 @@
+// Pixel conversion: from the bytes of a delivered frame to a picture. Pure functions. Any thread.
+#pragma once
+
+#include "picture.h"
+#include "pixel_format.h"
+
+#include <cstddef>
+#include <cstdint>
+
+namespace koro::tool
+{
+
+// A frame as the producer describes it. All numbers come from outside: nothing here has been checked.
+struct FrameLayout
+{
+    uint64_t pixelFormat = 0;
+    size_t width = 0;
+    size_t height = 0;
+    size_t xPadding = 0;    // bytes behind each line
+    size_t imageOffset = 0; // bytes in front of the first line
+    bool bigEndian = false;
+};
+
+// Bytes from the start of the frame to the end of the last line's pixels; the padding behind the last line may be
+// absent. Throws ToolError when a size is beyond reason (a side over 1,000,000 pixels) or the sum overflows.
+size_t BytesNeeded(const FrameLayout& layout);
+
+// Throws ToolError for an unknown pixel format, an empty picture, and a frame that is longer than `size` bytes.
+// Formats of more than 8 bits give 16 bits stretched to the full range; a Bayer mosaic gives colours.
+Picture ToPicture(const FrameLayout& layout, const uint8_t* frame, size_t size);
+
+} // namespace koro::tool
