@@ -1,0 +1,16 @@
+# The library stands under its three names, the tool finds it by itself and sees the simulated cameras.
+include(${CMAKE_CURRENT_LIST_DIR}/run.cmake)
+
+file(READ_SYMLINK ${LIBDIR}/libzvr_koro.so development)
+file(READ_SYMLINK ${LIBDIR}/libzvr_koro.so.1 runtime)
+Expect(${development} "^libzvr_koro\\.so\\.1$")
+Expect(${runtime} "^libzvr_koro\\.so\\.${VERSION}$")
+
+foreach(file IN ITEMS include/koro/koro.h include/koro/koro.hpp share/doc/zvr_koro/LICENSE share/doc/zvr_koro/abi.md)
+    if(NOT EXISTS ${PREFIX}/${file})
+        message(FATAL_ERROR "not installed: ${file}")
+    endif()
+endforeach()
+
+Run(${CMAKE_COMMAND} -E env --unset=LD_LIBRARY_PATH GENICAM_GENTL64_PATH=${LIBDIR}/zvr_koro ${PREFIX}/bin/koro list)
+Expect("${output}" "zvr_koro_simulator\\.cti")

@@ -1,0 +1,16 @@
+# Each installed header compiles alone: the C ones in both languages, the C++ face in one.
+include(${CMAKE_CURRENT_LIST_DIR}/run.cmake)
+
+set(strict -fsyntax-only -pedantic -Wall -Wextra -Werror -I${PREFIX}/include)
+file(GLOB headers RELATIVE ${PREFIX}/include ${PREFIX}/include/koro/*.h)
+list(LENGTH headers numHeaders)
+if(numHeaders LESS 20)
+    message(FATAL_ERROR "only ${numHeaders} headers are installed")
+endif()
+foreach(header IN LISTS headers)
+    file(WRITE ${WORK_DIR}/alone.c "#include <${header}>\n")
+    Run(${CC} -std=c11 ${strict} ${WORK_DIR}/alone.c)
+    Run(${CXX} -x c++ -std=c++11 ${strict} ${WORK_DIR}/alone.c)
+endforeach()
+file(WRITE ${WORK_DIR}/alone.cpp "#include <koro/koro.hpp>\n")
+Run(${CXX} -std=c++17 ${strict} ${WORK_DIR}/alone.cpp)

@@ -1,0 +1,14 @@
+# A stranger's C program, built by the compiler alone with what pkg-config answers.
+include(${CMAKE_CURRENT_LIST_DIR}/run.cmake)
+
+set(ENV{PKG_CONFIG_PATH} ${LIBDIR}/pkgconfig)
+Run(pkg-config --modversion zvr_koro)
+Expect(${output} "^${VERSION}$")
+Run(pkg-config --variable=producerdir zvr_koro)
+set(producers ${output})
+Run(pkg-config --cflags --libs zvr_koro)
+separate_arguments(flags UNIX_COMMAND "${output}")
+
+Run(${CC} -std=c11 -pedantic -Werror ${SOURCE_DIR}/examples/first_program.c -o ${WORK_DIR}/program ${flags})
+Run(${CMAKE_COMMAND} -E env LD_LIBRARY_PATH=${LIBDIR} GENICAM_GENTL64_PATH=${producers} ${WORK_DIR}/program)
+Expect("${output}" "^[1-9][0-9]* x [1-9][0-9]* pixels$")
