@@ -7,5 +7,5 @@ int main()
 {
     const auto library = koro::Library::Initialize();
     koro::EnvironmentInspector::Update();
-    std::printf("%zu producer\n", koro::EnvironmentInspector::Paths().size());
+    std::printf("%zu producer\n", koro::EnvironmentInspector::CTIPaths().size());
 }
