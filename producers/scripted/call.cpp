@@ -1,0 +1,124 @@
+#include "producers/scripted/call.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+
+namespace scripted
+{
+
+using namespace GenTL;
+
+namespace
+{
+
+thread_local Failure failure;
+
+bool NeedsInitialisation(std::string_view function)
+{
+    return function != "GCInitLib" && function != "GCGetLastError";
+}
+
+} // namespace
+
+std::string Say(Handle handle)
+{
+    return State::Get().live.Name(handle);
+}
+
+std::string Say(const char* text)
+{
+    return text ? text : "null";
+}
+
+std::string Say(std::int32_t number)
+{
+    return std::to_string(number);
+}
+
+std::string Say(std::uint32_t number)
+{
+    return std::to_string(number);
+}
+
+std::string Say(std::uint64_t number)
+{
+    return number == GENTL_INFINITE ? "infinite" : std::to_string(number);
+}
+
+std::string Say(Half half)
+{
+    return half.buffer ? "data" : "size";
+}
+
+void Enter(State& state, Lock& lock, const char* function, std::initializer_list<std::string> arguments)
+{
+    state.Record(function, arguments);
+    const auto found = state.answers.hooks.find(function);
+    if (found == state.answers.hooks.end()) return;
+    const auto hook = found->second; // a copy: the hook may replace itself
+    lock.unlock();
+    if (hook) hook();
+    lock.lock();
+}
+
+std::optional<GC_ERROR> SetResult(State& state, const char* function)
+{
+    if (const auto set = state.answers.NextResult(function)) return set;
+    if (state.live.initCount == 0 && NeedsInitialisation(function)) return GC_ERR_NOT_INITIALIZED;
+    return std::nullopt;
+}
+
+GC_ERROR Leave(const char* function, GC_ERROR result)
+{
+    if (result != GC_ERR_SUCCESS && std::string_view(function) != "GCGetLastError") failure = {result, function};
+    return result;
+}
+
+const Failure& LastFailure()
+{
+    return failure;
+}
+
+GC_ERROR AnswerInfo(const Info& info, INFO_DATATYPE* type, void* buffer, std::size_t* size)
+{
+    if (!size) return GC_ERR_INVALID_PARAMETER;
+    if (const GC_ERROR result = buffer ? info.dataResult : info.sizeResult) return result;
+    if (type && info.writesType) *type = info.type;
+    const std::size_t room = *size;
+    if (!buffer)
+    {
+        if (info.writesSize) *size = info.claimedSize.value_or(info.bytes.size());
+        return GC_ERR_SUCCESS;
+    }
+    if (room < info.bytes.size() && !info.deliveredSize) return GC_ERR_BUFFER_TOO_SMALL;
+    std::memcpy(buffer, info.bytes.data(), std::min(room, info.bytes.size()));
+    if (info.writesSize) *size = info.deliveredSize.value_or(info.bytes.size());
+    return GC_ERR_SUCCESS;
+}
+
+Info Choose(const State& state, const char* function, const Infos& infos, std::int32_t number, std::uint32_t index)
+{
+    if (const Info* set = state.answers.FindInfo(function, number, index)) return *set;
+    const auto found = infos.find(number);
+    return found == infos.end() ? Failing(GC_ERR_NOT_IMPLEMENTED) : found->second;
+}
+
+GC_ERROR AnswerID(
+    const State& state, const char* function, std::uint32_t index, const std::string* id, char* text, std::size_t* size)
+{
+    const Info* set = state.answers.FindInfo(function, static_cast<std::int32_t>(index));
+    if (set) return AnswerInfo(*set, nullptr, text, size);
+    if (!id) return GC_ERR_INVALID_INDEX;
+    return AnswerInfo(Text(*id), nullptr, text, size);
+}
+
+GC_ERROR AnswerCount(const State& state, const char* function, std::size_t count, std::uint32_t* output)
+{
+    if (!output) return GC_ERR_INVALID_PARAMETER;
+    const auto set = state.answers.counts.find(function);
+    *output = set == state.answers.counts.end() ? static_cast<std::uint32_t>(count) : set->second;
+    return GC_ERR_SUCCESS;
+}
+
+} // namespace scripted
