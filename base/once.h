@@ -24,6 +24,8 @@ public:
         done.store(true, std::memory_order_release);
     }
 
+    bool IsDone() const { return done.load(std::memory_order_acquire); }
+
 private:
     std::mutex mutex;
     std::atomic<bool> done{false};

@@ -38,6 +38,7 @@ public:
     // producer's order. A failure leaves the published list and reports nothing.
     void UpdateChildren(std::uint64_t timeout_ms)
     {
+        const auto parent = HoldParent();
         auto news = WalkIfChanged(timeout_ms);
         for (const auto& [key, descriptor] : news.lost)
             lostCallbacks.TriggerCallback(key);
@@ -48,21 +49,32 @@ public:
     // A copy of the published list, without an update.
     std::vector<std::shared_ptr<Descriptor>> Children() const
     {
+        const auto parent = HoldParent();
         const std::lock_guard lock(listMutex);
         return children;
     }
 
     typename FoundCallbacks::Handle RegisterFoundCallback(typename FoundCallbacks::Function function)
     {
+        const auto parent = HoldParent();
         return foundCallbacks.RegisterCallback(std::move(function));
     }
-    void UnregisterFoundCallback(typename FoundCallbacks::Handle handle) { foundCallbacks.UnregisterCallback(handle); }
+    void UnregisterFoundCallback(typename FoundCallbacks::Handle handle)
+    {
+        const auto parent = HoldParent();
+        foundCallbacks.UnregisterCallback(handle);
+    }
 
     typename LostCallbacks::Handle RegisterLostCallback(typename LostCallbacks::Function function)
     {
+        const auto parent = HoldParent();
         return lostCallbacks.RegisterCallback(std::move(function));
     }
-    void UnregisterLostCallback(typename LostCallbacks::Handle handle) { lostCallbacks.UnregisterCallback(handle); }
+    void UnregisterLostCallback(typename LostCallbacks::Handle handle)
+    {
+        const auto parent = HoldParent();
+        lostCallbacks.UnregisterCallback(handle);
+    }
 
 protected:
     explicit TGenTLChildManager(GenTLCaller genTLCaller) : caller(std::move(genTLCaller)) {}
@@ -74,6 +86,8 @@ protected:
     virtual const char* UpdateFunctionName() const = 0;
     virtual const char* NumChildrenFunctionName() const = 0;
     virtual const char* ChildIDFunctionName() const = 0;
+    // The owner's own parent, held for the length of each public operation; throws when it has gone.
+    virtual std::shared_ptr<const void> HoldParent() const = 0;
     // The owner itself; throws std::bad_weak_ptr when it is being destroyed.
     virtual std::shared_ptr<Parent> SharedOwner() = 0;
 

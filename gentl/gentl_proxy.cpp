@@ -46,7 +46,7 @@ void RethrowProducerException()
     }
     catch (const std::exception& exception)
     {
-        throw std::runtime_error(exception.what());
+        throw InternalErrorException(exception.what());
     }
     catch (...)
     {

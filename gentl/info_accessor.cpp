@@ -23,10 +23,12 @@ std::string DescribeDataType(GenTL::INFO_DATATYPE dataType)
 
 RawInfo InfoAccessor::Info(std::int32_t command) const
 {
-    GenTL::INFO_DATATYPE dataType = GenTL::INFO_DATATYPE_UNKNOWN;
-    std::vector<std::uint8_t> bytes(QuerySize(command));
-    bytes.resize(QueryData(command, &dataType, bytes.data(), bytes.size()));
-    return {dataType, std::move(bytes)};
+    return WithStandardExceptionsAsInternalErrors([&] {
+        GenTL::INFO_DATATYPE dataType = GenTL::INFO_DATATYPE_UNKNOWN;
+        std::vector<std::uint8_t> bytes(QuerySize(command));
+        bytes.resize(QueryData(command, &dataType, bytes.data(), bytes.size()));
+        return RawInfo{dataType, std::move(bytes)};
+    });
 }
 
 bool InfoAccessor::BooleanInfo(std::int32_t command) const
@@ -39,6 +41,13 @@ std::string InfoAccessor::StringInfo(std::int32_t command) const
     const auto [dataType, bytes] = Info(command);
     CheckDataType(command, GenTL::INFO_DATATYPE_STRING, dataType);
     return {bytes.begin(), std::find(bytes.begin(), bytes.end(), std::uint8_t{0})};
+}
+
+std::vector<std::uint8_t> InfoAccessor::BufferInfo(std::int32_t command) const
+{
+    auto [dataType, bytes] = Info(command);
+    CheckDataType(command, GenTL::INFO_DATATYPE_BUFFER, dataType);
+    return std::move(bytes);
 }
 
 void InfoAccessor::FetchFixedSize(

@@ -1,7 +1,7 @@
 // TGenTLInfoAccessor: typed queries of a GenTL object's information, a base of each class that has some.
 //
 // A query is two producer calls, size and data, and nothing is cached: every value is read fresh. The delivered
-// type and size have to be the expected ones. Any thread.
+// type and size have to be the expected ones. Standard exceptions leave as InternalErrorException. Any thread.
 #pragma once
 
 #include "base/exceptions.h"
@@ -50,13 +50,16 @@ protected:
     {
         static_assert(std::is_trivially_copyable_v<Value>);
         Value value{};
-        FetchFixedSize(command, expectedDataType, &value, sizeof value);
+        WithStandardExceptionsAsInternalErrors(
+            [&] { FetchFixedSize(command, expectedDataType, &value, sizeof value); });
         return value;
     }
 
     bool BooleanInfo(std::int32_t command) const;
     // The text up to the first zero.
     std::string StringInfo(std::int32_t command) const;
+    // Bytes of any number, of the type INFO_DATATYPE_BUFFER.
+    std::vector<std::uint8_t> BufferInfo(std::int32_t command) const;
 
     // Throws by the rule for info queries, with `function` as the name in the message.
     [[noreturn]] void ThrowInfoError(const char* function, std::int32_t command) const;

@@ -1,0 +1,214 @@
+#include "acquisition/buffer.h"
+
+#include "base/expiring.h"
+
+namespace koro::internal
+{
+
+using namespace GenTL;
+
+Buffer::Buffer(
+    BUFFER_HANDLE handle, const std::weak_ptr<DataStream>& stream, const std::shared_ptr<const GenTLProxy>& proxy)
+    : TGenTLInfoAccessor(GenTLCaller(proxy)), EventSupportingModule(handle, proxy), parent(stream)
+{}
+
+void* Buffer::BasePtr() const
+{
+    return NumericInfo<void*>(BUFFER_INFO_BASE, INFO_DATATYPE_PTR);
+}
+
+std::size_t Buffer::Size() const
+{
+    return SizeInfo(BUFFER_INFO_SIZE);
+}
+
+void* Buffer::UserPtr() const
+{
+    return NumericInfo<void*>(BUFFER_INFO_USER_PTR, INFO_DATATYPE_PTR);
+}
+
+std::uint64_t Buffer::Timestamp_ticks() const
+{
+    return NumberInfo(BUFFER_INFO_TIMESTAMP);
+}
+
+std::uint64_t Buffer::Timestamp_ns() const
+{
+    return NumberInfo(BUFFER_INFO_TIMESTAMP_NS);
+}
+
+bool Buffer::HasNewData() const
+{
+    return BooleanInfo(BUFFER_INFO_NEW_DATA);
+}
+
+bool Buffer::IsQueued() const
+{
+    return BooleanInfo(BUFFER_INFO_IS_QUEUED);
+}
+
+bool Buffer::IsAcquiring() const
+{
+    return BooleanInfo(BUFFER_INFO_IS_ACQUIRING);
+}
+
+bool Buffer::IsIncomplete() const
+{
+    return BooleanInfo(BUFFER_INFO_IS_INCOMPLETE);
+}
+
+std::string Buffer::TLType() const
+{
+    return StringInfo(BUFFER_INFO_TLTYPE);
+}
+
+std::size_t Buffer::ExpectedDataSize() const
+{
+    return SizeInfo(BUFFER_INFO_DATA_SIZE);
+}
+
+std::size_t Buffer::DeliveredDataSize() const
+{
+    return SizeInfo(BUFFER_INFO_SIZE_FILLED);
+}
+
+std::size_t Buffer::Width() const
+{
+    return SizeInfo(BUFFER_INFO_WIDTH);
+}
+
+std::size_t Buffer::Height() const
+{
+    return SizeInfo(BUFFER_INFO_HEIGHT);
+}
+
+std::size_t Buffer::XOffset() const
+{
+    return SizeInfo(BUFFER_INFO_XOFFSET);
+}
+
+std::size_t Buffer::YOffset() const
+{
+    return SizeInfo(BUFFER_INFO_YOFFSET);
+}
+
+std::size_t Buffer::XPadding() const
+{
+    return SizeInfo(BUFFER_INFO_XPADDING);
+}
+
+std::size_t Buffer::YPadding() const
+{
+    return SizeInfo(BUFFER_INFO_YPADDING);
+}
+
+std::uint64_t Buffer::FrameID() const
+{
+    return NumberInfo(BUFFER_INFO_FRAMEID);
+}
+
+bool Buffer::HasImage() const
+{
+    return BooleanInfo(BUFFER_INFO_IMAGEPRESENT);
+}
+
+std::size_t Buffer::ImageOffset() const
+{
+    return SizeInfo(BUFFER_INFO_IMAGEOFFSET);
+}
+
+std::int32_t Buffer::PayloadType() const
+{
+    return static_cast<std::int32_t>(SizeInfo(BUFFER_INFO_PAYLOADTYPE));
+}
+
+std::uint64_t Buffer::PixelFormat() const
+{
+    return NumberInfo(BUFFER_INFO_PIXELFORMAT);
+}
+
+std::int32_t Buffer::PixelFormatNamespace() const
+{
+    return static_cast<std::int32_t>(NumberInfo(BUFFER_INFO_PIXELFORMAT_NAMESPACE));
+}
+
+std::int32_t Buffer::PixelEndianness() const
+{
+    return NumericInfo<std::int32_t>(BUFFER_INFO_PIXEL_ENDIANNESS, INFO_DATATYPE_INT32);
+}
+
+std::size_t Buffer::DeliveredImageHeight() const
+{
+    return SizeInfo(BUFFER_INFO_DELIVERED_IMAGEHEIGHT);
+}
+
+std::size_t Buffer::DeliveredChunkPayloadSize() const
+{
+    return SizeInfo(BUFFER_INFO_DELIVERED_CHUNKPAYLOADSIZE);
+}
+
+std::uint64_t Buffer::ChunkLayoutID() const
+{
+    return NumberInfo(BUFFER_INFO_CHUNKLAYOUTID);
+}
+
+std::string Buffer::FileName() const
+{
+    return StringInfo(BUFFER_INFO_FILENAME);
+}
+
+bool Buffer::HasChunks() const
+{
+    return BooleanInfo(BUFFER_INFO_CONTAINS_CHUNKDATA);
+}
+
+std::size_t Buffer::SizeInfo(std::int32_t command) const
+{
+    return NumericInfo<std::size_t>(command, INFO_DATATYPE_SIZET);
+}
+
+std::uint64_t Buffer::NumberInfo(std::int32_t command) const
+{
+    return NumericInfo<std::uint64_t>(command, INFO_DATATYPE_UINT64);
+}
+
+void Buffer::AddRevocationCallback(const void* callbackKey, RevocationCallback callback)
+{
+    const std::lock_guard lock(revocationLock);
+    revocationCallbacks.emplace(callbackKey, std::move(callback));
+}
+
+void Buffer::Revoke(DS_HANDLE streamHandle)
+{
+    if (revoked) throw InternalErrorException("Pointer has expired!");
+    void* base = nullptr;
+    void* userPtr = nullptr;
+    gentl.Call<&GenTLProxy::DSRevokeBuffer>(streamHandle, Handle(), &base, &userPtr);
+
+    const std::lock_guard lock(revocationLock);
+    for (const auto& [callbackKey, callback] : revocationCallbacks)
+    {
+        if (callback) callback(Handle(), base, userPtr);
+    }
+    revocationCallbacks.clear();
+    revoked = true;
+}
+
+std::shared_ptr<DataStream> Buffer::ParentStream() const
+{
+    if (revoked) throw InternalErrorException("Pointer has expired!");
+    return LockOrThrow(parent);
+}
+
+std::shared_ptr<Module> Buffer::ParentModule() const
+{
+    return ParentStream();
+}
+
+GC_ERROR Buffer::QueryInfo(std::int32_t command, INFO_DATATYPE* dataType, void* buffer, std::size_t* size) const
+{
+    const auto stream = ParentStream();
+    return gentl.Result<&GenTLProxy::DSGetBufferInfo>(stream->Handle(), Handle(), command, dataType, buffer, size);
+}
+
+} // namespace koro::internal

@@ -1,0 +1,85 @@
+// Buffer: one GenTL buffer of a data stream; every question about it goes to the producer at that moment.
+//
+// The image's memory belongs to whoever announced it and is never touched here. Owned by the stream and by the
+// handle table until it is revoked; holds the stream weakly. Every operation throws InternalErrorException once the
+// stream has gone or the buffer was revoked. Any thread.
+#pragma once
+
+#include "acquisition/data_stream.h"
+#include "gentl/info_accessor.h"
+#include "modules/event_supporting_module.h"
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <unordered_map>
+
+namespace koro::internal
+{
+
+class Buffer final : public TGenTLInfoAccessor<GenTL::BUFFER_INFO_CMD_LIST>, public EventSupportingModule
+{
+public:
+    using RevocationCallback = DataStream::RevocationCallback;
+
+    Buffer(
+        GenTL::BUFFER_HANDLE handle, const std::weak_ptr<DataStream>& stream,
+        const std::shared_ptr<const GenTLProxy>& proxy);
+
+    void* BasePtr() const;
+    std::size_t Size() const; // bytes, as announced
+    void* UserPtr() const;
+    std::uint64_t Timestamp_ticks() const;
+    std::uint64_t Timestamp_ns() const;
+    bool HasNewData() const;
+    bool IsQueued() const;
+    bool IsAcquiring() const;
+    bool IsIncomplete() const;
+    std::string TLType() const;
+    std::size_t ExpectedDataSize() const;  // bytes
+    std::size_t DeliveredDataSize() const; // bytes
+    std::size_t Width() const;             // pixels, as the next three
+    std::size_t Height() const;
+    std::size_t XOffset() const;
+    std::size_t YOffset() const;
+    std::size_t XPadding() const; // bytes for each line
+    std::size_t YPadding() const; // bytes at the end
+    std::uint64_t FrameID() const;
+    bool HasImage() const;
+    std::size_t ImageOffset() const; // bytes from the base
+    std::int32_t PayloadType() const;
+    std::uint64_t PixelFormat() const;
+    std::int32_t PixelFormatNamespace() const;
+    std::int32_t PixelEndianness() const;
+    std::size_t DeliveredImageHeight() const;
+    std::size_t DeliveredChunkPayloadSize() const; // bytes
+    std::uint64_t ChunkLayoutID() const;
+    std::string FileName() const;
+    bool HasChunks() const;
+
+    // Kept until the revocation; an entry with the same key stays as it is. An empty function is allowed.
+    void AddRevocationCallback(const void* callbackKey, RevocationCallback callback);
+
+    // Called by the stream alone, with its handle. On success every callback has run and the object is dead.
+    void Revoke(GenTL::DS_HANDLE streamHandle);
+
+    std::shared_ptr<DataStream> ParentStream() const;
+    std::shared_ptr<Module> ParentModule() const override;
+
+private:
+    GenTL::GC_ERROR QueryInfo(
+        std::int32_t command, GenTL::INFO_DATATYPE* dataType, void* buffer, std::size_t* size) const override;
+    const char* QueryName() const override { return gentl.Proxy()->DSGetBufferInfo.Name(); }
+
+    std::size_t SizeInfo(std::int32_t command) const;
+    std::uint64_t NumberInfo(std::int32_t command) const;
+
+    const std::weak_ptr<DataStream> parent;
+    std::atomic<bool> revoked{false}; // from then on the parent counts as gone
+    std::mutex revocationLock;        // guards the callbacks; held while they run
+    std::unordered_map<const void*, RevocationCallback> revocationCallbacks;
+};
+
+} // namespace koro::internal

@@ -1,0 +1,109 @@
+// DataStream: an opened data stream, to which buffers are announced and from which finished ones are taken.
+//
+// It has no thread and no queue: finished buffers come from the producer's new-buffer event, on the caller's thread,
+// and no image byte is ever copied. What is queued is the producer's to know. Owned by the handle table; holds its
+// Device weakly. Every operation but Key() throws InternalErrorException once the device has gone: a stream that
+// outlives its device cannot be used any more, not even to stop or to close. Any thread.
+#pragma once
+
+#include "base/expiring.h"
+#include "base/once.h"
+#include "gentl/info_accessor.h"
+#include "modules/event_supporting_module.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace koro::internal
+{
+
+class Buffer;
+class Device;
+class EventController;
+
+class DataStream final : public TGenTLInfoAccessor<GenTL::STREAM_INFO_CMD_LIST>, public EventSupportingModule
+{
+public:
+    using RevocationCallback = std::function<void(GenTL::BUFFER_HANDLE handle, void* base, void* userPtr)>;
+
+    DataStream(
+        GenTL::DS_HANDLE handle, std::string streamID, const std::weak_ptr<Device>& device,
+        const std::shared_ptr<const GenTLProxy>& proxy);
+    // Stops a running acquisition, discards and revokes all buffers, closes. A failure on the way leaves the
+    // producer's stream open.
+    ~DataStream() override;
+
+    const std::string& Key() const { return key; }
+    std::string ID() const;
+
+    std::string TLType() const;
+    std::size_t NumBuffersAnnounced() const;
+    std::size_t NumBuffersAnnouncedMinRequired() const;
+    std::size_t NumBuffersAwaitDelivery() const;
+    std::size_t NumBuffersQueued() const;
+    std::uint64_t NumBuffersDelivered() const;
+    std::uint64_t NumBuffersStarted() const;
+    std::uint64_t NumUnderruns() const;
+    std::size_t NumChunksPerBufferMax() const;
+    std::size_t BufferAlignment() const; // bytes
+    std::size_t PayloadSize() const;     // bytes
+    bool DefinesPayloadSize() const;
+    bool IsGrabbing() const;
+
+    // The memory stays the caller's until the buffer is revoked; `onRevocation` then runs, on the revoking thread.
+    std::shared_ptr<Buffer> AnnounceBuffer(
+        void* buffer, std::size_t bufferSize, void* userPtr, RevocationCallback onRevocation);
+    std::shared_ptr<Buffer> AllocAndAnnounceBuffer(std::size_t bufferSize, void* userPtr);
+    void QueueBuffer(const std::shared_ptr<Buffer>& buffer);
+    // A refusal of the producer leaves the buffer announced.
+    void RevokeBuffer(const std::shared_ptr<Buffer>& buffer);
+
+    // The announced buffer that the producer finished. For one that was announced behind the library's back a new
+    // object, which nobody else holds.
+    std::shared_ptr<Buffer> WaitForFinishedBuffer(std::uint64_t timeout_ms);
+    void KillWait();
+    // Needs a start, wait or kill before; throws InternalErrorException otherwise.
+    void FlushPendingKillWaits();
+
+    // Modes are the standard's flags, passed on unchanged.
+    void StartAcquisition(std::int32_t startMode, std::uint64_t numToAcquire);
+    void StopAcquisition(std::int32_t stopMode);
+    void Flush(std::int32_t flushMode);
+
+    std::shared_ptr<Device> ParentDevice() const;
+    std::shared_ptr<Module> ParentModule() const override;
+
+private:
+    GenTL::GC_ERROR QueryInfo(
+        std::int32_t command, GenTL::INFO_DATATYPE* dataType, void* buffer, std::size_t* size) const override;
+    const char* QueryName() const override { return gentl.Proxy()->DSGetInfo.Name(); }
+
+    std::size_t SizeInfo(std::int32_t command) const;
+    std::uint64_t CountInfo(std::int32_t command) const;
+    template <class Operation>
+    decltype(auto) WithDevice(Operation&& operation) const;
+    // Registers the new-buffer event at the first start, wait or kill; before a start, so that none is missed.
+    EventController& NewBufferEvents();
+    template <class Announce>
+    std::shared_ptr<Buffer> Announced(Announce&& announce);
+    std::shared_ptr<Buffer> FindOrWrap(GenTL::BUFFER_HANDLE handle);
+    void StopAndReleaseAll();
+
+    const std::weak_ptr<Device> parent;
+    const std::string key;
+    const std::string id;
+
+    Once newBufferEventsOnce;
+    std::shared_ptr<EventController> newBufferEvents;
+
+    std::mutex buffersLock; // guards the two below; never held during a call of the producer or a callback
+    std::vector<std::shared_ptr<Buffer>> buffers; // in the order of announcement
+    std::unordered_map<GenTL::BUFFER_HANDLE, std::shared_ptr<Buffer>> buffersByHandle;
+};
+
+} // namespace koro::internal

@@ -1,0 +1,40 @@
+#include "events/event.h"
+
+#include "base/expiring.h"
+#include "events/event_controller.h"
+
+namespace koro::internal
+{
+
+using namespace GenTL;
+
+Event::Event(
+    EVENT_HANDLE event, std::vector<std::uint8_t> block, std::int32_t eventType,
+    const std::weak_ptr<EventController>& parentController, const std::shared_ptr<const GenTLProxy>& proxy)
+    : TGenTLInfoAccessor(GenTLCaller(proxy)), rawData(std::move(block)), type(eventType), eventHandle(event),
+      parent(parentController)
+{}
+
+std::uint64_t Event::ID() const
+{
+    return NumericInfo<std::uint64_t>(EVENT_DATA_NUMID, INFO_DATATYPE_UINT64);
+}
+
+const std::vector<std::uint8_t>& Event::Data()
+{
+    dataOnce.Run([this] { data = Info(EVENT_DATA_VALUE).bytes; });
+    return data;
+}
+
+std::shared_ptr<EventController> Event::ParentController() const
+{
+    return LockOrThrow(parent);
+}
+
+GC_ERROR Event::QueryInfo(std::int32_t command, INFO_DATATYPE* dataType, void* buffer, std::size_t* size) const
+{
+    return gentl.Result<&GenTLProxy::EventGetDataInfo>(
+        eventHandle, static_cast<const void*>(rawData.data()), rawData.size(), command, dataType, buffer, size);
+}
+
+} // namespace koro::internal

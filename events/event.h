@@ -1,0 +1,49 @@
+// Event: one event taken from an EventController: the block as delivered, and access to the data decoded by the
+// producer.
+//
+// Made by the controller, which it holds weakly; type and block stay readable after the controller has gone. Any
+// thread.
+#pragma once
+
+#include "base/instance.h"
+#include "base/once.h"
+#include "gentl/info_accessor.h"
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace koro::internal
+{
+
+class EventController;
+
+class Event final : public TGenTLInfoAccessor<GenTL::EVENT_DATA_INFO_CMD_LIST>, public Instance
+{
+public:
+    Event(
+        GenTL::EVENT_HANDLE event, std::vector<std::uint8_t> block, std::int32_t eventType,
+        const std::weak_ptr<EventController>& parentController, const std::shared_ptr<const GenTLProxy>& proxy);
+
+    std::uint64_t ID() const; // asked at each call
+    // Asked of the producer once, of whatever type it is; a failure leaves the next call to ask again.
+    const std::vector<std::uint8_t>& Data();
+    const std::vector<std::uint8_t>& RawData() const { return rawData; }
+    std::int32_t Type() const { return type; }
+
+    std::shared_ptr<EventController> ParentController() const;
+
+private:
+    GenTL::GC_ERROR QueryInfo(
+        std::int32_t command, GenTL::INFO_DATATYPE* dataType, void* buffer, std::size_t* size) const override;
+    const char* QueryName() const override { return gentl.Proxy()->EventGetDataInfo.Name(); }
+
+    std::vector<std::uint8_t> data;
+    const std::vector<std::uint8_t> rawData;
+    const std::int32_t type;
+    const GenTL::EVENT_HANDLE eventHandle; // of the controller at the time of the wait
+    Once dataOnce;
+    const std::weak_ptr<EventController> parent;
+};
+
+} // namespace koro::internal

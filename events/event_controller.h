@@ -1,0 +1,65 @@
+// EventController: one registration of an event type on a module, from which events are pulled.
+//
+// Registered from birth; the destructor unregisters. Holds its module weakly, and its events do not keep it alive.
+// There is no thread, no queue and no count here: the queue and the pending kills are the producer's, the waiting
+// thread is the caller's. No lock is held across a wait, so that another thread can end it.
+#pragma once
+
+#include "base/instance.h"
+#include "gentl/info_accessor.h"
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace koro::internal
+{
+
+class Event;
+class EventSupportingModule;
+
+class EventController final : public TGenTLInfoAccessor<GenTL::EVENT_INFO_CMD_LIST>,
+                              public Instance,
+                              public std::enable_shared_from_this<EventController>
+{
+public:
+    EventController(
+        GenTL::EVENTSRC_HANDLE module, GenTL::EVENT_HANDLE event, std::int32_t type,
+        const std::weak_ptr<EventSupportingModule>& parentModule, const std::shared_ptr<const GenTLProxy>& proxy);
+    ~EventController() override;
+
+    // Asked of the producer at each call.
+    std::int32_t ControlledEventType() const;
+    std::size_t NumEventsInQueue() const;
+    std::uint64_t NumEventsFired() const;
+    std::size_t EventMaxSize() const;     // bytes of the largest block
+    std::size_t EventDataMaxSize() const; // bytes of the largest data
+
+    // Waits on the calling thread. Throws TimeoutException, AbortedException after a kill, or what the producer's
+    // code gives.
+    std::shared_ptr<Event> WaitForEvent(std::uint64_t timeout_ms);
+    // The same wait for a reader that needs nothing but the block as delivered.
+    std::vector<std::uint8_t> WaitForBlock(std::uint64_t timeout_ms) const;
+
+    // Ends one wait; without a waiter the kill stays pending in the producer and ends the next one.
+    void KillWait();
+    // Registers anew, since the standard has no call for this: queued events and the event handle go with it. Must
+    // not run while another thread waits on this controller.
+    void FlushPendingKillWaits();
+    void FlushEvents();
+
+    std::shared_ptr<EventSupportingModule> ParentModule() const;
+
+private:
+    GenTL::GC_ERROR QueryInfo(
+        std::int32_t command, GenTL::INFO_DATATYPE* dataType, void* buffer, std::size_t* size) const override;
+    const char* QueryName() const override { return gentl.Proxy()->EventGetInfo.Name(); }
+
+    const GenTL::EVENTSRC_HANDLE moduleHandle;
+    std::atomic<GenTL::EVENT_HANDLE> eventHandle; // replaced by FlushPendingKillWaits
+    const std::int32_t eventType;
+    const std::weak_ptr<EventSupportingModule> parent;
+};
+
+} // namespace koro::internal

@@ -1,0 +1,19 @@
+#include "modules/module.h"
+
+#include "nodes/port.h"
+
+namespace koro::internal
+{
+
+Module::Module(GenTL::PORT_HANDLE handle, const std::shared_ptr<const GenTLProxy>& proxy)
+    : port(std::make_shared<internal::Port>(handle, proxy))
+{}
+
+Module::~Module() = default;
+
+GenTL::PORT_HANDLE Module::Handle() const
+{
+    return port->Handle();
+}
+
+} // namespace koro::internal

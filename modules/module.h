@@ -1,0 +1,66 @@
+// Module and ModuleDescriptor: the roots of everything in a producer's tree that can be opened, and of its form before
+// that.
+//
+// Nothing below keeps anything above alive: a child holds its parent weakly, a parent holds the descriptors of its
+// children, and what ties an opened child to its parent is the handle table. Module handles are closed by the
+// destructors of the concrete classes; what the producer answers to that reaches nobody.
+#pragma once
+
+#include "base/instance.h"
+#include "gentl/gentl_caller.h"
+
+#include <memory>
+#include <string>
+
+namespace koro::internal
+{
+
+class Port;
+
+class Module : public Instance
+{
+public:
+    // Makes the port at once; the producer is not asked for anything.
+    Module(GenTL::PORT_HANDLE handle, const std::shared_ptr<const GenTLProxy>& proxy);
+    ~Module() override;
+
+    // One level up; empty for a System. Throws InternalErrorException when the parent has gone.
+    virtual std::shared_ptr<Module> ParentModule() const = 0;
+
+    // In GenTL every module handle is a port handle as well, so this one serves all functions of the module.
+    GenTL::PORT_HANDLE Handle() const;
+    const std::shared_ptr<internal::Port>& Port() const { return port; }
+
+private:
+    const std::shared_ptr<internal::Port> port;
+};
+
+class ModuleDescriptor : public Instance
+{
+public:
+    // The id under which the producer knows the module.
+    virtual std::string ID() const = 0;
+};
+
+// Key of a module or descriptor: unique in the process as long as the paths of the producers are.
+inline std::string ModuleKey(const std::string& parentKey, const std::string& id)
+{
+    return parentKey + "|" + id;
+}
+
+// Makes the object that is to own an open GenTL handle; closes the handle again when that fails.
+template <auto CloseFunction, class Make>
+auto MakeOwnerOf(void* handle, const GenTLCaller& gentl, Make&& make)
+{
+    try
+    {
+        return make();
+    }
+    catch (...)
+    {
+        gentl.CallIgnoringFailures<CloseFunction>(handle);
+        throw;
+    }
+}
+
+} // namespace koro::internal

@@ -1,0 +1,53 @@
+#include "modules/producer_library.h"
+
+#include "modules/system_descriptor.h"
+
+namespace koro::internal
+{
+
+using namespace GenTL;
+
+ProducerLibrary::ProducerLibrary(const std::string& ctiPath)
+    : TGenTLInfoAccessor(GenTLCaller(std::make_shared<const GenTLProxy>(ctiPath))), key(ctiPath)
+{
+    const auto result = gentl.Result<&GenTLProxy::GCInitLib>();
+    if (result == GC_ERR_SUCCESS) return;
+    throw InternalErrorException(
+        "Could not initialize the library! [Function: GCInitLib | Error-Code: " + DescribeError(result) + "]");
+}
+
+ProducerLibrary::~ProducerLibrary()
+{
+    // The tree below goes while the producer still works; for the other modules the close call comes first.
+    RunDestructionCallbacks();
+    try
+    {
+        Close();
+    }
+    catch (const std::exception&) // a close that fails reaches nobody
+    {}
+}
+
+std::shared_ptr<SystemDescriptor> ProducerLibrary::GetSystem()
+{
+    systemOnce.Run([this] {
+        system = std::make_shared<SystemDescriptor>(StringInfo(TL_INFO_ID), shared_from_this(), gentl.Proxy());
+    });
+    return system;
+}
+
+GC_ERROR ProducerLibrary::QueryInfo(
+    std::int32_t command, INFO_DATATYPE* dataType, void* buffer, std::size_t* size) const
+{
+    return gentl.Result<&GenTLProxy::GCGetInfo>(command, dataType, buffer, size);
+}
+
+void ProducerLibrary::Close()
+{
+    const auto result = gentl.Result<&GenTLProxy::GCCloseLib>();
+    if (result == GC_ERR_SUCCESS) return;
+    throw InternalErrorException(
+        "Could not uninitialize the library! [Function: GCCloseLib | Error-Code: " + DescribeError(result) + "]");
+}
+
+} // namespace koro::internal

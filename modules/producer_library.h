@@ -1,0 +1,47 @@
+// ProducerLibrary: one GenTL producer in use, the root of its module tree.
+//
+// Initialises the producer for its own life. Ends when its handle goes, and the entries of the tree below with it,
+// before the producer's GCCloseLib. Any thread.
+#pragma once
+
+#include "base/instance.h"
+#include "base/once.h"
+#include "gentl/info_accessor.h"
+
+#include <memory>
+#include <string>
+
+namespace koro::internal
+{
+
+class SystemDescriptor;
+
+class ProducerLibrary final : public Instance,
+                              public TGenTLInfoAccessor<GenTL::TL_INFO_CMD_LIST>,
+                              public std::enable_shared_from_this<ProducerLibrary>
+{
+public:
+    // Loads and initialises the producer; the file is unloaded again when that fails. Throws CTILoadingException,
+    // std::runtime_error (GenTLProxy) or InternalErrorException.
+    explicit ProducerLibrary(const std::string& ctiPath);
+    ~ProducerLibrary() override;
+
+    // The path as it was given.
+    const std::string& Key() const { return key; }
+    const std::shared_ptr<const GenTLProxy>& Proxy() const { return gentl.Proxy(); }
+
+    // The one system of the producer, described; the same object at each call.
+    std::shared_ptr<SystemDescriptor> GetSystem();
+
+private:
+    GenTL::GC_ERROR QueryInfo(
+        std::int32_t command, GenTL::INFO_DATATYPE* dataType, void* buffer, std::size_t* size) const override;
+    const char* QueryName() const override { return gentl.Proxy()->GCGetInfo.Name(); }
+    void Close();
+
+    const std::string key;
+    Once systemOnce;
+    std::shared_ptr<SystemDescriptor> system;
+};
+
+} // namespace koro::internal

@@ -1,0 +1,29 @@
+// RemoteDevice: the camera's side of an opened device, on the port that the device hands out.
+//
+// Owned by its Device, which it holds weakly. Its port belongs to the device and is never closed by itself.
+#pragma once
+
+#include "modules/module.h"
+
+#include <memory>
+
+namespace koro::internal
+{
+
+class Device;
+
+class RemoteDevice final : public Module
+{
+public:
+    RemoteDevice(
+        GenTL::PORT_HANDLE handle, const std::weak_ptr<Device>& device, const std::shared_ptr<const GenTLProxy>& proxy);
+
+    // Both throw InternalErrorException with "Local device has expired!" when the device has gone.
+    std::shared_ptr<Device> LocalDevice() const;
+    std::shared_ptr<Module> ParentModule() const override;
+
+private:
+    const std::weak_ptr<Device> localDevice;
+};
+
+} // namespace koro::internal
