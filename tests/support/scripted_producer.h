@@ -1,0 +1,48 @@
+// ScriptedProducer: a copy of a scripted producer in a folder of the test's own, loaded, with its script at hand.
+//
+// Each object is a producer of its own, since the loader knows files by their path. The object keeps the file loaded,
+// so that the journal outlives the library's use of it.
+#pragma once
+
+#include "producers/scripted/script.h"
+#include "tests/support/temporary_folder.h"
+
+#include <initializer_list>
+#include <string>
+
+namespace koro::test
+{
+
+// The built file of a variant: "scripted_1_5".
+std::string BuiltProducer(const std::string& variant);
+
+class ScriptedProducer
+{
+public:
+    // `lacking` are exports to be removed from the copy.
+    explicit ScriptedProducer(
+        const std::string& variant = "scripted_1_5", std::initializer_list<std::string> lacking = {});
+    ~ScriptedProducer();
+    ScriptedProducer(const ScriptedProducer&) = delete;
+    ScriptedProducer& operator=(const ScriptedProducer&) = delete;
+
+    const std::string& Path() const { return path; }
+    const TemporaryFolder& Folder() const { return folder; }
+
+    scripted::Script* operator->() const { return script; }
+    scripted::Script& operator*() const { return *script; }
+
+    // Gives up this object's own hold and tells whether somebody else still has the file loaded. The script is not to
+    // be used any more.
+    bool IsLoadedByOthers();
+
+private:
+    void Unload();
+
+    TemporaryFolder folder;
+    std::string path;
+    void* library = nullptr;
+    scripted::Script* script = nullptr;
+};
+
+} // namespace koro::test
