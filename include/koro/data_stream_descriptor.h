@@ -14,7 +14,7 @@ extern "C" {
 
 /**
  * Gives the descriptor as its base kind. The same handle each time.
- * @param[out] moduleDescriptorHandle ends with the descriptor
+ * @param[out] moduleDescriptorHandle ends with the device
  */
 KORO_API KORO_ReturnCode KORO_DataStreamDescriptor_ToModuleDescriptor(
     KORO_DataStreamDescriptorHandle dataStreamDescriptorHandle, KORO_ModuleDescriptorHandle* moduleDescriptorHandle);

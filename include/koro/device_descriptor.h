@@ -21,7 +21,7 @@ extern "C" {
 
 /**
  * Gives the descriptor as its base kind. The same handle each time.
- * @param[out] moduleDescriptorHandle ends with the descriptor
+ * @param[out] moduleDescriptorHandle ends with the interface; it outlasts the loss of the device
  */
 KORO_API KORO_ReturnCode KORO_DeviceDescriptor_ToModuleDescriptor(
     KORO_DeviceDescriptorHandle deviceDescriptorHandle, KORO_ModuleDescriptorHandle* moduleDescriptorHandle);

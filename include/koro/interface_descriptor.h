@@ -17,7 +17,7 @@ extern "C" {
 
 /**
  * Gives the descriptor as its base kind. The same handle each time.
- * @param[out] moduleDescriptorHandle ends with the descriptor
+ * @param[out] moduleDescriptorHandle ends with the system; it outlasts the loss of the interface
  */
 KORO_API KORO_ReturnCode KORO_InterfaceDescriptor_ToModuleDescriptor(
     KORO_InterfaceDescriptorHandle interfaceDescriptorHandle, KORO_ModuleDescriptorHandle* moduleDescriptorHandle);

@@ -110,6 +110,7 @@ Sequence Fetch(const Query& query, size_t maxSize)
         Check(query(nullptr, &size));
         if (size > maxSize)
             throw Error(KORO_RETURN_CODE_ERROR, "A value claims a size of " + std::to_string(size) + " bytes!");
+        if (size == 0) return {};
 
         Sequence result(size, 0);
         const KORO_ReturnCode code = query(result.data(), &size);

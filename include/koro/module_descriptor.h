@@ -1,6 +1,6 @@
 /*
  * What all descriptors have in common. A handle comes from one of the four ..._ToModuleDescriptor casts and ends
- * with the descriptor that it was cast from. Any thread.
+ * with the parent of the descriptor that it was cast from. Any thread.
  */
 #ifndef KORO_MODULE_DESCRIPTOR_H
 #define KORO_MODULE_DESCRIPTOR_H

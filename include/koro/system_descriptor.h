@@ -17,7 +17,7 @@ extern "C" {
 
 /**
  * Gives the descriptor as its base kind. The same handle each time.
- * @param[out] moduleDescriptorHandle ends with the descriptor
+ * @param[out] moduleDescriptorHandle ends with the library
  */
 KORO_API KORO_ReturnCode KORO_SystemDescriptor_ToModuleDescriptor(
     KORO_SystemDescriptorHandle systemDescriptorHandle, KORO_ModuleDescriptorHandle* moduleDescriptorHandle);

@@ -1,0 +1,187 @@
+// What bodies of exports do with their arguments: look up handles, test pointers, hand results out.
+//
+// Handles come first: a call with a dead handle and a null pointer reports the handle.
+#pragma once
+
+#include "capi/call_frame.h"
+#include "capi/handle_tables.h"
+#include "capi/output.h"
+
+#include <functional>
+#include <memory>
+
+// Pairs a parameter with its spelling, so that a message cannot drift from the signature.
+#define KORO_ARG(parameter) ::koro::internal::Named(parameter, #parameter)
+
+namespace koro::internal
+{
+
+template <class Value>
+struct NamedArgument
+{
+    Value value;
+    const char* name;
+};
+
+template <class Value>
+NamedArgument<Value> Named(Value value, const char* name)
+{
+    return {value, name};
+}
+
+template <class Handle>
+KORO_ReturnCode InvalidHandle(const NamedArgument<Handle>& handle)
+{
+    return RecordLastError(KORO_RETURN_CODE_INVALID_HANDLE, std::string(handle.name) + " is invalid!");
+}
+
+template <class Pointer>
+KORO_ReturnCode InvalidPointer(const NamedArgument<Pointer>& pointer)
+{
+    return RecordInvalidPointer(pointer.name);
+}
+
+inline KORO_ReturnCode IndexOutOfRange()
+{
+    return RecordLastError(KORO_RETURN_CODE_OUT_OF_RANGE, "index is out of range!");
+}
+
+// Runs `body` with the handle's object, which lives until the body is done whatever other threads do.
+template <class Handle, class Body>
+KORO_ReturnCode WithObject(const NamedArgument<Handle>& handle, Body&& body)
+{
+    return ExecuteAndMapExceptions([&]() -> KORO_ReturnCode {
+        const auto object = Find(handle.value);
+        if (!object) return InvalidHandle(handle);
+        return body(object);
+    });
+}
+
+// Runs an operation without a result.
+template <class Handle, class Operation>
+KORO_ReturnCode Perform(const NamedArgument<Handle>& handle, Operation&& operation)
+{
+    return WithObject(handle, [&](const auto& object) {
+        std::invoke(operation, *object);
+        return success;
+    });
+}
+
+// A getter runs before its output is tested: if it fails, its failure is the answer.
+template <class Handle, class Output, class Getter>
+KORO_ReturnCode GetScalar(const NamedArgument<Handle>& handle, const NamedArgument<Output*>& output, Getter&& getter)
+{
+    return WithObject(handle, [&](const auto& object) {
+        return CopyScalarOut(static_cast<Output>(std::invoke(getter, *object)), output.value, output.name);
+    });
+}
+
+template <class Handle, class Getter>
+KORO_ReturnCode GetString(
+    const NamedArgument<Handle>& handle, const NamedArgument<char*>& output, std::size_t* size, Getter&& getter)
+{
+    return WithObject(handle, [&](const auto& object) {
+        return CopyStringOut(std::invoke(getter, *object), output.value, size, output.name);
+    });
+}
+
+template <class Handle, class Getter>
+KORO_ReturnCode GetBytes(
+    const NamedArgument<Handle>& handle, const NamedArgument<std::uint8_t*>& output, std::size_t* size, Getter&& getter)
+{
+    return WithObject(handle, [&](const auto& object) {
+        return CopyBytesOut(std::invoke(getter, *object), output.value, size, output.name);
+    });
+}
+
+// The data type is stored before the buffer is looked at, so it is valid even when that is too small.
+template <class Handle>
+KORO_ReturnCode GetRawInfo(
+    const NamedArgument<Handle>& handle, std::int32_t infoCommand, const NamedArgument<std::int32_t*>& infoDataType,
+    const NamedArgument<std::uint8_t*>& info, std::size_t* infoSize)
+{
+    return WithObject(handle, [&](const auto& object) {
+        if (!infoDataType.value) return InvalidPointer(infoDataType);
+        const auto information = object->Info(infoCommand);
+        *infoDataType.value = information.dataType;
+        return CopyInfoOut(information, info.value, infoSize, info.name);
+    });
+}
+
+// Runs `supply`, which gives the new handle, only when there is a place for it: nothing is made that nobody can end.
+template <class Handle, class NewHandle, class Supply>
+KORO_ReturnCode GetHandle(
+    const NamedArgument<Handle>& handle, const NamedArgument<NewHandle*>& newHandle, Supply&& supply)
+{
+    return WithObject(handle, [&](const auto& object) {
+        if (!newHandle.value) return InvalidPointer(newHandle);
+        *newHandle.value = supply(object);
+        return success;
+    });
+}
+
+// Gives the handle of one element of a list; `enter` makes its entry.
+template <class Handle, class NewHandle, class List, class Enter>
+KORO_ReturnCode GetIndexed(
+    const NamedArgument<Handle>& handle, std::size_t index, const NamedArgument<NewHandle*>& newHandle, List&& list,
+    Enter&& enter)
+{
+    return WithObject(handle, [&](const auto& object) {
+        if (!newHandle.value) return InvalidPointer(newHandle);
+        const auto elements = std::invoke(list, *object);
+        if (index >= elements.size()) return IndexOutOfRange();
+        *newHandle.value = enter(object, elements[index]);
+        return success;
+    });
+}
+
+// Hands out a parent by its address. No entry is made: the parent's own is expected to be there.
+template <class Handle, class ParentHandle, class Getter>
+KORO_ReturnCode GetParent(
+    const NamedArgument<Handle>& handle, const NamedArgument<ParentHandle*>& parentHandle, Getter&& getter)
+{
+    return GetHandle(handle, parentHandle, [&](const auto& object) { return HandleFor(std::invoke(getter, *object)); });
+}
+
+// Casts to a base kind: an entry of its own, tied to the object's parent and not to the object, which it would keep
+// alive. The parent is locked first, so a cast fails when it has gone.
+template <class Handle, class BaseHandle, class ParentGetter>
+KORO_ReturnCode CastTo(
+    const NamedArgument<Handle>& handle, const NamedArgument<BaseHandle*>& baseHandle, ParentGetter&& parentGetter)
+{
+    return GetHandle(handle, baseHandle, [&](const auto& object) {
+        const auto parent = std::invoke(parentGetter, *object);
+        return Table<ClassOf<BaseHandle>>().Add(object, parent);
+    });
+}
+
+// Removes the entries of the object's base kinds, if it was ever cast.
+template <class Object>
+void RemoveBaseEntries(const std::shared_ptr<Object>& object)
+{
+    Table<Module>().Remove(HandleFor<Module>(object));
+    Table<EventSupportingModule>().Remove(HandleFor<EventSupportingModule>(object));
+}
+
+// Ends a handle of a kind without bases. The object ends when its last use does.
+template <class Handle>
+KORO_ReturnCode Destruct(const NamedArgument<Handle>& handle)
+{
+    return WithObject(handle, [&](const auto&) {
+        Remove(handle.value);
+        return success;
+    });
+}
+
+// Ends a handle of a module, and what it was cast to.
+template <class Handle>
+KORO_ReturnCode DestructModule(const NamedArgument<Handle>& handle)
+{
+    return WithObject(handle, [&](const auto& object) {
+        RemoveBaseEntries(object);
+        Remove(handle.value);
+        return success;
+    });
+}
+
+} // namespace koro::internal

@@ -1,0 +1,43 @@
+// The call frame: what every exported function runs in.
+//
+// It refuses calls before initialisation and turns whatever leaves the body into a return code and a last error. No
+// exception crosses the boundary; only the unwinding of a cancelled thread passes. No lock; a successful call
+// allocates nothing here.
+#pragma once
+
+#include "capi/library_state.h"
+#include <koro/return_codes.h>
+
+namespace koro::internal
+{
+
+// A typed zero, so that the branches of a body agree on their type.
+inline constexpr KORO_ReturnCode success = KORO_RETURN_CODE_SUCCESS;
+
+enum class InitializationCheck
+{
+    Required,
+    Skipped
+};
+
+KORO_ReturnCode RecordNotInitialized() noexcept;
+
+// Records the exception that is being handled and returns its code. Rethrows a thread's cancellation.
+KORO_ReturnCode RecordCurrentException();
+
+// `body` returns success, or the code that it has recorded.
+template <class Body>
+KORO_ReturnCode ExecuteAndMapExceptions(Body&& body, InitializationCheck check = InitializationCheck::Required)
+{
+    if (check == InitializationCheck::Required && !IsLibraryInitialized()) return RecordNotInitialized();
+    try
+    {
+        return body();
+    }
+    catch (...)
+    {
+        return RecordCurrentException();
+    }
+}
+
+} // namespace koro::internal

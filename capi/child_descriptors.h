@@ -1,0 +1,82 @@
+// Descriptors of children at the boundary: entering them, withdrawing them when their child is lost, and calling the
+// application's found and lost callbacks.
+#pragma once
+
+#include "base/expiring.h"
+#include "capi/arguments.h"
+
+#include <memory>
+#include <string>
+
+namespace koro::internal
+{
+
+// Enters a descriptor whose handle is withdrawn when an update of the parent loses the child. For this one closure
+// per entry stays in the parent's lost registry, until the parent goes. Throws the deadlock error inside a lost
+// callback of the same parent; then there is no entry either.
+template <class Parent, class Descriptor>
+HandleOf<Descriptor> EnterDescriptor(
+    const std::shared_ptr<Parent>& parent, const std::shared_ptr<Descriptor>& descriptor)
+{
+    bool isNew = false;
+    const auto handle = Table<Descriptor>().Add(descriptor, parent, &isNew);
+    if (!isNew) return handle;
+    try
+    {
+        // Weak, since the registry would keep a lost descriptor alive; and it tells the entry from a later one at the
+        // same address.
+        parent->RegisterLostCallback([id = descriptor->ID(), handle,
+                                      entered = std::weak_ptr<Descriptor>(descriptor)](const std::string& lostID) {
+            if (lostID == id) Table<Descriptor>().RemoveEntryOf(handle, entered);
+        });
+    }
+    catch (...)
+    {
+        Remove(handle);
+        throw;
+    }
+    return handle;
+}
+
+// Registers the application's callback and hands out its callback handle.
+template <class Handle, class Callback, class CallbackHandle, class Register>
+KORO_ReturnCode RegisterCallback(
+    const NamedArgument<Handle>& handle, const NamedArgument<Callback>& callback,
+    const NamedArgument<CallbackHandle*>& callbackHandle, Register&& registerAt)
+{
+    return WithObject(handle, [&](const auto& object) {
+        if (!callback.value) return InvalidPointer(callback);
+        if (!callbackHandle.value) return InvalidPointer(callbackHandle);
+        *callbackHandle.value = reinterpret_cast<CallbackHandle>(const_cast<void*>(registerAt(object)));
+        return success;
+    });
+}
+
+// The descriptor is entered before the application sees its handle. The parent is held weakly: it owns the registry.
+template <class Handle, class Callback, class CallbackHandle>
+KORO_ReturnCode RegisterFound(
+    const NamedArgument<Handle>& handle, const NamedArgument<Callback>& callback, void* context,
+    const NamedArgument<CallbackHandle*>& callbackHandle)
+{
+    return RegisterCallback(handle, callback, callbackHandle, [&](const auto& parent) {
+        return parent->RegisterFoundCallback(
+            [weakParent = std::weak_ptr(parent), function = callback.value, context](const auto& descriptor) {
+                function(EnterDescriptor(LockOrThrow(weakParent), descriptor), context);
+            });
+    });
+}
+
+// The id is all that is given: what it named has gone.
+template <class Handle, class Callback, class CallbackHandle>
+KORO_ReturnCode RegisterLost(
+    const NamedArgument<Handle>& handle, const NamedArgument<Callback>& callback, void* context,
+    const NamedArgument<CallbackHandle*>& callbackHandle)
+{
+    return RegisterCallback(handle, callback, callbackHandle, [&](const auto& parent) {
+        return parent->RegisterLostCallback([function = callback.value, context](const std::string& id) {
+            function(id.c_str(), id.size() + 1, context);
+        });
+    });
+}
+
+} // namespace koro::internal

@@ -1,0 +1,51 @@
+#include "gentl/environment_inspector.h"
+
+#include "capi/arguments.h"
+#include "modules/producer_library.h"
+#include <koro/environment_inspector.h>
+
+#include <algorithm>
+#include <string>
+
+using namespace koro::internal;
+
+namespace
+{
+
+// A producer in use is accepted as it is; any other one is loaded, started, ended and unloaded again.
+bool IsUsable(const std::string& ctiPath)
+{
+    const auto libraries = Table<ProducerLibrary>().Objects();
+    const auto hasPath = [&](const auto& library) { return library->Key() == ctiPath; };
+    if (std::any_of(libraries.begin(), libraries.end(), hasPath)) return true;
+
+    const ProducerLibrary trial(ctiPath);
+    return true;
+}
+
+} // namespace
+
+KORO_ReturnCode KORO_EnvironmentInspector_UpdateCTIPaths()
+{
+    return ExecuteAndMapExceptions([] {
+        EnvironmentInspector::Shared().UpdateCTIPaths(IsUsable);
+        return success;
+    });
+}
+
+KORO_ReturnCode KORO_EnvironmentInspector_GetNumCTIPaths(size_t* numCtiPaths)
+{
+    return ExecuteAndMapExceptions([&] {
+        const auto paths = EnvironmentInspector::Shared().CTIPaths();
+        return CopyScalarOut(paths.size(), numCtiPaths, "numCtiPaths");
+    });
+}
+
+KORO_ReturnCode KORO_EnvironmentInspector_GetCTIPath(size_t index, char* ctiPath, size_t* ctiPathSize)
+{
+    return ExecuteAndMapExceptions([&] {
+        const auto paths = EnvironmentInspector::Shared().CTIPaths();
+        if (index >= paths.size()) return IndexOutOfRange();
+        return CopyStringOut(paths[index], ctiPath, ctiPathSize, "ctiPath");
+    });
+}

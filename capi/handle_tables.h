@@ -1,0 +1,62 @@
+// HandleTables: the tables of all kinds, in the order in which closing the library empties them.
+//
+// One for the process, made by the first initialisation; see capi/library_state.h. Any thread.
+#pragma once
+
+#include "capi/handle_table.h"
+#include "capi/library_state.h"
+
+#include <tuple>
+
+namespace koro::internal
+{
+
+class HandleTables
+{
+public:
+    template <class T>
+    HandleTable<T>& Table() noexcept
+    {
+        return std::get<HandleTable<T>>(tables);
+    }
+
+    void Open();
+    // Drops all references, one kind after the other.
+    void Close();
+
+private:
+    template <class... Kinds>
+    using TablesInClosingOrder = std::tuple<HandleTable<Kinds>...>;
+
+    // Children before parents, so that a producer is closed only when nothing above it is left.
+    TablesInClosingOrder<
+        Event, EventController, EventSupportingModule, Module, ModuleDescriptor, PortURL, Port, FileAdapter,
+        IntegerNode, BooleanNode, CommandNode, FloatNode, StringNode, RegisterNode, CategoryNode, EnumerationEntryNode,
+        EnumerationNode, Node, NodeMap, BufferPart, BufferChunk, Buffer, DataStream, DataStreamDescriptor, RemoteDevice,
+        Device, DeviceDescriptor, Interface, InterfaceDescriptor, System, SystemDescriptor, ProducerLibrary,
+        FirmwareUpdateInformation, FirmwareUpdateProgressObserver, FirmwareUpdater,
+        DeviceDescriptorInformationChangedCallback>
+        tables;
+};
+
+// The table of a kind, by its class or by its handle.
+template <class T>
+HandleTable<T>& Table() noexcept
+{
+    return Tables().Table<T>();
+}
+
+// Empty when the handle is unknown, null included.
+template <class Handle>
+std::shared_ptr<ClassOf<Handle>> Find(Handle handle)
+{
+    return Table<ClassOf<Handle>>().Find(handle);
+}
+
+template <class Handle>
+void Remove(Handle handle)
+{
+    Table<ClassOf<Handle>>().Remove(handle);
+}
+
+} // namespace koro::internal

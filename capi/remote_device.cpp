@@ -1,0 +1,32 @@
+#include "modules/remote_device.h"
+
+#include "capi/arguments.h"
+#include "modules/device.h"
+#include "modules/interface.h"
+#include <koro/remote_device.h>
+
+#include <memory>
+
+using namespace koro::internal;
+
+namespace
+{
+
+// The entry ends with the interface, as that of the remote device itself does; both parents have to be there.
+std::shared_ptr<Interface> ParentOfLocalDevice(const RemoteDevice& remoteDevice)
+{
+    return remoteDevice.LocalDevice()->ParentInterface();
+}
+
+} // namespace
+
+KORO_ReturnCode KORO_RemoteDevice_GetLocalDevice(
+    KORO_RemoteDeviceHandle remoteDeviceHandle, KORO_DeviceHandle* deviceHandle)
+{
+    return GetParent(KORO_ARG(remoteDeviceHandle), KORO_ARG(deviceHandle), &RemoteDevice::LocalDevice);
+}
+
+KORO_ReturnCode KORO_RemoteDevice_ToModule(KORO_RemoteDeviceHandle remoteDeviceHandle, KORO_ModuleHandle* moduleHandle)
+{
+    return CastTo(KORO_ARG(remoteDeviceHandle), KORO_ARG(moduleHandle), ParentOfLocalDevice);
+}
