@@ -1,0 +1,292 @@
+// A producer whose functions cost next to nothing: what a bench measures on top of it is the library's own cost.
+//
+// Eight devices with one stream each; every wait delivers the buffer queued longest ago at once. Nothing is checked,
+// and no two threads may use one stream: this is a floor to measure against, not a model of a producer.
+#define GENTL_PRODUCER
+#include "gentl/api/gentl.h"
+
+#include <array>
+#include <cstring>
+#include <string>
+#include <string_view>
+#include <vector>
+
+using namespace GenTL;
+
+namespace
+{
+
+constexpr std::uint32_t deviceCount = 8;
+
+struct BufferRecord
+{
+    void* base;
+    std::size_t size;
+    void* userPtr;
+};
+
+// Own cache lines for each stream: two threads on two streams must not meet here.
+struct alignas(128) Stream
+{
+    std::vector<BufferRecord*> buffers;
+    std::size_t next = 0;
+    std::uint64_t frameID = 0;
+};
+
+struct Device
+{
+    Stream stream;
+    char port = 0; // its address is the remote device's handle
+};
+
+std::array<Device, deviceCount> devices;
+char systemModule;
+char interfaceModule;
+
+GC_ERROR Deliver(
+    std::int32_t type, const void* value, std::size_t valueSize, INFO_DATATYPE* dataType, void* buffer,
+    std::size_t* size)
+{
+    *dataType = type;
+    if (buffer) std::memcpy(buffer, value, valueSize);
+    *size = valueSize;
+    return GC_ERR_SUCCESS;
+}
+
+template <class Value>
+GC_ERROR DeliverValue(std::int32_t type, Value value, INFO_DATATYPE* dataType, void* buffer, std::size_t* size)
+{
+    return Deliver(type, &value, sizeof value, dataType, buffer, size);
+}
+
+GC_ERROR DeliverText(std::string_view text, INFO_DATATYPE* dataType, void* buffer, std::size_t* size)
+{
+    const std::string terminated(text);
+    return Deliver(INFO_DATATYPE_STRING, terminated.c_str(), terminated.size() + 1, dataType, buffer, size);
+}
+
+GC_ERROR DeliverID(std::string_view text, char* buffer, std::size_t* size)
+{
+    INFO_DATATYPE ignored = INFO_DATATYPE_UNKNOWN;
+    return DeliverText(text, &ignored, buffer, size);
+}
+
+Stream* AsStream(void* handle)
+{
+    return static_cast<Stream*>(handle);
+}
+
+} // namespace
+
+extern "C" {
+
+namespace GenTL
+{
+
+GC_ERROR GCInitLib(void)
+{
+    return GC_ERR_SUCCESS;
+}
+
+GC_ERROR GCCloseLib(void)
+{
+    return GC_ERR_SUCCESS;
+}
+
+GC_ERROR GCGetInfo(TL_INFO_CMD command, INFO_DATATYPE* type, void* buffer, size_t* size)
+{
+    if (command == TL_INFO_GENTL_VER_MAJOR)
+        return DeliverValue<std::uint32_t>(INFO_DATATYPE_UINT32, 1, type, buffer, size);
+    if (command == TL_INFO_GENTL_VER_MINOR)
+        return DeliverValue<std::uint32_t>(INFO_DATATYPE_UINT32, 0, type, buffer, size);
+    return DeliverText("zero cost", type, buffer, size);
+}
+
+GC_ERROR GCGetLastError(GC_ERROR* code, char* text, size_t* size)
+{
+    *code = GC_ERR_ERROR;
+    return DeliverID("a function that no bench needs", text, size);
+}
+
+GC_ERROR TLOpen(TL_HANDLE* handle)
+{
+    *handle = &systemModule;
+    return GC_ERR_SUCCESS;
+}
+
+GC_ERROR TLUpdateInterfaceList(TL_HANDLE, bool8_t* changed, uint64_t)
+{
+    *changed = 1;
+    return GC_ERR_SUCCESS;
+}
+
+GC_ERROR TLGetNumInterfaces(TL_HANDLE, uint32_t* count)
+{
+    *count = 1;
+    return GC_ERR_SUCCESS;
+}
+
+GC_ERROR TLGetInterfaceID(TL_HANDLE, uint32_t, char* id, size_t* size)
+{
+    return DeliverID("interface", id, size);
+}
+
+GC_ERROR TLOpenInterface(TL_HANDLE, const char*, IF_HANDLE* handle)
+{
+    *handle = &interfaceModule;
+    return GC_ERR_SUCCESS;
+}
+
+GC_ERROR IFUpdateDeviceList(IF_HANDLE, bool8_t* changed, uint64_t)
+{
+    *changed = 1;
+    return GC_ERR_SUCCESS;
+}
+
+GC_ERROR IFGetNumDevices(IF_HANDLE, uint32_t* count)
+{
+    *count = deviceCount;
+    return GC_ERR_SUCCESS;
+}
+
+GC_ERROR IFGetDeviceID(IF_HANDLE, uint32_t index, char* id, size_t* size)
+{
+    return DeliverID(std::to_string(index), id, size);
+}
+
+GC_ERROR IFOpenDevice(IF_HANDLE, const char* id, DEVICE_ACCESS_FLAGS, DEV_HANDLE* handle)
+{
+    *handle = &devices.at(std::stoul(id));
+    return GC_ERR_SUCCESS;
+}
+
+GC_ERROR DevGetPort(DEV_HANDLE device, PORT_HANDLE* handle)
+{
+    *handle = &static_cast<Device*>(device)->port;
+    return GC_ERR_SUCCESS;
+}
+
+GC_ERROR DevGetNumDataStreams(DEV_HANDLE, uint32_t* count)
+{
+    *count = 1;
+    return GC_ERR_SUCCESS;
+}
+
+GC_ERROR DevGetDataStreamID(DEV_HANDLE, uint32_t, char* id, size_t* size)
+{
+    return DeliverID("stream", id, size);
+}
+
+GC_ERROR DevOpenDataStream(DEV_HANDLE device, const char*, DS_HANDLE* handle)
+{
+    *handle = &static_cast<Device*>(device)->stream;
+    return GC_ERR_SUCCESS;
+}
+
+GC_ERROR GCRegisterEvent(EVENTSRC_HANDLE module, EVENT_TYPE, EVENT_HANDLE* handle)
+{
+    *handle = module;
+    return GC_ERR_SUCCESS;
+}
+
+GC_ERROR EventGetInfo(EVENT_HANDLE, EVENT_INFO_CMD, INFO_DATATYPE* type, void* buffer, size_t* size)
+{
+    return DeliverValue<std::size_t>(INFO_DATATYPE_SIZET, sizeof(EVENT_NEW_BUFFER_DATA), type, buffer, size);
+}
+
+GC_ERROR EventGetData(EVENT_HANDLE event, void* buffer, size_t* size, uint64_t)
+{
+    auto* const stream = AsStream(event);
+    BufferRecord* const record = stream->buffers[stream->next];
+    stream->next = stream->next + 1 == stream->buffers.size() ? 0 : stream->next + 1;
+    ++stream->frameID;
+    const EVENT_NEW_BUFFER_DATA data{record, record->userPtr};
+    std::memcpy(buffer, &data, sizeof data);
+    *size = sizeof data;
+    return GC_ERR_SUCCESS;
+}
+
+GC_ERROR DSAnnounceBuffer(DS_HANDLE stream, void* buffer, size_t size, void* userPtr, BUFFER_HANDLE* handle)
+{
+    auto* const record = new BufferRecord{buffer, size, userPtr};
+    AsStream(stream)->buffers.push_back(record);
+    *handle = record;
+    return GC_ERR_SUCCESS;
+}
+
+GC_ERROR DSRevokeBuffer(DS_HANDLE stream, BUFFER_HANDLE buffer, void** base, void** userPtr)
+{
+    auto* const record = static_cast<BufferRecord*>(buffer);
+    *base = record->base;
+    *userPtr = record->userPtr;
+    std::erase(AsStream(stream)->buffers, record);
+    delete record;
+    return GC_ERR_SUCCESS;
+}
+
+GC_ERROR DSQueueBuffer(DS_HANDLE, BUFFER_HANDLE)
+{
+    return GC_ERR_SUCCESS;
+}
+
+GC_ERROR DSStartAcquisition(DS_HANDLE, ACQ_START_FLAGS, uint64_t)
+{
+    return GC_ERR_SUCCESS;
+}
+
+GC_ERROR DSStopAcquisition(DS_HANDLE, ACQ_STOP_FLAGS)
+{
+    return GC_ERR_SUCCESS;
+}
+
+GC_ERROR DSFlushQueue(DS_HANDLE, ACQ_QUEUE_TYPE)
+{
+    return GC_ERR_SUCCESS;
+}
+
+GC_ERROR DSGetInfo(DS_HANDLE, STREAM_INFO_CMD, INFO_DATATYPE* type, void* buffer, size_t* size)
+{
+    return DeliverValue<bool8_t>(INFO_DATATYPE_BOOL8, 0, type, buffer, size); // "is grabbing" alone is asked
+}
+
+GC_ERROR DSGetBufferInfo(
+    DS_HANDLE stream, BUFFER_HANDLE buffer, BUFFER_INFO_CMD command, INFO_DATATYPE* type, void* out, size_t* size)
+{
+    switch (command)
+    {
+    case BUFFER_INFO_BASE:
+        return DeliverValue(INFO_DATATYPE_PTR, static_cast<BufferRecord*>(buffer)->base, type, out, size);
+    case BUFFER_INFO_FRAMEID:
+    case BUFFER_INFO_TIMESTAMP:
+        return DeliverValue(INFO_DATATYPE_UINT64, AsStream(stream)->frameID, type, out, size);
+    default:
+        return DeliverValue<std::size_t>(INFO_DATATYPE_SIZET, 640, type, out, size);
+    }
+}
+
+// What no bench calls, or only while it closes.
+// clang-format off
+GC_ERROR GCReadPort(PORT_HANDLE, uint64_t, void*, size_t*) { return GC_ERR_NOT_IMPLEMENTED; }
+GC_ERROR GCWritePort(PORT_HANDLE, uint64_t, const void*, size_t*) { return GC_ERR_NOT_IMPLEMENTED; }
+GC_ERROR GCGetPortURL(PORT_HANDLE, char*, size_t*) { return GC_ERR_NOT_IMPLEMENTED; }
+GC_ERROR GCGetPortInfo(PORT_HANDLE, PORT_INFO_CMD, INFO_DATATYPE*, void*, size_t*) { return GC_ERR_NOT_IMPLEMENTED; }
+GC_ERROR GCUnregisterEvent(EVENTSRC_HANDLE, EVENT_TYPE) { return GC_ERR_SUCCESS; }
+GC_ERROR EventGetDataInfo(EVENT_HANDLE, const void*, size_t, EVENT_DATA_INFO_CMD, INFO_DATATYPE*, void*, size_t*) { return GC_ERR_NOT_IMPLEMENTED; }
+GC_ERROR EventFlush(EVENT_HANDLE) { return GC_ERR_SUCCESS; }
+GC_ERROR EventKill(EVENT_HANDLE) { return GC_ERR_SUCCESS; }
+GC_ERROR TLClose(TL_HANDLE) { return GC_ERR_SUCCESS; }
+GC_ERROR TLGetInfo(TL_HANDLE, TL_INFO_CMD, INFO_DATATYPE*, void*, size_t*) { return GC_ERR_NOT_IMPLEMENTED; }
+GC_ERROR TLGetInterfaceInfo(TL_HANDLE, const char*, INTERFACE_INFO_CMD, INFO_DATATYPE*, void*, size_t*) { return GC_ERR_NOT_IMPLEMENTED; }
+GC_ERROR IFClose(IF_HANDLE) { return GC_ERR_SUCCESS; }
+GC_ERROR IFGetInfo(IF_HANDLE, INTERFACE_INFO_CMD, INFO_DATATYPE*, void*, size_t*) { return GC_ERR_NOT_IMPLEMENTED; }
+GC_ERROR IFGetDeviceInfo(IF_HANDLE, const char*, DEVICE_INFO_CMD, INFO_DATATYPE*, void*, size_t*) { return GC_ERR_NOT_IMPLEMENTED; }
+GC_ERROR DevGetInfo(DEV_HANDLE, DEVICE_INFO_CMD, INFO_DATATYPE*, void*, size_t*) { return GC_ERR_NOT_IMPLEMENTED; }
+GC_ERROR DevClose(DEV_HANDLE) { return GC_ERR_SUCCESS; }
+GC_ERROR DSAllocAndAnnounceBuffer(DS_HANDLE, size_t, void*, BUFFER_HANDLE*) { return GC_ERR_NOT_IMPLEMENTED; }
+GC_ERROR DSGetBufferID(DS_HANDLE, uint32_t, BUFFER_HANDLE*) { return GC_ERR_NOT_IMPLEMENTED; }
+GC_ERROR DSClose(DS_HANDLE) { return GC_ERR_SUCCESS; }
+// clang-format on
+
+} // namespace GenTL
+
+} // extern "C"
