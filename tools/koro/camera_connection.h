@@ -1,0 +1,30 @@
+// CameraConnection: the modules above one camera, open, and the camera's descriptor.
+//
+// Owned by one command; its destructor closes from the interface up. One thread at a time.
+#pragma once
+
+#include "camera_selection.h"
+#include <koro/koro.hpp>
+
+namespace koro::tool
+{
+
+class CameraConnection
+{
+public:
+    // Loads the choice's producer alone. Throws koro::Error, or ToolError when the camera has gone meanwhile.
+    explicit CameraConnection(const CameraChoice& choice);
+
+    const koro::System& System() const { return system; }
+    const koro::Interface& Interface() const { return cameraInterface; }
+    const DeviceDescriptor& Descriptor() const { return descriptor; }
+
+private:
+    Library library;
+    ProducerLibrary producer;
+    koro::System system;
+    koro::Interface cameraInterface;
+    DeviceDescriptor descriptor;
+};
+
+} // namespace koro::tool

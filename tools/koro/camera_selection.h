@@ -1,0 +1,29 @@
+// Camera selection: which camera a name means. Pure functions over the camera tree. Any thread.
+#pragma once
+
+#include "camera_tree.h"
+
+#include <string>
+#include <vector>
+
+namespace koro::tool
+{
+
+// A camera and the way to it. Points into the tree that was searched, which must outlive it.
+struct CameraChoice
+{
+    const ProducerRecord* producer;
+    const InterfaceRecord* interfaceRecord;
+    const CameraRecord* camera;
+};
+
+std::vector<CameraChoice> AllCameras(const std::vector<ProducerRecord>& producers);
+
+// `name` is a serial number, a user name, an id, "interface:id", or a glob over one of these. Exact matches come
+// before globs. Throws ToolError (exit status 3) that lists the candidates when it fits none or several.
+CameraChoice SelectCamera(const std::vector<ProducerRecord>& producers, const std::string& name);
+
+// One line for a person: "interface:id  vendor model, serial number, user name".
+std::string DescribeCamera(const CameraChoice& choice);
+
+} // namespace koro::tool

@@ -1,0 +1,27 @@
+// Commands: each defines its options on its part of the command line and gives back what to do.
+//
+// A definition runs before the command line is read; the action after it, once, on the main thread.
+#pragma once
+
+#include "exit_codes.h"
+
+#include <functional>
+
+namespace CLI
+{
+class App;
+}
+
+namespace koro::tool
+{
+
+// Returns the exit status. Failures leave as ToolError or koro::Error.
+using Action = std::function<int()>;
+
+Action DefineList(CLI::App& command);
+Action DefineInfo(CLI::App& command);
+Action DefineDoctor(CLI::App& command);
+Action DefineGrab(CLI::App& command);
+Action DefineProbe(CLI::App& command);
+
+} // namespace koro::tool

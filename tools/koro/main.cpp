@@ -1,0 +1,105 @@
+#include "commands.h"
+#include "tool_error.h"
+#include <koro/koro.hpp>
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace
+{
+
+using namespace koro::tool;
+
+struct Command
+{
+    const char* name;
+    Action (*define)(CLI::App& command);
+    const char* help;
+};
+
+constexpr Command commands[] = {
+    {"list", DefineList, "Show producers, interfaces and cameras as a tree"},
+    {"info", DefineInfo, "Show everything that is known of one camera"},
+    {"doctor", DefineDoctor, "Find out why a producer or a camera does not show up"},
+    {"grab", DefineGrab, "Take pictures with a camera and save them"},
+    {"probe", DefineProbe, "Try one producer (used by the other commands)"},
+};
+
+int Fail(const char* text, const std::string& hint, int status)
+{
+    std::fprintf(stderr, "koro: %s\n", text);
+    if (!hint.empty()) std::fprintf(stderr, "hint: %s\n", hint.c_str());
+    return status;
+}
+
+const char* HintFor(const koro::Error& error)
+{
+    switch (error.Code())
+    {
+    case KORO_RETURN_CODE_CTI_LOADING_ERROR:
+    case KORO_RETURN_CODE_NOT_FOUND:
+        return "`koro doctor` tells which producers are found and why one cannot be loaded.";
+    case KORO_RETURN_CODE_BAD_ACCESS:
+        return "Another program may have opened the camera; `koro list` shows its access status.";
+    case KORO_RETURN_CODE_TIMEOUT:
+        return "Check that the camera is not waiting for a trigger, or raise --timeout.";
+    default:
+        return "`koro doctor` checks the producers; the text in brackets is the producer's own.";
+    }
+}
+
+int Run(const Action& action)
+{
+    try
+    {
+        return action();
+    }
+    catch (const ToolError& error)
+    {
+        return Fail(error.what(), error.Hint(), error.ExitCode());
+    }
+    catch (const koro::Error& error)
+    {
+        return Fail(error.what(), HintFor(error), exitFailure);
+    }
+    catch (const std::exception& error)
+    {
+        return Fail(error.what(), {}, exitFailure);
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    CLI::App app("Find cameras and take pictures through GenICam GenTL producers.", "koro");
+    app.require_subcommand(1);
+    app.set_version_flag("--version", std::string(KORO_TOOL_VERSION));
+    app.footer(
+        "GENICAM_GENTL64_PATH names the directories of the producers. Exit status: 0 success, 1 failure, 2 wrong\n"
+        "command line, 3 no such camera, 4 no usable camera, 5 pictures missing, 130 interrupted.");
+
+    std::vector<std::pair<CLI::App*, Action>> actions;
+    for (const Command& command : commands)
+    {
+        CLI::App* const part = app.add_subcommand(command.name, command.help);
+        actions.emplace_back(part, command.define(*part));
+    }
+
+    try
+    {
+        app.parse(argc, argv);
+    }
+    catch (const CLI::ParseError& error)
+    {
+        return app.exit(error) == 0 ? exitSuccess : exitUsage;
+    }
+    for (const auto& [part, action] : actions)
+    {
+        if (part->parsed()) return Run(action);
+    }
+    return exitUsage;
+}

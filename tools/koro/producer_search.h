@@ -1,0 +1,35 @@
+// ProducerSearch: where the environment says that producers lie, and why a place does not serve. Values. Any thread.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace koro::tool
+{
+
+extern const char* const producerPathVariable; // GENICAM_GENTL64_PATH
+
+struct SearchedDirectory
+{
+    std::string path;
+    std::string problem; // empty when it could be read
+};
+
+struct ProducerSearch
+{
+    bool variableIsSet = false;
+    std::vector<SearchedDirectory> directories;
+    // Canonical paths of the .cti entries, sorted, each once. A directory or a broken link of that name is among
+    // them, so that a person hears why it does not work.
+    std::vector<std::string> candidates;
+    // One line for each file name that lies in several directories.
+    std::vector<std::string> duplicates;
+};
+
+// `variable` is the variable's value, null when unset. ":" and ";" separate directories.
+ProducerSearch SearchProducers(const char* variable);
+
+// The search in this process's environment; with a path, that one file and nothing else.
+ProducerSearch SearchProducers(const std::string& singleProducer);
+
+} // namespace koro::tool

@@ -1,0 +1,48 @@
+#include "progress.h"
+
+#include <algorithm>
+#include <cinttypes>
+
+namespace koro::tool
+{
+
+Progress::Progress(std::FILE* shownOn, bool onTerminal, uint64_t expected)
+    : stream(shownOn), isTerminal(onTerminal), total(expected)
+{}
+
+Progress::~Progress()
+{
+    if (isTerminal && done > 0) std::fputc('\n', stream);
+}
+
+void Progress::Saved(const std::string& file)
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    ++done;
+    if (isTerminal) return DrawBar();
+    std::fprintf(stream, "%" PRIu64 "/%" PRIu64 " %s\n", done, total, file.c_str());
+    std::fflush(stream);
+}
+
+void Progress::DrawBar()
+{
+    // A terminal shows no more than this, and drawing costs time.
+    const auto now = std::chrono::steady_clock::now();
+    if (done < total && now - lastDrawn < std::chrono::milliseconds(50)) return;
+    lastDrawn = now;
+    std::fprintf(stream, "\r%s", ProgressBar(done, total).c_str());
+    std::fflush(stream);
+}
+
+std::string ProgressBar(uint64_t done, uint64_t total)
+{
+    constexpr size_t width = 40;
+    const double share = total == 0 ? 1.0 : std::min(1.0, static_cast<double>(done) / static_cast<double>(total));
+    const auto filled = static_cast<size_t>(share * static_cast<double>(width));
+    const std::string totalText = std::to_string(total);
+    std::string doneText = std::to_string(done);
+    doneText.insert(0, totalText.size() - std::min(totalText.size(), doneText.size()), ' ');
+    return "[" + std::string(filled, '#') + std::string(width - filled, '.') + "] " + doneText + "/" + totalText;
+}
+
+} // namespace koro::tool

@@ -1,0 +1,39 @@
+// Progress: how far a grab has come. A bar on a terminal, one line a picture elsewhere. Any thread.
+#pragma once
+
+#include <chrono>
+#include <cstdio>
+#include <mutex>
+#include <string>
+
+namespace koro::tool
+{
+
+class Progress
+{
+public:
+    // `total` pictures are to come. The stream belongs to the caller and outlives this object.
+    Progress(std::FILE* stream, bool isTerminal, uint64_t total);
+    Progress(const Progress&) = delete;
+    Progress& operator=(const Progress&) = delete;
+    // Ends the bar's line.
+    ~Progress();
+
+    void Saved(const std::string& file);
+
+private:
+    void DrawBar();
+
+    std::FILE* const stream;
+    const bool isTerminal;
+    const uint64_t total;
+
+    std::mutex mutex; // guards all below
+    uint64_t done = 0;
+    std::chrono::steady_clock::time_point lastDrawn;
+};
+
+// The bar's text without carriage return: "[#####.....]  5/10".
+std::string ProgressBar(uint64_t done, uint64_t total);
+
+} // namespace koro::tool

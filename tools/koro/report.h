@@ -1,0 +1,24 @@
+// Report: what the commands share when they write for a person. Any thread.
+#pragma once
+
+#include "camera_tree.h"
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace koro::tool
+{
+
+// Texts of producers end up on a terminal: control characters become "?".
+std::string Printable(const std::string& text);
+
+// "-" for what the producer does not know or left empty.
+std::string OrDash(const OptionalText& text);
+
+using Rows = std::vector<std::pair<std::string, std::string>>;
+
+// One row a line on standard output, the values aligned.
+void PrintRows(const Rows& rows, const std::string& indent = "");
+
+} // namespace koro::tool
