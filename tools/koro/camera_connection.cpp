@@ -1,7 +1,7 @@
-#include "camera_connection.h"
+#include "tools/koro/camera_connection.h"
 
-#include "read_producer.h"
-#include "tool_error.h"
+#include "tools/koro/read_producer.h"
+#include "tools/koro/tool_error.h"
 
 #include <algorithm>
 

@@ -3,7 +3,7 @@
 // Owned by one command; its destructor closes from the interface up. One thread at a time.
 #pragma once
 
-#include "camera_selection.h"
+#include "tools/koro/camera_selection.h"
 #include <koro/koro.hpp>
 
 namespace koro::tool

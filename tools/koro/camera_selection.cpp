@@ -1,6 +1,6 @@
-#include "camera_selection.h"
+#include "tools/koro/camera_selection.h"
 
-#include "tool_error.h"
+#include "tools/koro/tool_error.h"
 
 #include <fnmatch.h>
 #include <functional>

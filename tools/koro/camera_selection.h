@@ -1,7 +1,7 @@
 // Camera selection: which camera a name means. Pure functions over the camera tree. Any thread.
 #pragma once
 
-#include "camera_tree.h"
+#include "tools/koro/camera_tree.h"
 
 #include <string>
 #include <vector>

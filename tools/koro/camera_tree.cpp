@@ -1,4 +1,4 @@
-#include "camera_tree.h"
+#include "tools/koro/camera_tree.h"
 
 #include <koro/gentl_values.h>
 

@@ -1,4 +1,4 @@
-#include "camera_tree_json.h"
+#include "tools/koro/camera_tree_json.h"
 
 #include <nlohmann/json.hpp>
 

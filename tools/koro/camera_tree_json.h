@@ -1,7 +1,7 @@
 // The camera tree as JSON, for `koro list --json` and for the pipe between a probing process and its parent.
 #pragma once
 
-#include "camera_tree.h"
+#include "tools/koro/camera_tree.h"
 
 #include <nlohmann/json_fwd.hpp>
 

@@ -1,7 +1,7 @@
-#include "commands.h"
-#include "producer_probe.h"
-#include "producer_search.h"
-#include "report.h"
+#include "tools/koro/commands.h"
+#include "tools/koro/producer_probe.h"
+#include "tools/koro/producer_search.h"
+#include "tools/koro/report.h"
 
 #include <CLI/CLI.hpp>
 #include <cstdio>

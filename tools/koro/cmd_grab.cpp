@@ -1,9 +1,9 @@
-#include "camera_connection.h"
-#include "commands.h"
-#include "discovery.h"
-#include "grab_session.h"
-#include "report.h"
-#include "tool_error.h"
+#include "tools/koro/camera_connection.h"
+#include "tools/koro/commands.h"
+#include "tools/koro/discovery.h"
+#include "tools/koro/grab_session.h"
+#include "tools/koro/report.h"
+#include "tools/koro/tool_error.h"
 
 #include <CLI/CLI.hpp>
 #include <cstdio>

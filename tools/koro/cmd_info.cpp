@@ -1,9 +1,9 @@
-#include "camera_connection.h"
-#include "camera_tree_json.h"
-#include "commands.h"
-#include "discovery.h"
-#include "if_known.h"
-#include "report.h"
+#include "tools/koro/camera_connection.h"
+#include "tools/koro/camera_tree_json.h"
+#include "tools/koro/commands.h"
+#include "tools/koro/discovery.h"
+#include "tools/koro/if_known.h"
+#include "tools/koro/report.h"
 
 #include <CLI/CLI.hpp>
 #include <cstdio>

@@ -1,7 +1,7 @@
-#include "camera_tree_json.h"
-#include "commands.h"
-#include "discovery.h"
-#include "report.h"
+#include "tools/koro/camera_tree_json.h"
+#include "tools/koro/commands.h"
+#include "tools/koro/discovery.h"
+#include "tools/koro/report.h"
 
 #include <CLI/CLI.hpp>
 #include <cstdio>

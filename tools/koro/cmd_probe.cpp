@@ -1,7 +1,7 @@
-#include "camera_tree_json.h"
-#include "commands.h"
-#include "producer_probe.h"
-#include "read_producer.h"
+#include "tools/koro/camera_tree_json.h"
+#include "tools/koro/commands.h"
+#include "tools/koro/producer_probe.h"
+#include "tools/koro/read_producer.h"
 #include <koro/koro.hpp>
 
 #include <CLI/CLI.hpp>

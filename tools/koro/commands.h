@@ -3,7 +3,7 @@
 // A definition runs before the command line is read; the action after it, once, on the main thread.
 #pragma once
 
-#include "exit_codes.h"
+#include "tools/koro/exit_codes.h"
 
 #include <functional>
 

@@ -1,4 +1,4 @@
-#include "demosaic.h"
+#include "tools/koro/demosaic.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 // Demosaicing: colours for a picture taken through a Bayer mosaic. Pure functions. Any thread.
 #pragma once
 
-#include "pixel_format.h"
+#include "tools/koro/pixel_format.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,6 +1,6 @@
-#include "discovery.h"
+#include "tools/koro/discovery.h"
 
-#include "report.h"
+#include "tools/koro/report.h"
 #include <koro/koro.hpp>
 
 #include <cstdio>

@@ -2,9 +2,9 @@
 // tool down. What it returns are values.
 #pragma once
 
-#include "camera_selection.h"
-#include "producer_probe.h"
-#include "producer_search.h"
+#include "tools/koro/camera_selection.h"
+#include "tools/koro/producer_probe.h"
+#include "tools/koro/producer_search.h"
 
 #include <string>
 #include <vector>

@@ -1,6 +1,6 @@
-#include "frame_memory.h"
+#include "tools/koro/frame_memory.h"
 
-#include "tool_error.h"
+#include "tools/koro/tool_error.h"
 
 #include <algorithm>
 #include <bit>

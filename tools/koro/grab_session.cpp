@@ -1,7 +1,7 @@
-#include "grab_session.h"
+#include "tools/koro/grab_session.h"
 
-#include "if_known.h"
-#include "tool_error.h"
+#include "tools/koro/if_known.h"
+#include "tools/koro/tool_error.h"
 
 #include <algorithm>
 #include <utility>

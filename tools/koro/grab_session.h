@@ -3,10 +3,10 @@
 // Owned by `koro grab`; used on one thread, while KillWait of the interrupt comes from another.
 #pragma once
 
-#include "frame_memory.h"
-#include "interrupt.h"
-#include "picture_saver.h"
-#include "pixel_conversion.h"
+#include "tools/koro/frame_memory.h"
+#include "tools/koro/interrupt.h"
+#include "tools/koro/picture_saver.h"
+#include "tools/koro/pixel_conversion.h"
 #include <koro/koro.hpp>
 
 #include <chrono>

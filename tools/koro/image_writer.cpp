@@ -1,7 +1,7 @@
-#include "image_writer.h"
+#include "tools/koro/image_writer.h"
 
-#include "pending_file.h"
-#include "tool_error.h"
+#include "tools/koro/pending_file.h"
+#include "tools/koro/tool_error.h"
 
 #include <bit>
 #include <cerrno>

@@ -1,7 +1,7 @@
 // Image writers: a picture or the bytes of a frame into a file, whole or not at all. Any thread.
 #pragma once
 
-#include "picture.h"
+#include "tools/koro/picture.h"
 
 #include <cstddef>
 #include <cstdint>

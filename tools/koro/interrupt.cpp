@@ -1,6 +1,6 @@
-#include "interrupt.h"
+#include "tools/koro/interrupt.h"
 
-#include "exit_codes.h"
+#include "tools/koro/exit_codes.h"
 
 #include <pthread.h>
 #include <unistd.h>

@@ -1,5 +1,5 @@
-#include "commands.h"
-#include "tool_error.h"
+#include "tools/koro/commands.h"
+#include "tools/koro/tool_error.h"
 #include <koro/koro.hpp>
 
 #include <CLI/CLI.hpp>

@@ -1,6 +1,6 @@
-#include "pending_file.h"
+#include "tools/koro/pending_file.h"
 
-#include "tool_error.h"
+#include "tools/koro/tool_error.h"
 
 #include <cerrno>
 #include <system_error>

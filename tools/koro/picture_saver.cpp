@@ -1,6 +1,6 @@
-#include "picture_saver.h"
+#include "tools/koro/picture_saver.h"
 
-#include "image_writer.h"
+#include "tools/koro/image_writer.h"
 
 #include <algorithm>
 #include <cinttypes>

@@ -3,8 +3,8 @@
 // Owned by one grab. Save() and Finish() on one thread; it waits when too many pictures stand in line.
 #pragma once
 
-#include "picture.h"
-#include "progress.h"
+#include "tools/koro/picture.h"
+#include "tools/koro/progress.h"
 
 #include <condition_variable>
 #include <cstdint>

@@ -1,8 +1,8 @@
-#include "pixel_conversion.h"
+#include "tools/koro/pixel_conversion.h"
 
-#include "demosaic.h"
-#include "pixel_unpacking.h"
-#include "tool_error.h"
+#include "tools/koro/demosaic.h"
+#include "tools/koro/pixel_unpacking.h"
+#include "tools/koro/tool_error.h"
 
 #include <algorithm>
 #include <string>

@@ -1,8 +1,8 @@
 // Pixel conversion: from the bytes of a delivered frame to a picture. Pure functions. Any thread.
 #pragma once
 
-#include "picture.h"
-#include "pixel_format.h"
+#include "tools/koro/picture.h"
+#include "tools/koro/pixel_format.h"
 
 #include <cstddef>
 #include <cstdint>

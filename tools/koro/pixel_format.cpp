@@ -1,4 +1,4 @@
-#include "pixel_format.h"
+#include "tools/koro/pixel_format.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -1,4 +1,4 @@
-#include "pixel_unpacking.h"
+#include "tools/koro/pixel_unpacking.h"
 
 #include <algorithm>
 #include <array>

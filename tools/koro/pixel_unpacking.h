@@ -1,7 +1,7 @@
 // Unpacking of one line of pixels into samples of 16 bits. Pure functions over the caller's memory. Any thread.
 #pragma once
 
-#include "pixel_format.h"
+#include "tools/koro/pixel_format.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,7 +1,7 @@
-#include "producer_probe.h"
+#include "tools/koro/producer_probe.h"
 
-#include "camera_tree_json.h"
-#include "tool_error.h"
+#include "tools/koro/camera_tree_json.h"
+#include "tools/koro/tool_error.h"
 
 #include <algorithm>
 #include <array>

@@ -4,7 +4,7 @@
 // a pipe and its result last.
 #pragma once
 
-#include "camera_tree.h"
+#include "tools/koro/camera_tree.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,4 +1,4 @@
-#include "producer_search.h"
+#include "tools/koro/producer_search.h"
 
 #include <algorithm>
 #include <cstdlib>

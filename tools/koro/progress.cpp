@@ -1,4 +1,4 @@
-#include "progress.h"
+#include "tools/koro/progress.h"
 
 #include <algorithm>
 #include <cinttypes>

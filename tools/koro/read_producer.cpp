@@ -1,6 +1,6 @@
-#include "read_producer.h"
+#include "tools/koro/read_producer.h"
 
-#include "if_known.h"
+#include "tools/koro/if_known.h"
 #include <koro/koro.hpp>
 
 namespace koro::tool

@@ -1,7 +1,7 @@
 // Reading a producer: its whole tree through the library, into plain values. Any thread.
 #pragma once
 
-#include "camera_tree.h"
+#include "tools/koro/camera_tree.h"
 
 #include <cstdint>
 #include <functional>

@@ -1,4 +1,4 @@
-#include "report.h"
+#include "tools/koro/report.h"
 
 #include <algorithm>
 #include <cstdio>

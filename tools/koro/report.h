@@ -1,7 +1,7 @@
 // Report: what the commands share when they write for a person. Any thread.
 #pragma once
 
-#include "camera_tree.h"
+#include "tools/koro/camera_tree.h"
 
 #include <string>
 #include <utility>

@@ -1,7 +1,7 @@
 // ToolError: a failure that the tool itself finds, with what to try and the exit status. A value.
 #pragma once
 
-#include "exit_codes.h"
+#include "tools/koro/exit_codes.h"
 
 #include <stdexcept>
 #include <string>

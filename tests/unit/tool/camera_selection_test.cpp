@@ -1,0 +1,126 @@
+#include "tools/koro/camera_selection.h"
+#include "tools/koro/tool_error.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace
+{
+
+using namespace koro::tool;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::Not;
+
+CameraRecord Camera(const std::string& id, const OptionalText& serialNumber = {}, const OptionalText& userName = {})
+{
+    CameraRecord camera;
+    camera.id = id;
+    camera.vendor = "Maker";
+    camera.model = "M1";
+    camera.serialNumber = serialNumber;
+    camera.userName = userName;
+    return camera;
+}
+
+std::vector<ProducerRecord> Tree()
+{
+    ProducerRecord producer;
+    producer.path = "/p.cti";
+    producer.interfaces.resize(2);
+    producer.interfaces[0].id = "eth0";
+    producer.interfaces[0].cameras = {Camera("cam-a", "1001", "left"), Camera("cam-b", "1002", "right")};
+    producer.interfaces[1].id = "usb0";
+    producer.interfaces[1].cameras = {Camera("cam-a", "2001", ""), Camera("left", "2002")};
+    return {producer};
+}
+
+// "interface:id" of the choice, or the error's text.
+std::string Select(const std::string& name)
+{
+    static const std::vector<ProducerRecord> tree = Tree();
+    try
+    {
+        const CameraChoice choice = SelectCamera(tree, name);
+        return choice.interfaceRecord->id + ":" + choice.camera->id;
+    }
+    catch (const ToolError& error)
+    {
+        EXPECT_EQ(error.ExitCode(), exitNoSuchCamera);
+        return error.what();
+    }
+}
+
+TEST(CameraSelection, EachNameOfACameraFindsIt)
+{
+    EXPECT_EQ(Select("1002"), "eth0:cam-b");
+    EXPECT_EQ(Select("right"), "eth0:cam-b");
+    EXPECT_EQ(Select("cam-b"), "eth0:cam-b");
+    EXPECT_EQ(Select("eth0:cam-b"), "eth0:cam-b");
+}
+
+TEST(CameraSelection, InterfaceTellsEqualIdsApart)
+{
+    EXPECT_EQ(Select("eth0:cam-a"), "eth0:cam-a");
+    EXPECT_EQ(Select("usb0:cam-a"), "usb0:cam-a");
+}
+
+TEST(CameraSelection, PatternFindsTheOneCameraThatFits)
+{
+    EXPECT_EQ(Select("ri*"), "eth0:cam-b");
+    EXPECT_EQ(Select("usb0:cam-?"), "usb0:cam-a");
+    EXPECT_EQ(Select("200[2]"), "usb0:left");
+}
+
+TEST(CameraSelection, AmbiguousNameListsItsCandidates)
+{
+    const std::string text = Select("cam-a");
+    EXPECT_THAT(text, HasSubstr("\"cam-a\" fits several cameras:\n"));
+    EXPECT_THAT(text, HasSubstr("\n  eth0:cam-a  Maker M1, serial number 1001, \"left\""));
+    EXPECT_THAT(text, HasSubstr("\n  usb0:cam-a  Maker M1, serial number 2001"));
+    EXPECT_THAT(text, Not(HasSubstr("cam-b")));
+}
+
+TEST(CameraSelection, UserNameAndIdOfDifferentCamerasAreAmbiguous)
+{
+    EXPECT_THAT(Select("left"), HasSubstr("\"left\" fits several cameras:"));
+}
+
+TEST(CameraSelection, UnknownNameListsAllCameras)
+{
+    const std::string text = Select("nobody");
+    EXPECT_THAT(text, HasSubstr("No camera is called \"nobody\". There are:\n  eth0:cam-a"));
+    EXPECT_THAT(text, EndsWith("\n  usb0:left  Maker M1, serial number 2002"));
+}
+
+TEST(CameraSelection, EmptyTextsOfTheProducerNameNobody)
+{
+    EXPECT_THAT(Select(""), HasSubstr("No camera is called \"\""));
+}
+
+TEST(CameraSelection, TreeWithoutCamerasSaysSo)
+{
+    try
+    {
+        SelectCamera({}, "any");
+        FAIL() << "no error";
+    }
+    catch (const ToolError& error)
+    {
+        EXPECT_STREQ(error.what(), "There is no camera.");
+        EXPECT_EQ(error.ExitCode(), exitNoSuchCamera);
+    }
+}
+
+TEST(CameraSelection, MissingTextsAreDashes)
+{
+    ProducerRecord producer;
+    producer.interfaces.resize(1);
+    producer.interfaces[0].id = "i";
+    producer.interfaces[0].cameras.resize(1);
+    producer.interfaces[0].cameras[0].id = "c";
+    const std::vector<ProducerRecord> tree = {producer};
+    EXPECT_EQ(DescribeCamera(AllCameras(tree).at(0)), "i:c  - -, serial number -");
+}
+
+} // namespace

@@ -1,0 +1,81 @@
+#include "tests/support/temporary_folder.h"
+#include "tests/unit/tool/image_files.h"
+#include "tools/koro/picture_saver.h"
+#include "tools/koro/tool_error.h"
+
+#include <filesystem>
+#include <gtest/gtest.h>
+
+namespace
+{
+
+using namespace koro::tool;
+using koro::test::ReadPNG;
+using koro::test::TemporaryFolder;
+
+Picture Grey(uint8_t value)
+{
+    return {2, 1, 1, Samples8{value, value}};
+}
+
+// A progress that nobody sees.
+struct Silence
+{
+    std::FILE* stream = std::fopen("/dev/null", "w");
+    Progress progress{stream, false, 1};
+
+    ~Silence() { std::fclose(stream); }
+};
+
+TEST(PictureSaver, PicturesAreNumberedInTheirOrder)
+{
+    const TemporaryFolder folder;
+    Silence silence;
+    PictureSaver saver(folder.Path(), "cam", FileFormat::PNG, silence.progress);
+    for (uint8_t i = 1; i <= 20; ++i)
+        saver.Save(Grey(i));
+    saver.Finish();
+    EXPECT_EQ(saver.NumSaved(), 20u);
+    EXPECT_EQ(std::get<Samples8>(ReadPNG(folder.File("cam-000001.png")).samples)[0], 1);
+    EXPECT_EQ(std::get<Samples8>(ReadPNG(folder.File("cam-000020.png")).samples)[0], 20);
+}
+
+TEST(PictureSaver, WhatStandsInLineIsWrittenAtTheEnd)
+{
+    const TemporaryFolder folder;
+    Silence silence;
+    {
+        PictureSaver saver(folder.Path(), "cam", FileFormat::TIFF, silence.progress);
+        for (uint8_t i = 0; i < 5; ++i)
+            saver.Save(Grey(i));
+    }
+    EXPECT_TRUE(std::filesystem::exists(folder.File("cam-000005.tiff")));
+}
+
+TEST(PictureSaver, RawFramesAreWrittenAsTheyAre)
+{
+    const TemporaryFolder folder;
+    Silence silence;
+    PictureSaver saver(folder.Path(), "cam", FileFormat::Raw, silence.progress);
+    saver.Save(RawFrame{1, 2, 3});
+    saver.Finish();
+    EXPECT_EQ(std::filesystem::file_size(folder.File("cam-000001.raw")), 3u);
+}
+
+TEST(PictureSaver, FailureReachesTheCaller)
+{
+    const TemporaryFolder folder;
+    Silence silence;
+    PictureSaver saver(folder.File("missing"), "cam", FileFormat::PNG, silence.progress);
+    // More than may stand in line: without the failure's notice this would wait for ever.
+    EXPECT_THROW(
+        {
+            for (int i = 0; i < 100; ++i)
+                saver.Save(Grey(1));
+        },
+        ToolError);
+    EXPECT_THROW(saver.Finish(), ToolError);
+    EXPECT_EQ(saver.NumSaved(), 0u);
+}
+
+} // namespace
