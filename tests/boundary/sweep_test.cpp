@@ -1,0 +1,369 @@
+// Calls every export that the headers declare in the ways that all of them answer alike.
+
+#include "tests/support/boundary.h"
+#include "tests/support/environment_variable.h"
+#include "tests/support/scripted_producer.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <functional>
+#include <gtest/gtest.h>
+#include <map>
+#include <set>
+#include <type_traits>
+
+namespace
+{
+
+using namespace koro::test;
+
+using Word = std::uintptr_t; // any argument of any export
+using Words = std::vector<Word>;
+
+struct Parameter
+{
+    std::string type;
+    std::string name;
+
+    bool IsPointer() const { return type.back() == '*'; }
+    bool IsHandle() const { return EndsWith("Handle"); }
+    bool IsCallback() const { return EndsWith("Callback"); }
+
+private:
+    bool EndsWith(const std::string& end) const
+    {
+        return type.size() > end.size() && type.compare(type.size() - end.size(), end.size(), end) == 0;
+    }
+};
+
+struct Export
+{
+    std::string name;
+    std::vector<Parameter> parameters;
+    std::function<KORO_ReturnCode(const Words&)> call;
+};
+
+template <class Target>
+Target FromWord(Word word)
+{
+    if constexpr (std::is_pointer_v<Target>)
+    {
+        return reinterpret_cast<Target>(word);
+    }
+    else
+    {
+        return static_cast<Target>(word);
+    }
+}
+
+template <class... Parameters, std::size_t... indices>
+KORO_ReturnCode CallWith(
+    KORO_ReturnCode (*function)(Parameters...), const Words& words, std::index_sequence<indices...>)
+{
+    return function(FromWord<Parameters>(words.at(indices))...);
+}
+
+// "char* key, size_t* keySize" in pieces.
+std::vector<Parameter> ParseParameters(const std::string& text)
+{
+    std::vector<Parameter> parameters;
+    if (text == "void") return parameters;
+    for (std::size_t begin = 0; begin < text.size();)
+    {
+        const auto end = std::min(text.find(", ", begin), text.size());
+        const auto blank = text.rfind(' ', end - 1);
+        parameters.push_back({text.substr(begin, blank - begin), text.substr(blank + 1, end - blank - 1)});
+        begin = end + 2;
+    }
+    return parameters;
+}
+
+template <class... Parameters>
+Export MakeExport(const char* name, const char* parameters, KORO_ReturnCode (*function)(Parameters...))
+{
+    return {name, ParseParameters(parameters), [function](const Words& words) {
+                return CallWith(function, words, std::index_sequence_for<Parameters...>());
+            }};
+}
+
+const std::vector<Export>& AllExports()
+{
+    static const std::vector<Export> exports = {
+#define KORO_EXPORT(name, parameters) MakeExport(#name, parameters, name),
+#include "declared_exports.inc"
+#undef KORO_EXPORT
+    };
+    return exports;
+}
+
+// Arguments that are valid in themselves: room for every output, a callback, and the handles that are given.
+class Arguments
+{
+public:
+    explicit Arguments(const Export& called, const std::map<std::string, Word>& handles = {})
+        : room(called.parameters.size())
+    {
+        for (std::size_t index = 0; index < called.parameters.size(); ++index)
+        {
+            const auto& parameter = called.parameters[index];
+            if (parameter.IsPointer())
+                words.push_back(PlaceFor(parameter, room[index]));
+            else if (parameter.IsCallback())
+                words.push_back(reinterpret_cast<Word>(&DoNothing));
+            else
+                words.push_back(handles.count(parameter.type) ? handles.at(parameter.type) : 0);
+        }
+    }
+
+    Words words;
+
+private:
+    static constexpr std::size_t roomSize = 4096;
+    using Room = std::array<std::uint64_t, roomSize / sizeof(std::uint64_t)>;
+
+    static void DoNothing() {}
+
+    static Word PlaceFor(const Parameter& parameter, Room& place)
+    {
+        place.fill(0);
+        if (parameter.type == "size_t*") place[0] = roomSize;
+        return reinterpret_cast<Word>(place.data());
+    }
+
+    std::vector<Room> room;
+};
+
+// All kinds of handles that the exports take, open on a producer that answers every query.
+class EveryHandle
+{
+public:
+    explicit EveryHandle(ScriptedProducer& producer) : tree(producer.Path())
+    {
+        const auto buffers = tree.QueueBuffers(1);
+        Require(KORO_DataStream_StartAcquisitionInfinite(tree.stream, 0));
+        producer->Deliver("if0-dev0-stream0", FrameThatAnswersAll());
+        Require(KORO_DataStream_WaitForFinishedBuffer(tree.stream, 0, &buffer));
+
+        const auto module = Get<KORO_ModuleHandle>(KORO_System_ToModule, tree.system);
+        const auto port = Get<KORO_PortHandle>(KORO_Module_GetPort, module);
+        const auto source = Get<KORO_EventSupportingModuleHandle>(KORO_System_ToEventSupportingModule, tree.system);
+        const auto controller =
+            Get<KORO_EventControllerHandle>(KORO_EventSupportingModule_EnableEvents, source, moduleEvents);
+        producer->Fire("system", moduleEvents, "block");
+
+        Enter("KORO_ProducerLibraryHandle", tree.producerLibrary);
+        Enter("KORO_SystemDescriptorHandle", tree.systemDescriptor);
+        Enter("KORO_SystemHandle", tree.system);
+        Enter("KORO_InterfaceDescriptorHandle", tree.interfaceDescriptor);
+        Enter("KORO_InterfaceHandle", tree.interface);
+        Enter("KORO_DeviceDescriptorHandle", tree.deviceDescriptor);
+        Enter("KORO_DeviceHandle", tree.device);
+        Enter("KORO_RemoteDeviceHandle", tree.remoteDevice);
+        Enter("KORO_DataStreamDescriptorHandle", tree.streamDescriptor);
+        Enter("KORO_DataStreamHandle", tree.stream);
+        Enter("KORO_BufferHandle", buffer);
+        Enter("KORO_ModuleHandle", module);
+        Enter(
+            "KORO_ModuleDescriptorHandle",
+            Get<KORO_ModuleDescriptorHandle>(KORO_DeviceDescriptor_ToModuleDescriptor, tree.deviceDescriptor));
+        Enter("KORO_PortHandle", port);
+        Enter("KORO_PortURLHandle", Get<KORO_PortURLHandle>(KORO_Port_GetURL, port, std::size_t{0}));
+        Enter("KORO_EventSupportingModuleHandle", source);
+        Enter("KORO_EventControllerHandle", controller);
+        Enter(
+            "KORO_EventHandle", Get<KORO_EventHandle>(KORO_EventController_WaitForEvent, controller, std::uint64_t{0}));
+    }
+
+    std::map<std::string, Word> byType;
+
+private:
+    static constexpr std::int32_t moduleEvents = KORO_EVENT_MODULE;
+
+    static scripted::Frame FrameThatAnswersAll()
+    {
+        scripted::Frame frame;
+        frame.info = {
+            {GenTL::BUFFER_INFO_CHUNKLAYOUTID, scripted::UInt64(7)},
+            {GenTL::BUFFER_INFO_FILENAME, scripted::Text("file")},
+            {GenTL::BUFFER_INFO_PIXEL_ENDIANNESS, scripted::Int32(GenTL::PIXELENDIANNESS_LITTLE)},
+        };
+        return frame;
+    }
+
+    template <class Handle>
+    void Enter(const std::string& type, Handle handle)
+    {
+        byType[type] = reinterpret_cast<Word>(handle);
+    }
+
+    OpenTree tree;
+    KORO_BufferHandle buffer = nullptr;
+};
+
+bool IsExemptFromInitialization(const Export& called)
+{
+    static const std::set<std::string> exempt = {
+        "KORO_Library_Initialize", "KORO_Library_Close", "KORO_Library_IsInitialized", "KORO_Library_GetLastError"};
+    return exempt.count(called.name) > 0;
+}
+
+bool BeginsWithHandle(const Export& called)
+{
+    return !called.parameters.empty() && called.parameters[0].IsHandle();
+}
+
+// The name by which messages call the leading handle; one export calls it by another name than its signature.
+std::string NameOfHandle(const Export& called)
+{
+    return called.name == "KORO_Device_GetDataStream" ? "interfaceHandle" : called.parameters[0].name;
+}
+
+// A buffer with a size pointer behind it may be null: a size query.
+bool IsBufferOfSizeQuery(const Export& called, std::size_t index)
+{
+    const auto& parameters = called.parameters;
+    return index + 1 < parameters.size() && parameters[index + 1].type == "size_t*" &&
+           parameters[index + 1].name == parameters[index].name + "Size";
+}
+
+bool MayBeNull(const Export& called, std::size_t index)
+{
+    const auto& parameter = called.parameters[index];
+    if (parameter.name == "userPtr" && called.name != "KORO_Buffer_GetUserPtr") return true;
+    return !(parameter.IsPointer() || parameter.IsCallback()) || parameter.name == "callbackContext" ||
+           parameter.name == "revocationCallback" || IsBufferOfSizeQuery(called, index);
+}
+
+Error InvalidHandle(const Export& called)
+{
+    return {KORO_RETURN_CODE_INVALID_HANDLE, NameOfHandle(called) + " is invalid!"};
+}
+
+TEST(Sweep, BeforeInitializationEveryExportRefusesWhateverItsArgumentsAre)
+{
+    const Error refusal{
+        KORO_RETURN_CODE_NOT_INITIALIZED,
+        "ZVR koro genericAPI library not initialized. Call koro::Library::Initialize() / KORO_Library_Initialize() "
+        "before anything else."};
+    std::size_t refused = 0;
+    for (const auto& called : AllExports())
+    {
+        if (IsExemptFromInitialization(called)) continue;
+        EXPECT_EQ(Outcome(called.call(Words(called.parameters.size()))), refusal) << called.name << " with zeros";
+        EXPECT_EQ(Outcome(called.call(Arguments(called).words)), refusal) << called.name;
+        ++refused;
+    }
+    EXPECT_EQ(refused, AllExports().size() - 4);
+}
+
+TEST(Sweep, DeadHandleIsReportedByItsParametersNameBeforeAnyPointer)
+{
+    const KoroLibrary library;
+    int nothing = 0;
+    for (const auto& called : AllExports())
+    {
+        if (!BeginsWithHandle(called)) continue;
+        for (const Word dead : {Word{0}, reinterpret_cast<Word>(&nothing), ~Word{0}})
+        {
+            auto arguments = Arguments(called);
+            arguments.words[0] = dead;
+            EXPECT_EQ(Outcome(called.call(arguments.words)), InvalidHandle(called)) << called.name;
+
+            Words zeros(called.parameters.size());
+            zeros[0] = dead;
+            EXPECT_EQ(Outcome(called.call(zeros)), InvalidHandle(called)) << called.name << " with null pointers";
+        }
+    }
+}
+
+TEST(Sweep, HandleOfAnotherKindIsInvalid)
+{
+    ScriptedProducer producer;
+    const KoroLibrary library;
+    const EveryHandle handles(producer);
+    for (const auto& called : AllExports())
+    {
+        if (!BeginsWithHandle(called)) continue;
+        for (const auto& [type, handle] : handles.byType)
+        {
+            const auto own = handles.byType.find(called.parameters[0].type);
+            if (handle == own->second) continue;
+            auto arguments = Arguments(called, handles.byType);
+            arguments.words[0] = handle;
+            EXPECT_EQ(Outcome(called.call(arguments.words)), InvalidHandle(called)) << called.name << " with " << type;
+        }
+    }
+}
+
+TEST(Sweep, NullPointerIsReportedByItsParametersName)
+{
+    ScriptedProducer producer;
+    const EnvironmentVariable search("GENICAM_GENTL64_PATH", producer.Folder().Path().string());
+    const KoroLibrary library;
+    Require(KORO_EnvironmentInspector_UpdateCTIPaths());
+    const EveryHandle handles(producer);
+    for (const auto& called : AllExports())
+    {
+        for (std::size_t index = 0; index < called.parameters.size(); ++index)
+        {
+            if (MayBeNull(called, index)) continue;
+            auto arguments = Arguments(called, handles.byType);
+            arguments.words[index] = 0;
+            const auto& name = called.parameters[index].name;
+            EXPECT_EQ(
+                Outcome(called.call(arguments.words)),
+                (Error{KORO_RETURN_CODE_INVALID_ARGUMENT, name + " is not a valid pointer!"}))
+                << called.name;
+        }
+    }
+}
+
+// The reader of the last error replaces its own text when it fails, and the producer itself writes the texts of device
+// descriptors, by its own rules.
+bool HasRulesOfItsOwn(const Export& called)
+{
+    if (called.name == "KORO_Library_GetLastError") return true;
+    return called.name.rfind("KORO_DeviceDescriptor_Get", 0) == 0 && called.name != "KORO_DeviceDescriptor_GetKey" &&
+           called.name != "KORO_DeviceDescriptor_GetInfo";
+}
+
+TEST(Sweep, BufferThatIsTooSmallIsLeftAsItWasAndSoIsItsSize)
+{
+    ScriptedProducer producer;
+    const EnvironmentVariable search("GENICAM_GENTL64_PATH", producer.Folder().Path().string());
+    const KoroLibrary library;
+    Require(KORO_EnvironmentInspector_UpdateCTIPaths());
+    const EveryHandle handles(producer);
+    for (const auto& called : AllExports())
+    {
+        if (HasRulesOfItsOwn(called)) continue;
+        for (std::size_t index = 0; index < called.parameters.size(); ++index)
+        {
+            if (!IsBufferOfSizeQuery(called, index)) continue;
+            const auto& name = called.parameters[index].name;
+            auto query = Arguments(called, handles.byType);
+            query.words[index] = 0;
+            ASSERT_EQ(Outcome(called.call(query.words)), Error{}) << called.name;
+            const auto needed = *reinterpret_cast<const std::size_t*>(query.words[index + 1]);
+
+            auto arguments = Arguments(called, handles.byType);
+            auto* const bytes = reinterpret_cast<unsigned char*>(arguments.words[index]);
+            auto* const size = reinterpret_cast<std::size_t*>(arguments.words[index + 1]);
+            std::memset(bytes, 0x5a, needed);
+            *size = needed - 1;
+            EXPECT_EQ(
+                Outcome(called.call(arguments.words)),
+                (Error{KORO_RETURN_CODE_BUFFER_TOO_SMALL, name + " is too small!"}))
+                << called.name;
+            EXPECT_EQ(*size, needed - 1) << called.name;
+            EXPECT_TRUE(std::all_of(bytes, bytes + needed, [](auto byte) { return byte == 0x5a; })) << called.name;
+
+            *size = needed;
+            EXPECT_EQ(Outcome(called.call(arguments.words)), Error{}) << called.name;
+            EXPECT_EQ(*size, needed) << called.name;
+        }
+    }
+}
+
+} // namespace
