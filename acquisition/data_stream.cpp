@@ -253,7 +253,8 @@ void DataStream::FlushPendingKillWaits()
         if (!newBufferEventsOnce.IsDone())
         {
             throw InternalErrorException(
-                "There is no new buffer event yet: start the acquisition, wait or kill a wait first!");
+                "[Function: FlushPendingKillWaits | Error: there is no new buffer event yet: start the acquisition, "
+                "wait or kill a wait first]");
         }
         newBufferEvents->FlushPendingKillWaits();
     });
