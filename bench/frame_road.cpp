@@ -82,7 +82,7 @@ int main(int argc, char** argv)
         PrintStep(effort, step);
 
     std::printf("\n%-28s %5s %10s %10s %10s\n", "frame: wait, 6 values, queue", "calls", "direct", "exports", "ratio");
-    for (const std::size_t threads : {1, 2, 4})
+    for (const std::size_t threads : {1u, 2u, 4u})
     {
         std::vector<double> bareTimes;
         std::vector<double> libraryTimes;

@@ -39,7 +39,7 @@ private:
 void PrintRow(const Effort& effort, const char* name, const std::function<Steps(std::size_t)>& stepsFor)
 {
     std::printf("%-40s", name);
-    for (const std::size_t threads : {1, 2, 4})
+    for (const std::size_t threads : {1u, 2u, 4u})
     {
         std::vector<double> times;
         for (std::size_t round = 0; round < effort.rounds; ++round)
