@@ -4,6 +4,7 @@
 #include "tests/support/journal.h"
 #include "tests/support/scripted_producer.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <thread>
 
@@ -85,12 +86,18 @@ TEST(Library, LastCloseClosesChildrenBeforeParents)
         const KoroLibrary library;
         OpenTree tree(producer.Path());
         tree.QueueBuffers(1);
+        const auto source = Get<KORO_EventSupportingModuleHandle>(KORO_System_ToEventSupportingModule, tree.system);
+        Get<KORO_EventControllerHandle>(
+            KORO_EventSupportingModule_EnableEvents, source, std::int32_t{KORO_EVENT_MODULE});
         producer->ClearJournal();
     }
-    EXPECT_EQ(
-        CallsOf(producer->Journal(), {"DSClose", "DevClose", "IFClose", "TLClose", "GCCloseLib"}),
-        (std::vector<std::string>{
-            "DSClose(if0-dev0-stream0)", "DevClose(if0-dev0)", "IFClose(if0)", "TLClose(system)", "GCCloseLib()"}));
+    EXPECT_THAT(
+        CallsOf(
+            producer->Journal(),
+            {"GCUnregisterEvent", "DSRevokeBuffer", "DSClose", "DevClose", "IFClose", "TLClose", "GCCloseLib"}),
+        testing::ElementsAre(
+            "GCUnregisterEvent(system, 5)", testing::StartsWith("DSRevokeBuffer("), "DSClose(if0-dev0-stream0)",
+            "DevClose(if0-dev0)", "IFClose(if0)", "TLClose(system)", "GCCloseLib()"));
 }
 
 TEST(Library, HandlesFromBeforeAFullCloseAreUnknown)

@@ -1,0 +1,34 @@
+// Two kinds of handles of the tests' own, so that tables are seen without a producer.
+#pragma once
+
+#include "base/instance.h"
+#include "capi/handle_table.h"
+
+#include <memory>
+
+namespace koro::internal::test
+{
+
+class Parent : public Instance
+{};
+
+class Child : public Instance
+{};
+
+} // namespace koro::internal::test
+
+namespace koro::internal
+{
+
+template <>
+struct HandleOfClass<test::Child>
+{
+    using type = struct TestChild_st*;
+};
+template <>
+struct HandleOfClass<test::Parent>
+{
+    using type = struct TestParent_st*;
+};
+
+} // namespace koro::internal
