@@ -105,7 +105,7 @@ INSTANTIATE_TEST_SUITE_P(
         FailingStep{"DSGetInfo", {unregister}}, FailingStep{"DSStopAcquisition", {stop, unregister}},
         FailingStep{"DSFlushQueue", {stop, flush, unregister}},
         FailingStep{"DSRevokeBuffer", {stop, flush, revokeFirst, unregister}}),
-    [](const auto& info) { return info.param.first; });
+    [](const auto& step) { return step.param.first; });
 
 TEST_F(DataStreamEnd, FailureOfTheCloseItselfReachesNobody)
 {
