@@ -133,10 +133,10 @@ Tree MakeTree();
 struct Frame
 {
     std::string bytes = std::string("\0\1\2\3\4\5\6\7", 8); // 4 x 2 pixels, Mono8
-    Infos info;                                             // beside or in place of the default answers
+    Infos info{};                                           // beside or in place of the default answers
     bool incomplete = false;
-    std::vector<Infos> parts;
-    std::vector<GenTL::SINGLE_CHUNK_DATA> chunks;
+    std::vector<Infos> parts{};
+    std::vector<GenTL::SINGLE_CHUNK_DATA> chunks{};
 };
 
 } // namespace scripted
