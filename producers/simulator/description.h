@@ -1,0 +1,24 @@
+// Description: a GenICam description file, embedded at build time from descriptions/*.xml.
+#pragma once
+
+#include <array>
+#include <string_view>
+
+namespace koro::simulator
+{
+
+struct Description
+{
+    std::string_view fileName;
+    std::string_view text;
+    std::array<unsigned char, 20> sha1;
+};
+
+// All have schema version 1.1.0 and file version 1.0.0.
+extern const Description systemDescription;
+extern const Description interfaceDescription;
+extern const Description deviceDescription;
+extern const Description streamDescription;
+extern const Description remoteDeviceDescription;
+
+} // namespace koro::simulator

@@ -1,0 +1,14 @@
+// The GenTL header as this producer sees it: functions exported, names usable without prefix inside the simulator.
+#pragma once
+
+#ifndef GENTL_PRODUCER
+#define GENTL_PRODUCER
+#endif
+#include "gentl/api/gentl.h"
+
+#include <cstdint>
+
+namespace koro::simulator
+{
+using namespace GenTL; // NOLINT(google-build-using-namespace): the simulator is written in the words of the standard
+}

@@ -1,0 +1,62 @@
+// Settings: what the JSON file says, checked. Without a file: the cameras of docs/simulator.md.
+#pragma once
+
+#include "producers/simulator/fault_plan.h"
+#include "producers/simulator/pixel_format.h"
+
+#include <cstddef>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace koro::simulator
+{
+
+enum class SourceKind
+{
+    Pattern,
+    Sequence,
+    Folder
+};
+
+struct CameraSettings
+{
+    std::string serial;
+    std::string vendor = "zvr";
+    std::string model = "SimulatedCamera";
+    std::string userName; // empty: has none
+    std::size_t width = 640;
+    std::size_t height = 480;
+    const PixelFormat* format = FindPixelFormat("Mono8");
+    double rate = 25; // frames per second; 0 unpaced
+    SourceKind source = SourceKind::Pattern;
+    std::filesystem::path folder; // for SourceKind::Folder
+};
+
+struct InterfaceSettings
+{
+    std::string id;
+    std::string displayName;
+    std::string tlType;
+    std::vector<CameraSettings> cameras;
+};
+
+struct Settings
+{
+    std::uint32_t versionMajor = 1;
+    std::uint32_t versionMinor = 5;
+    bool strictInit = false; // a second GCInitLib fails instead of being counted
+    std::vector<InterfaceSettings> interfaces;
+    Misbehaviour misbehaviour;
+};
+
+Settings DefaultSettings();
+
+// Throws Failure (GC_ERR_ERROR) whose text says what is wrong and where in the document.
+Settings ParseSettings(std::string_view json);
+
+// The file that KORO_SIMULATOR_CONFIG names, the defaults when it names none. Failures name the file.
+Settings LoadSettings();
+
+} // namespace koro::simulator
