@@ -1,0 +1,63 @@
+// Buffer: one announced piece of memory, the consumer's or our own, and what the last fill left in it.
+//
+// Owned by its stream from announcement to revoke. All fields that change are guarded by the stream's mutex.
+#pragma once
+
+#include "producers/simulator/module.h"
+
+#include <cstddef>
+#include <memory>
+#include <span>
+
+namespace koro::simulator
+{
+
+// Where a buffer is, besides the announced pool.
+enum class Place
+{
+    Idle,
+    Input,
+    Filling,
+    Output
+};
+
+// What a fill left behind.
+struct FillResult
+{
+    std::uint64_t frameId = 0;
+    std::uint64_t timestamp_ns = 0;
+    std::size_t sizeFilled = 0; // bytes
+    std::size_t dataSize = 0;   // bytes that were meant to come
+    std::size_t deliveredLines = 0;
+    bool incomplete = false;
+    bool largerThanBuffer = false;
+};
+
+class Buffer final : public Module
+{
+public:
+    // The consumer's memory.
+    Buffer(void* memory, std::size_t bytes, void* userPointer, PortFacts portFacts);
+    // Memory of our own.
+    Buffer(std::size_t bytes, void* userPointer, PortFacts portFacts);
+
+    std::span<std::byte> Memory() const noexcept { return memory; }
+    bool IsOurs() const noexcept { return ownMemory != nullptr; }
+    void* UserPointer() const noexcept { return userPointer; }
+    Port& ModulePort() override { return port; }
+
+    const void* announcedTo = nullptr; // the queue that lists it
+    Place place = Place::Idle;
+    bool hasNewData = false; // the last way into the output queue was a fill
+    FillResult result;
+
+private:
+    void OnClose() override {}
+
+    const std::unique_ptr<std::byte[]> ownMemory;
+    const std::span<std::byte> memory;
+    void* const userPointer;
+    Port port;
+};
+
+} // namespace koro::simulator

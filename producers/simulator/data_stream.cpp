@@ -1,0 +1,321 @@
+#include "producers/simulator/data_stream.h"
+
+#include "producers/simulator/device.h"
+#include "producers/simulator/producer_facts.h"
+
+#include <utility>
+
+namespace koro::simulator
+{
+namespace
+{
+
+constexpr std::size_t announceMinimum = 1;
+constexpr std::size_t maxBufferBytes = std::size_t{1} << 32; // of one allocation of ours
+
+PortFacts StreamFacts(const Device& device)
+{
+    return {DataStream::TheId(), vendorName,   modelName,      device.TheCamera().TLType(),
+            "TLDataStream",      "StreamPort", producerVersion};
+}
+
+PortFacts BufferFacts(const Camera& camera)
+{
+    return {"", vendorName, modelName, camera.TLType(), "TLBuffer", "BufferPort", producerVersion};
+}
+
+} // namespace
+
+const std::string& DataStream::TheId()
+{
+    static const std::string id = "Stream0";
+    return id;
+}
+
+DataStream::DataStream(std::shared_ptr<Device> parentDevice)
+    : parent(std::move(parentDevice)), camera(parent->SharedCamera()), port(StreamFacts(*parent), &streamDescription),
+      engine(
+          mutex, queue, camera, parent->ConnectionLost(),
+          {[this] { parent->OnCameraLost(); },
+           [this] {
+               RaiseEvent(EVENT_ERROR, ErrorBlock(GC_ERR_BUFFER_TOO_SMALL, "the buffer is too small for the image"));
+           }})
+{}
+
+bool DataStream::SupportsEvent(EVENT_TYPE type) const noexcept
+{
+    return type == EVENT_NEW_BUFFER || Module::SupportsEvent(type);
+}
+
+void DataStream::OnRegistration(EVENT_TYPE type, EventQueue* registration) noexcept
+{
+    if (type == EVENT_NEW_BUFFER) queue.SetOutput(registration);
+}
+
+std::shared_ptr<Buffer> DataStream::Add(std::shared_ptr<Buffer> buffer)
+{
+    const std::lock_guard lock(mutex);
+    if (IsClosed()) throw Failure(GC_ERR_INVALID_HANDLE, "the stream was closed meanwhile");
+    queue.Announce(buffer);
+    Handles().Add(buffer);
+    return buffer;
+}
+
+std::shared_ptr<Buffer> DataStream::Announce(void* memory, std::size_t bytes, void* userPointer)
+{
+    if (bytes == 0) throw Failure(GC_ERR_INVALID_PARAMETER, "a buffer needs at least one byte");
+    return Add(std::make_shared<Buffer>(memory, bytes, userPointer, BufferFacts(*camera)));
+}
+
+std::shared_ptr<Buffer> DataStream::AllocAndAnnounce(std::size_t bytes, void* userPointer)
+{
+    if (bytes == 0) throw Failure(GC_ERR_INVALID_PARAMETER, "a buffer needs at least one byte");
+    if (bytes > maxBufferBytes) throw Failure(GC_ERR_OUT_OF_MEMORY, std::to_string(bytes) + " bytes are too many");
+    return Add(std::make_shared<Buffer>(bytes, userPointer, BufferFacts(*camera)));
+}
+
+std::shared_ptr<Buffer> DataStream::BufferAt(std::uint32_t index) const
+{
+    const std::lock_guard lock(mutex);
+    return queue.At(index);
+}
+
+void DataStream::Revoke(Buffer& buffer)
+{
+    std::shared_ptr<Buffer> revoked;
+    {
+        const std::lock_guard lock(mutex);
+        revoked = queue.Revoke(buffer);
+    }
+    revoked->Close();
+}
+
+void DataStream::Queue(Buffer& buffer)
+{
+    const std::lock_guard lock(mutex);
+    RequireBufferLocked(buffer);
+    queue.QueueInput(buffer);
+    engine.NotifyInput();
+}
+
+void DataStream::Flush(ACQ_QUEUE_TYPE operation)
+{
+    const std::lock_guard steering(control);
+    const auto flush = [this, operation] {
+        queue.Flush(operation);
+        engine.NotifyInput();
+    };
+    if (operation == ACQ_QUEUE_ALL_TO_INPUT || operation == ACQ_QUEUE_ALL_DISCARD) return engine.WithoutFill(flush);
+    const std::lock_guard lock(mutex);
+    flush();
+}
+
+void DataStream::Start(ACQ_START_FLAGS flags, std::uint64_t number)
+{
+    if (flags != ACQ_START_FLAGS_DEFAULT) throw Failure(GC_ERR_NOT_IMPLEMENTED, "unknown start flag");
+    if (number == 0) throw Failure(GC_ERR_INVALID_PARAMETER, "the number of buffers must not be 0");
+    const std::lock_guard steering(control);
+    if (IsClosed()) throw Failure(GC_ERR_INVALID_HANDLE, "the stream was closed meanwhile");
+    if (engine.IsStarted()) throw Failure(GC_ERR_RESOURCE_IN_USE, "the acquisition is started, a stop is due");
+    parent->RequireConnection();
+    {
+        const std::lock_guard lock(mutex);
+        if (queue.NumAnnounced() < announceMinimum)
+            throw Failure(GC_ERR_INVALID_BUFFER, "at least one buffer must be announced");
+    }
+    engine.Start(number);
+}
+
+void DataStream::Stop(ACQ_STOP_FLAGS flags)
+{
+    if (flags != ACQ_STOP_FLAGS_DEFAULT && flags != ACQ_STOP_FLAGS_KILL)
+        throw Failure(GC_ERR_NOT_IMPLEMENTED, "unknown stop flag");
+    const std::lock_guard steering(control);
+    if (!engine.IsStarted()) throw Failure(GC_ERR_RESOURCE_IN_USE, "the acquisition is not started");
+    engine.Stop(flags == ACQ_STOP_FLAGS_KILL);
+}
+
+void DataStream::OnClose()
+{
+    {
+        const std::lock_guard steering(control);
+        engine.Stop(true);
+    }
+    std::vector<std::shared_ptr<Buffer>> buffers;
+    {
+        const std::lock_guard lock(mutex);
+        buffers = queue.RevokeAll();
+    }
+    for (const auto& buffer : buffers)
+        buffer->Close();
+    parent->Forget(*this);
+}
+
+InfoValue DataStream::Info(STREAM_INFO_CMD command) const
+{
+    const std::lock_guard lock(mutex);
+    switch (command)
+    {
+    case STREAM_INFO_ID:
+        return InfoValue::Text(Id());
+    case STREAM_INFO_NUM_DELIVERED:
+        return InfoValue::UInt64(queue.counters.delivered);
+    case STREAM_INFO_NUM_UNDERRUN:
+        return InfoValue::UInt64(queue.counters.underruns);
+    case STREAM_INFO_NUM_ANNOUNCED:
+        return InfoValue::Size(queue.NumAnnounced());
+    case STREAM_INFO_NUM_QUEUED:
+        return InfoValue::Size(queue.NumQueued());
+    case STREAM_INFO_NUM_AWAIT_DELIVERY:
+        return InfoValue::Size(queue.NumAwaitingDelivery());
+    case STREAM_INFO_NUM_STARTED:
+        return InfoValue::UInt64(queue.counters.started);
+    case STREAM_INFO_PAYLOAD_SIZE:
+        return InfoValue::Size(camera->Source().Shape().PayloadBytes());
+    case STREAM_INFO_IS_GRABBING:
+        return InfoValue::Bool(engine.IsGrabbing());
+    case STREAM_INFO_DEFINES_PAYLOADSIZE:
+        return InfoValue::Bool(true);
+    case STREAM_INFO_TLTYPE:
+        return InfoValue::Text(camera->TLType());
+    case STREAM_INFO_NUM_CHUNKS_MAX:
+        return InfoValue::Size(0);
+    case STREAM_INFO_BUF_ANNOUNCE_MIN:
+        return InfoValue::Size(announceMinimum);
+    case STREAM_INFO_BUF_ALIGNMENT:
+        return InfoValue::Size(1);
+    case STREAM_INFO_FLOW_TABLE:
+    case STREAM_INFO_GENDC_PREFETCH_DESCRIPTOR:
+        throw Failure(GC_ERR_NO_DATA, "flows are not in use");
+    default:
+        throw Failure(GC_ERR_NOT_IMPLEMENTED, "unknown stream information");
+    }
+}
+
+void DataStream::RequireBufferLocked(const Buffer& buffer) const
+{
+    if (!queue.Owns(buffer)) throw Failure(GC_ERR_INVALID_HANDLE, "the buffer is not announced to this stream");
+}
+
+void DataStream::RequireBuffer(const Buffer& buffer) const
+{
+    const std::lock_guard lock(mutex);
+    RequireBufferLocked(buffer);
+}
+
+InfoValue DataStream::BufferInfo(const Buffer& buffer, BUFFER_INFO_CMD command) const
+{
+    const std::lock_guard lock(mutex);
+    RequireBufferLocked(buffer);
+    const bool isQueued = buffer.place != Place::Idle;
+    switch (command)
+    {
+    case BUFFER_INFO_BASE:
+        return InfoValue::Pointer(buffer.Memory().data());
+    case BUFFER_INFO_SIZE:
+        return InfoValue::Size(buffer.Memory().size());
+    case BUFFER_INFO_USER_PTR:
+        return InfoValue::Pointer(buffer.UserPointer());
+    case BUFFER_INFO_NEW_DATA:
+        return InfoValue::Bool(buffer.hasNewData);
+    case BUFFER_INFO_IS_QUEUED:
+        return InfoValue::Bool(isQueued);
+    case BUFFER_INFO_IS_ACQUIRING:
+        return InfoValue::Bool(buffer.place == Place::Filling);
+    case BUFFER_INFO_TLTYPE:
+        return InfoValue::Text(camera->TLType());
+    case BUFFER_INFO_IS_COMPOSITE:
+        return InfoValue::Bool(false);
+    case BUFFER_INFO_SIZE_FILLED:
+    case BUFFER_INFO_DATA_SIZE:
+        if (!buffer.hasNewData) return InfoValue::Size(0);
+        break;
+    default:
+        break;
+    }
+    if (command < 0 || command > BUFFER_INFO_IS_COMPOSITE)
+        throw Failure(GC_ERR_NOT_IMPLEMENTED, "unknown buffer information");
+    if (isQueued) throw Failure(GC_ERR_NOT_AVAILABLE, "the buffer is queued");
+    if (!buffer.hasNewData) throw Failure(GC_ERR_NOT_AVAILABLE, "the buffer holds no new image");
+    return FilledBufferInfo(buffer, command);
+}
+
+InfoValue DataStream::FilledBufferInfo(const Buffer& buffer, BUFFER_INFO_CMD command) const
+{
+    const ImageShape& shape = camera->Source().Shape();
+    const FillResult& result = buffer.result;
+    switch (command)
+    {
+    case BUFFER_INFO_TIMESTAMP:
+    case BUFFER_INFO_TIMESTAMP_NS:
+        return InfoValue::UInt64(result.timestamp_ns);
+    case BUFFER_INFO_IS_INCOMPLETE:
+        return InfoValue::Bool(result.incomplete);
+    case BUFFER_INFO_SIZE_FILLED:
+        return InfoValue::Size(result.sizeFilled);
+    case BUFFER_INFO_WIDTH:
+        return InfoValue::Size(shape.width);
+    case BUFFER_INFO_HEIGHT:
+        return InfoValue::Size(shape.height);
+    case BUFFER_INFO_XOFFSET:
+    case BUFFER_INFO_YOFFSET:
+    case BUFFER_INFO_XPADDING:
+    case BUFFER_INFO_YPADDING:
+    case BUFFER_INFO_IMAGEOFFSET:
+    case BUFFER_INFO_DELIVERED_CHUNKPAYLOADSIZE:
+        return InfoValue::Size(0);
+    case BUFFER_INFO_FRAMEID:
+        return InfoValue::UInt64(result.frameId);
+    case BUFFER_INFO_IMAGEPRESENT:
+        return InfoValue::Bool(true);
+    case BUFFER_INFO_PAYLOADTYPE:
+        return InfoValue::Size(PAYLOAD_TYPE_IMAGE);
+    case BUFFER_INFO_PIXELFORMAT:
+        return InfoValue::UInt64(shape.format->code);
+    case BUFFER_INFO_PIXELFORMAT_NAMESPACE:
+        return InfoValue::UInt64(PIXELFORMAT_NAMESPACE_PFNC_32BIT);
+    case BUFFER_INFO_DELIVERED_IMAGEHEIGHT:
+        return InfoValue::Size(result.deliveredLines);
+    case BUFFER_INFO_CHUNKLAYOUTID:
+        return InfoValue::UInt64(0);
+    case BUFFER_INFO_PIXEL_ENDIANNESS:
+        return InfoValue::Int32(PIXELENDIANNESS_LITTLE);
+    case BUFFER_INFO_DATA_SIZE:
+        return InfoValue::Size(result.dataSize);
+    case BUFFER_INFO_DATA_LARGER_THAN_BUFFER:
+        return InfoValue::Bool(result.largerThanBuffer);
+    case BUFFER_INFO_CONTAINS_CHUNKDATA:
+        return InfoValue::Bool(false);
+    default:
+        throw Failure(GC_ERR_NO_DATA, "the buffer holds no file"); // BUFFER_INFO_FILENAME alone is left
+    }
+}
+
+void DataStream::RefuseContent(const Buffer& buffer, const char* what) const
+{
+    RequireBuffer(buffer);
+    throw Failure(GC_ERR_NO_DATA, std::string("the buffer holds ") + what);
+}
+
+InfoValue DataStream::SegmentInfo(const Buffer& buffer, std::uint32_t index, SEGMENT_INFO_CMD command) const
+{
+    RequireBuffer(buffer);
+    if (index > 0) throw Failure(GC_ERR_INVALID_INDEX, "the buffer has one segment");
+    switch (command)
+    {
+    case SEGMENT_INFO_BASE:
+        return BufferInfo(buffer, BUFFER_INFO_BASE);
+    case SEGMENT_INFO_SIZE:
+        return BufferInfo(buffer, BUFFER_INFO_SIZE);
+    case SEGMENT_INFO_IS_INCOMPLETE:
+        return BufferInfo(buffer, BUFFER_INFO_IS_INCOMPLETE);
+    case SEGMENT_INFO_SIZE_FILLED:
+        return BufferInfo(buffer, BUFFER_INFO_SIZE_FILLED);
+    case SEGMENT_INFO_DATA_SIZE:
+        return BufferInfo(buffer, BUFFER_INFO_DATA_SIZE);
+    default:
+        throw Failure(GC_ERR_NOT_IMPLEMENTED, "unknown segment information");
+    }
+}
+
+} // namespace koro::simulator

@@ -1,0 +1,67 @@
+// DataStream: the one stream of an open device: announced buffers, queues, acquisition engine, new-buffer event.
+//
+// `control` serialises what starts, stops or steers the engine and may wait for it; queueing, event waits and queries
+// need only `mutex` and go on meanwhile.
+#pragma once
+
+#include "producers/simulator/buffer_queue.h"
+#include "producers/simulator/camera.h"
+#include "producers/simulator/module.h"
+#include "producers/simulator/stream_engine.h"
+
+#include <atomic>
+#include <memory>
+#include <string>
+
+namespace koro::simulator
+{
+
+class Device;
+
+class DataStream final : public Module
+{
+public:
+    explicit DataStream(std::shared_ptr<Device> parentDevice);
+
+    static const std::string& TheId(); // every device has one stream
+    const std::string& Id() const noexcept { return TheId(); }
+    const std::shared_ptr<Device>& Parent() const noexcept { return parent; }
+    Port& ModulePort() override { return port; }
+    InfoValue Info(STREAM_INFO_CMD command) const;
+
+    std::shared_ptr<Buffer> Announce(void* memory, std::size_t bytes, void* userPointer);
+    std::shared_ptr<Buffer> AllocAndAnnounce(std::size_t bytes, void* userPointer);
+    std::shared_ptr<Buffer> BufferAt(std::uint32_t index) const;
+    void Revoke(Buffer& buffer);
+    void Queue(Buffer& buffer);
+    void Flush(ACQ_QUEUE_TYPE operation);
+    void Start(ACQ_START_FLAGS flags, std::uint64_t number);
+    void Stop(ACQ_STOP_FLAGS flags);
+
+    // Throws GC_ERR_INVALID_HANDLE for a buffer of another stream.
+    InfoValue BufferInfo(const Buffer& buffer, BUFFER_INFO_CMD command) const;
+    // What chunk and part queries answer, since the images of this producer have neither.
+    [[noreturn]] void RefuseContent(const Buffer& buffer, const char* what) const;
+    InfoValue SegmentInfo(const Buffer& buffer, std::uint32_t index, SEGMENT_INFO_CMD command) const;
+    void RequireBuffer(const Buffer& buffer) const;
+
+private:
+    bool SupportsEvent(EVENT_TYPE type) const noexcept override;
+    void OnRegistration(EVENT_TYPE type, EventQueue* registration) noexcept override;
+    BufferObserver* Observer() noexcept override { return &queue; }
+    void OnClose() override;
+
+    std::shared_ptr<Buffer> Add(std::shared_ptr<Buffer> buffer);
+    void RequireBufferLocked(const Buffer& buffer) const;
+    InfoValue FilledBufferInfo(const Buffer& buffer, BUFFER_INFO_CMD command) const;
+
+    const std::shared_ptr<Device> parent;
+    const std::shared_ptr<Camera> camera;
+    Port port;
+
+    std::mutex control;
+    BufferQueue queue; // guarded by mutex
+    StreamEngine engine;
+};
+
+} // namespace koro::simulator

@@ -1,0 +1,72 @@
+// Device: an open camera, the local module, and RemoteDevice: the port of the camera behind it.
+//
+// A device whose camera went away stays open, with operations that fail, until it is closed; it never comes back.
+#pragma once
+
+#include "producers/simulator/camera.h"
+#include "producers/simulator/child_list.h"
+#include "producers/simulator/module.h"
+
+#include <atomic>
+#include <memory>
+#include <string>
+
+namespace koro::simulator
+{
+
+class DataStream;
+class Interface;
+
+class RemoteDevice final : public Module
+{
+public:
+    RemoteDevice(const Camera& camera, Port::Gate gate);
+
+    Port& ModulePort() override { return port; }
+
+private:
+    void OnClose() override {}
+
+    Port port;
+};
+
+class Device final : public Module
+{
+public:
+    Device(
+        std::shared_ptr<Interface> parentInterface, std::shared_ptr<Camera> openedCamera, DEVICE_ACCESS_FLAGS access);
+
+    const std::string& Id() const noexcept { return camera->Id(); }
+    const Camera& TheCamera() const noexcept { return *camera; }
+    const std::shared_ptr<Camera>& SharedCamera() const noexcept { return camera; }
+    const std::shared_ptr<Interface>& Parent() const noexcept { return parent; }
+    const std::shared_ptr<RemoteDevice>& Remote() const noexcept { return remote; }
+    Port& ModulePort() override { return port; }
+    DEVICE_ACCESS_STATUS AccessStatus() const noexcept;
+
+    std::shared_ptr<DataStream> OpenStream(const std::string& id);
+    void Forget(const DataStream& stream) { streams.Forget(stream); }
+
+    // Set when the camera goes, never taken back.
+    std::shared_ptr<const std::atomic<bool>> ConnectionLost() const noexcept { return lost; }
+    void RequireConnection() const;
+    // The camera's cable is pulled.
+    void OnCameraLost();
+
+private:
+    bool SupportsEvent(EVENT_TYPE type) const noexcept override;
+    void OnClose() override;
+
+    const std::shared_ptr<Interface> parent;
+    const std::shared_ptr<Camera> camera;
+    const DEVICE_ACCESS_FLAGS access;
+    const std::shared_ptr<std::atomic<bool>> lost = std::make_shared<std::atomic<bool>>(false);
+    Port port;
+    std::shared_ptr<RemoteDevice> remote;
+    ChildList<DataStream> streams;
+};
+
+// DevGetInfo and IFGetDeviceInfo answer the same; the access status alone differs.
+InfoValue DeviceInfo(const Camera& camera, DEVICE_ACCESS_STATUS status, DEVICE_INFO_CMD command);
+
+} // namespace koro::simulator

@@ -1,0 +1,57 @@
+// Module: what System, Interface, Device, remote device, DataStream and Buffer have in common: a handle, events, a
+// port.
+//
+// Alive while open; whoever holds it longer finds it closed. Any thread. Lock order: control locks of a module before
+// its `mutex`; the mutexes of two modules are never held together.
+#pragma once
+
+#include "producers/simulator/event_queue.h"
+#include "producers/simulator/handle_registry.h"
+#include "producers/simulator/port.h"
+
+#include <array>
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <string>
+
+namespace koro::simulator
+{
+
+class Module : public Object, public std::enable_shared_from_this<Module>
+{
+public:
+    // Kills the handle, ends the events, then closes what is below. False if that was done before.
+    bool Close();
+
+    std::shared_ptr<EventQueue> RegisterEvent(EVENT_TYPE type);
+    void UnregisterEvent(EVENT_TYPE type);
+
+    // Lost without trace while the type is not registered.
+    void RaiseEvent(EVENT_TYPE type, std::string block);
+
+    virtual Port& ModulePort() = 0;
+
+protected:
+    // EVENT_ERROR and EVENT_MODULE, unless the module says otherwise.
+    virtual bool SupportsEvent(EVENT_TYPE type) const noexcept;
+    // A new registration, or null when it went; called with `mutex` held.
+    virtual void OnRegistration(EVENT_TYPE, EventQueue*) noexcept {}
+    virtual BufferObserver* Observer() noexcept { return nullptr; }
+    virtual void OnClose() = 0;
+
+    bool IsClosed() const noexcept { return closed; }
+
+    mutable std::mutex mutex; // guards the registrations, and what derived classes say
+
+private:
+    static constexpr std::size_t numEventTypes = EVENT_MODULE + 1;
+
+    void RequireEvent(EVENT_TYPE type) const;
+    std::shared_ptr<EventQueue> TakeRegistration(EVENT_TYPE type);
+
+    std::atomic<bool> closed{false};
+    std::array<std::shared_ptr<EventQueue>, numEventTypes> registrations;
+};
+
+} // namespace koro::simulator

@@ -1,0 +1,86 @@
+// StreamEngine: the acquisition engine of a stream, one thread from start to stop.
+//
+// Paced: frame n of a start is due n periods after it, and is lost as an underrun when no input buffer is there.
+// Unpaced (rate 0): the next frame comes as soon as there is an input buffer, one virtual millisecond after the last.
+// Owned by its stream and shares its mutex; Start, Stop and Abandon are serialised by the stream's control lock.
+#pragma once
+
+#include "producers/simulator/buffer_queue.h"
+#include "producers/simulator/camera.h"
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <thread>
+
+namespace koro::simulator
+{
+
+class StreamEngine
+{
+public:
+    // What the stream does about an event on the engine's thread; called without any lock.
+    struct Reports
+    {
+        std::function<void()> cameraLost;
+        std::function<void()> bufferTooSmall;
+    };
+
+    StreamEngine(
+        std::mutex& streamsMutex, BufferQueue& bufferQueue, std::shared_ptr<Camera> streamsCamera,
+        std::shared_ptr<const std::atomic<bool>> connectionLost, Reports streamsReports);
+    ~StreamEngine() { Stop(true); }
+
+    // The wanted number of filled buffers; GENTL_INFINITE without end.
+    void Start(std::uint64_t number);
+    // Kill: a buffer being filled is delivered as it is. Otherwise its frame is finished. Joins the thread.
+    void Stop(bool kill);
+    // A stop is due, also after the engine ended by number.
+    bool IsStarted() const noexcept { return thread.joinable(); }
+
+    // With the stream's mutex held.
+    bool IsGrabbing() const noexcept { return grabbing; }
+    void NotifyInput() noexcept;
+
+    // Runs `change` with the mutex held and nothing being filled: the present fill is given up first.
+    void WithoutFill(const std::function<void()>& change);
+
+private:
+    using Clock = std::chrono::steady_clock;
+    using Lock = std::unique_lock<std::mutex>;
+
+    void Run(std::uint64_t number);
+    bool WaitForFrame(Lock& lock);
+    bool WaitUntilDue(Lock& lock);
+    std::uint64_t Timestamp_ns() noexcept;
+    // Whether a buffer went to the output queue.
+    bool FillNext(Lock& lock, std::uint64_t frameId);
+    void Draw(const Buffer& buffer, FillResult& result, const FrameFault* fault) const;
+    bool BeLate(Lock& lock, const FrameFault* fault);
+
+    std::mutex& mutex; // the stream's
+    BufferQueue& queue;
+    const std::shared_ptr<Camera> camera;
+    const std::shared_ptr<const std::atomic<bool>> lost;
+    const Reports reports;
+    const Clock::duration period; // zero: unpaced
+
+    std::thread thread; // guarded by the control lock
+
+    // Guarded by mutex.
+    std::condition_variable wake;
+    std::condition_variable fillEnded;
+    bool grabbing = false;
+    bool stopping = false;
+    bool killing = false;
+    bool filling = false;
+    bool paused = false; // somebody is in WithoutFill
+    bool waitsForInput = false;
+    Clock::time_point nextDue;
+    std::uint64_t virtualTime_ns = 0; // goes on from start to start
+};
+
+} // namespace koro::simulator

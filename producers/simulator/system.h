@@ -1,0 +1,44 @@
+// System: the opened producer with its interfaces.
+#pragma once
+
+#include "producers/simulator/child_list.h"
+#include "producers/simulator/interface.h"
+#include "producers/simulator/module.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace koro::simulator
+{
+
+class Library;
+
+class System final : public Module
+{
+public:
+    explicit System(std::shared_ptr<Library> owningLibrary);
+
+    const std::string& Id() const noexcept;
+    Library& TheLibrary() const noexcept { return *library; }
+    Port& ModulePort() override { return port; }
+
+    // Whether the list differs from the one before: it is empty until the first update and never changes after it.
+    bool UpdateInterfaces();
+    std::size_t NumInterfaces() const;
+    std::string InterfaceIdAt(std::uint32_t index) const;
+    // By id or display name, listed or not.
+    std::shared_ptr<const InterfaceModel> FindInterface(const std::string& name) const;
+    std::shared_ptr<Interface> OpenInterface(const std::string& name);
+    void Forget(const Interface& interface) { interfaces.Forget(interface); }
+
+private:
+    void OnClose() override;
+
+    const std::shared_ptr<Library> library;
+    Port port;
+    ChildList<Interface> interfaces;
+    bool isListed = false; // guarded by mutex
+};
+
+} // namespace koro::simulator
