@@ -82,6 +82,9 @@ function(koro_add_test name)
     find_package(GTest REQUIRED)
     add_executable(${name} ${ARG_SOURCES})
     target_link_libraries(${name} PRIVATE koro_options ${ARG_LIBRARIES} GTest::gmock GTest::gtest_main)
+    # What is tested is optimised as the build type says; the test itself gains nothing from it but a third of the
+    # build's time, under sanitizers two thirds.
+    target_compile_options(${name} PRIVATE -O0)
     if(ARG_PRODUCERS)
         add_dependencies(${name} ${ARG_PRODUCERS})
     endif()
