@@ -2,6 +2,7 @@
 #define GENTL_PRODUCER
 #include "producers/scripted/call.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <iterator>
@@ -68,6 +69,14 @@ GC_ERROR TransferStacked(
     return GC_ERR_SUCCESS;
 }
 
+// What one transfer does: the size that is asked for, or less of it if the test has set a count, which it then tells.
+std::size_t TransferSize(const State& state, const char* function, std::size_t* size)
+{
+    const auto set = state.answers.counts.find(function);
+    if (set != state.answers.counts.end()) *size = std::min<std::size_t>(*size, set->second);
+    return *size;
+}
+
 std::string SayCount(const std::size_t* count)
 {
     return count ? std::to_string(*count) : "null";
@@ -90,9 +99,9 @@ GC_ERROR GenTL::GCReadPort(PORT_HANDLE hPort, uint64_t iAddress, void* pBuffer, 
 {
     return CallOnPort(
         "GCReadPort", hPort,
-        [&](State&, Port& port) -> GC_ERROR {
+        [&](State& state, Port& port) -> GC_ERROR {
             if (!pBuffer || !piSize) return GC_ERR_INVALID_PARAMETER;
-            return Read(port, iAddress, pBuffer, *piSize);
+            return Read(port, iAddress, pBuffer, TransferSize(state, "GCReadPort", piSize));
         },
         iAddress, SayCount(piSize).c_str());
 }
@@ -101,9 +110,9 @@ GC_ERROR GenTL::GCWritePort(PORT_HANDLE hPort, uint64_t iAddress, const void* pB
 {
     return CallOnPort(
         "GCWritePort", hPort,
-        [&](State&, Port& port) -> GC_ERROR {
+        [&](State& state, Port& port) -> GC_ERROR {
             if (!pBuffer || !piSize) return GC_ERR_INVALID_PARAMETER;
-            return Write(port, iAddress, pBuffer, *piSize);
+            return Write(port, iAddress, pBuffer, TransferSize(state, "GCWritePort", piSize));
         },
         iAddress, SayCount(piSize).c_str());
 }

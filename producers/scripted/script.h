@@ -46,6 +46,7 @@ public:
     virtual void SetInfo(
         const std::string& function, std::int32_t number, const Info& answer,
         std::optional<std::uint32_t> index = std::nullopt) = 0;
+    // Of GCReadPort and GCWritePort: the bytes that one transfer does at most, with success.
     virtual void SetCount(const std::string& function, std::uint32_t count) = 0;
     // An empty value: pbChanged is left unwritten.
     virtual void SetChanged(const std::string& function, std::optional<GenTL::bool8_t> changed) = 0;
