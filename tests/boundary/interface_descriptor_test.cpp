@@ -22,12 +22,10 @@ TEST_F(InterfaceDescriptor, TextsAreAskedOfTheSystemByTheID)
         {{1, "INTERFACE_INFO_DISPLAYNAME", "displayName", KORO_InterfaceDescriptor_GetDisplayName},
          {2, "INTERFACE_INFO_TLTYPE", "tlType", KORO_InterfaceDescriptor_GetTLType}});
 
-    producer->Edit([](scripted::Tree& edited) { edited.interfaces[0]->info.clear(); });
     producer->ClearJournal();
     std::size_t size = 0;
     KORO_InterfaceDescriptor_GetTLType(tree.interfaceDescriptor, nullptr, &size);
-    EXPECT_EQ(
-        CallsOf(producer->Journal(), {"TLGetInterfaceInfo"}), Strings{"TLGetInterfaceInfo(system, if0, 2, size)"});
+    EXPECT_EQ(producer->Journal().front(), "TLGetInterfaceInfo(system, if0, 2, size)");
 }
 
 TEST_F(InterfaceDescriptor, RawInformationIsAskedOfTheSystem)

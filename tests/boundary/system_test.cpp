@@ -2,6 +2,7 @@
 #include "tests/boundary/tree_test.h"
 #include "tests/boundary/update_listener.h"
 
+#include <gmock/gmock.h>
 #include <string>
 #include <vector>
 
