@@ -48,7 +48,7 @@ bool PassesTest(const EnvironmentInspector::UsabilityTest& isUsable, const std::
     {
         return isUsable(path);
     }
-    catch (const std::exception&) // one producer that does not load must not hide the others
+    catch (...) // one producer that does not load must not hide the others
     {
         return false;
     }

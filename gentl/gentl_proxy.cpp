@@ -105,13 +105,12 @@ void GenTLProxy::BindCore()
 // One of unknown version gets what it happens to have, up to 1.4.
 void GenTLProxy::BindVersionGroups()
 {
-    if (!versionQuerySucceeded || IsVersionAtLeast(1))
-    {
-        Bind(GCGetNumPortURLs, GCGetPortURLInfo, GCReadPortStacked, GCWritePortStacked);
-    }
-    if (!versionQuerySucceeded || IsVersionAtLeast(3)) Bind(DSGetBufferChunkData);
-    if (!versionQuerySucceeded || IsVersionAtLeast(4)) Bind(IFGetParentTL, DevGetParentIF, DSGetParentDev);
-    if (versionQuerySucceeded && IsVersionAtLeast(5)) Bind(DSGetNumBufferParts, DSGetBufferPartInfo);
+    const bool isUnknown = !versionQuerySucceeded;
+    BindIf(
+        isUnknown || IsVersionAtLeast(1), GCGetNumPortURLs, GCGetPortURLInfo, GCReadPortStacked, GCWritePortStacked);
+    BindIf(isUnknown || IsVersionAtLeast(3), DSGetBufferChunkData);
+    BindIf(isUnknown || IsVersionAtLeast(4), IFGetParentTL, DevGetParentIF, DSGetParentDev);
+    BindIf(!isUnknown && IsVersionAtLeast(5), DSGetNumBufferParts, DSGetBufferPartInfo);
 }
 
 bool GenTLProxy::IsVersionAtLeast(std::uint32_t minor) const

@@ -121,12 +121,13 @@ private:
     template <class... EntryPoints>
     void Bind(EntryPoints&... entryPoints)
     {
-        (BindOne(entryPoints), ...);
+        BindIf(true, entryPoints...);
     }
-    template <class OneEntryPoint>
-    void BindOne(OneEntryPoint& entryPoint)
+    // Those that are left unbound know the file all the same, for the text of a refusal.
+    template <class... EntryPoints>
+    void BindIf(bool isOffered, EntryPoints&... entryPoints)
     {
-        entryPoint.Bind(AddressOf(entryPoint.Name()), ctiPath);
+        (entryPoints.Bind(isOffered ? AddressOf(entryPoints.Name()) : nullptr, ctiPath), ...);
     }
     void* AddressOf(const char* function) const;
 
