@@ -2,8 +2,14 @@
 
 #include "base/exceptions.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <cstdint>
+#include <cstring>
 #include <dlfcn.h>
+#include <elf.h>
+#include <fstream>
+#include <vector>
 
 namespace koro::internal
 {
@@ -15,6 +21,32 @@ namespace
 std::string ErrorNumberText(int number)
 {
     return number == 0 ? "<not available>" : std::to_string(number);
+}
+
+bool ReachesBeyond(std::uint64_t fileSize, const Elf64_Phdr& segment)
+{
+    if (segment.p_type != PT_LOAD) return false;
+    return segment.p_offset > fileSize || segment.p_filesz > fileSize - segment.p_offset;
+}
+
+// A file whose copying was interrupted. The loader maps what is not there and the process ends by a signal, so it
+// is not asked. What is no ELF file at all is the loader's to refuse.
+bool IsCutShort(const std::string& path)
+{
+    std::ifstream file(path, std::ios::binary | std::ios::ate);
+    const auto fileSize = static_cast<std::uint64_t>(std::max<std::streamoff>(file.tellg(), 0));
+    Elf64_Ehdr header{};
+    file.seekg(0).read(reinterpret_cast<char*>(&header), sizeof header);
+    if (!file || std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0 || header.e_ident[EI_CLASS] != ELFCLASS64)
+    {
+        return false;
+    }
+    std::vector<Elf64_Phdr> segments(header.e_phnum);
+    const auto tableSize = static_cast<std::streamsize>(segments.size() * sizeof(Elf64_Phdr));
+    file.seekg(static_cast<std::streamoff>(header.e_phoff)).read(reinterpret_cast<char*>(segments.data()), tableSize);
+    return !file || std::any_of(segments.begin(), segments.end(), [&](const Elf64_Phdr& segment) {
+        return ReachesBeyond(fileSize, segment);
+    });
 }
 
 // Local scope, since all producers export the same names; no deep binding, which sanitizers cannot follow.
@@ -29,7 +61,7 @@ void* Load(const std::string& path)
 SharedObject::SharedObject(const std::string& path)
 {
     errno = 0;
-    handle = Load(path);
+    handle = IsCutShort(path) ? nullptr : Load(path);
     const int number = errno;
     if (!handle)
     {
