@@ -1,0 +1,144 @@
+#include "gentl/api/gentl.h"
+#include "gentl/info_names.h"
+
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+using koro::internal::InfoCommandName;
+
+namespace
+{
+
+// The names from 0 on, the one of 1000, and nothing around them.
+template <class CommandList>
+void ExpectNames(const std::vector<std::string>& names, const std::string& customName)
+{
+    const auto count = static_cast<std::int32_t>(names.size());
+    for (std::int32_t command = 0; command < count; ++command)
+    {
+        EXPECT_EQ(InfoCommandName<CommandList>(command), names[static_cast<std::size_t>(command)]);
+    }
+    EXPECT_EQ(InfoCommandName<CommandList>(1000), customName);
+    for (const std::int32_t command : {-1, count, 999, 1001, INT32_MAX, INT32_MIN})
+    {
+        EXPECT_STREQ(InfoCommandName<CommandList>(command), "");
+    }
+}
+
+} // namespace
+
+TEST(InfoNames, OfASystem)
+{
+    ExpectNames<GenTL::TL_INFO_CMD_LIST>(
+        {"TL_INFO_ID", "TL_INFO_VENDOR", "TL_INFO_MODEL", "TL_INFO_VERSION", "TL_INFO_TLTYPE", "TL_INFO_NAME",
+         "TL_INFO_PATHNAME", "TL_INFO_DISPLAYNAME", "TL_INFO_CHAR_ENCODING", "TL_INFO_GENTL_VER_MAJOR",
+         "TL_INFO_GENTL_VER_MINOR"},
+        "TL_INFO_CUSTOM_ID");
+}
+
+TEST(InfoNames, OfAnInterface)
+{
+    ExpectNames<GenTL::INTERFACE_INFO_CMD_LIST>(
+        {"INTERFACE_INFO_ID", "INTERFACE_INFO_DISPLAYNAME", "INTERFACE_INFO_TLTYPE"}, "INTERFACE_INFO_CUSTOM_ID");
+}
+
+TEST(InfoNames, OfADevice)
+{
+    ExpectNames<GenTL::DEVICE_INFO_CMD_LIST>(
+        {"DEVICE_INFO_ID", "DEVICE_INFO_VENDOR", "DEVICE_INFO_MODEL", "DEVICE_INFO_TLTYPE", "DEVICE_INFO_DISPLAYNAME",
+         "DEVICE_INFO_ACCESS_STATUS", "DEVICE_INFO_USER_DEFINED_NAME", "DEVICE_INFO_SERIAL_NUMBER",
+         "DEVICE_INFO_VERSION", "DEVICE_INFO_TIMESTAMP_FREQUENCY"},
+        "DEVICE_INFO_CUSTOM_ID");
+}
+
+TEST(InfoNames, OfADataStream)
+{
+    ExpectNames<GenTL::STREAM_INFO_CMD_LIST>(
+        {"STREAM_INFO_ID", "STREAM_INFO_NUM_DELIVERED", "STREAM_INFO_NUM_UNDERRUN", "STREAM_INFO_NUM_ANNOUNCED",
+         "STREAM_INFO_NUM_QUEUED", "STREAM_INFO_NUM_AWAIT_DELIVERY", "STREAM_INFO_NUM_STARTED",
+         "STREAM_INFO_PAYLOAD_SIZE", "STREAM_INFO_IS_GRABBING", "STREAM_INFO_DEFINES_PAYLOADSIZE", "STREAM_INFO_TLTYPE",
+         "STREAM_INFO_NUM_CHUNKS_MAX", "STREAM_INFO_BUF_ANNOUNCE_MIN", "STREAM_INFO_BUF_ALIGNMENT",
+         "STREAM_INFO_FLOW_TABLE", "STREAM_INFO_GENDC_PREFETCH_DESCRIPTOR"},
+        "STREAM_INFO_CUSTOM_ID");
+}
+
+TEST(InfoNames, OfABuffer)
+{
+    ExpectNames<GenTL::BUFFER_INFO_CMD_LIST>(
+        {"BUFFER_INFO_BASE",
+         "BUFFER_INFO_SIZE",
+         "BUFFER_INFO_USER_PTR",
+         "BUFFER_INFO_TIMESTAMP",
+         "BUFFER_INFO_NEW_DATA",
+         "BUFFER_INFO_IS_QUEUED",
+         "BUFFER_INFO_IS_ACQUIRING",
+         "BUFFER_INFO_IS_INCOMPLETE",
+         "BUFFER_INFO_TLTYPE",
+         "BUFFER_INFO_SIZE_FILLED",
+         "BUFFER_INFO_WIDTH",
+         "BUFFER_INFO_HEIGHT",
+         "BUFFER_INFO_XOFFSET",
+         "BUFFER_INFO_YOFFSET",
+         "BUFFER_INFO_XPADDING",
+         "BUFFER_INFO_YPADDING",
+         "BUFFER_INFO_FRAMEID",
+         "BUFFER_INFO_IMAGEPRESENT",
+         "BUFFER_INFO_IMAGEOFFSET",
+         "BUFFER_INFO_PAYLOADTYPE",
+         "BUFFER_INFO_PIXELFORMAT",
+         "BUFFER_INFO_PIXELFORMAT_NAMESPACE",
+         "BUFFER_INFO_DELIVERED_IMAGEHEIGHT",
+         "BUFFER_INFO_DELIVERED_CHUNKPAYLOADSIZE",
+         "BUFFER_INFO_CHUNKLAYOUTID",
+         "BUFFER_INFO_FILENAME",
+         "BUFFER_INFO_PIXEL_ENDIANNESS",
+         "BUFFER_INFO_DATA_SIZE",
+         "BUFFER_INFO_TIMESTAMP_NS",
+         "BUFFER_INFO_DATA_LARGER_THAN_BUFFER",
+         "BUFFER_INFO_CONTAINS_CHUNKDATA",
+         "BUFFER_INFO_IS_COMPOSITE"},
+        "BUFFER_INFO_CUSTOM_ID");
+}
+
+TEST(InfoNames, OfABufferPart)
+{
+    ExpectNames<GenTL::BUFFER_PART_INFO_CMD_LIST>(
+        {"BUFFER_PART_INFO_BASE", "BUFFER_PART_INFO_DATA_SIZE", "BUFFER_PART_INFO_DATA_TYPE",
+         "BUFFER_PART_INFO_DATA_FORMAT", "BUFFER_PART_INFO_DATA_FORMAT_NAMESPACE", "BUFFER_PART_INFO_WIDTH",
+         "BUFFER_PART_INFO_HEIGHT", "BUFFER_PART_INFO_XOFFSET", "BUFFER_PART_INFO_YOFFSET", "BUFFER_PART_INFO_XPADDING",
+         "BUFFER_PART_INFO_SOURCE_ID", "BUFFER_PART_INFO_DELIVERED_IMAGEHEIGHT", "BUFFER_PART_INFO_REGION_ID",
+         "BUFFER_PART_INFO_DATA_PURPOSE_ID"},
+        "BUFFER_PART_INFO_CUSTOM_ID");
+}
+
+TEST(InfoNames, OfAnEvent)
+{
+    ExpectNames<GenTL::EVENT_INFO_CMD_LIST>(
+        {"EVENT_EVENT_TYPE", "EVENT_NUM_IN_QUEUE", "EVENT_NUM_FIRED", "EVENT_SIZE_MAX", "EVENT_INFO_DATA_SIZE_MAX"},
+        "EVENT_INFO_CUSTOM_ID");
+}
+
+TEST(InfoNames, OfEventData)
+{
+    ExpectNames<GenTL::EVENT_DATA_INFO_CMD_LIST>(
+        {"EVENT_DATA_ID", "EVENT_DATA_VALUE", "EVENT_DATA_NUMID"}, "EVENT_DATA_CUSTOM_ID");
+}
+
+TEST(InfoNames, OfAPort)
+{
+    ExpectNames<GenTL::PORT_INFO_CMD_LIST>(
+        {"PORT_INFO_ID", "PORT_INFO_VENDOR", "PORT_INFO_MODEL", "PORT_INFO_TLTYPE", "PORT_INFO_MODULE",
+         "PORT_INFO_LITTLE_ENDIAN", "PORT_INFO_BIG_ENDIAN", "PORT_INFO_ACCESS_READ", "PORT_INFO_ACCESS_WRITE",
+         "PORT_INFO_ACCESS_NA", "PORT_INFO_ACCESS_NI", "PORT_INFO_VERSION", "PORT_INFO_PORTNAME"},
+        "PORT_INFO_CUSTOM_ID");
+}
+
+TEST(InfoNames, OfAPortURL)
+{
+    ExpectNames<GenTL::URL_INFO_CMD_LIST>(
+        {"URL_INFO_URL", "URL_INFO_SCHEMA_VER_MAJOR", "URL_INFO_SCHEMA_VER_MINOR", "URL_INFO_FILE_VER_MAJOR",
+         "URL_INFO_FILE_VER_MINOR", "URL_INFO_FILE_VER_SUBMINOR", "URL_INFO_FILE_SHA1_HASH",
+         "URL_INFO_FILE_REGISTER_ADDRESS", "URL_INFO_FILE_SIZE", "URL_INFO_SCHEME", "URL_INFO_FILENAME"},
+        "URL_INFO_CUSTOM_ID");
+}
