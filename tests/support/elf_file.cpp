@@ -2,8 +2,8 @@
 
 #include <cstddef>
 #include <elf.h>
+#include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <stdexcept>
 
 namespace koro::test
@@ -14,8 +14,13 @@ namespace
 
 std::string Read(const std::string& path)
 {
+    std::string content(std::filesystem::file_size(path), '\0');
     std::ifstream stream(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
+    if (!stream.read(content.data(), static_cast<std::streamsize>(content.size())))
+    {
+        throw std::runtime_error("Reading " + path + " failed");
+    }
+    return content;
 }
 
 void Write(const std::string& path, const std::string& content)

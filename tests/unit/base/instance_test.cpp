@@ -90,8 +90,9 @@ TEST(Instance, RemovedCallbackIsFreedWithoutTheLock)
     // What the callback holds may be the last reference to something that removes its own callback.
     struct Holder
     {
-        Instance& instance;
+        explicit Holder(Instance& held) : instance(held) {}
         ~Holder() { instance.RemoveDestructionCallback(0); }
+        Instance& instance;
     };
     Instance instance;
     const auto id = instance.AddDestructionCallback([holder = std::make_shared<Holder>(instance)] {});

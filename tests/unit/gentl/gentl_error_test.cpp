@@ -251,6 +251,29 @@ TEST(GenTLError, AbsurdSizeBreaksTheBound)
             "[Function: GCGetLastError | Error: 1099511627776 text bytes exceed the bound of 16777216]"));
 }
 
+namespace
+{
+
+struct GroupedDigits : std::numpunct<char>
+{
+    char do_thousands_sep() const override { return '.'; }
+    std::string do_grouping() const override { return "\3"; }
+};
+
+} // namespace
+
+TEST(GenTLError, ProducerThatChangesTheLocaleDoesNotChangeTheText)
+{
+    const BoundProducer bound;
+    const std::locale before;
+    bound->OnEntry("TLClose", [] { std::locale::global(std::locale(std::locale(), new GroupedDigits)); });
+    const std::string thrown = WhatIsThrownBy([&] { FailClose(bound, -123456); });
+    std::locale::global(before);
+    EXPECT_EQ(
+        thrown, "koro::internal::InternalErrorException: [Function: TLClose | Error-Code: -123456 () | "
+                "Error-Text: scripted failure of TLClose]");
+}
+
 class FailingLastError : public testing::TestWithParam<std::uint64_t>
 {};
 
