@@ -4,6 +4,7 @@
 #include "tests/unit/capi/handle_kinds_of_tests.h"
 
 #include <gtest/gtest.h>
+#include <utility>
 #include <vector>
 
 namespace koro::internal::test
@@ -189,17 +190,29 @@ TEST(HandleTables, RemovalForAnObjectSparesALaterOneAtItsAddress)
     EXPECT_EQ(table.Find(handle), nullptr);
 }
 
+// While the parent ends, the child goes and another one moves in; then comes the removal that was meant for the first.
 TEST(HandleTables, EndOfAnOldParentSparesTheEntryOfALaterChildAtTheSameAddress)
 {
     SameAddress address;
     HandleTable<Child> table;
     auto oldParent = std::make_shared<Parent>();
     const auto newParent = std::make_shared<Parent>();
-    // The first child has gone from the table, and its callback is on the way while the second one moves in.
-    oldParent->AddDestructionCallback([&] { table.Add(address.Make(), newParent); });
-    const auto handle = table.Add(address.Make(), oldParent);
-    table.Remove(handle);
+    HandleOf<Child> handle = nullptr;
+    bool replaced = false;
+    const auto replace = [&] {
+        if (std::exchange(replaced, true)) return;
+        table.Remove(handle);
+        table.Add(address.Make(), newParent);
+    };
+    // Callbacks run in no defined order: of many, one runs before the removal.
+    for (int count = 0; count < 64; ++count)
+        oldParent->AddDestructionCallback(replace);
+    handle = table.Add(address.Make(), oldParent);
+    for (int count = 0; count < 64; ++count)
+        oldParent->AddDestructionCallback(replace);
+
     oldParent.reset();
+    EXPECT_TRUE(replaced);
     EXPECT_NE(table.Find(handle), nullptr);
 }
 
