@@ -1,0 +1,36 @@
+// GenApiPort: the road on which the nodes of a map reach the registers of a Port.
+//
+// Owned by the node map that is connected to it; shares the Port. No cache and no lock of its own: any thread that the
+// map lets through. Exceptions of the Port pass unchanged through the nodes above.
+#pragma once
+
+#include <GenApi/IPort.h>
+#include <memory>
+#include <stdint.h>
+#include <string>
+
+namespace koro::internal
+{
+
+class Port;
+
+class GenApiPort : public GENAPI_NAMESPACE::IPort
+{
+public:
+    explicit GenApiPort(std::shared_ptr<Port> port);
+    ~GenApiPort() override;
+
+    // The name of the port node that the map connects this port to.
+    std::string Name() const;
+
+    // Addresses use all 64 bits: a negative one is the upper half of the address space. A negative length is refused.
+    void Read(void* buffer, int64_t address, int64_t length) override;
+    void Write(const void* buffer, int64_t address, int64_t length) override;
+    // A port that is available but neither readable nor writable is _UndefinedAccesMode, on purpose.
+    GENAPI_NAMESPACE::EAccessMode GetAccessMode() const override;
+
+private:
+    std::shared_ptr<Port> port;
+};
+
+} // namespace koro::internal
