@@ -372,4 +372,55 @@ TEST_F(WildProducers, ChildrenClosedWithTheirParentByTheProducerCloseQuietly)
     EXPECT_EQ(CallsOf(producer->Journal(), {"IFClose", "DevClose"}), (Strings{"IFClose(dead)", "DevClose(dead)"}));
 }
 
+TEST(ProducersOfUnknownVersion, MissingFunctionIsToldByNameWhenItIsNeeded)
+{
+    const ScriptedProducer producer("scripted_no_version", {"IFGetInfo", "GCReadPort", "IFGetDeviceInfo"});
+    const KoroLibrary library;
+    const OpenTree tree(producer.Path());
+    const auto missing = [&](const std::string& function) {
+        return Error{
+            KORO_RETURN_CODE_ERROR,
+            "The instrumented TL (" + producer.Path() + ") does not implement " + function + "()!"};
+    };
+    const auto port =
+        Get<KORO_PortHandle>(KORO_Module_GetPort, Get<KORO_ModuleHandle>(KORO_System_ToModule, tree.system));
+    std::uint8_t byte = 0;
+    std::size_t size = 0;
+
+    EXPECT_EQ(Outcome(KORO_Interface_GetTLType(tree.interface, nullptr, &size)), missing("IFGetInfo"));
+    EXPECT_EQ(Outcome(KORO_Port_Read(port, 0, &byte, 1)), missing("GCReadPort"));
+    EXPECT_EQ(
+        Outcome(KORO_DeviceDescriptor_GetVendorName(tree.deviceDescriptor, nullptr, &size)),
+        missing("IFGetDeviceInfo"));
+    EXPECT_EQ(GetText(KORO_System_GetVendorName, tree.system), "ZVR");
+}
+
+TEST(ProducersOfUnknownVersion, MissingCloseFunctionsReachNobody)
+{
+    const ScriptedProducer producer("scripted_no_version", {"DSClose", "DevClose", "IFClose", "TLClose"});
+    const KoroLibrary library;
+    const OpenTree tree(producer.Path());
+
+    EXPECT_EQ(Outcome(KORO_DataStream_Destruct(tree.stream)), Error{});
+    EXPECT_EQ(Outcome(KORO_Device_Destruct(tree.device)), Error{});
+    EXPECT_EQ(Outcome(KORO_Interface_Destruct(tree.interface)), Error{});
+    EXPECT_EQ(Outcome(KORO_System_Destruct(tree.system)), Error{});
+    EXPECT_EQ(Outcome(KORO_ProducerLibrary_Destruct(tree.producerLibrary)), Error{});
+}
+
+TEST(ProducersOfUnknownVersion, VersionNumbersAreTheProducersFailure)
+{
+    const ScriptedProducer producer("scripted_no_version");
+    const KoroLibrary library;
+    const OpenTree tree(producer.Path());
+    std::uint32_t number = 0;
+
+    EXPECT_EQ(
+        Outcome(KORO_SystemDescriptor_GetGenTLVersionMajor(tree.systemDescriptor, &number)),
+        InfoFailure({"GCGetInfo", 9, "TL_INFO_GENTL_VER_MAJOR"}, ProducerErrorOf(GenTL::GC_ERR_NOT_IMPLEMENTED)));
+    EXPECT_EQ(
+        Outcome(KORO_System_GetGenTLVersionMinor(tree.system, &number)),
+        InfoFailure({"TLGetInfo", 10, "TL_INFO_GENTL_VER_MINOR"}, ProducerErrorOf(GenTL::GC_ERR_NOT_IMPLEMENTED)));
+}
+
 } // namespace koro::test
