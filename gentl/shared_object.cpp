@@ -60,8 +60,9 @@ void* Load(const std::string& path)
 
 SharedObject::SharedObject(const std::string& path)
 {
+    const bool isCutShort = IsCutShort(path);
     errno = 0;
-    handle = IsCutShort(path) ? nullptr : Load(path);
+    handle = isCutShort ? nullptr : Load(path);
     const int number = errno;
     if (!handle)
     {
