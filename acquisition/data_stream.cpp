@@ -198,7 +198,7 @@ std::shared_ptr<Buffer> DataStream::Announced(Announce&& announce)
                 handle, std::static_pointer_cast<DataStream>(shared_from_this()), gentl.Proxy());
             const std::lock_guard lock(buffersLock);
             buffers.reserve(buffers.size() + 1);
-            buffersByHandle.emplace(handle, buffer);
+            buffersByHandle.insert_or_assign(handle, buffer);
             buffers.push_back(buffer);
             return buffer;
         }
@@ -224,7 +224,9 @@ void DataStream::RevokeBuffer(const std::shared_ptr<Buffer>& buffer)
         buffer->Revoke(Handle());
         const std::lock_guard lock(buffersLock);
         std::erase(buffers, buffer);
-        buffersByHandle.erase(buffer->Handle());
+        // The producer may have given the handle to a newer buffer, which its revocation callback announced.
+        const auto entry = buffersByHandle.find(buffer->Handle());
+        if (entry != buffersByHandle.end() && entry->second == buffer) buffersByHandle.erase(entry);
     });
 }
 
