@@ -101,7 +101,7 @@ Picture ReadPortable(const std::filesystem::path& file)
     const unsigned shift = 16 - static_cast<unsigned>(std::bit_width(largest));
     for (std::size_t at = 0; at < bytes.size(); at += sampleBytes)
     {
-        const unsigned value = sampleBytes == 2 ? bytes[at] << 8U | bytes[at + 1] : bytes[at];
+        const unsigned value = sampleBytes == 2 ? bytes[at] * 256U + bytes[at + 1] : bytes[at];
         picture.samples.push_back(static_cast<std::uint16_t>(std::min<std::size_t>(value, largest) << shift));
     }
     return picture;
