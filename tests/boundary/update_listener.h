@@ -19,6 +19,11 @@ template <
 class UpdateListener
 {
 public:
+    static constexpr auto registerFound = RegisterFound;
+    static constexpr auto unregisterFound = UnregisterFound;
+    static constexpr auto registerLost = RegisterLost;
+    static constexpr auto unregisterLost = UnregisterLost;
+
     explicit UpdateListener(Parent parentHandle) : parent(parentHandle)
     {
         Require(RegisterFound(parent, OnFound, this, &foundHandle));
