@@ -1,0 +1,48 @@
+// FormulaCompiler: from the text of a formula to its bytecode, in one pass. Lives for one compilation.
+//
+// Precedence, highest first, every binary operator from the left: signs, "~", functions; then ** << >> & | ^ alike;
+// then * / %; then + -; then comparisons, && || and "? :" alike. docs/genicam-runtime.md has the grammar.
+#pragma once
+
+#include "formula/tokens.h"
+
+namespace GENAPI_NAMESPACE::runtime
+{
+
+template <class Number>
+class FormulaCompiler
+{
+public:
+    FormulaCompiler(Formula<Number>& result, std::string_view text, const std::vector<std::string_view>& variables);
+    void Run();
+
+private:
+    void Expression(bool mayBranch);
+    void Sum();
+    void Product();
+    void Bits();
+    void Unary(char previousSign);
+    void Primary();
+    void Literal();
+    void Name();
+    void Call(Operation function);
+    void Emit(Operation operation, uint32_t operand = 0);
+    void EmitConstant(Number number);
+
+    bool Is(TokenKind kind) const { return token.kind == kind; }
+    bool IsOperator(std::string_view text) const { return Is(TokenKind::Operator) && token.text == text; }
+    void Advance() { token = NextToken(text, token.end); }
+    void Expect(TokenKind kind, const char* what);
+
+    Formula<Number>& formula;
+    std::string_view text;
+    const std::vector<std::string_view>& variables;
+    Token token;
+    size_t stack = 0;
+    unsigned nesting = 0;
+};
+
+extern template class FormulaCompiler<int64_t>;
+extern template class FormulaCompiler<double>;
+
+} // namespace GENAPI_NAMESPACE::runtime

@@ -1,0 +1,15 @@
+// ICategory: a folder of features. Belongs to the node map.
+#pragma once
+
+#include <GenApi/IValue.h>
+
+namespace GENAPI_NAMESPACE
+{
+
+GENICAM_INTERFACE GENAPI_DECL_ABSTRACT ICategory : virtual public IValue
+{
+    // In the order of the description.
+    virtual void GetFeatures(FeatureList_t & Features) const = 0;
+};
+
+} // namespace GENAPI_NAMESPACE

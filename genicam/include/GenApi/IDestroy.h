@@ -1,0 +1,18 @@
+// IDestroy: how a node map ends.
+#pragma once
+
+#include <Base/GCLinkage.h>
+#include <GenICamFwd.h>
+
+namespace GENAPI_NAMESPACE
+{
+
+GENICAM_INTERFACE GENAPI_DECL_ABSTRACT IDestroy
+{
+    virtual void Destroy() = 0;
+
+protected:
+    ~IDestroy() = default;
+};
+
+} // namespace GENAPI_NAMESPACE

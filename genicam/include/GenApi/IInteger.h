@@ -1,0 +1,30 @@
+// IInteger: a 64-bit number with a range. Belongs to the node map.
+#pragma once
+
+#include <GenApi/Autovector.h>
+#include <GenApi/IValue.h>
+
+namespace GENAPI_NAMESPACE
+{
+
+GENICAM_INTERFACE GENAPI_DECL_ABSTRACT IInteger : virtual public IValue
+{
+    virtual void SetValue(int64_t Value, bool Verify = true) = 0;
+    virtual IInteger& operator=(int64_t Value) = 0;
+    virtual int64_t GetValue(bool Verify = false, bool IgnoreCache = false) = 0;
+    virtual int64_t operator()() = 0;
+    virtual int64_t operator*() = 0;
+    virtual int64_t GetMin() = 0;
+    virtual int64_t GetMax() = 0;
+    virtual EIncMode GetIncMode() = 0;
+    virtual int64_t GetInc() = 0;
+    // Sorted; bounded: only those within the range. Writing does not check against it.
+    virtual int64_autovector_t GetListOfValidValues(bool bounded = true) = 0;
+    virtual ERepresentation GetRepresentation() = 0;
+    virtual GENICAM_NAMESPACE::gcstring GetUnit() = 0;
+    // Narrow the range, never widen it.
+    virtual void ImposeMin(int64_t Value) = 0;
+    virtual void ImposeMax(int64_t Value) = 0;
+};
+
+} // namespace GENAPI_NAMESPACE

@@ -1,0 +1,17 @@
+// ISelector: which features a node selects and by which it is selected. Belongs to the node map.
+#pragma once
+
+#include <GenApi/IBase.h>
+
+namespace GENAPI_NAMESPACE
+{
+
+GENICAM_INTERFACE GENAPI_DECL_ABSTRACT ISelector : virtual public IBase
+{
+    virtual bool IsSelector() const = 0;
+    virtual void GetSelectedFeatures(FeatureList_t & Features) const = 0;
+    // Nearest selector first.
+    virtual void GetSelectingFeatures(FeatureList_t & Features) const = 0;
+};
+
+} // namespace GENAPI_NAMESPACE

@@ -1,0 +1,21 @@
+// IUserData: one pointer that the application keeps at a node or a map; the runtime never looks at it.
+#pragma once
+
+#include <Base/GCLinkage.h>
+#include <GenApi/Types.h>
+#include <GenICamFwd.h>
+
+namespace GENAPI_NAMESPACE
+{
+
+GENICAM_INTERFACE GENAPI_DECL_ABSTRACT IUserData
+{
+    virtual UserData_t GetUserData() const = 0;
+    // Answers the former pointer.
+    virtual UserData_t SetUserData(UserData_t UserData) = 0;
+
+protected:
+    ~IUserData() = default;
+};
+
+} // namespace GENAPI_NAMESPACE

@@ -1,0 +1,69 @@
+// CNodeMapFactory: makes node maps from one camera description.
+//
+// A copyable reference to shared data. The constructors load nothing: what is wrong with a description comes out of
+// CreateNodeMap. Not thread-safe.
+#pragma once
+
+#include <Base/GCString.h>
+#include <GenApi/INodeMap.h>
+#include <memory>
+
+namespace GENAPI_NAMESPACE
+{
+
+typedef enum _EContentType
+{
+    ContentType_Xml,
+    ContentType_ZippedXml
+} EContentType_t;
+
+typedef enum _ECacheUsage
+{
+    CacheUsage_Automatic,
+    CacheUsage_ForceWrite,
+    CacheUsage_ForceRead,
+    CacheUsage_Ignore
+} ECacheUsage_t;
+
+class GENAPI_DECL CNodeMapFactory
+{
+public:
+    CNodeMapFactory();
+    // The file is read by the first CreateNodeMap.
+    CNodeMapFactory(
+        EContentType_t FileType, const GENICAM_NAMESPACE::gcstring& FileName,
+        ECacheUsage_t CacheUsage = CacheUsage_Automatic, bool SuppressStringsOnLoad = false);
+    // The bytes are not copied: they must live until the first CreateNodeMap.
+    CNodeMapFactory(
+        EContentType_t ContentType, const void* pData, size_t DataSize, ECacheUsage_t CacheUsage = CacheUsage_Automatic,
+        bool SuppressStringsOnLoad = false);
+    // The text is copied.
+    CNodeMapFactory(
+        const GENICAM_NAMESPACE::gcstring& XmlData, ECacheUsage_t CacheUsage = CacheUsage_Automatic,
+        bool SuppressStringsOnLoad = false);
+    CNodeMapFactory(const CNodeMapFactory& other);
+    CNodeMapFactory& operator=(const CNodeMapFactory& other);
+    virtual ~CNodeMapFactory();
+
+    bool IsEmpty() const;
+    bool IsLoaded() const;
+    bool IsPreprocessed() const;
+    bool IsCameraDescriptionFileDataReleased() const;
+    void Preprocess();
+    void ReleaseCameraDescriptionFileData();
+    void GetSupportedSchemaVersions(GENICAM_NAMESPACE::gcstring_vector& versions) const;
+
+    // A new map each time, which the caller ends by IDestroy.
+    INodeMap* CreateNodeMap(
+        const GENICAM_NAMESPACE::gcstring& DeviceName = "Device", bool DoReleaseCameraDescriptionFileData = true);
+    // The lock must outlive the map.
+    INodeMap* CreateNodeMap(
+        CLock& UserProvidedLock, const GENICAM_NAMESPACE::gcstring& DeviceName = "Device",
+        bool DoReleaseCameraDescriptionFileData = true);
+
+private:
+    class Data;
+    std::shared_ptr<Data> data;
+};
+
+} // namespace GENAPI_NAMESPACE

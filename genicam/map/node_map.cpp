@@ -1,0 +1,406 @@
+#include "map/node_map.h"
+
+#include "map/concatenator.h"
+#include "nodes/knife_nodes.h"
+#include "nodes/node_factory.h"
+#include "nodes/port_node.h"
+#include "xml/links.h"
+
+#include <Base/GCException.h>
+#include <GenApi/GenApiVersion.h>
+#include <GenApi/IPortStacked.h>
+#include <utility>
+
+namespace GENAPI_NAMESPACE::runtime
+{
+
+using GENICAM_NAMESPACE::gcstring;
+
+namespace
+{
+
+// Nothing is ever written through these.
+bool IsReadOnlyKind(Element kind)
+{
+    return kind == Element::SwissKnife || kind == Element::IntSwissKnife || kind == Element::SmartFeature;
+}
+
+} // namespace
+
+NodeMap::NodeMap(std::shared_ptr<const Description> source, const gcstring& device, CLock* userLock)
+    : description(std::move(source)), deviceName(device), lock(userLock ? userLock : &ownLock)
+{
+    nodes.reserve(description->nodes.size());
+    for (NodeIndex node = 0; node < description->nodes.size(); ++node)
+        nodes.push_back(MakeNode(*this, node));
+    for (const std::unique_ptr<Node>& node : nodes)
+    {
+        node->Resolve();
+        if (node->GetPollingTime() >= 0) polled.push_back({node.get(), node->GetPollingTime(), 0});
+    }
+}
+
+NodeMap::~NodeMap()
+{
+    // Registers give their places back, nodes their callbacks: both are still there.
+    nodes.clear();
+}
+
+void NodeMap::GetNodes(NodeList_t& Nodes) const
+{
+    Nodes.reserve(Nodes.size() + nodes.size());
+    for (const std::unique_ptr<Node>& node : nodes)
+        Nodes.push_back(node.get());
+}
+
+INode* NodeMap::GetNode(const gcstring& Name) const
+{
+    std::string_view name(Name.c_str(), Name.size());
+    const bool standard = name.substr(0, 5) == "Std::";
+    const bool custom = name.substr(0, 6) == "Cust::";
+    if (standard || custom) name.remove_prefix(standard ? 5 : 6);
+    const NodeIndex node = description->FindNode(name);
+    if (node == noNode) return nullptr;
+    const bool fits = (!standard && !custom) || description->nodes[node].standard == standard;
+    return fits ? At(node) : nullptr;
+}
+
+bool NodeMap::Connect(IPort* pPort, const gcstring& PortName) const
+{
+    PortNode* const port = dynamic_cast<PortNode*>(GetNode(PortName));
+    if (!port) return false;
+    port->SetPortImpl(pPort);
+    return true;
+}
+
+bool NodeMap::Connect(IPort* pPort) const
+{
+    return Connect(pPort, "Device");
+}
+
+bool NodeMap::Connect(IPortStacked* pPort, const gcstring& PortName)
+{
+    return Connect(static_cast<IPort*>(pPort), PortName);
+}
+
+bool NodeMap::Connect(IPortStacked* pPort)
+{
+    return Connect(static_cast<IPort*>(pPort), "Device");
+}
+
+bool NodeMap::ParseSwissKnifes(GENICAM_NAMESPACE::gcstring_vector* pErrorList) const
+{
+    const AutoLock held(*lock);
+    bool good = true;
+    for (const std::unique_ptr<Node>& node : nodes)
+    {
+        Knife* const knife = dynamic_cast<Knife*>(node.get());
+        if (!knife) continue;
+        try
+        {
+            knife->Compile();
+        }
+        catch (const GENICAM_NAMESPACE::GenericException& exception)
+        {
+            good = false;
+            if (pErrorList) pErrorList->push_back(exception.GetDescription());
+        }
+    }
+    return good;
+}
+
+CNodeWriteConcatenator* NodeMap::NewNodeWriteConcatenator() const
+{
+    return new Concatenator;
+}
+
+bool NodeMap::ConcatenatedWrite(
+    CNodeWriteConcatenator* pConcatenator, bool, GENICAM_NAMESPACE::gcstring_vector* pErrorList)
+{
+    const Concatenator* const list = dynamic_cast<const Concatenator*>(pConcatenator);
+    if (!list) throw INVALID_ARGUMENT_EXCEPTION("The list of writes must not be NULL");
+    return list->WriteTo(*this, pErrorList);
+}
+
+void NodeMap::SetSuppressCallbackMode(ECallbackSuppressMode Mode)
+{
+    const AutoLock held(*lock);
+    suppressMode = Mode;
+}
+
+gcstring NodeMap::GetModelName()
+{
+    return description->device.modelName.c_str();
+}
+
+gcstring NodeMap::GetVendorName()
+{
+    return description->device.vendorName.c_str();
+}
+
+gcstring NodeMap::GetToolTip()
+{
+    return description->device.toolTip.c_str();
+}
+
+gcstring NodeMap::GetStandardNameSpace()
+{
+    return description->device.standardNameSpace.c_str();
+}
+
+void NodeMap::GetGenApiVersion(Version_t& Version, uint16_t& Build)
+{
+    Version.Major = GENAPI_VERSION_MAJOR;
+    Version.Minor = GENAPI_VERSION_MINOR;
+    Version.SubMinor = GENAPI_VERSION_SUBMINOR;
+    Build = GENAPI_VERSION_BUILD;
+}
+
+void NodeMap::GetSchemaVersion(Version_t& Version)
+{
+    Version = description->device.schemaVersion;
+}
+
+void NodeMap::GetDeviceVersion(Version_t& Version)
+{
+    Version = description->device.deviceVersion;
+}
+
+gcstring NodeMap::GetProductGuid()
+{
+    return description->device.productGuid.c_str();
+}
+
+gcstring NodeMap::GetVersionGuid()
+{
+    return description->device.versionGuid.c_str();
+}
+
+UserData_t NodeMap::SetUserData(UserData_t data)
+{
+    return std::exchange(userData, data);
+}
+
+std::string NodeMap::EntryPoint() const
+{
+    return entryNode ? entryNode->Name() + "." + entryOperation + "()" : std::string();
+}
+
+uint32_t NodeMap::NewMark()
+{
+    if (++lastMark == 0)
+    { // once around: the old marks would lie
+        for (const std::unique_ptr<Node>& node : nodes)
+            node->mark = 0;
+        lastMark = 1;
+    }
+    return lastMark;
+}
+
+void NodeMap::Meet(Node& node, std::vector<Node*>& list)
+{
+    if (node.mark == lastMark) return;
+    node.mark = lastMark;
+    list.push_back(&node);
+}
+
+// Adds what depends on the nodes from `first` on; the marks tell which are listed.
+void NodeMap::Walk(std::vector<Node*>& list, size_t first)
+{
+    for (size_t i = first; i < list.size(); ++i)
+    {
+        for (const NodeIndex dependent : description->dependents.Of(list[i]->Index()))
+            Meet(*At(dependent), list);
+    }
+}
+
+void NodeMap::Dependents(Node& node, std::vector<Node*>& list)
+{
+    NewMark();
+    Meet(node, list);
+    Walk(list, 0);
+    list.erase(list.begin());
+}
+
+void NodeMap::Terminals(Node& node, std::vector<Node*>& list)
+{
+    const Element kind = node.Kind();
+    if (IsReadOnlyKind(kind) || kind == Element::Category || kind == Element::Port) return;
+    std::vector<Node*> met;
+    NewMark();
+    Meet(node, met);
+    for (size_t i = 0; i < met.size(); ++i)
+    {
+        bool writes = false;
+        ForEachLink(*description, met[i]->Index(), [&](NodeIndex target, Property link) {
+            if (!IsWriteLink(link)) return;
+            writes = true;
+            Meet(*At(target), met);
+        });
+        if (!writes && !IsReadOnlyKind(met[i]->Kind())) list.push_back(met[i]);
+    }
+}
+
+void NodeMap::Announce(Node& node)
+{
+    NewMark();
+    const size_t first = changed.size();
+    Meet(node, changed);
+    Walk(changed, first);
+    for (size_t i = first; i < changed.size(); ++i)
+        changed[i]->DropCaches();
+}
+
+void NodeMap::AnnounceWrite(Node& node)
+{
+    terminals.clear();
+    Terminals(node, terminals);
+    NewMark();
+    const size_t first = changed.size();
+    Meet(node, changed);
+    for (Node* const terminal : terminals)
+        Meet(*terminal, changed);
+    const size_t written = changed.size();
+    Walk(changed, first);
+    for (size_t i = written; i < changed.size(); ++i)
+        changed[i]->DropCaches();
+    // A node that is written keeps its own caches, unless it also depends on another one that is written.
+    for (size_t i = first; i < written; ++i)
+    {
+        for (const NodeIndex dependent : description->dependents.Of(changed[i]->Index()))
+        {
+            if (At(dependent) == &node) node.DropCaches();
+        }
+    }
+}
+
+void NodeMap::DropChanged()
+{
+    for (Node* const node : changed)
+        node->DropCaches();
+}
+
+CallbackList NodeMap::CollectCallbacks()
+{
+    if (suppressMode == csmOnce) suppressMode = csmOff;
+    std::vector<CNodeCallback*> list;
+    if (suppressMode == csmOff)
+    {
+        for (const Node* const node : changed)
+        {
+            list.insert(list.end(), node->callbacks.begin(), node->callbacks.end());
+        }
+    }
+    changed.clear();
+    return list.empty() ? CallbackList() : CallbackList(*this, std::move(list));
+}
+
+void NodeMap::FireAll()
+{
+    CallbackList list;
+    lock->Lock();
+    try
+    {
+        changed.clear();
+        for (const std::unique_ptr<Node>& node : nodes)
+        {
+            node->DropCaches();
+            changed.push_back(node.get());
+        }
+        list = CollectCallbacks();
+        list.CallInside();
+    }
+    catch (...)
+    {
+        lock->Unlock();
+        throw;
+    }
+    lock->Unlock();
+    list.CallOutside();
+}
+
+void NodeMap::InvalidateNodes() const
+{
+    const_cast<NodeMap*>(this)->FireAll();
+}
+
+void NodeMap::Poll(int64_t ElapsedTime)
+{
+    CallbackList list;
+    lock->Lock();
+    try
+    {
+        changed.clear();
+        NewMark();
+        std::vector<Node*> due;
+        for (PollState& state : polled)
+        {
+            const Node* const blocker = state.node->Linked(Property::pBlockPolling);
+            if (!state.node->IsPolled() || (blocker && const_cast<Node*>(blocker)->PlainNumber() != 0)) continue;
+            state.elapsed += ElapsedTime;
+            if (state.elapsed < state.time) continue;
+            state.elapsed = 0;
+            due.push_back(state.node);
+        }
+        NewMark();
+        for (Node* const node : due)
+            Meet(*node, changed);
+        Walk(changed, 0);
+        for (Node* const node : changed)
+            node->DropCaches();
+        list = CollectCallbacks();
+        list.CallInside();
+    }
+    catch (...)
+    {
+        lock->Unlock();
+        throw;
+    }
+    lock->Unlock();
+    list.CallOutside();
+}
+
+void NodeMap::AddCallback(CNodeCallback* callback)
+{
+    const AutoLock held(callbackLock);
+    registered.insert(callback);
+}
+
+void NodeMap::RemoveCallback(CNodeCallback* callback)
+{
+    {
+        const AutoLock held(callbackLock);
+        registered.erase(callback);
+        if (calling > 0)
+        {
+            retired.push_back(callback);
+            return;
+        }
+    }
+    callback->Destroy();
+}
+
+bool NodeMap::IsRegistered(CNodeCallback* callback) const
+{
+    const AutoLock held(callbackLock);
+    return registered.count(callback) > 0;
+}
+
+void NodeMap::BeginCalling()
+{
+    const AutoLock held(callbackLock);
+    ++calling;
+}
+
+void NodeMap::EndCalling()
+{
+    std::vector<CNodeCallback*> ended;
+    {
+        const AutoLock held(callbackLock);
+        if (--calling == 0) ended.swap(retired);
+    }
+    for (CNodeCallback* const callback : ended)
+        callback->Destroy();
+}
+
+} // namespace GENAPI_NAMESPACE::runtime

@@ -1,0 +1,127 @@
+// NodeMap: all live nodes of one description over its ports.
+//
+// Made by CNodeMapFactory; ends with Destroy. One recursive lock, its own or the application's, guards the map and its
+// nodes.
+#pragma once
+
+#include "map/callback_list.h"
+#include "nodes/node.h"
+#include "nodes/register_cache.h"
+
+#include <GenApi/IDestroy.h>
+#include <GenApi/IDeviceInfo.h>
+#include <GenApi/INodeMap.h>
+#include <GenApi/IUserData.h>
+#include <unordered_set>
+
+namespace GENAPI_NAMESPACE::runtime
+{
+
+class NodeMap final : public INodeMap, public IDeviceInfo, public IDestroy, public IUserData
+{
+public:
+    // `userLock` may be null.
+    NodeMap(std::shared_ptr<const Description> source, const GENICAM_NAMESPACE::gcstring& device, CLock* userLock);
+    ~NodeMap();
+    NodeMap(const NodeMap&) = delete;
+    NodeMap& operator=(const NodeMap&) = delete;
+
+    // INodeMap
+    void GetNodes(NodeList_t& Nodes) const override;
+    INode* GetNode(const GENICAM_NAMESPACE::gcstring& Name) const override;
+    void InvalidateNodes() const override;
+    bool Connect(IPort* pPort, const GENICAM_NAMESPACE::gcstring& PortName) const override;
+    bool Connect(IPort* pPort) const override;
+    bool Connect(IPortStacked* pPort, const GENICAM_NAMESPACE::gcstring& PortName) override;
+    bool Connect(IPortStacked* pPort) override;
+    GENICAM_NAMESPACE::gcstring GetDeviceName() override { return deviceName; }
+    void Poll(int64_t ElapsedTime) override;
+    CLock& GetLock() const override { return *lock; }
+    uint64_t GetNumNodes() const override { return nodes.size(); }
+    bool ParseSwissKnifes(GENICAM_NAMESPACE::gcstring_vector* pErrorList = nullptr) const override;
+    CNodeWriteConcatenator* NewNodeWriteConcatenator() const override;
+    bool ConcatenatedWrite(
+        CNodeWriteConcatenator* pConcatenator, bool featureStreaming = true,
+        GENICAM_NAMESPACE::gcstring_vector* pErrorList = nullptr) override;
+    void SetSuppressCallbackMode(ECallbackSuppressMode Mode) override;
+    // IDeviceInfo
+    GENICAM_NAMESPACE::gcstring GetModelName() override;
+    GENICAM_NAMESPACE::gcstring GetVendorName() override;
+    GENICAM_NAMESPACE::gcstring GetToolTip() override;
+    GENICAM_NAMESPACE::gcstring GetStandardNameSpace() override;
+    void GetGenApiVersion(Version_t& Version, uint16_t& Build) override;
+    void GetSchemaVersion(Version_t& Version) override;
+    void GetDeviceVersion(Version_t& Version) override;
+    GENICAM_NAMESPACE::gcstring GetProductGuid() override;
+    GENICAM_NAMESPACE::gcstring GetVersionGuid() override;
+    // IDestroy
+    void Destroy() override { delete this; }
+    // IUserData
+    UserData_t GetUserData() const override { return userData; }
+    UserData_t SetUserData(UserData_t data) override;
+
+    // For the nodes, with the lock held.
+    Node* At(NodeIndex node) const { return nodes[node].get(); }
+    const Description& Source() const { return *description; }
+    RegisterCache& Registers() { return registers; }
+    // "Gain.SetValue()"; empty outside of an operation.
+    std::string EntryPoint() const;
+    // Drops the caches of everything that depends on the node and on the nodes that are written through it, and
+    // remembers all of them for CollectCallbacks.
+    void AnnounceWrite(Node& node);
+    // Drops the caches of the node and its dependents, and remembers them.
+    void Announce(Node& node);
+    // The terminal nodes: those at the end of the writing links.
+    void Terminals(Node& node, std::vector<Node*>& list);
+    void Dependents(Node& node, std::vector<Node*>& list);
+    // Drops the caches of all remembered nodes: a write among them failed.
+    void DropChanged();
+    CallbackList CollectCallbacks();
+
+    void AddCallback(CNodeCallback* callback);
+    void RemoveCallback(CNodeCallback* callback);
+    bool IsRegistered(CNodeCallback* callback) const;
+    void BeginCalling();
+    void EndCalling();
+
+private:
+    friend class Entry;
+    friend class Descent;
+
+    struct PollState
+    {
+        Node* node;
+        int64_t time;
+        int64_t elapsed;
+    };
+
+    uint32_t NewMark();
+    void Meet(Node& node, std::vector<Node*>& list);
+    void Walk(std::vector<Node*>& list, size_t first);
+    void FireAll();
+
+    std::shared_ptr<const Description> description;
+    GENICAM_NAMESPACE::gcstring deviceName;
+    mutable CLock ownLock;
+    CLock* lock;
+    RegisterCache registers;
+    std::vector<std::unique_ptr<Node>> nodes;
+    std::vector<PollState> polled;
+    UserData_t userData = nullptr;
+
+    const Node* entryNode = nullptr;
+    const char* entryOperation = "";
+    unsigned entryDepth = 0;
+    unsigned descent = 0;
+    uint32_t lastMark = 0;
+    std::vector<Node*> changed;   // by the operation at work
+    std::vector<Node*> terminals; // scratch
+    ECallbackSuppressMode suppressMode = csmOff;
+
+    mutable CLock callbackLock; // guards what follows; taken inside `lock`, nothing else is taken inside it
+    std::unordered_set<CNodeCallback*> registered;
+    std::vector<CNodeCallback*> retired; // deregistered while lists were at work
+    unsigned calling = 0;
+};
+
+} // namespace GENAPI_NAMESPACE::runtime

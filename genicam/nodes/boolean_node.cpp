@@ -1,0 +1,80 @@
+#include "nodes/boolean_node.h"
+
+#include "nodes/errors.h"
+#include "nodes/node_inline.h"
+
+namespace GENAPI_NAMESPACE::runtime
+{
+
+using GENICAM_NAMESPACE::gcstring;
+
+void BooleanNode::Resolve()
+{
+    ValueNode::Resolve();
+    source.Resolve(*this);
+    onValue = NumberOf(Property::OnValue, 1);
+    offValue = NumberOf(Property::OffValue, 0);
+    // A value of the own is written as true or false.
+    if (const PropertyRecord* const own = Find(Property::Value)) source.Write(own->number ? onValue : offValue, false);
+}
+
+void BooleanNode::SetValue(bool Value, bool Verify)
+{
+    Change("SetValue", [&] {
+        CheckWritable();
+        WriteAnnounced([&] { Write(Value, Verify); });
+        if (Verify) CheckErrors();
+    });
+}
+
+bool BooleanNode::GetValue(bool Verify, bool IgnoreCache) const
+{
+    const Entry entry(*this, "GetValue");
+    const bool value = const_cast<BooleanNode*>(this)->Read({Verify, IgnoreCache});
+    if (Verify) CheckErrors();
+    return value;
+}
+
+bool BooleanNode::Read(ReadOptions options)
+{
+    CheckReadable();
+    if (valueCached && !options.verify && !options.ignoreCache) return cachedValue;
+    const Descent descent(*this);
+    const int64_t number = source.Read(options);
+    if (number != onValue && number != offValue)
+    {
+        throw LogicalError(*this, "The number " + std::to_string(number) + " is neither the on nor the off value.");
+    }
+    cachedValue = number == onValue;
+    valueCached = CachingMode() != NoCache;
+    return cachedValue;
+}
+
+void BooleanNode::Write(bool value, bool verify)
+{
+    CheckWritable();
+    const Descent descent(*this);
+    valueCached = false;
+    source.Write(value ? onValue : offValue, verify);
+    cachedValue = value;
+    valueCached = CachingMode() == WriteThrough;
+}
+
+gcstring BooleanNode::ValueText(ReadOptions options)
+{
+    const bool value = Read(options);
+    if (options.verify) CheckErrors();
+    return value ? "1" : "0";
+}
+
+void BooleanNode::SetText(const gcstring& text, bool verify)
+{
+    const bool on = text == "1" || text == "true";
+    if (!on && text != "0" && text != "false")
+    {
+        throw ArgumentError(*this, "The text '" + std::string(text).substr(0, 200) + "' is no truth value.");
+    }
+    WriteAnnounced([&] { Write(on, verify); });
+}
+
+} // namespace GENAPI_NAMESPACE::runtime

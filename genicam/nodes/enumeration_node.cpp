@@ -1,0 +1,252 @@
+#include "nodes/enumeration_node.h"
+
+#include "nodes/errors.h"
+#include "nodes/node_inline.h"
+
+#include <cmath>
+
+namespace GENAPI_NAMESPACE::runtime
+{
+
+using GENICAM_NAMESPACE::gcstring;
+
+void EnumEntryNode::Resolve()
+{
+    ValueNode::Resolve();
+    number = NumberOf(Property::Value, 0);
+    const PropertyRecord* const own = Find(Property::NumericValue);
+    numeric = own ? own->real : static_cast<double>(number);
+}
+
+std::string_view EnumEntryNode::Symbolic() const
+{
+    if (const PropertyRecord* const own = Find(Property::Symbolic)) return Source().Text(own->text);
+    return Source().Text(Index(), Property::EntryName);
+}
+
+gcstring EnumEntryNode::GetSymbolic() const
+{
+    const std::string_view symbolic = Symbolic();
+    return gcstring(symbolic.data(), symbolic.size());
+}
+
+gcstring EnumEntryNode::GetDisplayName() const
+{
+    return Find(Property::DisplayName) ? TextOf(Property::DisplayName) : GetSymbolic();
+}
+
+bool EnumEntryNode::SelfClearing() const
+{
+    return Says(Property::IsSelfClearing);
+}
+
+gcstring EnumEntryNode::ValueText(ReadOptions)
+{
+    return std::to_string(number).c_str();
+}
+
+void EnumEntryNode::SetText(const gcstring&, bool)
+{
+    throw AccessError(*this, "Node is not writable.");
+}
+
+void EnumerationNode::Resolve()
+{
+    ValueNode::Resolve();
+    source.Resolve(*this);
+    ForEachLinked(Property::pEntry, [this](Node& node) { entries.push_back(dynamic_cast<EnumEntryNode*>(&node)); });
+}
+
+EAccessMode EnumerationNode::NaturalMode() const
+{
+    bool implementedEntry = false;
+    bool availableEntry = false;
+    for (const EnumEntryNode* const entry : entries)
+    {
+        const EAccessMode mode = entry->AccessMode();
+        implementedEntry = implementedEntry || IsImplemented(mode);
+        availableEntry = availableEntry || IsAvailable(mode);
+        if (availableEntry) break;
+    }
+    const EAccessMode ofEntries = availableEntry ? RW : (implementedEntry ? NA : NI);
+    return Combine(source.Mode(), ofEntries);
+}
+
+void EnumerationNode::GetSymbolics(StringList_t& Symbolics)
+{
+    const Entry scope(*this, "GetSymbolics");
+    for (const EnumEntryNode* const entry : entries)
+    {
+        if (IsAvailable(entry->AccessMode())) Symbolics.push_back(entry->GetSymbolic());
+    }
+}
+
+void EnumerationNode::GetEntries(NodeList_t& Entries)
+{
+    for (EnumEntryNode* const entry : entries)
+        Entries.push_back(entry);
+}
+
+IEnumeration& EnumerationNode::operator=(const gcstring& ValueStr)
+{
+    FromString(ValueStr);
+    return *this;
+}
+
+void EnumerationNode::SetIntValue(int64_t Value, bool Verify)
+{
+    Change("SetIntValue", [&] {
+        CheckWritable();
+        const EnumEntryNode* const entry = EntryFor(Value);
+        if (!entry) throw ArgumentError(*this, "There is no entry with the number " + std::to_string(Value) + ".");
+        SetEntry(*entry, Verify);
+        if (Verify) CheckErrors();
+    });
+}
+
+int64_t EnumerationNode::GetIntValue(bool Verify, bool IgnoreCache)
+{
+    const Entry scope(*this, "GetIntValue");
+    if (Verify) Current({Verify, IgnoreCache});
+    const int64_t number = Read({Verify, IgnoreCache});
+    if (Verify) CheckErrors();
+    return number;
+}
+
+IEnumEntry* EnumerationNode::GetEntryByName(const gcstring& Symbolic)
+{
+    return const_cast<EnumEntryNode*>(EntryNamed({Symbolic.c_str(), Symbolic.size()}));
+}
+
+IEnumEntry* EnumerationNode::GetEntry(const int64_t IntValue)
+{
+    return EntryFor(IntValue);
+}
+
+IEnumEntry* EnumerationNode::GetCurrentEntry(bool Verify, bool IgnoreCache)
+{
+    const Entry scope(*this, "GetCurrentEntry");
+    EnumEntryNode* const entry = Current({Verify, IgnoreCache});
+    if (Verify) CheckErrors();
+    return entry;
+}
+
+const EnumEntryNode* EnumerationNode::EntryNamed(std::string_view symbolic) const
+{
+    for (const EnumEntryNode* const entry : entries)
+    {
+        if (entry->Symbolic() == symbolic) return entry;
+    }
+    return nullptr;
+}
+
+// Of two entries with one number the later counts.
+EnumEntryNode* EnumerationNode::EntryFor(int64_t number) const
+{
+    for (size_t i = entries.size(); i-- > 0;)
+    {
+        if (entries[i]->Number() == number) return entries[i];
+    }
+    return nullptr;
+}
+
+EnumEntryNode* EnumerationNode::Current(ReadOptions options)
+{
+    EnumEntryNode* const entry = EntryFor(Read(options));
+    if (entry && options.verify && !IsAvailable(entry->AccessMode()))
+    {
+        throw AccessError(*this, "The current entry '" + std::string(entry->Symbolic()) + "' is not available.");
+    }
+    return entry;
+}
+
+int64_t EnumerationNode::Read(ReadOptions options)
+{
+    CheckReadable();
+    if (valueCached && !options.verify && !options.ignoreCache && !selfClearing) return cachedNumber;
+    const Descent descent(*this);
+    const int64_t former = cachedNumber;
+    options.ignoreCache = options.ignoreCache || selfClearing;
+    cachedNumber = source.Read(options);
+    if (selfClearing && cachedNumber != former) selfClearing = false;
+    valueCached = CachingMode() != NoCache;
+    return cachedNumber;
+}
+
+void EnumerationNode::Write(int64_t number, bool verify)
+{
+    CheckWritable();
+    const Descent descent(*this);
+    valueCached = false;
+    source.Write(number, verify);
+    cachedNumber = number;
+    valueCached = CachingMode() == WriteThrough;
+    const EnumEntryNode* const entry = EntryFor(number);
+    selfClearing = entry && entry->SelfClearing();
+}
+
+int64_t EnumerationNode::ReadInteger(ReadOptions options)
+{
+    const double numeric = ReadReal(options);
+    return static_cast<int64_t>(std::round(numeric));
+}
+
+double EnumerationNode::ReadReal(ReadOptions options)
+{
+    const int64_t number = Read(options);
+    const EnumEntryNode* const entry = EntryFor(number);
+    if (!entry) throw LogicalError(*this, "There is no entry with the number " + std::to_string(number) + ".");
+    return entry->Numeric();
+}
+
+void EnumerationNode::WriteNearest(double value, bool verify)
+{
+    const EnumEntryNode* nearest = nullptr;
+    for (const EnumEntryNode* const entry : entries)
+    {
+        if (!IsAvailable(entry->AccessMode())) continue;
+        const bool nearer = !nearest || std::fabs(entry->Numeric() - value) < std::fabs(nearest->Numeric() - value);
+        if (nearer) nearest = entry;
+    }
+    if (!nearest) throw AccessError(*this, "No entry is available.");
+    Write(nearest->Number(), verify);
+}
+
+void EnumerationNode::SetEntry(const EnumEntryNode& entry, bool verify)
+{
+    const EAccessMode mode = entry.AccessMode();
+    if (!IsImplemented(mode) || (verify && !IsAvailable(mode)))
+    {
+        throw AccessError(*this, "The entry '" + std::string(entry.Symbolic()) + "' is not available.");
+    }
+    WriteAnnounced([&] { Write(entry.Number(), verify); });
+}
+
+void EnumerationNode::ThrowIfError()
+{
+    const int64_t number = Read({});
+    if (number == 0) return;
+    const EnumEntryNode* const entry = EntryFor(number);
+    if (!entry) throw LogicalError(*this, "There is no entry with the number " + std::to_string(number) + ".");
+    throw RuntimeError(*this, std::string(entry->GetDisplayName()) + " : " + std::string(entry->GetToolTip()));
+}
+
+gcstring EnumerationNode::ValueText(ReadOptions options)
+{
+    const EnumEntryNode* const entry = Current(options);
+    if (!entry)
+    {
+        throw ArgumentError(*this, "There is no entry with the number " + std::to_string(cachedNumber) + ".");
+    }
+    if (options.verify) CheckErrors();
+    return entry->GetSymbolic();
+}
+
+void EnumerationNode::SetText(const gcstring& text, bool verify)
+{
+    const EnumEntryNode* const entry = EntryNamed({text.c_str(), text.size()});
+    if (!entry) throw ArgumentError(*this, "There is no entry '" + std::string(text).substr(0, 200) + "'.");
+    SetEntry(*entry, verify);
+}
+
+} // namespace GENAPI_NAMESPACE::runtime

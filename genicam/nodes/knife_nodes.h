@@ -1,0 +1,103 @@
+// KnifeFormula: the formula of a knife with its variables. IntegerKnife, FloatKnife: the elements IntSwissKnife and
+// SwissKnife, the expressions of formulas and the two formulas of a converter.
+#pragma once
+
+#include "formula/formula.h"
+#include "nodes/value_node.h"
+
+namespace GENAPI_NAMESPACE::runtime
+{
+
+// Number is int64_t or double.
+template <class Number>
+class KnifeFormula
+{
+public:
+    void Resolve(const Node& owner);
+
+    // `input` is FROM or TO of a converter's formula; a knife has none. Variables, constants and expressions are all
+    // read, used or not.
+    Number Evaluate(const Node& owner, Number input, ReadOptions options);
+    // Compiles if that has not happened yet. Throws LogicalErrorException.
+    const Formula<Number>& Compiled(const Node& owner);
+    EAccessMode Mode() const;
+    bool Cachable() const;
+
+private:
+    enum class Aspect : uint8_t
+    {
+        Value,
+        Min,
+        Max,
+        Inc,
+        AccessMode,
+        Visibility,
+        CachingMode,
+        Entry,
+        Unknown
+    };
+    struct Variable
+    {
+        std::string_view name; // with its suffix
+        Node* node;
+        Aspect aspect;
+    };
+
+    static Aspect AspectOf(std::string_view name);
+    Number ReadVariable(const Node& owner, const Variable& variable, ReadOptions options) const;
+
+    std::vector<Variable> variables;
+    std::string_view text;
+    std::string_view inputName; // FROM, TO or none
+    std::unique_ptr<const Formula<Number>> formula;
+    std::unique_ptr<const std::string> failure; // why it does not compile
+};
+
+extern template class KnifeFormula<int64_t>;
+extern template class KnifeFormula<double>;
+
+// What the parts of a converter and the map want of any knife.
+class Knife
+{
+public:
+    virtual ~Knife() = default;
+    virtual void Compile() = 0;
+};
+
+class IntegerKnife : public IntegerBase, public Knife
+{
+public:
+    using IntegerBase::IntegerBase;
+    void Resolve() override;
+    void Compile() override { formula.Compiled(*this); }
+    int64_t Compute(int64_t input, ReadOptions options) { return formula.Evaluate(*this, input, options); }
+
+protected:
+    int64_t Read(ReadOptions options) override { return Compute(0, options); }
+    void Write(int64_t value, bool verify) override;
+    EAccessMode NaturalMode() const override { return formula.Mode(); }
+    ECachingMode NaturalCaching() const override { return formula.Cachable() ? WriteThrough : NoCache; }
+
+private:
+    KnifeFormula<int64_t> formula;
+};
+
+class FloatKnife : public FloatBase, public Knife
+{
+public:
+    using FloatBase::FloatBase;
+    void Resolve() override;
+    void Compile() override { formula.Compiled(*this); }
+    double Compute(double input, ReadOptions options) { return formula.Evaluate(*this, input, options); }
+
+protected:
+    double Read(ReadOptions options) override { return Compute(0, options); }
+    void Write(double value, bool verify) override;
+    EAccessMode NaturalMode() const override { return formula.Mode(); }
+    ECachingMode NaturalCaching() const override { return formula.Cachable() ? WriteAround : NoCache; }
+
+private:
+    KnifeFormula<double> formula;
+};
+
+} // namespace GENAPI_NAMESPACE::runtime

@@ -1,0 +1,602 @@
+#include "nodes/node.h"
+
+#include "nodes/errors.h"
+#include "nodes/node_inline.h"
+#include "xml/links.h"
+
+#include <GenApi/NodeCallback.h>
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+namespace GENAPI_NAMESPACE::runtime
+{
+
+using GENICAM_NAMESPACE::gcstring;
+
+namespace
+{
+
+gcstring ToText(std::string_view text)
+{
+    return gcstring(text.data(), text.size());
+}
+
+const unsigned maxDescent = 500; // nodes read one through the other
+
+} // namespace
+
+Entry::Entry(const Node& node, const char* operation) : map(node.Map())
+{
+    map.lock->Lock();
+    if (map.entryDepth++ > 0) return;
+    map.entryNode = &node;
+    map.entryOperation = operation;
+    map.changed.clear();
+}
+
+Entry::~Entry()
+{
+    if (--map.entryDepth == 0) map.entryNode = nullptr;
+    map.lock->Unlock();
+}
+
+Descent::Descent(const Node& node) : map(node.Map())
+{
+    if (map.descent >= maxDescent) throw RuntimeError(node, "Too many nodes are read one through the other");
+    ++map.descent;
+}
+
+Descent::~Descent()
+{
+    --map.descent;
+}
+
+Node::Node(NodeMap& owner, NodeIndex number) : map(owner), index(number) {}
+
+Node::~Node()
+{
+    for (CNodeCallback* const callback : callbacks)
+        map.RemoveCallback(callback);
+}
+
+void Node::Resolve()
+{
+    implemented = Linked(Property::pIsImplemented);
+    available = Linked(Property::pIsAvailable);
+    locked = Linked(Property::pIsLocked);
+    xmlMode = static_cast<uint8_t>(NumberOf(Property::ImposedAccessMode, RW));
+    hasErrorNodes = Find(Property::pError) != nullptr;
+}
+
+const Description& Node::Source() const
+{
+    return map.Source();
+}
+
+std::string Node::Name() const
+{
+    return std::string(Source().NameOf(index));
+}
+
+Element Node::Kind() const
+{
+    return Source().nodes[index].element;
+}
+
+const PropertyRecord* Node::Find(Property property) const
+{
+    return Source().Find(index, property);
+}
+
+int64_t Node::NumberOf(Property property, int64_t absent) const
+{
+    const PropertyRecord* const record = Find(property);
+    return record ? record->number : absent;
+}
+
+Node* Node::Linked(Property property) const
+{
+    const PropertyRecord* const record = Find(property);
+    return record ? map.At(record->node) : nullptr;
+}
+
+gcstring Node::TextOf(Property property) const
+{
+    return ToText(Source().Text(index, property));
+}
+
+EAccessMode Node::GetAccessMode() const
+{
+    const Entry entry(*this, "GetAccessMode");
+    return AccessMode();
+}
+
+EAccessMode Node::AccessMode() const
+{
+    if (cachedMode != _UndefinedAccesMode) return static_cast<EAccessMode>(cachedMode);
+    // Entries may depend on their own enumeration: whoever is asked again meanwhile does not restrict.
+    if (modeInWork) return RW;
+    const Descent descent(*this);
+    modeInWork = true;
+    EAccessMode mode = RW;
+    try
+    {
+        mode =
+            Combine(Combine(NaturalMode(), static_cast<EAccessMode>(xmlMode)), static_cast<EAccessMode>(imposedMode));
+        mode = Combine(mode, ConditionMode());
+        if (hasErrorNodes)
+        {
+            ForEachLinked(Property::pError, [&](const Node& node) {
+                const EAccessMode error = node.AccessMode();
+                if (!IsAvailable(error)) mode = Combine(mode, error);
+            });
+        }
+    }
+    catch (...)
+    {
+        modeInWork = false;
+        // A condition that cannot be read is told once; then the node is as if it had none.
+        if (mode != RW || AccessCacheable()) cachedMode = static_cast<uint8_t>(mode);
+        throw;
+    }
+    modeInWork = false;
+    if (AccessCacheable()) cachedMode = static_cast<uint8_t>(mode);
+    return mode;
+}
+
+EAccessMode Node::ConditionMode() const
+{
+    EAccessMode mode = RW;
+    const auto unreadable = [&mode](const Node* condition) {
+        if (!condition) return true;
+        const EAccessMode own = condition->AccessMode();
+        if (!IsReadable(own)) mode = Combine(mode, own == NI ? NI : NA);
+        return !IsReadable(own);
+    };
+    if (!unreadable(implemented) && implemented->PlainNumber() == 0) mode = NI;
+    if (!unreadable(available) && available->PlainNumber() == 0) mode = Combine(mode, NA);
+    if (!unreadable(locked) && locked->PlainNumber() != 0) mode = Combine(mode, RO);
+    return mode;
+}
+
+// Limits need to be there; whether they can be read shows when they are asked for.
+EAccessMode Node::LimitMode() const
+{
+    EAccessMode mode = RW;
+    for (const Property limit : {Property::pMin, Property::pMax, Property::pInc})
+    {
+        const Node* const node = Linked(limit);
+        if (!node) continue;
+        const EAccessMode own = node->AccessMode();
+        if (!IsAvailable(own)) mode = Combine(mode, own);
+    }
+    return mode;
+}
+
+void Node::CheckReadable() const
+{
+    if (!IsReadable(AccessMode())) throw AccessError(*this, "Node is not readable.");
+}
+
+void Node::CheckWritable() const
+{
+    if (!IsWritable(AccessMode())) throw AccessError(*this, "Node is not writable.");
+}
+
+void Node::CheckAvailable() const
+{
+    if (!IsAvailable(AccessMode())) throw AccessError(*this, "Node is not available.");
+}
+
+gcstring Node::GetName(bool FullQualified) const
+{
+    const gcstring name = ToText(Source().NameOf(index));
+    if (!FullQualified) return name;
+    return (GetNameSpace() == Standard ? "Std::" : "Cust::") + name;
+}
+
+ENameSpace Node::GetNameSpace() const
+{
+    return Source().nodes[index].standard ? Standard : Custom;
+}
+
+EVisibility Node::GetVisibility() const
+{
+    const Entry entry(*this, "GetVisibility");
+    return OwnVisibility();
+}
+
+EVisibility Node::OwnVisibility() const
+{
+    int64_t visibility = NumberOf(Property::Visibility, Kind() == Element::Category ? Invisible : Beginner);
+    if (Kind() == Element::Category && Find(Property::pFeature))
+    {
+        visibility = Invisible;
+        ForEachLinked(Property::pFeature, [&](const Node& feature) {
+            visibility = std::min<int64_t>(visibility, feature.OwnVisibility());
+        });
+    }
+    return static_cast<EVisibility>(std::max<int64_t>(visibility, imposedVisibility));
+}
+
+void Node::InvalidateNode()
+{
+    Change("InvalidateNode", [this] { map.Announce(*this); });
+}
+
+bool Node::IsCachable() const
+{
+    return GetCachingMode() != NoCache;
+}
+
+EYesNo Node::IsAccessModeCacheable() const
+{
+    const Entry entry(*this, "IsAccessModeCacheable");
+    return AccessCacheable() ? Yes : No;
+}
+
+// A condition that is not cached makes the access mode uncached, here and in all nodes that read this one.
+bool Node::AccessCacheable() const
+{
+    if (cachedAccessCacheable != _UndefinedYesNo) return cachedAccessCacheable == Yes;
+    const Descent descent(*this);
+    bool cacheable = true;
+    for (const Node* const condition : {implemented, available, locked})
+    {
+        if (condition && condition->CachingMode() == NoCache) cacheable = false;
+    }
+    ForEachLink(Source(), index, [&](NodeIndex target, Property link) {
+        if (cacheable && ReadsForAccess(link)) cacheable = map.At(target)->AccessCacheable();
+    });
+    cachedAccessCacheable = cacheable ? Yes : No;
+    return cacheable;
+}
+
+bool Node::ReadsForAccess(Property link) const
+{
+    return IsReadLink(link) && link != Property::pBlockPolling;
+}
+
+ECachingMode Node::GetCachingMode() const
+{
+    const Entry entry(*this, "GetCachingMode");
+    return CachingMode();
+}
+
+ECachingMode Node::CachingMode() const
+{
+    if (cachedCaching == _UndefinedCachingMode)
+    {
+        const Descent descent(*this);
+        cachedCaching = static_cast<uint8_t>(NaturalCaching());
+    }
+    return static_cast<ECachingMode>(cachedCaching);
+}
+
+void Node::DropCaches()
+{
+    cachedMode = _UndefinedAccesMode;
+}
+
+int64_t Node::GetPollingTime() const
+{
+    return NumberOf(Property::PollingTime, -1);
+}
+
+gcstring Node::GetToolTip() const
+{
+    return TextOf(Property::ToolTip);
+}
+
+gcstring Node::GetDescription() const
+{
+    return TextOf(Property::Description);
+}
+
+gcstring Node::GetDisplayName() const
+{
+    return Find(Property::DisplayName) ? TextOf(Property::DisplayName) : GetName();
+}
+
+gcstring Node::GetDeviceName() const
+{
+    return map.GetDeviceName();
+}
+
+gcstring Node::UnitText() const
+{
+    if (Find(Property::Unit)) return TextOf(Property::Unit);
+    const Node* const value = Linked(Property::pValue);
+    return value ? value->UnitText() : gcstring();
+}
+
+std::vector<int64_t> Node::ValidValues() const
+{
+    const Node* const value = Linked(Property::pValue);
+    return value ? value->ValidValues() : std::vector<int64_t>();
+}
+
+void Node::GetChildren(NodeList_t& Children, ELinkType LinkType) const
+{
+    const Entry entry(*this, "GetChildren");
+    std::vector<Node*> list;
+    Node& self = *map.At(index);
+    switch (LinkType)
+    {
+    case ctParentNodes:
+        for (const NodeIndex parent : Source().parents.Of(index))
+            list.push_back(map.At(parent));
+        break;
+    case ctDependingNodes:
+        map.Dependents(self, list);
+        break;
+    case ctTerminalNodes:
+        map.Terminals(self, list);
+        break;
+    default:
+        AddChildren(Children, LinkType);
+        return;
+    }
+    for (Node* const node : list)
+        Children.push_back(node);
+}
+
+void Node::AddChildren(NodeList_t& children, ELinkType type) const
+{
+    std::vector<NodeIndex> list;
+    const auto add = [&list](NodeIndex node) {
+        if (std::find(list.begin(), list.end(), node) == list.end()) list.push_back(node);
+    };
+    const bool all = type == ctInvalidatingChildren;
+    if (all) ForEachLinked(Property::pEntry, [&](const Node& node) { add(node.Index()); });
+    ForEachLink(Source(), index, [&](NodeIndex target, Property link) {
+        switch (type)
+        {
+        case ctWritingChildren:
+            if (IsWriteLink(link)) add(target);
+            break;
+        case ctValueChangingChildren:
+            if (IsValueLink(link) || link == Property::pVariable) add(target);
+            if (link == Property::pConvertTo || link == Property::pConvertFrom)
+            {
+                ForEachLink(Source(), target, [&](NodeIndex variable, Property inner) {
+                    if (inner == Property::pVariable) add(variable);
+                });
+            }
+            break;
+        default:
+            if (IsReadLink(link) || (all && link == Property::pInvalidator)) add(target);
+        }
+    });
+    if (all)
+    {
+        for (const NodeIndex selector : Source().selecting.Of(index))
+            add(selector);
+    }
+    for (const NodeIndex node : list)
+        children.push_back(map.At(node));
+}
+
+void Node::GetParents(NodeList_t& Parents) const
+{
+    GetChildren(Parents, ctParentNodes);
+}
+
+CallbackHandleType Node::RegisterCallback(CNodeCallback* pCallback)
+{
+    if (!pCallback) throw INVALID_ARGUMENT_EXCEPTION("A callback must not be NULL");
+    const Entry entry(*this, "RegisterCallback");
+    callbacks.push_back(pCallback);
+    map.AddCallback(pCallback);
+    return reinterpret_cast<CallbackHandleType>(pCallback);
+}
+
+bool Node::DeregisterCallback(CallbackHandleType hCallback)
+{
+    const Entry entry(*this, "DeregisterCallback");
+    CNodeCallback* const callback = reinterpret_cast<CNodeCallback*>(hCallback);
+    const auto found = std::find(callbacks.begin(), callbacks.end(), callback);
+    if (found == callbacks.end()) return false;
+    callbacks.erase(found);
+    map.RemoveCallback(callback);
+    return true;
+}
+
+INodeMap* Node::GetNodeMap() const
+{
+    return &map;
+}
+
+gcstring Node::GetEventID() const
+{
+    return TextOf(Property::EventID);
+}
+
+bool Node::IsStreamable() const
+{
+    return Says(Property::Streamable);
+}
+
+void Node::ImposeAccessMode(EAccessMode ImposedAccessMode)
+{
+    Change("ImposeAccessMode", [&] {
+        imposedMode = static_cast<uint8_t>(ImposedAccessMode);
+        map.Announce(*this);
+    });
+}
+
+void Node::ImposeVisibility(EVisibility ImposedVisibility)
+{
+    const Entry entry(*this, "ImposeVisibility");
+    imposedVisibility = static_cast<uint8_t>(ImposedVisibility);
+}
+
+INode* Node::GetAlias() const
+{
+    return Linked(Property::pAlias);
+}
+
+INode* Node::GetCastAlias() const
+{
+    return Linked(Property::pCastAlias);
+}
+
+gcstring Node::GetDocuURL() const
+{
+    return TextOf(Property::DocuURL);
+}
+
+bool Node::IsDeprecated() const
+{
+    return Says(Property::IsDeprecated);
+}
+
+EInterfaceType Node::GetPrincipalInterfaceType() const
+{
+    const Element kind = Kind();
+    if (IsIntegerKind(kind)) return intfIInteger;
+    if (IsFloatKind(kind)) return intfIFloat;
+    if (IsStringKind(kind)) return intfIString;
+    switch (kind)
+    {
+    case Element::Boolean:
+        return intfIBoolean;
+    case Element::Command:
+        return intfICommand;
+    case Element::Register:
+    case Element::ConfRom:
+        return intfIRegister;
+    case Element::Category:
+        return intfICategory;
+    case Element::Enumeration:
+        return intfIEnumeration;
+    case Element::EnumEntry:
+        return intfIEnumEntry;
+    case Element::Port:
+        return intfIPort;
+    default:
+        return intfIValue;
+    }
+}
+
+bool Node::IsFeature() const
+{
+    return Source().nodes[index].feature;
+}
+
+bool Node::IsSelector() const
+{
+    return Find(Property::pSelected) != nullptr;
+}
+
+void Node::GetSelectedFeatures(FeatureList_t& Features) const
+{
+    for (const NodeIndex node : Source().selected.Of(index))
+    {
+        if (IValue* const value = dynamic_cast<IValue*>(map.At(node))) Features.push_back(value);
+    }
+}
+
+void Node::GetSelectingFeatures(FeatureList_t& Features) const
+{
+    for (const NodeIndex node : Source().selecting.Of(index))
+    {
+        if (IValue* const value = dynamic_cast<IValue*>(map.At(node))) Features.push_back(value);
+    }
+}
+
+UserData_t Node::SetUserData(UserData_t data)
+{
+    return std::exchange(userData, data);
+}
+
+void Node::GetPropertyNames(GENICAM_NAMESPACE::gcstring_vector& PropertyNames) const
+{
+    for (const PropertyRecord& record : Source().PropertiesOf(index))
+    {
+        const gcstring name = runtime::NameOf(record.property);
+        if (!name.empty() && !PropertyNames.contains(name)) PropertyNames.push_back(name);
+    }
+}
+
+// Several values of one property are split by tabs.
+bool Node::GetProperty(const gcstring& PropertyName, gcstring& ValueStr, gcstring& AttributeStr)
+{
+    const Property wanted = FindProperty({PropertyName.c_str(), PropertyName.size()});
+    bool found = false;
+    for (const PropertyRecord& record : Source().PropertiesOf(index))
+    {
+        if (wanted == Property::None || record.property != wanted) continue;
+        if (!found) ValueStr = AttributeStr = "";
+        if (found) ValueStr += '\t';
+        ValueStr += ToText(Source().ValueText(index, record));
+        found = true;
+    }
+    return found;
+}
+
+void Node::CheckErrors() const
+{
+    if (!hasErrorNodes) return;
+    ForEachLinked(Property::pError, [](Node& node) { node.ThrowIfError(); });
+}
+
+void Node::ThrowIfError() {}
+
+int64_t Node::ReadInteger(ReadOptions)
+{
+    throw LogicalError(*this, "Node has no number");
+}
+
+double Node::ReadReal(ReadOptions)
+{
+    throw LogicalError(*this, "Node has no number");
+}
+
+void Node::WriteInteger(int64_t, bool)
+{
+    throw LogicalError(*this, "Node takes no number");
+}
+
+void Node::WriteReal(double, bool)
+{
+    throw LogicalError(*this, "Node takes no number");
+}
+
+int64_t Node::IntegerMin()
+{
+    return GC_INT64_MIN;
+}
+
+int64_t Node::IntegerMax()
+{
+    return GC_INT64_MAX;
+}
+
+int64_t Node::IntegerInc()
+{
+    return 1;
+}
+
+double Node::RealMin()
+{
+    return -std::numeric_limits<double>::max();
+}
+
+double Node::RealMax()
+{
+    return std::numeric_limits<double>::max();
+}
+
+bool Node::HasRealInc()
+{
+    return false;
+}
+
+double Node::RealInc()
+{
+    throw RuntimeError(*this, "Node has no increment");
+}
+
+} // namespace GENAPI_NAMESPACE::runtime

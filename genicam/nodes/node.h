@@ -1,0 +1,203 @@
+// Node: what all live nodes have in common: attributes, access mode, caches, callbacks, and how other nodes read and
+// write them.
+//
+// Owned by its NodeMap. Public operations of the interfaces take the map's lock; those of the runtime itself (below "As
+// other nodes see it") are called with the lock held.
+#pragma once
+
+#include "xml/description.h"
+
+#include <GenApi/INode.h>
+#include <GenApi/ISelector.h>
+#include <GenApi/IUserData.h>
+#include <memory>
+#include <vector>
+
+namespace GENAPI_NAMESPACE::runtime
+{
+
+class NodeMap;
+
+// How a value is asked for.
+struct ReadOptions
+{
+    bool verify = false;      // check limits and error nodes
+    bool ignoreCache = false; // down to the port
+};
+
+class Node : public INode, public ISelector, public IUserData
+{
+public:
+    Node(NodeMap& owner, NodeIndex number);
+    ~Node() override;
+    Node(const Node&) = delete;
+    Node& operator=(const Node&) = delete;
+
+    // Finds the linked nodes; called once, when all nodes of the map exist.
+    virtual void Resolve();
+
+    // IBase
+    EAccessMode GetAccessMode() const override;
+    // INode
+    GENICAM_NAMESPACE::gcstring GetName(bool FullQualified = false) const override;
+    ENameSpace GetNameSpace() const override;
+    EVisibility GetVisibility() const override;
+    void InvalidateNode() override;
+    bool IsCachable() const override;
+    EYesNo IsAccessModeCacheable() const override;
+    ECachingMode GetCachingMode() const override;
+    int64_t GetPollingTime() const override;
+    GENICAM_NAMESPACE::gcstring GetToolTip() const override;
+    GENICAM_NAMESPACE::gcstring GetDescription() const override;
+    GENICAM_NAMESPACE::gcstring GetDisplayName() const override;
+    GENICAM_NAMESPACE::gcstring GetDeviceName() const override;
+    void GetChildren(NodeList_t& Children, ELinkType LinkType = ctReadingChildren) const override;
+    void GetParents(NodeList_t& Parents) const override;
+    CallbackHandleType RegisterCallback(CNodeCallback* pCallback) override;
+    bool DeregisterCallback(CallbackHandleType hCallback) override;
+    INodeMap* GetNodeMap() const override;
+    GENICAM_NAMESPACE::gcstring GetEventID() const override;
+    bool IsStreamable() const override;
+    void GetPropertyNames(GENICAM_NAMESPACE::gcstring_vector& PropertyNames) const override;
+    bool GetProperty(
+        const GENICAM_NAMESPACE::gcstring& PropertyName, GENICAM_NAMESPACE::gcstring& ValueStr,
+        GENICAM_NAMESPACE::gcstring& AttributeStr) override;
+    void ImposeAccessMode(EAccessMode ImposedAccessMode) override;
+    void ImposeVisibility(EVisibility ImposedVisibility) override;
+    INode* GetAlias() const override;
+    INode* GetCastAlias() const override;
+    GENICAM_NAMESPACE::gcstring GetDocuURL() const override;
+    bool IsDeprecated() const override;
+    EInterfaceType GetPrincipalInterfaceType() const override;
+    bool IsFeature() const override;
+    // ISelector
+    bool IsSelector() const override;
+    void GetSelectedFeatures(FeatureList_t& Features) const override;
+    void GetSelectingFeatures(FeatureList_t& Features) const override;
+    // IUserData
+    UserData_t GetUserData() const override { return userData; }
+    UserData_t SetUserData(UserData_t data) override;
+
+    // As other nodes see it: a number, whatever the kind. The defaults refuse.
+    virtual int64_t ReadInteger(ReadOptions options);
+    virtual double ReadReal(ReadOptions options);
+    virtual void WriteInteger(int64_t value, bool verify);
+    virtual void WriteReal(double value, bool verify);
+    virtual int64_t IntegerMin();
+    virtual int64_t IntegerMax();
+    virtual int64_t IntegerInc();
+    virtual double RealMin();
+    virtual double RealMax();
+    virtual bool HasRealInc();
+    virtual double RealInc();
+    // Predicates, addresses and indices take the number of an enumeration's entry, not its numeric value.
+    virtual int64_t PlainNumber() { return ReadInteger({}); }
+    virtual ERepresentation Representation() const { return PureNumber; }
+    virtual GENICAM_NAMESPACE::gcstring UnitText() const;
+    virtual EDisplayNotation Notation() const { return fnAutomatic; }
+    virtual int64_t Precision() const { return 6; }
+    // Numbers of the valid value set, own or inherited.
+    virtual std::vector<int64_t> ValidValues() const;
+
+    EAccessMode AccessMode() const;
+    ECachingMode CachingMode() const;
+    bool AccessCacheable() const;
+    NodeIndex Index() const { return index; }
+    NodeMap& Map() const { return map; }
+    std::string Name() const;
+    Element Kind() const;
+    const Description& Source() const;
+    // An error enumeration throws RuntimeException unless it says that there is none; other kinds tell of no errors.
+    virtual void ThrowIfError();
+    // Takes part in polling at this moment.
+    virtual bool IsPolled() { return true; }
+    // Drops value, range and access caches.
+    virtual void DropCaches();
+
+protected:
+    virtual EAccessMode NaturalMode() const { return RW; }
+    virtual ECachingMode NaturalCaching() const { return WriteThrough; }
+    // The own conditions: implemented, available, locked.
+    virtual EAccessMode ConditionMode() const;
+
+    // What pMin, pMax and pInc leave of the access mode.
+    EAccessMode LimitMode() const;
+
+    // Throw AccessException.
+    void CheckReadable() const;
+    void CheckWritable() const;
+    void CheckAvailable() const;
+    // Throws RuntimeException when an error node tells of an error.
+    void CheckErrors() const;
+
+    // Runs `act`, which writes, as the operation of an application: caches, callbacks, and what is to be undone on a
+    // failure.
+    template <class Act>
+    void Change(const char* operation, const Act& act);
+
+    // Drops the caches of what depends on this node and on the nodes behind it, then writes; on a failure theirs as
+    // well.
+    template <class Act>
+    void WriteAnnounced(const Act& act);
+
+    const PropertyRecord* Find(Property property) const;
+    int64_t NumberOf(Property property, int64_t absent) const;
+    bool Says(Property property) const { return NumberOf(property, 0) != 0; }
+    Node* Linked(Property property) const; // null when absent
+    GENICAM_NAMESPACE::gcstring TextOf(Property property) const;
+    template <class Act>
+    void ForEachLinked(Property property, const Act& act) const;
+
+    NodeMap& map;
+    const NodeIndex index;
+
+private:
+    friend class NodeMap;
+
+    bool ReadsForAccess(Property link) const;
+    void AddChildren(NodeList_t& children, ELinkType type) const;
+    EVisibility OwnVisibility() const;
+
+    Node* implemented = nullptr;
+    Node* available = nullptr;
+    Node* locked = nullptr;
+    std::vector<CNodeCallback*> callbacks;
+    UserData_t userData = nullptr;
+    uint32_t mark = 0; // of the last walk of the map that met this node
+    mutable uint8_t cachedMode = _UndefinedAccesMode;
+    mutable bool modeInWork = false;
+    mutable uint8_t cachedCaching = _UndefinedCachingMode;
+    mutable uint8_t cachedAccessCacheable = _UndefinedYesNo;
+    uint8_t xmlMode = RW;
+    uint8_t imposedMode = RW;
+    uint8_t imposedVisibility = Beginner;
+    bool hasErrorNodes = false;
+};
+
+// Where an operation of the application began: names node and operation in exceptions. Holds the map's lock.
+class Entry
+{
+public:
+    Entry(const Node& node, const char* operation);
+    ~Entry();
+    Entry(const Entry&) = delete;
+    Entry& operator=(const Entry&) = delete;
+
+private:
+    NodeMap& map;
+};
+
+// Counts how deep nodes are read through each other; RuntimeException beyond the bound, before the stack ends.
+class Descent
+{
+public:
+    explicit Descent(const Node& node);
+    ~Descent();
+    Descent(const Descent&) = delete;
+    Descent& operator=(const Descent&) = delete;
+
+private:
+    NodeMap& map;
+};
+
+} // namespace GENAPI_NAMESPACE::runtime

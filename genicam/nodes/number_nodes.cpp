@@ -1,0 +1,133 @@
+#include "nodes/number_nodes.h"
+
+#include "nodes/node_inline.h"
+
+#include <algorithm>
+#include <charconv>
+
+namespace GENAPI_NAMESPACE::runtime
+{
+
+namespace
+{
+
+// Integers split by semicolons, blanks allowed; anything else ends the list.
+std::vector<int64_t> ParseValidValues(std::string_view text)
+{
+    std::vector<int64_t> values;
+    const auto skipBlanks = [&text] {
+        const size_t start = text.find_first_not_of(" \t\r\n");
+        text.remove_prefix(std::min(start, text.size()));
+    };
+    for (;;)
+    {
+        skipBlanks();
+        int64_t value = 0;
+        const std::from_chars_result read = std::from_chars(text.data(), text.data() + text.size(), value);
+        if (read.ec != std::errc()) return values;
+        values.push_back(value);
+        text.remove_prefix(static_cast<size_t>(read.ptr - text.data()));
+        skipBlanks();
+        if (text.empty() || text[0] != ';') return values;
+        text.remove_prefix(1);
+    }
+}
+
+} // namespace
+
+void IntegerNode::Resolve()
+{
+    IntegerBase::Resolve();
+    source.Resolve(*this);
+}
+
+EAccessMode IntegerNode::NaturalMode() const
+{
+    return Combine(source.Mode(), LimitMode());
+}
+
+int64_t IntegerNode::IntegerMin()
+{
+    if (const PropertyRecord* const own = Find(Property::Min)) return own->number;
+    if (Node* const own = Linked(Property::pMin)) return own->ReadInteger({});
+    int64_t min = GC_INT64_MIN;
+    if (source.Targets().empty() && source.Target()) return source.Target()->IntegerMin();
+    for (Node* const target : source.Targets())
+        min = std::max(min, target->IntegerMin());
+    return min;
+}
+
+int64_t IntegerNode::IntegerMax()
+{
+    if (const PropertyRecord* const own = Find(Property::Max)) return own->number;
+    if (Node* const own = Linked(Property::pMax)) return own->ReadInteger({});
+    int64_t max = GC_INT64_MAX;
+    if (source.Targets().empty() && source.Target()) return source.Target()->IntegerMax();
+    for (Node* const target : source.Targets())
+        max = std::min(max, target->IntegerMax());
+    return max;
+}
+
+int64_t IntegerNode::IntegerInc()
+{
+    if (const PropertyRecord* const own = Find(Property::Inc)) return own->number;
+    if (Node* const own = Linked(Property::pInc)) return own->ReadInteger({});
+    Node* const target = source.Target();
+    return target ? target->IntegerInc() : 1;
+}
+
+std::vector<int64_t> IntegerNode::ValidValues() const
+{
+    const PropertyRecord* const own = Find(Property::ValidValueSet);
+    return own ? ParseValidValues(Source().Text(own->text)) : IntegerBase::ValidValues();
+}
+
+void FloatNode::Resolve()
+{
+    FloatBase::Resolve();
+    source.Resolve(*this);
+}
+
+EAccessMode FloatNode::NaturalMode() const
+{
+    return Combine(source.Mode(), LimitMode());
+}
+
+ECachingMode FloatNode::NaturalCaching() const
+{
+    const ECachingMode mode = source.Caching(WriteAround);
+    return mode == WriteThrough ? WriteAround : mode;
+}
+
+double FloatNode::RealMin()
+{
+    if (const PropertyRecord* const own = Find(Property::Min)) return own->real;
+    if (Node* const own = Linked(Property::pMin)) return own->ReadReal({});
+    Node* const target = source.Target();
+    return target ? target->RealMin() : FloatBase::RealMin();
+}
+
+double FloatNode::RealMax()
+{
+    if (const PropertyRecord* const own = Find(Property::Max)) return own->real;
+    if (Node* const own = Linked(Property::pMax)) return own->ReadReal({});
+    Node* const target = source.Target();
+    return target ? target->RealMax() : FloatBase::RealMax();
+}
+
+bool FloatNode::HasRealInc()
+{
+    if (Find(Property::Inc) || Find(Property::pInc)) return true;
+    if (source.Indexed()) return false;
+    Node* const target = source.Target();
+    return target && target->HasRealInc();
+}
+
+double FloatNode::RealInc()
+{
+    if (const PropertyRecord* const own = Find(Property::Inc)) return own->real;
+    if (Node* const own = Linked(Property::pInc)) return own->ReadReal({});
+    return HasRealInc() ? source.Target()->RealInc() : FloatBase::RealInc();
+}
+
+} // namespace GENAPI_NAMESPACE::runtime

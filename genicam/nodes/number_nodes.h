@@ -1,0 +1,50 @@
+// IntegerNode, FloatNode: the elements Integer and Float. Limits: a number, a node, or those of the value behind.
+#pragma once
+
+#include "nodes/value_node.h"
+#include "nodes/value_source.h"
+
+namespace GENAPI_NAMESPACE::runtime
+{
+
+class IntegerNode : public IntegerBase
+{
+public:
+    using IntegerBase::IntegerBase;
+    void Resolve() override;
+    int64_t IntegerMin() override;
+    int64_t IntegerMax() override;
+    int64_t IntegerInc() override;
+    std::vector<int64_t> ValidValues() const override;
+
+protected:
+    int64_t Read(ReadOptions options) override { return source.Read(options); }
+    void Write(int64_t value, bool verify) override { source.Write(value, verify); }
+    EAccessMode NaturalMode() const override;
+    ECachingMode NaturalCaching() const override { return source.Caching(WriteThrough); }
+
+private:
+    ValueSource<int64_t> source;
+};
+
+class FloatNode : public FloatBase
+{
+public:
+    using FloatBase::FloatBase;
+    void Resolve() override;
+    double RealMin() override;
+    double RealMax() override;
+    bool HasRealInc() override;
+    double RealInc() override;
+
+protected:
+    double Read(ReadOptions options) override { return source.Read(options); }
+    void Write(double value, bool verify) override { source.Write(value, verify); }
+    EAccessMode NaturalMode() const override;
+    ECachingMode NaturalCaching() const override;
+
+private:
+    ValueSource<double> source;
+};
+
+} // namespace GENAPI_NAMESPACE::runtime

@@ -1,0 +1,55 @@
+#include "nodes/port_node.h"
+
+#include "nodes/errors.h"
+#include "nodes/node_inline.h"
+
+namespace GENAPI_NAMESPACE::runtime
+{
+
+void PortNode::Read(void* buffer, int64_t address, int64_t length)
+{
+    const Entry entry(*this, "Read");
+    Connected().Read(buffer, address, length);
+}
+
+void PortNode::Write(const void* buffer, int64_t address, int64_t length)
+{
+    const Entry entry(*this, "Write");
+    Connected().Write(buffer, address, length);
+}
+
+// Drops what the nodes know from the former port; nobody is called.
+void PortNode::SetPortImpl(IPort* pPort)
+{
+    const Entry entry(*this, "SetPortImpl");
+    port = pPort;
+    map.Announce(*this);
+}
+
+EYesNo PortNode::GetSwapEndianess()
+{
+    return Says(Property::SwapEndianess) ? Yes : No;
+}
+
+GENICAM_NAMESPACE::gcstring PortNode::GetChunkID() const
+{
+    const Entry entry(*this, "GetChunkID");
+    if (Node* const text = Linked(Property::pChunkID))
+    {
+        return dynamic_cast<IValue&>(*text).ToString();
+    }
+    return TextOf(Property::ChunkID);
+}
+
+EYesNo PortNode::CacheChunkData() const
+{
+    return Says(Property::CacheChunkData) ? Yes : No;
+}
+
+IPort& PortNode::Connected() const
+{
+    if (!port) throw AccessError(*this, "The port is not connected.");
+    return *port;
+}
+
+} // namespace GENAPI_NAMESPACE::runtime

@@ -1,0 +1,35 @@
+// PortNode: a port of the description, connected to a port object of the application.
+#pragma once
+
+#include "nodes/node.h"
+
+#include <GenApi/IChunkPort.h>
+#include <GenApi/IPortConstruct.h>
+
+namespace GENAPI_NAMESPACE::runtime
+{
+
+class PortNode : public Node, public IChunkPort, public IPortConstruct
+{
+public:
+    using Node::Node;
+
+    EAccessMode GetAccessMode() const override { return Node::GetAccessMode(); }
+    void Read(void* buffer, int64_t address, int64_t length) override;
+    void Write(const void* buffer, int64_t address, int64_t length) override;
+    void SetPortImpl(IPort* pPort) override;
+    EYesNo GetSwapEndianess() override;
+    GENICAM_NAMESPACE::gcstring GetChunkID() const override;
+    EYesNo CacheChunkData() const override;
+
+    // The object behind; AccessException while there is none.
+    IPort& Connected() const;
+
+protected:
+    EAccessMode NaturalMode() const override { return port ? port->GetAccessMode() : NI; }
+
+private:
+    IPort* port = nullptr; // the application's
+};
+
+} // namespace GENAPI_NAMESPACE::runtime

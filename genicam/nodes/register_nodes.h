@@ -1,0 +1,92 @@
+// The elements that are registers: IntReg, MaskedIntReg and struct entries, FloatReg, StringReg, Register,
+// AdvFeatureLock and SmartFeature.
+#pragma once
+
+#include "nodes/register_part.h"
+#include "nodes/string_nodes.h"
+
+namespace GENAPI_NAMESPACE::runtime
+{
+
+// A field of the register, or all of it.
+class IntegerRegister : public RegisterOf<IntegerBase>
+{
+public:
+    using RegisterOf<IntegerBase>::RegisterOf;
+    void Resolve() override;
+    int64_t IntegerMin() override;
+    int64_t IntegerMax() override;
+
+protected:
+    int64_t Read(ReadOptions options) override;
+    void Write(int64_t value, bool verify) override;
+    int64_t CheckedLength() override;
+
+private:
+    struct Field
+    {
+        unsigned shift;
+        unsigned width; // bits
+    };
+
+    unsigned LengthOfWord() { return static_cast<unsigned>(CheckedLength()); }
+    Field FieldIn(unsigned length) const;
+    uint64_t ReadWord(unsigned length, ReadOptions options);
+
+    bool masked = false;
+    bool isSigned = false;
+    bool big = false;
+    int64_t lsb = 0;
+    int64_t msb = 0;
+};
+
+class FloatRegister : public RegisterOf<FloatBase>
+{
+public:
+    using RegisterOf<FloatBase>::RegisterOf;
+    double RealMin() override { return -RealMax(); }
+    double RealMax() override;
+
+protected:
+    double Read(ReadOptions options) override;
+    void Write(double value, bool verify) override;
+    ECachingMode NaturalCaching() const override { return place.Caching(WriteAround); }
+    int64_t CheckedLength() override;
+};
+
+class StringRegister : public RegisterOf<StringBase>
+{
+public:
+    using RegisterOf<StringBase>::RegisterOf;
+
+protected:
+    GENICAM_NAMESPACE::gcstring Read(ReadOptions options) override;
+    void Write(const GENICAM_NAMESPACE::gcstring& value, bool verify) override;
+    int64_t Capacity() override { return place.Length(); }
+};
+
+class RegisterNode : public RegisterOf<ValueNode>
+{
+public:
+    using RegisterOf<ValueNode>::RegisterOf;
+
+protected:
+    GENICAM_NAMESPACE::gcstring ValueText(ReadOptions options) override;
+    void SetText(const GENICAM_NAMESPACE::gcstring& text, bool verify) override;
+};
+
+// Both read-only integers: AdvFeatureLock tells 1, SmartFeature the address at its end.
+class FeatureLockNode : public RegisterOf<IntegerBase>
+{
+public:
+    using RegisterOf<IntegerBase>::RegisterOf;
+
+    int64_t IntegerMin() override { return 0; }
+
+protected:
+    int64_t Read(ReadOptions options) override;
+    void Write(int64_t value, bool verify) override;
+    EAccessMode NaturalMode() const override { return Combine(RO, place.Mode() == WO ? RO : place.Mode()); }
+};
+
+} // namespace GENAPI_NAMESPACE::runtime

@@ -1,0 +1,196 @@
+#include "nodes/register_part.h"
+
+#include "nodes/errors.h"
+#include "nodes/port_node.h"
+
+#include <string.h>
+
+namespace GENAPI_NAMESPACE::runtime
+{
+
+namespace
+{
+
+const int64_t maxCachedLength = 1 << 20; // bytes; longer registers are always asked for
+
+int64_t Sum(int64_t left, int64_t right)
+{
+    return static_cast<int64_t>(static_cast<uint64_t>(left) + static_cast<uint64_t>(right));
+}
+
+int64_t Product(int64_t left, int64_t right)
+{
+    return static_cast<int64_t>(static_cast<uint64_t>(left) * static_cast<uint64_t>(right));
+}
+
+bool IsPlace(Property property)
+{
+    return property == Property::pAddress || property == Property::pIndex || property == Property::pOffset ||
+           property == Property::pLength;
+}
+
+} // namespace
+
+void CheckRegisterBuffer(const Node& node, RegisterPart& place, const void* buffer, int64_t length)
+{
+    if (!buffer) throw LogicalError(node, "The buffer must not be NULL.");
+    const int64_t whole = place.Length();
+    if (length < 0 || length > whole)
+    {
+        throw RangeError(
+            node, "Length = " + std::to_string(length) + " must be between 0 and " + std::to_string(whole) + ".");
+    }
+}
+
+RegisterPart::~RegisterPart()
+{
+    Release();
+}
+
+void RegisterPart::Release()
+{
+    if (block) node.Map().Registers().Release(block);
+    block = nullptr;
+}
+
+void RegisterPart::Resolve()
+{
+    const Description& source = node.Source();
+    for (const PropertyRecord& record : source.PropertiesOf(node.Index()))
+    {
+        if (record.property == Property::pPort) port = dynamic_cast<PortNode*>(node.Map().At(record.node));
+        if (record.property == Property::pLength) lengthNode = node.Map().At(record.node);
+        if (record.property == Property::Length) fixedLength = record.number;
+    }
+    // A smart feature has no length of its own.
+    if (node.Kind() == Element::SmartFeature) fixedLength = 24;
+}
+
+int64_t RegisterPart::Length(bool verify)
+{
+    const int64_t length = lengthNode ? lengthNode->ReadInteger({verify, false}) : fixedLength;
+    if (length < 0) throw RangeError(node, "Length = " + std::to_string(length) + " must not be negative.");
+    return length;
+}
+
+int64_t RegisterPart::Address(bool verify)
+{
+    if (addressKnown && !verify) return address;
+    const Description& source = node.Source();
+    int64_t sum = 0;
+    bool cachable = true;
+    const Span<PropertyRecord> records = source.PropertiesOf(node.Index());
+    for (const PropertyRecord* record = records.begin(); record != records.end(); ++record)
+    {
+        if (record->property == Property::Address) sum = Sum(sum, record->number);
+        if (record->property == Property::pAddress)
+            sum = Sum(sum, node.Map().At(record->node)->ReadInteger({verify, false}));
+        if (record->property == Property::pIndex) sum = Sum(sum, IndexPart(record, verify));
+        if (IsPlace(record->property) && node.Map().At(record->node)->CachingMode() == NoCache) cachable = false;
+    }
+    address = sum;
+    addressKnown = cachable;
+    return address;
+}
+
+// Index times offset; the offset stands behind its index, without one it is the length.
+int64_t RegisterPart::IndexPart(const PropertyRecord* record, bool verify)
+{
+    const Description& source = node.Source();
+    const int64_t index = node.Map().At(record->node)->ReadInteger({verify, false});
+    const bool last = record + 1 == source.PropertiesOf(node.Index()).end();
+    if (!last && record[1].property == Property::Offset) return Product(index, record[1].number);
+    if (!last && record[1].property == Property::pOffset)
+    {
+        return Product(index, node.Map().At(record[1].node)->ReadInteger({verify, false}));
+    }
+    return Product(index, Length(verify));
+}
+
+EAccessMode RegisterPart::Mode() const
+{
+    if (!port) return NI;
+    const PropertyRecord* const own = node.Source().Find(node.Index(), Property::AccessMode);
+    EAccessMode mode = Combine(own ? static_cast<EAccessMode>(own->number) : RW, port->AccessMode());
+    for (const PropertyRecord& record : node.Source().PropertiesOf(node.Index()))
+    {
+        if (!IsPlace(record.property)) continue;
+        const EAccessMode source = node.Map().At(record.node)->AccessMode();
+        if (!IsAvailable(source)) mode = Combine(mode, source);
+    }
+    return mode;
+}
+
+ECachingMode RegisterPart::Caching(ECachingMode absent) const
+{
+    const PropertyRecord* const own = node.Source().Find(node.Index(), Property::Cachable);
+    ECachingMode mode = own ? static_cast<ECachingMode>(own->number) : absent;
+    for (const PropertyRecord& record : node.Source().PropertiesOf(node.Index()))
+    {
+        if (IsPlace(record.property)) mode = Combine(mode, node.Map().At(record.node)->CachingMode());
+    }
+    return mode;
+}
+
+RegisterCache::Block* RegisterPart::Block(int64_t start, int64_t length)
+{
+    if (length > maxCachedLength || node.CachingMode() == NoCache) return nullptr;
+    const RegisterCache::Place place = {port, start, length};
+    if (block && block->place == place) return block;
+    Release();
+    block = node.Map().Registers().Acquire(place);
+    return block;
+}
+
+void RegisterPart::ReadBytes(uint8_t* bytes, int64_t count, ReadOptions options)
+{
+    if (count == 0) return;
+    const int64_t start = Address(options.verify);
+    const int64_t length = Length(options.verify);
+    IPort& connected = port->Connected();
+    RegisterCache::Block* const cache = Block(start, length);
+    if (cache && cache->valid && !options.ignoreCache)
+    {
+        memcpy(bytes, cache->bytes.data(), static_cast<size_t>(count));
+        return;
+    }
+    if (!cache || count < length)
+    {
+        connected.Read(bytes, start, count);
+        return;
+    }
+    cache->valid = false;
+    cache->bytes.resize(static_cast<size_t>(length));
+    connected.Read(cache->bytes.data(), start, length);
+    cache->valid = true;
+    memcpy(bytes, cache->bytes.data(), static_cast<size_t>(count));
+}
+
+void RegisterPart::WriteBytes(const uint8_t* bytes, int64_t count, bool verify)
+{
+    if (count == 0) return;
+    const int64_t start = Address(verify);
+    const int64_t length = Length(verify);
+    IPort& connected = port->Connected();
+    RegisterCache::Block* const cache = Block(start, length);
+    const bool known = cache && (cache->valid || count == length) && node.CachingMode() == WriteThrough;
+    if (cache) cache->valid = false; // until the port has taken it
+    connected.Write(bytes, start, count);
+    if (!known) return;
+    cache->bytes.resize(static_cast<size_t>(length));
+    memcpy(cache->bytes.data(), bytes, static_cast<size_t>(count));
+    cache->valid = true;
+}
+
+void RegisterPart::DropBytes()
+{
+    if (block) block->valid = false;
+}
+
+void RegisterPart::Drop()
+{
+    DropBytes();
+    addressKnown = false;
+}
+
+} // namespace GENAPI_NAMESPACE::runtime

@@ -1,0 +1,57 @@
+// StringBase: nodes with a text. StringNode: the element String.
+#pragma once
+
+#include "nodes/value_node.h"
+
+#include <GenApi/IString.h>
+
+namespace GENAPI_NAMESPACE::runtime
+{
+
+class StringBase : public ValueNode, public IString
+{
+public:
+    using ValueNode::ValueNode;
+
+    void SetValue(const GENICAM_NAMESPACE::gcstring& Value, bool Verify = true) override;
+    IString& operator=(const GENICAM_NAMESPACE::gcstring& Value) override;
+    GENICAM_NAMESPACE::gcstring GetValue(bool Verify = false, bool IgnoreCache = false) override;
+    GENICAM_NAMESPACE::gcstring operator()() override { return GetValue(); }
+    GENICAM_NAMESPACE::gcstring operator*() override { return GetValue(); }
+    int64_t GetMaxLength(bool Verify = false) override;
+
+    // For a string that has this one behind it.
+    GENICAM_NAMESPACE::gcstring ReadText(ReadOptions options);
+    void WriteText(const GENICAM_NAMESPACE::gcstring& value, bool verify);
+    // What can be written; for a node that is only read the length of its text.
+    int64_t MaxLength();
+
+protected:
+    // Bytes that fit.
+    virtual int64_t Capacity() = 0;
+    virtual GENICAM_NAMESPACE::gcstring Read(ReadOptions options) = 0;
+    virtual void Write(const GENICAM_NAMESPACE::gcstring& value, bool verify) = 0;
+
+    GENICAM_NAMESPACE::gcstring ValueText(ReadOptions options) override;
+    void SetText(const GENICAM_NAMESPACE::gcstring& text, bool verify) override;
+};
+
+class StringNode : public StringBase
+{
+public:
+    using StringBase::StringBase;
+    void Resolve() override;
+
+protected:
+    int64_t Capacity() override;
+    GENICAM_NAMESPACE::gcstring Read(ReadOptions options) override;
+    void Write(const GENICAM_NAMESPACE::gcstring& written, bool verify) override;
+    EAccessMode NaturalMode() const override { return target ? target->AccessMode() : RW; }
+    ECachingMode NaturalCaching() const override { return target ? target->CachingMode() : WriteThrough; }
+
+private:
+    StringBase* target = nullptr;
+    GENICAM_NAMESPACE::gcstring constant;
+};
+
+} // namespace GENAPI_NAMESPACE::runtime

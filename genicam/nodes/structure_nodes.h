@@ -1,0 +1,34 @@
+// CategoryNode, PlainNode: the elements Category and Node, which order and describe.
+#pragma once
+
+#include "nodes/value_node.h"
+
+#include <GenApi/ICategory.h>
+
+namespace GENAPI_NAMESPACE::runtime
+{
+
+class CategoryNode : public ValueNode, public ICategory
+{
+public:
+    using ValueNode::ValueNode;
+    void GetFeatures(FeatureList_t& Features) const override;
+
+protected:
+    GENICAM_NAMESPACE::gcstring ValueText(ReadOptions options) override;
+    void SetText(const GENICAM_NAMESPACE::gcstring& text, bool verify) override;
+    EAccessMode NaturalMode() const override;
+    EAccessMode ConditionMode() const override;
+};
+
+class PlainNode : public ValueNode
+{
+public:
+    using ValueNode::ValueNode;
+
+protected:
+    GENICAM_NAMESPACE::gcstring ValueText(ReadOptions options) override;
+    void SetText(const GENICAM_NAMESPACE::gcstring& text, bool verify) override;
+};
+
+} // namespace GENAPI_NAMESPACE::runtime

@@ -1,0 +1,170 @@
+#include "nodes/value_source.h"
+
+#include "map/node_map.h"
+
+namespace GENAPI_NAMESPACE::runtime
+{
+
+namespace
+{
+
+int64_t NumberIn(const PropertyRecord& record, int64_t*)
+{
+    return record.number;
+}
+
+double NumberIn(const PropertyRecord& record, double*)
+{
+    return record.real;
+}
+
+int64_t ReadFrom(Node& node, ReadOptions options, int64_t*)
+{
+    return node.ReadInteger(options);
+}
+
+double ReadFrom(Node& node, ReadOptions options, double*)
+{
+    return node.ReadReal(options);
+}
+
+void WriteTo(Node& node, int64_t value, bool verify)
+{
+    node.WriteInteger(value, verify);
+}
+
+void WriteTo(Node& node, double value, bool verify)
+{
+    node.WriteReal(value, verify);
+}
+
+// What the mode of a node that is merely needed adds: nothing while it is there.
+EAccessMode Presence(const Node& node)
+{
+    const EAccessMode mode = node.AccessMode();
+    return IsAvailable(mode) ? RW : mode;
+}
+
+} // namespace
+
+template <class Number>
+void ValueSource<Number>::Resolve(const Node& owner)
+{
+    const Span<PropertyRecord> records = owner.Source().PropertiesOf(owner.Index());
+    for (const PropertyRecord* record = records.begin(); record != records.end(); ++record)
+    {
+        const auto node = [&] { return owner.Map().At(record->node); };
+        const auto number = [&] { return NumberIn(*record, static_cast<Number*>(nullptr)); };
+        switch (record->property)
+        {
+        case Property::Value:
+        case Property::ValueDefault:
+            otherwise.constant = number();
+            break;
+        case Property::pValueDefault:
+            otherwise.node = node();
+            break;
+        case Property::pValue:
+            main = node();
+            [[fallthrough]];
+        case Property::pValueCopy:
+            targets.push_back(node());
+            break;
+        case Property::pIndex:
+            index = node();
+            break;
+        case Property::ValueIndexed:
+            choices.push_back({record[1].number, nullptr, number()});
+            break;
+        case Property::pValueIndexed:
+            choices.push_back({record[1].number, node(), Number()});
+            break;
+        default:
+            break;
+        }
+    }
+}
+
+template <class Number>
+typename ValueSource<Number>::Choice& ValueSource<Number>::Chosen()
+{
+    if (!index) return otherwise;
+    const int64_t wanted = index->ReadInteger({});
+    for (Choice& choice : choices)
+    {
+        if (choice.index == wanted) return choice;
+    }
+    return otherwise;
+}
+
+template <class Number>
+Node* ValueSource<Number>::Target()
+{
+    return main ? main : Chosen().node;
+}
+
+template <class Number>
+Number ValueSource<Number>::Read(ReadOptions options)
+{
+    if (main) return ReadFrom(*main, options, static_cast<Number*>(nullptr));
+    const Choice& choice = Chosen();
+    return choice.node ? ReadFrom(*choice.node, options, static_cast<Number*>(nullptr)) : choice.constant;
+}
+
+template <class Number>
+void ValueSource<Number>::Write(Number value, bool verify)
+{
+    for (Node* const target : targets)
+        WriteTo(*target, value, verify);
+    if (main) return;
+    Choice& choice = Chosen();
+    if (choice.node)
+    {
+        WriteTo(*choice.node, value, verify);
+    }
+    else
+    {
+        choice.constant = value;
+    }
+}
+
+template <class Number>
+EAccessMode ValueSource<Number>::Mode() const
+{
+    if (index)
+    {
+        const EAccessMode mode = index->AccessMode();
+        if (!IsReadable(mode)) return mode == NI ? NI : NA;
+        const Choice& choice = Chosen();
+        return choice.node ? choice.node->AccessMode() : RW;
+    }
+    if (!main) return RW;
+    EAccessMode mode = main->AccessMode();
+    for (const Node* const target : targets)
+    {
+        if (target == main) continue;
+        mode = Combine(mode, target->AccessMode() == RO ? RO : Presence(*target));
+    }
+    return mode;
+}
+
+template <class Number>
+ECachingMode ValueSource<Number>::Caching(ECachingMode ofConstant) const
+{
+    ECachingMode mode = main ? main->CachingMode() : ofConstant;
+    const auto needs = [&mode](const Node* node) {
+        if (node) mode = Combine(mode, node->CachingMode());
+    };
+    for (const Node* const target : targets)
+        needs(target);
+    needs(index);
+    for (const Choice& choice : choices)
+        needs(choice.node);
+    needs(otherwise.node);
+    return mode;
+}
+
+template class ValueSource<int64_t>;
+template class ValueSource<double>;
+
+} // namespace GENAPI_NAMESPACE::runtime

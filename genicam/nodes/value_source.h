@@ -1,0 +1,50 @@
+// ValueSource: where the number of a node lives: in the node itself, behind pValue with its copies, or chosen by an
+// index.
+//
+// Part of its node; used with the lock of the map held.
+#pragma once
+
+#include "nodes/node.h"
+
+namespace GENAPI_NAMESPACE::runtime
+{
+
+template <class Number>
+class ValueSource
+{
+public:
+    void Resolve(const Node& owner);
+
+    Number Read(ReadOptions options);
+    // To every target, in the order of the file.
+    void Write(Number value, bool verify);
+    EAccessMode Mode() const;
+    ECachingMode Caching(ECachingMode ofConstant) const;
+    // The node that limits and the like come from; null for a number of the own.
+    Node* Target();
+    // The main target and its copies.
+    const std::vector<Node*>& Targets() const { return targets; }
+    bool Indexed() const { return index != nullptr; }
+
+private:
+    struct Choice
+    {
+        int64_t index;
+        Node* node; // null: the constant
+        Number constant;
+    };
+
+    Choice& Chosen();
+    const Choice& Chosen() const { return const_cast<ValueSource*>(this)->Chosen(); }
+
+    Node* main = nullptr;        // pValue
+    std::vector<Node*> targets;  // it and the copies
+    Node* index = nullptr;       // pIndex
+    std::vector<Choice> choices; // the indexed ones
+    Choice otherwise = {0, nullptr, Number()};
+};
+
+extern template class ValueSource<int64_t>;
+extern template class ValueSource<double>;
+
+} // namespace GENAPI_NAMESPACE::runtime

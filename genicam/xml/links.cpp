@@ -1,0 +1,411 @@
+#include "xml/links.h"
+
+#include <Base/GCException.h>
+#include <GenApi/Types.h>
+#include <algorithm>
+
+namespace GENAPI_NAMESPACE::runtime
+{
+
+namespace
+{
+
+using P = Property;
+
+bool IsNumberKind(Element element)
+{
+    return IsIntegerKind(element) || IsFloatKind(element) || element == Element::Enumeration ||
+           element == Element::Boolean;
+}
+
+// What a link takes; null when it takes anything.
+const char* UnusableTarget(Element owner, Property link, Element target)
+{
+    switch (link)
+    {
+    case P::pIsImplemented:
+    case P::pIsAvailable:
+    case P::pIsLocked:
+    case P::pBlockPolling:
+        if (IsNumberKind(target) && !IsFloatKind(target)) return nullptr;
+        return "an integer, an enumeration or a boolean";
+    case P::pAddress:
+    case P::pIndex:
+    case P::pOffset:
+    case P::pLength:
+    case P::pCommandValue:
+        return IsNumberKind(target) ? nullptr : "a number, an enumeration or a boolean";
+    case P::pValue:
+        if (owner == Element::String) return IsStringKind(target) ? nullptr : "a string";
+        [[fallthrough]];
+    case P::pValueCopy:
+    case P::pValueIndexed:
+    case P::pValueDefault:
+    case P::pMin:
+    case P::pMax:
+    case P::pInc:
+    case P::pVariable:
+        if (!IsNumberKind(target)) return "a number, an enumeration or a boolean";
+        return IsFloatKind(owner) && target == Element::Boolean ? "a number or an enumeration" : nullptr;
+    case P::pChunkID:
+        return IsStringKind(target) ? nullptr : "a string";
+    case P::p1212Parser:
+        return target == Element::ConfRom ? nullptr : "a configuration ROM";
+    default:
+        return nullptr;
+    }
+}
+
+// The resolving of one description.
+class Resolver
+{
+public:
+    Resolver(Description& resolved, std::string_view source) : description(resolved), xml(source) {}
+
+    void Run()
+    {
+        for (NodeIndex node = 0; node < Count(); ++node)
+            CheckNode(node);
+        RefuseCircles("read cycle detected", IsReadLink);
+        RefuseCircles("pSelected cycle detected", [](Property link) { return link == P::pSelected; });
+        Reverse(description.parents, [this](const auto& add) { ForEachParent(add); });
+        Select();
+        Reverse(description.dependents, [this](const auto& add) { ForEachDependent(add); });
+        MarkFeatures();
+    }
+
+private:
+    NodeIndex Count() const { return static_cast<NodeIndex>(description.nodes.size()); }
+    Element ElementOf(NodeIndex node) const { return description.nodes[node].element; }
+    std::string Place(NodeIndex node) const { return PlaceOf(description, node, xml); }
+
+    void CheckNode(NodeIndex node) const;
+    void CheckBits(NodeIndex node) const;
+    void CheckBoolean(NodeIndex node) const;
+    int64_t Number(NodeIndex node, Property property, int64_t absent) const
+    {
+        const PropertyRecord* const record = description.Find(node, property);
+        return record ? record->number : absent;
+    }
+
+    template <class Follow>
+    void RefuseCircles(const char* what, const Follow& follow) const;
+
+    // Each edge once: `edges` calls what it is given with (from, to), all edges of one `to` in a row.
+    template <class Edges>
+    void Reverse(NodeLists& lists, const Edges& edges) const;
+    template <class Add>
+    void ForEachParent(const Add& add) const;
+    template <class Add>
+    void ForEachDependent(const Add& add) const;
+    void Select();
+    std::vector<NodeIndex> ReadersOf(NodeIndex node) const;
+    void AppendValueDependents(NodeIndex node, std::vector<NodeIndex>& list);
+    void MarkFeatures();
+
+    Description& description;
+    std::string_view xml;
+    std::vector<bool> listed; // scratch of Select
+};
+
+void Resolver::CheckNode(NodeIndex node) const
+{
+    if (ElementOf(node) == Element::None)
+    {
+        throw RUNTIME_EXCEPTION("Error in XML stream : dangling node reference %s", Place(node).c_str());
+    }
+    ForEachLink(description, node, [&](NodeIndex target, Property link) {
+        if (ElementOf(target) == Element::None)
+        {
+            throw RUNTIME_EXCEPTION(
+                "Error in XML stream : dangling node reference in %s : %s names '%.500s'", Place(node).c_str(),
+                runtime::NameOf(link), std::string(description.NameOf(target)).c_str());
+        }
+        const char* const wanted = UnusableTarget(ElementOf(node), link, ElementOf(target));
+        if (wanted)
+        {
+            throw RUNTIME_EXCEPTION(
+                "%s : %s needs %s, '%.500s' is none", Place(node).c_str(), runtime::NameOf(link), wanted,
+                std::string(description.NameOf(target)).c_str());
+        }
+    });
+    if (ElementOf(node) == Element::MaskedIntReg) CheckBits(node);
+    if (ElementOf(node) == Element::Boolean) CheckBoolean(node);
+}
+
+void Resolver::CheckBits(NodeIndex node) const
+{
+    const int64_t bit = Number(node, P::Bit, 0);
+    const int64_t lsb = Number(node, P::LSB, bit);
+    const int64_t msb = Number(node, P::MSB, bit);
+    const bool big = Number(node, P::Endianess, BigEndian) == BigEndian;
+    if (big ? lsb < msb : msb < lsb)
+    {
+        throw RUNTIME_EXCEPTION("%s : LSB and MSB stand the wrong way round for its byte order", Place(node).c_str());
+    }
+    const PropertyRecord* const length = description.Find(node, P::Length);
+    const bool outside = length && length->number < 8 && std::max(lsb, msb) >= 8 * length->number;
+    if (std::min(lsb, msb) < 0 || std::max(lsb, msb) > 63 || outside)
+    {
+        throw RUNTIME_EXCEPTION("%s : a bit lies outside the register", Place(node).c_str());
+    }
+}
+
+void Resolver::CheckBoolean(NodeIndex node) const
+{
+    if (Number(node, P::OnValue, 1) == Number(node, P::OffValue, 0))
+    {
+        throw RUNTIME_EXCEPTION("Boolean %s has identical on and off value", Place(node).c_str());
+    }
+}
+
+// A walk along the links with a stack of its own: a description may hold chains of any length.
+template <class Follow>
+void Resolver::RefuseCircles(const char* what, const Follow& follow) const
+{
+    enum class State : uint8_t
+    {
+        Unknown,
+        OnPath,
+        Done
+    };
+    struct Step
+    {
+        NodeIndex node;
+        uint32_t next;
+    };
+    std::vector<State> states(Count(), State::Unknown);
+    std::vector<Step> path;
+    for (NodeIndex start = 0; start < Count(); ++start)
+    {
+        if (states[start] != State::Unknown) continue;
+        path.push_back({start, 0});
+        states[start] = State::OnPath;
+        while (!path.empty())
+        {
+            Step& step = path.back();
+            const Span<PropertyRecord> records = description.PropertiesOf(step.node);
+            if (step.next == records.size())
+            {
+                states[step.node] = State::Done;
+                path.pop_back();
+                continue;
+            }
+            const PropertyRecord& record = records[step.next++];
+            if (!IsLink(record.property) || !follow(record.property) || states[record.node] == State::Done) continue;
+            if (states[record.node] == State::OnPath)
+            {
+                std::string circle;
+                const auto from = std::find_if(
+                    path.begin(), path.end(), [&](const Step& passed) { return passed.node == record.node; });
+                for (auto passed = from; passed != path.end() && circle.size() < 1000; ++passed)
+                {
+                    circle += std::string(description.NameOf(passed->node)) + " -> ";
+                }
+                circle += description.NameOf(record.node);
+                throw RUNTIME_EXCEPTION(
+                    "ERROR : %s : %.1000s (%.800s)", what, circle.c_str(), Place(record.node).c_str());
+            }
+            states[record.node] = State::OnPath;
+            path.push_back({record.node, 0});
+        }
+    }
+}
+
+template <class Edges>
+void Resolver::Reverse(NodeLists& lists, const Edges& edges) const
+{
+    lists.firsts.assign(Count() + 1, 0);
+    std::vector<NodeIndex> last(Count(), noNode); // the last `to` of each `from`: an edge counts once
+    edges([&](NodeIndex from, NodeIndex to) {
+        if (last[from] == to) return;
+        last[from] = to;
+        ++lists.firsts[from + 1];
+    });
+    for (NodeIndex node = 0; node < Count(); ++node)
+        lists.firsts[node + 1] += lists.firsts[node];
+    lists.nodes.resize(lists.firsts[Count()]);
+    last.assign(Count(), noNode);
+    std::vector<uint32_t> next(lists.firsts.begin(), lists.firsts.end() - 1);
+    edges([&](NodeIndex from, NodeIndex to) {
+        if (last[from] == to) return;
+        last[from] = to;
+        lists.nodes[next[from]++] = to;
+    });
+}
+
+template <class Add>
+void Resolver::ForEachParent(const Add& add) const
+{
+    for (NodeIndex node = 0; node < Count(); ++node)
+    {
+        ForEachLink(description, node, [&](NodeIndex target, Property link) {
+            if (IsReadLink(link) || link == P::pEntry) add(target, node);
+        });
+    }
+}
+
+template <class Add>
+void Resolver::ForEachDependent(const Add& add) const
+{
+    for (NodeIndex node = 0; node < Count(); ++node)
+    {
+        ForEachLink(description, node, [&](NodeIndex target, Property link) {
+            if (IsReadLink(link) || link == P::pEntry || link == P::pInvalidator) add(target, node);
+        });
+        for (const NodeIndex selector : description.selecting.Of(node))
+            add(selector, node);
+    }
+}
+
+void Resolver::Select()
+{
+    std::vector<std::vector<NodeIndex>> direct;
+    std::vector<std::vector<NodeIndex>> further;
+    std::vector<NodeIndex> selectors;
+    listed.assign(Count(), false);
+    for (NodeIndex node = 0; node < Count(); ++node)
+    {
+        std::vector<NodeIndex> list;
+        ForEachLink(description, node, [&](NodeIndex target, Property link) {
+            if (link != P::pSelected || listed[target]) return;
+            listed[target] = true;
+            list.push_back(target);
+        });
+        if (list.empty()) continue;
+        std::vector<NodeIndex> appended;
+        for (const NodeIndex target : list)
+            AppendValueDependents(target, appended);
+        for (const NodeIndex target : list)
+            listed[target] = false;
+        for (const NodeIndex target : appended)
+            listed[target] = false;
+        selectors.push_back(node);
+        direct.push_back(std::move(list));
+        further.push_back(std::move(appended));
+    }
+
+    description.selected.firsts.assign(Count() + 1, 0);
+    for (size_t i = 0; i < selectors.size(); ++i)
+    {
+        std::vector<NodeIndex>& nodes = description.selected.nodes;
+        nodes.insert(nodes.end(), direct[i].begin(), direct[i].end());
+        nodes.insert(nodes.end(), further[i].begin(), further[i].end());
+        description.selected.firsts[selectors[i] + 1] = static_cast<uint32_t>(direct[i].size() + further[i].size());
+    }
+    for (NodeIndex node = 0; node < Count(); ++node)
+        description.selected.firsts[node + 1] += description.selected.firsts[node];
+
+    Reverse(description.selecting, [&](const auto& add) {
+        for (size_t i = 0; i < selectors.size(); ++i)
+        {
+            for (const NodeIndex target : direct[i])
+                add(target, selectors[i]);
+        }
+        for (size_t i = 0; i < selectors.size(); ++i)
+        {
+            for (const NodeIndex target : further[i])
+                add(target, selectors[i]);
+        }
+    });
+}
+
+// The parents but for categories; a converter stands beside its formulas.
+std::vector<NodeIndex> Resolver::ReadersOf(NodeIndex node) const
+{
+    std::vector<NodeIndex> readers;
+    for (const NodeIndex parent : description.parents.Of(node))
+    {
+        if (ElementOf(parent) == Element::Category) continue;
+        readers.push_back(parent);
+        for (const NodeIndex converter : description.parents.Of(parent))
+        {
+            const PropertyRecord* const to = description.Find(converter, P::pConvertTo);
+            const PropertyRecord* const from = description.Find(converter, P::pConvertFrom);
+            if ((to && to->node == parent) || (from && from->node == parent)) readers.push_back(converter);
+        }
+    }
+    std::sort(readers.begin(), readers.end());
+    readers.erase(std::unique(readers.begin(), readers.end()), readers.end());
+    return readers;
+}
+
+// What reads the node, directly or not, but for categories, is selected with it; depth first.
+void Resolver::AppendValueDependents(NodeIndex node, std::vector<NodeIndex>& list)
+{
+    std::vector<NodeIndex> stack(1, node);
+    while (!stack.empty())
+    {
+        const NodeIndex current = stack.back();
+        stack.pop_back();
+        if (current != node)
+        {
+            if (listed[current]) continue;
+            listed[current] = true;
+            list.push_back(current);
+        }
+        const std::vector<NodeIndex> readers = ReadersOf(current);
+        stack.insert(stack.end(), readers.rbegin(), readers.rend());
+    }
+}
+
+void Resolver::MarkFeatures()
+{
+    const NodeIndex root = description.FindNode("Root");
+    if (root == noNode || ElementOf(root) != Element::Category) return;
+    std::vector<NodeIndex> stack(1, root);
+    description.nodes[root].feature = true;
+    while (!stack.empty())
+    {
+        const NodeIndex category = stack.back();
+        stack.pop_back();
+        ForEachLink(description, category, [&](NodeIndex target, Property link) {
+            NodeRecord& record = description.nodes[target];
+            if (link != P::pFeature || record.feature) return;
+            record.feature = true;
+            if (record.element == Element::Category) stack.push_back(target);
+        });
+    }
+}
+
+} // namespace
+
+bool IsReadLink(Property property)
+{
+    switch (property)
+    {
+    case P::pAlias:
+    case P::pCastAlias:
+    case P::pEntry:
+    case P::pInvalidator:
+    case P::pSelected:
+        return false;
+    default:
+        return IsLink(property);
+    }
+}
+
+bool IsWriteLink(Property property)
+{
+    return property == P::pConvertTo || property == P::pConvertFrom || IsValueLink(property);
+}
+
+bool IsValueLink(Property property)
+{
+    return property == P::pValue || property == P::pValueCopy || property == P::pValueIndexed ||
+           property == P::pValueDefault;
+}
+
+void ResolveLinks(Description& description, std::string_view xml)
+{
+    Resolver(description, xml).Run();
+}
+
+std::string PlaceOf(const Description& description, NodeIndex node, std::string_view xml)
+{
+    const size_t offset = std::min<size_t>(description.nodes[node].sourceOffset, xml.size());
+    const auto line = 1 + std::count(xml.begin(), xml.begin() + static_cast<ptrdiff_t>(offset), '\n');
+    return "Node '" + std::string(description.NameOf(node).substr(0, 500)) + "' at line " + std::to_string(line);
+}
+
+} // namespace GENAPI_NAMESPACE::runtime
