@@ -2,6 +2,7 @@
 
 #include "tools/koro/tool_error.h"
 
+#include <algorithm>
 #include <fnmatch.h>
 #include <functional>
 
@@ -36,11 +37,18 @@ std::vector<CameraChoice> Matching(
     return found;
 }
 
+// With the producers' paths where these are what tells cameras apart.
 std::string List(const std::string& title, const std::vector<CameraChoice>& cameras)
 {
+    const bool severalProducers = std::any_of(cameras.begin(), cameras.end(), [&](const CameraChoice& camera) {
+        return camera.producer != cameras.front().producer;
+    });
     std::string text = title;
     for (const CameraChoice& camera : cameras)
+    {
         text += "\n  " + DescribeCamera(camera);
+        if (severalProducers) text += ", of " + camera.producer->path;
+    }
     return text;
 }
 
@@ -79,8 +87,8 @@ CameraChoice SelectCamera(const std::vector<ProducerRecord>& producers, const st
             exitNoSuchCamera);
     }
     throw ToolError(
-        List("\"" + name + "\" fits several cameras:", found), "Name it by its serial number or by interface:id.",
-        exitNoSuchCamera);
+        List("\"" + name + "\" fits several cameras:", found),
+        "Name it by its serial number or by interface:id, or choose a producer with --producer.", exitNoSuchCamera);
 }
 
 std::string DescribeCamera(const CameraChoice& choice)

@@ -4,6 +4,7 @@
 #include "tools/koro/report.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 
@@ -68,11 +69,21 @@ const char* OutcomeName(ProbeOutcome outcome)
     return "";
 }
 
+// A file that is no producer lacks them all: a few say enough.
+void PrintLoaderTexts(const std::vector<std::string>& texts)
+{
+    constexpr size_t shown = 4;
+    for (size_t i = 0; i < std::min(texts.size(), shown); ++i)
+    {
+        std::printf("  loader: %s\n", Printable(texts[i]).c_str());
+    }
+    if (texts.size() > shown) std::printf("  loader: %zu more of this kind\n", texts.size() - shown);
+}
+
 void PrintProbe(const ProbeResult& probe)
 {
     std::printf("%s\n", Printable(probe.path).c_str());
-    for (const std::string& text : probe.loaderTexts)
-        std::printf("  loader: %s\n", Printable(text).c_str());
+    PrintLoaderTexts(probe.loaderTexts);
     if (probe.record) return PrintWorking(*probe.record);
     std::printf(
         "  %s at %s: %s\n", OutcomeName(probe.outcome), Printable(probe.stage).c_str(), Printable(probe.text).c_str());

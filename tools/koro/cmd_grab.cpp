@@ -90,6 +90,8 @@ int Grab(const GrabCommand& command)
 
     const CameraConnection connection(choice);
     GrabSession session(connection.Descriptor(), command.settings);
+    std::printf("%s, %s\n", Printable(DescribeCamera(choice)).c_str(), session.DescribeBuffers().c_str());
+    std::fflush(stdout);
     uint64_t numSaved = 0;
     {
         Progress progress(stdout, isatty(STDOUT_FILENO) != 0, command.settings.numPictures);

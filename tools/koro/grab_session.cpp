@@ -101,6 +101,11 @@ void GrabSession::AnnounceBuffers()
     }
 }
 
+std::string GrabSession::DescribeBuffers() const
+{
+    return std::to_string(memory.size()) + " buffers of " + std::to_string(memory.begin()->second.Size()) + " bytes";
+}
+
 void GrabSession::Run(Interrupt& interrupt, PictureSaver& saver)
 {
     const Interrupt::WakeUp wakeUp(interrupt, [this] {

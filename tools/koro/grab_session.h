@@ -45,6 +45,8 @@ public:
     // interrupts. Stops the camera in every case. Throws what waiting or saving failed with.
     void Run(Interrupt& interrupt, PictureSaver& saver);
     const GrabStatistics& Statistics() const noexcept { return statistics; }
+    // "8 buffers of 307200 bytes".
+    std::string DescribeBuffers() const;
 
 private:
     using Clock = std::chrono::steady_clock;

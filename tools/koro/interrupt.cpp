@@ -2,6 +2,7 @@
 
 #include "tools/koro/exit_codes.h"
 
+#include <cstdio>
 #include <pthread.h>
 #include <unistd.h>
 #include <utility>
@@ -41,6 +42,7 @@ void Interrupt::WatchSignals()
         int signal = 0;
         if (sigwait(&watched, &signal) != 0 || signal == endOfWatch) return;
         if (requested.exchange(true)) _exit(exitInterrupted);
+        std::fputs("koro: stopping; once more ends at once\n", stderr);
 
         const std::lock_guard<std::mutex> lock(wakeMutex);
         if (wake) wake();

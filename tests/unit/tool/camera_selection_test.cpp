@@ -81,6 +81,21 @@ TEST(CameraSelection, AmbiguousNameListsItsCandidates)
     EXPECT_THAT(text, Not(HasSubstr("cam-b")));
 }
 
+TEST(CameraSelection, SameCameraOfTwoProducersIsToldApartByTheirPaths)
+{
+    std::vector<ProducerRecord> tree = {Tree().front(), Tree().front()};
+    tree[1].path = "/q.cti";
+    try {
+        SelectCamera(tree, "1001");
+        FAIL() << "no error";
+    }
+    catch (const ToolError& error) {
+        EXPECT_THAT(error.what(), HasSubstr("\"left\", of /p.cti\n"));
+        EXPECT_THAT(error.what(), EndsWith("\"left\", of /q.cti"));
+        EXPECT_THAT(error.Hint(), HasSubstr("--producer"));
+    }
+}
+
 TEST(CameraSelection, UserNameAndIdOfDifferentCamerasAreAmbiguous)
 {
     EXPECT_THAT(Select("left"), HasSubstr("\"left\" fits several cameras:"));

@@ -1,0 +1,370 @@
+#include "tests/support/scripted_producer.h"
+#include "tests/tool/tool_run.h"
+#include <koro/koro.hpp>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <optional>
+#include <thread>
+#include <type_traits>
+
+namespace
+{
+
+using koro::test::ScriptedProducer;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+constexpr uint64_t waitTimeout_ms = 60000;
+
+KORO_ReturnCode CodeOf(const std::function<void()>& call)
+{
+    try
+    {
+        call();
+    }
+    catch (const koro::Error& error)
+    {
+        return error.Code();
+    }
+    return KORO_RETURN_CODE_SUCCESS;
+}
+
+// A producer opened down to a stream; the members close from the leaves.
+struct Tree
+{
+    koro::Library library = koro::Library::Initialize();
+    koro::ProducerLibrary producer;
+    koro::System system;
+    koro::Interface firstInterface;
+    koro::Device device;
+    koro::DataStream stream;
+
+    explicit Tree(const std::string& path) : producer(path), system(producer.System().OpenSystem())
+    {
+        system.UpdateInterfaces(1000);
+        firstInterface = system.Interfaces().at(0).OpenInterface();
+        firstInterface.UpdateDevices(1000);
+        device = firstInterface.Devices().at(0).OpenDevice();
+        stream = device.DataStreams().at(0).OpenDataStream();
+    }
+};
+
+TEST(KoroLibrary, InitialisationIsCounted)
+{
+    EXPECT_FALSE(koro::Library::IsInitialized());
+    {
+        koro::Library first = koro::Library::Initialize();
+        {
+            const koro::Library second = koro::Library::Initialize();
+            koro::Library moved = std::move(first);
+        }
+        EXPECT_FALSE(koro::Library::IsInitialized());
+        const koro::Library third = koro::Library::Initialize();
+        EXPECT_TRUE(koro::Library::IsInitialized());
+        EXPECT_EQ(koro::Library::Version(), "1.11.1");
+    }
+    EXPECT_FALSE(koro::Library::IsInitialized());
+}
+
+TEST(KoroLibrary, CallBeforeInitialisationCarriesCodeAndText)
+{
+    try
+    {
+        koro::Library::Version();
+        FAIL() << "no error";
+    }
+    catch (const koro::Error& error)
+    {
+        EXPECT_EQ(error.Code(), KORO_RETURN_CODE_NOT_INITIALIZED);
+        EXPECT_STREQ(
+            error.what(), "ZVR koro genericAPI library not initialized. Call koro::Library::Initialize() / "
+                          "KORO_Library_Initialize() before anything else.");
+    }
+}
+
+TEST(KoroOwners, MoveOnlyAndNeverCopied)
+{
+    static_assert(!std::is_copy_constructible_v<koro::Library>);
+    static_assert(!std::is_copy_constructible_v<koro::Device>);
+    static_assert(!std::is_copy_assignable_v<koro::DataStream>);
+    static_assert(std::is_nothrow_move_constructible_v<koro::Interface>);
+    static_assert(std::is_nothrow_move_assignable_v<koro::DataStream>);
+    static_assert(std::is_copy_constructible_v<koro::Buffer>);
+    static_assert(!std::is_copy_constructible_v<koro::Registration>);
+}
+
+TEST(KoroOwners, CloseFromTheLeaves)
+{
+    const ScriptedProducer producer;
+    {
+        const Tree tree(producer.Path());
+        EXPECT_THAT(producer->Open(), testing::Not(testing::IsEmpty()));
+    }
+    EXPECT_THAT(producer->Open(), testing::IsEmpty());
+}
+
+TEST(KoroOwners, MovedFromAndClosedOnesAnswerInvalidHandle)
+{
+    const ScriptedProducer producer;
+    Tree tree(producer.Path());
+    koro::Device moved = std::move(tree.device);
+    EXPECT_FALSE(tree.device);
+    EXPECT_EQ(CodeOf([&] { tree.device.ID(); }), KORO_RETURN_CODE_INVALID_HANDLE);
+    EXPECT_EQ(moved.ID(), "if0-dev0");
+
+    EXPECT_EQ(moved.Close(), KORO_RETURN_CODE_SUCCESS);
+    EXPECT_EQ(CodeOf([&] { moved.ID(); }), KORO_RETURN_CODE_INVALID_HANDLE);
+    EXPECT_EQ(moved.Close(), KORO_RETURN_CODE_SUCCESS);
+}
+
+TEST(KoroOwners, AssignmentClosesTheOldOne)
+{
+    const ScriptedProducer producer;
+    Tree tree(producer.Path());
+    tree.stream = koro::DataStream();
+    tree.device = koro::Device();
+    koro::Interface second = tree.system.Interfaces().at(1).OpenInterface();
+    tree.firstInterface = std::move(second);
+    EXPECT_EQ(tree.firstInterface.ID(), "if1");
+    EXPECT_FALSE(second);
+}
+
+TEST(KoroOwners, EndAfterTheLibrarysEndIsHarmless)
+{
+    const ScriptedProducer producer;
+    std::optional<Tree> tree(producer.Path());
+    tree->library.Close();
+    EXPECT_EQ(tree->stream.Close(), KORO_RETURN_CODE_NOT_INITIALIZED);
+    tree.reset();
+    EXPECT_THAT(producer->Open(), testing::IsEmpty());
+}
+
+TEST(KoroViews, ViewOfAClosedParentAnswersInvalidHandle)
+{
+    const ScriptedProducer producer;
+    Tree tree(producer.Path());
+    const koro::DeviceDescriptor descriptor = tree.firstInterface.Devices().at(0);
+    const koro::RemoteDevice remote = tree.device.RemoteDevice();
+    tree.stream.Close();
+    tree.device.Close();
+    EXPECT_EQ(CodeOf([&] { remote.Port(); }), KORO_RETURN_CODE_INVALID_HANDLE);
+    tree.firstInterface.Close();
+    EXPECT_EQ(CodeOf([&] { descriptor.ID(); }), KORO_RETURN_CODE_INVALID_HANDLE);
+}
+
+TEST(KoroTree, EveryModuleTellsWhoItIs)
+{
+    const ScriptedProducer producer;
+    const Tree tree(producer.Path());
+    EXPECT_EQ(tree.producer.Key(), producer.Path());
+    EXPECT_EQ(tree.producer.System().ID(), tree.system.ID());
+    EXPECT_EQ(tree.producer.System().Key(), tree.system.Key());
+    EXPECT_EQ(tree.producer.System().VendorName(), "ZVR");
+    EXPECT_EQ(tree.system.GenTLVersionMajor(), 1u);
+    EXPECT_EQ(tree.system.GenTLVersionMinor(), 5u);
+    EXPECT_EQ(tree.system.Interfaces().size(), 2u);
+    EXPECT_EQ(tree.system.Interfaces().at(0).ID(), "if0");
+    EXPECT_EQ(tree.firstInterface.ID(), "if0");
+    EXPECT_EQ(tree.firstInterface.Devices().size(), 2u);
+    EXPECT_EQ(tree.firstInterface.Devices().at(1).ID(), "if0-dev1");
+    EXPECT_EQ(tree.firstInterface.Devices().at(1).SerialNumber(), "serial of if0-dev1");
+    EXPECT_TRUE(tree.firstInterface.Devices().at(1).IsOpenable(koro::AccessType::Exclusive));
+    EXPECT_EQ(tree.device.UserDefinedName(), "user of if0-dev0");
+    EXPECT_EQ(tree.device.RemoteDevice().LocalDevice(), tree.device.Get());
+    EXPECT_EQ(tree.device.DataStreams().at(0).ID(), "if0-dev0-stream0");
+    EXPECT_EQ(tree.stream.ID(), "if0-dev0-stream0");
+    EXPECT_EQ(tree.stream.Key(), tree.device.Key() + "|if0-dev0-stream0");
+    EXPECT_FALSE(tree.stream.IsGrabbing());
+}
+
+TEST(KoroTree, RawInformationCarriesTypeAndBytes)
+{
+    const ScriptedProducer producer;
+    const Tree tree(producer.Path());
+    const koro::RawInfo id = tree.firstInterface.Info(KORO_INTERFACE_INFO_ID);
+    EXPECT_EQ(id.dataType, KORO_INFO_DATATYPE_STRING);
+    EXPECT_THAT(id.bytes, ElementsAre('i', 'f', '0', '\0'));
+    producer->AnswerOnce("DevGetInfo", GenTL::GC_ERR_NOT_IMPLEMENTED);
+    EXPECT_EQ(CodeOf([&] { tree.device.Info(KORO_DEVICE_INFO_VENDOR); }), KORO_RETURN_CODE_NOT_IMPLEMENTED);
+}
+
+TEST(KoroTree, FailureCarriesTheProducersText)
+{
+    const ScriptedProducer producer;
+    const Tree tree(producer.Path());
+    producer->AnswerOnce("IFOpenDevice", GenTL::GC_ERR_ACCESS_DENIED);
+    try
+    {
+        tree.firstInterface.Devices().at(1).OpenDevice(koro::AccessType::Exclusive);
+        FAIL() << "no error";
+    }
+    catch (const koro::Error& error)
+    {
+        EXPECT_EQ(error.Code(), KORO_RETURN_CODE_BAD_ACCESS);
+        EXPECT_STREQ(
+            error.what(), "[Function: IFOpenDevice | Error-Code: -1005 (GC_ERR_ACCESS_DENIED) | Error-Text: scripted "
+                          "failure of IFOpenDevice]");
+    }
+}
+
+TEST(KoroTree, LoadingNamesTheFile)
+{
+    const koro::Library library = koro::Library::Initialize();
+    try
+    {
+        const koro::ProducerLibrary missing("/nowhere/x.cti");
+        FAIL() << "no error";
+    }
+    catch (const koro::Error& error)
+    {
+        EXPECT_EQ(error.Code(), KORO_RETURN_CODE_CTI_LOADING_ERROR);
+        EXPECT_THAT(error.what(), HasSubstr("Loading CTI /nowhere/x.cti failed! Code: "));
+    }
+}
+
+TEST(KoroPort, RegistersAndDescriptionAreReached)
+{
+    const ScriptedProducer producer;
+    const Tree tree(producer.Path());
+    const koro::Port port = tree.device.RemoteDevice().Port();
+    port.Write(4, {1, 2, 3});
+    EXPECT_THAT(port.Read(4, 3), ElementsAre(1, 2, 3));
+    EXPECT_EQ(port.URLs().size(), 1u);
+    EXPECT_THAT(port.URLs().at(0).URL(), HasSubstr("scripted.xml"));
+}
+
+TEST(KoroCallbacks, FoundAndLostArriveUntilTheRegistrationEnds)
+{
+    const ScriptedProducer producer;
+    const Tree tree(producer.Path());
+    std::vector<std::string> found;
+    std::vector<std::string> lost;
+    koro::Registration foundNews =
+        tree.firstInterface.OnDeviceFound([&](koro::DeviceDescriptor device) { found.push_back(device.ID()); });
+    const koro::Registration lostNews =
+        tree.firstInterface.OnDeviceLost([&](const std::string& id) { lost.push_back(id); });
+
+    producer->Edit([](scripted::Tree& edited) { edited.interfaces.at(0)->devices.at(1)->id = "newcomer"; });
+    producer->SetChanged("IFUpdateDeviceList", true);
+    tree.firstInterface.UpdateDevices(1000);
+    EXPECT_THAT(found, ElementsAre("newcomer"));
+    EXPECT_THAT(lost, ElementsAre("if0-dev1"));
+
+    foundNews.End();
+    producer->Edit([](scripted::Tree& edited) { edited.interfaces.at(0)->devices.at(1)->id = "another"; });
+    tree.firstInterface.UpdateDevices(1000);
+    EXPECT_THAT(found, ElementsAre("newcomer"));
+    EXPECT_THAT(lost, ElementsAre("if0-dev1", "newcomer"));
+}
+
+TEST(KoroCallbacks, InterfacesComeAndGoToo)
+{
+    const ScriptedProducer producer;
+    const Tree tree(producer.Path());
+    std::vector<std::string> news;
+    const auto found =
+        tree.system.OnInterfaceFound([&](koro::InterfaceDescriptor added) { news.push_back("+" + added.ID()); });
+    const auto lost = tree.system.OnInterfaceLost([&](const std::string& id) { news.push_back("-" + id); });
+    producer->Edit([](scripted::Tree& edited) { edited.interfaces.at(1)->id = "if9"; });
+    producer->SetChanged("TLUpdateInterfaceList", true);
+    tree.system.UpdateInterfaces(1000);
+    EXPECT_THAT(news, ElementsAre("-if1", "+if9"));
+}
+
+TEST(KoroCallbacks, EmptyFunctionIsRefused)
+{
+    const ScriptedProducer producer;
+    const Tree tree(producer.Path());
+    EXPECT_EQ(
+        CodeOf([&] { static_cast<void>(tree.firstInterface.OnDeviceLost(nullptr)); }),
+        KORO_RETURN_CODE_INVALID_ARGUMENT);
+}
+
+TEST(KoroStream, FrameArrivesInTheMemoryThatWasAnnounced)
+{
+    const ScriptedProducer producer;
+    Tree tree(producer.Path());
+    std::vector<char> memory(tree.stream.PayloadSize());
+    const koro::Buffer announced = tree.stream.AnnounceBuffer(memory.data(), memory.size(), &tree);
+    tree.stream.QueueBuffer(announced);
+    tree.stream.StartAcquisition();
+    EXPECT_TRUE(tree.stream.IsGrabbing());
+    producer->Deliver("if0-dev0-stream0", {.bytes = "pixels"});
+
+    const koro::Buffer delivered = tree.stream.WaitForFinishedBuffer(waitTimeout_ms);
+    EXPECT_EQ(delivered, announced);
+    EXPECT_EQ(delivered.BasePtr(), memory.data());
+    EXPECT_EQ(delivered.UserPtr(), &tree);
+    EXPECT_EQ(delivered.DeliveredDataSize(), 6u);
+    EXPECT_EQ(std::string(memory.data(), 6), "pixels");
+    tree.stream.StopAcquisition();
+    tree.stream.Flush(koro::FlushMode::AllDiscard);
+    tree.stream.RevokeBuffer(delivered);
+    EXPECT_EQ(CodeOf([&] { delivered.Size(); }), KORO_RETURN_CODE_INVALID_HANDLE);
+}
+
+TEST(KoroStream, RevocationIsReportedOnce)
+{
+    const ScriptedProducer producer;
+    Tree tree(producer.Path());
+    std::vector<char> memory(8);
+    std::vector<void*> revoked;
+    const auto note = [&](void* buffer, void*) { revoked.push_back(buffer); };
+    const koro::Buffer first = tree.stream.AnnounceBuffer(memory.data(), 4, nullptr, note);
+    tree.stream.AnnounceBuffer(memory.data() + 4, 4, nullptr, note);
+    tree.stream.RevokeBuffer(first);
+    EXPECT_THAT(revoked, ElementsAre(memory.data()));
+    tree.stream.Close();
+    EXPECT_THAT(revoked, ElementsAre(memory.data(), memory.data() + 4));
+}
+
+TEST(KoroStream, TimeoutAndKillAreToldApartByTheirCodes)
+{
+    const ScriptedProducer producer;
+    Tree tree(producer.Path());
+    EXPECT_EQ(CodeOf([&] { tree.stream.WaitForFinishedBuffer(1); }), KORO_RETURN_CODE_TIMEOUT);
+    std::thread killer([&] {
+        producer->AwaitWaiters(1);
+        tree.stream.KillWait();
+    });
+    EXPECT_EQ(CodeOf([&] { tree.stream.WaitForFinishedBuffer(); }), KORO_RETURN_CODE_ABORTED);
+    killer.join();
+}
+
+TEST(KoroEvents, EventCarriesItsData)
+{
+    const ScriptedProducer producer;
+    const Tree tree(producer.Path());
+    const koro::EventController events = tree.system.EnableEvents(KORO_EVENT_MODULE);
+    EXPECT_EQ(events.ControlledEventType(), KORO_EVENT_MODULE);
+    producer->Fire("system", GenTL::EVENT_MODULE, "block");
+    const koro::Event event = events.WaitForEvent(waitTimeout_ms);
+    EXPECT_EQ(event.Type(), KORO_EVENT_MODULE);
+    EXPECT_THAT(event.RawData(), testing::Not(testing::IsEmpty()));
+}
+
+TEST(KoroSimulator, PicturesStreamThroughTheFace)
+{
+    Tree tree(koro::test::SimulatorPath());
+    EXPECT_EQ(tree.device.SerialNumber(), "KS0001");
+    const size_t size = tree.stream.PayloadSize();
+    ASSERT_EQ(size, 640u * 480u);
+    for (int i = 0; i < 4; ++i)
+        tree.stream.QueueBuffer(tree.stream.AllocAndAnnounceBuffer(size));
+    tree.stream.StartAcquisition();
+    uint64_t last = 0;
+    for (int i = 0; i < 3; ++i)
+    {
+        const koro::Buffer buffer = tree.stream.WaitForFinishedBuffer(waitTimeout_ms);
+        EXPECT_EQ(buffer.Width(), 640u);
+        EXPECT_EQ(buffer.DeliveredDataSize(), size);
+        EXPECT_FALSE(buffer.IsIncomplete());
+        EXPECT_GT(buffer.FrameID(), last);
+        last = buffer.FrameID();
+        tree.stream.QueueBuffer(buffer);
+    }
+    tree.stream.StopAcquisition();
+}
+
+} // namespace
