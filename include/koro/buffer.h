@@ -2,8 +2,8 @@
  * An announced buffer of a data stream: memory, and what the producer says of the data in it.
  *
  * The handle comes from the announcement and ends with KORO_DataStream_RevokeBuffer or the stream. Nothing is kept:
- * each query asks the producer at that moment, and fails with KORO_RETURN_CODE_NOT_IMPLEMENTED or
- * KORO_RETURN_CODE_NOT_AVAILABLE where the producer or the payload has no answer. Any thread.
+ * each query asks the producer at that moment, and fails with KORO_RETURN_CODE_ERROR where the producer or the payload
+ * has no answer; the text tells the producer's code. Any thread.
  */
 #ifndef KORO_BUFFER_H
 #define KORO_BUFFER_H

@@ -57,14 +57,14 @@ KORO_API KORO_ReturnCode KORO_Device_GetTLType(KORO_DeviceHandle deviceHandle, c
 
 /**
  * Gives the name that its user gave the device.
- * @return KORO_RETURN_CODE_NOT_AVAILABLE when the device has none
+ * @return KORO_RETURN_CODE_ERROR when the producer says that there is none; the text tells its code
  */
 KORO_API KORO_ReturnCode
 KORO_Device_GetUserDefinedName(KORO_DeviceHandle deviceHandle, char* userDefinedName, size_t* userDefinedNameSize);
 
 /**
  * Gives the serial number.
- * @return KORO_RETURN_CODE_NOT_AVAILABLE when the device has none
+ * @return KORO_RETURN_CODE_ERROR when the producer says that there is none; the text tells its code
  */
 KORO_API KORO_ReturnCode
 KORO_Device_GetSerialNumber(KORO_DeviceHandle deviceHandle, char* serialNumber, size_t* serialNumberSize);

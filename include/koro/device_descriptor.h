@@ -6,7 +6,8 @@
  *
  * The strings of this family, but for the key, are written by the producer straight into the caller's buffer. Their
  * sizes follow GenTL's rules: a null buffer asks for the size, terminating zero counted; the producer tests the
- * capacity.
+ * capacity. A buffer that is too small is therefore the producer's failure, KORO_RETURN_CODE_ERROR, and not
+ * KORO_RETURN_CODE_BUFFER_TOO_SMALL.
  */
 #ifndef KORO_DEVICE_DESCRIPTOR_H
 #define KORO_DEVICE_DESCRIPTOR_H
@@ -62,14 +63,14 @@ KORO_DeviceDescriptor_GetTLType(KORO_DeviceDescriptorHandle deviceDescriptorHand
 
 /**
  * Gives the name that its user gave the device.
- * @return KORO_RETURN_CODE_NOT_AVAILABLE when the device has none
+ * @return KORO_RETURN_CODE_ERROR when the producer says that there is none; the text tells its code
  */
 KORO_API KORO_ReturnCode KORO_DeviceDescriptor_GetUserDefinedName(
     KORO_DeviceDescriptorHandle deviceDescriptorHandle, char* userDefinedName, size_t* userDefinedNameSize);
 
 /**
  * Gives the serial number.
- * @return KORO_RETURN_CODE_NOT_AVAILABLE when the device has none
+ * @return KORO_RETURN_CODE_ERROR when the producer says that there is none; the text tells its code
  */
 KORO_API KORO_ReturnCode KORO_DeviceDescriptor_GetSerialNumber(
     KORO_DeviceDescriptorHandle deviceDescriptorHandle, char* serialNumber, size_t* serialNumberSize);

@@ -1,7 +1,7 @@
 /*
  * A URL of a port: where a description of the module's registers lies. The handle comes from KORO_Port_GetURL and
- * ends with the port. Every query asks the producer anew, and fails with KORO_RETURN_CODE_NOT_AVAILABLE where it
- * does not apply. Any thread.
+ * ends with the port. Every query asks the producer anew, and fails with KORO_RETURN_CODE_ERROR where it does not
+ * apply; the text tells the producer's code. Any thread.
  */
 #ifndef KORO_PORT_URL_H
 #define KORO_PORT_URL_H
