@@ -5,16 +5,12 @@
 
 typedef KORO_ReturnCode (*StringGetter)(KORO_DeviceDescriptorHandle, char*, size_t*);
 
-/* A camera need not have every text; one that is not there is shown as a dash. */
+/* A camera need not have every text; one that its producer does not give is shown as a dash. */
 static void Print(StringGetter get, KORO_DeviceDescriptorHandle camera, const char* end)
 {
     char text[256];
     size_t textSize = sizeof text;
     const KORO_ReturnCode code = get(camera, text, &textSize);
-    if (code != KORO_RETURN_CODE_NOT_AVAILABLE)
-    {
-        Check(code);
-    }
     printf("%s%s", code == KORO_RETURN_CODE_SUCCESS ? text : "-", end);
 }
 
