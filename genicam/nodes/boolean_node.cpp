@@ -23,7 +23,6 @@ void BooleanNode::SetValue(bool Value, bool Verify)
     Change("SetValue", [&] {
         CheckWritable();
         WriteAnnounced([&] { Write(Value, Verify); });
-        if (Verify) CheckErrors();
     });
 }
 
@@ -58,6 +57,7 @@ void BooleanNode::Write(bool value, bool verify)
     source.Write(value ? onValue : offValue, verify);
     cachedValue = value;
     valueCached = CachingMode() == WriteThrough;
+    if (verify) CheckErrors();
 }
 
 gcstring BooleanNode::ValueText(ReadOptions options)

@@ -63,8 +63,9 @@ int64_t IntegerConverter::Limit(bool upper)
 {
     const ESlope slope = static_cast<ESlope>(NumberOf(Property::Slope, Automatic));
     if (slope == Varying) return upper ? GC_INT64_MAX : GC_INT64_MIN;
-    return LimitBySlope<int64_t>(
-        slope, upper, [this](bool max) { return from->Compute(max ? value->IntegerMax() : value->IntegerMin(), {}); });
+    return LimitBySlope<int64_t>(slope, upper, [this](bool max) {
+        return from->Compute(max ? value->Available().IntegerMax() : value->Available().IntegerMin(), {});
+    });
 }
 
 EAccessMode IntegerConverter::NaturalMode() const
@@ -99,8 +100,9 @@ double FloatConverter::Limit(bool upper)
 {
     const ESlope slope = static_cast<ESlope>(NumberOf(Property::Slope, Automatic));
     if (slope == Varying) return upper ? FloatBase::RealMax() : FloatBase::RealMin();
-    const double limit = LimitBySlope<double>(
-        slope, upper, [this](bool max) { return from->Compute(max ? value->RealMax() : value->RealMin(), {}); });
+    const double limit = LimitBySlope<double>(slope, upper, [this](bool max) {
+        return from->Compute(max ? value->Available().RealMax() : value->Available().RealMin(), {});
+    });
     return std::clamp(limit, FloatBase::RealMin(), FloatBase::RealMax()); // doubles stop at the largest
 }
 
@@ -112,7 +114,7 @@ bool FloatConverter::HasRealInc()
 double FloatConverter::RealInc()
 {
     if (!HasRealInc()) return FloatBase::RealInc();
-    const double inc = from->Compute(value->RealInc(), {});
+    const double inc = from->Compute(value->Available().RealInc(), {});
     return NumberOf(Property::Slope, Automatic) == Decreasing ? -inc : inc;
 }
 

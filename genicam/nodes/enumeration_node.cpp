@@ -100,7 +100,6 @@ void EnumerationNode::SetIntValue(int64_t Value, bool Verify)
         const EnumEntryNode* const entry = EntryFor(Value);
         if (!entry) throw ArgumentError(*this, "There is no entry with the number " + std::to_string(Value) + ".");
         SetEntry(*entry, Verify);
-        if (Verify) CheckErrors();
     });
 }
 
@@ -183,6 +182,7 @@ void EnumerationNode::Write(int64_t number, bool verify)
     valueCached = CachingMode() == WriteThrough;
     const EnumEntryNode* const entry = EntryFor(number);
     selfClearing = entry && entry->SelfClearing();
+    if (verify) CheckErrors();
 }
 
 int64_t EnumerationNode::ReadInteger(ReadOptions options)
@@ -195,8 +195,10 @@ double EnumerationNode::ReadReal(ReadOptions options)
 {
     const int64_t number = Read(options);
     const EnumEntryNode* const entry = EntryFor(number);
-    if (!entry) throw LogicalError(*this, "There is no entry with the number " + std::to_string(number) + ".");
-    return entry->Numeric();
+    if (entry) return entry->Numeric();
+    const std::string text = "There is no entry with the number " + std::to_string(number) + ".";
+    if (options.verify) throw RangeError(*this, text);
+    throw LogicalError(*this, text);
 }
 
 void EnumerationNode::WriteNearest(double value, bool verify)

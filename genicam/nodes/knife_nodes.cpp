@@ -24,12 +24,12 @@ double As(Node& node, ReadOptions options, double*)
 
 int64_t Limit(int64_t (Node::*integer)(), double (Node::*)(), Node& node, int64_t*)
 {
-    return (node.*integer)();
+    return (node.Available().*integer)();
 }
 
 double Limit(int64_t (Node::*)(), double (Node::*real)(), Node& node, double*)
 {
-    return (node.*real)();
+    return (node.Available().*real)();
 }
 
 } // namespace

@@ -184,6 +184,12 @@ void Node::CheckWritable() const
     if (!IsWritable(AccessMode())) throw AccessError(*this, "Node is not writable.");
 }
 
+Node& Node::Available()
+{
+    CheckAvailable();
+    return *this;
+}
+
 void Node::CheckAvailable() const
 {
     if (!IsAvailable(AccessMode())) throw AccessError(*this, "Node is not available.");
@@ -307,13 +313,13 @@ gcstring Node::GetDeviceName() const
 gcstring Node::UnitText() const
 {
     if (Find(Property::Unit)) return TextOf(Property::Unit);
-    const Node* const value = Linked(Property::pValue);
+    const Node* const value = ValueTarget();
     return value ? value->UnitText() : gcstring();
 }
 
 std::vector<int64_t> Node::ValidValues() const
 {
-    const Node* const value = Linked(Property::pValue);
+    const Node* const value = ValueTarget();
     return value ? value->ValidValues() : std::vector<int64_t>();
 }
 

@@ -100,6 +100,10 @@ public:
     virtual std::vector<int64_t> ValidValues() const;
 
     EAccessMode AccessMode() const;
+    // Throws AccessException; the node itself otherwise, to ask it for limits.
+    Node& Available();
+    // The node that attributes come from which are not written here; null when there is none.
+    virtual Node* ValueTarget() const { return Linked(Property::pValue); }
     ECachingMode CachingMode() const;
     bool AccessCacheable() const;
     NodeIndex Index() const { return index; }

@@ -46,6 +46,7 @@ std::unique_ptr<Node> MakeNode(NodeMap& map, NodeIndex node)
     case Element::StringReg:
         return std::make_unique<StringRegister>(map, node);
     case Element::Register:
+    case Element::ConfRom:
         return std::make_unique<RegisterNode>(map, node);
     case Element::Converter:
         return std::make_unique<FloatConverter>(map, node);
@@ -57,6 +58,10 @@ std::unique_ptr<Node> MakeNode(NodeMap& map, NodeIndex node)
         return std::make_unique<IntegerKnife>(map, node);
     case Element::Port:
         return std::make_unique<PortNode>(map, node);
+    case Element::TextDesc:
+        return std::make_unique<RomText>(map, node);
+    case Element::IntKey:
+        return std::make_unique<RomNumber>(map, node);
     case Element::AdvFeatureLock:
     case Element::SmartFeature:
         return std::make_unique<FeatureLockNode>(map, node);

@@ -51,9 +51,9 @@ int64_t IntegerNode::IntegerMin()
     if (const PropertyRecord* const own = Find(Property::Min)) return own->number;
     if (Node* const own = Linked(Property::pMin)) return own->ReadInteger({});
     int64_t min = GC_INT64_MIN;
-    if (source.Targets().empty() && source.Target()) return source.Target()->IntegerMin();
+    if (source.Targets().empty() && source.Target()) return source.Target()->Available().IntegerMin();
     for (Node* const target : source.Targets())
-        min = std::max(min, target->IntegerMin());
+        min = std::max(min, target->Available().IntegerMin());
     return min;
 }
 
@@ -62,9 +62,9 @@ int64_t IntegerNode::IntegerMax()
     if (const PropertyRecord* const own = Find(Property::Max)) return own->number;
     if (Node* const own = Linked(Property::pMax)) return own->ReadInteger({});
     int64_t max = GC_INT64_MAX;
-    if (source.Targets().empty() && source.Target()) return source.Target()->IntegerMax();
+    if (source.Targets().empty() && source.Target()) return source.Target()->Available().IntegerMax();
     for (Node* const target : source.Targets())
-        max = std::min(max, target->IntegerMax());
+        max = std::min(max, target->Available().IntegerMax());
     return max;
 }
 
@@ -73,7 +73,7 @@ int64_t IntegerNode::IntegerInc()
     if (const PropertyRecord* const own = Find(Property::Inc)) return own->number;
     if (Node* const own = Linked(Property::pInc)) return own->ReadInteger({});
     Node* const target = source.Target();
-    return target ? target->IntegerInc() : 1;
+    return target ? target->Available().IntegerInc() : 1;
 }
 
 std::vector<int64_t> IntegerNode::ValidValues() const
@@ -104,7 +104,7 @@ double FloatNode::RealMin()
     if (const PropertyRecord* const own = Find(Property::Min)) return own->real;
     if (Node* const own = Linked(Property::pMin)) return own->ReadReal({});
     Node* const target = source.Target();
-    return target ? target->RealMin() : FloatBase::RealMin();
+    return target ? target->Available().RealMin() : FloatBase::RealMin();
 }
 
 double FloatNode::RealMax()
@@ -112,7 +112,7 @@ double FloatNode::RealMax()
     if (const PropertyRecord* const own = Find(Property::Max)) return own->real;
     if (Node* const own = Linked(Property::pMax)) return own->ReadReal({});
     Node* const target = source.Target();
-    return target ? target->RealMax() : FloatBase::RealMax();
+    return target ? target->Available().RealMax() : FloatBase::RealMax();
 }
 
 bool FloatNode::HasRealInc()
@@ -127,7 +127,7 @@ double FloatNode::RealInc()
 {
     if (const PropertyRecord* const own = Find(Property::Inc)) return own->real;
     if (Node* const own = Linked(Property::pInc)) return own->ReadReal({});
-    return HasRealInc() ? source.Target()->RealInc() : FloatBase::RealInc();
+    return HasRealInc() ? source.Target()->Available().RealInc() : FloatBase::RealInc();
 }
 
 } // namespace GENAPI_NAMESPACE::runtime

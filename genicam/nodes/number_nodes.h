@@ -16,6 +16,7 @@ public:
     int64_t IntegerMax() override;
     int64_t IntegerInc() override;
     std::vector<int64_t> ValidValues() const override;
+    Node* ValueTarget() const override { return source.Target(); }
 
 protected:
     int64_t Read(ReadOptions options) override { return source.Read(options); }
@@ -36,6 +37,7 @@ public:
     double RealMax() override;
     bool HasRealInc() override;
     double RealInc() override;
+    Node* ValueTarget() const override { return source.Target(); }
 
 protected:
     double Read(ReadOptions options) override { return source.Read(options); }

@@ -22,6 +22,12 @@ void PortNode::Write(const void* buffer, int64_t address, int64_t length)
 void PortNode::SetPortImpl(IPort* pPort)
 {
     const Entry entry(*this, "SetPortImpl");
+    for (const NodeIndex parent : Source().parents.Of(index))
+    {
+        // Such a ROM would be read now; no bus that has one is known here.
+        const bool rom = Source().nodes[parent].element == Element::ConfRom;
+        if (rom && pPort) throw RuntimeError(*map.At(parent), "unsupported bus");
+    }
     port = pPort;
     map.Announce(*this);
 }

@@ -78,16 +78,23 @@ IntegerRegister::Field IntegerRegister::FieldIn(unsigned length) const
     return {low, width};
 }
 
+// Where the length comes from a node the limits are those of the whole register.
+IntegerRegister::Field IntegerRegister::LimitField()
+{
+    const unsigned length = LengthOfWord();
+    return Find(Property::pLength) ? Field{0, 8 * length} : FieldIn(length);
+}
+
 int64_t IntegerRegister::IntegerMin()
 {
-    const Field field = FieldIn(LengthOfWord());
+    const Field field = LimitField();
     return isSigned ? -static_cast<int64_t>(Mask(field.width - 1)) - 1 : 0;
 }
 
 // Of 64 unsigned bits a whole register stays within the signed numbers; a field of so many tells -1 and takes nothing.
 int64_t IntegerRegister::IntegerMax()
 {
-    const Field field = FieldIn(LengthOfWord());
+    const Field field = LimitField();
     if (isSigned) return static_cast<int64_t>(Mask(field.width - 1));
     return static_cast<int64_t>(Mask(masked ? field.width : std::min(field.width, 63u)));
 }
@@ -212,6 +219,26 @@ void RegisterNode::SetText(const gcstring& text, bool verify)
     }
     const int64_t length = std::min(place.Length(), static_cast<int64_t>(bytes.size()));
     SetBytes(reinterpret_cast<const uint8_t*>(bytes.data()), length, verify);
+}
+
+gcstring RomText::Read(ReadOptions)
+{
+    throw RuntimeError(*this, "unsupported bus");
+}
+
+void RomText::Write(const gcstring&, bool)
+{
+    throw AccessError(*this, "Node is not writable.");
+}
+
+int64_t RomNumber::Read(ReadOptions)
+{
+    throw RuntimeError(*this, "unsupported bus");
+}
+
+void RomNumber::Write(int64_t, bool)
+{
+    throw AccessError(*this, "Node is not writable.");
 }
 
 int64_t FeatureLockNode::Read(ReadOptions options)

@@ -31,6 +31,7 @@ private:
 
     unsigned LengthOfWord() { return static_cast<unsigned>(CheckedLength()); }
     Field FieldIn(unsigned length) const;
+    Field LimitField();
     uint64_t ReadWord(unsigned length, ReadOptions options);
 
     bool masked = false;
@@ -73,6 +74,30 @@ public:
 protected:
     GENICAM_NAMESPACE::gcstring ValueText(ReadOptions options) override;
     void SetText(const GENICAM_NAMESPACE::gcstring& text, bool verify) override;
+};
+
+// The entries of a configuration ROM. No bus that has one is known here: they are there and cannot be read.
+class RomText : public StringBase
+{
+public:
+    using StringBase::StringBase;
+
+protected:
+    int64_t Capacity() override { return 0; }
+    GENICAM_NAMESPACE::gcstring Read(ReadOptions options) override;
+    void Write(const GENICAM_NAMESPACE::gcstring& value, bool verify) override;
+    EAccessMode NaturalMode() const override { return RO; }
+};
+
+class RomNumber : public IntegerBase
+{
+public:
+    using IntegerBase::IntegerBase;
+
+protected:
+    int64_t Read(ReadOptions options) override;
+    void Write(int64_t value, bool verify) override;
+    EAccessMode NaturalMode() const override { return RO; }
 };
 
 // Both read-only integers: AdvFeatureLock tells 1, SmartFeature the address at its end.

@@ -91,7 +91,6 @@ void RegisterOf<Base>::Set(const uint8_t* pBuffer, int64_t Length, bool Verify)
         this->CheckWritable();
         CheckRegisterBuffer(*this, place, pBuffer, Length);
         SetBytes(pBuffer, Length, Verify);
-        if (Verify) this->CheckErrors();
     });
 }
 
@@ -101,6 +100,7 @@ void RegisterOf<Base>::SetBytes(const uint8_t* bytes, int64_t length, bool verif
     this->WriteAnnounced([&] {
         this->valueCached = false;
         place.WriteBytes(bytes, length, verify);
+        if (verify) this->CheckErrors();
     });
 }
 

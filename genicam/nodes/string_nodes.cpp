@@ -20,7 +20,6 @@ void StringBase::SetValue(const gcstring& Value, bool Verify)
     Change("SetValue", [&] {
         CheckWritable();
         SetText(Value, Verify);
-        if (Verify) CheckErrors();
     });
 }
 
@@ -44,7 +43,7 @@ int64_t StringBase::GetMaxLength(bool)
 
 int64_t StringBase::MaxLength()
 {
-    return IsWritable(AccessMode()) ? Capacity() : static_cast<int64_t>(Read({}).size());
+    return IsWritable(AccessMode()) ? Capacity() : TextLength();
 }
 
 gcstring StringBase::ReadText(ReadOptions options)
@@ -65,6 +64,7 @@ void StringBase::WriteText(const gcstring& value, bool verify)
     }
     const Descent descent(*this);
     Write(value, verify);
+    if (verify) CheckErrors();
 }
 
 gcstring StringBase::ValueText(ReadOptions options)
@@ -101,6 +101,11 @@ void StringNode::Write(const gcstring& written, bool verify)
     {
         constant = written;
     }
+}
+
+int64_t StringNode::TextLength()
+{
+    return target ? StringBase::TextLength() : static_cast<int64_t>(constant.size());
 }
 
 int64_t StringNode::Capacity()

@@ -29,6 +29,7 @@ public:
 protected:
     // Bytes that fit.
     virtual int64_t Capacity() = 0;
+    virtual int64_t TextLength() { return static_cast<int64_t>(ReadText({}).size()); }
     virtual GENICAM_NAMESPACE::gcstring Read(ReadOptions options) = 0;
     virtual void Write(const GENICAM_NAMESPACE::gcstring& value, bool verify) = 0;
 
@@ -44,6 +45,7 @@ public:
 
 protected:
     int64_t Capacity() override;
+    int64_t TextLength() override;
     GENICAM_NAMESPACE::gcstring Read(ReadOptions options) override;
     void Write(const GENICAM_NAMESPACE::gcstring& written, bool verify) override;
     EAccessMode NaturalMode() const override { return target ? target->AccessMode() : RW; }

@@ -26,27 +26,18 @@ std::string_view View(const gcstring& text)
     return {text.c_str(), text.size()};
 }
 
-// Half away from zero; what is beyond 64 bits stays at their end.
-int64_t Rounded(double value)
+// The step of the grid that is nearest to the value, the lower one of two, within the limits.
+int64_t NearestStep(int64_t value, int64_t min, int64_t max, int64_t inc)
 {
-    if (std::isnan(value)) return 0;
-    const double rounded = std::round(value);
-    if (rounded >= 0x1p63) return GC_INT64_MAX;
-    return rounded < -0x1p63 ? GC_INT64_MIN : static_cast<int64_t>(rounded);
-}
-
-// The step of the grid that is nearest to the rounded value, the lower one of two; outside the range it is left alone.
-int64_t NearestStep(double value, int64_t min, int64_t max, int64_t inc)
-{
-    const int64_t rounded = Rounded(value);
-    if (inc <= 1 || rounded < min || rounded > max) return rounded;
+    if (value <= min || max <= min) return min;
+    if (value > max) value = max;
+    if (inc <= 1) return value;
     const uint64_t step = static_cast<uint64_t>(inc);
-    const uint64_t distance = static_cast<uint64_t>(rounded) - static_cast<uint64_t>(min);
+    const uint64_t distance = static_cast<uint64_t>(value) - static_cast<uint64_t>(min);
     const uint64_t range = static_cast<uint64_t>(max) - static_cast<uint64_t>(min);
     uint64_t steps = distance / step;
     const uint64_t rest = distance % step;
-    const bool next = rest > step - rest && steps < range / step;
-    if (next) ++steps;
+    if (rest > step - rest && steps < range / step) ++steps;
     return static_cast<int64_t>(static_cast<uint64_t>(min) + steps * step);
 }
 
@@ -128,7 +119,12 @@ void IntegerBase::WriteInteger(int64_t value, bool verify)
 
 void IntegerBase::WriteReal(double value, bool verify)
 {
-    WriteInteger(NearestStep(value, IntegerMin(), IntegerMax(), IntegerInc()), verify);
+    const double rounded = std::round(value);
+    if (!(rounded >= -0x1p63 && rounded < 0x1p63))
+    {
+        throw RangeError(*this, "Value = " + std::to_string(value) + " does not fit an integer.");
+    }
+    WriteInteger(NearestStep(static_cast<int64_t>(rounded), IntegerMin(), IntegerMax(), IntegerInc()), verify);
 }
 
 void IntegerBase::CheckRange(int64_t value)
@@ -181,7 +177,6 @@ int64_autovector_t IntegerBase::GetListOfValidValues(bool bounded)
     std::vector<int64_t> values = ValidValues();
     if (bounded)
     {
-        CheckAvailable();
         const int64_t min = IntegerMin();
         const int64_t max = IntegerMax();
         values.erase(
@@ -204,7 +199,7 @@ ERepresentation IntegerBase::GetRepresentation()
 ERepresentation IntegerBase::Representation() const
 {
     if (Find(Property::Representation)) return static_cast<ERepresentation>(NumberOf(Property::Representation, 0));
-    const Node* const value = Linked(Property::pValue);
+    const Node* const value = ValueTarget();
     return value ? value->Representation() : PureNumber;
 }
 
@@ -360,7 +355,6 @@ double_autovector_t FloatBase::GetListOfValidValues(bool bounded)
     std::vector<double> values(numbers.begin(), numbers.end());
     if (bounded)
     {
-        CheckAvailable();
         const double min = RealMin();
         const double max = RealMax();
         values.erase(
@@ -383,21 +377,21 @@ ERepresentation FloatBase::GetRepresentation()
 ERepresentation FloatBase::Representation() const
 {
     if (Find(Property::Representation)) return static_cast<ERepresentation>(NumberOf(Property::Representation, 0));
-    const Node* const value = Linked(Property::pValue);
+    const Node* const value = ValueTarget();
     return value ? value->Representation() : PureNumber;
 }
 
 EDisplayNotation FloatBase::Notation() const
 {
     if (Find(Property::DisplayNotation)) return static_cast<EDisplayNotation>(NumberOf(Property::DisplayNotation, 0));
-    const Node* const value = Linked(Property::pValue);
+    const Node* const value = ValueTarget();
     return value ? value->Notation() : fnAutomatic;
 }
 
 int64_t FloatBase::Precision() const
 {
     if (Find(Property::DisplayPrecision)) return NumberOf(Property::DisplayPrecision, 0);
-    const Node* const value = Linked(Property::pValue);
+    const Node* const value = ValueTarget();
     return value ? value->Precision() : 6;
 }
 

@@ -98,7 +98,7 @@ typename ValueSource<Number>::Choice& ValueSource<Number>::Chosen()
 }
 
 template <class Number>
-Node* ValueSource<Number>::Target()
+Node* ValueSource<Number>::Target() const
 {
     return main ? main : Chosen().node;
 }

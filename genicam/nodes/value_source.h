@@ -21,7 +21,7 @@ public:
     EAccessMode Mode() const;
     ECachingMode Caching(ECachingMode ofConstant) const;
     // The node that limits and the like come from; null for a number of the own.
-    Node* Target();
+    Node* Target() const;
     // The main target and its copies.
     const std::vector<Node*>& Targets() const { return targets; }
     bool Indexed() const { return index != nullptr; }

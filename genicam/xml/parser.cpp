@@ -23,6 +23,13 @@ bool IsBlank(std::string_view text)
     return text.find_first_not_of(" \t\r\n") == std::string_view::npos;
 }
 
+std::string_view WithoutBlanks(std::string_view text)
+{
+    const size_t first = text.find_first_not_of(" \t\r\n");
+    const size_t last = text.find_last_not_of(" \t\r\n");
+    return first == std::string_view::npos ? std::string_view() : text.substr(first, last - first + 1);
+}
+
 std::string Quoted(std::string_view text)
 {
     return "'" + std::string(text.substr(0, 200)) + "'";
@@ -182,6 +189,12 @@ private:
     std::vector<std::pair<NodeIndex, std::vector<PropertyRecord>>> structEntries;
 };
 
+// In a configuration ROM their content is the key.
+bool IsRomKey(Element element)
+{
+    return element == Element::TextDesc || element == Element::IntKey;
+}
+
 // A knife among the address parts of these is told apart by their name.
 bool NamesItsKnives(Element element)
 {
@@ -320,6 +333,7 @@ void Parser::StartNode(Element element, const XML_Char** attributes)
     }
     const NodeIndex node =
         Define(nodeName, element == Element::StructEntry ? Element::MaskedIntReg : element, standard);
+    text.clear(); // the content of a key
     Builder& builder = Push();
     builder.Start(element, node, Store(name));
     if (element == Element::EnumEntry) builder.properties.push_back(TextRecord(Property::EntryName, builder.name));
@@ -332,7 +346,8 @@ bool Parser::StartChild(std::string_view name, const XML_Char** attributes)
     const Element element = FindElement(name);
     const bool nested = (element == Element::EnumEntry && outer == Element::Enumeration) ||
                         (element == Element::StructEntry && outer == Element::StructReg) ||
-                        (element == Element::IntSwissKnife && Takes(outer, Property::Address));
+                        (element == Element::IntSwissKnife && Takes(outer, Property::Address)) ||
+                        (IsRomKey(element) && outer == Element::ConfRom);
     if (nested)
     {
         StartNode(element, attributes);
@@ -384,7 +399,8 @@ void Parser::StartProperty(Property started, const XML_Char** attributes)
 void Parser::Text(std::string_view part)
 {
     if (skipped > 0) return;
-    if (!open.empty() && open.back() == Open::Property)
+    const bool key = !open.empty() && open.back() == Open::Node && IsRomKey(Current().element);
+    if (!open.empty() && (open.back() == Open::Property || key))
     {
         text.append(part);
     }
@@ -543,6 +559,11 @@ void Parser::CheckName(std::string_view name) const
 void Parser::EndNode()
 {
     Builder& builder = Current();
+    if (IsRomKey(builder.element) && builderCount > 1)
+    {
+        builder.properties.push_back(Link(Property::p1212Parser, builders[builderCount - 2].node));
+        builder.properties.push_back(Record(Property::Key, Number("Key", WithoutBlanks(text))));
+    }
     CheckChoices(builder);
     switch (builder.element)
     {
