@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstdint>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,11 @@ struct PictureCase
     std::string pixelFormat;
     std::string tile;   // components of the pixels (0,0), (1,0), (0,1), (1,1); one letter when all are equal; "" colour
     unsigned depth = 8; // bits of a sample
+
+    friend std::ostream& operator<<(std::ostream& stream, const PictureCase& shown)
+    {
+        return stream << shown.pixelFormat;
+    }
 };
 
 inline simulator::Component ComponentCalled(char letter)

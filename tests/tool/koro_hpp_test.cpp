@@ -185,8 +185,8 @@ TEST(KoroTree, RawInformationCarriesTypeAndBytes)
     const koro::RawInfo id = tree.firstInterface.Info(KORO_INTERFACE_INFO_ID);
     EXPECT_EQ(id.dataType, KORO_INFO_DATATYPE_STRING);
     EXPECT_THAT(id.bytes, ElementsAre('i', 'f', '0', '\0'));
-    producer->AnswerOnce("DevGetInfo", GenTL::GC_ERR_NOT_IMPLEMENTED);
-    EXPECT_EQ(CodeOf([&] { tree.device.Info(KORO_DEVICE_INFO_VENDOR); }), KORO_RETURN_CODE_NOT_IMPLEMENTED);
+    producer->AnswerOnce("DevGetInfo", GenTL::GC_ERR_IO);
+    EXPECT_EQ(CodeOf([&] { tree.device.Info(KORO_DEVICE_INFO_VENDOR); }), KORO_RETURN_CODE_IO_ERROR);
 }
 
 TEST(KoroTree, FailureCarriesTheProducersText)

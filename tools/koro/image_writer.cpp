@@ -82,7 +82,7 @@ bool EncodePNG(png_structp png, png_infop info, std::FILE* stream, const Picture
 // libtiff reports to one function of the process; the text belongs to the thread that writes.
 thread_local std::string tiffFailure;
 
-void KeepTIFFError(const char*, const char* format, va_list arguments)
+__attribute__((format(printf, 2, 0))) void KeepTIFFError(const char*, const char* format, va_list arguments)
 {
     char text[256];
     std::vsnprintf(text, sizeof text, format, arguments);
