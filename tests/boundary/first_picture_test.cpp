@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 #include <thread>
+#include <utility>
+#include <vector>
 
 using namespace koro::test;
 using koro::simulator::Component;
@@ -122,22 +124,30 @@ protected:
         memory.assign(numBuffers, Bytes(Get<std::size_t>(KORO_DataStream_GetPayloadSize, tree.stream), 0xEE));
         for (Bytes& one : memory)
         {
-            KORO_BufferHandle buffer = nullptr;
-            Require(
-                KORO_DataStream_AnnounceBuffer(tree.stream, one.data(), one.size(), &one, nullptr, nullptr, &buffer));
-            Require(KORO_DataStream_QueueBuffer(tree.stream, buffer));
+            buffers.emplace_back();
+            Require(KORO_DataStream_AnnounceBuffer(
+                tree.stream, one.data(), one.size(), &one, nullptr, nullptr, &buffers.back()));
         }
     }
+
+    void QueueAll() const
+    {
+        for (const auto buffer : buffers)
+            Require(KORO_DataStream_QueueBuffer(tree.stream, buffer));
+    }
+
+    void Start() const { Require(KORO_DataStream_StartAcquisitionInfinite(tree.stream, KORO_ACQ_START_FLAGS_DEFAULT)); }
 
     KORO_BufferHandle NextFrame() const
     {
         return Get<KORO_BufferHandle>(KORO_DataStream_WaitForFinishedBuffer, tree.stream, patience_ms);
     }
 
+    std::vector<Bytes> memory; // outlives the library, whose end stops the camera
     const EnvironmentVariable noSettings{"KORO_SIMULATOR_CONFIG", std::nullopt};
     const KoroLibrary library;
     const OpenTree tree{BuiltProducer("zvr_koro_simulator"), GetParam().interface, GetParam().device};
-    std::vector<Bytes> memory;
+    std::vector<KORO_BufferHandle> buffers;
 };
 
 INSTANTIATE_TEST_SUITE_P(Cameras, FirstPicture, testing::ValuesIn(cameras), [](const auto& camera) {
@@ -152,7 +162,8 @@ TEST_P(FirstPicture, EveryPixelIsWhatTheFormulaSays)
     EXPECT_EQ(GetText(KORO_Device_GetSerialNumber, tree.device), camera.serialNumber);
     EXPECT_EQ(GetText(KORO_DataStream_GetTLType, tree.stream), camera.tlType);
     AnnounceMemory();
-    Require(KORO_DataStream_StartAcquisitionInfinite(tree.stream, KORO_ACQ_START_FLAGS_DEFAULT));
+    QueueAll();
+    Start();
     for (int frame = 0; frame < 6; ++frame)
     {
         const auto buffer = NextFrame();
@@ -177,7 +188,8 @@ TEST_P(FirstPicture, EveryPixelIsWhatTheFormulaSays)
 TEST_P(FirstPicture, FrameNumbersAndTimesIncrease)
 {
     AnnounceMemory();
-    Require(KORO_DataStream_StartAcquisitionInfinite(tree.stream, KORO_ACQ_START_FLAGS_DEFAULT));
+    QueueAll();
+    Start();
     std::uint64_t number = 0;
     std::uint64_t time_ns = 0;
     std::uint64_t time_ticks = 0;
@@ -194,18 +206,20 @@ TEST_P(FirstPicture, FrameNumbersAndTimesIncrease)
 
 TEST_P(FirstPicture, FramesWithoutABufferAreUnderruns)
 {
-    Require(KORO_DataStream_StartAcquisitionInfinite(tree.stream, KORO_ACQ_START_FLAGS_DEFAULT));
+    AnnounceMemory();
+    Start();
     const auto underruns = [&] { return Get<std::uint64_t>(KORO_DataStream_GetNumUnderruns, tree.stream); };
     while (underruns() < 3)
         std::this_thread::yield();
     // The lost frames have used up their numbers.
-    AnnounceMemory();
+    QueueAll();
     EXPECT_GT(Get<std::uint64_t>(KORO_Buffer_GetFrameID, NextFrame()), 3u);
 }
 
 TEST_P(FirstPicture, CountedAcquisitionEndsByItself)
 {
     AnnounceMemory();
+    QueueAll();
     Require(KORO_DataStream_StartAcquisition(tree.stream, KORO_ACQ_START_FLAGS_DEFAULT, 3));
     for (int frame = 0; frame < 3; ++frame)
         NextFrame();
@@ -220,7 +234,7 @@ TEST_P(FirstPicture, ProducersMemoryHoldsTheSamePicture)
     Require(KORO_DataStream_QueueBuffer(
         tree.stream, Get<KORO_BufferHandle>(
                          KORO_DataStream_AllocAndAnnounceBuffer, tree.stream, payload, static_cast<void*>(nullptr))));
-    Require(KORO_DataStream_StartAcquisitionInfinite(tree.stream, KORO_ACQ_START_FLAGS_DEFAULT));
+    Start();
     const auto buffer = NextFrame();
     const auto* base = static_cast<const std::uint8_t*>(Get<void*>(KORO_Buffer_GetBasePtr, buffer));
     const Bytes image(base, base + Get<std::size_t>(KORO_Buffer_GetDeliveredDataSize, buffer));
