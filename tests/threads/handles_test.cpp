@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -18,7 +19,31 @@ constexpr int rounds = 5;
 class HandlesInThreads : public StreamTest
 {
 protected:
+    static constexpr std::size_t askers = 3;
+
     HandlesInThreads() { producer->KeepJournal(false); }
+
+    void OpenStreamAgain()
+    {
+        tree.stream = Get<KORO_DataStreamHandle>(KORO_DataStreamDescriptor_OpenDataStream, tree.streamDescriptor);
+    }
+
+    // Ends the stream while every asker is at work; each gets its number.
+    void DestructStreamUnder(const std::function<void(std::size_t)>& askUntilInvalid)
+    {
+        std::atomic<std::size_t> asking{0};
+        Threads threads;
+        threads.Add(askers, [&](std::size_t number) {
+            ++asking;
+            askUntilInvalid(number);
+        });
+        threads.Start();
+        while (asking < askers)
+            std::this_thread::yield();
+        Require(KORO_DataStream_Destruct(tree.stream));
+        threads.Join();
+        OpenStreamAgain();
+    }
 };
 
 // Asks until the handle is gone; tells whether every answer before was one of the allowed ones.
@@ -45,49 +70,31 @@ TEST_F(HandlesInThreads, StreamIsWholeUntilItsHandleIsGone)
     for (int round = 0; round < rounds; ++round)
     {
         StartWithBuffers(2);
-        std::atomic<int> asking{0};
-        Threads threads;
-        threads.Add(3, [&](std::size_t) {
-            ++asking;
+        DestructStreamUnder([&](std::size_t) {
             const auto ask = [&] {
                 std::uint64_t underruns = 0;
                 return KORO_DataStream_GetNumUnderruns(tree.stream, &underruns);
             };
             EXPECT_TRUE(AsksUntilInvalid(ask, InvalidHandle("dataStreamHandle"), {}));
         });
-        threads.Start();
-        while (asking < 3)
-            std::this_thread::yield();
-        Require(KORO_DataStream_Destruct(tree.stream));
-        threads.Join();
-        tree.stream = Get<KORO_DataStreamHandle>(KORO_DataStreamDescriptor_OpenDataStream, tree.streamDescriptor);
     }
 }
 
 TEST_F(HandlesInThreads, BuffersAnswerOrHaveExpiredWhileTheirStreamGoes)
 {
+    // Revoked at the producer, and not yet here.
+    const auto revoked =
+        InfoFailure({"DSGetBufferInfo", 1, "BUFFER_INFO_SIZE"}, ProducerErrorOf(GenTL::GC_ERR_INVALID_HANDLE));
     for (int round = 0; round < rounds; ++round)
     {
-        const auto buffers = tree.QueueBuffers(3);
-        std::atomic<int> asking{0};
-        Threads threads;
-        threads.Add(3, [&](std::size_t number) {
-            ++asking;
+        const auto buffers = tree.QueueBuffers(askers);
+        DestructStreamUnder([&](std::size_t number) {
             const auto ask = [&] {
                 std::size_t size = 0;
                 return KORO_Buffer_GetSize(buffers[number], &size);
             };
-            const InfoQuery query{"DSGetBufferInfo", 1, "BUFFER_INFO_SIZE"};
-            // Revoked at the producer, and not yet here.
-            const auto revoked = InfoFailure(query, ProducerErrorOf(GenTL::GC_ERR_INVALID_HANDLE));
             EXPECT_TRUE(AsksUntilInvalid(ask, InvalidHandle("bufferHandle"), {parentExpired, revoked}));
         });
-        threads.Start();
-        while (asking < 3)
-            std::this_thread::yield();
-        Require(KORO_DataStream_Destruct(tree.stream));
-        threads.Join();
-        tree.stream = Get<KORO_DataStreamHandle>(KORO_DataStreamDescriptor_OpenDataStream, tree.streamDescriptor);
     }
 }
 
@@ -108,7 +115,7 @@ TEST_F(HandlesInThreads, OneOfManyDestructsAStream)
         // Two may both have found the stream before one removed it.
         EXPECT_GE(successes, 1);
         EXPECT_EQ(successes + invalid, 4);
-        tree.stream = Get<KORO_DataStreamHandle>(KORO_DataStreamDescriptor_OpenDataStream, tree.streamDescriptor);
+        OpenStreamAgain();
     }
     EXPECT_EQ(CallsOf({"DSClose"}).size(), std::size_t{rounds});
 }

@@ -57,18 +57,16 @@ TEST_F(UpdatesInThreads, EachArrivalAndDepartureIsReportedOnce)
 TEST_F(UpdatesInThreads, ListenersComeAndGoWhileTheListChanges)
 {
     std::atomic<bool> done{false};
-    std::atomic<int> reports{0};
     Threads threads;
     threads.Add(2, [&](std::size_t) {
-        const auto listen = [](KORO_DeviceDescriptorHandle device, void* count) {
-            // The new device can be asked from inside the report.
+        // The new device can be asked from inside the report.
+        const auto listen = [](KORO_DeviceDescriptorHandle device, void*) {
             EXPECT_EQ(GetText(KORO_DeviceDescriptor_GetVendorName, device), "ZVR");
-            ++*static_cast<std::atomic<int>*>(count);
         };
         while (!done)
         {
             KORO_DeviceFoundCallbackHandle handle = nullptr;
-            Require(KORO_Interface_RegisterDeviceFoundCallback(tree.interface, listen, &reports, &handle));
+            Require(KORO_Interface_RegisterDeviceFoundCallback(tree.interface, listen, nullptr, &handle));
             std::this_thread::yield();
             Require(KORO_Interface_UnregisterDeviceFoundCallback(tree.interface, handle));
         }
@@ -92,5 +90,4 @@ TEST_F(UpdatesInThreads, ListenersComeAndGoWhileTheListChanges)
     }
     done = true;
     threads.Join();
-    EXPECT_GE(reports, 0);
 }
