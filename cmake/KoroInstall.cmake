@@ -6,12 +6,10 @@ set(KORO_INSTALL_PACKAGEDIR ${CMAKE_INSTALL_LIBDIR}/cmake/${PROJECT_NAME})
 set(KORO_INSTALL_PRODUCERDIR ${CMAKE_INSTALL_LIBDIR}/${PROJECT_NAME})
 
 # The object library's include folders are not for consumers, so the package names its own.
-if(TARGET zvr_koro)
-    target_include_directories(zvr_koro INTERFACE $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
-    set_target_properties(zvr_koro PROPERTIES EXPORT_NAME koro)
-    install(TARGETS zvr_koro EXPORT ${PROJECT_NAME}Targets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-    install(EXPORT ${PROJECT_NAME}Targets NAMESPACE zvr:: DESTINATION ${KORO_INSTALL_PACKAGEDIR})
-endif()
+target_include_directories(zvr_koro INTERFACE $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+set_target_properties(zvr_koro PROPERTIES EXPORT_NAME koro)
+install(TARGETS zvr_koro EXPORT ${PROJECT_NAME}Targets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(EXPORT ${PROJECT_NAME}Targets NAMESPACE zvr:: DESTINATION ${KORO_INSTALL_PACKAGEDIR})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/koro DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
     FILES_MATCHING PATTERN "*.h" PATTERN "*.hpp")
 
@@ -29,12 +27,10 @@ cmake_path(APPEND KORO_PC_PRODUCERDIR "\${prefix}" ${KORO_INSTALL_PRODUCERDIR})
 configure_file(${CMAKE_CURRENT_LIST_DIR}/${PROJECT_NAME}.pc.in ${PROJECT_BINARY_DIR}/${PROJECT_NAME}.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/${PROJECT_NAME}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
-if(TARGET koro_tool)
+if(KORO_TOOLS OR KORO_DEVELOPER)
     file(RELATIVE_PATH library_from_tool /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
     set_target_properties(koro_tool PROPERTIES INSTALL_RPATH $ORIGIN/${library_from_tool})
     install(TARGETS koro_tool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-endif()
-if(TARGET zvr_koro_simulator)
     install(TARGETS zvr_koro_simulator LIBRARY DESTINATION ${KORO_INSTALL_PRODUCERDIR})
 endif()
 
