@@ -23,8 +23,8 @@ HandleOf<Descriptor> EnterDescriptor(
     if (!isNew) return handle;
     try
     {
-        // Weak, since the registry would keep a lost descriptor alive; and it tells the entry from a later one at the
-        // same address.
+        // Weak, since the registry would keep a lost descriptor alive. The memory of the object stays taken as long as
+        // the closure is there, so no later descriptor gets its address: a withdrawn handle does not come back to life.
         parent->RegisterLostCallback([id = descriptor->ID(), handle,
                                       entered = std::weak_ptr<Descriptor>(descriptor)](const std::string& lostID) {
             if (lostID == id) Table<Descriptor>().RemoveEntryOf(handle, entered);

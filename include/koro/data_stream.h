@@ -26,12 +26,12 @@ KORO_API KORO_ReturnCode KORO_DataStream_Destruct(KORO_DataStreamHandle dataStre
 
 /**
  * Makes memory of the application known to the stream. It is not queued by this.
- * @param[in]  buffer             the memory; it must stay valid until the revocation callback or the revocation of
- *                                the buffer
+ * @param[in]  buffer             the memory; it must stay valid until the buffer is revoked or the device is closed
  * @param[in]  bufferSize         its size in bytes, at least the payload size
  * @param[in]  userPtr            kept by the producer and given back by KORO_Buffer_GetUserPtr; may be null
  * @param[in]  revocationCallback called once, when the buffer is revoked, on the thread that does it; null for
- *                                none. It must not revoke the same buffer
+ *                                none. It must not revoke the same buffer. Not called for a buffer that is never
+ *                                revoked: its device ended before the stream, or the producer refused
  * @param[in]  callbackContext    passed to the callback as it is; may be null
  * @param[out] bufferHandle       a new handle; ends with KORO_DataStream_RevokeBuffer or the stream
  * @return KORO_RETURN_CODE_INVALID_ARGUMENT for a null buffer

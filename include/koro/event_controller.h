@@ -21,7 +21,8 @@ KORO_API KORO_ReturnCode KORO_EventController_Destruct(KORO_EventControllerHandl
 
 /**
  * Gives any information of the registration as raw bytes.
- * @param[in]  infoCommand    KORO_EVENT_EVENT_TYPE, KORO_EVENT_NUM_..., or a number of the producer's own
+ * @param[in]  infoCommand    KORO_EVENT_EVENT_TYPE, KORO_EVENT_NUM_..., KORO_EVENT_SIZE_MAX,
+ *                            KORO_EVENT_INFO_DATA_SIZE_MAX or a number of the producer's own
  * @param[out] infoDataType   KORO_INFO_DATATYPE_... of the answer; valid also when the buffer is too small
  * @param[out] info, infoSize the bytes as the producer delivered them
  */

@@ -90,6 +90,7 @@ KORO_API KORO_ReturnCode KORO_Interface_UnregisterDeviceFoundCallback(
  * KORO_Interface_UpdateDevices, before any found callback.
  * The callback must not throw, must not register or unregister a lost callback of this interface, and cannot rely
  * on the handle of the lost device's descriptor being valid.
+ * KORO_Interface_GetDevice fails in it with KORO_RETURN_CODE_ERROR for a device that has no handle yet.
  * @param[in]  callback        called as callback(deviceId, deviceIdSize, callbackContext)
  * @param[in]  callbackContext passed to the callback as it is; may be null
  * @param[out] callbackHandle  for unregistering; ends with the interface

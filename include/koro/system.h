@@ -122,6 +122,7 @@ KORO_API KORO_ReturnCode KORO_System_UnregisterInterfaceFoundCallback(
  * KORO_System_UpdateInterfaces, before any found callback.
  * The callback must not throw, must not register or unregister a lost callback of this system, and cannot rely on
  * the handle of the lost interface's descriptor being valid.
+ * KORO_System_GetInterface fails in it with KORO_RETURN_CODE_ERROR for an interface that has no handle yet.
  * @param[in]  callback        called as callback(interfaceId, interfaceIdSize, callbackContext)
  * @param[in]  callbackContext passed to the callback as it is; may be null
  * @param[out] callbackHandle  for unregistering; ends with the system

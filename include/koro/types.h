@@ -113,7 +113,7 @@ typedef void (*KORO_InterfaceFoundCallback)(
 typedef void (*KORO_InterfaceLostCallback)(const char* interfaceId, size_t interfaceIdSize, void* callbackContext);
 typedef void (*KORO_DeviceFoundCallback)(KORO_DeviceDescriptorHandle deviceDescriptorHandle, void* callbackContext);
 typedef void (*KORO_DeviceLostCallback)(const char* deviceId, size_t deviceIdSize, void* callbackContext);
-/* `buffer` is null for memory that the producer allocated. */
+/* `buffer` and `userPtr` are what the producer gives back; null for both if it gives nothing. */
 typedef void (*KORO_BufferRevocationCallback)(void* buffer, void* userPtr, void* callbackContext);
 
 /* What a registration gives, for unregistering alone. */
