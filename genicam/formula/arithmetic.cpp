@@ -22,10 +22,15 @@ int64_t Wrapped(uint64_t number)
     return static_cast<int64_t>(number);
 }
 
-template <class Number>
-void RefuseZero(Number divisor)
+void RefuseZero(int64_t divisor)
 {
     if (divisor == 0) throw FormulaError{"division by zero"};
+}
+
+// Below this a divisor counts as zero.
+void RefuseZero(double divisor)
+{
+    if (std::fabs(divisor) < std::numeric_limits<double>::epsilon()) throw FormulaError{"division by zero"};
 }
 
 // Beyond 64 bits, and for 0 to a negative power: the lowest number.

@@ -132,6 +132,7 @@ void FormulaCompiler<Number>::Expression(bool mayBranch)
         else if (Is(TokenKind::Question) && mayBranch)
         {
             Advance();
+            RefuseSign();
             Expression(false);
             Expect(TokenKind::Colon, ":");
             Sum();
@@ -152,7 +153,7 @@ void FormulaCompiler<Number>::Sum()
     while (const NamedOperation* const found = FindOperator(sumOperators, token))
     {
         Advance();
-        if (IsOperator("+") || IsOperator("-")) throw FormulaError{"extra operation '" + std::string(token.text) + "'"};
+        RefuseSign();
         Product();
         Emit(found->operation);
     }
@@ -180,6 +181,12 @@ void FormulaCompiler<Number>::Bits()
         Unary('\0');
         Emit(found->operation);
     }
+}
+
+template <class Number>
+void FormulaCompiler<Number>::RefuseSign() const
+{
+    if (IsOperator("+") || IsOperator("-")) throw FormulaError{"extra operation '" + std::string(token.text) + "'"};
 }
 
 // Signs and complements may alternate; two of a kind in a row are none.
@@ -259,7 +266,7 @@ void FormulaCompiler<Number>::Call(Operation function)
 {
     if (!Is(TokenKind::Open))
     {
-        if (IsOperator("-") || IsOperator("+")) throw FormulaError{"extra operation '" + std::string(token.text) + "'"};
+        RefuseSign();
         Expression(true);
         return Emit(function);
     }

@@ -21,6 +21,7 @@ private:
     void Sum();
     void Product();
     void Bits();
+    void RefuseSign() const;
     void Unary(char previousSign);
     void Primary();
     void Literal();

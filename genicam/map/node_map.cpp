@@ -274,6 +274,14 @@ void NodeMap::AnnounceWrite(Node& node)
     }
 }
 
+void NodeMap::DropDependents(const Node& node)
+{
+    dropped.clear();
+    Dependents(*At(node.Index()), dropped);
+    for (Node* const dependent : dropped)
+        dependent->DropCaches();
+}
+
 void NodeMap::DropChanged()
 {
     for (Node* const node : changed)

@@ -74,6 +74,8 @@ public:
     // The terminal nodes: those at the end of the writing links.
     void Terminals(Node& node, std::vector<Node*>& list);
     void Dependents(Node& node, std::vector<Node*>& list);
+    // Drops the caches of everything that depends on the node.
+    void DropDependents(const Node& node);
     // Drops the caches of all remembered nodes: a write among them failed.
     void DropChanged();
     CallbackList CollectCallbacks();
@@ -116,6 +118,7 @@ private:
     uint32_t lastMark = 0;
     std::vector<Node*> changed;   // by the operation at work
     std::vector<Node*> terminals; // scratch
+    std::vector<Node*> dropped;   // scratch
     ECallbackSuppressMode suppressMode = csmOff;
 
     mutable CLock callbackLock; // guards what follows; taken inside `lock`, nothing else is taken inside it

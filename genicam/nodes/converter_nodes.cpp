@@ -11,16 +11,13 @@ namespace GENAPI_NAMESPACE::runtime
 namespace
 {
 
-// One limit of the value, sent through the formula; which one, the slope tells. `through` computes the value of a
-// limit.
-template <class Number, class Through>
-Number LimitBySlope(ESlope slope, bool upper, const Through& through)
+// One limit of the value, sent through the formula; which one, the slope tells. An automatic slope is found out by the
+// limits of the first time and stays. `through` computes the value of a limit.
+template <class Through>
+auto LimitBySlope(ESlope& slope, bool upper, const Through& through)
 {
-    if (slope == Increasing) return through(upper);
-    if (slope == Decreasing) return through(!upper);
-    const Number first = through(false);
-    const Number second = through(true);
-    return upper ? std::max(first, second) : std::min(first, second);
+    if (slope == Automatic) slope = through(true) < through(false) ? Decreasing : Increasing;
+    return through(slope == Decreasing ? !upper : upper);
 }
 
 EAccessMode ModeOf(const Node& value, const Node& to, const Node& from)
@@ -47,6 +44,7 @@ void IntegerConverter::Resolve()
     value = Linked(Property::pValue);
     to = dynamic_cast<IntegerKnife*>(Linked(Property::pConvertTo));
     from = dynamic_cast<IntegerKnife*>(Linked(Property::pConvertFrom));
+    slope = static_cast<ESlope>(NumberOf(Property::Slope, Automatic));
 }
 
 int64_t IntegerConverter::Read(ReadOptions options)
@@ -61,11 +59,14 @@ void IntegerConverter::Write(int64_t written, bool verify)
 
 int64_t IntegerConverter::Limit(bool upper)
 {
-    const ESlope slope = static_cast<ESlope>(NumberOf(Property::Slope, Automatic));
     if (slope == Varying) return upper ? GC_INT64_MAX : GC_INT64_MIN;
-    return LimitBySlope<int64_t>(slope, upper, [this](bool max) {
-        return from->Compute(max ? value->Available().IntegerMax() : value->Available().IntegerMin(), {});
-    });
+    return LimitBySlope(slope, upper, [this](bool max) { return LimitThroughFormula(max); });
+}
+
+int64_t IntegerConverter::LimitThroughFormula(bool upper)
+{
+    Node& target = value->Available();
+    return from->Compute(upper ? target.IntegerMax() : target.IntegerMin(), {});
 }
 
 EAccessMode IntegerConverter::NaturalMode() const
@@ -84,6 +85,7 @@ void FloatConverter::Resolve()
     value = Linked(Property::pValue);
     to = dynamic_cast<FloatKnife*>(Linked(Property::pConvertTo));
     from = dynamic_cast<FloatKnife*>(Linked(Property::pConvertFrom));
+    slope = static_cast<ESlope>(NumberOf(Property::Slope, Automatic));
 }
 
 double FloatConverter::Read(ReadOptions options)
@@ -98,12 +100,15 @@ void FloatConverter::Write(double written, bool verify)
 
 double FloatConverter::Limit(bool upper)
 {
-    const ESlope slope = static_cast<ESlope>(NumberOf(Property::Slope, Automatic));
     if (slope == Varying) return upper ? FloatBase::RealMax() : FloatBase::RealMin();
-    const double limit = LimitBySlope<double>(slope, upper, [this](bool max) {
-        return from->Compute(max ? value->Available().RealMax() : value->Available().RealMin(), {});
-    });
+    const double limit = LimitBySlope(slope, upper, [this](bool max) { return LimitThroughFormula(max); });
     return std::clamp(limit, FloatBase::RealMin(), FloatBase::RealMax()); // doubles stop at the largest
+}
+
+double FloatConverter::LimitThroughFormula(bool upper)
+{
+    Node& target = value->Available();
+    return from->Compute(upper ? target.RealMax() : target.RealMin(), {});
 }
 
 bool FloatConverter::HasRealInc()
@@ -115,7 +120,7 @@ double FloatConverter::RealInc()
 {
     if (!HasRealInc()) return FloatBase::RealInc();
     const double inc = from->Compute(value->Available().RealInc(), {});
-    return NumberOf(Property::Slope, Automatic) == Decreasing ? -inc : inc;
+    return slope == Decreasing ? -inc : inc;
 }
 
 EAccessMode FloatConverter::NaturalMode() const

@@ -23,10 +23,12 @@ protected:
 
 private:
     int64_t Limit(bool upper);
+    int64_t LimitThroughFormula(bool upper);
 
     Node* value = nullptr;
     IntegerKnife* to = nullptr;
     IntegerKnife* from = nullptr;
+    ESlope slope = Automatic;
 };
 
 class FloatConverter : public FloatBase
@@ -47,10 +49,12 @@ protected:
 
 private:
     double Limit(bool upper);
+    double LimitThroughFormula(bool upper);
 
     Node* value = nullptr;
     FloatKnife* to = nullptr;
     FloatKnife* from = nullptr;
+    ESlope slope = Automatic;
 };
 
 } // namespace GENAPI_NAMESPACE::runtime

@@ -136,8 +136,8 @@ EAccessMode Node::AccessMode() const
     catch (...)
     {
         modeInWork = false;
-        // A condition that cannot be read is told once; then the node is as if it had none.
-        if (mode != RW || AccessCacheable()) cachedMode = static_cast<uint8_t>(mode);
+        // A condition that cannot be read is told once; then nothing restricts the node until its caches are dropped.
+        if (AccessCacheable()) cachedMode = RW;
         throw;
     }
     modeInWork = false;
@@ -246,6 +246,7 @@ EYesNo Node::IsAccessModeCacheable() const
 bool Node::AccessCacheable() const
 {
     if (cachedAccessCacheable != _UndefinedYesNo) return cachedAccessCacheable == Yes;
+    cachedAccessCacheable = Yes; // for entries that ask their own enumeration
     const Descent descent(*this);
     bool cacheable = true;
     for (const Node* const condition : {implemented, available, locked})
@@ -261,7 +262,7 @@ bool Node::AccessCacheable() const
 
 bool Node::ReadsForAccess(Property link) const
 {
-    return IsReadLink(link) && link != Property::pBlockPolling;
+    return (IsReadLink(link) && link != Property::pBlockPolling) || link == Property::pEntry;
 }
 
 ECachingMode Node::GetCachingMode() const

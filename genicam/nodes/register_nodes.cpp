@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <stdexcept>
 #include <string.h>
 
 namespace GENAPI_NAMESPACE::runtime
@@ -36,12 +37,10 @@ void FromWord(uint64_t word, uint8_t* bytes, unsigned length, bool big)
         bytes[big ? length - 1 - i : i] = static_cast<uint8_t>(word >> 8 * i);
 }
 
-size_t CheckedTextLength(const Node& node, int64_t length)
+// The standard exception, as of any text that is too long.
+size_t CheckedTextLength(int64_t length)
 {
-    if (length > maxTextLength)
-    {
-        throw RangeError(node, "A register of " + std::to_string(length) + " bytes is too long for a text.");
-    }
+    if (length > maxTextLength) throw std::length_error("basic_string::_S_create");
     return static_cast<size_t>(length);
 }
 
@@ -187,7 +186,7 @@ void FloatRegister::Write(double value, bool verify)
 // Up to the first zero byte; without one the full length.
 gcstring StringRegister::Read(ReadOptions options)
 {
-    std::vector<uint8_t> bytes(CheckedTextLength(*this, place.Length()));
+    std::vector<uint8_t> bytes(CheckedTextLength(place.Length()));
     place.ReadBytes(bytes.data(), static_cast<int64_t>(bytes.size()), options);
     const auto end = std::find(bytes.begin(), bytes.end(), uint8_t(0));
     return gcstring(reinterpret_cast<const char*>(bytes.data()), static_cast<size_t>(end - bytes.begin()));
@@ -195,14 +194,14 @@ gcstring StringRegister::Read(ReadOptions options)
 
 void StringRegister::Write(const gcstring& value, bool verify)
 {
-    std::vector<uint8_t> bytes(CheckedTextLength(*this, place.Length()));
+    std::vector<uint8_t> bytes(CheckedTextLength(place.Length()));
     memcpy(bytes.data(), value.c_str(), std::min(value.size(), bytes.size()));
     place.WriteBytes(bytes.data(), static_cast<int64_t>(bytes.size()), verify);
 }
 
 gcstring RegisterNode::ValueText(ReadOptions options)
 {
-    std::vector<uint8_t> bytes(CheckedTextLength(*this, place.Length()));
+    std::vector<uint8_t> bytes(CheckedTextLength(place.Length()));
     place.ReadBytes(bytes.data(), static_cast<int64_t>(bytes.size()), options);
     if (options.verify) CheckErrors();
     const std::string text = HexText(bytes.data(), bytes.size());

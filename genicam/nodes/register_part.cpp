@@ -174,6 +174,8 @@ void RegisterPart::WriteBytes(const uint8_t* bytes, int64_t count, bool verify)
     IPort& connected = port->Connected();
     RegisterCache::Block* const cache = Block(start, length);
     const bool known = cache && (cache->valid || count == length) && node.CachingMode() == WriteThrough;
+    // What was read on the way here is from before the write.
+    node.Map().DropDependents(node);
     if (cache) cache->valid = false; // until the port has taken it
     connected.Write(bytes, start, count);
     if (!known) return;

@@ -124,8 +124,8 @@ std::string RealText(double value, double min, double max, EDisplayNotation nota
     std::string text = Shown(value, notation, digits);
     double shown = 0;
     if (!std::isfinite(value) || !ReadReal(text, shown)) return text;
-    if (shown > max) return Shown(shown - HalfUnit(text), notation, digits);
-    if (shown < min) return Shown(shown + HalfUnit(text), notation, digits);
+    if (shown > max) return Shown(value - HalfUnit(text), notation, digits);
+    if (shown < min) return Shown(value + HalfUnit(text), notation, digits);
     return text;
 }
 

@@ -26,12 +26,16 @@ std::string_view View(const gcstring& text)
     return {text.c_str(), text.size()};
 }
 
-// The step of the grid that is nearest to the value, the lower one of two, within the limits.
+int64_t Saturated(double whole)
+{
+    if (whole >= 0x1p63) return GC_INT64_MAX;
+    return whole >= -0x1p63 ? static_cast<int64_t>(whole) : GC_INT64_MIN; // not a number: the lowest
+}
+
+// The step of the grid that is nearest to the value, the lower one of two; a value outside the limits is left alone.
 int64_t NearestStep(int64_t value, int64_t min, int64_t max, int64_t inc)
 {
-    if (value <= min || max <= min) return min;
-    if (value > max) value = max;
-    if (inc <= 1) return value;
+    if (value < min || value > max || inc <= 1) return value;
     const uint64_t step = static_cast<uint64_t>(inc);
     const uint64_t distance = static_cast<uint64_t>(value) - static_cast<uint64_t>(min);
     const uint64_t range = static_cast<uint64_t>(max) - static_cast<uint64_t>(min);
@@ -119,12 +123,7 @@ void IntegerBase::WriteInteger(int64_t value, bool verify)
 
 void IntegerBase::WriteReal(double value, bool verify)
 {
-    const double rounded = std::round(value);
-    if (!(rounded >= -0x1p63 && rounded < 0x1p63))
-    {
-        throw RangeError(*this, "Value = " + std::to_string(value) + " does not fit an integer.");
-    }
-    WriteInteger(NearestStep(static_cast<int64_t>(rounded), IntegerMin(), IntegerMax(), IntegerInc()), verify);
+    WriteInteger(NearestStep(Saturated(std::round(value)), IntegerMin(), IntegerMax(), IntegerInc()), verify);
 }
 
 void IntegerBase::CheckRange(int64_t value)

@@ -48,12 +48,13 @@ EAccessMode Presence(const Node& node)
 } // namespace
 
 template <class Number>
-void ValueSource<Number>::Resolve(const Node& owner)
+void ValueSource<Number>::Resolve(const Node& resolved)
 {
-    const Span<PropertyRecord> records = owner.Source().PropertiesOf(owner.Index());
+    owner = &resolved;
+    const Span<PropertyRecord> records = owner->Source().PropertiesOf(owner->Index());
     for (const PropertyRecord* record = records.begin(); record != records.end(); ++record)
     {
-        const auto node = [&] { return owner.Map().At(record->node); };
+        const auto node = [&] { return owner->Map().At(record->node); };
         const auto number = [&] { return NumberIn(*record, static_cast<Number*>(nullptr)); };
         switch (record->property)
         {
@@ -124,6 +125,7 @@ void ValueSource<Number>::Write(Number value, bool verify)
     }
     else
     {
+        owner->Map().DropDependents(*owner);
         choice.constant = value;
     }
 }

@@ -13,7 +13,7 @@ template <class Number>
 class ValueSource
 {
 public:
-    void Resolve(const Node& owner);
+    void Resolve(const Node& resolved);
 
     Number Read(ReadOptions options);
     // To every target, in the order of the file.
@@ -37,6 +37,7 @@ private:
     Choice& Chosen();
     const Choice& Chosen() const { return const_cast<ValueSource*>(this)->Chosen(); }
 
+    const Node* owner = nullptr;
     Node* main = nullptr;        // pValue
     std::vector<Node*> targets;  // it and the copies
     Node* index = nullptr;       // pIndex

@@ -330,22 +330,21 @@ std::vector<NodeIndex> Resolver::ReadersOf(NodeIndex node) const
     return readers;
 }
 
-// What reads the node, directly or not, but for categories, is selected with it; depth first.
+// What reads the node, directly or not, but for categories, is selected with it: the nearest first.
 void Resolver::AppendValueDependents(NodeIndex node, std::vector<NodeIndex>& list)
 {
-    std::vector<NodeIndex> stack(1, node);
-    while (!stack.empty())
+    const size_t first = list.size();
+    const auto append = [&](NodeIndex reader) {
+        if (listed[reader]) return;
+        listed[reader] = true;
+        list.push_back(reader);
+    };
+    for (const NodeIndex reader : ReadersOf(node))
+        append(reader);
+    for (size_t i = first; i < list.size(); ++i)
     {
-        const NodeIndex current = stack.back();
-        stack.pop_back();
-        if (current != node)
-        {
-            if (listed[current]) continue;
-            listed[current] = true;
-            list.push_back(current);
-        }
-        const std::vector<NodeIndex> readers = ReadersOf(current);
-        stack.insert(stack.end(), readers.rbegin(), readers.rend());
+        for (const NodeIndex reader : ReadersOf(list[i]))
+            append(reader);
     }
 }
 

@@ -426,6 +426,8 @@ void Parser::End()
 void Parser::EndProperty()
 {
     Builder& builder = Current();
+    const bool unsaid = text.empty() && FormOf(builder.element, property) == Form::Word && WordOf(property, 0) == "No";
+    if (unsaid) return; // an empty "yes or no" is none
     if (property == Property::Constant)
     {
         const std::string name = MadeUpName(builder, description->Text(attributeRecords[0].text));
