@@ -5,9 +5,12 @@
 
 #include <cfenv>
 #include <clocale>
+#include <csignal>
+#include <future>
 #include <locale>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace koro::internal
@@ -363,6 +366,25 @@ TEST_F(WildProducers, ChangedLocaleAndRoundingModeDoNotReachTheTexts)
         outcome, (Error{
                      KORO_RETURN_CODE_ERROR,
                      "[Function: TLGetInfo | Error: 1099511627776 information bytes exceed the bound of 16777216]"}));
+}
+
+TEST_F(WildProducers, ChangedSignalHandlersAndThreadsLeftRunningDoNotDisturbTheClose)
+{
+    const auto handlerBefore = std::signal(SIGUSR1, SIG_DFL);
+    std::promise<void> testEnds;
+    std::thread leftRunning;
+    producer->OnEntry("TLGetInfo", [&] {
+        std::signal(SIGUSR1, SIG_IGN);
+        if (leftRunning.joinable()) return; // the size query came before
+        leftRunning = std::thread([end = testEnds.get_future()] { end.wait(); });
+    });
+    EXPECT_FALSE(Vendor().empty());
+    EXPECT_EQ(Outcome(KORO_ProducerLibrary_Destruct(tree.producerLibrary)), Error{});
+    EXPECT_TRUE(leftRunning.joinable());
+
+    testEnds.set_value();
+    leftRunning.join();
+    std::signal(SIGUSR1, handlerBefore);
 }
 
 TEST_F(WildProducers, ChildrenClosedWithTheirParentByTheProducerCloseQuietly)
