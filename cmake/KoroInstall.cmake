@@ -20,7 +20,14 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/${PROJECT_NAME}ConfigVers
 install(FILES ${PROJECT_BINARY_DIR}/${PROJECT_NAME}Config.cmake ${PROJECT_BINARY_DIR}/${PROJECT_NAME}ConfigVersion.cmake
     DESTINATION ${KORO_INSTALL_PACKAGEDIR})
 
-# pkg-config follows a moved prefix only while the folders stay below it.
+# The file finds the prefix from its own place, so that the tree may be installed anywhere and moved.
+if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
+    set(KORO_PC_PREFIX ${CMAKE_INSTALL_PREFIX})
+else()
+    file(RELATIVE_PATH KORO_PC_PREFIX /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+    string(PREPEND KORO_PC_PREFIX "\${pcfiledir}/")
+    string(REGEX REPLACE "/$" "" KORO_PC_PREFIX ${KORO_PC_PREFIX})
+endif()
 cmake_path(APPEND KORO_PC_LIBDIR "\${prefix}" ${CMAKE_INSTALL_LIBDIR})
 cmake_path(APPEND KORO_PC_INCLUDEDIR "\${prefix}" ${CMAKE_INSTALL_INCLUDEDIR})
 cmake_path(APPEND KORO_PC_PRODUCERDIR "\${prefix}" ${KORO_INSTALL_PRODUCERDIR})
