@@ -99,17 +99,6 @@ ECachingMode FloatNode::NaturalCaching() const
     return mode == WriteThrough ? WriteAround : mode;
 }
 
-// An integer behind gets what is nearest within its limits.
-void FloatNode::Write(double value, bool verify)
-{
-    Node* const target = source.Target();
-    if (target && IsIntegerKind(target->Kind()))
-    {
-        value = std::min(std::max(value, target->RealMin()), target->RealMax());
-    }
-    source.Write(value, verify);
-}
-
 double FloatNode::RealMin()
 {
     if (const PropertyRecord* const own = Find(Property::Min)) return own->real;

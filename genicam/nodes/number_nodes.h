@@ -41,7 +41,7 @@ public:
 
 protected:
     double Read(ReadOptions options) override { return source.Read(options); }
-    void Write(double value, bool verify) override;
+    void Write(double value, bool verify) override { source.Write(value, verify); }
     EAccessMode NaturalMode() const override;
     ECachingMode NaturalCaching() const override;
 

@@ -26,16 +26,13 @@ std::string_view View(const gcstring& text)
     return {text.c_str(), text.size()};
 }
 
-int64_t Saturated(double whole)
-{
-    if (whole >= 0x1p63) return GC_INT64_MAX;
-    return whole >= -0x1p63 ? static_cast<int64_t>(whole) : GC_INT64_MIN; // not a number: the lowest
-}
-
-// The step of the grid that is nearest to the value, the lower one of two; a value outside the limits is left alone.
+// With an increment above 1 the nearest step within the limits, the lower one of two; with 1 the value itself, wherever
+// it lies.
 int64_t NearestStep(int64_t value, int64_t min, int64_t max, int64_t inc)
 {
-    if (value < min || value > max || inc <= 1) return value;
+    if (inc <= 1) return value;
+    if (value <= min || max <= min) return min;
+    value = std::min(value, max);
     const uint64_t step = static_cast<uint64_t>(inc);
     const uint64_t distance = static_cast<uint64_t>(value) - static_cast<uint64_t>(min);
     const uint64_t range = static_cast<uint64_t>(max) - static_cast<uint64_t>(min);
@@ -123,7 +120,12 @@ void IntegerBase::WriteInteger(int64_t value, bool verify)
 
 void IntegerBase::WriteReal(double value, bool verify)
 {
-    WriteInteger(NearestStep(Saturated(std::round(value)), IntegerMin(), IntegerMax(), IntegerInc()), verify);
+    const double rounded = std::round(value);
+    if (!(rounded >= -0x1p63 && rounded < 0x1p63))
+    {
+        throw RangeError(*this, "Value = " + std::to_string(value) + " does not fit an integer.");
+    }
+    WriteInteger(NearestStep(static_cast<int64_t>(rounded), IntegerMin(), IntegerMax(), IntegerInc()), verify);
 }
 
 void IntegerBase::CheckRange(int64_t value)
