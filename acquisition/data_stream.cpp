@@ -165,12 +165,14 @@ std::uint64_t DataStream::CountInfo(std::int32_t command) const
 std::shared_ptr<Buffer> DataStream::AnnounceBuffer(
     void* buffer, std::size_t bufferSize, void* userPtr, RevocationCallback onRevocation)
 {
-    if (!buffer) throw InvalidArgumentException("Buffer is a null pointer!");
-    auto announced = Announced([&](BUFFER_HANDLE* handle) {
-        gentl.Call<&GenTLProxy::DSAnnounceBuffer>(Handle(), buffer, bufferSize, userPtr, handle);
+    return WithDevice([&] {
+        if (!buffer) throw InvalidArgumentException("Buffer is a null pointer!");
+        auto announced = Announced([&](BUFFER_HANDLE* handle) {
+            gentl.Call<&GenTLProxy::DSAnnounceBuffer>(Handle(), buffer, bufferSize, userPtr, handle);
+        });
+        announced->AddRevocationCallback(this, std::move(onRevocation));
+        return announced;
     });
-    announced->AddRevocationCallback(this, std::move(onRevocation));
-    return announced;
 }
 
 std::shared_ptr<Buffer> DataStream::AllocAndAnnounceBuffer(std::size_t bufferSize, void* userPtr)
@@ -213,14 +215,16 @@ std::shared_ptr<Buffer> DataStream::Announced(Announce&& announce)
 
 void DataStream::QueueBuffer(const std::shared_ptr<Buffer>& buffer)
 {
-    CheckNotEmpty(buffer);
-    WithDevice([&] { gentl.Call<&GenTLProxy::DSQueueBuffer>(Handle(), buffer->Handle()); });
+    WithDevice([&] {
+        CheckNotEmpty(buffer);
+        gentl.Call<&GenTLProxy::DSQueueBuffer>(Handle(), buffer->Handle());
+    });
 }
 
 void DataStream::RevokeBuffer(const std::shared_ptr<Buffer>& buffer)
 {
-    CheckNotEmpty(buffer);
     WithDevice([&] {
+        CheckNotEmpty(buffer);
         buffer->Revoke(Handle());
         const std::lock_guard lock(buffersLock);
         std::erase(buffers, buffer);
