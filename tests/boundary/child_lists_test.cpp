@@ -258,7 +258,9 @@ TYPED_TEST(ChildLists, ChildFoundAgainIsAnotherObjectAndIsWithdrawnAnew)
         EXPECT_EQ(this->OutcomeOfKey(child), InvalidHandle(TypeParam::childParameter));
         this->SetChildren({"a", "b"});
         this->Update();
+        EXPECT_NE(this->At(1), child);
         EXPECT_EQ(this->OutcomeOfKey(this->At(1)), Error{});
+        EXPECT_EQ(this->OutcomeOfKey(child), InvalidHandle(TypeParam::childParameter));
     }
 }
 
@@ -397,6 +399,21 @@ TYPED_TEST(ChildLists, FetchingANewChildInsideALostCallbackIsCodeOneAndLeavesNoH
     EXPECT_EQ(returned, KORO_RETURN_CODE_ERROR);
     EXPECT_EQ(fetched, nullptr);
     EXPECT_EQ(this->OutcomeOfKey(this->At(0)), Error{});
+}
+
+// Only a handle that is new registers something, which a lost callback cannot do.
+TYPED_TEST(ChildLists, FetchingAKnownChildInsideALostCallbackRegistersNothing)
+{
+    typename TypeParam::Listener listener(this->parent);
+    const auto second = this->At(1);
+    typename TypeParam::Child fetched = nullptr;
+    Error outcome{KORO_RETURN_CODE_ERROR, "not called"};
+    listener.onLost = [&] { outcome = Outcome(TypeParam::getChild(this->parent, 0, &fetched)); };
+    this->SetChildren({"b"});
+    this->Update();
+
+    EXPECT_EQ(outcome, Error{});
+    EXPECT_EQ(fetched, second);
 }
 
 TYPED_TEST(ChildLists, UpdateInsideACallbackWorks)
