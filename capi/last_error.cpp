@@ -1,5 +1,7 @@
 #include "capi/last_error.h"
 
+#include "base/per_thread.h"
+
 #include <new>
 
 namespace koro::internal
@@ -14,33 +16,34 @@ struct LastError
     std::string text;
 };
 
-// Its destructor keeps the library mapped until the thread ends, also after dlclose: docs/abi.md.
-thread_local LastError lastError;
+// Keeps the library mapped until the thread ends, also after dlclose: docs/abi.md.
+constinit thread_local PerThread<LastError> lastError;
 
 } // namespace
 
 KORO_ReturnCode RecordLastError(KORO_ReturnCode code, std::string_view text) noexcept
 {
-    lastError.code = code;
+    LastError& record = lastError.Get();
+    record.code = code;
     try
     {
-        lastError.text.assign(text);
+        record.text.assign(text);
     }
     catch (const std::bad_alloc&)
     {
-        lastError.text.clear();
+        record.text.clear();
     }
     return code;
 }
 
 KORO_ReturnCode LastErrorCode() noexcept
 {
-    return lastError.code;
+    return lastError.Get().code;
 }
 
 const std::string& LastErrorText() noexcept
 {
-    return lastError.text;
+    return lastError.Get().text;
 }
 
 } // namespace koro::internal

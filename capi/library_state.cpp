@@ -6,6 +6,7 @@
 #include <atomic>
 #include <cstdint>
 #include <mutex>
+#include <utility>
 
 namespace koro::internal
 {
@@ -26,7 +27,7 @@ struct UnloadGuard
 {
     ~UnloadGuard()
     {
-        if (!IsLibraryInitialized()) delete tables;
+        if (!IsLibraryInitialized()) delete std::exchange(tables, nullptr); // an exit handler may start anew
     }
 } unloadGuard;
 

@@ -1,6 +1,7 @@
 #include "gentl/gentl_proxy.h"
 
 #include "base/exceptions.h"
+#include "base/per_thread.h"
 
 #include <cstring>
 #include <cxxabi.h>
@@ -13,7 +14,7 @@ namespace
 
 // Per thread and shared by all proxies: a failing call and the query of its text follow each other on one thread.
 constinit thread_local GenTL::GC_ERROR notImplementedMarker = 0;
-thread_local std::string notImplementedText;
+constinit thread_local PerThread<std::string> notImplementedText;
 
 } // namespace
 
@@ -24,7 +25,7 @@ void ClearRefusedCall() noexcept
 
 GenTL::GC_ERROR RefuseCall(const std::string& ctiPath, const char* function)
 {
-    notImplementedText = "The instrumented TL (" + ctiPath + ") does not implement " + function + "()!";
+    notImplementedText.Get() = "The instrumented TL (" + ctiPath + ") does not implement " + function + "()!";
     notImplementedMarker = notImplementedCode;
     return notImplementedCode;
 }
@@ -57,7 +58,7 @@ void RethrowProducerException()
 GenTLProxy::GenTLProxy(const std::string& path) : ctiPath(path), library(path)
 {
     notImplementedMarker = 0;
-    notImplementedText.clear();
+    notImplementedText.Get().clear();
 
     BindBootstrap();
     DetermineVersion();
@@ -76,9 +77,10 @@ GenTL::GC_ERROR GenTLProxy::GCGetLastError(GenTL::GC_ERROR* errorCode, char* tex
     if (notImplementedMarker == 0) return producerGetLastError(errorCode, text, size);
 
     if (!errorCode || !size) return GenTL::GC_ERR_INVALID_PARAMETER;
-    const std::size_t needed = notImplementedText.size() + 1;
+    const std::string& refusal = notImplementedText.Get();
+    const std::size_t needed = refusal.size() + 1;
     if (text && *size != 0 && *size < needed) return GenTL::GC_ERR_BUFFER_TOO_SMALL;
-    if (text) std::memcpy(text, notImplementedText.c_str(), needed);
+    if (text) std::memcpy(text, refusal.c_str(), needed);
     *size = needed;
     return GenTL::GC_ERR_SUCCESS;
 }
@@ -106,8 +108,7 @@ void GenTLProxy::BindCore()
 void GenTLProxy::BindVersionGroups()
 {
     const bool isUnknown = !versionQuerySucceeded;
-    BindIf(
-        isUnknown || IsVersionAtLeast(1), GCGetNumPortURLs, GCGetPortURLInfo, GCReadPortStacked, GCWritePortStacked);
+    BindIf(isUnknown || IsVersionAtLeast(1), GCGetNumPortURLs, GCGetPortURLInfo, GCReadPortStacked, GCWritePortStacked);
     BindIf(isUnknown || IsVersionAtLeast(3), DSGetBufferChunkData);
     BindIf(isUnknown || IsVersionAtLeast(4), IFGetParentTL, DevGetParentIF, DSGetParentDev);
     BindIf(!isUnknown && IsVersionAtLeast(5), DSGetNumBufferParts, DSGetBufferPartInfo);

@@ -1,0 +1,43 @@
+// PerThread: an object that each thread has for itself, made on first use and destroyed with the thread.
+//
+// Declare it constinit thread_local. Unlike a plain thread_local object it may be used to the very end: what runs
+// after the thread's own objects have gone, such as static objects and exit handlers of an application on the main
+// thread, finds a new object and not a destroyed one. While it exists the library stays mapped.
+#pragma once
+
+#include <cstddef>
+#include <cxxabi.h>
+#include <memory>
+#include <new>
+#include <type_traits>
+#include <utility>
+
+// The compiler's name for the library or program that this code is linked into.
+extern "C" __attribute__((visibility("hidden"))) void* __dso_handle;
+
+namespace koro::internal
+{
+
+template <class T>
+class PerThread
+{
+public:
+    T& Get() noexcept
+    {
+        static_assert(std::is_nothrow_default_constructible_v<T>);
+        if (!object)
+        {
+            object = new (storage) T;
+            abi::__cxa_thread_atexit(&End, this, &__dso_handle);
+        }
+        return *object;
+    }
+
+private:
+    static void End(void* self) { std::destroy_at(std::exchange(static_cast<PerThread*>(self)->object, nullptr)); }
+
+    alignas(T) std::byte storage[sizeof(T)] = {};
+    T* object = nullptr;
+};
+
+} // namespace koro::internal
