@@ -4,7 +4,6 @@
 #include "modules/producer_library.h"
 #include <koro/environment_inspector.h>
 
-#include <algorithm>
 #include <string>
 
 using namespace koro::internal;
@@ -15,9 +14,7 @@ namespace
 // A producer in use is accepted as it is; any other one is loaded, started, ended and unloaded again.
 bool IsUsable(const std::string& ctiPath)
 {
-    const auto libraries = Table<ProducerLibrary>().Objects();
-    const auto hasPath = [&](const auto& library) { return library->Key() == ctiPath; };
-    if (std::any_of(libraries.begin(), libraries.end(), hasPath)) return true;
+    if (Table<ProducerLibrary>().AnyOf([&](const auto& library) { return library.Key() == ctiPath; })) return true;
 
     const ProducerLibrary trial(ctiPath);
     return true;

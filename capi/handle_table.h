@@ -10,6 +10,7 @@
 #include "base/exceptions.h"
 #include "capi/handle_kinds.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -17,7 +18,6 @@
 #include <mutex>
 #include <unordered_map>
 #include <utility>
-#include <vector>
 
 namespace koro::internal
 {
@@ -85,17 +85,16 @@ public:
         });
     }
 
-    // Copies of the references, in no order.
-    std::vector<std::shared_ptr<T>> Objects() const
+    // Looks under the mutex, so that no reference is made whose end could close a module.
+    template <class Predicate>
+    bool AnyOf(Predicate&& predicate) const
     {
-        std::vector<std::shared_ptr<T>> objects;
-        for (auto& shard : shards)
-        {
+        return std::any_of(shards.begin(), shards.end(), [&](Shard& shard) {
             const std::lock_guard lock(shard.mutex);
-            for (const auto& [key, object] : shard.entries)
-                objects.push_back(object);
-        }
-        return objects;
+            return std::any_of(shard.entries.begin(), shard.entries.end(), [&](const auto& entry) {
+                return predicate(*entry.second);
+            });
+        });
     }
 
     // Admits entries; a table is open from the start.

@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <cxxabi.h>
+#include <mutex>
 
 namespace koro::internal
 {
@@ -48,18 +50,24 @@ bool PassesTest(const EnvironmentInspector::UsabilityTest& isUsable, const std::
     {
         return isUsable(path);
     }
+    catch (const abi::__forced_unwind&)
+    {
+        throw; // a cancelled thread has to unwind to its end
+    }
     catch (...) // one producer that does not load must not hide the others
     {
         return false;
     }
 }
 
+// At namespace scope, where it outlives the static objects and exit handlers of an application.
+EnvironmentInspector sharedInspector;
+
 } // namespace
 
 EnvironmentInspector& EnvironmentInspector::Shared()
 {
-    static EnvironmentInspector inspector;
-    return inspector;
+    return sharedInspector;
 }
 
 void EnvironmentInspector::UpdateCTIPaths(const UsabilityTest& isUsable)

@@ -1,10 +1,12 @@
 // EnvironmentInspector: the producers that GENICAM_GENTL64_PATH leads to.
 //
-// One for the process, never destroyed before its end; closing the library leaves it alone. Any thread.
+// One for the process, never destroyed before its end; closing the library leaves it alone. Any thread; a producer
+// that comes back here while it is tested gets the standard deadlock error.
 #pragma once
 
+#include "base/checked_mutex.h"
+
 #include <functional>
-#include <mutex>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -29,7 +31,7 @@ public:
     std::vector<std::string> CTIPaths() const;
 
 private:
-    mutable std::mutex mutex;
+    mutable CheckedMutex mutex;
     std::vector<std::string> ctiPaths;
 };
 

@@ -342,6 +342,38 @@ TEST_F(EnvironmentInspector, GetterThatComesDuringAnUpdateAnswersWithItsResult)
     EXPECT_EQ(count.get(), 1u);
 }
 
+TEST_F(EnvironmentInspector, ProducerThatAsksDuringItsOwnTrialIsRefusedInsteadOfHanging)
+{
+    const ScriptedProducer producer;
+    KORO_ReturnCode read = KORO_RETURN_CODE_SUCCESS;
+    KORO_ReturnCode update = KORO_RETURN_CODE_SUCCESS;
+    producer->OnEntry("GCInitLib", [&] {
+        std::size_t count = 0;
+        read = KORO_EnvironmentInspector_GetNumCTIPaths(&count);
+        update = KORO_EnvironmentInspector_UpdateCTIPaths();
+    });
+
+    EXPECT_EQ(PathsAfterUpdate(producer.Folder().Path().string()), Strings{producer.Path()});
+    EXPECT_EQ(read, KORO_RETURN_CODE_ERROR);
+    EXPECT_EQ(update, KORO_RETURN_CODE_ERROR);
+}
+
+TEST_F(EnvironmentInspector, LibraryThatIsDestructedDuringATrialEndsAtOnce)
+{
+    const ScriptedProducer other;
+    const OpenTree tree(other.Path());
+    const ScriptedProducer producer;
+    std::int64_t openDuringTheTrial = -1;
+    producer->OnEntry("GCInitLib", [&] {
+        if (openDuringTheTrial >= 0) return;
+        Require(KORO_ProducerLibrary_Destruct(tree.producerLibrary));
+        openDuringTheTrial = other->InitCount();
+    });
+
+    EXPECT_EQ(PathsAfterUpdate(producer.Folder().Path().string()), Strings{producer.Path()});
+    EXPECT_EQ(openDuringTheTrial, 0);
+}
+
 TEST_F(EnvironmentInspector, ConcurrentUpdatesTryAProducerOnce)
 {
     const ScriptedProducer producer;

@@ -15,6 +15,17 @@ class Parent : public Instance
 class Child : public Instance
 {};
 
+template <class Table>
+int SizeOf(const Table& table)
+{
+    int size = 0;
+    table.AnyOf([&](const auto&) {
+        ++size;
+        return false;
+    });
+    return size;
+}
+
 } // namespace koro::internal::test
 
 namespace koro::internal

@@ -229,6 +229,20 @@ TEST(HandleTables, ObjectThatLooksIntoItsTableWhileItEndsDoesNotHang)
     EXPECT_FALSE(found);
 }
 
+TEST(HandleTables, AnyOfLooksAtTheObjectsAndHoldsNone)
+{
+    HandleTable<Parent> table;
+    const auto first = std::make_shared<Parent>();
+    const auto second = std::make_shared<Parent>();
+    table.Add(first);
+    table.Add(second);
+    EXPECT_TRUE(table.AnyOf([&](const Parent& object) {
+        EXPECT_EQ(first.use_count(), 2); // this test's and the table's
+        return &object == second.get();
+    }));
+    EXPECT_FALSE(table.AnyOf([](const Parent&) { return false; }));
+}
+
 TEST(HandleTables, CloseDropsAllAndAdmitsNothingUntilItIsOpened)
 {
     HandleTable<Parent> table;
@@ -239,10 +253,10 @@ TEST(HandleTables, CloseDropsAllAndAdmitsNothingUntilItIsOpened)
         watches.push_back(object);
         table.Add(object);
     }
-    EXPECT_EQ(table.Objects().size(), 200u);
+    EXPECT_EQ(SizeOf(table), 200);
 
     table.Close();
-    EXPECT_EQ(table.Objects().size(), 0u);
+    EXPECT_EQ(SizeOf(table), 0);
     for (const auto& watch : watches)
         EXPECT_TRUE(watch.expired());
     const auto late = std::make_shared<Parent>();

@@ -44,7 +44,7 @@ TEST(HandleTablesThreads, EntriesComeGoAndAreFoundConcurrently)
         }
     });
     EXPECT_EQ(missed, 0);
-    EXPECT_EQ(table.Objects().size(), 1u);
+    EXPECT_EQ(SizeOf(table), 1);
 }
 
 TEST(HandleTablesThreads, OneOfManyAddsOfAnObjectIsNew)
@@ -80,7 +80,7 @@ TEST(HandleTablesThreads, ParentsEndWhileTheirChildrenAreRemoved)
         });
         parent.reset();
         remover.join();
-        ASSERT_EQ(table.Objects().size(), 0u);
+        ASSERT_EQ(SizeOf(table), 0);
     }
 }
 
@@ -113,7 +113,7 @@ TEST(HandleTablesThreads, CloseWhileOthersAddLeavesNothingBehind)
         table.Close();
         for (auto& thread : threads)
             thread.join();
-        ASSERT_EQ(table.Objects().size(), 0u);
+        ASSERT_EQ(SizeOf(table), 0);
     }
 }
 

@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <latch>
+#include <pthread.h>
 #include <set>
 #include <stdexcept>
 #include <string>
@@ -270,6 +271,34 @@ TEST_F(EnvironmentInspectorTest, ReaderWaitsForTheUpdateThatRuns)
     goOn.count_down();
     reader.join();
     update.join();
+}
+
+// Cancelling unwinds the thread by an exception; swallowed, it would end the process.
+TEST_F(EnvironmentInspectorTest, ThreadThatIsCancelledDuringATestUnwindsAndLeavesTheListToTheOthers)
+{
+    const auto path = folder.MakeFile("a.cti", "");
+    variable.Set(folder.Path());
+    pthread_t thread{};
+    ASSERT_EQ(
+        pthread_create(
+            &thread, nullptr,
+            [](void* context) -> void* {
+                static_cast<EnvironmentInspector*>(context)->UpdateCTIPaths([](const std::string&) {
+                    pthread_cancel(pthread_self());
+                    pthread_testcancel();
+                    return true;
+                });
+                return nullptr;
+            },
+            &inspector),
+        0);
+    void* result = nullptr;
+    ASSERT_EQ(pthread_join(thread, &result), 0);
+    EXPECT_EQ(result, PTHREAD_CANCELED);
+
+    EXPECT_THAT(inspector.CTIPaths(), IsEmpty());
+    inspector.UpdateCTIPaths(Accept);
+    EXPECT_THAT(inspector.CTIPaths(), ElementsAre(path));
 }
 
 TEST(EnvironmentInspector, IsOneForTheProcess)
