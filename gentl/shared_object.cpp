@@ -9,6 +9,7 @@
 #include <dlfcn.h>
 #include <elf.h>
 #include <fstream>
+#include <sys/stat.h>
 #include <vector>
 
 namespace koro::internal
@@ -21,6 +22,14 @@ namespace
 std::string ErrorNumberText(int number)
 {
     return number == 0 ? "<not available>" : std::to_string(number);
+}
+
+// The loader would wait there until somebody writes.
+bool IsPipeOrDevice(const std::string& path)
+{
+    struct stat status
+    {};
+    return stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode);
 }
 
 bool ReachesBeyond(std::uint64_t fileSize, const Elf64_Phdr& segment)
@@ -60,9 +69,9 @@ void* Load(const std::string& path)
 
 SharedObject::SharedObject(const std::string& path)
 {
-    const bool isCutShort = IsCutShort(path);
+    const bool isKeptFromTheLoader = IsPipeOrDevice(path) || IsCutShort(path);
     errno = 0;
-    handle = isCutShort ? nullptr : Load(path);
+    handle = isKeptFromTheLoader ? nullptr : Load(path);
     const int number = errno;
     if (!handle)
     {

@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 #include <optional>
 #include <string>
+#include <sys/stat.h>
 
 using koro::internal::CTILoadingException;
 using koro::internal::SharedObject;
@@ -92,6 +93,20 @@ TEST(SharedObject, FolderIsRefused)
 {
     const TemporaryFolder folder;
     ExpectRefusal(folder.MakeFolder("folder.cti"));
+}
+
+// Nobody ever writes into it: asked for it, the loader would hang.
+TEST(SharedObject, PipeIsRefusedWithoutWaitingForItsContent)
+{
+    const TemporaryFolder folder;
+    const std::string path = folder.File("pipe.cti");
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    ExpectRefusal(path);
+}
+
+TEST(SharedObject, DeviceIsRefused)
+{
+    ExpectRefusal("/dev/zero");
 }
 
 TEST(SharedObject, EmptyFileIsRefused)
