@@ -7,7 +7,7 @@
  *     KORO_ReturnCode: 0 for success. Go by the return value, and read the text of a failure on the same thread by
  *     KORO_Library_GetLastError.
  *  2. Call KORO_Library_Initialize first and KORO_Library_Close last. In between any thread may call any function,
- * unless its description says otherwise.
+ *     unless its description says otherwise.
  *  3. A handle stays valid until its description says that it ends; a dead one, a null one and one of another kind are
  *     answered with KORO_RETURN_CODE_INVALID_HANDLE. The same object gives the same handle each time. Handles are
  *     ended by ..._Destruct or by the end of their parent; there is no other release.
@@ -18,9 +18,9 @@
  *  6. Between a size query and its fetch the text may grow; the fetch then answers KORO_RETURN_CODE_BUFFER_TOO_SMALL,
  *     and the pair is repeated.
  *  7. Texts are in the producer's encoding (KORO_System_GetCharacterEncoding). Numbers of the GenTL standard pass
- * through unchanged; <koro/gentl_values.h> has their names.
+ *     through unchanged; <koro/gentl_values.h> has their names.
  *  8. A failure of the producer arrives with the code that fits its GenTL error, and with the function, number, name
- * and the producer's own text in the last error.
+ *     and the producer's own text in the last error.
  */
 #ifndef KORO_KORO_H
 #define KORO_KORO_H

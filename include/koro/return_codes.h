@@ -16,7 +16,7 @@ enum KORO_ReturnCodes
     KORO_RETURN_CODE_SUCCESS = 0,
     /* any failure without a code of its own, also a broken promise of the producer */
     KORO_RETURN_CODE_ERROR = 1,
-    /* KORO_Library_Initialize has not been called, or the producer says so of itself */
+    /* KORO_Library_Initialize has not been called, or the last KORO_Library_Close has ended the library meanwhile */
     KORO_RETURN_CODE_NOT_INITIALIZED = 2,
     /* a wait was ended by a kill */
     KORO_RETURN_CODE_ABORTED = 3,
