@@ -127,9 +127,9 @@ TEST(Doctor, CrashIsOneLineWithTheSignal)
 
 TEST(Doctor, HangEndsAtTheTimeout)
 {
-    const ToolResult result = DoctorOf("tool_hangs_at_load", {"--timeout", "200"});
+    const ToolResult result = DoctorOf("tool_hangs_at_load", {"--timeout", "3000"});
     EXPECT_EQ(result.status, noUsableCamera);
-    EXPECT_THAT(result.out, HasSubstr("\n  hangs at load: no answer within 200 ms\n"));
+    EXPECT_THAT(result.out, HasSubstr("\n  hangs at load: no answer within 3000 ms\n"));
 }
 
 TEST(Doctor, BrokenProducersDoNotHideAWorkingOne)

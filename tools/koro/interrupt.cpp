@@ -16,6 +16,26 @@ namespace
 // Tells the watcher to end; sent to that thread alone.
 constexpr int endOfWatch = SIGUSR1;
 
+void EndAtOnce(int)
+{
+    _exit(exitInterrupted);
+}
+
+// This thread is the only one that lets the signals through, so they reach it whatever it does.
+void EndAtNextSignal()
+{
+    struct sigaction action = {};
+    action.sa_handler = EndAtOnce;
+    sigset_t ending;
+    sigemptyset(&ending);
+    for (const int number : {SIGINT, SIGTERM})
+    {
+        sigaction(number, &action, nullptr);
+        sigaddset(&ending, number);
+    }
+    pthread_sigmask(SIG_UNBLOCK, &ending, nullptr);
+}
+
 } // namespace
 
 Interrupt::Interrupt()
@@ -37,16 +57,21 @@ Interrupt::~Interrupt()
 
 void Interrupt::WatchSignals()
 {
-    for (;;)
-    {
-        int signal = 0;
-        if (sigwait(&watched, &signal) != 0 || signal == endOfWatch) return;
-        if (requested.exchange(true)) _exit(exitInterrupted);
-        std::fputs("koro: stopping; once more ends at once\n", stderr);
+    int signal = 0;
+    if (sigwait(&watched, &signal) != 0 || signal == endOfWatch) return;
 
+    requested = true;
+    // Before the wake, which calls a producer and may never come back.
+    EndAtNextSignal();
+    std::fputs("koro: stopping; once more ends at once\n", stderr);
+    {
         const std::lock_guard<std::mutex> lock(wakeMutex);
         if (wake) wake();
     }
+    sigset_t last;
+    sigemptyset(&last);
+    sigaddset(&last, endOfWatch);
+    sigwait(&last, &signal);
 }
 
 Interrupt::WakeUp::WakeUp(Interrupt& woken, std::function<void()> function) : interrupt(woken)

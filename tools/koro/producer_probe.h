@@ -26,7 +26,7 @@ struct ProbeResult
 {
     std::string path;
     ProbeOutcome outcome = ProbeOutcome::Crashed;
-    std::string stage;                    // what it was doing last: "load", "open", "list"
+    std::string stage = "start";          // what it was doing last: "load", "open", "list"
     std::string text;                     // why, for all but Works
     std::vector<std::string> loaderTexts; // what the system's loader says about the file and about missing functions
     std::optional<ProducerRecord> record; // for Works
