@@ -62,6 +62,12 @@ bool Camera::IsPresent() const
 void Camera::Vanish()
 {
     const std::lock_guard lock(mutex);
+    Unplug();
+}
+
+void Camera::Unplug() noexcept
+{
+    if (!present) return; // gone already: what it missed goes on counting
     present = false;
     numMissed = 0;
 }
@@ -69,11 +75,7 @@ void Camera::Vanish()
 bool Camera::OnListUpdate()
 {
     const std::lock_guard lock(mutex);
-    if (++numUpdates == deviceFault.vanishAtUpdate)
-    {
-        present = false;
-        numMissed = 0;
-    }
+    if (++numUpdates == deviceFault.vanishAtUpdate) Unplug();
     if (!present && deviceFault.missingUpdates > 0 && numMissed++ == deviceFault.missingUpdates) present = true;
     return present;
 }

@@ -41,6 +41,8 @@ public:
     bool OnListUpdate();
 
 private:
+    void Unplug() noexcept; // mutex held
+
     const CameraSettings settings;
     const std::string tlType;
     const std::string id;

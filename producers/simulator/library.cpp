@@ -19,6 +19,20 @@ std::string CommonType(const std::vector<InterfaceSettings>& interfaces)
     return interfaces.front().tlType;
 }
 
+// A picture that cannot be read is told with the camera that wants it.
+std::shared_ptr<Camera> MakeCamera(
+    const CameraSettings& settings, const std::string& tlType, const Misbehaviour& misbehaviour)
+{
+    try
+    {
+        return std::make_shared<Camera>(settings, tlType, misbehaviour);
+    }
+    catch (const Failure& failure)
+    {
+        throw Failure(failure.Code(), "camera '" + settings.serial + "': " + failure.what());
+    }
+}
+
 } // namespace
 
 Library::Library(const Settings& settings)
@@ -31,7 +45,7 @@ Library::Library(const Settings& settings)
         auto model = std::make_shared<InterfaceModel>();
         *model = {interface.id, interface.displayName, interface.tlType, {}};
         for (const CameraSettings& camera : interface.cameras)
-            model->cameras.push_back(std::make_shared<Camera>(camera, interface.tlType, settings.misbehaviour));
+            model->cameras.push_back(MakeCamera(camera, interface.tlType, settings.misbehaviour));
         interfaces.push_back(model);
     }
 }

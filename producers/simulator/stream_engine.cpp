@@ -9,6 +9,7 @@ namespace
 {
 
 constexpr std::uint64_t virtualPeriod_ns = 1'000'000;
+constexpr int maxYields = 64;
 
 std::chrono::steady_clock::duration PeriodOf(double rate)
 {
@@ -114,6 +115,13 @@ bool StreamEngine::WaitForFrame(Lock& lock)
     const auto ready = [this] {
         return stopping || (!paused && (period > Clock::duration::zero() || queue.HasInput()));
     };
+    // Waking a sleeper costs more than a small image: a consumer that keeps up finds the thread awake.
+    for (int attempt = 0; attempt < maxYields && !ready(); ++attempt)
+    {
+        lock.unlock();
+        std::this_thread::yield();
+        lock.lock();
+    }
     waitsForInput = true;
     wake.wait(lock, ready);
     waitsForInput = false;

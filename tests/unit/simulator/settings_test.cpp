@@ -1,0 +1,131 @@
+// Settings that cannot be used fail GCInitLib with a text that says what is wrong and where.
+#include "tests/unit/simulator/producer.h"
+
+#include <cstdlib>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace koro::simulator::test
+{
+namespace
+{
+
+struct Case
+{
+    const char* name;
+    std::string settings;
+    const char* complaint;
+};
+
+void PrintTo(const Case& one, std::ostream* out)
+{
+    *out << one.name;
+}
+
+std::string Camera(const std::string& keys)
+{
+    return R"({"interfaces": [{"id": "I", "cameras": [{"serial": "A"}, {"serial": "B", )" + keys + "}]}]}";
+}
+
+std::string Fault(const std::string& list, const std::string& entry)
+{
+    return R"({"misbehaviour": {")" + list + "\": [" + entry + "]}}";
+}
+
+const Case cases[] = {
+    {"NoJson", "{\"interfaces\": [}", "parse error at line 1, column 17"},
+    {"NoObject", "[]", "the document: must be an object"},
+    {"UnknownKey", R"({"interface": []})", "interface: unknown key"},
+    {"UnknownCameraKey", Camera(R"("widht": 5)"), "interfaces[0].cameras[1].widht: unknown key"},
+    {"WidthIsText", Camera(R"("width": "5")"), "interfaces[0].cameras[1].width: must be a whole number, 1 to 16384"},
+    {"WidthIsZero", Camera(R"("width": 0)"), "interfaces[0].cameras[1].width: must be a whole number, 1 to 16384"},
+    {"HeightIsHuge", Camera(R"("height": 1e9)"), "interfaces[0].cameras[1].height: must be a whole number"},
+    {"NumberBeyond64Bits", Camera(R"("height": 18446744073709551615)"), "cameras[1].height: must be a whole number"},
+    {"RateIsNegative", Camera(R"("rate": -1)"), "interfaces[0].cameras[1].rate: must be 0 to 100000"},
+    {"RateIsText", Camera(R"("rate": "fast")"), "interfaces[0].cameras[1].rate: must be a number"},
+    {"FormatUnknown", Camera(R"("pixelFormat": "Mono9")"), "cameras[1].pixelFormat: 'Mono9' is none of Mono8 "},
+    {"LineEndsInAByte", Camera(R"("pixelFormat": "Mono12Packed", "width": 5)"),
+     "interfaces[0].cameras[1].width: a line of Mono12Packed must end on a whole byte"},
+    {"ImageTooLarge", Camera(R"("pixelFormat": "RGB8", "width": 16384, "height": 16384)"),
+     "interfaces[0].cameras[1].height: an image must have at most 268435456 bytes"},
+    {"SourceUnknown", Camera(R"("source": "film")"), "cameras[1].source: must be pattern, sequence or folder"},
+    {"SerialMissing", R"({"interfaces": [{"id": "I", "cameras": [{}]}]})", "cameras[0].serial: is missing or empty"},
+    {"SerialTwice", R"({"interfaces": [{"id": "I", "cameras": [{"serial": "A"}, {"serial": "A"}]}]})",
+     "the serial number 'A' is there twice"},
+    {"SerialTooLong", R"({"interfaces": [{"id": "I", "cameras": [{"serial": ")" + std::string(64, 'x') + "\"}]}]}",
+     "cameras[0].serial: must have at most 63 bytes"},
+    {"IdMissing", R"({"interfaces": [{}]})", "interfaces[0].id: is missing or empty"},
+    {"IdTwice", R"({"interfaces": [{"id": "I"}, {"id": "I"}]})", "the id 'I' is there twice"},
+    {"TypeUnknown", R"({"interfaces": [{"id": "I", "tlType": "USB"}]})", "interfaces[0].tlType: 'USB' is no type"},
+    {"InterfacesNoList", R"({"interfaces": 5})", "interfaces: must be a list"},
+    {"TooManyInterfaces", R"({"interfaces": [0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0]})", "interfaces: must have at most 16"},
+    {"VersionUnknown", R"({"claimedVersion": "2.0"})", "claimedVersion: must be 1.0 to 1.6"},
+    {"StrictNoBoolean", R"({"strictInit": 1})", "strictInit: must be true or false"},
+    {"TooDeep", R"({"a": [[[[[[[[[[1]]]]]]]]]]})", "nested deeper than 8 levels"},
+    {"TooLarge", "{\"a\": \"" + std::string(1 << 20, 'x') + "\"}", "larger than 1048576 bytes"},
+    {"FunctionUnknown", Fault("calls", R"({"function": "TLFly"})"),
+     "misbehaviour.calls[0].function: 'TLFly' is no function of the standard"},
+    {"ErrorUnknown", Fault("calls", R"({"function": "TLOpen", "error": "GC_ERR_X"})"),
+     "misbehaviour.calls[0].error: 'GC_ERR_X' is no error code"},
+    {"CountUnknown", Fault("calls", R"({"function": "TLOpen", "count": "often"})"), "calls[0].count: must be a whole"},
+    {"DelayTooLong", Fault("calls", R"({"function": "TLOpen", "delay_ms": 60001})"), "calls[0].delay_ms: must be"},
+    {"CommandMissing", Fault("info", R"({"function": "TLGetInfo"})"), "misbehaviour.info[0].command: is missing"},
+    {"ValueNoBytes", Fault("info", R"({"function": "TLGetInfo", "command": 0, "value": [256]})"),
+     "misbehaviour.info[0].value: a list must hold bytes, 0 to 255"},
+    {"FrameWithoutCamera", Fault("frames", "{}"), "misbehaviour.frames[0].camera: must be a serial number or *"},
+    {"AllCamerasUnknownKey", R"({"allCameras": {"serial": "X"}})", "allCameras.serial: unknown key"},
+};
+
+class SimulatorSettings : public testing::TestWithParam<Case>
+{};
+
+TEST_P(SimulatorSettings, AreRefusedWithPlaceAndReason)
+{
+    const Producer producer(GetParam().settings, false);
+    EXPECT_EQ(producer.GCInitLib(), GC_ERR_ERROR);
+    EXPECT_EQ(producer.Last().code, GC_ERR_ERROR);
+    EXPECT_THAT(producer.Last().text, testing::StartsWith("GCInitLib: settings file 'simulator-settings.json': "));
+    EXPECT_THAT(producer.Last().text, testing::HasSubstr(GetParam().complaint));
+    TL_HANDLE system = nullptr;
+    EXPECT_EQ(producer.TLOpen(&system), GC_ERR_NOT_INITIALIZED);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Bad, SimulatorSettings, testing::ValuesIn(cases),
+    [](const testing::TestParamInfo<Case>& tested) { return std::string(tested.param.name); });
+
+TEST(SimulatorSettings, MissingFolderIsNamedWithItsCamera)
+{
+    const Producer producer(Camera(R"("folder": "/no/such/folder")"), false);
+    EXPECT_EQ(producer.GCInitLib(), GC_ERR_ERROR);
+    EXPECT_THAT(producer.Last().text, testing::StartsWith("GCInitLib: camera 'B': folder '/no/such/folder': "));
+}
+
+TEST(SimulatorSettings, MissingFileIsNamed)
+{
+    const Producer producer(OneCamera(), false);
+    setenv("KORO_SIMULATOR_CONFIG", "/no/such/file.json", 1);
+    EXPECT_EQ(producer.GCInitLib(), GC_ERR_ERROR);
+    EXPECT_EQ(producer.Last().text, "GCInitLib: settings file '/no/such/file.json': cannot be opened");
+}
+
+TEST(SimulatorSettings, AreReadAgainAtTheNextInit)
+{
+    const Producer producer("{", false);
+    EXPECT_EQ(producer.GCInitLib(), GC_ERR_ERROR);
+    unsetenv("KORO_SIMULATOR_CONFIG");
+    EXPECT_EQ(producer.GCInitLib(), GC_ERR_SUCCESS);
+}
+
+TEST(SimulatorSettings, AllCamerasOverridesTheBuiltInOnes)
+{
+    const Producer producer(R"({"allCameras": {"rate": 0, "width": 8, "height": 2, "pixelFormat": "Mono16"}})");
+    const Tree tree(producer, "SimU3V", "KS0003");
+    EXPECT_EQ(tree.StreamInfo<std::size_t>(STREAM_INFO_PAYLOAD_SIZE), 32U);
+    tree.Announce();
+    tree.Start();
+    tree.Next();
+}
+
+} // namespace
+} // namespace koro::simulator::test
