@@ -13,6 +13,7 @@
 #include <utility>
 
 // The compiler's name for the library or program that this code is linked into.
+// NOLINTNEXTLINE(bugprone-reserved-identifier): nobody may choose another one
 extern "C" __attribute__((visibility("hidden"))) void* __dso_handle;
 
 namespace koro::internal
