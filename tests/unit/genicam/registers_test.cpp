@@ -1,0 +1,172 @@
+#include "tests/unit/genicam/small_map.h"
+
+#include <gtest/gtest.h>
+#include <stdint.h>
+#include <string>
+#include <vector>
+
+namespace
+{
+
+using namespace GENICAM_NAMESPACE;
+using namespace GENAPI_NAMESPACE;
+using koro::test::IntReg;
+using koro::test::SmallMap;
+
+std::string Masked(
+    const std::string& name, const std::string& bits, const std::string& order, const std::string& more = "")
+{
+    return "<MaskedIntReg Name=\"" + name +
+           "\"><Address>0x10</Address><Length>4</Length><AccessMode>RW</AccessMode>"
+           "<pPort>Device</pPort>" +
+           more + bits + "<Endianess>" + order + "</Endianess></MaskedIntReg>";
+}
+
+TEST(Registers, BytesStandInTheOrderThatTheDescriptionSays)
+{
+    SmallMap map(
+        IntReg("Little", "0") +
+        "<IntReg Name=\"Big\"><Address>0</Address><Length>2</Length><AccessMode>RW</AccessMode><pPort>Device</pPort>"
+        "<Sign>Signed</Sign><Endianess>BigEndian</Endianess></IntReg>");
+    map.port.bytes = {{0, 0xff}, {1, 0xfe}, {2, 3}, {3, 4}};
+    EXPECT_EQ(map.Integer("Little")->GetValue(), 0x0403feff);
+    EXPECT_EQ(map.Integer("Big")->GetValue(), -2);
+    EXPECT_EQ(map.Integer("Big")->GetMin(), -32768);
+    EXPECT_EQ(map.Integer("Big")->GetMax(), 32767);
+}
+
+TEST(Registers, FieldsCountTheirBitsByTheByteOrder)
+{
+    SmallMap map(
+        Masked("Low", "<LSB>4</LSB><MSB>7</MSB>", "LittleEndian") +
+        Masked("Top", "<LSB>3</LSB><MSB>0</MSB>", "BigEndian"));
+    map.port.bytes = {{0x10, 0xab}};
+    EXPECT_EQ(map.Integer("Low")->GetValue(), 0xa);
+    EXPECT_EQ(map.Integer("Top")->GetValue(), 0xa) << "bit 0 is the highest of a big endian register";
+    EXPECT_EQ(map.Integer("Low")->GetMax(), 15);
+}
+
+TEST(Registers, FieldsOfOneWordShareItsBytesAndKeepTheirNeighbours)
+{
+    SmallMap map(
+        Masked("A", "<LSB>0</LSB><MSB>3</MSB>", "LittleEndian") +
+        Masked("B", "<LSB>4</LSB><MSB>7</MSB>", "LittleEndian"));
+    map.port.bytes = {{0x10, 0xab}, {0x11, 0xcd}};
+    EXPECT_EQ(map.Integer("A")->GetValue(), 0xb);
+    EXPECT_EQ(map.Integer("B")->GetValue(), 0xa);
+    EXPECT_EQ(map.port.reads, 1);
+    map.Integer("A")->SetValue(1);
+    EXPECT_EQ(map.port.reads, 1);
+    EXPECT_EQ(map.port.bytes[0x10], 0xa1);
+    EXPECT_EQ(map.port.bytes[0x11], 0xcd);
+}
+
+TEST(Registers, FieldThatIsNotCachedReadsTheWordBeforeItWrites)
+{
+    SmallMap map(Masked("A", "<Bit>0</Bit>", "LittleEndian", "<Cachable>NoCache</Cachable>"));
+    map.Integer("A")->GetValue();
+    map.port.bytes[0x10] = 0xf0;
+    map.Integer("A")->SetValue(1);
+    EXPECT_EQ(map.port.bytes[0x10], 0xf1);
+}
+
+TEST(Registers, CachingModesTellWhenThePortIsAsked)
+{
+    SmallMap map(
+        IntReg("Through", "0") + IntReg("Around", "4", "<Cachable>WriteAround</Cachable>") +
+        IntReg("Never", "8", "<Cachable>NoCache</Cachable>"));
+    const auto readsOf = [&](const char* name) {
+        const int before = map.port.reads;
+        map.Integer(name)->GetValue();
+        return map.port.reads - before;
+    };
+    for (const char* name : {"Through", "Around", "Never"})
+        EXPECT_EQ(readsOf(name), 1) << name;
+    EXPECT_EQ(readsOf("Through"), 0);
+    EXPECT_EQ(readsOf("Around"), 0);
+    EXPECT_EQ(readsOf("Never"), 1);
+    for (const char* name : {"Through", "Around", "Never"})
+        map.Integer(name)->SetValue(5);
+    EXPECT_EQ(readsOf("Through"), 0);
+    EXPECT_EQ(readsOf("Around"), 1);
+    EXPECT_EQ(readsOf("Never"), 1);
+    map.Integer("Through")->GetValue(false, true);
+    EXPECT_EQ(readsOf("Through"), 0);
+}
+
+TEST(Registers, InvalidatorDropsTheCache)
+{
+    SmallMap map(IntReg("R", "0", "<pInvalidator>I</pInvalidator>") + "<Integer Name=\"I\"><Value>0</Value></Integer>");
+    EXPECT_EQ(map.Integer("R")->GetValue(), 0);
+    map.port.bytes[0] = 9;
+    EXPECT_EQ(map.Integer("R")->GetValue(), 0);
+    map.Integer("I")->SetValue(0);
+    EXPECT_EQ(map.Integer("R")->GetValue(), 9);
+}
+
+TEST(Registers, AddressIsTheSumOfItsParts)
+{
+    SmallMap map(
+        "<Integer Name=\"Base\"><Value>0x100</Value></Integer><Integer Name=\"I\"><Value>3</Value></Integer>" +
+        IntReg(
+            "R", "1</Address><pAddress>Base</pAddress><pIndex Offset=\"16\">I</pIndex><pIndex>I</pIndex><Address>2"));
+    EXPECT_EQ(CRegisterPtr(map.Node("R"))->GetAddress(), 1 + 2 + 0x100 + 48 + 3 * 4);
+    map.Integer("I")->SetValue(-1);
+    EXPECT_EQ(CRegisterPtr(map.Node("R"))->GetAddress(), 3 + 0x100 - 16 - 4);
+}
+
+TEST(Registers, LengthThatFitsNoIntegerIsOutOfRangeAtUse)
+{
+    SmallMap map(
+        "<IntReg Name=\"R\"><Address>0</Address><Length>9</Length><AccessMode>RW</AccessMode><pPort>Device</pPort>"
+        "<Endianess>LittleEndian</Endianess></IntReg>");
+    EXPECT_THROW(map.Integer("R")->GetValue(), OutOfRangeException);
+    EXPECT_THROW(map.Integer("R")->GetMax(), OutOfRangeException);
+    EXPECT_EQ(map.port.reads, 0);
+}
+
+TEST(Registers, RawBytesAreBoundedByTheLength)
+{
+    SmallMap map("<Register Name=\"R\"><Address>0</Address><Length>4</Length><AccessMode>RW</AccessMode>"
+                 "<pPort>Device</pPort></Register>");
+    const CRegisterPtr reg(map.Node("R"));
+    const std::vector<uint8_t> bytes = {1, 2, 3, 4, 5};
+    std::vector<uint8_t> read(5);
+    EXPECT_THROW(reg->Set(bytes.data(), 5), OutOfRangeException);
+    EXPECT_THROW(reg->Get(read.data(), 5), OutOfRangeException);
+    EXPECT_THROW(reg->Get(read.data(), -1), OutOfRangeException);
+    EXPECT_THROW(reg->Get(nullptr, 0), LogicalErrorException);
+    reg->Set(bytes.data(), 2);
+    reg->Get(read.data(), 4);
+    EXPECT_EQ(read, (std::vector<uint8_t>{1, 2, 0, 0, 0}));
+    EXPECT_STREQ(reg->ToString().c_str(), "0x01020000");
+    reg->FromString("ff");
+    EXPECT_STREQ(reg->ToString().c_str(), "0xff020000");
+    EXPECT_THROW(reg->FromString("0xf"), InvalidArgumentException);
+}
+
+TEST(Registers, TextEndsAtTheFirstZeroAndIsFilledWithZeros)
+{
+    SmallMap map("<StringReg Name=\"S\"><Address>0</Address><Length>4</Length><AccessMode>RW</AccessMode>"
+                 "<pPort>Device</pPort></StringReg>");
+    const CStringPtr text(map.Node("S"));
+    map.port.bytes = {{0, 'a'}, {1, 'b'}, {2, 0}, {3, 'x'}};
+    EXPECT_STREQ(text->GetValue().c_str(), "ab");
+    text->SetValue("c");
+    EXPECT_EQ(map.port.bytes[3], 0);
+    text->SetValue("four");
+    EXPECT_STREQ(text->GetValue().c_str(), "four");
+    const int writes = map.port.writes;
+    EXPECT_THROW(text->SetValue("five5"), OutOfRangeException);
+    EXPECT_EQ(map.port.writes, writes);
+    EXPECT_EQ(text->GetMaxLength(), 4);
+}
+
+TEST(Registers, HugeLengthsDoNotAllocateThem)
+{
+    SmallMap map("<StringReg Name=\"S\"><Address>0</Address><Length>0x10000000000</Length><AccessMode>RW</AccessMode>"
+                 "<pPort>Device</pPort></StringReg>");
+    EXPECT_THROW(CStringPtr(map.Node("S"))->GetValue(), std::length_error);
+}
+
+} // namespace
