@@ -44,7 +44,6 @@ private:
     int64_t fixedLength = 0;
     int64_t address = 0;
     bool addressKnown = false;
-    bool addressCachable = true;
     RegisterCache::Block* block = nullptr;
 };
 

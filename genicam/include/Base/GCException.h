@@ -125,7 +125,7 @@ GCBASE_API void CheckRange(double value, double min, double max, const char* sou
     } while (false)
 
 // "printf into a std::string", cut at 2047 bytes.
-GCBASE_API std::string FormatExceptionText(const char* format, va_list arguments);
+GCBASE_API __attribute__((format(printf, 1, 0))) std::string FormatExceptionText(const char* format, va_list arguments);
 
 template <class E>
 E ExceptionReporter<E>::Report(const char* format, ...) const
