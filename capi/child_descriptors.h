@@ -5,6 +5,7 @@
 #include "base/expiring.h"
 #include "capi/arguments.h"
 
+#include <algorithm>
 #include <memory>
 #include <string>
 
@@ -12,7 +13,8 @@ namespace koro::internal
 {
 
 // Enters a descriptor whose handle is withdrawn when an update of the parent loses the child. For this one closure
-// per entry stays in the parent's lost registry, until the parent goes. Throws the deadlock error inside a lost
+// per entry stays in the parent's lost registry, until the parent goes. The handle of a child that was lost meanwhile
+// is invalid from the start. Throws the deadlock error inside a lost
 // callback of the same parent; then there is no entry either.
 template <class Parent, class Descriptor>
 HandleOf<Descriptor> EnterDescriptor(
@@ -35,6 +37,9 @@ HandleOf<Descriptor> EnterDescriptor(
         Remove(handle);
         throw;
     }
+    // An update of another thread may have told the loss before the closure was there.
+    const auto children = parent->Children();
+    if (std::find(children.begin(), children.end(), descriptor) == children.end()) Remove(handle);
     return handle;
 }
 
