@@ -74,6 +74,8 @@ class CoreEntryPoint<GenTL::GC_ERROR(Parameters...)> : public EntryPoint<GenTL::
 public:
     using EntryPoint<GenTL::GC_ERROR(Parameters...)>::EntryPoint;
 
+    static constexpr bool IsRefusal(GenTL::GC_ERROR) { return false; }
+
     GenTL::GC_ERROR operator()(Parameters... parameters) const
     {
         ClearRefusedCall();
@@ -91,6 +93,9 @@ class OptionalEntryPoint<GenTL::GC_ERROR(Parameters...)> : public EntryPoint<Gen
 {
 public:
     using EntryPoint<GenTL::GC_ERROR(Parameters...)>::EntryPoint;
+
+    // The number counts, also when the producer itself answers it.
+    static constexpr bool IsRefusal(GenTL::GC_ERROR result) { return result == notImplementedCode; }
 
     GenTL::GC_ERROR operator()(Parameters... parameters) const
     {

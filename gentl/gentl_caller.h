@@ -26,7 +26,7 @@ public:
     {
         const auto& entryPoint = (*proxy).*Function;
         const auto result = entryPoint(arguments...);
-        if (result == notImplementedCode && !entryPoint.IsBound()) ThrowRefusedCall(entryPoint.Name(), *proxy);
+        if (entryPoint.IsRefusal(result)) ThrowRefusedCall(entryPoint.Name(), *proxy);
         return result;
     }
 

@@ -43,15 +43,19 @@ TEST(GenTLCaller, RefusedCallThrowsTheBaseClassWithTheNameAndTheRefusal)
     EXPECT_TRUE(bound->Journal().empty());
 }
 
-TEST(GenTLCaller, ProducersOwnAnswerOfThatNumberIsNoRefusal)
+TEST(GenTLCaller, ProducersOwnAnswerOfThatNumberIsARefusalOfOptionalFunctionsAlone)
 {
     const BoundProducer bound;
     bound.gentl.Call<&GenTLProxy::GCInitLib>();
     bound->Answer("GCGetNumPortURLs", notImplementedCode);
     EXPECT_THAT(
         [&] { bound.gentl.Call<&GenTLProxy::GCGetNumPortURLs>(nullptr, nullptr); },
-        ThrowsExactly<InternalErrorException>("[Function: GCGetNumPortURLs | Error-Code: -2147483648 () | "
-                                              "Error-Text: scripted failure of GCGetNumPortURLs]"));
+        ThrowsExactly<Exception>("[Function: GCGetNumPortURLs | Error: scripted failure of GCGetNumPortURLs]"));
+    bound->Answer("TLClose", notImplementedCode);
+    EXPECT_THAT(
+        [&] { bound.gentl.Call<&GenTLProxy::TLClose>(nullptr); },
+        ThrowsExactly<InternalErrorException>(
+            "[Function: TLClose | Error-Code: -2147483648 () | Error-Text: scripted failure of TLClose]"));
 }
 
 TEST(GenTLCaller, CallForDestructorsSwallowsFailuresAndExceptions)
