@@ -9,7 +9,7 @@ namespace
 {
 
 constexpr std::uint64_t virtualPeriod_ns = 1'000'000;
-constexpr int maxYields = 64;
+constexpr int maxLooks = 5000; // a few microseconds
 
 std::chrono::steady_clock::duration PeriodOf(double rate)
 {
@@ -66,6 +66,7 @@ void StreamEngine::Stop(bool kill)
 
 void StreamEngine::NotifyInput() noexcept
 {
+    called.store(true, std::memory_order_relaxed);
     if (waitsForInput) wake.notify_all();
 }
 
@@ -115,17 +116,21 @@ bool StreamEngine::WaitForFrame(Lock& lock)
     const auto ready = [this] {
         return stopping || (!paused && (period > Clock::duration::zero() || queue.HasInput()));
     };
-    // Waking a sleeper costs more than a small image: a consumer that keeps up finds the thread awake.
-    for (int attempt = 0; attempt < maxYields && !ready(); ++attempt)
-    {
-        lock.unlock();
-        std::this_thread::yield();
-        lock.lock();
-    }
+    if (!ready()) LookOut(lock);
     waitsForInput = true;
     wake.wait(lock, ready);
     waitsForInput = false;
     return !stopping;
+}
+
+// Waking a sleeper costs more than a small image: for a consumer that keeps up the thread stays awake a little.
+void StreamEngine::LookOut(Lock& lock)
+{
+    called = false;
+    lock.unlock();
+    for (int look = 0; look < maxLooks && !called.load(std::memory_order_relaxed); ++look)
+    {}
+    lock.lock();
 }
 
 // A machine that cannot keep up shifts the schedule instead of sending bursts.

@@ -54,6 +54,7 @@ private:
 
     void Run(std::uint64_t number);
     bool WaitForFrame(Lock& lock);
+    void LookOut(Lock& lock);
     bool WaitUntilDue(Lock& lock);
     std::uint64_t Timestamp_ns() noexcept;
     // Whether a buffer went to the output queue.
@@ -68,7 +69,8 @@ private:
     const Reports reports;
     const Clock::duration period; // zero: unpaced
 
-    std::thread thread; // guarded by the control lock
+    std::thread thread;              // guarded by the control lock
+    std::atomic<bool> called{false}; // a hint that there is input, to look at without the mutex
 
     // Guarded by mutex.
     std::condition_variable wake;

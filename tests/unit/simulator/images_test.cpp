@@ -88,14 +88,18 @@ unsigned SamplesPerPixel(const Format& format)
 // Sample `index` of a payload.
 unsigned ReadSample(const Format& format, const std::vector<std::uint8_t>& bytes, std::size_t index)
 {
-    const auto bit = [&](std::size_t position) { return bytes.at(position / 8) >> position % 8 & 1U; };
+    const auto bit = [&](std::size_t position) {
+        return static_cast<unsigned>(bytes.at(position / 8)) >> position % 8 & 1U;
+    };
     switch (format.packing)
     {
     case Format::Packed: {
         const std::size_t pair = index / 2 * 3;
         const unsigned extra = format.depth - 8;
-        const unsigned low = bytes.at(pair + 1) >> (index % 2 * 4) & ((1U << extra) - 1);
-        return static_cast<unsigned>(bytes.at(pair + index % 2 * 2) << extra) | low;
+        const unsigned middle = bytes.at(pair + 1);
+        const unsigned low = middle >> (index % 2 * 4) & ((1U << extra) - 1);
+        const unsigned high = bytes.at(pair + index % 2 * 2);
+        return high << extra | low;
     }
     case Format::Bits: {
         unsigned value = 0;
@@ -107,7 +111,9 @@ unsigned ReadSample(const Format& format, const std::vector<std::uint8_t>& bytes
         break;
     }
     if (format.depth == 8) return bytes.at(index);
-    return bytes.at(index * 2) | static_cast<unsigned>(bytes.at(index * 2 + 1) << 8);
+    const unsigned low = bytes.at(index * 2);
+    const unsigned high = bytes.at(index * 2 + 1);
+    return high << 8 | low;
 }
 
 Component ComponentAt(const Format& format, std::size_t x, std::size_t y, std::size_t sample)
