@@ -7,8 +7,10 @@
 
 #include <array>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 using namespace GenTL;
@@ -28,7 +30,7 @@ struct BufferRecord
 // Own cache lines for each stream: two threads on two streams must not meet here.
 struct alignas(128) Stream
 {
-    std::vector<BufferRecord*> buffers;
+    std::vector<std::unique_ptr<BufferRecord>> buffers;
     std::size_t next = 0;
     std::uint64_t frameID = 0;
 };
@@ -197,7 +199,7 @@ GC_ERROR EventGetInfo(EVENT_HANDLE, EVENT_INFO_CMD, INFO_DATATYPE* type, void* b
 GC_ERROR EventGetData(EVENT_HANDLE event, void* buffer, size_t* size, uint64_t)
 {
     auto* const stream = AsStream(event);
-    BufferRecord* const record = stream->buffers[stream->next];
+    BufferRecord* const record = stream->buffers[stream->next].get();
     stream->next = stream->next + 1 == stream->buffers.size() ? 0 : stream->next + 1;
     ++stream->frameID;
     const EVENT_NEW_BUFFER_DATA data{record, record->userPtr};
@@ -208,9 +210,9 @@ GC_ERROR EventGetData(EVENT_HANDLE event, void* buffer, size_t* size, uint64_t)
 
 GC_ERROR DSAnnounceBuffer(DS_HANDLE stream, void* buffer, size_t size, void* userPtr, BUFFER_HANDLE* handle)
 {
-    auto* const record = new BufferRecord{buffer, size, userPtr};
-    AsStream(stream)->buffers.push_back(record);
-    *handle = record;
+    auto record = std::make_unique<BufferRecord>(BufferRecord{buffer, size, userPtr});
+    *handle = record.get();
+    AsStream(stream)->buffers.push_back(std::move(record));
     return GC_ERR_SUCCESS;
 }
 
@@ -219,8 +221,7 @@ GC_ERROR DSRevokeBuffer(DS_HANDLE stream, BUFFER_HANDLE buffer, void** base, voi
     auto* const record = static_cast<BufferRecord*>(buffer);
     *base = record->base;
     *userPtr = record->userPtr;
-    std::erase(AsStream(stream)->buffers, record);
-    delete record;
+    std::erase_if(AsStream(stream)->buffers, [&](const auto& held) { return held.get() == record; });
     return GC_ERR_SUCCESS;
 }
 
