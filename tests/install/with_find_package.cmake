@@ -1,7 +1,7 @@
 # A stranger's CMake project, in C and in C++.
 include(${CMAKE_CURRENT_LIST_DIR}/run.cmake)
 
-Run(${CMAKE_COMMAND} -S ${CMAKE_CURRENT_LIST_DIR}/found -B ${WORK_DIR} -DCMAKE_PREFIX_PATH=${PREFIX}
+Run(${CMAKE_COMMAND} -G ${GENERATOR} -S ${CMAKE_CURRENT_LIST_DIR}/found -B ${WORK_DIR} -DCMAKE_PREFIX_PATH=${PREFIX}
     -DCMAKE_C_COMPILER=${CC} -DCMAKE_CXX_COMPILER=${CXX} -DPROGRAM=${SOURCE_DIR}/examples/first_program.c -DWANTED=${VERSION})
 Run(${CMAKE_COMMAND} --build ${WORK_DIR})
 foreach(program IN ITEMS in_c in_cpp)
@@ -10,7 +10,7 @@ foreach(program IN ITEMS in_c in_cpp)
 endforeach()
 
 # A later major version is none of ours.
-execute_process(COMMAND ${CMAKE_COMMAND} -S ${CMAKE_CURRENT_LIST_DIR}/found -B ${WORK_DIR}/later
+execute_process(COMMAND ${CMAKE_COMMAND} -G ${GENERATOR} -S ${CMAKE_CURRENT_LIST_DIR}/found -B ${WORK_DIR}/later
     -DCMAKE_PREFIX_PATH=${PREFIX} -DCMAKE_C_COMPILER=${CC} -DCMAKE_CXX_COMPILER=${CXX} -DWANTED=2.0
     OUTPUT_QUIET ERROR_VARIABLE errors RESULT_VARIABLE status)
 Expect("${errors}" "compatible with requested version")
