@@ -1,6 +1,6 @@
 # The switch to another runtime: installs genicam/ as if it were an SDK tree and builds the library against that tree alone.
 #
-#     cmake -D SOURCE=<checkout> -D WORK=<folder> -D EXPAT=<library> -D LAUNCHER=<or empty> -P sdk_tree_test.cmake
+#     cmake -D SOURCE=<checkout> -D WORK=<folder> -D EXPAT=<library> -D ZLIB=<library> -D LAUNCHER=<or empty> -P sdk_tree_test.cmake
 function(run)
     execute_process(COMMAND ${ARGN} RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
     if(NOT result EQUAL 0)
@@ -17,7 +17,7 @@ run(${CMAKE_COMMAND} --install ${WORK}/sdk --component genicam-sdk --prefix ${WO
 
 run(${CMAKE_COMMAND} -S ${SOURCE} -B ${WORK}/library ${common} -D CMAKE_EXPORT_COMPILE_COMMANDS=ON
     -D KORO_DEVELOPER=OFF -D KORO_GENICAM=reference -D GENICAM_ROOT=${WORK}/tree
-    "-DGENICAM_LIBRARIES=${WORK}/tree/lib/libkoro_genicam.a;${EXPAT}")
+    "-DGENICAM_LIBRARIES=${WORK}/tree/lib/libkoro_genicam.a;${EXPAT};${ZLIB}")
 run(${CMAKE_COMMAND} --build ${WORK}/library --target zvr_koro)
 
 file(READ ${WORK}/library/compile_commands.json commands)
