@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Compares the runtime with recorded answers, node by node and write by write.
+"""Compares the runtime with recorded answers, node by node and write by write, and the order of its nodes with the rule.
 
 The folder that the environment variable KORO_REFERENCE_DATA names holds conformance/ (small descriptions, the programs that
 read them, compare.py) and camera-descriptions/. The programs are compiled here, unchanged. Without the variable the test is
@@ -8,6 +8,7 @@ skipped (status 77).
     conformance.py --compiler g++ --flag=-I... --library libkoro_genicam.a --library -lexpat
 """
 import argparse
+import itertools
 import lzma
 import os
 import pathlib
@@ -15,6 +16,8 @@ import re
 import subprocess
 import sys
 import tempfile
+
+from node_order import node_order
 
 SKIPPED = 77
 
@@ -42,25 +45,49 @@ def recorded(description, suffix):
     return lzma.decompress(packed.read_bytes()) if packed.exists() else None
 
 
-def compare(description, folder, tools):
-    """Number of compared lines and of files, and the differences as text."""
-    lines, files, differences = 0, 0, []
-    for name, arguments, suffix in PROGRAMS:
+def output_of(program, *arguments):
+    # The programs leave their map behind when a step throws; a report of that would take their output along.
+    return subprocess.run([program, *arguments], stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, timeout=300,
+                          env={**os.environ, "ASAN_OPTIONS": "detect_leaks=0"}, check=False).stdout
+
+
+class Comparison:
+    """Counts what was compared and collects the differences as text."""
+
+    def __init__(self, folder, tools):
+        self.folder, self.tools = folder, tools
+        self.lines = self.files = 0
+        self.differences = []
+
+    def answers(self, description, program, arguments, suffix):
+        """True when the description loads, by the recorded answer."""
         expected = recorded(description, suffix)
         if expected is None:
-            continue
-        (folder / "expected").write_bytes(expected)
-        with open(folder / "actual", "wb") as actual:
-            # The programs leave their map behind when a step throws; a report of that would take their output along.
-            subprocess.run([folder / name, description, *arguments], stdout=actual, stderr=subprocess.DEVNULL,
-                           env={**os.environ, "ASAN_OPTIONS": "detect_leaks=0"}, timeout=300, check=False)
-        result = subprocess.run([sys.executable, tools / "compare.py", folder / "expected", folder / "actual"],
-                                capture_output=True, text=True, check=False)
-        lines += expected.count(b"\n")
-        files += 1
-        if result.returncode != 0:
-            differences.append(f"{description.name}{suffix}:\n{result.stdout}{result.stderr}")
-    return lines, files, differences
+            return False
+        (self.folder / "expected").write_bytes(expected)
+        (self.folder / "actual").write_bytes(output_of(self.folder / program, description, *arguments))
+        result = subprocess.run(
+            [sys.executable, self.tools / "compare.py", self.folder / "expected", self.folder / "actual"],
+            capture_output=True, text=True, check=False)
+        self.count(f"{description.name}{suffix}", expected.count(b"\n"), result.stdout + result.stderr,
+                   result.returncode != 0)
+        return not expected.startswith(b"FAILED")
+
+    def order(self, description):
+        expected = node_order(description)
+        actual = output_of(self.folder / "node_dump", description, "--order").decode("latin-1").splitlines()
+        wrong = [f"place {place}: expected {a}, actual {b}"
+                 for place, (a, b) in enumerate(itertools.zip_longest(expected, actual)) if a != b]
+        self.count(f"{description.name} order", len(expected), "\n".join(wrong[:5]), bool(wrong))
+
+    def count(self, what, lines, difference, differs):
+        self.files += 1
+        self.lines += lines
+        if differs:
+            self.differences.append(f"{what}:\n{difference}")
+
+    def summary(self, subject):
+        return f"{subject}: {self.files} files with {self.lines} lines compared, {len(self.differences)} differ"
 
 
 def main():
@@ -79,22 +106,22 @@ def main():
     tools = root / "conformance" / "tools"
     descriptions = sorted([*(root / "conformance").glob("*.xml"), *(root / "camera-descriptions").glob("*.xml")])
     left_out = [description.name for description in descriptions if LENIENT.match(description.name)]
-    lines = files = 0
-    differences = []
     with tempfile.TemporaryDirectory() as name:
         folder = pathlib.Path(name)
         compile_programs(tools, options, folder)
+        answers, order = Comparison(folder, tools), Comparison(folder, tools)
         for description in descriptions:
             if description.name in left_out:
                 continue
-            more_lines, more_files, more_differences = compare(description, folder, tools)
-            lines += more_lines
-            files += more_files
-            differences += more_differences
-    print(f"{files} files with {lines} lines compared, {len(differences)} differ")
+            for program, arguments, suffix in PROGRAMS:
+                loads = answers.answers(description, program, arguments, suffix)
+                if loads and suffix == ".nodes":
+                    order.order(description)
+    print(answers.summary("recorded answers"))
+    print(order.summary("order of nodes"))
     print(f"left out: {' '.join(left_out)}")
-    print("\n".join(differences))
-    return 1 if differences or not files else 0
+    print("\n".join(answers.differences + order.differences))
+    return 1 if answers.differences or order.differences or not answers.files or not order.files else 0
 
 
 if __name__ == "__main__":
