@@ -1,3 +1,4 @@
+#include "map/description_source.h"
 #include "map/node_map.h"
 #include "xml/parser.h"
 
@@ -6,8 +7,6 @@
 #include <GenApi/NodeMapFactory.h>
 #include <GenApi/NodeMapRef.h>
 #include <GenApi/Pointer.h>
-#include <fstream>
-#include <iterator>
 #include <string>
 
 namespace GENAPI_NAMESPACE
@@ -19,33 +18,12 @@ using GENICAM_NAMESPACE::gcstring;
 class CNodeMapFactory::Data
 {
 public:
-    EContentType_t type = ContentType_Xml;
-    gcstring fileName;       // or
-    std::string_view memory; // the caller's, or
-    std::string text;        // a copy
-    bool given = false;
+    runtime::DescriptionSource source;
     std::shared_ptr<const runtime::Description> description;
 
     void Load()
     {
-        if (description) return;
-        if (!given) throw LOGICAL_ERROR_EXCEPTION("The factory has no camera description");
-        if (!fileName.empty()) ReadFile();
-        if (type == ContentType_ZippedXml) throw RUNTIME_EXCEPTION("Zipped camera descriptions are not read yet");
-        description = runtime::ParseDescription(memory.data() ? memory : std::string_view(text));
-    }
-    void Release()
-    {
-        text = std::string();
-        memory = std::string_view();
-    }
-
-private:
-    void ReadFile()
-    {
-        std::ifstream file(fileName.c_str(), std::ios::binary);
-        if (!file) throw RUNTIME_EXCEPTION("Failed to open the camera description file '%s'", fileName.c_str());
-        text.assign(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+        if (!description) description = runtime::ParseDescription(source.Text());
     }
 };
 
@@ -55,9 +33,7 @@ CNodeMapFactory::CNodeMapFactory(EContentType_t FileType, const gcstring& FileNa
     : CNodeMapFactory()
 {
     if (FileName.empty()) throw INVALID_ARGUMENT_EXCEPTION("The file name must not be empty");
-    data->type = FileType;
-    data->fileName = FileName;
-    data->given = true;
+    data->source = runtime::DescriptionSource::OfFile(FileType, std::string(FileName.c_str(), FileName.size()));
 }
 
 CNodeMapFactory::CNodeMapFactory(EContentType_t ContentType, const void* pData, size_t DataSize, ECacheUsage_t, bool)
@@ -65,16 +41,14 @@ CNodeMapFactory::CNodeMapFactory(EContentType_t ContentType, const void* pData, 
 {
     if (!pData) throw INVALID_ARGUMENT_EXCEPTION("The camera description must not be NULL");
     if (DataSize == 0) throw INVALID_ARGUMENT_EXCEPTION("The camera description must not be empty");
-    data->type = ContentType;
-    data->memory = std::string_view(static_cast<const char*>(pData), DataSize);
-    data->given = true;
+    const std::string_view bytes(static_cast<const char*>(pData), DataSize);
+    data->source = runtime::DescriptionSource::OfMemory(ContentType, bytes);
 }
 
 CNodeMapFactory::CNodeMapFactory(const gcstring& XmlData, ECacheUsage_t, bool) : CNodeMapFactory()
 {
     if (XmlData.empty()) throw INVALID_ARGUMENT_EXCEPTION("The camera description must not be empty");
-    data->text.assign(XmlData.c_str(), XmlData.size());
-    data->given = true;
+    data->source = runtime::DescriptionSource::OfText({XmlData.c_str(), XmlData.size()});
 }
 
 CNodeMapFactory::CNodeMapFactory(const CNodeMapFactory& other) = default;
@@ -83,7 +57,7 @@ CNodeMapFactory::~CNodeMapFactory() = default;
 
 bool CNodeMapFactory::IsEmpty() const
 {
-    return !data->given;
+    return data->source.IsEmpty();
 }
 
 bool CNodeMapFactory::IsLoaded() const
@@ -98,7 +72,7 @@ bool CNodeMapFactory::IsPreprocessed() const
 
 bool CNodeMapFactory::IsCameraDescriptionFileDataReleased() const
 {
-    return data->given && data->text.empty() && !data->memory.data();
+    return data->source.IsReleased();
 }
 
 void CNodeMapFactory::Preprocess()
@@ -108,7 +82,7 @@ void CNodeMapFactory::Preprocess()
 
 void CNodeMapFactory::ReleaseCameraDescriptionFileData()
 {
-    data->Release();
+    data->source.Release();
 }
 
 void CNodeMapFactory::GetSupportedSchemaVersions(GENICAM_NAMESPACE::gcstring_vector& versions) const
@@ -120,7 +94,7 @@ void CNodeMapFactory::GetSupportedSchemaVersions(GENICAM_NAMESPACE::gcstring_vec
 INodeMap* CNodeMapFactory::CreateNodeMap(const gcstring& DeviceName, bool DoReleaseCameraDescriptionFileData)
 {
     data->Load();
-    if (DoReleaseCameraDescriptionFileData) data->Release();
+    if (DoReleaseCameraDescriptionFileData) data->source.Release();
     return new runtime::NodeMap(data->description, DeviceName, nullptr);
 }
 
@@ -128,7 +102,7 @@ INodeMap* CNodeMapFactory::CreateNodeMap(
     CLock& UserProvidedLock, const gcstring& DeviceName, bool DoReleaseCameraDescriptionFileData)
 {
     data->Load();
-    if (DoReleaseCameraDescriptionFileData) data->Release();
+    if (DoReleaseCameraDescriptionFileData) data->source.Release();
     return new runtime::NodeMap(data->description, DeviceName, &UserProvidedLock);
 }
 

@@ -35,6 +35,18 @@ std::string Quoted(std::string_view text)
     return "'" + std::string(text.substr(0, 200)) + "'";
 }
 
+// Registers are padded behind the text.
+std::string_view WithoutPadding(std::string_view xml)
+{
+    const std::string_view begin = xml.substr(0, 2);
+    const bool wide =
+        begin == "\xff\xfe" || begin == "\xfe\xff" || begin.find('\0') != std::string_view::npos; // UTF-16
+    if (!wide) return xml.substr(0, xml.find_last_not_of(std::string_view("\0 \t\r\n", 5)) + 1);
+    while (xml.size() >= 2 && xml.substr(xml.size() - 2) == std::string_view("\0\0", 2))
+        xml.remove_suffix(2);
+    return xml;
+}
+
 // One node that is being read.
 struct Builder
 {
@@ -729,9 +741,7 @@ std::shared_ptr<const Description> ParseDescription(std::string_view xml)
     {
         throw RUNTIME_EXCEPTION("The description has %zu bytes; at most %zu are taken", xml.size(), maxDescriptionSize);
     }
-    while (!xml.empty() && xml.back() == '\0')
-        xml.remove_suffix(1); // padding of a register
-    return Parser(xml).Run();
+    return Parser(WithoutPadding(xml)).Run();
 }
 
 } // namespace GENAPI_NAMESPACE::runtime

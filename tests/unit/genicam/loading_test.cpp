@@ -1,3 +1,4 @@
+#include "tests/unit/genicam/refusal.h"
 #include "tests/unit/genicam/small_map.h"
 
 #include <gmock/gmock.h>
@@ -11,28 +12,9 @@ using namespace GENICAM_NAMESPACE;
 using namespace GENAPI_NAMESPACE;
 using koro::test::Described;
 using koro::test::IntReg;
+using koro::test::Refusal;
 using koro::test::SmallMap;
 using testing::HasSubstr;
-
-// Text of the exception of class E that a description raises.
-template <class E>
-std::string Refusal(const std::string& xml)
-{
-    try
-    {
-        CNodeMapFactory factory(xml.c_str());
-        CastToIDestroy(factory.CreateNodeMap())->Destroy();
-    }
-    catch (const E& exception)
-    {
-        return exception.GetDescription();
-    }
-    catch (const GenericException& exception)
-    {
-        return std::string("another class: ") + exception.what();
-    }
-    return "nothing thrown";
-}
 
 std::string Names(const INodeMap& map)
 {
@@ -153,10 +135,28 @@ TEST(Loading, MoreLenientThanTheSchema)
                        "<ToolTip>late</ToolTip><Value>1</Value></Integer>");
     EXPECT_EQ(map.Integer("A")->GetMax(), 7);
     EXPECT_EQ(map.Node("Inside"), nullptr);
-    std::string padded = Described(integer) + "\n";
-    padded.append(100, '\0');
-    CNodeMapFactory factory(ContentType_Xml, padded.data(), padded.size());
-    CastToIDestroy(factory.CreateNodeMap())->Destroy();
+}
+
+// Little endian, with a byte order mark.
+std::string Wide(const std::string& text)
+{
+    std::string wide = "\xff\xfe";
+    for (const char letter : text)
+        wide += {letter, '\0'};
+    return wide;
+}
+
+TEST(Loading, PaddingBehindTheRootElementIsTaken)
+{
+    const std::string zeros(100, '\0');
+    const std::string xml = Described(integer);
+    for (const std::string& text :
+         {xml, xml + "\n", xml + "\n" + zeros, xml + zeros + "\r\n", xml + "<!-- c -->" + zeros, Wide(xml),
+          Wide(xml) + zeros, Wide(xml + "\n")})
+    {
+        EXPECT_EQ(Refusal<RuntimeException>(text), "nothing thrown") << text.size();
+    }
+    EXPECT_THAT(Refusal<RuntimeException>(xml + zeros + "x"), HasSubstr("Error while parsing XML stream"));
 }
 
 TEST(Loading, DepthOfElementsIsBounded)

@@ -1,0 +1,45 @@
+// Refusal: the text of what a call throws, for tests of descriptions that are refused.
+#pragma once
+
+#include <GenApi/NodeMapFactory.h>
+#include <GenApi/NodeMapRef.h>
+#include <GenICam.h>
+#include <string>
+
+namespace koro::test
+{
+
+// The description of the exception of class E that `act` throws; tells so when it is another class or none.
+template <class E, class Act>
+std::string RefusalOf(const Act& act)
+{
+    try
+    {
+        act();
+    }
+    catch (const E& exception)
+    {
+        return exception.GetDescription();
+    }
+    catch (const GENICAM_NAMESPACE::GenericException& exception)
+    {
+        return std::string("another class: ") + exception.what();
+    }
+    return "nothing thrown";
+}
+
+// Makes a map and ends it.
+inline void Load(GENAPI_NAMESPACE::CNodeMapFactory factory)
+{
+    GENAPI_NAMESPACE::CastToIDestroy(factory.CreateNodeMap())->Destroy();
+}
+
+// The same for a description as text.
+template <class E>
+std::string Refusal(const std::string& xml)
+{
+    return RefusalOf<E>(
+        [&] { Load(GENAPI_NAMESPACE::CNodeMapFactory(GENICAM_NAMESPACE::gcstring(xml.data(), xml.size()))); });
+}
+
+} // namespace koro::test
