@@ -1,5 +1,7 @@
 #include "modules/module.h"
 
+#include "nodes/description_retrieval.h"
+#include "nodes/node_map.h"
 #include "nodes/port.h"
 
 namespace koro::internal
@@ -14,6 +16,12 @@ Module::~Module() = default;
 GenTL::PORT_HANDLE Module::Handle() const
 {
     return port->Handle();
+}
+
+std::vector<std::shared_ptr<NodeMap>> Module::NodeMaps()
+{
+    nodeMapsOnce.Run([this] { nodeMaps = RetrieveNodeMaps(*this); });
+    return nodeMaps;
 }
 
 } // namespace koro::internal

@@ -7,14 +7,17 @@
 #pragma once
 
 #include "base/instance.h"
+#include "base/once.h"
 #include "gentl/gentl_caller.h"
 
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace koro::internal
 {
 
+class NodeMap;
 class Port;
 
 class Module : public Instance
@@ -30,8 +33,12 @@ public:
     // In GenTL every module handle is a port handle as well, so this one serves all functions of the module.
     GenTL::PORT_HANDLE Handle() const;
     const std::shared_ptr<internal::Port>& Port() const { return port; }
+    // Fetched by the first call and never again, unless that one throws. Without a usable description: none.
+    std::vector<std::shared_ptr<NodeMap>> NodeMaps();
 
 private:
+    std::vector<std::shared_ptr<NodeMap>> nodeMaps; // set under nodeMapsOnce
+    Once nodeMapsOnce;
     const std::shared_ptr<internal::Port> port;
 };
 

@@ -5,6 +5,8 @@
 // thread.
 #pragma once
 
+#include "base/exceptions.h"
+
 #include <Base/GCException.h>
 #include <utility>
 
@@ -25,6 +27,14 @@ decltype(auto) TranslateGenApiExceptions(Callable&& callable)
     {
         RethrowGenApiExceptionAsOwn();
     }
+}
+
+// The same around an operation that has standard failures of its own as well: those become InternalErrorException.
+template <class Callable>
+decltype(auto) InBothLayers(Callable&& callable)
+{
+    return TranslateGenApiExceptions(
+        [&]() -> decltype(auto) { return WithStandardExceptionsAsInternalErrors(std::forward<Callable>(callable)); });
 }
 
 } // namespace koro::internal

@@ -40,6 +40,8 @@
 #include <koro/library.h>
 #include <koro/module.h>
 #include <koro/module_descriptor.h>
+#include <koro/node.h>
+#include <koro/node_map.h>
 #include <koro/port.h>
 #include <koro/port_url.h>
 #include <koro/producer_library.h>

@@ -147,6 +147,7 @@ public:
 
         const auto module = Get<KORO_ModuleHandle>(KORO_System_ToModule, tree.system);
         const auto port = Get<KORO_PortHandle>(KORO_Module_GetPort, module);
+        const auto nodeMap = Get<KORO_NodeMapHandle>(KORO_Module_GetNodeMap, module, std::size_t{0});
         const auto source = Get<KORO_EventSupportingModuleHandle>(KORO_System_ToEventSupportingModule, tree.system);
         const auto controller =
             Get<KORO_EventControllerHandle>(KORO_EventSupportingModule_EnableEvents, source, moduleEvents);
@@ -169,6 +170,8 @@ public:
             Get<KORO_ModuleDescriptorHandle>(KORO_DeviceDescriptor_ToModuleDescriptor, tree.deviceDescriptor));
         Enter("KORO_PortHandle", port);
         Enter("KORO_PortURLHandle", Get<KORO_PortURLHandle>(KORO_Port_GetURL, port, std::size_t{0}));
+        Enter("KORO_NodeMapHandle", nodeMap);
+        Enter("KORO_NodeHandle", Get<KORO_NodeHandle>(KORO_NodeMap_GetNode, nodeMap, std::size_t{0}));
         Enter("KORO_EventSupportingModuleHandle", source);
         Enter("KORO_EventControllerHandle", controller);
         Enter(

@@ -1,0 +1,86 @@
+#include "nodes/node_map.h"
+
+#include "capi/node_entries.h"
+#include <koro/node_map.h>
+
+#include <stdexcept>
+
+using namespace koro::internal;
+
+KORO_ReturnCode KORO_NodeMap_GetHasNode(
+    KORO_NodeMapHandle nodeMapHandle, const char* nodeName, size_t nodeNameSize, KORO_Bool8* hasNode)
+{
+    return WithObject(KORO_ARG(nodeMapHandle), [&](const auto& nodeMap) {
+        if (!nodeName) return InvalidPointer(KORO_ARG(nodeName));
+        const KORO_Bool8 found = nodeMap->HasNode(TextArgument(nodeName, nodeNameSize));
+        return CopyScalarOut(found, hasNode, "hasNode");
+    });
+}
+
+KORO_ReturnCode KORO_NodeMap_FindNode(
+    KORO_NodeMapHandle nodeMapHandle, const char* nodeName, size_t nodeNameSize, KORO_NodeHandle* nodeHandle)
+{
+    return WithObject(KORO_ARG(nodeMapHandle), [&](const auto& nodeMap) {
+        if (!nodeName) return InvalidPointer(KORO_ARG(nodeName));
+        if (!nodeHandle) return InvalidPointer(KORO_ARG(nodeHandle));
+        *nodeHandle = EnterNode(nodeMap->FindNode(TextArgument(nodeName, nodeNameSize)));
+        return success;
+    });
+}
+
+KORO_ReturnCode KORO_NodeMap_TryFindNode(
+    KORO_NodeMapHandle nodeMapHandle, const char* nodeName, size_t nodeNameSize, KORO_NodeHandle* nodeHandle)
+{
+    return WithObject(KORO_ARG(nodeMapHandle), [&](const auto& nodeMap) {
+        if (!nodeName) return InvalidPointer(KORO_ARG(nodeName));
+        if (!nodeHandle) return InvalidPointer(KORO_ARG(nodeHandle));
+        const auto node = nodeMap->TryFindNode(TextArgument(nodeName, nodeNameSize));
+        *nodeHandle = node ? EnterNode(node) : nullptr;
+        return success;
+    });
+}
+
+KORO_ReturnCode KORO_NodeMap_GetNumNodes(KORO_NodeMapHandle nodeMapHandle, size_t* numNodes)
+{
+    return GetScalar(KORO_ARG(nodeMapHandle), KORO_ARG(numNodes), [](auto& nodeMap) { return nodeMap.Nodes().size(); });
+}
+
+KORO_ReturnCode KORO_NodeMap_GetNode(KORO_NodeMapHandle nodeMapHandle, size_t index, KORO_NodeHandle* nodeHandle)
+{
+    return GetHandle(KORO_ARG(nodeMapHandle), KORO_ARG(nodeHandle), [&](const auto& nodeMap) {
+        const auto& nodes = nodeMap->Nodes();
+        // Not the answer of other lists; kept, since texts do not change.
+        if (index >= nodes.size()) throw std::out_of_range("invalid vector subscript");
+        return EnterNode(nodes[index]);
+    });
+}
+
+KORO_ReturnCode KORO_NodeMap_InvalidateNodes(KORO_NodeMapHandle nodeMapHandle)
+{
+    return Perform(KORO_ARG(nodeMapHandle), &NodeMap::InvalidateNodes);
+}
+
+KORO_ReturnCode KORO_NodeMap_PollNodes(KORO_NodeMapHandle nodeMapHandle, int64_t elapsedTime_ms)
+{
+    return Perform(KORO_ARG(nodeMapHandle), [&](auto& nodeMap) { nodeMap.PollNodes(elapsedTime_ms); });
+}
+
+KORO_ReturnCode KORO_NodeMap_Lock(KORO_NodeMapHandle nodeMapHandle)
+{
+    return Perform(KORO_ARG(nodeMapHandle), [](auto& nodeMap) { nodeMap.GenApiLock().Lock(); });
+}
+
+KORO_ReturnCode KORO_NodeMap_Unlock(KORO_NodeMapHandle nodeMapHandle)
+{
+    return Perform(KORO_ARG(nodeMapHandle), [](auto& nodeMap) { nodeMap.GenApiLock().Unlock(); });
+}
+
+// A lock that nobody is told of would never be given back: the pointer is tested first.
+KORO_ReturnCode KORO_NodeMap_TryLock(KORO_NodeMapHandle nodeMapHandle, KORO_Bool8* locked)
+{
+    return WithObject(KORO_ARG(nodeMapHandle), [&](const auto& nodeMap) {
+        if (!locked) return InvalidPointer(KORO_ARG(locked));
+        *locked = nodeMap->GenApiLock().TryLock();
+        return success;
+    });
+}

@@ -1,0 +1,95 @@
+/*
+ * The features of a module, as one description tells them: a map of nodes by list and by name. A handle comes from
+ * KORO_Module_GetNodeMap and ends with the module; there is nothing to destruct.
+ *
+ * A description is read when the first function needs it, so the first call on a map may take long, and tells what is
+ * wrong with the description. A call after a failure tries again. Nodes never change afterwards: names and handles stay
+ * for the life of the map.
+ *
+ * Every map has one lock, which is recursive. Functions that write, invalidate or poll take it for their own length;
+ * callbacks of nodes run while it is held. Any thread may call any function.
+ */
+#ifndef KORO_NODE_MAP_H
+#define KORO_NODE_MAP_H
+
+#include <koro/return_codes.h>
+#include <koro/types.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/**
+ * Tells whether the map has a node. The letter case of names counts.
+ * @param[in]  nodeName     name without name space; need not be terminated
+ * @param[in]  nodeNameSize its size in bytes, with a terminating zero counted: strlen + 1
+ * @param[out] hasNode      1 if there is one
+ */
+KORO_API KORO_ReturnCode KORO_NodeMap_GetHasNode(
+    KORO_NodeMapHandle nodeMapHandle, const char* nodeName, size_t nodeNameSize, KORO_Bool8* hasNode);
+
+/**
+ * Gives a node by its name. The same handle each time. No call of the producer but for the first use of the map.
+ * @param[in]  nodeName     name without name space; need not be terminated
+ * @param[in]  nodeNameSize its size in bytes, with a terminating zero counted
+ * @param[out] nodeHandle   ends with the map
+ * @return KORO_RETURN_CODE_NOT_FOUND when there is no such node
+ */
+KORO_API KORO_ReturnCode KORO_NodeMap_FindNode(
+    KORO_NodeMapHandle nodeMapHandle, const char* nodeName, size_t nodeNameSize, KORO_NodeHandle* nodeHandle);
+
+/**
+ * Gives a node by its name; one that is missing is no failure.
+ * @param[in]  nodeName     name without name space; need not be terminated
+ * @param[in]  nodeNameSize its size in bytes, with a terminating zero counted
+ * @param[out] nodeHandle   ends with the map; null when there is no such node
+ */
+KORO_API KORO_ReturnCode KORO_NodeMap_TryFindNode(
+    KORO_NodeMapHandle nodeMapHandle, const char* nodeName, size_t nodeNameSize, KORO_NodeHandle* nodeHandle);
+
+/** Gives the number of nodes, those that are no features included. */
+KORO_API KORO_ReturnCode KORO_NodeMap_GetNumNodes(KORO_NodeMapHandle nodeMapHandle, size_t* numNodes);
+
+/**
+ * Gives one node. The same handle each time.
+ * @param[in]  index      0 to the number of nodes less 1
+ * @param[out] nodeHandle ends with the map
+ * @return KORO_RETURN_CODE_ERROR for an index beyond the list
+ */
+KORO_API KORO_ReturnCode
+KORO_NodeMap_GetNode(KORO_NodeMapHandle nodeMapHandle, size_t index, KORO_NodeHandle* nodeHandle);
+
+/**
+ * Drops everything that the nodes remember of the registers, so that the next reads ask the producer. Takes the lock.
+ * The changed callbacks of all nodes run within, on this thread.
+ */
+KORO_API KORO_ReturnCode KORO_NodeMap_InvalidateNodes(KORO_NodeMapHandle nodeMapHandle);
+
+/**
+ * Tells the nodes that time has passed: those whose polling time is over drop what they remember, and their changed
+ * callbacks run, on this thread. Takes the lock. The library has no thread that polls: call it regularly.
+ * @param[in] elapsedTime_ms milliseconds since the last call
+ */
+KORO_API KORO_ReturnCode KORO_NodeMap_PollNodes(KORO_NodeMapHandle nodeMapHandle, int64_t elapsedTime_ms);
+
+/**
+ * Takes the lock for several calls that belong together, such as choosing by a selector and setting what it selects.
+ * Waits without end while another thread holds it. Each success needs one KORO_NodeMap_Unlock on the same thread,
+ * before the module ends.
+ */
+KORO_API KORO_ReturnCode KORO_NodeMap_Lock(KORO_NodeMapHandle nodeMapHandle);
+
+/** Gives back one KORO_NodeMap_Lock. On a thread that does not hold the lock it changes nothing. */
+KORO_API KORO_ReturnCode KORO_NodeMap_Unlock(KORO_NodeMapHandle nodeMapHandle);
+
+/**
+ * Takes the lock if no other thread holds it, without waiting.
+ * @param[out] locked 1 when the lock was taken, then give it back by KORO_NodeMap_Unlock; 0 when it was not
+ */
+KORO_API KORO_ReturnCode KORO_NodeMap_TryLock(KORO_NodeMapHandle nodeMapHandle, KORO_Bool8* locked);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -1,0 +1,24 @@
+// CategoryNode: a feature that groups others.
+//
+// Made and owned by its NodeMap. Any thread.
+#pragma once
+
+#include "nodes/node.h"
+
+#include <GenApi/Pointer.h>
+
+namespace koro::internal
+{
+
+class CategoryNode final : public Node
+{
+public:
+    CategoryNode(GENAPI_NAMESPACE::INode* node, const std::weak_ptr<NodeMap>& nodeMap)
+        : Node(node, nodeMap), category(node)
+    {}
+
+private:
+    const GENAPI_NAMESPACE::CCategoryPtr category;
+};
+
+} // namespace koro::internal

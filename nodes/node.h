@@ -1,0 +1,134 @@
+// Node: one feature of a node map: what it is called, how it may be used, what it depends on, and news of its changes.
+//
+// Owned by its NodeMap, which it holds weakly: every operation keeps the map for its length, and throws
+// InternalErrorException with "Pointer has expired!" once that has gone. Any thread. Getters take no lock of ours;
+// numbers are GenApi's own unless said otherwise. The typed nodes derive from it.
+#pragma once
+
+#include "base/built_once.h"
+#include "base/expiring.h"
+#include "base/instance.h"
+#include "nodes/linked_nodes.h"
+#include "nodes/node_map.h"
+#include "nodes/translate_genapi_exceptions.h"
+
+#include <GenApi/INode.h>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+namespace koro::internal
+{
+
+// Not GenApi's numbers.
+enum class NodeType : std::int32_t
+{
+    Integer,
+    Boolean,
+    Command,
+    Float,
+    String,
+    Register,
+    Category,
+    Enumeration,
+    EnumerationEntry,
+    Other
+};
+
+class Node : public Instance, public std::enable_shared_from_this<Node>
+{
+public:
+    using ChangedCallback = std::function<void(const std::shared_ptr<Node>&)>;
+    using ChangedCallbackHandle = const void*;
+
+    Node(GENAPI_NAMESPACE::INode* node, const std::weak_ptr<NodeMap>& nodeMap);
+    ~Node() override;
+
+    std::string Name() const;
+    std::string DisplayName() const;
+    std::string ToolTip() const;
+    std::string Description() const;
+    GENAPI_NAMESPACE::ENameSpace Namespace() const;
+    GENAPI_NAMESPACE::EVisibility Visibility() const;
+    GENAPI_NAMESPACE::EAccessMode AccessStatus() const;
+    GENAPI_NAMESPACE::ECachingMode CachingMode() const;
+    bool IsCacheable() const;
+    bool IsAccessStatusCacheable() const; // only when the description says yes
+    std::int64_t PollingTime() const;     // milliseconds; -1: not polled
+    NodeType Type() const;
+    bool IsFeature() const;
+    bool IsDeprecated() const;
+    bool IsStreamable() const;
+    std::shared_ptr<NodeMap> ParentNodeMap() const;
+
+    // What a change of this node invalidates, and whose change invalidates it. Each list is built on first use and
+    // never refreshed. The finding ones throw NotFoundException.
+    std::vector<std::shared_ptr<Node>> InvalidatedNodes();
+    std::shared_ptr<Node> FindInvalidatedNode(const std::string& name);
+    std::vector<std::shared_ptr<Node>> InvalidatingNodes();
+    std::shared_ptr<Node> FindInvalidatingNode(const std::string& name);
+    // What this selector selects, and by what it is selected itself. Both empty for a node that is no selector.
+    std::vector<std::shared_ptr<Node>> SelectedNodes();
+    std::shared_ptr<Node> FindSelectedNode(const std::string& name);
+    std::vector<std::shared_ptr<Node>> SelectingNodes();
+    std::shared_ptr<Node> FindSelectingNode(const std::string& name);
+
+    // The callback runs on the thread that caused a change, while it holds the map's lock; an empty one is not called.
+    // It may come back to this map and to this registry, itself included. A registered callback keeps the node alive,
+    // as long as its map is there.
+    ChangedCallbackHandle RegisterChangedCallback(ChangedCallback callback);
+    // An unknown handle is ignored. Afterwards the callback does not run any more.
+    void UnregisterChangedCallback(ChangedCallbackHandle handle);
+
+    // For the end of the map: drops the callbacks of a node that is no more in GenApi.
+    void ForgetChangedCallbacks();
+
+protected:
+    // The ways into GenApi: each keeps the map and translates what comes back. For GenApi alone, with standard
+    // failures of our own, and with the map's lock held.
+    template <class Call>
+    auto Ask(Call&& call) const
+    {
+        const auto map = ParentNodeMap();
+        return TranslateGenApiExceptions(std::forward<Call>(call));
+    }
+    template <class Call>
+    auto AskInBothLayers(Call&& call) const
+    {
+        const auto map = ParentNodeMap();
+        return InBothLayers(std::forward<Call>(call));
+    }
+    template <class Call>
+    auto AskLocked(Call&& call) const
+    {
+        const auto map = ParentNodeMap();
+        const GENAPI_NAMESPACE::AutoLock lock(map->GenApiLock());
+        return TranslateGenApiExceptions(std::forward<Call>(call));
+    }
+
+private:
+    class ChangedCallbackDelegate;
+    enum class Link; // the four lists
+
+    const LinkedNodes& Linked(Link link, NodeMap& nodeMap);
+    std::vector<std::shared_ptr<Node>> AllLinked(Link link);
+    std::shared_ptr<Node> FindLinked(Link link, const char* kind, const std::string& name);
+
+    const std::weak_ptr<NodeMap> parentNodeMap;
+    GENAPI_NAMESPACE::INode* const genApiNode; // belongs to the map
+
+    BuiltOnce<LinkedNodes> invalidatedNodes;
+    BuiltOnce<LinkedNodes> invalidatingNodes;
+    BuiltOnce<LinkedNodes> selectedNodes;
+    BuiltOnce<LinkedNodes> selectingNodes;
+
+    std::mutex changedCallbacksMutex; // taken with the map's lock held, never the other way round
+    std::unordered_map<ChangedCallbackHandle, std::unique_ptr<ChangedCallbackDelegate>> changedCallbacks;
+};
+
+} // namespace koro::internal

@@ -1,0 +1,93 @@
+// The change notifications of a node.
+
+#include "nodes/node.h"
+
+#include <GenApi/NodeCallback.h>
+
+namespace koro::internal
+{
+
+using namespace GENAPI_NAMESPACE;
+
+// What GenApi calls for one registration. Its end deregisters it, unless GenApi has given it up before.
+class Node::ChangedCallbackDelegate
+{
+public:
+    ChangedCallbackDelegate(std::shared_ptr<Node> changingNode, ChangedCallback function)
+        : node(std::move(changingNode)), callback(std::make_shared<const ChangedCallback>(std::move(function)))
+    {}
+    ~ChangedCallbackDelegate()
+    {
+        if (!isRegistered) return;
+        try
+        {
+            Deregister(genApiCallbackHandle);
+        }
+        catch (...) // nobody to tell
+        {}
+    }
+    ChangedCallbackDelegate(const ChangedCallbackDelegate&) = delete;
+    ChangedCallbackDelegate& operator=(const ChangedCallbackDelegate&) = delete;
+
+    void RegisterAt(INode* genApiNode)
+    {
+        genApiCallbackHandle = Register(genApiNode, *this, &ChangedCallbackDelegate::operator(), cbPostInsideLock);
+        isRegistered = true;
+    }
+    void Forget() { isRegistered = false; }
+
+    // The callback may unregister itself, which ends this object: nothing of it is touched afterwards.
+    void operator()(INode*)
+    {
+        const auto heldCallback = callback;
+        const auto heldNode = node;
+        if (*heldCallback) (*heldCallback)(heldNode);
+    }
+
+private:
+    const std::shared_ptr<Node> node;
+    const std::shared_ptr<const ChangedCallback> callback;
+    CallbackHandleType genApiCallbackHandle{};
+    bool isRegistered = false;
+};
+
+// Here, where the delegate is known: making a node knows how to end one.
+Node::Node(INode* node, const std::weak_ptr<NodeMap>& nodeMap) : parentNodeMap(nodeMap), genApiNode(node) {}
+
+Node::~Node() = default;
+
+Node::ChangedCallbackHandle Node::RegisterChangedCallback(ChangedCallback callback)
+{
+    return AskLocked([&]() -> ChangedCallbackHandle {
+        auto delegate = std::make_unique<ChangedCallbackDelegate>(shared_from_this(), std::move(callback));
+        delegate->RegisterAt(genApiNode);
+
+        const ChangedCallbackHandle handle = delegate.get();
+        const std::lock_guard lock(changedCallbacksMutex);
+        changedCallbacks.emplace(handle, std::move(delegate));
+        return handle;
+    });
+}
+
+void Node::UnregisterChangedCallback(ChangedCallbackHandle handle)
+{
+    AskLocked([&] {
+        std::unique_ptr<ChangedCallbackDelegate> removed; // ends after the mutex, with the map's lock still held
+        const std::lock_guard lock(changedCallbacksMutex);
+        const auto found = changedCallbacks.find(handle);
+        if (found == changedCallbacks.end()) return;
+        removed = std::move(found->second);
+        changedCallbacks.erase(found);
+    });
+}
+
+void Node::ForgetChangedCallbacks()
+{
+    decltype(changedCallbacks) forgotten; // each holds this node
+    const std::lock_guard lock(changedCallbacksMutex);
+    forgotten.swap(changedCallbacks);
+    for (const auto& [handle, delegate] : forgotten)
+        delegate->Forget();
+}
+
+} // namespace koro::internal

@@ -1,0 +1,18 @@
+// NodeMapDescription: where a node map's description comes from: bytes that a port gave, or a file.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace koro::internal
+{
+
+struct NodeMapDescription
+{
+    bool isZipped = false;            // `data` holds an archive
+    std::vector<std::uint8_t> data{}; // text or archive, as it was read
+    std::string filePath{};           // of a plain text file; wins over `data` when it is not empty
+};
+
+} // namespace koro::internal

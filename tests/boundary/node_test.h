@@ -1,0 +1,76 @@
+// NodeTest: an open tree whose remote device has the description that the test writes, over registers of the test's.
+#pragma once
+
+#include "tests/boundary/tree_test.h"
+
+#include <cstdint>
+#include <string>
+
+namespace koro::test
+{
+
+// A whole description around the nodes that a test is about; the port is that of a remote device.
+inline std::string DescriptionOf(const std::string& nodes, const std::string& portName = "Device")
+{
+    return "<RegisterDescription ModelName=\"Test\" VendorName=\"ZVR\" ToolTip=\"\" StandardNameSpace=\"None\" "
+           "SchemaMajorVersion=\"1\" SchemaMinorVersion=\"1\" SchemaSubMinorVersion=\"0\" MajorVersion=\"1\" "
+           "MinorVersion=\"0\" SubMinorVersion=\"0\" ProductGuid=\"\" VersionGuid=\"\" "
+           "xmlns=\"http://www.genicam.org/GenApi/Version_1_1\">" +
+           nodes + "<Port Name=\"" + portName + "\"/></RegisterDescription>";
+}
+
+// An integer over four bytes at `address`, which the producer keeps.
+inline std::string IntRegister(const std::string& name, std::uint64_t address, const std::string& elements = "")
+{
+    return "<IntReg Name=\"" + name + "\"><Address>" + std::to_string(address) +
+           "</Address><Length>4</Length><AccessMode>RW</AccessMode><pPort>Device</pPort>" + elements +
+           "<Sign>Unsigned</Sign><Endianess>LittleEndian</Endianess></IntReg>";
+}
+
+class NodeTest : public TreeTest
+{
+protected:
+    static constexpr std::uint64_t descriptionAddress = 0x20000;
+
+    // The port of the first camera, as the producer has it.
+    static scripted::Port& RemotePort(scripted::Tree& edited) { return edited.interfaces[0]->devices[0]->remotePort; }
+
+    // Before the first request for the node maps: one URL whose register space holds `description`.
+    void Describe(const std::string& nodes) const { DescribeBy(DescriptionOf(nodes)); }
+    void DescribeBy(const std::string& description, const std::string& fileName = "test.xml") const
+    {
+        producer->Edit([&](scripted::Tree& edited) {
+            auto& port = RemotePort(edited);
+            port.registers[descriptionAddress] = description;
+            port.urls.assign(
+                1, {{GenTL::URL_INFO_URL, scripted::Text("local:" + fileName + ";20000;0")},
+                    {GenTL::URL_INFO_SCHEME, scripted::Int32(GenTL::URL_SCHEME_LOCAL)},
+                    {GenTL::URL_INFO_FILE_REGISTER_ADDRESS, scripted::UInt64(descriptionAddress)},
+                    {GenTL::URL_INFO_FILE_SIZE, scripted::UInt64(description.size())},
+                    {GenTL::URL_INFO_FILENAME, scripted::Text(fileName)}});
+        });
+    }
+
+    // A register of four bytes, least significant one first.
+    void SetRegister(std::uint64_t address, std::uint32_t value) const
+    {
+        producer->Edit([&](scripted::Tree& edited) {
+            std::string& bytes = RemotePort(edited).registers[0];
+            for (std::size_t byte = 0; byte < sizeof value; ++byte)
+                bytes.at(address + byte) = static_cast<char>(value >> (8 * byte));
+        });
+    }
+
+    static KORO_NodeMapHandle NodeMapOf(KORO_RemoteDeviceHandle remoteDevice, std::size_t index = 0)
+    {
+        const auto module = Get<KORO_ModuleHandle>(KORO_RemoteDevice_ToModule, remoteDevice);
+        return Get<KORO_NodeMapHandle>(KORO_Module_GetNodeMap, module, index);
+    }
+
+    static KORO_NodeHandle Find(KORO_NodeMapHandle map, const std::string& name)
+    {
+        return Get<KORO_NodeHandle>(KORO_NodeMap_FindNode, map, name.c_str(), name.size() + 1);
+    }
+};
+
+} // namespace koro::test
