@@ -22,12 +22,12 @@ PortFacts NameByAddress(PortFacts facts, const void* memory)
 
 Buffer::Buffer(void* consumersMemory, std::size_t bytes, void* privatePointer, PortFacts portFacts)
     : memory(static_cast<std::byte*>(consumersMemory), bytes), userPointer(privatePointer),
-      port(NameByAddress(std::move(portFacts), consumersMemory), nullptr)
+      port(NameByAddress(std::move(portFacts), consumersMemory))
 {}
 
 Buffer::Buffer(std::size_t bytes, void* privatePointer, PortFacts portFacts)
     : ownMemory(std::make_unique<std::byte[]>(bytes)), memory(ownMemory.get(), bytes), userPointer(privatePointer),
-      port(NameByAddress(std::move(portFacts), ownMemory.get()), nullptr)
+      port(NameByAddress(std::move(portFacts), ownMemory.get()))
 {}
 
 } // namespace koro::simulator

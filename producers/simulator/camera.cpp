@@ -26,8 +26,8 @@ std::unique_ptr<ImageSource> MakeSource(const CameraSettings& settings)
 
 } // namespace
 
-Camera::Camera(const CameraSettings& cameraSettings, std::string transportType, const Misbehaviour& misbehaviour)
-    : settings(cameraSettings), tlType(std::move(transportType)), id(settings.model + "_" + settings.serial),
+Camera::Camera(const CameraSettings& cameraSettings, CameraConnection plug, const Misbehaviour& misbehaviour)
+    : settings(cameraSettings), connection(std::move(plug)), id(settings.model + "_" + settings.serial),
       source(MakeSource(settings))
 {
     const auto concerns = [this](const auto& fault) { return fault.camera == "*" || fault.camera == settings.serial; };

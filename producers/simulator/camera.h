@@ -6,6 +6,7 @@
 
 #include "producers/simulator/image_source.h"
 #include "producers/simulator/settings.h"
+#include "producers/simulator/transport.h"
 
 #include <algorithm>
 #include <memory>
@@ -16,15 +17,23 @@
 namespace koro::simulator
 {
 
+// Where a camera is plugged in.
+struct CameraConnection
+{
+    std::string tlType;
+    NetworkAddress network; // of GigE Vision cameras
+};
+
 class Camera
 {
 public:
     // Loads the folder, if it plays one. Takes from the misbehaviour what concerns this camera.
-    Camera(const CameraSettings& cameraSettings, std::string transportType, const Misbehaviour& misbehaviour);
+    Camera(const CameraSettings& cameraSettings, CameraConnection plug, const Misbehaviour& misbehaviour);
 
     const CameraSettings& Settings() const noexcept { return settings; }
     const std::string& Id() const noexcept { return id; }
-    const std::string& TLType() const noexcept { return tlType; }
+    const std::string& TLType() const noexcept { return connection.tlType; }
+    const NetworkAddress& Network() const noexcept { return connection.network; }
     std::string DisplayName() const { return settings.vendor + " " + settings.model + " (" + id + ")"; }
     const ImageSource& Source() const noexcept { return *source; }
 
@@ -35,6 +44,8 @@ public:
     const FrameFault* FaultOfFrame(std::uint64_t n) const noexcept;
     bool VanishesAtFrame(std::uint64_t n) const noexcept;
 
+    std::string UserName() const { return settings.userName; }
+
     bool IsPresent() const;
     void Vanish();
     // Counts one list update; whether the camera is found by it.
@@ -44,7 +55,7 @@ private:
     void Unplug() noexcept; // mutex held
 
     const CameraSettings settings;
-    const std::string tlType;
+    const CameraConnection connection;
     const std::string id;
     std::unique_ptr<ImageSource> source;
     std::vector<FrameFault> frameFaults;

@@ -3,6 +3,8 @@
 #include "producers/simulator/device.h"
 #include "producers/simulator/producer_facts.h"
 
+#include <algorithm>
+#include <cstring>
 #include <utility>
 
 namespace koro::simulator
@@ -12,6 +14,16 @@ namespace
 
 constexpr std::size_t announceMinimum = 1;
 constexpr std::size_t maxBufferBytes = std::size_t{1} << 32; // of one allocation of ours
+
+constexpr std::uint64_t oldestFirst = 1; // of StreamBufferHandlingMode
+
+// A whole number of up to eight bytes.
+std::uint64_t NumberIn(const InfoValue& value)
+{
+    std::uint64_t number = 0;
+    std::memcpy(&number, value.bytes.data(), std::min(value.bytes.size(), sizeof number));
+    return number;
+}
 
 PortFacts StreamFacts(const Device& device)
 {
@@ -33,7 +45,7 @@ const std::string& DataStream::TheId()
 }
 
 DataStream::DataStream(std::shared_ptr<Device> parentDevice)
-    : parent(std::move(parentDevice)), camera(parent->SharedCamera()), port(StreamFacts(*parent), &streamDescription),
+    : parent(std::move(parentDevice)), camera(parent->SharedCamera()), port(StreamFacts(*parent), MakeRegisters()),
       engine(
           mutex, queue, camera, parent->ConnectionLost(),
           {[this] { parent->OnCameraLost(); },
@@ -41,6 +53,29 @@ DataStream::DataStream(std::shared_ptr<Device> parentDevice)
                RaiseEvent(EVENT_ERROR, ErrorBlock(GC_ERR_BUFFER_TOO_SMALL, "the buffer is too small for the image"));
            }})
 {}
+
+PortRegisters DataStream::MakeRegisters()
+{
+    auto map = std::make_shared<RegisterMap>();
+    AddCommonRegisters(*map, StreamFacts(*parent), streamDescription);
+    map->AddInteger(0x140, 4, TransportTypeNumber(camera->TLType()));
+    map->AddInteger(0x144, 4, oldestFirst);
+    const auto mirror = [this, &map](std::uint64_t address, std::size_t bytes, STREAM_INFO_CMD command) {
+        map->AddInteger(address, bytes, [this, command] { return NumberIn(Info(command)); });
+    };
+    mirror(0x148, 4, STREAM_INFO_IS_GRABBING);
+    mirror(0x180, 8, STREAM_INFO_PAYLOAD_SIZE);
+    mirror(0x188, 8, STREAM_INFO_NUM_ANNOUNCED);
+    mirror(0x190, 8, STREAM_INFO_BUF_ANNOUNCE_MIN);
+    mirror(0x198, 8, STREAM_INFO_BUF_ALIGNMENT);
+    mirror(0x1A0, 8, STREAM_INFO_NUM_QUEUED);
+    mirror(0x1A8, 8, STREAM_INFO_NUM_AWAIT_DELIVERY);
+    mirror(0x1B0, 8, STREAM_INFO_NUM_CHUNKS_MAX);
+    mirror(0x1B8, 8, STREAM_INFO_NUM_STARTED);
+    mirror(0x1C0, 8, STREAM_INFO_NUM_DELIVERED);
+    mirror(0x1C8, 8, STREAM_INFO_NUM_UNDERRUN);
+    return {map, {LocalURL(streamDescription)}};
+}
 
 bool DataStream::SupportsEvent(EVENT_TYPE type) const noexcept
 {

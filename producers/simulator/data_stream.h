@@ -51,6 +51,7 @@ private:
     BufferObserver* Observer() noexcept override { return &queue; }
     void OnClose() override;
 
+    PortRegisters MakeRegisters();
     std::shared_ptr<Buffer> Add(std::shared_ptr<Buffer> buffer);
     void RequireBufferLocked(const Buffer& buffer) const;
     InfoValue FilledBufferInfo(const Buffer& buffer, BUFFER_INFO_CMD command) const;

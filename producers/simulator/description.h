@@ -10,7 +10,7 @@ namespace koro::simulator
 struct Description
 {
     std::string_view fileName;
-    std::string_view text;
+    std::string_view text; // XML, or an archive of it where the name ends in .zip
     std::array<unsigned char, 20> sha1;
 };
 

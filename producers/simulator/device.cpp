@@ -4,7 +4,6 @@
 #include "producers/simulator/interface.h"
 #include "producers/simulator/producer_facts.h"
 
-#include <cstring>
 #include <utility>
 
 namespace koro::simulator
@@ -29,11 +28,17 @@ PortFacts CameraFacts(const Camera& camera, const char* module, const char* name
     return {camera.Id(), settings.vendor, settings.model, camera.TLType(), module, name, producerVersion};
 }
 
-bool IsZeroOrOne(std::span<const std::byte> bytes)
+constexpr std::uint64_t standardEndianess = 1; // of DeviceEndianessMechanism
+
+// A number that nothing follows from.
+void AddSetting(RegisterMap& map, std::uint64_t address, std::uint64_t& value, std::uint64_t least, std::uint64_t most)
 {
-    std::uint32_t value = 0;
-    std::memcpy(&value, bytes.data(), sizeof value);
-    return value <= 1;
+    map.AddInteger(
+        address, 4, [&value] { return value; },
+        [&value, least, most](std::uint64_t wanted) {
+            if (wanted < least || wanted > most) RefuseValue("the value is out of range");
+            value = wanted;
+        });
 }
 
 InfoValue TextIfAny(const std::string& text)
@@ -75,23 +80,31 @@ InfoValue DeviceInfo(const Camera& camera, DEVICE_ACCESS_STATUS status, DEVICE_I
 }
 
 RemoteDevice::RemoteDevice(const Camera& camera, Port::Gate gate)
-    : port(CameraFacts(camera, "Device", "Device"), &remoteDeviceDescription, std::move(gate))
+    : userName(camera.Settings().userName),
+      port(CameraFacts(camera, "Device", "Device"), MakeRegisters(camera), std::move(gate))
+{}
+
+PortRegisters RemoteDevice::MakeRegisters(const Camera& camera)
 {
+    auto map = std::make_shared<RegisterMap>();
     const ImageShape& shape = camera.Source().Shape();
-    RegisterMap& map = port.Registers();
-    map.AddText(serialRegister, textRegisterBytes, camera.Settings().serial, RegisterAccess::ReadOnly);
-    map.AddText(userNameRegister, textRegisterBytes, camera.Settings().userName, RegisterAccess::ReadWrite);
-    map.AddUnsigned(widthRegister, 4, shape.width, RegisterAccess::ReadOnly);
-    map.AddUnsigned(heightRegister, 4, shape.height, RegisterAccess::ReadOnly);
-    map.AddUnsigned(pixelFormatRegister, 4, shape.format->code, RegisterAccess::ReadOnly);
-    map.AddUnsigned(payloadSizeRegister, 8, shape.PayloadBytes(), RegisterAccess::ReadOnly);
-    map.AddUnsigned(paramsLockedRegister, 4, 0, RegisterAccess::ReadWrite, IsZeroOrOne);
+    AddCommonRegisters(*map, CameraFacts(camera, "Device", "Device"), remoteDeviceDescription);
+    map->AddText(serialRegister, textRegisterBytes, camera.Settings().serial);
+    map->AddText(
+        userNameRegister, textRegisterBytes, [this] { return userName; },
+        [this](std::string text) { userName = std::move(text); });
+    map->AddInteger(widthRegister, 4, shape.width);
+    map->AddInteger(heightRegister, 4, shape.height);
+    map->AddInteger(pixelFormatRegister, 4, shape.format->code);
+    map->AddInteger(payloadSizeRegister, 8, shape.PayloadBytes());
+    AddSetting(*map, paramsLockedRegister, paramsLocked, 0, 1);
+    return {map, {LocalURL(remoteDeviceDescription)}};
 }
 
 Device::Device(
     std::shared_ptr<Interface> parentInterface, std::shared_ptr<Camera> openedCamera, DEVICE_ACCESS_FLAGS openedWith)
     : parent(std::move(parentInterface)), camera(std::move(openedCamera)), access(openedWith),
-      port(CameraFacts(*camera, "TLDevice", "DevicePort"), &deviceDescription)
+      port(CameraFacts(*camera, "TLDevice", "DevicePort"), MakeRegisters())
 {
     const auto gate = [connectionLost = lost, readOnly = access == DEVICE_ACCESS_READONLY](bool write) {
         if (*connectionLost) throw Failure(GC_ERR_IO, "the camera is gone");
@@ -99,6 +112,29 @@ Device::Device(
     };
     remote = std::make_shared<RemoteDevice>(*camera, gate);
     Handles().Add(remote);
+}
+
+PortRegisters Device::MakeRegisters()
+{
+    auto map = std::make_shared<RegisterMap>();
+    const NetworkAddress& network = camera->Network();
+    AddCommonRegisters(*map, CameraFacts(*camera, "TLDevice", "DevicePort"), deviceDescription);
+    map->AddText(0x100, textRegisterBytes, camera->Settings().serial);
+    map->AddInteger(0x140, 4, TransportTypeNumber(camera->TLType()));
+    map->AddInteger(0x144, 4, [this] { return static_cast<std::uint64_t>(AccessStatus()); });
+    map->AddInteger(0x148, 8, timestampTicksPerSecond);
+    map->AddInteger(0x150, 4, camera->TLType() == "GEV" ? 1 : 0);
+    map->AddInteger(0x154, 4, standardEndianess);
+    map->AddInteger(0x180, 8, network.mac);
+    map->AddInteger(0x188, 4, network.ip);
+    map->AddInteger(0x18C, 4, network.mask);
+    map->AddInteger(0x190, 4, network.gateway);
+    AddSetting(*map, 0x1A0, commandTimeout_us, 1'000, 60'000'000);
+    AddSetting(*map, 0x1A4, commandRetries, 0, 100);
+    AddSetting(*map, 0x1B0, commandLength, 36, 65535);
+    map->AddText(0x200, textRegisterBytes, DataStream::TheId());
+    map->AddText(0x1100, 512, camera->DisplayName());
+    return {map, {LocalURL(deviceDescription)}};
 }
 
 bool Device::SupportsEvent(EVENT_TYPE type) const noexcept

@@ -26,6 +26,11 @@ public:
 
 private:
     void OnClose() override {}
+    PortRegisters MakeRegisters(const Camera& camera);
+
+    // Guarded by the lock of the registers.
+    std::string userName;
+    std::uint64_t paramsLocked = 0;
 
     Port port;
 };
@@ -61,6 +66,13 @@ private:
     const std::shared_ptr<Camera> camera;
     const DEVICE_ACCESS_FLAGS access;
     const std::shared_ptr<std::atomic<bool>> lost = std::make_shared<std::atomic<bool>>(false);
+    PortRegisters MakeRegisters();
+
+    // Of the description; guarded by the lock of the registers.
+    std::uint64_t commandTimeout_us = 200'000;
+    std::uint64_t commandRetries = 3;
+    std::uint64_t commandLength = 576; // bytes, of GigE Vision
+
     Port port;
     std::shared_ptr<RemoteDevice> remote;
     ChildList<DataStream> streams;

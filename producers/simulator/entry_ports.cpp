@@ -97,13 +97,12 @@ GC_ERROR GCGetPortInfo(PORT_HANDLE hPort, PORT_INFO_CMD iInfoCmd, INFO_DATATYPE*
     });
 }
 
-// A list of one text: its terminator, then the list's. Only this form of the URL carries the schema version.
 GC_ERROR GCGetPortURL(PORT_HANDLE hPort, char* sURL, size_t* piSize)
 {
     return Call(__func__, [=] {
         const auto module = Find<Module>(hPort);
         RequirePointer(piSize, "piSize");
-        CopyOut(module->ModulePort().URL() + "?SchemaVersion=1.1.0" + std::string(2, '\0'), sURL, piSize);
+        CopyOut(module->ModulePort().URLList(), sURL, piSize);
     });
 }
 

@@ -1,6 +1,7 @@
 #include "producers/simulator/interface.h"
 
 #include "producers/simulator/device.h"
+#include "producers/simulator/library.h"
 #include "producers/simulator/producer_facts.h"
 #include "producers/simulator/system.h"
 
@@ -27,6 +28,11 @@ DEVICE_ACCESS_FLAGS RequireAccess(DEVICE_ACCESS_FLAGS access)
     }
 }
 
+PortFacts FactsOf(const InterfaceModel& model)
+{
+    return {model.id, vendorName, modelName, model.tlType, "TLInterface", "InterfacePort", producerVersion};
+}
+
 } // namespace
 
 InfoValue InterfaceModel::Info(INTERFACE_INFO_CMD command) const
@@ -45,11 +51,65 @@ InfoValue InterfaceModel::Info(INTERFACE_INFO_CMD command) const
 }
 
 Interface::Interface(std::shared_ptr<System> parentSystem, std::shared_ptr<const InterfaceModel> openedModel)
-    : parent(std::move(parentSystem)), model(std::move(openedModel)),
-      port(
-          {model->id, vendorName, modelName, model->tlType, "TLInterface", "InterfacePort", producerVersion},
-          &interfaceDescription)
+    : parent(std::move(parentSystem)), model(std::move(openedModel)), port(FactsOf(*model), MakeRegisters())
 {}
+
+PortRegisters Interface::MakeRegisters()
+{
+    auto map = std::make_shared<RegisterMap>();
+    AddCommonRegisters(*map, FactsOf(*model), interfaceDescription);
+    map->AddText(0x1100, 256, model->displayName);
+    map->AddInteger(0x140, 4, TransportTypeNumber(model->tlType));
+    map->AddInteger(0x144, 4, parent->TheLibrary().VersionMajor());
+    map->AddInteger(0x148, 4, parent->TheLibrary().VersionMinor());
+    map->AddInteger(0x14C, 4, model->tlType == "GEV" ? 1 : 0);
+    map->AddAction(0x160, [this] { UpdateDevices(); });
+    map->AddInteger(
+        0x164, 4, [this] { return updateTimeout_ms; }, [this](std::uint64_t value) { updateTimeout_ms = value; });
+    map->AddInteger(0x180, 8, model->network.mac);
+    map->AddInteger(0x188, 4, model->network.gateway);
+    map->AddInteger(0x18C, 4, model->network.ip);
+    map->AddInteger(0x190, 4, model->network.mask);
+    AddDeviceRegisters(*map);
+    return {map, {LocalURL(interfaceDescription)}};
+}
+
+void Interface::AddDeviceRegisters(RegisterMap& map)
+{
+    const auto maximum = [this]() -> std::uint64_t { return std::max<std::size_t>(NumDevices(), 1) - 1; };
+    map.AddInteger(
+        0x168, 4, [this] { return deviceSelector; },
+        [this, maximum](std::uint64_t value) {
+            if (value > maximum()) RefuseValue("the list has fewer devices");
+            deviceSelector = value;
+        });
+    map.AddInteger(0x16C, 4, maximum);
+    map.AddInteger(0x170, 4, [this] { return NumDevices(); });
+    map.AddInteger(0x174, 4, [this] { return static_cast<std::uint64_t>(AccessStatusOf(*SelectedCamera())); });
+    map.AddInteger(0x178, 4, parent->TheLibrary().VersionMajor());
+    map.AddInteger(0x17C, 4, parent->TheLibrary().VersionMinor());
+    map.AddInteger(0x1A0, 8, [this] { return SelectedCamera()->Network().mac; });
+    map.AddInteger(0x1A8, 4, [this] { return SelectedCamera()->Network().ip; });
+    map.AddInteger(0x1AC, 4, [this] { return SelectedCamera()->Network().mask; });
+    map.AddText(0x200, 128, [this] { return SelectedCamera()->Id(); });
+    map.AddText(0x280, 128, [this] { return SelectedCamera()->Settings().vendor; });
+    map.AddText(0x300, 128, [this] { return SelectedCamera()->Settings().model; });
+    map.AddText(0x380, 128, [this] { return SelectedCamera()->Settings().serial; });
+    map.AddText(0x400, 128, [this] { return SelectedCamera()->UserName(); });
+}
+
+std::shared_ptr<Camera> Interface::SelectedCamera() const
+{
+    const std::lock_guard lock(mutex);
+    if (deviceSelector >= listed.size()) throw Failure(GC_ERR_NOT_AVAILABLE, "the selected device is not listed");
+    return listed[deviceSelector];
+}
+
+DEVICE_ACCESS_STATUS Interface::AccessStatusOf(const Camera& camera) const
+{
+    if (const auto device = devices.Find(camera.Id())) return device->AccessStatus();
+    return camera.IsPresent() ? DEVICE_ACCESS_STATUS_READWRITE : DEVICE_ACCESS_STATUS_NOACCESS;
+}
 
 bool Interface::UpdateDevices()
 {
@@ -98,10 +158,7 @@ std::shared_ptr<Camera> Interface::FindCamera(const std::string& name) const
 InfoValue Interface::DeviceInfoOf(const std::string& name, DEVICE_INFO_CMD command) const
 {
     const auto camera = FindCamera(name);
-    const auto device = devices.Find(camera->Id());
-    const DEVICE_ACCESS_STATUS whenClosed =
-        camera->IsPresent() ? DEVICE_ACCESS_STATUS_READWRITE : DEVICE_ACCESS_STATUS_NOACCESS;
-    return DeviceInfo(*camera, device ? device->AccessStatus() : whenClosed, command);
+    return DeviceInfo(*camera, AccessStatusOf(*camera), command);
 }
 
 std::shared_ptr<Device> Interface::OpenDevice(const std::string& name, DEVICE_ACCESS_FLAGS access)

@@ -22,6 +22,7 @@ struct InterfaceModel
     std::string id;
     std::string displayName;
     std::string tlType;
+    NetworkAddress network;
     std::vector<std::shared_ptr<Camera>> cameras;
 
     // IFGetInfo and TLGetInterfaceInfo.
@@ -49,6 +50,11 @@ public:
 private:
     void OnClose() override;
 
+    PortRegisters MakeRegisters();
+    void AddDeviceRegisters(RegisterMap& map);
+    // The camera that the selector of the description shows; GC_ERR_NOT_AVAILABLE when it is off the list.
+    std::shared_ptr<Camera> SelectedCamera() const;
+    DEVICE_ACCESS_STATUS AccessStatusOf(const Camera& camera) const;
     bool IsListed(const Camera& camera) const;
     // Those present, and those that the list still shows.
     std::shared_ptr<Camera> FindCamera(const std::string& name) const;
@@ -58,6 +64,10 @@ private:
     Port port;
     ChildList<Device> devices;
     std::vector<std::shared_ptr<Camera>> listed; // guarded by mutex; as of the last update
+
+    // Of the description; guarded by the lock of the registers.
+    std::uint64_t deviceSelector = 0;
+    std::uint64_t updateTimeout_ms = 1000;
 };
 
 } // namespace koro::simulator

@@ -21,11 +21,11 @@ std::string CommonType(const std::vector<InterfaceSettings>& interfaces)
 
 // A picture that cannot be read is told with the camera that wants it.
 std::shared_ptr<Camera> MakeCamera(
-    const CameraSettings& settings, const std::string& tlType, const Misbehaviour& misbehaviour)
+    const CameraSettings& settings, const CameraConnection& connection, const Misbehaviour& misbehaviour)
 {
     try
     {
-        return std::make_shared<Camera>(settings, tlType, misbehaviour);
+        return std::make_shared<Camera>(settings, connection, misbehaviour);
     }
     catch (const Failure& failure)
     {
@@ -42,10 +42,15 @@ Library::Library(const Settings& settings)
 {
     for (const InterfaceSettings& interface : settings.interfaces)
     {
+        const auto index = static_cast<std::uint32_t>(interfaces.size());
         auto model = std::make_shared<InterfaceModel>();
-        *model = {interface.id, interface.displayName, interface.tlType, {}};
+        *model = {interface.id, interface.displayName, interface.tlType, NetworkAddress::OfInterface(index), {}};
         for (const CameraSettings& camera : interface.cameras)
-            model->cameras.push_back(MakeCamera(camera, interface.tlType, settings.misbehaviour));
+        {
+            const auto place = static_cast<std::uint32_t>(model->cameras.size());
+            model->cameras.push_back(
+                MakeCamera(camera, {interface.tlType, NetworkAddress::OfCamera(index, place)}, settings.misbehaviour));
+        }
         interfaces.push_back(model);
     }
 }

@@ -24,6 +24,8 @@ public:
     bool InitIsStrict() const noexcept { return strictInit; }
     const std::vector<std::shared_ptr<const InterfaceModel>>& Interfaces() const noexcept { return interfaces; }
     const std::shared_ptr<FaultPlan>& Faults() const noexcept { return faults; }
+    std::uint32_t VersionMajor() const noexcept { return versionMajor; }
+    std::uint32_t VersionMinor() const noexcept { return versionMinor; }
     std::size_t PortWriteLimit() const noexcept { return portWriteLimit; }
 
     // The loaded file.

@@ -8,25 +8,48 @@
 namespace koro::simulator
 {
 
-Port::Port(PortFacts portFacts, const Description* portDescription, Gate portGate)
-    : facts(std::move(portFacts)), description(portDescription), gate(std::move(portGate))
+std::string DescriptionURL::Text() const
 {
-    if (description == nullptr) return;
-    registers.AddText(idRegister, textRegisterBytes, facts.id, RegisterAccess::ReadOnly);
-    registers.AddText(vendorRegister, textRegisterBytes, facts.vendor, RegisterAccess::ReadOnly);
-    registers.AddText(modelRegister, textRegisterBytes, facts.model, RegisterAccess::ReadOnly);
-    registers.AddText(versionRegister, textRegisterBytes, facts.version, RegisterAccess::ReadOnly);
-    registers.AddBytes(descriptionAddress, description->text);
+    if (scheme == URL_SCHEME_FILE) return "file://" + file;
+    char place[64];
+    std::snprintf(
+        place, sizeof place, ";%llX;%llX", static_cast<unsigned long long>(address),
+        static_cast<unsigned long long>(size));
+    return "local:" + file + place;
 }
+
+DescriptionURL LocalURL(const Description& description)
+{
+    return {URL_SCHEME_LOCAL, std::string(description.fileName), descriptionAddress, description.text.size(), true,
+            description.sha1};
+}
+
+DescriptionURL FileURL(const Description& description, const std::string& path)
+{
+    return {URL_SCHEME_FILE, path, 0, 0, true, description.sha1};
+}
+
+void AddCommonRegisters(RegisterMap& map, const PortFacts& facts, const Description& description)
+{
+    map.AddText(idRegister, idRegisterBytes, facts.id);
+    map.AddText(vendorRegister, textRegisterBytes, facts.vendor);
+    map.AddText(modelRegister, textRegisterBytes, facts.model);
+    map.AddText(versionRegister, textRegisterBytes, facts.version);
+    map.AddBlock(descriptionAddress, description.text);
+}
+
+Port::Port(PortFacts portFacts, PortRegisters portRegisters, Gate portGate)
+    : facts(std::move(portFacts)), registers(std::move(portRegisters)), gate(std::move(portGate))
+{}
 
 void Port::RequirePort() const
 {
-    if (description == nullptr) throw Failure(GC_ERR_NOT_IMPLEMENTED, "the module has no port");
+    if (registers.space == nullptr) throw Failure(GC_ERR_NOT_IMPLEMENTED, "the module has no port");
 }
 
 bool Port::Allows(bool write) const noexcept
 {
-    if (description == nullptr) return false;
+    if (registers.space == nullptr) return false;
     try
     {
         if (gate) gate(write);
@@ -42,14 +65,14 @@ void Port::Read(std::uint64_t address, std::span<std::byte> out) const
 {
     RequirePort();
     if (gate) gate(false);
-    registers.Read(address, out);
+    registers.space->Read(address, out);
 }
 
 void Port::Write(std::uint64_t address, std::span<const std::byte> in)
 {
     RequirePort();
     if (gate) gate(true);
-    registers.Write(address, in);
+    registers.space->Write(address, in);
 }
 
 InfoValue Port::Info(PORT_INFO_CMD command) const
@@ -67,17 +90,17 @@ InfoValue Port::Info(PORT_INFO_CMD command) const
     case PORT_INFO_MODULE:
         return InfoValue::Text(facts.module);
     case PORT_INFO_LITTLE_ENDIAN:
-        return InfoValue::Bool(true);
+        return InfoValue::Bool(registers.order == ByteOrder::Little);
     case PORT_INFO_BIG_ENDIAN:
-        return InfoValue::Bool(false);
+        return InfoValue::Bool(registers.order == ByteOrder::Big);
     case PORT_INFO_ACCESS_READ:
         return InfoValue::Bool(Allows(false));
     case PORT_INFO_ACCESS_WRITE:
         return InfoValue::Bool(Allows(true));
     case PORT_INFO_ACCESS_NA:
-        return InfoValue::Bool(description != nullptr && !Allows(false));
+        return InfoValue::Bool(registers.space != nullptr && !Allows(false));
     case PORT_INFO_ACCESS_NI:
-        return InfoValue::Bool(description == nullptr);
+        return InfoValue::Bool(registers.space == nullptr);
     case PORT_INFO_VERSION:
         return InfoValue::Text(facts.version);
     case PORT_INFO_PORTNAME:
@@ -90,46 +113,52 @@ InfoValue Port::Info(PORT_INFO_CMD command) const
 std::uint32_t Port::NumURLs() const
 {
     RequirePort();
-    return 1;
+    return static_cast<std::uint32_t>(registers.urls.size());
 }
 
-std::string Port::URL() const
+std::string Port::URLList() const
 {
     RequirePort();
-    char place[64];
-    std::snprintf(
-        place, sizeof place, ";%llX;%zX", static_cast<unsigned long long>(descriptionAddress),
-        description->text.size());
-    return "local:" + std::string(description->fileName) + place;
+    std::string list;
+    for (const DescriptionURL& url : registers.urls)
+        list += url.Text() + (url.isOurs ? "?SchemaVersion=1.1.0" : "") + '\0';
+    return list + '\0';
 }
 
 InfoValue Port::URLInfo(std::uint32_t index, URL_INFO_CMD command) const
 {
-    if (index >= NumURLs()) throw Failure(GC_ERR_INVALID_INDEX, "the port has one URL");
+    if (index >= NumURLs()) throw Failure(GC_ERR_INVALID_INDEX, "the port has " + std::to_string(NumURLs()) + " URLs");
+    const DescriptionURL& url = registers.urls[index];
+    const auto ifOurs = [&url](const InfoValue& value) {
+        if (!url.isOurs)
+            throw Failure(GC_ERR_NOT_AVAILABLE, "of a description from the settings only the place is known");
+        return value;
+    };
+    const auto ifLocal = [&url](std::uint64_t value) {
+        if (url.scheme != URL_SCHEME_LOCAL) throw Failure(GC_ERR_NOT_AVAILABLE, "the file is not in the registers");
+        return InfoValue::UInt64(value);
+    };
     switch (command)
     {
     case URL_INFO_URL:
-        return InfoValue::Text(URL());
+        return InfoValue::Text(url.Text());
     case URL_INFO_SCHEMA_VER_MAJOR:
-        return InfoValue::Int32(1);
     case URL_INFO_SCHEMA_VER_MINOR:
-        return InfoValue::Int32(1);
     case URL_INFO_FILE_VER_MAJOR:
-        return InfoValue::Int32(1);
+        return ifOurs(InfoValue::Int32(1));
     case URL_INFO_FILE_VER_MINOR:
-        return InfoValue::Int32(0);
     case URL_INFO_FILE_VER_SUBMINOR:
-        return InfoValue::Int32(0);
+        return ifOurs(InfoValue::Int32(0));
     case URL_INFO_FILE_SHA1_HASH:
-        return InfoValue::Bytes({reinterpret_cast<const char*>(description->sha1.data()), description->sha1.size()});
+        return ifOurs(InfoValue::Bytes({reinterpret_cast<const char*>(url.sha1.data()), url.sha1.size()}));
     case URL_INFO_FILE_REGISTER_ADDRESS:
-        return InfoValue::UInt64(descriptionAddress);
+        return ifLocal(url.address);
     case URL_INFO_FILE_SIZE:
-        return InfoValue::UInt64(description->text.size());
+        return ifLocal(url.size);
     case URL_INFO_SCHEME:
-        return InfoValue::Int32(URL_SCHEME_LOCAL);
+        return InfoValue::Int32(url.scheme);
     case URL_INFO_FILENAME:
-        return InfoValue::Text(description->fileName);
+        return InfoValue::Text(url.file);
     default:
         throw Failure(GC_ERR_NOT_IMPLEMENTED, "unknown URL information");
     }

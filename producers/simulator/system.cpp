@@ -3,6 +3,7 @@
 #include "producers/simulator/library.h"
 #include "producers/simulator/producer_facts.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace koro::simulator
@@ -10,18 +11,62 @@ namespace koro::simulator
 namespace
 {
 
-constexpr std::uint64_t pathRegister = 0x200;
-constexpr std::size_t pathRegisterBytes = 256;
+PortFacts FactsOf(const Library& library)
+{
+    return {library.Id(), vendorName, modelName, library.TLType(), "TLSystem", "TLPort", producerVersion};
+}
 
 } // namespace
 
 System::System(std::shared_ptr<Library> owningLibrary)
-    : library(std::move(owningLibrary)),
-      port(
-          {library->Id(), vendorName, modelName, library->TLType(), "TLSystem", "TLPort", producerVersion},
-          &systemDescription)
+    : library(std::move(owningLibrary)), port(FactsOf(*library), MakeRegisters())
+{}
+
+PortRegisters System::MakeRegisters()
 {
-    port.Registers().AddText(pathRegister, pathRegisterBytes, Library::PathName(), RegisterAccess::ReadOnly);
+    auto map = std::make_shared<RegisterMap>();
+    AddCommonRegisters(*map, FactsOf(*library), systemDescription);
+    map->AddText(0x100, 64, library->Info(TL_INFO_DISPLAYNAME).bytes);
+    map->AddInteger(0x140, 4, TransportTypeNumber(library->TLType()));
+    map->AddInteger(0x144, 4, library->VersionMajor());
+    map->AddInteger(0x148, 4, library->VersionMinor());
+    map->AddInteger(0x14C, 4, sfncVersionMajor);
+    map->AddInteger(0x150, 4, sfncVersionMinor);
+    map->AddAction(0x160, [this] { UpdateInterfaces(); });
+    map->AddInteger(
+        0x164, 4, [this] { return updateTimeout_ms; }, [this](std::uint64_t value) { updateTimeout_ms = value; });
+    map->AddText(0x1100, 256, library->Info(TL_INFO_NAME).bytes);
+    map->AddText(0x2000, 4096, Library::PathName());
+    AddInterfaceRegisters(*map);
+    return {map, {LocalURL(systemDescription)}};
+}
+
+void System::AddInterfaceRegisters(RegisterMap& map)
+{
+    const auto maximum = [this]() -> std::uint64_t { return std::max<std::size_t>(NumInterfaces(), 1) - 1; };
+    map.AddInteger(
+        0x168, 4, [this] { return interfaceSelector; },
+        [this, maximum](std::uint64_t value) {
+            if (value > maximum()) RefuseValue("the list has fewer interfaces");
+            interfaceSelector = value;
+        });
+    map.AddInteger(0x16C, 4, maximum);
+    map.AddInteger(0x170, 4, [this] { return NumInterfaces(); });
+    map.AddInteger(0x174, 4, [this]() -> std::uint64_t {
+        return NumInterfaces() > 0 && SelectedInterface().tlType == "GEV" ? 1 : 0;
+    });
+    map.AddInteger(0x178, 4, [this] { return TransportTypeNumber(SelectedInterface().tlType); });
+    map.AddInteger(0x180, 8, [this] { return SelectedInterface().network.mac; });
+    map.AddInteger(0x188, 4, [this] { return SelectedInterface().network.ip; });
+    map.AddInteger(0x18C, 4, [this] { return SelectedInterface().network.mask; });
+    map.AddText(0x1200, 256, [this] { return SelectedInterface().id; });
+    map.AddText(0x1300, 256, [this] { return SelectedInterface().displayName; });
+}
+
+const InterfaceModel& System::SelectedInterface() const
+{
+    if (interfaceSelector >= NumInterfaces()) throw Failure(GC_ERR_NOT_AVAILABLE, "the list was not updated yet");
+    return *library->Interfaces()[interfaceSelector];
 }
 
 const std::string& System::Id() const noexcept

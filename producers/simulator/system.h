@@ -35,10 +35,19 @@ public:
 private:
     void OnClose() override;
 
+    PortRegisters MakeRegisters();
+    void AddInterfaceRegisters(RegisterMap& map);
+    // The interface that the selector of the description shows; GC_ERR_NOT_AVAILABLE before the first update.
+    const InterfaceModel& SelectedInterface() const;
+
     const std::shared_ptr<Library> library;
     Port port;
     ChildList<Interface> interfaces;
     bool isListed = false; // guarded by mutex
+
+    // Of the description; guarded by the lock of the registers.
+    std::uint64_t interfaceSelector = 0;
+    std::uint64_t updateTimeout_ms = 1000;
 };
 
 } // namespace koro::simulator
