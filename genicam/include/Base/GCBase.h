@@ -1,6 +1,7 @@
 // GCBase.h: the Base part as one include.
 #pragma once
 
+#include <Base/GCArray.h>
 #include <Base/GCException.h>
 #include <Base/GCString.h>
 #include <Base/GCStringVector.h>

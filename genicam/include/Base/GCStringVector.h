@@ -1,8 +1,8 @@
 // gcstring_vector: a list of texts. A value, as GCSequence.
 #pragma once
 
+#include <Base/GCArray.h>
 #include <Base/GCException.h>
-#include <Base/GCSequence.h>
 #include <Base/GCString.h>
 #include <algorithm>
 
@@ -20,6 +20,7 @@ public:
     // OutOfRangeException past the end.
     gcstring& at(size_t position) override { return elements[Checked(position)]; }
     const gcstring& at(size_t position) const override { return elements[Checked(position)]; }
+    virtual void resize(size_t count, const gcstring& value = gcstring()) { elements.resize(count, value); }
     virtual bool contains(const gcstring& text) const
     {
         return std::find(elements.begin(), elements.end(), text) != elements.end();

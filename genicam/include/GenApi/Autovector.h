@@ -1,4 +1,5 @@
-// int64_autovector_t, double_autovector_t: arrays of numbers. Copies share the elements with their source.
+// int64_autovector_t, double_autovector_t: arrays of numbers. Copies share the elements with their source. No index is
+// checked.
 #pragma once
 
 #include <Base/GCTypes.h>
@@ -30,7 +31,18 @@ private:
     std::shared_ptr<std::vector<T>> elements;
 };
 
-typedef autovector_t<int64_t> int64_autovector_t;
-typedef autovector_t<double> double_autovector_t;
+class int64_autovector_t : public autovector_t<int64_t>
+{
+public:
+    explicit int64_autovector_t() {}
+    explicit int64_autovector_t(size_t count) : autovector_t<int64_t>(count) {}
+};
+
+class double_autovector_t : public autovector_t<double>
+{
+public:
+    explicit double_autovector_t() {}
+    explicit double_autovector_t(size_t count) : autovector_t<double>(count) {}
+};
 
 } // namespace GENAPI_NAMESPACE

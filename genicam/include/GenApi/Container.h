@@ -2,7 +2,7 @@
 // GCSequence; at() past the end throws the standard exception.
 #pragma once
 
-#include <Base/GCSequence.h>
+#include <Base/GCArray.h>
 #include <GenICamFwd.h>
 
 namespace GENAPI_NAMESPACE
@@ -13,6 +13,8 @@ class node_vector : public GENICAM_NAMESPACE::GCSequence<INode*>
 public:
     node_vector() {}
     explicit node_vector(size_t count) : GENICAM_NAMESPACE::GCSequence<INode*>(count, nullptr) {}
+
+    virtual void resize(size_t count) { elements.resize(count); }
 };
 
 class value_vector : public GENICAM_NAMESPACE::GCSequence<IValue*>
@@ -20,6 +22,8 @@ class value_vector : public GENICAM_NAMESPACE::GCSequence<IValue*>
 public:
     value_vector() {}
     explicit value_vector(size_t count) : GENICAM_NAMESPACE::GCSequence<IValue*>(count, nullptr) {}
+
+    virtual void resize(size_t count, IValue* value) { elements.resize(count, value); }
 };
 
 } // namespace GENAPI_NAMESPACE

@@ -11,13 +11,13 @@
 namespace GENAPI_NAMESPACE
 {
 
-typedef enum _EContentType
+typedef enum _EContentType_t
 {
     ContentType_Xml,
     ContentType_ZippedXml
 } EContentType_t;
 
-typedef enum _ECacheUsage
+typedef enum _ECacheUsage_t
 {
     CacheUsage_Automatic,
     CacheUsage_ForceWrite,

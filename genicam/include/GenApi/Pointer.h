@@ -105,8 +105,8 @@ public:
     }
 
     // Null when the node has no cast alias of that interface.
-    IInteger* GetIntAlias() const { return dynamic_cast<IInteger*>(CastAlias()); }
-    IEnumeration* GetEnumAlias() const { return dynamic_cast<IEnumeration*>(CastAlias()); }
+    IInteger* GetIntAlias() { return dynamic_cast<IInteger*>(CastAlias()); }
+    IEnumeration* GetEnumAlias() { return dynamic_cast<IEnumeration*>(CastAlias()); }
 
 private:
     INode* CastAlias() const

@@ -30,7 +30,7 @@ class CLockEx : public CLock
 class AutoLock
 {
 public:
-    explicit AutoLock(CLock& lock) : held(lock) { held.Lock(); }
+    AutoLock(CLock& lock) : held(lock) { held.Lock(); }
     ~AutoLock() { held.Unlock(); }
     AutoLock(const AutoLock&) = delete;
     AutoLock& operator=(const AutoLock&) = delete;
@@ -49,6 +49,7 @@ public:
     class Lock
     {
     public:
+        explicit Lock(const LockableObject& object) : held(object.m_Lock) {}
         explicit Lock(const LockableObject* object) : held(object->m_Lock) {}
 
     private:

@@ -1,5 +1,5 @@
-// GCSequence<T>: what gcstring_vector, node_vector and value_vector have in common: the operations of a standard vector
-// behind virtual functions, with iterators of its own.
+// GCArray.h: GCSequence<T>, what gcstring_vector, node_vector and value_vector have in common: the operations of a
+// standard vector behind virtual functions, with iterators of its own.
 //
 // A value: copies are independent. Iterators end with the next change of the length.
 #pragma once
@@ -116,7 +116,6 @@ public:
     }
     virtual void pop_back() { elements.pop_back(); }
     virtual void push_back(const T& value) { elements.push_back(value); }
-    virtual void resize(size_t count, const T& value = T()) { elements.resize(count, value); }
     virtual void reserve(size_t count) { elements.reserve(count); }
 
     T& operator[](size_t position) { return elements[position]; }

@@ -1,0 +1,63 @@
+// CLock: a recursive lock. AutoLock: holds one for the length of a block. These are Base's own; the lock of a node map
+// is the one of GenApi/Synch.h. Code that opens both namespaces has to say which it means.
+#pragma once
+
+#include <Base/GCLinkage.h>
+#include <Base/GCTypes.h>
+#include <pthread.h>
+
+namespace GENICAM_NAMESPACE
+{
+
+class GCBASE_API CLock
+{
+public:
+    CLock();
+    ~CLock();
+    CLock(const CLock&) = delete;
+    CLock& operator=(const CLock&) = delete;
+
+    bool TryLock();
+    void Lock();
+    void Unlock();
+
+private:
+    pthread_mutex_t mutex;
+};
+
+class CLockEx : public CLock
+{};
+
+class AutoLock
+{
+public:
+    AutoLock(CLock& lock) : held(lock) { held.Lock(); }
+    ~AutoLock() { held.Unlock(); }
+    AutoLock(const AutoLock&) = delete;
+    AutoLock& operator=(const AutoLock&) = delete;
+
+private:
+    CLock& held;
+};
+
+// LockableObject<T>: gives a class a lock of its own.
+template <class T>
+class LockableObject
+{
+public:
+    mutable CLock m_Lock;
+
+    class Lock
+    {
+    public:
+        explicit Lock(const LockableObject& object) : held(object.m_Lock) {}
+        explicit Lock(const LockableObject* object) : held(object->m_Lock) {}
+
+    private:
+        AutoLock held;
+    };
+
+    CLock& GetLock() const { return m_Lock; }
+};
+
+} // namespace GENICAM_NAMESPACE
