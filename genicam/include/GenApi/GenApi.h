@@ -26,3 +26,4 @@
 #include <GenApi/NodeCallback.h>
 #include <GenApi/NodeMapRef.h>
 #include <GenApi/Pointer.h>
+#include <GenApi/StructPort.h>

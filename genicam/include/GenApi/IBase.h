@@ -2,6 +2,7 @@
 #pragma once
 
 #include <Base/GCLinkage.h>
+#include <GenApi/Reference.h>
 #include <GenApi/Types.h>
 #include <GenICamFwd.h>
 
@@ -15,5 +16,16 @@ GENICAM_INTERFACE GENAPI_DECL_ABSTRACT IBase
 };
 
 inline IBase::~IBase() {}
+
+// A reference to this interface.
+template <class T, class I>
+class CBaseRefT : public CReferenceT<T, I>
+{
+public:
+    // Not implemented while there is no object.
+    EAccessMode GetAccessMode() const override { return this->m_Ptr ? this->m_Ptr->GetAccessMode() : NI; }
+};
+
+typedef CBaseRefT<IBase, IBase> CBaseRef;
 
 } // namespace GENAPI_NAMESPACE

@@ -21,4 +21,24 @@ GENICAM_INTERFACE GENAPI_DECL_ABSTRACT IBoolean : virtual public IValue
     }
 };
 
+// A reference to this interface.
+template <class T>
+class CBooleanRefT : public CValueRefT<T, IBoolean>
+{
+public:
+    void SetValue(bool Value, bool Verify = true) override { this->Target().SetValue(Value, Verify); }
+    IBoolean& operator=(bool Value) override
+    {
+        this->Target() = Value;
+        return *this;
+    }
+    bool GetValue(bool Verify = false, bool IgnoreCache = false) const override
+    {
+        return this->Target().GetValue(Verify, IgnoreCache);
+    }
+    bool operator()() const override { return this->Target().operator()(); }
+};
+
+typedef CBooleanRefT<IBoolean> CBooleanRef;
+
 } // namespace GENAPI_NAMESPACE

@@ -12,4 +12,14 @@ GENICAM_INTERFACE GENAPI_DECL_ABSTRACT ICategory : virtual public IValue
     virtual void GetFeatures(FeatureList_t & Features) const = 0;
 };
 
+// A reference to this interface.
+template <class T>
+class CCategoryRefT : public CValueRefT<T, ICategory>
+{
+public:
+    void GetFeatures(FeatureList_t& Features) const override { this->Target().GetFeatures(Features); }
+};
+
+typedef CCategoryRefT<ICategory> CCategoryRef;
+
 } // namespace GENAPI_NAMESPACE

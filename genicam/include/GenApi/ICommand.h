@@ -14,4 +14,16 @@ GENICAM_INTERFACE GENAPI_DECL_ABSTRACT ICommand : virtual public IValue
     virtual bool IsDone(bool Verify = true) = 0;
 };
 
+// A reference to this interface.
+template <class T>
+class CCommandRefT : public CValueRefT<T, ICommand>
+{
+public:
+    void Execute(bool Verify = true) override { this->Target().Execute(Verify); }
+    void operator()() override { this->Target().operator()(); }
+    bool IsDone(bool Verify = true) override { return this->Target().IsDone(Verify); }
+};
+
+typedef CCommandRefT<ICommand> CCommandRef;
+
 } // namespace GENAPI_NAMESPACE

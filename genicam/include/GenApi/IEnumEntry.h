@@ -15,4 +15,17 @@ GENICAM_INTERFACE GENAPI_DECL_ABSTRACT IEnumEntry : virtual public IValue
     virtual bool IsSelfClearing() = 0;
 };
 
+// A reference to this interface.
+template <class T>
+class CEnumEntryRefT : public CValueRefT<T, IEnumEntry>
+{
+public:
+    int64_t GetValue() override { return this->Target().GetValue(); }
+    GENICAM_NAMESPACE::gcstring GetSymbolic() const override { return this->Target().GetSymbolic(); }
+    double GetNumericValue() override { return this->Target().GetNumericValue(); }
+    bool IsSelfClearing() override { return this->Target().IsSelfClearing(); }
+};
+
+typedef CEnumEntryRefT<IEnumEntry> CEnumEntryRef;
+
 } // namespace GENAPI_NAMESPACE

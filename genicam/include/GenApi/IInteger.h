@@ -27,4 +27,37 @@ GENICAM_INTERFACE GENAPI_DECL_ABSTRACT IInteger : virtual public IValue
     virtual void ImposeMax(int64_t Value) = 0;
 };
 
+// A reference to this interface.
+template <class T, class I>
+class CIntegerRefT : public CValueRefT<T, I>
+{
+public:
+    void SetValue(int64_t Value, bool Verify = true) override { this->Target().SetValue(Value, Verify); }
+    IInteger& operator=(int64_t Value) override
+    {
+        this->Target() = Value;
+        return *this;
+    }
+    int64_t GetValue(bool Verify = false, bool IgnoreCache = false) override
+    {
+        return this->Target().GetValue(Verify, IgnoreCache);
+    }
+    int64_t operator()() override { return this->Target().operator()(); }
+    int64_t operator*() override { return this->Target().operator*(); }
+    int64_t GetMin() override { return this->Target().GetMin(); }
+    int64_t GetMax() override { return this->Target().GetMax(); }
+    EIncMode GetIncMode() override { return this->Target().GetIncMode(); }
+    int64_t GetInc() override { return this->Target().GetInc(); }
+    int64_autovector_t GetListOfValidValues(bool bounded = true) override
+    {
+        return this->Target().GetListOfValidValues(bounded);
+    }
+    ERepresentation GetRepresentation() override { return this->Target().GetRepresentation(); }
+    GENICAM_NAMESPACE::gcstring GetUnit() override { return this->Target().GetUnit(); }
+    void ImposeMin(int64_t Value) override { this->Target().ImposeMin(Value); }
+    void ImposeMax(int64_t Value) override { this->Target().ImposeMax(Value); }
+};
+
+typedef CIntegerRefT<IInteger, IInteger> CIntegerRef;
+
 } // namespace GENAPI_NAMESPACE

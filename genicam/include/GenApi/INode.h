@@ -3,7 +3,6 @@
 
 #include <Base/GCString.h>
 #include <GenApi/IBase.h>
-#include <GenApi/IValue.h>
 
 namespace GENAPI_NAMESPACE
 {
@@ -46,11 +45,6 @@ GENICAM_INTERFACE GENAPI_DECL_ABSTRACT INode : virtual public IBase
     // Reachable from the category "Root".
     virtual bool IsFeature() const = 0;
 };
-
-inline INode* IValue::GetNode()
-{
-    return dynamic_cast<INode*>(this);
-}
 
 inline bool IsReadable(EAccessMode mode)
 {
@@ -147,3 +141,5 @@ inline bool IsCacheable(ECachingMode mode)
 }
 
 } // namespace GENAPI_NAMESPACE
+
+#include <GenApi/IValue.h> // behind INode, which it needs: whoever has nodes has their values

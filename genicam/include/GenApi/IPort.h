@@ -15,4 +15,18 @@ GENICAM_INTERFACE GENAPI_DECL_ABSTRACT IPort : virtual public IBase
     virtual void Write(const void* buffer, int64_t address, int64_t length) = 0;
 };
 
+// A reference to this interface.
+template <class T>
+class CPortRefT : public CBaseRefT<T, IPort>
+{
+public:
+    void Read(void* buffer, int64_t address, int64_t length) override { this->Target().Read(buffer, address, length); }
+    void Write(const void* buffer, int64_t address, int64_t length) override
+    {
+        this->Target().Write(buffer, address, length);
+    }
+};
+
+typedef CPortRefT<IPort> CPortRef;
+
 } // namespace GENAPI_NAMESPACE

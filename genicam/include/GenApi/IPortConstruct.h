@@ -2,6 +2,7 @@
 #pragma once
 
 #include <GenApi/IPort.h>
+#include <GenApi/IPortStacked.h>
 
 namespace GENAPI_NAMESPACE
 {

@@ -15,4 +15,23 @@ GENICAM_INTERFACE GENAPI_DECL_ABSTRACT IRegister : virtual public IValue
     virtual int64_t GetAddress(bool Verify = false) = 0;
 };
 
+// A reference to this interface.
+template <class T>
+class CRegisterRefT : public CValueRefT<T, IRegister>
+{
+public:
+    void Set(const uint8_t* pBuffer, int64_t Length, bool Verify = true) override
+    {
+        this->Target().Set(pBuffer, Length, Verify);
+    }
+    void Get(uint8_t* pBuffer, int64_t Length, bool Verify = false, bool IgnoreCache = false) override
+    {
+        this->Target().Get(pBuffer, Length, Verify, IgnoreCache);
+    }
+    int64_t GetLength(bool Verify = false) override { return this->Target().GetLength(Verify); }
+    int64_t GetAddress(bool Verify = false) override { return this->Target().GetAddress(Verify); }
+};
+
+typedef CRegisterRefT<IRegister> CRegisterRef;
+
 } // namespace GENAPI_NAMESPACE

@@ -14,4 +14,16 @@ GENICAM_INTERFACE GENAPI_DECL_ABSTRACT ISelector : virtual public IBase
     virtual void GetSelectingFeatures(FeatureList_t & Features) const = 0;
 };
 
+// A reference to this interface.
+template <class T>
+class CSelectorRefT : public CBaseRefT<T, ISelector>
+{
+public:
+    bool IsSelector() const override { return this->Target().IsSelector(); }
+    void GetSelectedFeatures(FeatureList_t& Features) const override { this->Target().GetSelectedFeatures(Features); }
+    void GetSelectingFeatures(FeatureList_t& Features) const override { this->Target().GetSelectingFeatures(Features); }
+};
+
+typedef CSelectorRefT<ISelector> CSelectorRef;
+
 } // namespace GENAPI_NAMESPACE

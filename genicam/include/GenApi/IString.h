@@ -17,4 +17,29 @@ GENICAM_INTERFACE GENAPI_DECL_ABSTRACT IString : virtual public IValue
     virtual int64_t GetMaxLength(bool Verify = false) = 0;
 };
 
+// A reference to this interface.
+template <class T>
+class CStringRefT : public CValueRefT<T, IString>
+{
+public:
+    void SetValue(const GENICAM_NAMESPACE::gcstring& Value, bool Verify = true) override
+    {
+        this->Target().SetValue(Value, Verify);
+    }
+    IString& operator=(const GENICAM_NAMESPACE::gcstring& Value) override
+    {
+        this->Target() = Value;
+        return *this;
+    }
+    GENICAM_NAMESPACE::gcstring GetValue(bool Verify = false, bool IgnoreCache = false) override
+    {
+        return this->Target().GetValue(Verify, IgnoreCache);
+    }
+    GENICAM_NAMESPACE::gcstring operator()() override { return this->Target().operator()(); }
+    GENICAM_NAMESPACE::gcstring operator*() override { return this->Target().operator*(); }
+    int64_t GetMaxLength(bool Verify = false) override { return this->Target().GetMaxLength(Verify); }
+};
+
+typedef CStringRefT<IString> CStringRef;
+
 } // namespace GENAPI_NAMESPACE
