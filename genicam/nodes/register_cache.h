@@ -4,12 +4,15 @@
 #pragma once
 
 #include <Base/GCNamespace.h>
+#include <map>
 #include <stdint.h>
-#include <unordered_map>
+#include <tuple>
 #include <vector>
 
 namespace GENAPI_NAMESPACE::runtime
 {
+
+class Node;
 
 class RegisterCache
 {
@@ -19,44 +22,56 @@ public:
         const void* port;
         int64_t address;
         int64_t length;
-        bool operator==(const Place& other) const
+        bool operator==(const Place& other) const = default;
+        bool operator<(const Place& other) const
         {
-            return port == other.port && address == other.address && length == other.length;
+            return std::tie(port, address, length) < std::tie(other.port, other.address, other.length);
         }
     };
     struct Block
     {
         Place place;
-        unsigned users = 0;
         bool valid = false;
+        std::vector<Node*> users;
         std::vector<uint8_t> bytes;
     };
 
-    // The block of a place, made when it is the first. Each call is one use, to be released.
-    Block* Acquire(const Place& place)
+    // The block of a place, made when the user is its first.
+    Block* Acquire(const Place& place, Node& user);
+    void Release(Block* block, Node& user);
+
+    // Calls `act` with each block that shares bytes with the place, its own included.
+    template <class Act>
+    void ForEachOverlapping(const Place& place, const Act& act) const
     {
-        Block& block = blocks[place];
-        block.place = place;
-        ++block.users;
-        return &block;
-    }
-    void Release(Block* block)
-    {
-        if (--block->users == 0) blocks.erase(block->place);
+        const int64_t end = End(place);
+        const int64_t first = place.address < lowest + narrow ? lowest : place.address - narrow;
+        const auto touch = [&](Block& block) {
+            if (block.place.port == place.port && block.place.address < end && End(block.place) > place.address)
+            {
+                act(block);
+            }
+        };
+        auto near = blocks.lower_bound({place.port, first, 0});
+        for (; near != blocks.end() && near->first.port == place.port && near->first.address < end; ++near)
+        {
+            if (near->first.length <= narrow) touch(const_cast<Block&>(near->second));
+        }
+        for (Block* const block : wideBlocks)
+            touch(*block);
     }
 
 private:
-    struct Hash
-    {
-        size_t operator()(const Place& place) const
-        {
-            const uint64_t mixed = static_cast<uint64_t>(place.address) * 0x9E3779B97F4A7C15u ^
-                                   static_cast<uint64_t>(place.length) ^ reinterpret_cast<uintptr_t>(place.port);
-            return static_cast<size_t>(mixed ^ mixed >> 29);
-        }
-    };
+    static constexpr int64_t narrow = 64; // bytes; few registers are longer
+    static constexpr int64_t lowest = INT64_MIN;
 
-    std::unordered_map<Place, Block, Hash> blocks; // blocks stay where they are
+    static int64_t End(const Place& place)
+    {
+        return place.address > INT64_MAX - place.length ? INT64_MAX : place.address + place.length;
+    }
+
+    std::map<Place, Block> blocks; // which stay where they are
+    std::vector<Block*> wideBlocks;
 };
 
 } // namespace GENAPI_NAMESPACE::runtime

@@ -49,7 +49,7 @@ RegisterPart::~RegisterPart()
 
 void RegisterPart::Release()
 {
-    if (block) node.Map().Registers().Release(block);
+    if (block) node.Map().Registers().Release(block, node);
     block = nullptr;
 }
 
@@ -138,7 +138,7 @@ RegisterCache::Block* RegisterPart::Block(int64_t start, int64_t length)
     const RegisterCache::Place place = {port, start, length};
     if (block && block->place == place) return block;
     Release();
-    block = node.Map().Registers().Acquire(place);
+    block = node.Map().Registers().Acquire(place, node);
     return block;
 }
 
@@ -176,12 +176,27 @@ void RegisterPart::WriteBytes(const uint8_t* bytes, int64_t count, bool verify)
     const bool known = cache && (cache->valid || count == length) && node.CachingMode() == WriteThrough;
     // What was read on the way here is from before the write.
     node.Map().DropDependents(node);
+    DropOverlapping({port, start, count});
     if (cache) cache->valid = false; // until the port has taken it
     connected.Write(bytes, start, count);
     if (!known) return;
     cache->bytes.resize(static_cast<size_t>(length));
     memcpy(cache->bytes.data(), bytes, static_cast<size_t>(count));
     cache->valid = true;
+}
+
+// What other registers know of the place: their values and what is made of them.
+void RegisterPart::DropOverlapping(const RegisterCache::Place& place)
+{
+    node.Map().Registers().ForEachOverlapping(place, [this](RegisterCache::Block& overlapping) {
+        overlapping.valid = false;
+        for (Node* const user : overlapping.users)
+        {
+            if (user == &node) continue;
+            user->DropCaches();
+            node.Map().DropDependents(*user);
+        }
+    });
 }
 
 void RegisterPart::DropBytes()

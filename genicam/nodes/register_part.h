@@ -36,6 +36,7 @@ public:
 private:
     RegisterCache::Block* Block(int64_t address, int64_t length);
     void Release();
+    void DropOverlapping(const RegisterCache::Place& place);
     int64_t IndexPart(const PropertyRecord* record, bool verify);
 
     Node& node;

@@ -169,4 +169,79 @@ TEST(Registers, HugeLengthsDoNotAllocateThem)
     EXPECT_THROW(CStringPtr(map.Node("S"))->GetValue(), std::length_error);
 }
 
+std::string Reg(const std::string& name, const std::string& address, const std::string& length, const std::string& more)
+{
+    return "<IntReg Name=\"" + name + "\"><Address>" + address + "</Address><Length>" + length +
+           "</Length><AccessMode>RW</AccessMode><pPort>Device</pPort>" + more +
+           "<Endianess>LittleEndian</Endianess></IntReg>";
+}
+
+TEST(OverlappingRegisters, SeeWhatAnotherOneHasWritten)
+{
+    SmallMap map(
+        Reg("Word", "0x10", "4", "") + Reg("Half", "0x12", "2", "") + Reg("Long", "0x0c", "8", "") +
+        Masked("Field", "<LSB>0</LSB><MSB>3</MSB>", "LittleEndian") + Reg("Beside", "0x14", "4", "") +
+        "<Integer Name=\"OverHalf\"><pValue>Half</pValue></Integer>"
+        "<Register Name=\"Block\"><Address>0</Address><Length>256</Length><AccessMode>RW</AccessMode>"
+        "<pPort>Device</pPort></Register>");
+    uint8_t block[256] = {};
+    for (const char* const name : {"Word", "OverHalf", "Long", "Field", "Beside"})
+        EXPECT_EQ(map.Integer(name)->GetValue(), 0) << name;
+    CRegisterPtr(map.Node("Block"))->Get(block, sizeof block);
+
+    map.Integer("Word")->SetValue(0x12345678);
+    EXPECT_EQ(map.Integer("Half")->GetValue(), 0x1234);
+    EXPECT_EQ(map.Integer("OverHalf")->GetValue(), 0x1234);
+    EXPECT_EQ(map.Integer("Long")->GetValue(), 0x1234567800000000);
+    EXPECT_EQ(map.Integer("Field")->GetValue(), 8) << "lies at the same place";
+    CRegisterPtr(map.Node("Block"))->Get(block, sizeof block);
+    EXPECT_EQ(block[0x13], 0x12);
+
+    const int reads = map.port.reads;
+    EXPECT_EQ(map.Integer("Beside")->GetValue(), 0);
+    EXPECT_EQ(map.port.reads, reads) << "a neighbour keeps what it knows";
+}
+
+TEST(OverlappingRegisters, FieldOfTheSamePlaceNeedsNoFurtherReading)
+{
+    SmallMap map(
+        Masked("A", "<LSB>0</LSB><MSB>3</MSB>", "LittleEndian") +
+        Masked("B", "<LSB>2</LSB><MSB>5</MSB>", "LittleEndian"));
+    EXPECT_EQ(map.Integer("B")->GetValue(), 0);
+    map.Integer("A")->SetValue(0xf);
+    EXPECT_EQ(map.Integer("B")->GetValue(), 3);
+    EXPECT_EQ(map.port.reads, 1);
+}
+
+TEST(OverlappingRegisters, OneThatIsNotCachedTellsTheOthersToo)
+{
+    SmallMap map(Reg("A", "0", "4", "<Cachable>NoCache</Cachable>") + Reg("B", "2", "4", ""));
+    EXPECT_EQ(map.Integer("B")->GetValue(), 0);
+    map.Integer("A")->SetValue(0x00050000);
+    EXPECT_EQ(map.Integer("B")->GetValue(), 5);
+}
+
+TEST(OverlappingRegisters, EndsOfTheAddressSpaceAreNoPlaceToFall)
+{
+    SmallMap map(
+        Reg("First", "-9223372036854775808", "8", "") + Reg("Last", "0x7FFFFFFFFFFFFFFF", "1", "") +
+        Reg("Middle", "0", "8", ""));
+    for (const char* const name : {"First", "Last", "Middle"})
+    {
+        map.Integer(name)->SetValue(7);
+        EXPECT_EQ(map.Integer(name)->GetValue(), 7) << name;
+    }
+}
+
+TEST(Registers, BytesSetPastTheNumberAreSeenByTheNumber)
+{
+    SmallMap map(Reg("R", "0", "4", "") + "<Integer Name=\"A\"><pValue>R</pValue></Integer>");
+    EXPECT_EQ(map.Integer("A")->GetValue(), 0);
+    const uint8_t bytes[] = {1, 2, 3, 4};
+    CRegisterPtr(map.Node("R"))->Set(bytes, sizeof bytes);
+    EXPECT_EQ(map.Integer("R")->GetValue(), 0x04030201);
+    EXPECT_EQ(map.Integer("A")->GetValue(), 0x04030201);
+    EXPECT_EQ(map.port.reads, 1);
+}
+
 } // namespace
