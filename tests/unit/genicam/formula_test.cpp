@@ -132,6 +132,15 @@ TEST(Formula, IntegersKnowTwoFunctionsOnly)
     EXPECT_THROW(Whole("PI"), FormulaError);
 }
 
+TEST(Formula, DivisorOfAFloatThatIsNextToZeroCountsAsZero)
+{
+    EXPECT_THROW(Real("A/0"), FormulaError);
+    EXPECT_THROW(Real("A%0"), FormulaError);
+    EXPECT_THROW(Real("A/6.5e-30"), FormulaError);
+    EXPECT_THROW(Real("A/-6.5e-30"), FormulaError);
+    EXPECT_DOUBLE_EQ(Real("A/1.0842021724855044e-13"), 7 / 1.0842021724855044e-13);
+}
+
 TEST(Formula, BitsOfFloatsAreThirtyTwo)
 {
     EXPECT_EQ(Real("1<<31"), -2147483648.0);

@@ -88,10 +88,25 @@ TEST(Floats, WriteTheNearestStepOfAnInteger)
         return map.Integer("I")->GetValue();
     };
     EXPECT_EQ(written(0), -3) << "half way goes down";
-    EXPECT_EQ(written(0.5), 3) << "rounded to an integer first";
+    EXPECT_EQ(written(0.5), 3) << "rounded to an integer first, not cut";
+    EXPECT_EQ(written(6.375), 3) << "rounded to 6 first, which lies half way";
     EXPECT_EQ(written(21), 21);
     EXPECT_TRUE(map.Float("F")->HasInc());
     EXPECT_EQ(map.Float("F")->GetInc(), 6.0);
+}
+
+TEST(Floats, IntegerWithoutStepsRoundsHalfAwayFromZero)
+{
+    const SmallMap map("<Integer Name=\"I\"><Value>0</Value></Integer><Float Name=\"F\"><pValue>I</pValue></Float>");
+    const auto written = [&](double value) {
+        map.Float("F")->SetValue(value);
+        return map.Integer("I")->GetValue();
+    };
+    EXPECT_EQ(written(0.5), 1);
+    EXPECT_EQ(written(127.5), 128);
+    EXPECT_EQ(written(-0.5), -1);
+    EXPECT_EQ(written(-2.4), -2);
+    EXPECT_THROW(written(1e19), OutOfRangeException);
 }
 
 TEST(Floats, TextFollowsNotationAndPrecision)
@@ -123,6 +138,27 @@ TEST(Converters, ComputeBothWaysAndExchangeLimitsOfAFallingSlope)
     EXPECT_EQ(map.Float("C")->GetMax(), 25.0);
     map.Float("C")->SetValue(5);
     EXPECT_EQ(map.Integer("I")->GetValue(), 40);
+}
+
+TEST(Converters, AutomaticSlopeIsFoundOnceAndStays)
+{
+    const SmallMap map(
+        "<Float Name=\"K\"><Value>2</Value></Float><Integer "
+        "Name=\"I\"><Value>1</Value><Min>-4</Min><Max>8</Max></Integer>"
+        "<Converter Name=\"C\"><pVariable Name=\"K\">K</pVariable><FormulaTo>FROM*K</FormulaTo><FormulaFrom>TO/K"
+        "</FormulaFrom><pValue>I</pValue><Slope>Automatic</Slope></Converter>");
+    EXPECT_EQ(map.Float("C")->GetMin(), -2.0);
+    EXPECT_EQ(map.Float("C")->GetMax(), 4.0);
+    map.Float("K")->SetValue(-2);
+    EXPECT_EQ(map.Float("C")->GetMin(), 2.0);
+    EXPECT_EQ(map.Float("C")->GetMax(), -4.0);
+    EXPECT_THROW(map.Float("C")->SetValue(0), OutOfRangeException);
+
+    const SmallMap falling(
+        "<Integer Name=\"I\"><Value>1</Value><Min>-4</Min><Max>8</Max></Integer><IntConverter Name=\"C\"><FormulaTo>"
+        "10-FROM</FormulaTo><FormulaFrom>10-TO</FormulaFrom><pValue>I</pValue><Slope>Automatic</Slope></IntConverter>");
+    EXPECT_EQ(falling.Integer("C")->GetMin(), 2);
+    EXPECT_EQ(falling.Integer("C")->GetMax(), 14);
 }
 
 TEST(Knives, FailWithNodeAndFormula)
