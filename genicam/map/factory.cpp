@@ -7,6 +7,7 @@
 #include <GenApi/NodeMapFactory.h>
 #include <GenApi/NodeMapRef.h>
 #include <GenApi/Pointer.h>
+#include <GenApi/Synch.h>
 #include <string>
 
 namespace GENAPI_NAMESPACE
@@ -14,16 +15,26 @@ namespace GENAPI_NAMESPACE
 
 using GENICAM_NAMESPACE::gcstring;
 
-// The source of a description until it is parsed, then its records.
+// The source of a description until it is parsed, then its records. Shared by the copies of a factory, which may be
+// used on different threads.
 class CNodeMapFactory::Data
 {
 public:
-    runtime::DescriptionSource source;
-    std::shared_ptr<const runtime::Description> description;
+    runtime::DescriptionSource source;                       // guarded by lock
+    std::shared_ptr<const runtime::Description> description; // guarded by lock
+    mutable CLock lock;
 
-    void Load()
+    std::shared_ptr<const runtime::Description> Load(bool release)
     {
+        const AutoLock held(lock);
         if (!description) description = runtime::ParseDescription(source.Text());
+        if (release) source.Release();
+        return description;
+    }
+    bool IsLoaded() const
+    {
+        const AutoLock held(lock);
+        return description != nullptr;
     }
 };
 
@@ -57,31 +68,34 @@ CNodeMapFactory::~CNodeMapFactory() = default;
 
 bool CNodeMapFactory::IsEmpty() const
 {
+    const AutoLock held(data->lock);
     return data->source.IsEmpty();
 }
 
 bool CNodeMapFactory::IsLoaded() const
 {
-    return data->description != nullptr;
+    return data->IsLoaded();
 }
 
 bool CNodeMapFactory::IsPreprocessed() const
 {
-    return data->description != nullptr;
+    return data->IsLoaded();
 }
 
 bool CNodeMapFactory::IsCameraDescriptionFileDataReleased() const
 {
+    const AutoLock held(data->lock);
     return data->source.IsReleased();
 }
 
 void CNodeMapFactory::Preprocess()
 {
-    data->Load();
+    data->Load(false);
 }
 
 void CNodeMapFactory::ReleaseCameraDescriptionFileData()
 {
+    const AutoLock held(data->lock);
     data->source.Release();
 }
 
@@ -93,17 +107,13 @@ void CNodeMapFactory::GetSupportedSchemaVersions(GENICAM_NAMESPACE::gcstring_vec
 
 INodeMap* CNodeMapFactory::CreateNodeMap(const gcstring& DeviceName, bool DoReleaseCameraDescriptionFileData)
 {
-    data->Load();
-    if (DoReleaseCameraDescriptionFileData) data->source.Release();
-    return new runtime::NodeMap(data->description, DeviceName, nullptr);
+    return new runtime::NodeMap(data->Load(DoReleaseCameraDescriptionFileData), DeviceName, nullptr);
 }
 
 INodeMap* CNodeMapFactory::CreateNodeMap(
     CLock& UserProvidedLock, const gcstring& DeviceName, bool DoReleaseCameraDescriptionFileData)
 {
-    data->Load();
-    if (DoReleaseCameraDescriptionFileData) data->source.Release();
-    return new runtime::NodeMap(data->description, DeviceName, &UserProvidedLock);
+    return new runtime::NodeMap(data->Load(DoReleaseCameraDescriptionFileData), DeviceName, &UserProvidedLock);
 }
 
 IDestroy* CastToIDestroy(INodeMap* pNodeMap)
