@@ -1,36 +1,56 @@
-// CallbackList: the callbacks that one operation fires, each once.
-//
-// Lives on the stack of the operation. A callback that was deregistered meanwhile is passed over; one that deregisters
-// itself is destroyed when no list is at work any more.
+// Registration: a callback from its registration to its destruction. CallbackList: those that one operation fires, each
+// once.
 #pragma once
 
 #include <GenApi/NodeCallback.h>
+#include <atomic>
+#include <memory>
 #include <vector>
 
 namespace GENAPI_NAMESPACE::runtime
 {
 
-class NodeMap;
+// Shared by its node and the lists that are at work; the last of them destroys the callback.
+class Registration
+{
+public:
+    explicit Registration(CNodeCallback* owned) : callback(owned) {}
+    ~Registration() { callback->Destroy(); }
+    Registration(const Registration&) = delete;
+    Registration& operator=(const Registration&) = delete;
 
+    const CNodeCallback* Callback() const { return callback; }
+    // Any thread. A call that is running on another one may outlast this.
+    void End() { live = false; }
+    void Call(ECallbackType type) const
+    {
+        if (live) (*callback)(type);
+    }
+
+private:
+    CNodeCallback* const callback;
+    std::atomic<bool> live{true};
+};
+
+using Registrations = std::vector<std::shared_ptr<Registration>>;
+
+// Lives on the stack of the operation. A callback that was deregistered meanwhile is passed over.
 class CallbackList
 {
 public:
-    CallbackList() = default;
-    CallbackList(NodeMap& owner, std::vector<CNodeCallback*> called);
-    CallbackList(CallbackList&& other) noexcept;
-    CallbackList& operator=(CallbackList&& other) noexcept;
-    ~CallbackList();
-
+    void Add(const Registrations& added) { registrations.insert(registrations.end(), added.begin(), added.end()); }
     // With the lock of the map held.
     void CallInside() const { Call(cbPostInsideLock); }
     void CallOutside() const { Call(cbPostOutsideLock); }
 
 private:
-    void Call(ECallbackType type) const;
-    void Release();
+    void Call(ECallbackType type) const
+    {
+        for (const std::shared_ptr<Registration>& registration : registrations)
+            registration->Call(type);
+    }
 
-    NodeMap* map = nullptr;
-    std::vector<CNodeCallback*> callbacks;
+    Registrations registrations;
 };
 
 } // namespace GENAPI_NAMESPACE::runtime

@@ -3,6 +3,7 @@
 #include "map/concatenator.h"
 #include "nodes/knife_nodes.h"
 #include "nodes/node_factory.h"
+#include "nodes/node_inline.h"
 #include "nodes/port_node.h"
 #include "xml/links.h"
 
@@ -42,7 +43,7 @@ NodeMap::NodeMap(std::shared_ptr<const Description> source, const gcstring& devi
 
 NodeMap::~NodeMap()
 {
-    // Registers give their places back, nodes their callbacks: both are still there.
+    // Registers give their places back, which are still there.
     nodes.clear();
 }
 
@@ -226,18 +227,18 @@ void NodeMap::Terminals(Node& node, std::vector<Node*>& list)
 {
     const Element kind = node.Kind();
     if (IsReadOnlyKind(kind) || kind == Element::Category || kind == Element::Port) return;
-    std::vector<Node*> met;
+    passed.clear();
     NewMark();
-    Meet(node, met);
-    for (size_t i = 0; i < met.size(); ++i)
+    Meet(node, passed);
+    for (size_t i = 0; i < passed.size(); ++i)
     {
         bool writes = false;
-        ForEachLink(*description, met[i]->Index(), [&](NodeIndex target, Property link) {
+        ForEachLink(*description, passed[i]->Index(), [&](NodeIndex target, Property link) {
             if (!IsWriteLink(link)) return;
             writes = true;
-            Meet(*At(target), met);
+            Meet(*At(target), passed);
         });
-        if (!writes && !IsReadOnlyKind(met[i]->Kind())) list.push_back(met[i]);
+        if (!writes && !IsReadOnlyKind(passed[i]->Kind())) list.push_back(passed[i]);
     }
 }
 
@@ -290,125 +291,60 @@ void NodeMap::DropChanged()
 
 CallbackList NodeMap::CollectCallbacks()
 {
-    if (suppressMode == csmOnce) suppressMode = csmOff;
-    std::vector<CNodeCallback*> list;
+    CallbackList list;
+    if (entryDepth > 1) return list;
     if (suppressMode == csmOff)
     {
-        for (const Node* const node : changed)
+        NewMark();
+        for (Node* const node : changed)
         {
-            list.insert(list.end(), node->callbacks.begin(), node->callbacks.end());
+            if (node->mark == lastMark) continue; // several writes of one operation
+            node->mark = lastMark;
+            list.Add(node->callbacks);
         }
     }
+    if (suppressMode == csmOnce) suppressMode = csmOff;
     changed.clear();
-    return list.empty() ? CallbackList() : CallbackList(*this, std::move(list));
+    return list;
 }
 
-void NodeMap::FireAll()
+void NodeMap::DropAll()
 {
-    CallbackList list;
-    lock->Lock();
-    try
+    NewMark();
+    for (const std::unique_ptr<Node>& node : nodes)
     {
-        changed.clear();
-        for (const std::unique_ptr<Node>& node : nodes)
-        {
-            node->DropCaches();
-            changed.push_back(node.get());
-        }
-        list = CollectCallbacks();
-        list.CallInside();
+        node->DropCaches();
+        Meet(*node, changed);
     }
-    catch (...)
-    {
-        lock->Unlock();
-        throw;
-    }
-    lock->Unlock();
-    list.CallOutside();
 }
 
 void NodeMap::InvalidateNodes() const
 {
-    const_cast<NodeMap*>(this)->FireAll();
+    NodeMap& self = *const_cast<NodeMap*>(this);
+    self.Operate(nullptr, "InvalidateNodes", [&self] { self.DropAll(); });
 }
 
 void NodeMap::Poll(int64_t ElapsedTime)
 {
-    CallbackList list;
-    lock->Lock();
-    try
-    {
-        changed.clear();
-        NewMark();
+    Operate(nullptr, "Poll", [&] {
         std::vector<Node*> due;
         for (PollState& state : polled)
         {
-            const Node* const blocker = state.node->Linked(Property::pBlockPolling);
-            if (!state.node->IsPolled() || (blocker && const_cast<Node*>(blocker)->PlainNumber() != 0)) continue;
+            Node* const blocker = state.node->Linked(Property::pBlockPolling);
+            if (!state.node->IsPolled() || (blocker && blocker->PlainNumber() != 0)) continue;
             state.elapsed += ElapsedTime;
             if (state.elapsed < state.time) continue;
             state.elapsed = 0;
             due.push_back(state.node);
         }
         NewMark();
+        const size_t first = changed.size();
         for (Node* const node : due)
             Meet(*node, changed);
-        Walk(changed, 0);
-        for (Node* const node : changed)
-            node->DropCaches();
-        list = CollectCallbacks();
-        list.CallInside();
-    }
-    catch (...)
-    {
-        lock->Unlock();
-        throw;
-    }
-    lock->Unlock();
-    list.CallOutside();
-}
-
-void NodeMap::AddCallback(CNodeCallback* callback)
-{
-    const AutoLock held(callbackLock);
-    registered.insert(callback);
-}
-
-void NodeMap::RemoveCallback(CNodeCallback* callback)
-{
-    {
-        const AutoLock held(callbackLock);
-        registered.erase(callback);
-        if (calling > 0)
-        {
-            retired.push_back(callback);
-            return;
-        }
-    }
-    callback->Destroy();
-}
-
-bool NodeMap::IsRegistered(CNodeCallback* callback) const
-{
-    const AutoLock held(callbackLock);
-    return registered.count(callback) > 0;
-}
-
-void NodeMap::BeginCalling()
-{
-    const AutoLock held(callbackLock);
-    ++calling;
-}
-
-void NodeMap::EndCalling()
-{
-    std::vector<CNodeCallback*> ended;
-    {
-        const AutoLock held(callbackLock);
-        if (--calling == 0) ended.swap(retired);
-    }
-    for (CNodeCallback* const callback : ended)
-        callback->Destroy();
+        Walk(changed, first);
+        for (size_t i = first; i < changed.size(); ++i)
+            changed[i]->DropCaches();
+    });
 }
 
 } // namespace GENAPI_NAMESPACE::runtime

@@ -12,7 +12,6 @@
 #include <GenApi/IDeviceInfo.h>
 #include <GenApi/INodeMap.h>
 #include <GenApi/IUserData.h>
-#include <unordered_set>
 
 namespace GENAPI_NAMESPACE::runtime
 {
@@ -67,7 +66,7 @@ public:
     // "Gain.SetValue()"; empty outside of an operation.
     std::string EntryPoint() const;
     // Drops the caches of everything that depends on the node and on the nodes that are written through it, and
-    // remembers all of them for CollectCallbacks.
+    // remembers all of them for their callbacks.
     void AnnounceWrite(Node& node);
     // Drops the caches of the node and its dependents, and remembers them.
     void Announce(Node& node);
@@ -78,13 +77,11 @@ public:
     void DropDependents(const Node& node);
     // Drops the caches of all remembered nodes: a write among them failed.
     void DropChanged();
-    CallbackList CollectCallbacks();
-
-    void AddCallback(CNodeCallback* callback);
-    void RemoveCallback(CNodeCallback* callback);
-    bool IsRegistered(CNodeCallback* callback) const;
-    void BeginCalling();
-    void EndCalling();
+    // Runs `act`, which changes nodes and remembers them, as an operation of the application; then calls the callbacks
+    // of what it changed. An operation that a port starts inside of another one leaves them to that. `node` may be
+    // null.
+    template <class Act>
+    void Operate(const Node* node, const char* operation, const Act& act);
 
 private:
     friend class Entry;
@@ -100,7 +97,8 @@ private:
     uint32_t NewMark();
     void Meet(Node& node, std::vector<Node*>& list);
     void Walk(std::vector<Node*>& list, size_t first);
-    void FireAll();
+    void DropAll();
+    CallbackList CollectCallbacks();
 
     std::shared_ptr<const Description> description;
     GENICAM_NAMESPACE::gcstring deviceName;
@@ -118,13 +116,9 @@ private:
     uint32_t lastMark = 0;
     std::vector<Node*> changed;   // by the operation at work
     std::vector<Node*> terminals; // scratch
+    std::vector<Node*> passed;    // scratch
     std::vector<Node*> dropped;   // scratch
     ECallbackSuppressMode suppressMode = csmOff;
-
-    mutable CLock callbackLock; // guards what follows; taken inside `lock`, nothing else is taken inside it
-    std::unordered_set<CNodeCallback*> registered;
-    std::vector<CNodeCallback*> retired; // deregistered while lists were at work
-    unsigned calling = 0;
 };
 
 } // namespace GENAPI_NAMESPACE::runtime

@@ -26,11 +26,13 @@ const unsigned maxDescent = 500; // nodes read one through the other
 
 } // namespace
 
-Entry::Entry(const Node& node, const char* operation) : map(node.Map())
+Entry::Entry(const Node& node, const char* operation) : Entry(node.Map(), &node, operation) {}
+
+Entry::Entry(NodeMap& owner, const Node* node, const char* operation) : map(owner)
 {
     map.lock->Lock();
     if (map.entryDepth++ > 0) return;
-    map.entryNode = &node;
+    map.entryNode = node;
     map.entryOperation = operation;
     map.changed.clear();
 }
@@ -56,8 +58,8 @@ Node::Node(NodeMap& owner, NodeIndex number) : map(owner), index(number) {}
 
 Node::~Node()
 {
-    for (CNodeCallback* const callback : callbacks)
-        map.RemoveCallback(callback);
+    for (const std::shared_ptr<Registration>& callback : callbacks)
+        callback->End();
 }
 
 void Node::Resolve()
@@ -394,20 +396,26 @@ CallbackHandleType Node::RegisterCallback(CNodeCallback* pCallback)
 {
     if (!pCallback) throw INVALID_ARGUMENT_EXCEPTION("A callback must not be NULL");
     const Entry entry(*this, "RegisterCallback");
-    callbacks.push_back(pCallback);
-    map.AddCallback(pCallback);
+    if (FindCallback(pCallback) == callbacks.end()) callbacks.push_back(std::make_shared<Registration>(pCallback));
     return reinterpret_cast<CallbackHandleType>(pCallback);
 }
 
 bool Node::DeregisterCallback(CallbackHandleType hCallback)
 {
     const Entry entry(*this, "DeregisterCallback");
-    CNodeCallback* const callback = reinterpret_cast<CNodeCallback*>(hCallback);
-    const auto found = std::find(callbacks.begin(), callbacks.end(), callback);
+    const auto found = FindCallback(reinterpret_cast<CNodeCallback*>(hCallback));
     if (found == callbacks.end()) return false;
+    const std::shared_ptr<Registration> ended = *found; // destroyed when the list is whole again
+    ended->End();
     callbacks.erase(found);
-    map.RemoveCallback(callback);
     return true;
+}
+
+Registrations::const_iterator Node::FindCallback(const CNodeCallback* callback) const
+{
+    return std::find_if(callbacks.begin(), callbacks.end(), [callback](const std::shared_ptr<Registration>& entry) {
+        return entry->Callback() == callback;
+    });
 }
 
 INodeMap* Node::GetNodeMap() const

@@ -5,6 +5,7 @@
 // other nodes see it") are called with the lock held.
 #pragma once
 
+#include "map/callback_list.h"
 #include "xml/description.h"
 
 #include <GenApi/INode.h>
@@ -160,12 +161,13 @@ private:
 
     bool ReadsForAccess(Property link) const;
     void AddChildren(NodeList_t& children, ELinkType type) const;
+    Registrations::const_iterator FindCallback(const CNodeCallback* callback) const;
     EVisibility OwnVisibility() const;
 
     Node* implemented = nullptr;
     Node* available = nullptr;
     Node* locked = nullptr;
-    std::vector<CNodeCallback*> callbacks;
+    Registrations callbacks;
     UserData_t userData = nullptr;
     uint32_t mark = 0; // of the last walk of the map that met this node
     mutable uint8_t cachedMode = _UndefinedAccesMode;
@@ -183,6 +185,8 @@ class Entry
 {
 public:
     Entry(const Node& node, const char* operation);
+    // Of the map itself, when `node` is null.
+    Entry(NodeMap& owner, const Node* node, const char* operation);
     ~Entry();
     Entry(const Entry&) = delete;
     Entry& operator=(const Entry&) = delete;

@@ -1,4 +1,4 @@
-// Templates of Node that need the map.
+// Templates of Node and NodeMap that need each other.
 #pragma once
 
 #include "map/node_map.h"
@@ -32,26 +32,25 @@ void Node::WriteAnnounced(const Act& act)
 }
 
 template <class Act>
+void NodeMap::Operate(const Node* node, const char* operation, const Act& act)
+{
+    CallbackList callbacks;
+    {
+        const AutoLock held(*lock);
+        {
+            const Entry entry(*this, node, operation);
+            act();
+            callbacks = CollectCallbacks();
+        }
+        callbacks.CallInside();
+    }
+    callbacks.CallOutside();
+}
+
+template <class Act>
 void Node::Change(const char* operation, const Act& act)
 {
-    CallbackList callbacksToCall;
-    map.GetLock().Lock();
-    try
-    {
-        {
-            Entry entry(*this, operation);
-            act();
-            callbacksToCall = map.CollectCallbacks();
-        }
-        callbacksToCall.CallInside();
-    }
-    catch (...)
-    {
-        map.GetLock().Unlock();
-        throw;
-    }
-    map.GetLock().Unlock();
-    callbacksToCall.CallOutside();
+    map.Operate(this, operation, act);
 }
 
 } // namespace GENAPI_NAMESPACE::runtime
