@@ -1,7 +1,7 @@
 # The GenICam runtime behind one target, `genicam`, that the rest links.
 #
 # KORO_GENICAM=bundled builds genicam/. KORO_GENICAM=reference uses the SDK tree below GENICAM_ROOT instead: its headers, and
-# its libraries GenApi and GCBase, or those that GENICAM_LIBRARIES names.
+# its libraries GenApi, GCBase and FirmwareUpdate, or those that GENICAM_LIBRARIES names.
 add_library(genicam INTERFACE)
 
 if(KORO_GENICAM STREQUAL "bundled")
@@ -20,7 +20,7 @@ elseif(KORO_GENICAM STREQUAL "reference")
     if(NOT libraries)
         # Their names carry compiler and version: libGenApi_gcc_v3_4.so.
         file(GLOB_RECURSE libraries LIST_DIRECTORIES false
-            ${GENICAM_ROOT}/libGenApi*.so ${GENICAM_ROOT}/libGCBase*.so)
+            ${GENICAM_ROOT}/libGenApi*.so ${GENICAM_ROOT}/libGCBase*.so ${GENICAM_ROOT}/libFirmwareUpdate*.so)
     endif()
     if(NOT libraries)
         message(FATAL_ERROR "No library GenApi or GCBase below GENICAM_ROOT (${GENICAM_ROOT}); GENICAM_LIBRARIES names others")
