@@ -1,10 +1,13 @@
-// NodeTest: an open tree whose remote device has the description that the test writes, over registers of the test's.
+// DescribedCamera: an open tree whose remote device has the description that the test writes, over registers of the
+// test's.
 #pragma once
 
 #include "tests/boundary/tree_test.h"
+#include "tests/support/journal.h"
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace koro::test
 {
@@ -27,7 +30,7 @@ inline std::string IntRegister(const std::string& name, std::uint64_t address, c
            "<Sign>Unsigned</Sign><Endianess>LittleEndian</Endianess></IntReg>";
 }
 
-class NodeTest : public TreeTest
+class DescribedCamera : public TreeTest
 {
 protected:
     static constexpr std::uint64_t descriptionAddress = 0x20000;
@@ -35,8 +38,12 @@ protected:
     // The port of the first camera, as the producer has it.
     static scripted::Port& RemotePort(scripted::Tree& edited) { return edited.interfaces[0]->devices[0]->remotePort; }
 
-    // Before the first request for the node maps: one URL whose register space holds `description`.
-    void Describe(const std::string& nodes) const { DescribeBy(DescriptionOf(nodes)); }
+    // One URL, before the first request for the node maps: a description of these nodes, or any bytes.
+    KORO_NodeMapHandle Describe(const std::string& nodes) const
+    {
+        DescribeBy(DescriptionOf(nodes));
+        return NodeMapOf(tree.remoteDevice);
+    }
     void DescribeBy(const std::string& description, const std::string& fileName = "test.xml") const
     {
         producer->Edit([&](scripted::Tree& edited) {
@@ -50,6 +57,18 @@ protected:
                     {GenTL::URL_INFO_FILENAME, scripted::Text(fileName)}});
         });
     }
+
+    // Opens the camera anew: it has not fetched anything yet. What was open of it before has ended.
+    void Reopen()
+    {
+        Require(KORO_Device_Destruct(tree.device));
+        tree.device =
+            Get<KORO_DeviceHandle>(KORO_DeviceDescriptor_OpenDevice, tree.deviceDescriptor, OpenTree::exclusiveAccess);
+        tree.remoteDevice = Get<KORO_RemoteDeviceHandle>(KORO_Device_GetRemoteDevice, tree.device);
+    }
+
+    // The transfers since the journal was cleared.
+    std::vector<std::string> Reads() const { return CallsOf(producer->Journal(), {"GCReadPort"}); }
 
     // A register of four bytes, least significant one first.
     void SetRegister(std::uint64_t address, std::uint32_t value) const
