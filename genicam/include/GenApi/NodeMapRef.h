@@ -52,6 +52,7 @@ public:
     }
     CNodeMapRefT& operator=(INodeMap* pNodeMap)
     {
+        if (pNodeMap && pNodeMap == _Ptr) return *this;
         Release();
         if (pNodeMap) deviceName = pNodeMap->GetDeviceName();
         Attach(pNodeMap);
@@ -77,6 +78,11 @@ public:
     }
     void _LoadXMLFromString(const GENICAM_NAMESPACE::gcstring& XMLData) { Load(CNodeMapFactory(XMLData), deviceName); }
 
+    virtual void _GetSupportedSchemaVersions(GENICAM_NAMESPACE::gcstring_vector& SchemaVersions) const
+    {
+        static_cast<void>(Map());
+        CNodeMapFactory().GetSupportedSchemaVersions(SchemaVersions);
+    }
     virtual GENICAM_NAMESPACE::gcstring _GetDeviceName() const { return Map()->GetDeviceName(); }
     virtual void _Poll(int64_t ElapsedTime) { Map()->Poll(ElapsedTime); }
     virtual void _GetNodes(NodeList_t& Nodes) const { Map()->GetNodes(Nodes); }
@@ -123,7 +129,7 @@ private:
         if (!map) return;
         references = new long(1);
         _Ptr = map;
-        TCameraParams::_Initialize(map);
+        Initialize();
     }
     void Share(const CNodeMapRefT& other)
     {
@@ -132,7 +138,20 @@ private:
         references = other.references;
         __atomic_add_fetch(references, 1, __ATOMIC_ACQ_REL);
         _Ptr = other._Ptr;
-        TCameraParams::_Initialize(_Ptr);
+        Initialize();
+    }
+    // Parameters that do not fit the map leave no reference behind.
+    void Initialize()
+    {
+        try
+        {
+            TCameraParams::_Initialize(_Ptr);
+        }
+        catch (...)
+        {
+            Release();
+            throw;
+        }
     }
     void Release()
     {

@@ -55,6 +55,18 @@ TYPED_TEST(Locks, AreFreeOnlyAfterAsManyUnlocksAsLocks)
     EXPECT_TRUE(IsFree(lock));
 }
 
+TYPED_TEST(Locks, UnlockByWhoeverDoesNotHoldThemChangesNothing)
+{
+    typename TypeParam::CLock lock;
+    lock.Unlock();
+    EXPECT_TRUE(IsFree(lock));
+    lock.Lock();
+    std::thread([&] { lock.Unlock(); }).join();
+    EXPECT_FALSE(IsFree(lock));
+    lock.Unlock();
+    EXPECT_TRUE(IsFree(lock));
+}
+
 TYPED_TEST(Locks, AutoLockReleasesOnEveryWayOut)
 {
     typename TypeParam::CLockEx lock;
