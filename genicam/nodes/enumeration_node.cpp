@@ -152,11 +152,14 @@ EnumEntryNode* EnumerationNode::EntryFor(int64_t number) const
 EnumEntryNode* EnumerationNode::Current(ReadOptions options)
 {
     EnumEntryNode* const entry = EntryFor(Read(options));
-    if (entry && options.verify && !IsAvailable(entry->AccessMode()))
-    {
-        throw AccessError(*this, "The current entry '" + std::string(entry->Symbolic()) + "' is not available.");
-    }
+    if (entry && options.verify) CheckEntry(*entry);
     return entry;
+}
+
+void EnumerationNode::CheckEntry(const EnumEntryNode& entry) const
+{
+    if (IsAvailable(entry.AccessMode())) return;
+    throw AccessError(*this, "The current entry '" + std::string(entry.Symbolic()) + "' is not available.");
 }
 
 int64_t EnumerationNode::Read(ReadOptions options)
@@ -195,6 +198,7 @@ double EnumerationNode::ReadReal(ReadOptions options)
 {
     const int64_t number = Read(options);
     const EnumEntryNode* const entry = EntryFor(number);
+    if (entry && options.verify) CheckEntry(*entry);
     if (entry) return entry->Numeric();
     const std::string text = "There is no entry with the number " + std::to_string(number) + ".";
     if (options.verify) throw RangeError(*this, text);

@@ -77,6 +77,8 @@ private:
     void SetEntry(const EnumEntryNode& entry, bool verify);
     EnumEntryNode* EntryFor(int64_t number) const;
     EnumEntryNode* Current(ReadOptions options);
+    // AccessException when the current entry is not available.
+    void CheckEntry(const EnumEntryNode& entry) const;
 
     ValueSource<int64_t> source;
     std::vector<EnumEntryNode*> entries;
