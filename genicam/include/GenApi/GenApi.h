@@ -25,5 +25,7 @@
 #include <GenApi/IValue.h>
 #include <GenApi/NodeCallback.h>
 #include <GenApi/NodeMapRef.h>
+#include <GenApi/Persistence.h>
 #include <GenApi/Pointer.h>
+#include <GenApi/SelectorSet.h>
 #include <GenApi/StructPort.h>

@@ -1,0 +1,175 @@
+// CFeatureBag: the streamable features of a node map as texts, to be kept in a file and written back.
+//
+// A value; not thread-safe. StoreToBag and LoadFromBag hold the lock of the map all the time.
+//
+// Who wants a file format of his own defines GENAPI_DONT_USE_DEFAULT_PERSISTENCE_FILE_FORMAT before the include and
+// the two stream operators in GENAPI_NAMESPACE, all in one source file: as friends they reach the records.
+#pragma once
+
+#include <Base/GCStringVector.h>
+#include <GenApi/GenApiVersion.h>
+#include <GenApi/INodeMap.h>
+#include <GenApi/IValue.h>
+#include <GenApi/SelectorSet.h>
+#include <GenApi/SelectorState.h>
+#include <istream>
+#include <limits>
+#include <memory>
+#include <ostream>
+#include <vector>
+
+// In the first line of a file with one bag, and of one with several.
+#define GENAPI_PERSISTENCE_MAGIC "{05D8C294-F295-4dfb-9D01-096BD04049F4}"
+#define GENAPI_PERSISTENCE_MAGIC_FEATUREBAGGER "{4709CB3C-7322-4460-84C3-DA11DDA09939}"
+
+namespace GENAPI_NAMESPACE
+{
+
+GENICAM_INTERFACE GENAPI_DECL_ABSTRACT IPersistScript
+{
+    virtual void SetInfo(const GENICAM_NAMESPACE::gcstring& Info) = 0;
+    virtual void PersistFeature(IValue & item, CSelectorSet* selectorSet = nullptr) = 0;
+
+protected:
+    ~IPersistScript() = default;
+};
+
+class GENAPI_DECL CFeatureBag : public IPersistScript
+{
+public:
+    CFeatureBag();
+    CFeatureBag(const CFeatureBag& other);
+    CFeatureBag& operator=(const CFeatureBag& other);
+    virtual ~CFeatureBag();
+
+    void SetInfo(const GENICAM_NAMESPACE::gcstring& Info) override { info = Info; }
+    // Appends a record of the present value. RuntimeException when the bag is full.
+    void PersistFeature(IValue& item, CSelectorSet* selectorSet = nullptr) override;
+
+    // Writes the records in their order, unchecked, then with Verify reads them back. True if there was no error; the
+    // texts of errors are appended to the list. What was written stays written.
+    bool LoadFromBag(INodeMap* pNodeMap, bool Verify = true, GENICAM_NAMESPACE::gcstring_vector* pErrorList = nullptr);
+    // Appends a record for each streamable feature and each combination of its selectors, and answers their number.
+    // Stops after that many records, unless negative. The filter names the only nodes to be stored.
+    int64_t StoreToBag(
+        INodeMap* pNodeMap, const int MaxNumPersistSkriptEntries = -1,
+        GENICAM_NAMESPACE::gcstring_vector* pFeatureFilter = nullptr);
+
+    // The same records; the info text does not count.
+    bool operator==(const CFeatureBag& other) const;
+    // As a file.
+    GENICAM_NAMESPACE::gcstring ToString();
+
+    // Ends a bag that was made by new.
+    virtual void Destroy() { delete this; }
+    virtual const GENICAM_NAMESPACE::gcstring& GetBagName() const { return bagName; }
+    virtual void SetBagName(const GENICAM_NAMESPACE::gcstring& name) { bagName = name; }
+
+    friend std::istream& operator>>(std::istream& is, CFeatureBag& bag);
+    friend std::ostream& operator<<(std::ostream& os, const CFeatureBag& bag);
+
+private:
+    struct Triplet
+    {
+        GENICAM_NAMESPACE::gcstring name;
+        GENICAM_NAMESPACE::gcstring value;
+        CSelectorState* pState; // the bag's, never null
+    };
+
+    class const_iterator
+    {
+    public:
+        const Triplet& operator*() const { return *place; }
+        const Triplet* operator->() const { return place; }
+        const_iterator& operator++()
+        {
+            ++place;
+            return *this;
+        }
+        const_iterator operator++(int)
+        {
+            const const_iterator former = *this;
+            ++place;
+            return former;
+        }
+        const_iterator& operator+=(ptrdiff_t distance)
+        {
+            place += distance;
+            return *this;
+        }
+        const_iterator operator+(ptrdiff_t distance) const { return const_iterator(place + distance); }
+        const_iterator operator-(ptrdiff_t distance) const { return const_iterator(place - distance); }
+        ptrdiff_t operator-(const const_iterator& other) const { return place - other.place; }
+        bool operator==(const const_iterator& other) const { return place == other.place; }
+        bool operator!=(const const_iterator& other) const { return place != other.place; }
+
+    private:
+        friend class CFeatureBag;
+
+        explicit const_iterator(const Triplet* triplet) : place(triplet) {}
+
+        const Triplet* place;
+    };
+
+    // The bag keeps the state; DeleteSelector ends one that was not pushed and sets the pointer to null.
+    CSelectorState* AllocateSelector();
+    void DeleteSelector(CSelectorState*& pSelectorState);
+    void Clear();
+    void Push(const char* name, const char* value, CSelectorState* pSelectorState);
+    const GENICAM_NAMESPACE::gcstring& GetInfo() const { return info; }
+    const_iterator GetBegin() const { return const_iterator(triplets.data()); }
+    const_iterator GetEnd() const { return const_iterator(triplets.data() + triplets.size()); }
+    const_iterator GetBegin() { return static_cast<const CFeatureBag*>(this)->GetBegin(); }
+    const_iterator GetEnd() { return static_cast<const CFeatureBag*>(this)->GetEnd(); }
+
+    void Append(
+        const GENICAM_NAMESPACE::gcstring& name, const GENICAM_NAMESPACE::gcstring& value, CSelectorState* state);
+    void Swap(CFeatureBag& other);
+    int64_t StoreNode(INode& node, int64_t limit, int64_t& combinations);
+    int64_t StoreCombinations(INode& node, CSelectorSet& selectors, int64_t limit, int64_t& combinations);
+    bool WriteRecord(INodeMap& map, const Triplet& triplet, GENICAM_NAMESPACE::gcstring_vector* errors) const;
+    bool VerifyRecord(INodeMap& map, const Triplet& triplet, GENICAM_NAMESPACE::gcstring_vector* errors) const;
+    // The default file format.
+    void ReadFrom(std::istream& stream);
+    void WriteTo(std::ostream& stream) const;
+
+    GENICAM_NAMESPACE::gcstring info;
+    GENICAM_NAMESPACE::gcstring bagName;
+    std::vector<Triplet> triplets;
+    std::vector<std::unique_ptr<CSelectorState>> states; // of the triplets, and those that are not pushed yet
+};
+
+// Drops lines that begin with "#".
+inline void EatComments(std::istream& is)
+{
+    while (is.good() && is.peek() == '#')
+        is.ignore(std::numeric_limits<std::streamsize>::max(), '\n');
+}
+
+#ifndef GENAPI_DONT_USE_DEFAULT_PERSISTENCE_FILE_FORMAT
+
+// White space at both ends goes.
+inline void TrimSpace(GENICAM_NAMESPACE::gcstring& text)
+{
+    const char* const space = " \t\n\v\f\r";
+    const size_t first = text.find_first_not_of(space);
+    const size_t last = text.find_last_not_of(space);
+    text = first == GCSTRING_NPOS ? GENICAM_NAMESPACE::gcstring() : text.substr(first, last - first + 1);
+}
+
+// RuntimeException says what is wrong with a file; the bag then holds what it held before.
+inline std::istream& operator>>(std::istream& is, CFeatureBag& bag)
+{
+    bag.ReadFrom(is);
+    return is;
+}
+
+inline std::ostream& operator<<(std::ostream& os, const CFeatureBag& bag)
+{
+    bag.WriteTo(os);
+    return os;
+}
+
+#endif
+
+} // namespace GENAPI_NAMESPACE

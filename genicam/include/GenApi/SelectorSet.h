@@ -1,0 +1,55 @@
+// CSelectorSet: walks all combinations of the values of a node's selectors, the outermost turning slowest.
+//
+// Made for one walk over a map that outlives it; hold the map's lock meanwhile. The nodes really change their values:
+// Restore sets them back, nothing else does.
+#pragma once
+
+#include <GenApi/SelectorState.h>
+#include <GenApi/Types.h>
+#include <memory>
+#include <vector>
+
+namespace GENAPI_NAMESPACE
+{
+
+GENICAM_INTERFACE GENAPI_DECL_ABSTRACT ISelectorDigit
+{
+    virtual bool SetFirst() = 0;
+    // False past the last value. Without Tick the present value is written again.
+    virtual bool SetNext(bool Tick = true) = 0;
+    virtual void Restore() = 0;
+    virtual GENICAM_NAMESPACE::gcstring ToString() = 0;
+    virtual void GetState(CSelectorState&) = 0;
+    // Incremental: only what the last step moved.
+    virtual void GetSelectorList(FeatureList_t&, bool Incremental = false) = 0;
+    virtual ~ISelectorDigit() {}
+};
+
+class GENAPI_DECL CSelectorSet : public ISelectorDigit
+{
+public:
+    // The nodes that select this one, directly or through each other. A selector that cannot be read and written now
+    // takes no part.
+    explicit CSelectorSet(IBase* pBase);
+    ~CSelectorSet() override;
+    CSelectorSet(const CSelectorSet&) = delete;
+    CSelectorSet& operator=(const CSelectorSet&) = delete;
+
+    bool IsEmpty() const { return digits.empty(); }
+    bool SetFirst() override;
+    bool SetNext(bool Tick = true) override;
+    // Writes the former values, outermost first; a value that is refused keeps no other from its place and is thrown
+    // at the end. Nothing is written when nothing was moved.
+    void Restore() override;
+    // "Outer=1, Inner=2"
+    GENICAM_NAMESPACE::gcstring ToString() override;
+    void GetState(CSelectorState& state) override;
+    void GetSelectorList(FeatureList_t& list, bool Incremental = false) override;
+
+private:
+    std::vector<std::unique_ptr<ISelectorDigit>> digits; // outermost first
+    size_t outermostMoved;
+    bool moved;
+};
+
+} // namespace GENAPI_NAMESPACE
