@@ -136,3 +136,64 @@ KORO_ReturnCode KORO_DeviceDescriptor_OpenDevice(
         return Table<Device>().Add(descriptor->OpenDevice(accessType), interface);
     });
 }
+
+KORO_ReturnCode KORO_DeviceDescriptor_AddInformationRoleToMonitoring(
+    KORO_DeviceDescriptorHandle deviceDescriptorHandle, int32_t role)
+{
+    return Perform(KORO_ARG(deviceDescriptorHandle), [&](auto& descriptor) { descriptor.Monitor().AddRole(role); });
+}
+
+KORO_ReturnCode KORO_DeviceDescriptor_RemoveInformationRoleFromMonitoring(
+    KORO_DeviceDescriptorHandle deviceDescriptorHandle, int32_t role)
+{
+    return Perform(KORO_ARG(deviceDescriptorHandle), [&](auto& descriptor) { descriptor.Monitor().RemoveRole(role); });
+}
+
+KORO_ReturnCode KORO_DeviceDescriptor_IsInformationRoleMonitored(
+    KORO_DeviceDescriptorHandle deviceDescriptorHandle, int32_t role, KORO_Bool8* isInformationRoleMonitored)
+{
+    return GetScalar(KORO_ARG(deviceDescriptorHandle), KORO_ARG(isInformationRoleMonitored), [&](auto& descriptor) {
+        return descriptor.Monitor().IsRoleMonitored(role);
+    });
+}
+
+KORO_ReturnCode KORO_DeviceDescriptor_GetMonitoringUpdateInterval(
+    KORO_DeviceDescriptorHandle deviceDescriptorHandle, uint64_t* monitoringUpdateInterval_ms)
+{
+    return GetScalar(KORO_ARG(deviceDescriptorHandle), KORO_ARG(monitoringUpdateInterval_ms), [](auto& descriptor) {
+        return descriptor.Monitor().UpdateInterval_ms();
+    });
+}
+
+KORO_ReturnCode KORO_DeviceDescriptor_SetMonitoringUpdateInterval(
+    KORO_DeviceDescriptorHandle deviceDescriptorHandle, uint64_t monitoringUpdateInterval_ms)
+{
+    return Perform(KORO_ARG(deviceDescriptorHandle), [&](auto& descriptor) {
+        descriptor.Monitor().SetUpdateInterval_ms(monitoringUpdateInterval_ms);
+    });
+}
+
+KORO_ReturnCode KORO_DeviceDescriptor_RegisterInformationChangedCallback(
+    KORO_DeviceDescriptorHandle deviceDescriptorHandle, KORO_DeviceDescriptorInformationChangedCallback callback,
+    void* callbackContext, KORO_DeviceDescriptorInformationChangedCallbackHandle* callbackHandle)
+{
+    return WithObject(KORO_ARG(deviceDescriptorHandle), [&](const auto& descriptor) {
+        if (!callback) return InvalidPointer(KORO_ARG(callback));
+        if (!callbackHandle) return InvalidPointer(KORO_ARG(callbackHandle));
+        const auto registration = std::make_shared<DeviceDescriptorInformationChangedCallback>(
+            descriptor,
+            [callback, callbackContext](const auto& roles) { callback(roles.data(), roles.size(), callbackContext); });
+        *callbackHandle = Table<DeviceDescriptorInformationChangedCallback>().Add(registration);
+        return success;
+    });
+}
+
+KORO_ReturnCode KORO_DeviceDescriptor_UnregisterInformationChangedCallback(
+    KORO_DeviceDescriptorHandle, KORO_DeviceDescriptorInformationChangedCallbackHandle callbackHandle)
+{
+    return WithObject(KORO_ARG(callbackHandle), [&](const auto& registration) {
+        registration->Unregister();
+        Remove(callbackHandle);
+        return success;
+    });
+}

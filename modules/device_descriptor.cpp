@@ -12,7 +12,8 @@ using namespace GenTL;
 DeviceDescriptor::DeviceDescriptor(
     std::string deviceID, const std::shared_ptr<Interface>& interface, const std::shared_ptr<const GenTLProxy>& proxy)
     : DeviceInformation(GenTLCaller(proxy)), parent(interface), key(ModuleKey(interface->Key(), deviceID)),
-      id(std::move(deviceID))
+      id(std::move(deviceID)),
+      monitor(*this, {DEVICE_INFO_ACCESS_STATUS, DEVICE_INFO_USER_DEFINED_NAME, DEVICE_INFO_TIMESTAMP_FREQUENCY})
 {}
 
 std::string DeviceDescriptor::ID() const
@@ -77,6 +78,33 @@ GC_ERROR DeviceDescriptor::QueryInfo(
 {
     const auto interface = ParentInterface();
     return gentl.Result<&GenTLProxy::IFGetDeviceInfo>(interface->Handle(), id.c_str(), command, dataType, buffer, size);
+}
+
+DeviceDescriptorInformationChangedCallback::DeviceDescriptorInformationChangedCallback(
+    std::shared_ptr<DeviceDescriptor> monitoredDescriptor,
+    DeviceDescriptor::InformationMonitor::ChangedCallback callback)
+    : descriptor(std::move(monitoredDescriptor)),
+      handle(descriptor->Monitor().RegisterChangedCallback(std::move(callback)))
+{}
+
+DeviceDescriptorInformationChangedCallback::~DeviceDescriptorInformationChangedCallback()
+{
+    Unregister();
+}
+
+void DeviceDescriptorInformationChangedCallback::Unregister()
+{
+    const auto registered = handle.exchange(nullptr);
+    if (!registered) return;
+    try
+    {
+        descriptor->Monitor().UnregisterChangedCallback(registered);
+    }
+    catch (...)
+    {
+        handle = registered;
+        throw;
+    }
 }
 
 } // namespace koro::internal

@@ -6,7 +6,9 @@
 
 #include "modules/device_information.h"
 #include "modules/module.h"
+#include "modules/role_based_property_monitor.h"
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <mutex>
@@ -44,6 +46,10 @@ public:
     // does not open.
     std::shared_ptr<Device> OpenDevice(std::uint32_t accessType);
 
+    // Watches the information of the device. At first: access status, user defined name, frequency of the time stamp.
+    using InformationMonitor = TRoleBasedPropertyMonitor<DeviceDescriptor, int, void*>;
+    InformationMonitor& Monitor() noexcept { return monitor; }
+
 private:
     GenTL::GC_ERROR QueryInfo(
         std::int32_t command, GenTL::INFO_DATATYPE* dataType, void* buffer, std::size_t* size) const override;
@@ -54,6 +60,26 @@ private:
     const std::string id;
     std::mutex openedDeviceMutex;
     std::weak_ptr<Device> openedDevice; // the one opened last; guarded by openedDeviceMutex
+    InformationMonitor monitor;         // goes first, and with it the thread that asks this object
+};
+
+// A registration at the monitor of a descriptor, which it keeps alive. While the monitor's thread runs there is a
+// registration, and its end waits for the thread: so the thread never drops the descriptor itself, not even when it is
+// the last to hold the interface. To be ended outside the monitor's callbacks.
+class DeviceDescriptorInformationChangedCallback final : public Instance
+{
+public:
+    DeviceDescriptorInformationChangedCallback(
+        std::shared_ptr<DeviceDescriptor> monitoredDescriptor,
+        DeviceDescriptor::InformationMonitor::ChangedCallback callback);
+    ~DeviceDescriptorInformationChangedCallback() override;
+
+    // Throws the standard deadlock error inside a callback of the monitor; the registration stands then.
+    void Unregister();
+
+private:
+    const std::shared_ptr<DeviceDescriptor> descriptor;
+    std::atomic<void*> handle; // null when it is taken back
 };
 
 } // namespace koro::internal

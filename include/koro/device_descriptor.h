@@ -123,6 +123,78 @@ KORO_API KORO_ReturnCode KORO_DeviceDescriptor_GetParentInterface(
 KORO_API KORO_ReturnCode KORO_DeviceDescriptor_OpenDevice(
     KORO_DeviceDescriptorHandle deviceDescriptorHandle, uint32_t accessType, KORO_DeviceHandle* deviceHandle);
 
+/*
+ * Monitoring: the library asks for chosen information, the roles, at an interval and reports what changed. A role is an
+ * information command. Monitored from the start are KORO_DEVICE_INFO_ACCESS_STATUS, ..._USER_DEFINED_NAME and
+ * ..._TIMESTAMP_FREQUENCY. Nothing is asked, and no thread runs, before a callback is registered.
+ */
+
+/**
+ * Adds a role. One that is monitored already keeps its last value; a new one is reported as changed as soon as it has a
+ * value.
+ * Waits while the roles are read, so as long as the producer takes to answer.
+ * @param[in] role KORO_DEVICE_INFO_... or a number of the producer's own; one that the producer does not answer is
+ *                 never reported
+ */
+KORO_API KORO_ReturnCode
+KORO_DeviceDescriptor_AddInformationRoleToMonitoring(KORO_DeviceDescriptorHandle deviceDescriptorHandle, int32_t role);
+
+/**
+ * Takes a role out, with its last value. One that is not monitored is ignored.
+ * Waits while the roles are read.
+ */
+KORO_API KORO_ReturnCode KORO_DeviceDescriptor_RemoveInformationRoleFromMonitoring(
+    KORO_DeviceDescriptorHandle deviceDescriptorHandle, int32_t role);
+
+/**
+ * Tells whether a role is among those that are read. Waits while they are.
+ * @param[out] isInformationRoleMonitored 1 if it is
+ */
+KORO_API KORO_ReturnCode KORO_DeviceDescriptor_IsInformationRoleMonitored(
+    KORO_DeviceDescriptorHandle deviceDescriptorHandle, int32_t role, KORO_Bool8* isInformationRoleMonitored);
+
+/**
+ * Gives the pause between two readings.
+ * @param[out] monitoringUpdateInterval_ms milliseconds; 1000 unless set
+ */
+KORO_API KORO_ReturnCode KORO_DeviceDescriptor_GetMonitoringUpdateInterval(
+    KORO_DeviceDescriptorHandle deviceDescriptorHandle, uint64_t* monitoringUpdateInterval_ms);
+
+/**
+ * Sets the pause between two readings. It counts at once, for the present pause too.
+ * @param[in] monitoringUpdateInterval_ms milliseconds; 0 reads without a pause and keeps a processor busy
+ */
+KORO_API KORO_ReturnCode KORO_DeviceDescriptor_SetMonitoringUpdateInterval(
+    KORO_DeviceDescriptorHandle deviceDescriptorHandle, uint64_t monitoringUpdateInterval_ms);
+
+/**
+ * Calls the application when monitored information has changed, on a thread of this descriptor that the first
+ * registration starts and the last unregistration ends. The first report after it holds all roles that have a value. A
+ * role that cannot be read is not reported, so this does not tell that a device has gone.
+ * The callback must not throw, must not register or unregister callbacks of this descriptor, and must not close the
+ * library.
+ * A registration keeps the descriptor monitored, also when its device is lost and its handle has ended.
+ * @param[in]  callback        called as callback(roles, numRoles, callbackContext)
+ * @param[in]  callbackContext passed to the callback as it is; may be null
+ * @param[out] callbackHandle  for unregistering; ends there or with the library
+ * @return KORO_RETURN_CODE_ERROR when no thread could be started, or inside a callback of this descriptor
+ */
+KORO_API KORO_ReturnCode KORO_DeviceDescriptor_RegisterInformationChangedCallback(
+    KORO_DeviceDescriptorHandle deviceDescriptorHandle, KORO_DeviceDescriptorInformationChangedCallback callback,
+    void* callbackContext, KORO_DeviceDescriptorInformationChangedCallbackHandle* callbackHandle);
+
+/**
+ * Ends the calls of a callback. Waits for a call that is under way on the thread; when it was the last callback, waits
+ * for the thread's end, which takes at most 50 ms and what a reading takes.
+ * @param[in] deviceDescriptorHandle not looked at, since the descriptor's handle may have ended before
+ * @param[in] callbackHandle         from the registration
+ * @return KORO_RETURN_CODE_INVALID_HANDLE for an unknown callback handle;
+ *         KORO_RETURN_CODE_ERROR inside a callback of the same descriptor: the registration stands
+ */
+KORO_API KORO_ReturnCode KORO_DeviceDescriptor_UnregisterInformationChangedCallback(
+    KORO_DeviceDescriptorHandle deviceDescriptorHandle,
+    KORO_DeviceDescriptorInformationChangedCallbackHandle callbackHandle);
+
 #ifdef __cplusplus
 }
 #endif

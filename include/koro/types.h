@@ -113,6 +113,9 @@ typedef void (*KORO_InterfaceFoundCallback)(
 typedef void (*KORO_InterfaceLostCallback)(const char* interfaceId, size_t interfaceIdSize, void* callbackContext);
 typedef void (*KORO_DeviceFoundCallback)(KORO_DeviceDescriptorHandle deviceDescriptorHandle, void* callbackContext);
 typedef void (*KORO_DeviceLostCallback)(const char* deviceId, size_t deviceIdSize, void* callbackContext);
+/* `roles` lives for the length of the call. */
+typedef void (*KORO_DeviceDescriptorInformationChangedCallback)(
+    const int32_t* roles, size_t numRoles, void* callbackContext);
 /* `buffer` and `userPtr` are what the producer gives back; null for both if it gives nothing. */
 typedef void (*KORO_BufferRevocationCallback)(void* buffer, void* userPtr, void* callbackContext);
 

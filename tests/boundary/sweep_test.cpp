@@ -175,12 +175,18 @@ public:
         Enter("KORO_EventSupportingModuleHandle", source);
         Enter("KORO_EventControllerHandle", controller);
         Enter(
+            "KORO_DeviceDescriptorInformationChangedCallbackHandle",
+            Get<KORO_DeviceDescriptorInformationChangedCallbackHandle>(
+                KORO_DeviceDescriptor_RegisterInformationChangedCallback, tree.deviceDescriptor, &Ignore, nullptr));
+        Enter(
             "KORO_EventHandle", Get<KORO_EventHandle>(KORO_EventController_WaitForEvent, controller, std::uint64_t{0}));
     }
 
     std::map<std::string, Word> byType;
 
 private:
+    static void Ignore(const std::int32_t*, std::size_t, void*) {}
+
     static constexpr std::int32_t moduleEvents = KORO_EVENT_MODULE;
 
     static scripted::Frame FrameThatAnswersAll()
@@ -216,10 +222,17 @@ bool BeginsWithHandle(const Export& called)
     return !called.parameters.empty() && called.parameters[0].IsHandle();
 }
 
+// Of the handle that is looked at first; one export ignores the one in front.
+std::size_t IndexOfHandle(const Export& called)
+{
+    return called.name == "KORO_DeviceDescriptor_UnregisterInformationChangedCallback" ? 1 : 0;
+}
+
 // The name by which messages call the leading handle; one export calls it by another name than its signature.
 std::string NameOfHandle(const Export& called)
 {
-    return called.name == "KORO_Device_GetDataStream" ? "interfaceHandle" : called.parameters[0].name;
+    return called.name == "KORO_Device_GetDataStream" ? "interfaceHandle"
+                                                      : called.parameters[IndexOfHandle(called)].name;
 }
 
 // A buffer with a size pointer behind it may be null: a size query.
@@ -270,11 +283,11 @@ TEST(Sweep, DeadHandleIsReportedByItsParametersNameBeforeAnyPointer)
         for (const Word dead : {Word{0}, reinterpret_cast<Word>(&nothing), ~Word{0}})
         {
             auto arguments = Arguments(called);
-            arguments.words[0] = dead;
+            arguments.words[IndexOfHandle(called)] = dead;
             EXPECT_EQ(Outcome(called.call(arguments.words)), InvalidHandle(called)) << called.name;
 
             Words zeros(called.parameters.size());
-            zeros[0] = dead;
+            zeros[IndexOfHandle(called)] = dead;
             EXPECT_EQ(Outcome(called.call(zeros)), InvalidHandle(called)) << called.name << " with null pointers";
         }
     }
@@ -290,10 +303,10 @@ TEST(Sweep, HandleOfAnotherKindIsInvalid)
         if (!BeginsWithHandle(called)) continue;
         for (const auto& [type, handle] : handles.byType)
         {
-            const auto own = handles.byType.find(called.parameters[0].type);
+            const auto own = handles.byType.find(called.parameters[IndexOfHandle(called)].type);
             if (handle == own->second) continue;
             auto arguments = Arguments(called, handles.byType);
-            arguments.words[0] = handle;
+            arguments.words[IndexOfHandle(called)] = handle;
             EXPECT_EQ(Outcome(called.call(arguments.words)), InvalidHandle(called)) << called.name << " with " << type;
         }
     }

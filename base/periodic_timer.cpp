@@ -1,0 +1,54 @@
+#include "base/periodic_timer.h"
+
+namespace koro::internal
+{
+
+using std::chrono::milliseconds;
+
+PeriodicTimer::~PeriodicTimer()
+{
+    StopUnless([] { return false; });
+}
+
+void PeriodicTimer::Start()
+{
+    const std::lock_guard lock(startMutex);
+    if (started) return;
+    started = true;
+    keepRunning = true;
+    thread = std::thread([this] { Run(); });
+}
+
+void PeriodicTimer::Join()
+{
+    keepRunning = false;
+    if (thread.joinable()) thread.join();
+    started = false;
+}
+
+void PeriodicTimer::Run()
+{
+    while (keepRunning)
+    {
+        WaitForInterval();
+        if (keepRunning) tickCallbacks.TriggerCallback();
+    }
+}
+
+// In slices, so that a stop and a new interval are seen soon.
+void PeriodicTimer::WaitForInterval() const
+{
+    constexpr std::uint64_t slice_ms = 50;
+    const auto start = WallClock::now();
+    while (keepRunning)
+    {
+        const auto elapsed_ms = std::chrono::duration_cast<milliseconds>(WallClock::now() - start).count();
+        const auto interval = interval_ms.load();
+        // A clock that was set back is no reason to tick early.
+        if (elapsed_ms >= 0 && static_cast<std::uint64_t>(elapsed_ms) >= interval) return;
+        const auto remaining_ms = elapsed_ms < 0 ? slice_ms : interval - static_cast<std::uint64_t>(elapsed_ms);
+        std::this_thread::sleep_for(milliseconds(remaining_ms < slice_ms ? remaining_ms : slice_ms));
+    }
+}
+
+} // namespace koro::internal

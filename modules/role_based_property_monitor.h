@@ -1,0 +1,119 @@
+// TRoleBasedPropertyMonitor: tells when information of an object changes, by asking for it at an interval.
+//
+// A role is the number of an information command. While a callback is registered, a thread of the monitor's own
+// reads the roles one by one, compares the bytes with the last ones and reports the roles that differ. The first report
+// holds every role that has a value. Roles and interval can be changed at any time; without a callback there is no
+// thread and no query. Any thread; not to be ended on the monitor's own.
+#pragma once
+
+#include "base/periodic_timer.h"
+
+#include <cstdint>
+#include <initializer_list>
+#include <mutex>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+namespace koro::internal
+{
+
+// `Source` answers Info(role) with the raw bytes. It is asked on the monitor's thread.
+template <class Source, class Role, class CallbackHandle>
+class TRoleBasedPropertyMonitor
+{
+public:
+    using Roles = std::vector<Role>;
+    using ChangedCallback = typename TCallbackManager<const Roles&>::Function;
+
+    TRoleBasedPropertyMonitor(const Source& monitored, std::initializer_list<Role> initialRoles) : source(monitored)
+    {
+        for (const auto role : initialRoles)
+            AddRole(role);
+        timer.TickCallbacks().RegisterCallback([this] { Compare(); });
+    }
+    TRoleBasedPropertyMonitor(const TRoleBasedPropertyMonitor&) = delete;
+    TRoleBasedPropertyMonitor& operator=(const TRoleBasedPropertyMonitor&) = delete;
+    virtual ~TRoleBasedPropertyMonitor() = default;
+
+    // A role that is there already keeps its last value.
+    void AddRole(Role role)
+    {
+        const std::lock_guard lock(rolesMutex);
+        lastValues.try_emplace(role);
+    }
+
+    // An absent role is ignored.
+    void RemoveRole(Role role)
+    {
+        const std::lock_guard lock(rolesMutex);
+        lastValues.erase(role);
+    }
+
+    bool IsRoleMonitored(Role role) const
+    {
+        const std::lock_guard lock(rolesMutex);
+        return lastValues.count(role) > 0;
+    }
+
+    std::uint64_t UpdateInterval_ms() const noexcept { return timer.Interval_ms(); }
+    void SetUpdateInterval_ms(std::uint64_t value) noexcept { timer.SetInterval_ms(value); }
+
+    // Callbacks run on the monitor's thread and must not throw. The first one starts the thread. Throws the standard
+    // deadlock error inside a callback, and std::system_error when no thread is to be had.
+    CallbackHandle RegisterChangedCallback(ChangedCallback callback)
+    {
+        const auto handle = changedCallbacks.RegisterCallback(std::move(callback));
+        try
+        {
+            timer.Start();
+        }
+        catch (...)
+        {
+            changedCallbacks.UnregisterCallback(handle);
+            throw;
+        }
+        return const_cast<CallbackHandle>(handle);
+    }
+
+    // After it the callback does not run any more. The last one ends the thread, which takes at most 50 ms and what is
+    // left of a tick. Throws the standard deadlock error inside a callback.
+    void UnregisterChangedCallback(CallbackHandle handle)
+    {
+        changedCallbacks.UnregisterCallback(handle);
+        timer.StopUnless([&] { return !changedCallbacks.IsEmpty(); });
+    }
+
+private:
+    // A tick.
+    void Compare()
+    {
+        Roles changed;
+        {
+            const std::lock_guard lock(rolesMutex);
+            for (auto& [role, lastValue] : lastValues)
+            {
+                try
+                {
+                    auto value = source.Info(role).bytes;
+                    if (value == lastValue) continue;
+                    changed.push_back(role);
+                    lastValue = std::move(value);
+                }
+                catch (...)
+                {
+                    // What cannot be read has not changed: a device may come back with the same value.
+                }
+            }
+        }
+        if (!changed.empty()) changedCallbacks.TriggerCallback(changed);
+    }
+
+    const Source& source;
+    std::unordered_map<Role, std::vector<std::uint8_t>> lastValues; // empty before the first read
+    TCallbackManager<const Roles&> changedCallbacks;
+    mutable std::mutex rolesMutex; // over lastValues, also while the producer is asked
+    PeriodicTimer timer;           // its end, the first of all, ends the thread
+};
+
+} // namespace koro::internal

@@ -1,0 +1,433 @@
+#include "tests/boundary/tree_test.h"
+
+#include <algorithm>
+#include <atomic>
+#include <condition_variable>
+#include <filesystem>
+#include <future>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace koro::test
+{
+
+namespace
+{
+
+using Roles = std::vector<std::int32_t>;
+using CallbackHandle = KORO_DeviceDescriptorInformationChangedCallbackHandle;
+
+constexpr std::int32_t accessStatus = GenTL::DEVICE_INFO_ACCESS_STATUS;
+constexpr std::int32_t userDefinedName = GenTL::DEVICE_INFO_USER_DEFINED_NAME;
+constexpr std::int32_t timestampFrequency = GenTL::DEVICE_INFO_TIMESTAMP_FREQUENCY;
+const Roles initialRoles{accessStatus, userDefinedName, timestampFrequency};
+
+const Error deadlock{KORO_RETURN_CODE_ERROR, std::make_error_code(std::errc::resource_deadlock_would_occur).message()};
+
+std::size_t NumThreads()
+{
+    const std::filesystem::directory_iterator tasks("/proc/self/task");
+    return static_cast<std::size_t>(std::distance(begin(tasks), end(tasks)));
+}
+
+// The reports of one callback, in the order of their coming; the roles of each are sorted.
+class Reports
+{
+public:
+    static void Report(const std::int32_t* roles, std::size_t numRoles, void* context)
+    {
+        auto& reports = *static_cast<Reports*>(context);
+        Roles sorted(roles, roles + numRoles);
+        std::sort(sorted.begin(), sorted.end());
+        if (reports.onReport) reports.onReport();
+        const std::lock_guard lock(reports.mutex);
+        reports.received.push_back(std::move(sorted));
+        reports.changed.notify_all();
+    }
+
+    Roles Next()
+    {
+        std::unique_lock lock(mutex);
+        changed.wait(lock, [&] { return received.size() > taken; });
+        return received[taken++];
+    }
+
+    // Those that nobody asked for by Next.
+    std::size_t NumUnread()
+    {
+        const std::lock_guard lock(mutex);
+        return received.size() - taken;
+    }
+
+    std::function<void()> onReport;
+
+private:
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::vector<Roles> received;
+    std::size_t taken = 0;
+};
+
+// A thread that was joined may be in the list for a moment longer.
+void AwaitNumThreads(std::size_t count)
+{
+    while (NumThreads() != count)
+        std::this_thread::yield();
+}
+
+class InformationMonitoring : public TreeTest
+{
+protected:
+    static void SetUpTestSuite() { idle = NumThreads(); }
+
+    InformationMonitoring()
+    {
+        AwaitNumThreads(idle);
+        SetInfo(accessStatus, scripted::Int32(GenTL::DEVICE_ACCESS_STATUS_READWRITE));
+        SetInfo(userDefinedName, scripted::Text("first"));
+        SetInfo(timestampFrequency, scripted::UInt64(1000));
+        Require(KORO_DeviceDescriptor_SetMonitoringUpdateInterval(descriptor, 1));
+    }
+
+    void SetInfo(std::int32_t role, const scripted::Info& info) const
+    {
+        producer->SetInfo("IFGetDeviceInfo", role, info);
+    }
+
+    CallbackHandle Register(Reports& reports) const
+    {
+        return Get<CallbackHandle>(
+            KORO_DeviceDescriptor_RegisterInformationChangedCallback, descriptor, &Reports::Report,
+            static_cast<void*>(&reports));
+    }
+
+    KORO_ReturnCode Unregister(CallbackHandle handle) const
+    {
+        return KORO_DeviceDescriptor_UnregisterInformationChangedCallback(descriptor, handle);
+    }
+
+    bool IsMonitored(std::int32_t role) const
+    {
+        return Get<KORO_Bool8>(KORO_DeviceDescriptor_IsInformationRoleMonitored, descriptor, role) != 0;
+    }
+
+    void AddRole(std::int32_t role) const
+    {
+        Require(KORO_DeviceDescriptor_AddInformationRoleToMonitoring(descriptor, role));
+    }
+
+    void RemoveRole(std::int32_t role) const
+    {
+        Require(KORO_DeviceDescriptor_RemoveInformationRoleFromMonitoring(descriptor, role));
+    }
+
+    // Returns after so many whole readings that began later.
+    void AwaitReadings(std::size_t count) const
+    {
+        // Two queries a role and at most four roles; the first reading may have been under way.
+        struct Queries
+        {
+            std::size_t awaited;
+            std::promise<void> made;
+        };
+        const auto queries = std::make_shared<Queries>();
+        queries->awaited = (count + 1) * 8;
+        producer->OnEntry("IFGetDeviceInfo", [queries] {
+            if (queries->awaited > 0 && --queries->awaited == 0) queries->made.set_value();
+        });
+        queries->made.get_future().wait();
+        producer->OnEntry("IFGetDeviceInfo", {}); // the hook may still be running
+    }
+
+    static inline std::size_t idle = 0; // the number of threads of a program that monitors nothing
+    const KORO_DeviceDescriptorHandle& descriptor = tree.deviceDescriptor;
+};
+
+} // namespace
+
+TEST_F(InformationMonitoring, IntervalIsAThousandMillisecondsUnlessSet)
+{
+    const auto other = Get<KORO_DeviceDescriptorHandle>(KORO_Interface_GetDevice, tree.interface, std::size_t{1});
+    ExpectScalarOut<KORO_DeviceDescriptorHandle, std::uint64_t>(
+        "monitoringUpdateInterval_ms", 1000, KORO_DeviceDescriptor_GetMonitoringUpdateInterval, other);
+
+    for (const auto interval : {std::uint64_t{0}, std::uint64_t{250}, KORO_INFINITE})
+    {
+        Require(KORO_DeviceDescriptor_SetMonitoringUpdateInterval(other, interval));
+        EXPECT_EQ(Get<std::uint64_t>(KORO_DeviceDescriptor_GetMonitoringUpdateInterval, other), interval);
+    }
+}
+
+TEST_F(InformationMonitoring, ThreeRolesAreMonitoredFromTheStart)
+{
+    for (std::int32_t role = -1; role <= 1000; ++role)
+    {
+        const bool expected = std::count(initialRoles.begin(), initialRoles.end(), role) > 0;
+        EXPECT_EQ(IsMonitored(role), expected) << role;
+    }
+}
+
+TEST_F(InformationMonitoring, RolesAreAddedAndRemovedAndNeitherTwiceIsAnError)
+{
+    for (int round = 0; round < 2; ++round)
+    {
+        AddRole(1234);
+        EXPECT_TRUE(IsMonitored(1234));
+    }
+    for (int round = 0; round < 2; ++round)
+    {
+        RemoveRole(1234);
+        EXPECT_FALSE(IsMonitored(1234));
+    }
+}
+
+TEST_F(InformationMonitoring, WithoutACallbackThereIsNoThreadAndNoQuery)
+{
+    producer->ClearJournal();
+    Require(KORO_DeviceDescriptor_SetMonitoringUpdateInterval(descriptor, 0));
+    AddRole(GenTL::DEVICE_INFO_VENDOR);
+    EXPECT_TRUE(IsMonitored(GenTL::DEVICE_INFO_VENDOR));
+    EXPECT_EQ(NumThreads(), idle);
+    EXPECT_EQ(producer->Journal(), std::vector<std::string>());
+}
+
+TEST_F(InformationMonitoring, FirstReportHoldsEveryRoleAndLaterOnesWhatChanged)
+{
+    Reports reports;
+    const auto handle = Register(reports);
+    EXPECT_EQ(reports.Next(), initialRoles);
+
+    SetInfo(accessStatus, scripted::Int32(GenTL::DEVICE_ACCESS_STATUS_READONLY));
+    EXPECT_EQ(reports.Next(), Roles{accessStatus});
+    SetInfo(userDefinedName, scripted::Text("second"));
+    EXPECT_EQ(reports.Next(), Roles{userDefinedName});
+    SetInfo(userDefinedName, scripted::Text("longer than the second"));
+    EXPECT_EQ(reports.Next(), Roles{userDefinedName});
+
+    EXPECT_EQ(Outcome(Unregister(handle)), Error{});
+    EXPECT_EQ(reports.NumUnread(), 0u);
+}
+
+TEST_F(InformationMonitoring, BytesAreComparedAndTheirTypeIsNot)
+{
+    Reports reports;
+    const auto handle = Register(reports);
+    reports.Next();
+
+    SetInfo(accessStatus, scripted::UInt32(GenTL::DEVICE_ACCESS_STATUS_READWRITE));
+    AwaitReadings(2);
+    SetInfo(userDefinedName, scripted::Text("second"));
+    EXPECT_EQ(reports.Next(), Roles{userDefinedName});
+    EXPECT_EQ(Outcome(Unregister(handle)), Error{});
+}
+
+TEST_F(InformationMonitoring, RoleThatIsAddedIsReportedWithItsFirstValue)
+{
+    Reports reports;
+    const auto handle = Register(reports);
+    EXPECT_EQ(reports.Next(), initialRoles);
+
+    AddRole(GenTL::DEVICE_INFO_VENDOR);
+    EXPECT_EQ(reports.Next(), Roles{GenTL::DEVICE_INFO_VENDOR});
+    AddRole(GenTL::DEVICE_INFO_VENDOR); // keeps its last value
+    AwaitReadings(2);
+    RemoveRole(GenTL::DEVICE_INFO_VENDOR);
+    AddRole(GenTL::DEVICE_INFO_VENDOR); // starts over
+    EXPECT_EQ(reports.Next(), Roles{GenTL::DEVICE_INFO_VENDOR});
+
+    EXPECT_EQ(Outcome(Unregister(handle)), Error{});
+    EXPECT_EQ(reports.NumUnread(), 0u);
+}
+
+TEST_F(InformationMonitoring, RoleThatIsRemovedIsNotRead)
+{
+    RemoveRole(userDefinedName);
+    Reports reports;
+    const auto handle = Register(reports);
+    EXPECT_EQ(reports.Next(), (Roles{accessStatus, timestampFrequency}));
+
+    SetInfo(userDefinedName, scripted::Text("second"));
+    AwaitReadings(2);
+    SetInfo(accessStatus, scripted::Int32(GenTL::DEVICE_ACCESS_STATUS_READONLY));
+    EXPECT_EQ(reports.Next(), Roles{accessStatus});
+    EXPECT_EQ(Outcome(Unregister(handle)), Error{});
+}
+
+TEST_F(InformationMonitoring, RoleThatTheProducerDoesNotAnswerIsNeverReported)
+{
+    AddRole(4711);
+    Reports reports;
+    const auto handle = Register(reports);
+    EXPECT_EQ(reports.Next(), initialRoles);
+    AwaitReadings(2);
+    SetInfo(accessStatus, scripted::Int32(GenTL::DEVICE_ACCESS_STATUS_READONLY));
+    EXPECT_EQ(reports.Next(), Roles{accessStatus});
+    EXPECT_TRUE(IsMonitored(4711));
+    EXPECT_EQ(Outcome(Unregister(handle)), Error{});
+}
+
+TEST_F(InformationMonitoring, RoleWithTheSameValueAfterFailedReadsIsNotReported)
+{
+    Reports reports;
+    const auto handle = Register(reports);
+    EXPECT_EQ(reports.Next(), initialRoles);
+
+    producer->Answer("IFGetDeviceInfo", GenTL::GC_ERR_IO);
+    AwaitReadings(2);
+    producer->AnswerAsUsual("IFGetDeviceInfo");
+    AwaitReadings(2);
+    SetInfo(timestampFrequency, scripted::UInt64(2000));
+    EXPECT_EQ(reports.Next(), Roles{timestampFrequency});
+    EXPECT_EQ(Outcome(Unregister(handle)), Error{});
+    EXPECT_EQ(reports.NumUnread(), 0u);
+}
+
+TEST_F(InformationMonitoring, NewIntervalCountsForTheWaitThatIsRunning)
+{
+    Require(KORO_DeviceDescriptor_SetMonitoringUpdateInterval(descriptor, KORO_INFINITE));
+    Reports reports;
+    const auto handle = Register(reports);
+    Require(KORO_DeviceDescriptor_SetMonitoringUpdateInterval(descriptor, 1));
+    EXPECT_EQ(reports.Next(), initialRoles); // hangs unless it counts
+    EXPECT_EQ(Outcome(Unregister(handle)), Error{});
+}
+
+TEST_F(InformationMonitoring, AllCallbacksOfADescriptorShareOneThreadUntilTheLastOneGoes)
+{
+    Reports first;
+    const auto firstHandle = Register(first);
+    Reports second;
+    const auto secondHandle = Register(second);
+    EXPECT_EQ(NumThreads(), idle + 1);
+    EXPECT_NE(firstHandle, secondHandle);
+
+    EXPECT_EQ(first.Next(), initialRoles);
+    EXPECT_EQ(Outcome(Unregister(firstHandle)), Error{});
+    EXPECT_EQ(NumThreads(), idle + 1);
+    SetInfo(accessStatus, scripted::Int32(GenTL::DEVICE_ACCESS_STATUS_READONLY));
+    while (second.Next() != Roles{accessStatus})
+    {
+        // The second callback may have come in time for the first report.
+    }
+    EXPECT_EQ(first.NumUnread(), 0u);
+
+    EXPECT_EQ(Outcome(Unregister(secondHandle)), Error{});
+    AwaitNumThreads(idle);
+}
+
+TEST_F(InformationMonitoring, LastValuesOutliveTheThread)
+{
+    Reports reports;
+    auto handle = Register(reports);
+    EXPECT_EQ(reports.Next(), initialRoles);
+    EXPECT_EQ(Outcome(Unregister(handle)), Error{});
+
+    SetInfo(userDefinedName, scripted::Text("second"));
+    handle = Register(reports);
+    EXPECT_EQ(reports.Next(), Roles{userDefinedName});
+    EXPECT_EQ(Outcome(Unregister(handle)), Error{});
+}
+
+TEST_F(InformationMonitoring, UnknownCallbackHandleIsInvalidAndTheDescriptorIsNotLookedAt)
+{
+    EXPECT_EQ(Outcome(Unregister(nullptr)), InvalidHandle("callbackHandle"));
+
+    Reports reports;
+    const auto handle = Register(reports);
+    EXPECT_EQ(Outcome(KORO_DeviceDescriptor_UnregisterInformationChangedCallback(nullptr, handle)), Error{});
+    EXPECT_EQ(Outcome(Unregister(handle)), InvalidHandle("callbackHandle"));
+}
+
+TEST_F(InformationMonitoring, CallbackThatChangesTheRegistrationsOfItsDescriptorGetsTheDeadlockError)
+{
+    Reports reports;
+    std::atomic<CallbackHandle> own = nullptr;
+    std::vector<Error> outcomes;
+    Require(KORO_DeviceDescriptor_SetMonitoringUpdateInterval(descriptor, KORO_INFINITE));
+    reports.onReport = [&] {
+        if (!outcomes.empty()) return;
+        outcomes.push_back(Outcome(Unregister(own)));
+        CallbackHandle another = nullptr;
+        outcomes.push_back(Outcome(
+            KORO_DeviceDescriptor_RegisterInformationChangedCallback(descriptor, &Reports::Report, nullptr, &another)));
+        EXPECT_EQ(another, nullptr);
+    };
+    own = Register(reports);
+    Require(KORO_DeviceDescriptor_SetMonitoringUpdateInterval(descriptor, 1));
+    EXPECT_EQ(reports.Next(), initialRoles);
+
+    // The registration stands.
+    SetInfo(accessStatus, scripted::Int32(GenTL::DEVICE_ACCESS_STATUS_READONLY));
+    EXPECT_EQ(reports.Next(), Roles{accessStatus});
+    EXPECT_EQ(Outcome(Unregister(own)), Error{});
+    EXPECT_EQ(outcomes, (std::vector{deadlock, deadlock}));
+}
+
+TEST_F(InformationMonitoring, CallbackMayAskTheDescriptorAndChangeItsRoles)
+{
+    Reports reports;
+    std::vector<std::string> names;
+    reports.onReport = [&] {
+        names.push_back(GetText(KORO_DeviceDescriptor_GetUserDefinedName, descriptor));
+        EXPECT_TRUE(IsMonitored(accessStatus));
+        RemoveRole(accessStatus);
+        AddRole(accessStatus);
+    };
+    const auto handle = Register(reports);
+    EXPECT_EQ(reports.Next(), initialRoles);
+    EXPECT_EQ(reports.Next(), Roles{accessStatus}); // since it starts over
+    EXPECT_EQ(Outcome(Unregister(handle)), Error{});
+    EXPECT_EQ(names[0], "first");
+}
+
+TEST_F(InformationMonitoring, DescriptorThatIsLostIsMonitoredOn)
+{
+    Reports reports;
+    const auto handle = Register(reports);
+    EXPECT_EQ(reports.Next(), initialRoles);
+
+    const auto lostDescriptor = descriptor;
+    std::shared_ptr<scripted::Device> taken;
+    producer->Edit([&](scripted::Tree& scriptedTree) {
+        auto& devices = scriptedTree.interfaces[0]->devices;
+        taken = devices.front();
+        devices.erase(devices.begin());
+    });
+    Require(KORO_Interface_UpdateDevices(tree.interface, 0));
+    ASSERT_EQ(
+        Outcome(KORO_DeviceDescriptor_AddInformationRoleToMonitoring(lostDescriptor, 1)),
+        InvalidHandle("deviceDescriptorHandle"));
+
+    producer->Edit([&](scripted::Tree& scriptedTree) { scriptedTree.interfaces[0]->devices.push_back(taken); });
+    SetInfo(accessStatus, scripted::Int32(GenTL::DEVICE_ACCESS_STATUS_READONLY));
+    EXPECT_EQ(reports.Next(), Roles{accessStatus});
+    EXPECT_EQ(Outcome(Unregister(handle)), Error{});
+}
+
+TEST_F(InformationMonitoring, ParentThatHasGoneIsNoChange)
+{
+    Reports reports;
+    const auto handle = Register(reports);
+    EXPECT_EQ(reports.Next(), initialRoles);
+    Require(KORO_ProducerLibrary_Destruct(tree.producerLibrary));
+    EXPECT_EQ(NumThreads(), idle + 1);
+    EXPECT_EQ(Outcome(Unregister(handle)), Error{});
+    AwaitNumThreads(idle);
+    EXPECT_EQ(reports.NumUnread(), 0u);
+}
+
+TEST_F(InformationMonitoring, ClosingTheLibraryEndsTheThread)
+{
+    Reports reports;
+    Register(reports);
+    EXPECT_EQ(reports.Next(), initialRoles);
+    Require(KORO_Library_Close());
+    AwaitNumThreads(idle);
+    EXPECT_EQ(producer->Open(), std::vector<std::string>());
+    Require(KORO_Library_Initialize());
+}
+
+} // namespace koro::test
