@@ -1,7 +1,7 @@
 # The switch to another runtime: installs genicam/ as if it were an SDK tree and builds the library against that tree alone.
 #
-#     cmake -D SOURCE=<checkout> -D WORK=<folder> -D EXPAT=<library> -D ZLIB=<library> -D LAUNCHER=<or empty>
-#         -D NINJA=<program> -D NM=<program> -P sdk_tree_test.cmake
+#     cmake -D SOURCE=<checkout> -D WORK=<folder> -D EXPAT=<library> -D ZLIB=<library> -D PCRE2=<library>
+#         -D LAUNCHER=<or empty> -D NINJA=<program> -D NM=<program> -P sdk_tree_test.cmake
 function(run)
     execute_process(COMMAND ${ARGN} RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
     if(NOT result EQUAL 0)
@@ -36,7 +36,7 @@ expect_refusal("No library GenApi or GCBase below GENICAM_ROOT (${WORK}/tree)"
 
 run(${CMAKE_COMMAND} -S ${SOURCE} -B ${WORK}/library ${common} -D CMAKE_EXPORT_COMPILE_COMMANDS=ON
     -D KORO_DEVELOPER=OFF -D KORO_GENICAM=reference -D GENICAM_ROOT=${WORK}/tree
-    "-DGENICAM_LIBRARIES=${WORK}/tree/lib/libkoro_genicam.a\\;${EXPAT}\\;${ZLIB}")
+    "-DGENICAM_LIBRARIES=${WORK}/tree/lib/libkoro_genicam.a\\;${EXPAT}\\;${ZLIB}\\;${PCRE2}")
 run(${CMAKE_COMMAND} --build ${WORK}/library --target zvr_koro)
 
 # What was asked for: no path into genicam/ but that of the checkout itself, the parent of both.

@@ -1,0 +1,404 @@
+#include "firmware/control_file.h"
+
+#include "firmware/bounds.h"
+#include "firmware/control_grammar.h"
+
+#include <Base/GCException.h>
+#include <algorithm>
+#include <exception>
+#include <expat.h>
+#include <string.h>
+
+namespace GENAPI_NAMESPACE::runtime
+{
+
+namespace
+{
+
+const char nameSpaceSeparator = '|';
+const std::string_view elementPrefix = "http://www.genicam.org/GenFwUpdate/Version_1_0|";
+const std::string_view instancePrefix = "http://www.w3.org/2001/XMLSchema-instance|"; // hints for schema checkers
+const std::string_view blanks = " \t\r\n";
+
+std::string_view WithoutBlanks(std::string_view text)
+{
+    const size_t first = text.find_first_not_of(blanks);
+    if (first == std::string_view::npos) return {};
+    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+}
+
+std::string Quoted(std::string_view text)
+{
+    return "'" + Shown(text) + "'";
+}
+
+bool IsDigit(char letter)
+{
+    return letter >= '0' && letter <= '9';
+}
+
+// A letter, then letters, digits and underscores.
+bool IsName(std::string_view text)
+{
+    const auto isLetter = [](char letter) { return (letter | 0x20) >= 'a' && (letter | 0x20) <= 'z'; };
+    return !text.empty() && isLetter(text[0]) && std::all_of(text.begin(), text.end(), [&](char letter) {
+        return isLetter(letter) || IsDigit(letter) || letter == '_';
+    });
+}
+
+// False: no unsigned decimal number within 32 bits.
+bool ReadNumber(std::string_view text, uint32_t& number)
+{
+    if (text.empty() || !std::all_of(text.begin(), text.end(), IsDigit)) return false;
+    uint64_t value = 0;
+    for (const char digit : text)
+    {
+        value = value * 10 + static_cast<uint64_t>(digit - '0');
+        if (value > UINT32_MAX) return false;
+    }
+    number = static_cast<uint32_t>(value);
+    return true;
+}
+
+const XML_Char* FindAttribute(const XML_Char** attributes, const char* name)
+{
+    for (; *attributes; attributes += 2)
+    {
+        if (strcmp(*attributes, name) == 0) return attributes[1];
+    }
+    return nullptr;
+}
+
+// An element that has begun and not ended.
+struct OpenElement
+{
+    const ElementRule* rule;
+    size_t child = 0;       // the rule of the last child, the first one at the beginning
+    bool childSeen = false; // at least once
+};
+
+class Parser
+{
+public:
+    explicit Parser(const OnUpdateRules& callback)
+        : expat(XML_ParserCreateNS(nullptr, nameSpaceSeparator)), onUpdate(callback)
+    {
+        if (!expat) throw BAD_ALLOC_EXCEPTION("Error while creating the XML parser");
+        XML_SetUserData(expat, this);
+        XML_SetElementHandler(expat, OnStart, OnEnd);
+        XML_SetCharacterDataHandler(expat, OnText);
+        XML_SetExternalEntityRefHandler(expat, OnExternalEntity);
+    }
+    ~Parser() { XML_ParserFree(expat); }
+    Parser(const Parser&) = delete;
+    Parser& operator=(const Parser&) = delete;
+
+    Procedures Run(std::string_view xml)
+    {
+        const XML_Status status = XML_Parse(expat, xml.data(), static_cast<int>(xml.size()), XML_TRUE);
+        if (failure) std::rethrow_exception(failure);
+        if (status != XML_STATUS_OK && !stopped) throw Error(XML_ErrorString(XML_GetErrorCode(expat)));
+        return std::move(procedures);
+    }
+
+private:
+    static void OnStart(void* self, const XML_Char* name, const XML_Char** attributes)
+    {
+        static_cast<Parser*>(self)->Guard([&](Parser& parser) { parser.Start(name, attributes); });
+    }
+    static void OnEnd(void* self, const XML_Char*)
+    {
+        static_cast<Parser*>(self)->Guard([](Parser& parser) { parser.End(); });
+    }
+    static void OnText(void* self, const XML_Char* text, int length)
+    {
+        static_cast<Parser*>(self)->Guard([&](Parser& parser) { parser.Text({text, static_cast<size_t>(length)}); });
+    }
+    static int OnExternalEntity(XML_Parser, const XML_Char*, const XML_Char*, const XML_Char*, const XML_Char*)
+    {
+        return XML_STATUS_ERROR; // a control file never reaches beyond itself
+    }
+
+    // No exception may travel through expat: it is kept, and the parsing stopped.
+    template <class Act>
+    void Guard(const Act& act) noexcept
+    {
+        if (failure || stopped) return;
+        try
+        {
+            act(*this);
+        }
+        catch (...)
+        {
+            failure = std::current_exception();
+        }
+        if (failure || stopped) XML_StopParser(expat, XML_FALSE);
+    }
+
+    GENICAM_NAMESPACE::RuntimeException Error(const std::string& what) const
+    {
+        return RUNTIME_EXCEPTION(
+            "Error while parsing XML stream at line %lu and column %lu : '%.1000s'", XML_GetCurrentLineNumber(expat),
+            XML_GetCurrentColumnNumber(expat) + 1, what.c_str());
+    }
+
+    void Start(std::string_view name, const XML_Char** attributes);
+    void End();
+    void Text(std::string_view part);
+
+    void EnterChild(const ElementRule& rule);
+    void RequireSeen(const OpenElement& element) const;
+    void CheckAttributes(const ElementRule& rule, const XML_Char** attributes);
+    void Begin(Tag tag);
+    void Finish(Tag tag);
+    void CountText(size_t size);
+
+    std::string Attribute(const char* name) const;
+    std::string Name(std::string_view text) const;
+    uint32_t Number(std::string_view text) const;
+    Step& CurrentStep() { return procedure->steps.back(); }
+
+    XML_Parser expat;
+    const OnUpdateRules& onUpdate;
+    std::exception_ptr failure;
+    bool stopped = false; // by the callback
+
+    std::vector<OpenElement> open;
+    size_t elements = 0;
+    size_t textSize = 0;                        // of all texts and attributes
+    const XML_Char** startAttributes = nullptr; // of the element that begins
+    std::string text;                           // of the open element
+    LanguageText languageText;                  // its language
+    std::string key;                            // of the open entry
+
+    Procedures procedures;
+    Procedure* procedure = nullptr; // the open one, or the last
+    UpdateRules update;
+};
+
+void Parser::Start(std::string_view name, const XML_Char** attributes)
+{
+    if (++elements > maxControlElements)
+        throw Error("there are more than " + std::to_string(maxControlElements) + " elements");
+    const bool known = name.substr(0, elementPrefix.size()) == elementPrefix;
+    const Tag tag = known ? FindTag(name.substr(elementPrefix.size())) : Tag::None;
+    const bool misplaced = open.empty() && tag != Tag::GufRuleSet;
+    if (tag == Tag::None || misplaced) throw Error("unexpected element encountered: " + Quoted(name));
+
+    const ElementRule& rule = RuleOf(tag);
+    if (!open.empty()) EnterChild(rule);
+    CheckAttributes(rule, attributes);
+    open.push_back({&rule});
+    text.clear();
+    startAttributes = attributes;
+    Begin(tag);
+}
+
+// Moves on in the order of children, past those that may be absent.
+void Parser::EnterChild(const ElementRule& rule)
+{
+    OpenElement& parent = open.back();
+    const auto begin = std::begin(parent.rule->children);
+    const auto end = std::find_if(
+        begin, std::end(parent.rule->children), [](const ChildRule& child) { return child.tag == Tag::None; });
+    const auto found = std::find_if(begin, end, [&](const ChildRule& child) { return child.tag == rule.tag; });
+    if (found == end) throw Error("unexpected element encountered: " + Quoted(rule.name));
+    if (parent.rule->inAnyOrder) return;
+
+    const size_t place = static_cast<size_t>(found - begin);
+    const bool repeats = found->occurs == Occurs::OnceOrMore || found->occurs == Occurs::AnyNumber;
+    if (place < parent.child || (place == parent.child && parent.childSeen && !repeats))
+    {
+        throw Error("unexpected element encountered: " + Quoted(rule.name));
+    }
+    for (; parent.child < place; ++parent.child)
+    {
+        RequireSeen(parent);
+        parent.childSeen = false;
+    }
+    parent.childSeen = true;
+}
+
+void Parser::RequireSeen(const OpenElement& element) const
+{
+    const ChildRule& child = element.rule->children[element.child];
+    const bool needed = child.occurs == Occurs::Once || child.occurs == Occurs::OnceOrMore;
+    if (child.tag == Tag::None || !needed || element.childSeen) return;
+    throw Error("expected element not encountered: " + Quoted(RuleOf(child.tag).name));
+}
+
+void Parser::CheckAttributes(const ElementRule& rule, const XML_Char** attributes)
+{
+    for (const XML_Char** attribute = attributes; *attribute; attribute += 2)
+    {
+        const std::string_view name(attribute[0]);
+        CountText(name.size() + strlen(attribute[1]));
+        const bool known =
+            std::any_of(std::begin(rule.attributes), std::end(rule.attributes), [name](const AttributeRule& taken) {
+                return taken.name && name == taken.name;
+            });
+        const bool hint = name.substr(0, instancePrefix.size()) == instancePrefix;
+        if (!known && !hint) throw Error("unexpected attribute encountered: " + Quoted(name));
+    }
+    for (const AttributeRule& attribute : rule.attributes)
+    {
+        if (!attribute.required || FindAttribute(attributes, attribute.name)) continue;
+        throw Error("expected attribute not encountered: " + Quoted(attribute.name));
+    }
+}
+
+// Empty when absent.
+std::string Parser::Attribute(const char* name) const
+{
+    const XML_Char* const value = FindAttribute(startAttributes, name);
+    return value ? value : "";
+}
+
+std::string Parser::Name(std::string_view given) const
+{
+    const std::string_view name = WithoutBlanks(given);
+    if (!IsName(name)) throw Error("invalid name: " + Quoted(given));
+    return std::string(name);
+}
+
+uint32_t Parser::Number(std::string_view given) const
+{
+    uint32_t number = 0;
+    if (!ReadNumber(WithoutBlanks(given), number)) throw Error("invalid number: " + Quoted(given));
+    return number;
+}
+
+void Parser::Begin(Tag tag)
+{
+    if (const auto type = StepTypeOf(tag); type != ProgressStepType_Invalid)
+    {
+        procedure->steps.emplace_back().type = type;
+        return;
+    }
+    switch (tag)
+    {
+    case Tag::GufRuleSet:
+        Number(Attribute("SchemaMajorVersion"));
+        Number(Attribute("SchemaMinorVersion"));
+        break;
+    case Tag::Procedure: {
+        const auto [place, inserted] = procedures.try_emplace(Name(Attribute("Id")));
+        if (!inserted) throw Error("there are two procedures " + Quoted(place->first));
+        procedure = &place->second;
+        break;
+    }
+    case Tag::Update:
+        update = UpdateRules();
+        update.procedureId = Name(Attribute("ProcedureId"));
+        break;
+    case Tag::Entry:
+        key = Attribute("Key");
+        languageText.language = Attribute("Lang");
+        break;
+    case Tag::Description:
+        languageText.language = Attribute("Lang");
+        break;
+    case Tag::Condition:
+        update.conditions.push_back({Name(Attribute("Feature")), {}});
+        break;
+    default:
+        break;
+    }
+}
+
+void Parser::Text(std::string_view part)
+{
+    CountText(part.size());
+    if (open.back().rule->text)
+    {
+        text.append(part);
+    }
+    else if (part.find_first_not_of(blanks) != std::string_view::npos)
+    {
+        throw Error("unexpected characters encountered: " + Quoted(part));
+    }
+}
+
+// Entities make a text longer than the file.
+void Parser::CountText(size_t size)
+{
+    textSize += size;
+    if (textSize > maxControlTextSize)
+    {
+        throw Error("the texts have more than " + std::to_string(maxControlTextSize) + " bytes");
+    }
+}
+
+void Parser::End()
+{
+    OpenElement& ended = open.back();
+    for (; !ended.rule->inAnyOrder && ended.child < maxChildRules; ++ended.child)
+    {
+        RequireSeen(ended);
+        ended.childSeen = false;
+    }
+    const Tag tag = ended.rule->tag;
+    open.pop_back();
+    Finish(tag);
+}
+
+void Parser::Finish(Tag tag)
+{
+    switch (tag)
+    {
+    case Tag::Description:
+        CurrentStep().descriptions.push_back({std::move(languageText.language), text});
+        break;
+    case Tag::ExpectedDurationMs:
+        CurrentStep().duration_ms = Number(text);
+        procedure->duration_ms += CurrentStep().duration_ms;
+        break;
+    case Tag::FeatureName:
+        CurrentStep().feature = WithoutBlanks(text);
+        break;
+    case Tag::Value:
+    case Tag::AssertPattern:
+        CurrentStep().value = text;
+        break;
+    case Tag::MaximumExecutionTimeoutMs:
+        CurrentStep().limit_ms = Number(text);
+        break;
+    case Tag::Message:
+        CurrentStep().message = text;
+        break;
+    case Tag::DeviceFileName:
+        CurrentStep().deviceFile = Name(text);
+        break;
+    case Tag::FileName:
+        CurrentStep().file = text;
+        break;
+    case Tag::DeviceDiscoveryDelayMs:
+        CurrentStep().delay_ms = Number(text);
+        break;
+    case Tag::Entry:
+        update.entries.push_back({std::move(key), {std::move(languageText.language), text}});
+        break;
+    case Tag::Condition:
+        update.conditions.back().pattern = text;
+        break;
+    case Tag::Update:
+        stopped = !onUpdate(update, procedures);
+        break;
+    default:
+        break;
+    }
+}
+
+} // namespace
+
+Procedures ParseControlFile(std::string_view xml, const OnUpdateRules& onUpdate)
+{
+    if (xml.size() > maxControlFileSize)
+    {
+        throw RUNTIME_EXCEPTION(
+            "The control file has %zu bytes; at most %zu are taken", xml.size(), maxControlFileSize);
+    }
+    return Parser(onUpdate).Run(xml);
+}
+
+} // namespace GENAPI_NAMESPACE::runtime

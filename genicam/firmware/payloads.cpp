@@ -1,0 +1,21 @@
+#include "firmware/payloads.h"
+
+#include "firmware/bounds.h"
+
+namespace GENAPI_NAMESPACE::runtime
+{
+
+Payloads ReadPayloads(const UpdateFile& file, const std::vector<Step>& steps)
+{
+    Payloads payloads;
+    size_t room = maxUploadSize;
+    for (const Step& step : steps)
+    {
+        if (step.type != ProgressStepType_FileUpload || payloads.count(step.file) > 0) continue;
+        const std::string& content = payloads[step.file] = file.Payload(step.file, room);
+        room -= content.size();
+    }
+    return payloads;
+}
+
+} // namespace GENAPI_NAMESPACE::runtime

@@ -1,0 +1,15 @@
+// The files of a package that a procedure uploads.
+#pragma once
+
+#include "firmware/control_file.h"
+#include "firmware/update_file.h"
+
+namespace GENAPI_NAMESPACE::runtime
+{
+
+using Payloads = std::unordered_map<std::string, std::string>; // bytes by the name in the package
+
+// FileNotFoundException: one is not there; FormatException: one cannot be read, or they are too large together.
+Payloads ReadPayloads(const UpdateFile& file, const std::vector<Step>& steps);
+
+} // namespace GENAPI_NAMESPACE::runtime

@@ -1,0 +1,16 @@
+// From an update file to the records of its updates.
+#pragma once
+
+#include "firmware/update_record.h"
+
+namespace GENAPI_NAMESPACE::runtime
+{
+
+// False ends the reading.
+using OnRecord = std::function<bool(UpdateRecord&&)>;
+
+// Hands each update over as soon as it is read. The path goes into the records. Gives the procedures that were read.
+Procedures ReadUpdates(
+    const UpdateFile& file, const std::string& path, std::string_view preferredLanguage, const OnRecord& onRecord);
+
+} // namespace GENAPI_NAMESPACE::runtime
