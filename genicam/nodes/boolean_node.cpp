@@ -36,27 +36,23 @@ bool BooleanNode::GetValue(bool Verify, bool IgnoreCache) const
 
 bool BooleanNode::Read(ReadOptions options)
 {
-    CheckReadable();
-    if (valueCached && !options.verify && !options.ignoreCache) return cachedValue;
-    const Descent descent(*this);
+    return ReadCached(cachedValue, options, [&] { return ReadSource(options); });
+}
+
+bool BooleanNode::ReadSource(ReadOptions options)
+{
     const int64_t number = source.Read(options);
     if (number != onValue && number != offValue)
     {
         throw LogicalError(*this, "The number " + std::to_string(number) + " is neither the on nor the off value.");
     }
-    cachedValue = number == onValue;
-    valueCached = CachingMode() != NoCache;
-    return cachedValue;
+    return number == onValue;
 }
 
 void BooleanNode::Write(bool value, bool verify)
 {
     CheckWritable();
-    const Descent descent(*this);
-    valueCached = false;
-    source.Write(value ? onValue : offValue, verify);
-    cachedValue = value;
-    valueCached = CachingMode() == WriteThrough;
+    WriteCached(cachedValue, value, [&] { source.Write(value ? onValue : offValue, verify); });
     if (verify) CheckErrors();
 }
 

@@ -32,6 +32,7 @@ protected:
 
 private:
     bool Read(ReadOptions options);
+    bool ReadSource(ReadOptions options);
     void Write(bool value, bool verify);
 
     ValueSource<int64_t> source;

@@ -1,5 +1,5 @@
-// IntegerConverter, FloatConverter: the elements IntConverter and Converter: a value that is kept elsewhere in other
-// units.
+// ConverterNode: a value that is kept elsewhere in other units. IntegerConverter, FloatConverter: the elements
+// IntConverter and Converter.
 #pragma once
 
 #include "nodes/knife_nodes.h"
@@ -7,54 +7,53 @@
 namespace GENAPI_NAMESPACE::runtime
 {
 
-class IntegerConverter : public IntegerBase
+// Number is int64_t or double, Base the kind of node that has it.
+template <class Base, class Number>
+class ConverterNode : public Base
 {
 public:
-    using IntegerBase::IntegerBase;
+    using Base::Base;
     void Resolve() override;
-    int64_t IntegerMin() override { return Limit(false); }
-    int64_t IntegerMax() override { return Limit(true); }
 
 protected:
-    int64_t Read(ReadOptions options) override;
-    void Write(int64_t value, bool verify) override;
+    Number Read(ReadOptions options) override;
+    void Write(Number written, bool verify) override;
     EAccessMode NaturalMode() const override;
     ECachingMode NaturalCaching() const override;
 
+    Number Limit(bool upper);
+    Number FromTarget(Number number, ReadOptions options) { return from->Compute(number, options); }
+    Node& Target() const { return *value; }
+    bool Falls() const { return slope == Decreasing; }
+
 private:
-    int64_t Limit(bool upper);
-    int64_t LimitThroughFormula(bool upper);
+    Number LimitThroughFormula(bool upper);
 
     Node* value = nullptr;
-    IntegerKnife* to = nullptr;
-    IntegerKnife* from = nullptr;
-    ESlope slope = Automatic;
+    KnifeNode<Base, Number>* to = nullptr;
+    KnifeNode<Base, Number>* from = nullptr;
+    ESlope slope = Automatic; // what an automatic one is found to be at the first question for a limit stays
 };
 
-class FloatConverter : public FloatBase
+extern template class ConverterNode<IntegerBase, int64_t>;
+extern template class ConverterNode<FloatBase, double>;
+
+class IntegerConverter : public ConverterNode<IntegerBase, int64_t>
 {
 public:
-    using FloatBase::FloatBase;
-    void Resolve() override;
+    using ConverterNode::ConverterNode;
+    int64_t IntegerMin() override { return Limit(false); }
+    int64_t IntegerMax() override { return Limit(true); }
+};
+
+class FloatConverter : public ConverterNode<FloatBase, double>
+{
+public:
+    using ConverterNode::ConverterNode;
     double RealMin() override { return Limit(false); }
     double RealMax() override { return Limit(true); }
     bool HasRealInc() override;
     double RealInc() override;
-
-protected:
-    double Read(ReadOptions options) override;
-    void Write(double written, bool verify) override;
-    EAccessMode NaturalMode() const override;
-    ECachingMode NaturalCaching() const override;
-
-private:
-    double Limit(bool upper);
-    double LimitThroughFormula(bool upper);
-
-    Node* value = nullptr;
-    FloatKnife* to = nullptr;
-    FloatKnife* from = nullptr;
-    ESlope slope = Automatic;
 };
 
 } // namespace GENAPI_NAMESPACE::runtime

@@ -164,25 +164,17 @@ void EnumerationNode::CheckEntry(const EnumEntryNode& entry) const
 
 int64_t EnumerationNode::Read(ReadOptions options)
 {
-    CheckReadable();
-    if (valueCached && !options.verify && !options.ignoreCache && !selfClearing) return cachedNumber;
-    const Descent descent(*this);
-    const int64_t former = cachedNumber;
     options.ignoreCache = options.ignoreCache || selfClearing;
-    cachedNumber = source.Read(options);
-    if (selfClearing && cachedNumber != former) selfClearing = false;
-    valueCached = CachingMode() != NoCache;
-    return cachedNumber;
+    const int64_t former = cachedNumber;
+    const int64_t number = ReadCached(cachedNumber, options, [&] { return source.Read(options); });
+    if (number != former) selfClearing = false;
+    return number;
 }
 
 void EnumerationNode::Write(int64_t number, bool verify)
 {
     CheckWritable();
-    const Descent descent(*this);
-    valueCached = false;
-    source.Write(number, verify);
-    cachedNumber = number;
-    valueCached = CachingMode() == WriteThrough;
+    WriteCached(cachedNumber, number, [&] { source.Write(number, verify); });
     const EnumEntryNode* const entry = EntryFor(number);
     selfClearing = entry && entry->SelfClearing();
     if (verify) CheckErrors();

@@ -12,26 +12,6 @@ namespace
 
 const std::string_view entrySuffix = "Entry.";
 
-int64_t As(Node& node, ReadOptions options, int64_t*)
-{
-    return node.ReadInteger(options);
-}
-
-double As(Node& node, ReadOptions options, double*)
-{
-    return node.ReadReal(options);
-}
-
-int64_t Limit(int64_t (Node::*integer)(), double (Node::*)(), Node& node, int64_t*)
-{
-    return (node.Available().*integer)();
-}
-
-double Limit(int64_t (Node::*)(), double (Node::*real)(), Node& node, double*)
-{
-    return (node.Available().*real)();
-}
-
 } // namespace
 
 template <class Number>
@@ -136,17 +116,16 @@ template <class Number>
 Number KnifeFormula<Number>::ReadVariable(const Node& owner, const Variable& variable, ReadOptions options) const
 {
     Node& node = *variable.node;
-    Number* const kind = nullptr;
     switch (variable.aspect)
     {
     case Aspect::Value:
-        return As(node, options, kind);
+        return ReadFrom<Number>(node, options);
     case Aspect::Min:
-        return Limit(&Node::IntegerMin, &Node::RealMin, node, kind);
+        return MinOf<Number>(node.Available());
     case Aspect::Max:
-        return Limit(&Node::IntegerMax, &Node::RealMax, node, kind);
+        return MaxOf<Number>(node.Available());
     case Aspect::Inc:
-        return Limit(&Node::IntegerInc, &Node::RealInc, node, kind);
+        return IncOf<Number>(node.Available());
     case Aspect::AccessMode:
         return static_cast<Number>(node.AccessMode());
     case Aspect::Visibility:
@@ -191,26 +170,27 @@ bool KnifeFormula<Number>::Cachable() const
 template class KnifeFormula<int64_t>;
 template class KnifeFormula<double>;
 
-void IntegerKnife::Resolve()
+template <class Base, class Number>
+void KnifeNode<Base, Number>::Resolve()
 {
-    IntegerBase::Resolve();
+    Base::Resolve();
     formula.Resolve(*this);
 }
 
-void IntegerKnife::Write(int64_t, bool)
+template <class Base, class Number>
+void KnifeNode<Base, Number>::Write(Number, bool)
 {
     throw AccessError(*this, "Node is not writable.");
 }
 
-void FloatKnife::Resolve()
+template <class Base, class Number>
+ECachingMode KnifeNode<Base, Number>::NaturalCaching() const
 {
-    FloatBase::Resolve();
-    formula.Resolve(*this);
+    if (!formula.Cachable()) return NoCache;
+    return isInteger<Number> ? WriteThrough : WriteAround;
 }
 
-void FloatKnife::Write(double, bool)
-{
-    throw AccessError(*this, "Node is not writable.");
-}
+template class KnifeNode<IntegerBase, int64_t>;
+template class KnifeNode<FloatBase, double>;
 
 } // namespace GENAPI_NAMESPACE::runtime

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "formula/formula.h"
-#include "nodes/value_node.h"
+#include "nodes/number_base.h"
 
 namespace GENAPI_NAMESPACE::runtime
 {
@@ -64,40 +64,29 @@ public:
     virtual void Compile() = 0;
 };
 
-class IntegerKnife : public IntegerBase, public Knife
+template <class Base, class Number>
+class KnifeNode : public Base, public Knife
 {
 public:
-    using IntegerBase::IntegerBase;
+    using Base::Base;
     void Resolve() override;
     void Compile() override { formula.Compiled(*this); }
-    int64_t Compute(int64_t input, ReadOptions options) { return formula.Evaluate(*this, input, options); }
+    Number Compute(Number input, ReadOptions options) { return formula.Evaluate(*this, input, options); }
 
 protected:
-    int64_t Read(ReadOptions options) override { return Compute(0, options); }
-    void Write(int64_t value, bool verify) override;
+    Number Read(ReadOptions options) override { return Compute(0, options); }
+    void Write(Number value, bool verify) override;
     EAccessMode NaturalMode() const override { return formula.Mode(); }
-    ECachingMode NaturalCaching() const override { return formula.Cachable() ? WriteThrough : NoCache; }
+    ECachingMode NaturalCaching() const override;
 
 private:
-    KnifeFormula<int64_t> formula;
+    KnifeFormula<Number> formula;
 };
 
-class FloatKnife : public FloatBase, public Knife
-{
-public:
-    using FloatBase::FloatBase;
-    void Resolve() override;
-    void Compile() override { formula.Compiled(*this); }
-    double Compute(double input, ReadOptions options) { return formula.Evaluate(*this, input, options); }
+extern template class KnifeNode<IntegerBase, int64_t>;
+extern template class KnifeNode<FloatBase, double>;
 
-protected:
-    double Read(ReadOptions options) override { return Compute(0, options); }
-    void Write(double value, bool verify) override;
-    EAccessMode NaturalMode() const override { return formula.Mode(); }
-    ECachingMode NaturalCaching() const override { return formula.Cachable() ? WriteAround : NoCache; }
-
-private:
-    KnifeFormula<double> formula;
-};
+using IntegerKnife = KnifeNode<IntegerBase, int64_t>;
+using FloatKnife = KnifeNode<FloatBase, double>;
 
 } // namespace GENAPI_NAMESPACE::runtime

@@ -48,30 +48,19 @@ EAccessMode IntegerNode::NaturalMode() const
 
 int64_t IntegerNode::IntegerMin()
 {
-    if (const PropertyRecord* const own = Find(Property::Min)) return own->number;
-    if (Node* const own = Linked(Property::pMin)) return own->ReadInteger({});
-    int64_t min = GC_INT64_MIN;
-    if (source.Targets().empty() && source.Target()) return source.Target()->Available().IntegerMin();
-    for (Node* const target : source.Targets())
-        min = std::max(min, target->Available().IntegerMin());
-    return min;
+    const auto written = WrittenLimit<int64_t>(*this, Property::Min, Property::pMin);
+    return written ? *written : source.Min();
 }
 
 int64_t IntegerNode::IntegerMax()
 {
-    if (const PropertyRecord* const own = Find(Property::Max)) return own->number;
-    if (Node* const own = Linked(Property::pMax)) return own->ReadInteger({});
-    int64_t max = GC_INT64_MAX;
-    if (source.Targets().empty() && source.Target()) return source.Target()->Available().IntegerMax();
-    for (Node* const target : source.Targets())
-        max = std::min(max, target->Available().IntegerMax());
-    return max;
+    const auto written = WrittenLimit<int64_t>(*this, Property::Max, Property::pMax);
+    return written ? *written : source.Max();
 }
 
 int64_t IntegerNode::IntegerInc()
 {
-    if (const PropertyRecord* const own = Find(Property::Inc)) return own->number;
-    if (Node* const own = Linked(Property::pInc)) return own->ReadInteger({});
+    if (const auto written = WrittenLimit<int64_t>(*this, Property::Inc, Property::pInc)) return *written;
     Node* const target = source.Target();
     return target ? target->Available().IntegerInc() : 1;
 }
@@ -101,18 +90,14 @@ ECachingMode FloatNode::NaturalCaching() const
 
 double FloatNode::RealMin()
 {
-    if (const PropertyRecord* const own = Find(Property::Min)) return own->real;
-    if (Node* const own = Linked(Property::pMin)) return own->ReadReal({});
-    Node* const target = source.Target();
-    return target ? target->Available().RealMin() : FloatBase::RealMin();
+    const auto written = WrittenLimit<double>(*this, Property::Min, Property::pMin);
+    return written ? *written : source.Min();
 }
 
 double FloatNode::RealMax()
 {
-    if (const PropertyRecord* const own = Find(Property::Max)) return own->real;
-    if (Node* const own = Linked(Property::pMax)) return own->ReadReal({});
-    Node* const target = source.Target();
-    return target ? target->Available().RealMax() : FloatBase::RealMax();
+    const auto written = WrittenLimit<double>(*this, Property::Max, Property::pMax);
+    return written ? *written : source.Max();
 }
 
 bool FloatNode::HasRealInc()
@@ -125,8 +110,7 @@ bool FloatNode::HasRealInc()
 
 double FloatNode::RealInc()
 {
-    if (const PropertyRecord* const own = Find(Property::Inc)) return own->real;
-    if (Node* const own = Linked(Property::pInc)) return own->ReadReal({});
+    if (const auto written = WrittenLimit<double>(*this, Property::Inc, Property::pInc)) return *written;
     return HasRealInc() ? source.Target()->Available().RealInc() : FloatBase::RealInc();
 }
 

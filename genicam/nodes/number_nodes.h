@@ -1,7 +1,7 @@
 // IntegerNode, FloatNode: the elements Integer and Float. Limits: a number, a node, or those of the value behind.
 #pragma once
 
-#include "nodes/value_node.h"
+#include "nodes/number_base.h"
 #include "nodes/value_source.h"
 
 namespace GENAPI_NAMESPACE::runtime

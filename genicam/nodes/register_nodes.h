@@ -2,6 +2,7 @@
 // AdvFeatureLock and SmartFeature.
 #pragma once
 
+#include "nodes/number_base.h"
 #include "nodes/register_part.h"
 #include "nodes/string_nodes.h"
 

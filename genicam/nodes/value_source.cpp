@@ -1,42 +1,15 @@
 #include "nodes/value_source.h"
 
-#include "map/node_map.h"
+#include "nodes/number_access.h"
+
+#include <algorithm>
+#include <limits>
 
 namespace GENAPI_NAMESPACE::runtime
 {
 
 namespace
 {
-
-int64_t NumberIn(const PropertyRecord& record, int64_t*)
-{
-    return record.number;
-}
-
-double NumberIn(const PropertyRecord& record, double*)
-{
-    return record.real;
-}
-
-int64_t ReadFrom(Node& node, ReadOptions options, int64_t*)
-{
-    return node.ReadInteger(options);
-}
-
-double ReadFrom(Node& node, ReadOptions options, double*)
-{
-    return node.ReadReal(options);
-}
-
-void WriteTo(Node& node, int64_t value, bool verify)
-{
-    node.WriteInteger(value, verify);
-}
-
-void WriteTo(Node& node, double value, bool verify)
-{
-    node.WriteReal(value, verify);
-}
 
 // What the mode of a node that is merely needed adds: nothing while it is there.
 EAccessMode Presence(const Node& node)
@@ -55,7 +28,7 @@ void ValueSource<Number>::Resolve(const Node& resolved)
     for (const PropertyRecord* record = records.begin(); record != records.end(); ++record)
     {
         const auto node = [&] { return owner->Map().At(record->node); };
-        const auto number = [&] { return NumberIn(*record, static_cast<Number*>(nullptr)); };
+        const auto number = [&] { return NumberIn<Number>(*record); };
         switch (record->property)
         {
         case Property::Value:
@@ -105,11 +78,31 @@ Node* ValueSource<Number>::Target() const
 }
 
 template <class Number>
+Number ValueSource<Number>::Min() const
+{
+    if (!main && Target()) return MinOf<Number>(Target()->Available());
+    Number min = std::numeric_limits<Number>::lowest();
+    for (Node* const target : targets)
+        min = std::max(min, MinOf<Number>(target->Available()));
+    return min;
+}
+
+template <class Number>
+Number ValueSource<Number>::Max() const
+{
+    if (!main && Target()) return MaxOf<Number>(Target()->Available());
+    Number max = std::numeric_limits<Number>::max();
+    for (Node* const target : targets)
+        max = std::min(max, MaxOf<Number>(target->Available()));
+    return max;
+}
+
+template <class Number>
 Number ValueSource<Number>::Read(ReadOptions options)
 {
-    if (main) return ReadFrom(*main, options, static_cast<Number*>(nullptr));
+    if (main) return ReadFrom<Number>(*main, options);
     const Choice& choice = Chosen();
-    return choice.node ? ReadFrom(*choice.node, options, static_cast<Number*>(nullptr)) : choice.constant;
+    return choice.node ? ReadFrom<Number>(*choice.node, options) : choice.constant;
 }
 
 template <class Number>

@@ -22,8 +22,9 @@ public:
     ECachingMode Caching(ECachingMode ofConstant) const;
     // The node that limits and the like come from; null for a number of the own.
     Node* Target() const;
-    // The main target and its copies.
-    const std::vector<Node*>& Targets() const { return targets; }
+    // What all targets take together; the whole range without one. Throw AccessException for one that is not there.
+    Number Min() const;
+    Number Max() const;
     bool Indexed() const { return index != nullptr; }
 
 private:
