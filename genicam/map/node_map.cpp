@@ -332,7 +332,8 @@ void NodeMap::Poll(int64_t ElapsedTime)
         {
             Node* const blocker = state.node->Linked(Property::pBlockPolling);
             if (!state.node->IsPolled() || (blocker && blocker->PlainNumber() != 0)) continue;
-            state.elapsed += ElapsedTime;
+            if (__builtin_add_overflow(state.elapsed, ElapsedTime, &state.elapsed)) // times come from anywhere
+                state.elapsed = ElapsedTime < 0 ? INT64_MIN : INT64_MAX;
             if (state.elapsed < state.time) continue;
             state.elapsed = 0;
             due.push_back(state.node);

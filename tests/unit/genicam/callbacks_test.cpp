@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <gtest/gtest.h>
+#include <limits>
 #include <string>
 #include <thread>
 #include <vector>
@@ -140,6 +141,22 @@ TEST(Polling, TellsWhenTheTimeHasPassed)
     EXPECT_EQ(listener.Take(), "A B R Root");
     map.map->Poll(99);
     EXPECT_EQ(listener.Take(), "");
+}
+
+TEST(Polling, TimesBeyondAllCountingStandStill)
+{
+    const SmallMap map(IntReg("R", "0", "<PollingTime>100</PollingTime>"));
+    Listener listener;
+    ListenToAll(map, listener);
+    map.map->Poll(99);
+    map.map->Poll(std::numeric_limits<int64_t>::max());
+    EXPECT_EQ(listener.Take(), "R");
+    map.map->Poll(-1);
+    map.map->Poll(std::numeric_limits<int64_t>::min());
+    map.map->Poll(std::numeric_limits<int64_t>::max());
+    EXPECT_EQ(listener.Take(), "");
+    map.map->Poll(101);
+    EXPECT_EQ(listener.Take(), "R");
 }
 
 TEST(Selectors, SelectedNodesDependOnTheirSelector)
