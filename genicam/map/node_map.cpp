@@ -223,6 +223,14 @@ void NodeMap::Dependents(Node& node, std::vector<Node*>& list)
     list.erase(list.begin());
 }
 
+void NodeMap::AddDependents(std::vector<Node*>& list)
+{
+    NewMark();
+    for (Node* const node : list)
+        node->mark = lastMark;
+    Walk(list, 0);
+}
+
 void NodeMap::Terminals(Node& node, std::vector<Node*>& list)
 {
     const Element kind = node.Kind();
@@ -250,6 +258,24 @@ void NodeMap::Announce(Node& node)
     Walk(changed, first);
     for (size_t i = first; i < changed.size(); ++i)
         changed[i]->DropCaches();
+}
+
+void NodeMap::Announce(const std::vector<Node*>& several)
+{
+    NewMark();
+    const size_t first = changed.size();
+    for (Node* const node : several)
+        Meet(*node, changed);
+    Walk(changed, first);
+    for (size_t i = first; i < changed.size(); ++i)
+        changed[i]->DropCaches();
+}
+
+void NodeMap::AnnounceAlone(const std::vector<Node*>& several)
+{
+    for (Node* const node : several)
+        node->DropCaches();
+    changed.insert(changed.end(), several.begin(), several.end());
 }
 
 void NodeMap::AnnounceWrite(Node& node)
@@ -338,13 +364,7 @@ void NodeMap::Poll(int64_t ElapsedTime)
             state.elapsed = 0;
             due.push_back(state.node);
         }
-        NewMark();
-        const size_t first = changed.size();
-        for (Node* const node : due)
-            Meet(*node, changed);
-        Walk(changed, first);
-        for (size_t i = first; i < changed.size(); ++i)
-            changed[i]->DropCaches();
+        Announce(due);
     });
 }
 

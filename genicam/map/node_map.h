@@ -70,9 +70,15 @@ public:
     void AnnounceWrite(Node& node);
     // Drops the caches of the node and its dependents, and remembers them.
     void Announce(Node& node);
+    // The same for several nodes at once.
+    void Announce(const std::vector<Node*>& several);
+    // The same for these nodes without their dependents.
+    void AnnounceAlone(const std::vector<Node*>& several);
     // The terminal nodes: those at the end of the writing links.
     void Terminals(Node& node, std::vector<Node*>& list);
     void Dependents(Node& node, std::vector<Node*>& list);
+    // Adds what depends on the nodes of the list; each node is there once.
+    void AddDependents(std::vector<Node*>& list);
     // Drops the caches of everything that depends on the node.
     void DropDependents(const Node& node);
     // Drops the caches of all remembered nodes: a write among them failed.
@@ -82,6 +88,8 @@ public:
     // null.
     template <class Act>
     void Operate(const Node* node, const char* operation, const Act& act);
+    // Ends with the map: an adapter may outlive it.
+    std::weak_ptr<const void> Life() const { return life; }
 
 private:
     friend class Entry;
@@ -100,6 +108,7 @@ private:
     void DropAll();
     CallbackList CollectCallbacks();
 
+    const std::shared_ptr<const void> life = std::make_shared<char>();
     std::shared_ptr<const Description> description;
     GENICAM_NAMESPACE::gcstring deviceName;
     mutable CLock ownLock;
