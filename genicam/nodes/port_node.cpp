@@ -29,7 +29,22 @@ void PortNode::SetPortImpl(IPort* pPort)
         if (rom && pPort) throw RuntimeError(*map.At(parent), "unsupported bus");
     }
     port = pPort;
+    idleMode = NI;
     map.Announce(*this);
+}
+
+void PortNode::Release(const IPort& served, EAccessMode mode)
+{
+    const Entry entry(*this, "SetPortImpl");
+    if (port != &served) return;
+    port = nullptr;
+    idleMode = mode;
+    map.Announce(*this);
+}
+
+bool PortNode::HasChunkID() const
+{
+    return Find(Property::ChunkID) || Find(Property::pChunkID);
 }
 
 EYesNo PortNode::GetSwapEndianess()

@@ -25,11 +25,19 @@ public:
     // The object behind; AccessException while there is none.
     IPort& Connected() const;
 
+    // For the adapters, with the lock held.
+    bool HasChunkID() const;
+    // The text of the id is that of another node and may change.
+    Node* ChunkIDNode() const { return Linked(Property::pChunkID); }
+    // Lets `served` go, unless another object has taken its place; the port then says `mode`. Nobody is called.
+    void Release(const IPort& served, EAccessMode mode);
+
 protected:
-    EAccessMode NaturalMode() const override { return port ? port->GetAccessMode() : NI; }
+    EAccessMode NaturalMode() const override { return port ? port->GetAccessMode() : idleMode; }
 
 private:
-    IPort* port = nullptr; // the application's
+    IPort* port = nullptr; // the application's or an adapter's
+    EAccessMode idleMode = NI;
 };
 
 } // namespace GENAPI_NAMESPACE::runtime
