@@ -1,0 +1,86 @@
+// ChunkWalk: gives the chunks of a buffer one after the other. TrailerWalk: GigE Vision and USB3 Vision. DcamWalk:
+// IIDC.
+//
+// Every number of the buffer is compared with what is left of the buffer before it is used. A walk goes once, writes
+// nothing and allocates nothing.
+#pragma once
+
+#include "adapters/byte_order.h"
+
+#include <string_view>
+
+namespace GENAPI_NAMESPACE::runtime
+{
+
+struct Chunk
+{
+    std::string_view id; // canonical; valid until the next step
+    int64_t offset;      // of its data from the start of the buffer
+    int64_t length;      // of its data
+};
+
+class ChunkWalk
+{
+public:
+    enum class Step
+    {
+        Chunk,
+        End,
+        Broken
+    };
+
+    virtual ~ChunkWalk() = default;
+    // After the end, or where the layout is broken, the walk is over.
+    virtual Step Next(Chunk& chunk) = 0;
+
+    // Why and where the layout is broken.
+    const char* Fault() const { return fault; }
+    int64_t FaultPosition() const { return faultPosition; }
+
+protected:
+    Step Break(const char* reason, int64_t position)
+    {
+        fault = reason;
+        faultPosition = position;
+        return Step::Broken;
+    }
+
+private:
+    const char* fault = "";
+    int64_t faultPosition = 0;
+};
+
+// Whether the walk comes to a good end.
+bool IsGood(ChunkWalk& walk);
+
+// From the end of the buffer to its start: id and length of the data, 32 bits each, stand behind the data.
+class TrailerWalk : public ChunkWalk
+{
+public:
+    TrailerWalk(ByteOrder order, const uint8_t* buffer, int64_t length);
+    Step Next(Chunk& chunk) override;
+
+private:
+    const uint8_t* const start;
+    int64_t rest; // bytes that are not walked yet
+    const ByteOrder order;
+    bool begun = false;
+    uint8_t id[4] = {};
+};
+
+class DcamWalk : public ChunkWalk
+{
+public:
+    DcamWalk(const uint8_t* buffer, int64_t length);
+    Step Next(Chunk& chunk) override;
+
+private:
+    const uint8_t* const start;
+    int64_t rest;
+    bool begun = false;
+};
+
+const int64_t dcamChecksumSize = 4; // bytes behind the last trailer
+bool HasDcamChecksum(const uint8_t* buffer, int64_t length);
+
+} // namespace GENAPI_NAMESPACE::runtime

@@ -1,0 +1,37 @@
+// EventNodes: the nodes of one node map that have an event id, as an adapter tells them of events.
+//
+// Shared by the adapter and its deliveries at work. Each operation takes the lock of the map.
+#pragma once
+
+#include "adapters/event_items.h"
+#include "adapters/map_link.h"
+
+#include <GenApi/EventPort.h>
+#include <string_view>
+#include <vector>
+
+namespace GENAPI_NAMESPACE::runtime
+{
+
+class EventNodes
+{
+public:
+    // The map of before goes first; on a failure none is attached.
+    void AttachMap(INodeMap* pMap);
+    void DetachMap();
+    void Deliver(const EventItem& item);
+    // `id` in its canonical form.
+    void Deliver(std::string_view id, const uint8_t* bytes, uint32_t size, bool showsSize);
+
+    std::vector<CEventPort*> ports;
+
+private:
+    void Show(CEventPort& port, const uint8_t* bytes, uint32_t size, bool showsSize);
+
+    MapLink link;
+    std::vector<std::unique_ptr<CEventPort>> owned;
+    std::vector<CEventPort*> sorted; // by id, only those that have one
+    std::vector<Node*> affected;     // scratch: those of one event
+};
+
+} // namespace GENAPI_NAMESPACE::runtime

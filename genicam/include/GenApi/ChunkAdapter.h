@@ -1,0 +1,63 @@
+// CChunkAdapter: shows the chunks of a buffer as the chunk ports of a node map. One derived class for each layout.
+//
+// All operations take the lock of the map; callbacks of the type "outside" are called after it was released. A buffer
+// that is refused leaves the nodes as they were. The nodes read the buffer itself, so it must live until the next
+// attach or detach; only ports that ask for it get a copy. May outlive the map: it is detached then.
+#pragma once
+
+#include <GenApi/ChunkPort.h>
+#include <GenApi/INodeMap.h>
+#include <memory>
+#include <vector>
+
+namespace GENAPI_NAMESPACE
+{
+
+namespace runtime
+{
+class ChunkWalk;
+}
+
+struct AttachStatistics_t
+{
+    int NumChunkPorts;     // ports of the map with a chunk id
+    int NumChunks;         // in the buffer, known or not
+    int NumAttachedChunks; // a chunk counts once for each port that has its id
+};
+
+class GENAPI_DECL CChunkAdapter
+{
+public:
+    virtual ~CChunkAdapter();
+    // Whether the bytes are a complete chain of chunks. Changes nothing and throws nothing.
+    virtual bool CheckBufferLayout(uint8_t* pBuffer, int64_t BufferLength) = 0;
+    // RuntimeException for a broken chain; the former attachment stays. Ports whose chunk is missing become not
+    // available. The nodes of all chunk ports are invalidated.
+    virtual void AttachBuffer(uint8_t* pBuffer, int64_t BufferLength, AttachStatistics_t* pAttachStatistics = NULL) = 0;
+
+    CChunkAdapter(const CChunkAdapter&) = delete;
+    CChunkAdapter& operator=(const CChunkAdapter&) = delete;
+
+    // Takes over all chunk ports of the map, from another adapter too.
+    void AttachNodeMap(INodeMap* pNodeMap);
+    void DetachNodeMap();
+    void DetachBuffer();
+    // A buffer of the same layout at another address: the bytes are not looked at. Without a buffer nothing happens.
+    void UpdateBuffer(uint8_t* pBaseAddress);
+    // Drops the copies of chunks.
+    void ClearCaches();
+
+protected:
+    // `MaxChunkCacheSize`: the largest chunk, in bytes, that is copied for a port that asks for it. 0: none, -1: all.
+    explicit CChunkAdapter(INodeMap* pNodeMap = NULL, int64_t MaxChunkCacheSize = -1);
+
+    void AttachChunks(runtime::ChunkWalk& walk, uint8_t* pBuffer, AttachStatistics_t* pAttachStatistics);
+
+    std::vector<CChunkPort*>* m_ppChunkPorts;
+    int64_t m_MaxChunkCacheSize;
+
+private:
+    const std::unique_ptr<runtime::ChunkPorts> ports;
+};
+
+} // namespace GENAPI_NAMESPACE

@@ -1,0 +1,42 @@
+// CChunkAdapterDcam: chunks of IIDC cameras. Each is data with a trailer behind it, little endian; a checksum may stand
+// behind the last one.
+#pragma once
+
+#include <GenApi/ChunkAdapter.h>
+#include <GenApi/Compatibility.h>
+
+namespace GENAPI_NAMESPACE
+{
+
+#pragma pack(push, 1)
+struct DCAM_CHUNK_TRAILER
+{
+    GUID ChunkID;
+    uint32_t ChunkLength; // bytes of data and of this trailer
+    uint32_t InverseChunkLength;
+};
+
+struct DCAM_CHECKSUM
+{
+    uint32_t CRCChecksum; // the low 16 bits count
+};
+#pragma pack(pop)
+
+class GENAPI_DECL CChunkAdapterDcam : public CChunkAdapter
+{
+public:
+    explicit CChunkAdapterDcam(INodeMap* pNodeMap = NULL, int64_t MaxChunkCacheSize = -1)
+        : CChunkAdapter(pNodeMap, MaxChunkCacheSize)
+    {}
+
+    // Both accept a buffer with a checksum and do not ask whether it is right.
+    bool CheckBufferLayout(uint8_t* pBuffer, int64_t BufferLength) override;
+    void AttachBuffer(uint8_t* pBuffer, int64_t BufferLength, AttachStatistics_t* pAttachStatistics = NULL) override;
+
+    // Looks at the last trailer alone.
+    bool HasCRC(uint8_t* pBuffer, int64_t BufferLength);
+    // Whether the checksum is right; RuntimeException when there is none.
+    bool CheckCRC(uint8_t* pBuffer, int64_t BufferLength);
+};
+
+} // namespace GENAPI_NAMESPACE

@@ -1,0 +1,21 @@
+// CChunkAdapterGenDC: chunks in the metadata parts of a GenDC container. Inside a part they lie as in USB3 Vision.
+#pragma once
+
+#include <GenApi/ChunkAdapterU3V.h>
+
+namespace GENAPI_NAMESPACE
+{
+
+class GENAPI_DECL CChunkAdapterGenDC : public CChunkAdapterU3V
+{
+public:
+    explicit CChunkAdapterGenDC(INodeMap* pNodeMap = NULL, int64_t MaxChunkCacheSize = -1)
+        : CChunkAdapterU3V(pNodeMap, MaxChunkCacheSize)
+    {}
+
+    // The buffer is a whole container. One without chunk data has no chunk layout.
+    bool CheckBufferLayout(uint8_t* pBuffer, int64_t BufferLength) override;
+    void AttachBuffer(uint8_t* pBuffer, int64_t BufferLength, AttachStatistics_t* pAttachStatistics = NULL) override;
+};
+
+} // namespace GENAPI_NAMESPACE

@@ -1,0 +1,43 @@
+// CEventAdapter: shows the bytes of events as the event ports of a node map, and fires the nodes of an event. One
+// derived class for each form of message.
+//
+// Takes the lock of the map for each event; callbacks of the type "outside" are called after it was released. A message
+// that is refused leaves the nodes as they were. May outlive the map: it is detached then.
+#pragma once
+
+#include <GenApi/EventPort.h>
+#include <GenApi/INodeMap.h>
+#include <memory>
+#include <vector>
+
+namespace GENAPI_NAMESPACE
+{
+
+namespace runtime
+{
+class EventItems;
+}
+
+class GENAPI_DECL CEventAdapter
+{
+public:
+    explicit CEventAdapter(INodeMap* pNodeMap = NULL);
+    virtual ~CEventAdapter();
+    // Takes over all nodes with an event id, their ports from another adapter too.
+    virtual void AttachNodeMap(INodeMap* pNodeMap);
+    virtual void DetachNodeMap();
+    // A whole message. RuntimeException when it is malformed; an id that no node has is no error.
+    virtual void DeliverMessage(const uint8_t msg[], uint32_t numBytes) = 0;
+
+    CEventAdapter(const CEventAdapter&) = delete;
+    CEventAdapter& operator=(const CEventAdapter&) = delete;
+
+protected:
+    void DeliverItems(runtime::EventItems items);
+
+    std::vector<CEventPort*>* m_ppEventPorts;
+    // Shared with deliveries at work: a callback may end the adapter.
+    const std::shared_ptr<runtime::EventNodes> nodes;
+};
+
+} // namespace GENAPI_NAMESPACE

@@ -1,0 +1,61 @@
+// CEventPort: a node with an event id, and, when it is a port, the bytes of the last event as its registers. Address 0
+// is the first byte of the event, behind the header of the message.
+//
+// Made and owned by an event adapter, which calls it with the lock of the node map held; whoever uses one alone brings
+// that lock. Keeps a copy of the bytes. It may outlive the node map.
+#pragma once
+
+#include <GenApi/INode.h>
+#include <GenApi/IPortConstruct.h>
+#include <memory>
+
+namespace GENAPI_NAMESPACE
+{
+
+namespace runtime
+{
+class EventNodes;
+}
+
+class GENAPI_DECL CEventPort : public IPortConstruct
+{
+public:
+    explicit CEventPort(INode* pNode = NULL);
+    ~CEventPort() override;
+    CEventPort(const CEventPort&) = delete;
+    CEventPort& operator=(const CEventPort&) = delete;
+
+    // Stands for a node; becomes the object behind it when it is a port. False, and nothing done, without an event id.
+    bool AttachNode(INode* pNode);
+    // Leaves the node; a port is not connected from then on.
+    void DetachNode();
+
+    // Copies the bytes of an event. InvalidateNode makes the nodes see them.
+    void AttachEvent(uint8_t* pBaseAddress, int64_t Length);
+    void DetachEvent();
+    void InvalidateNode();
+
+    // Bytes of the id as the description writes it.
+    int GetEventIDLength();
+    // Ids are numbers: leading zeros do not count. The bytes are in the order in which the digits are written.
+    bool CheckEventID(uint8_t* pEventIDBuffer, int EventIDLength) const;
+    bool CheckEventID(uint64_t EventID) const;
+
+    // NA before the first event, then RO.
+    EAccessMode GetAccessMode() const override;
+    // RuntimeException outside of the bytes.
+    void Read(void* pBuffer, int64_t Address, int64_t Length) override;
+    // AccessException.
+    void Write(const void* pBuffer, int64_t Address, int64_t Length) override;
+    // As AttachNode for a port node, after leaving the node of before; null just leaves it.
+    void SetPortImpl(IPort* pPort) override;
+    EYesNo GetSwapEndianess() override;
+
+private:
+    friend class runtime::EventNodes;
+    struct Data;
+
+    std::unique_ptr<Data> data;
+};
+
+} // namespace GENAPI_NAMESPACE
