@@ -116,6 +116,39 @@ INodeMap* CNodeMapFactory::CreateNodeMap(
     return new runtime::NodeMap(data->Load(DoReleaseCameraDescriptionFileData), DeviceName, &UserProvidedLock);
 }
 
+INodeMap* CNodeMapFactory::CreateEmptyNodeMap()
+{
+    const char* const nothing =
+        "<RegisterDescription ModelName=\"\" VendorName=\"\" StandardNameSpace=\"None\" SchemaMajorVersion=\"1\" "
+        "SchemaMinorVersion=\"1\" SchemaSubMinorVersion=\"0\" MajorVersion=\"0\" MinorVersion=\"0\" "
+        "SubMinorVersion=\"0\" "
+        "ProductGuid=\"\" VersionGuid=\"\" xmlns=\"http://www.genicam.org/GenApi/Version_1_1\"/>";
+    return CNodeMapFactory(nothing).CreateNodeMap();
+}
+
+bool CNodeMapFactory::ClearCache()
+{
+    return true;
+}
+
+void CNodeMapFactory::GetNodeStatistics(NodeStatistics_t& Statistics)
+{
+    const std::shared_ptr<const runtime::Description> description = data->Load(false);
+    Statistics = {};
+    for (const runtime::NodeRecord& node : description->nodes)
+    {
+        ++Statistics.NumNodes;
+        for (uint32_t i = 0; i < node.propertyCount; ++i)
+        {
+            const runtime::Property property = description->properties[node.firstProperty + i].property;
+            const runtime::Form form = runtime::FormOf(node.element, property);
+            ++Statistics.NumProperties;
+            Statistics.NumLinks += form == runtime::Form::Link;
+            Statistics.NumStrings += form == runtime::Form::Text || form == runtime::Form::FilledText;
+        }
+    }
+}
+
 IDestroy* CastToIDestroy(INodeMap* pNodeMap)
 {
     return dynamic_cast<IDestroy*>(pNodeMap);

@@ -61,6 +61,21 @@ public:
         CLock& UserProvidedLock, const GENICAM_NAMESPACE::gcstring& DeviceName = "Device",
         bool DoReleaseCameraDescriptionFileData = true);
 
+    // A map without nodes, which the caller ends by IDestroy.
+    static INodeMap* CreateEmptyNodeMap();
+    // This runtime keeps no descriptions between factories: there is nothing to clear, which is no failure.
+    static bool ClearCache();
+
+    struct NodeStatistics_t
+    {
+        uint32_t NumNodes;
+        uint32_t NumProperties; // of all nodes, links and texts included
+        uint32_t NumLinks;
+        uint32_t NumStrings;
+    };
+    // Loads the description.
+    void GetNodeStatistics(NodeStatistics_t& Statistics);
+
 private:
     class Data;
     std::shared_ptr<Data> data;

@@ -85,6 +85,7 @@ public:
     }
     virtual GENICAM_NAMESPACE::gcstring _GetDeviceName() const { return Map()->GetDeviceName(); }
     virtual void _Poll(int64_t ElapsedTime) { Map()->Poll(ElapsedTime); }
+    static bool _ClearXMLCache() { return CNodeMapFactory::ClearCache(); }
     virtual void _GetNodes(NodeList_t& Nodes) const { Map()->GetNodes(Nodes); }
     virtual INode* _GetNode(const GENICAM_NAMESPACE::gcstring& Name) const { return Map()->GetNode(Name); }
     virtual void _InvalidateNodes() const { Map()->InvalidateNodes(); }

@@ -121,6 +121,33 @@ TEST(Factory, TellsTheSchemasThatItKnows)
     EXPECT_STREQ(versions[1].c_str(), "1.1");
 }
 
+TEST(Factory, MakesAMapWithoutNodes)
+{
+    INodeMap* const map = CNodeMapFactory::CreateEmptyNodeMap();
+    EXPECT_EQ(map->GetNumNodes(), 0u);
+    EXPECT_STREQ(map->GetDeviceName().c_str(), "Device");
+    MemoryPort port;
+    EXPECT_FALSE(map->Connect(&port));
+    map->InvalidateNodes();
+    map->Poll(1);
+    Destroy(map);
+    EXPECT_TRUE(CNodeMapRef::_ClearXMLCache());
+}
+
+TEST(Factory, CountsWhatADescriptionHolds)
+{
+    CNodeMapFactory factory(Described("<Integer Name=\"A\"><ToolTip>t</ToolTip><pValue>B</pValue></Integer>"
+                                      "<Integer Name=\"B\"><Value>1</Value></Integer>")
+                                .c_str());
+    CNodeMapFactory::NodeStatistics_t statistics;
+    factory.GetNodeStatistics(statistics);
+    EXPECT_EQ(statistics.NumNodes, 3u);
+    EXPECT_EQ(statistics.NumProperties, 3u);
+    EXPECT_EQ(statistics.NumLinks, 1u);
+    EXPECT_EQ(statistics.NumStrings, 1u);
+    EXPECT_TRUE(factory.IsLoaded());
+}
+
 TEST(Factory, MapUsesTheLockThatItIsGiven)
 {
     CNodeMapFactory factory(Described(lone).c_str());
