@@ -28,3 +28,9 @@ koro_add_genicam_header_check(genicam_headers_cpp11 11 SOURCES ${plain})
 koro_add_genicam_header_check(genicam_headers_cpp20 20 SOURCES ${plain} DEFINITIONS GENICAM_COMPANY_SUFFIX=OTHER)
 koro_add_genicam_header_check(genicam_headers_unaliased 11 SOURCES ${unaliased}
     DEFINITIONS GENICAM_SUPPRESS_NAMESPACE_ALIAS)
+
+# Name spaces that are set before win over the versioned ones.
+file(CONFIGURE OUTPUT headers/own_name_spaces.cpp @ONLY
+    CONTENT "#include <GenICam.h>\nOwn::gcstring text;\nOwnApi::INode* node;\nstatic_assert(sizeof(GenICam::gcstring) == sizeof(text), \"\");\n")
+koro_add_genicam_header_check(genicam_headers_own_name_spaces 11 SOURCES ${CMAKE_CURRENT_BINARY_DIR}/headers/own_name_spaces.cpp
+    DEFINITIONS GENICAM_NAMESPACE_DEFINED GENICAM_NAMESPACE=Own GENAPI_NAMESPACE_DEFINED GENAPI_NAMESPACE=OwnApi)
