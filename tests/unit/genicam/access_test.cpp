@@ -115,9 +115,10 @@ TEST(AccessMode, ExceptionsOfThePortPassUnchanged)
 TEST(AccessMode, VerifiedReadingNeedsAnEntryThatIsAvailableAlsoThroughOtherNodes)
 {
     const SmallMap map(
-        conditions + "<Enumeration Name=\"E\"><EnumEntry Name=\"Here\"><Value>0</Value></EnumEntry>"
-                     "<EnumEntry Name=\"Away\"><pIsAvailable>No</pIsAvailable><Value>1</Value></EnumEntry>"
-                     "<Value>1</Value></Enumeration>" +
+        conditions +
+        "<Enumeration Name=\"E\"><EnumEntry Name=\"Here\"><Value>0</Value></EnumEntry>"
+        "<EnumEntry Name=\"Away\"><pIsAvailable>No</pIsAvailable><Value>1</Value></EnumEntry>"
+        "<Value>1</Value></Enumeration>" +
         IntReg("R", "0", "<pIndex Offset=\"4\">E</pIndex>"));
     EXPECT_THROW(map.Enumeration("E")->ToString(true), AccessException);
     EXPECT_THROW(map.Integer("R")->GetValue(true), AccessException);
