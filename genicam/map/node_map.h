@@ -63,6 +63,7 @@ public:
     Node* At(NodeIndex node) const { return nodes[node].get(); }
     const Description& Source() const { return *description; }
     RegisterCache& Registers() { return registers; }
+    bool IsUnrestricted() const { return unrestricted; }
     // "Gain.SetValue()"; empty outside of an operation.
     std::string EntryPoint() const;
     // Drops the caches of everything that depends on the node and on the nodes that are written through it, and
@@ -94,6 +95,7 @@ public:
 private:
     friend class Entry;
     friend class Descent;
+    friend class Unrestricted;
 
     struct PollState
     {
@@ -122,6 +124,7 @@ private:
     const char* entryOperation = "";
     unsigned entryDepth = 0;
     unsigned descent = 0;
+    bool unrestricted = false;
     uint32_t lastMark = 0;
     std::vector<Node*> changed;   // by the operation at work
     std::vector<Node*> terminals; // scratch

@@ -43,6 +43,16 @@ Entry::~Entry()
     map.lock->Unlock();
 }
 
+Unrestricted::Unrestricted(NodeMap& nodes, bool wanted) : map(nodes), former(nodes.unrestricted)
+{
+    map.unrestricted = former || wanted;
+}
+
+Unrestricted::~Unrestricted()
+{
+    map.unrestricted = former;
+}
+
 Descent::Descent(const Node& node) : map(node.Map())
 {
     if (map.descent >= maxDescent) throw RuntimeError(node, "Too many nodes are read one through the other");
@@ -116,7 +126,8 @@ EAccessMode Node::GetAccessMode() const
 
 EAccessMode Node::AccessMode() const
 {
-    if (cachedMode != _UndefinedAccesMode) return static_cast<EAccessMode>(cachedMode);
+    const bool cached = !map.IsUnrestricted();
+    if (cached && cachedMode != _UndefinedAccesMode) return static_cast<EAccessMode>(cachedMode);
     // Entries may depend on their own enumeration: whoever is asked again meanwhile does not restrict.
     if (modeInWork) return RW;
     const Descent descent(*this);
@@ -139,11 +150,11 @@ EAccessMode Node::AccessMode() const
     {
         modeInWork = false;
         // A condition that cannot be read is told once; then nothing restricts the node until its caches are dropped.
-        if (AccessCacheable()) cachedMode = RW;
+        if (cached && AccessCacheable()) cachedMode = RW;
         throw;
     }
     modeInWork = false;
-    if (AccessCacheable()) cachedMode = static_cast<uint8_t>(mode);
+    if (cached && AccessCacheable()) cachedMode = static_cast<uint8_t>(mode);
     return mode;
 }
 
@@ -157,6 +168,7 @@ EAccessMode Node::ConditionMode() const
         return !IsReadable(own);
     };
     if (!unreadable(implemented) && implemented->PlainNumber() == 0) mode = NI;
+    if (map.IsUnrestricted()) return mode;
     if (!unreadable(available) && available->PlainNumber() == 0) mode = Combine(mode, NA);
     if (!unreadable(locked) && locked->PlainNumber() != 0) mode = Combine(mode, RO);
     return mode;

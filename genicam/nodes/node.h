@@ -195,6 +195,22 @@ private:
     NodeMap& map;
 };
 
+// While one lives that is `wanted`, neither locks nor availability restrict the nodes of the map; what is not
+// implemented or read-only by itself stays so. Texts that are written unchecked come from a device that took them
+// before.
+class Unrestricted
+{
+public:
+    Unrestricted(NodeMap& nodes, bool wanted);
+    ~Unrestricted();
+    Unrestricted(const Unrestricted&) = delete;
+    Unrestricted& operator=(const Unrestricted&) = delete;
+
+private:
+    NodeMap& map;
+    const bool former;
+};
+
 // Counts how deep nodes are read through each other; RuntimeException beyond the bound, before the stack ends.
 class Descent
 {

@@ -17,6 +17,7 @@ gcstring ValueNode::ToString(bool Verify, bool IgnoreCache)
 void ValueNode::FromString(const gcstring& ValueStr, bool Verify)
 {
     Change("FromString", [&] {
+        const Unrestricted unrestricted(map, !Verify);
         CheckWritable();
         SetText(ValueStr, Verify);
     });

@@ -14,6 +14,7 @@ GENICAM_INTERFACE GENAPI_DECL_ABSTRACT IValue : virtual public IBase
     }
     // Verify checks limits and error nodes; IgnoreCache always asks the port.
     virtual GENICAM_NAMESPACE::gcstring ToString(bool Verify = false, bool IgnoreCache = false) = 0;
+    // Without Verify locks and availability are not looked at either: a text from a file is written as it stands.
     virtual void FromString(const GENICAM_NAMESPACE::gcstring& ValueStr, bool Verify = true) = 0;
     virtual bool IsValueCacheValid() const = 0;
 };

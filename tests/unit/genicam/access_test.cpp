@@ -125,4 +125,33 @@ TEST(AccessMode, VerifiedReadingNeedsAnEntryThatIsAvailableAlsoThroughOtherNodes
     EXPECT_EQ(map.Integer("R")->GetValue(), 0);
 }
 
+TEST(AccessMode, UncheckedTextPassesLocksAndAvailabilityAlone)
+{
+    const SmallMap map(
+        conditions + Constant("Away", "<pIsAvailable>No</pIsAvailable>") +
+        Constant("Locked", "<pIsLocked>Yes</pIsLocked>") + Constant("Missing", "<pIsImplemented>No</pIsImplemented>") +
+        Constant("Fixed", "<ImposedAccessMode>RO</ImposedAccessMode>") +
+        "<Integer Name=\"Above\"><pValue>Locked</pValue></Integer>");
+    for (const char* const name : {"Away", "Locked", "Above"})
+    {
+        SCOPED_TRACE(name);
+        EXPECT_THROW(map.Value(name)->FromString("5"), AccessException);
+        EXPECT_THROW(map.Integer(name)->SetValue(5, false), AccessException);
+        EXPECT_NO_THROW(map.Value(name)->FromString("5", false));
+        EXPECT_FALSE(IsWritable(map.Node(name))) << "for the one text only";
+    }
+    EXPECT_EQ(map.Integer("Locked")->GetValue(), 5);
+    EXPECT_THROW(map.Value("Missing")->FromString("5", false), AccessException);
+    EXPECT_THROW(map.Value("Fixed")->FromString("5", false), AccessException);
+}
+
+TEST(AccessMode, CallbacksOfAnUncheckedTextSeeTheLocks)
+{
+    const SmallMap map(conditions + Constant("Locked", "<pIsLocked>Yes</pIsLocked>"));
+    EAccessMode seen = NI;
+    Register(map.Node("Locked"), std::function<void(INode*)>([&](INode* node) { seen = node->GetAccessMode(); }));
+    map.Value("Locked")->FromString("5", false);
+    EXPECT_EQ(seen, RO);
+}
+
 } // namespace
