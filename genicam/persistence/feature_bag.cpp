@@ -72,6 +72,46 @@ void CheckDeviceIsReady(INodeMap& map)
     throw ACCESS_EXCEPTION("The features cannot be stored now: 'DeviceFeaturePersistenceStart' is not writable");
 }
 
+// How many values a selector has now; outer ones may change that while they move.
+uint64_t CountValues(IValue& selector)
+{
+    if (IEnumeration* const enumeration = dynamic_cast<IEnumeration*>(&selector))
+    {
+        StringList_t names;
+        enumeration->GetSymbolics(names);
+        return names.size();
+    }
+    if (dynamic_cast<IBoolean*>(&selector)) return 2;
+    IInteger* const integer = dynamic_cast<IInteger*>(&selector);
+    if (!integer) return 1;
+    const int64_t min = integer->GetMin();
+    const int64_t max = integer->GetMax();
+    const int64_t inc = integer->GetInc();
+    if (max <= min || inc <= 0) return 1;
+    const uint64_t steps = (static_cast<uint64_t>(max) - static_cast<uint64_t>(min)) / static_cast<uint64_t>(inc);
+    return std::max(steps, steps + 1); // all of 64 bits is one more than fits
+}
+
+bool AreMoreThan(uint64_t bound, CSelectorSet& selectors)
+{
+    FeatureList_t list;
+    selectors.GetSelectorList(list);
+    uint64_t product = 1;
+    for (IValue* const selector : list)
+    {
+        const uint64_t count = CountValues(*selector);
+        if (count > 0 && product > bound / count) return true;
+        product *= count;
+    }
+    return product > bound;
+}
+
+gcstring TooManyCombinations(const INode& node)
+{
+    return "The selectors of feature '" + node.GetName() + "' have too many combinations: at most " +
+           Number(maxCombinations) + " are walked at a time";
+}
+
 // For the time after a failure that is on its way already.
 void RestoreQuietly(CSelectorSet& selectors)
 {
@@ -218,15 +258,16 @@ int64_t CFeatureBag::StoreNode(INode& node, int64_t limit, int64_t& combinations
 
 int64_t CFeatureBag::StoreCombinations(INode& node, CSelectorSet& selectors, int64_t limit, int64_t& combinations)
 {
+    // Before anything moves, unless the limit may end the walk early.
+    const uint64_t left = static_cast<uint64_t>(maxCombinations - combinations);
+    if (limit > maxCombinations && AreMoreThan(left, selectors))
+    {
+        throw RUNTIME_EXCEPTION("%s", TooManyCombinations(node).c_str());
+    }
     int64_t stored = 0;
     for (bool more = selectors.SetFirst(); more; more = selectors.SetNext())
     {
-        if (++combinations > maxCombinations)
-        {
-            throw RUNTIME_EXCEPTION(
-                "More than %lld combinations of selectors are too many, reached with feature '%s'",
-                static_cast<long long>(maxCombinations), node.GetName().c_str());
-        }
+        if (++combinations > maxCombinations) throw RUNTIME_EXCEPTION("%s", TooManyCombinations(node).c_str());
         if (!IsReadWrite(node)) continue;
         PersistFeature(*CValuePtr(&node), &selectors);
         if (++stored == limit) break;

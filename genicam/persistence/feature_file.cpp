@@ -16,7 +16,7 @@ namespace
 {
 
 const size_t maxLine = 16 << 20;  // bytes
-const size_t maxFile = 256 << 20; // bytes
+const size_t maxFile = 128 << 20; // bytes
 
 gcstring ToText(std::string_view text)
 {

@@ -30,7 +30,7 @@ class GENAPI_DECL CSelectorSet : public ISelectorDigit
 public:
     // The nodes that select this one, directly or through each other. A selector that cannot be read and written now
     // takes no part.
-    explicit CSelectorSet(IBase* pBase);
+    CSelectorSet(IBase* pBase);
     ~CSelectorSet() override;
     CSelectorSet(const CSelectorSet&) = delete;
     CSelectorSet& operator=(const CSelectorSet&) = delete;
