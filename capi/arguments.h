@@ -85,9 +85,9 @@ KORO_ReturnCode GetString(
     });
 }
 
-template <class Handle, class Getter>
+template <class Handle, class Element, class Getter>
 KORO_ReturnCode GetBytes(
-    const NamedArgument<Handle>& handle, const NamedArgument<std::uint8_t*>& output, std::size_t* size, Getter&& getter)
+    const NamedArgument<Handle>& handle, const NamedArgument<Element*>& output, std::size_t* size, Getter&& getter)
 {
     return WithObject(handle, [&](const auto& object) {
         return CopyBytesOut(std::invoke(getter, *object), output.value, size, output.name);

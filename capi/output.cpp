@@ -5,9 +5,6 @@
 namespace koro::internal
 {
 
-namespace
-{
-
 KORO_ReturnCode CopyBlockOut(const void* block, std::size_t needed, void* buffer, std::size_t* size, const char* name)
 {
     if (!size) return RecordInvalidSizePointer(name);
@@ -23,8 +20,6 @@ KORO_ReturnCode CopyBlockOut(const void* block, std::size_t needed, void* buffer
     return KORO_RETURN_CODE_SUCCESS;
 }
 
-} // namespace
-
 KORO_ReturnCode RecordInvalidPointer(const char* name)
 {
     return RecordLastError(KORO_RETURN_CODE_INVALID_ARGUMENT, std::string(name) + " is not a valid pointer!");
@@ -38,12 +33,6 @@ KORO_ReturnCode RecordInvalidSizePointer(const char* name)
 KORO_ReturnCode CopyStringOut(const std::string& text, char* buffer, std::size_t* size, const char* name)
 {
     return CopyBlockOut(text.c_str(), text.size() + 1, buffer, size, name);
-}
-
-KORO_ReturnCode CopyBytesOut(
-    const std::vector<std::uint8_t>& bytes, std::uint8_t* buffer, std::size_t* size, const char* name)
-{
-    return CopyBlockOut(bytes.data(), bytes.size(), buffer, size, name);
 }
 
 KORO_ReturnCode CopyInfoOut(const RawInfo& information, std::uint8_t* buffer, std::size_t* size, const char* name)

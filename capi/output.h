@@ -31,9 +31,14 @@ KORO_ReturnCode CopyScalarOut(Value value, Value* pointer, const char* name)
 // Sizes count the terminating zero.
 KORO_ReturnCode CopyStringOut(const std::string& text, char* buffer, std::size_t* size, const char* name);
 
+KORO_ReturnCode CopyBlockOut(const void* block, std::size_t needed, void* buffer, std::size_t* size, const char* name);
+
 // Sizes count bytes, also of arrays of wider values.
-KORO_ReturnCode CopyBytesOut(
-    const std::vector<std::uint8_t>& bytes, std::uint8_t* buffer, std::size_t* size, const char* name);
+template <class Element>
+KORO_ReturnCode CopyBytesOut(const std::vector<Element>& elements, Element* buffer, std::size_t* size, const char* name)
+{
+    return CopyBlockOut(elements.data(), elements.size() * sizeof(Element), buffer, size, name);
+}
 
 KORO_ReturnCode CopyInfoOut(const RawInfo& information, std::uint8_t* buffer, std::size_t* size, const char* name);
 

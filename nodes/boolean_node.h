@@ -1,6 +1,6 @@
 // BooleanNode: a feature that is on or off.
 //
-// Made and owned by its NodeMap. Any thread.
+// Made and owned by its NodeMap. Any thread. Reads take no lock of ours; a write holds the map's.
 #pragma once
 
 #include "nodes/node.h"
@@ -15,6 +15,9 @@ class BooleanNode final : public Node
 public:
     BooleanNode(GENAPI_NAMESPACE::INode* node, const std::weak_ptr<NodeMap>& nodeMap) : Node(node, nodeMap), value(node)
     {}
+
+    bool Value(CachePolicy policy) const;
+    void SetValue(bool newValue);
 
 private:
     const GENAPI_NAMESPACE::CBooleanPtr value;

@@ -6,6 +6,8 @@
 #include "nodes/node.h"
 
 #include <GenApi/Pointer.h>
+#include <memory>
+#include <vector>
 
 namespace koro::internal
 {
@@ -17,7 +19,11 @@ public:
         : Node(node, nodeMap), category(node)
     {}
 
+    // In the order of the description; built on first use and never refreshed.
+    std::vector<std::shared_ptr<Node>> SubNodes();
+
 private:
+    BuiltOnce<LinkedNodes> subNodes;
     const GENAPI_NAMESPACE::CCategoryPtr category;
 };
 

@@ -6,6 +6,8 @@
 #include "nodes/node.h"
 
 #include <GenApi/Pointer.h>
+#include <cstdint>
+#include <string>
 
 namespace koro::internal
 {
@@ -16,6 +18,10 @@ public:
     EnumerationEntryNode(GENAPI_NAMESPACE::INode* node, const std::weak_ptr<NodeMap>& nodeMap)
         : Node(node, nodeMap), entry(node)
     {}
+
+    bool IsSelfClearing() const;
+    std::string SymbolicValue() const;
+    std::int64_t Value() const;
 
 private:
     const GENAPI_NAMESPACE::CEnumEntryPtr entry;

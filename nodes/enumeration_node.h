@@ -1,14 +1,21 @@
 // EnumerationNode: a feature with a choice.
 //
-// Made and owned by its NodeMap. Any thread.
+// Made and owned by its NodeMap. Any thread. Reads take no lock of ours; a write holds the map's.
 #pragma once
 
 #include "nodes/node.h"
 
 #include <GenApi/Pointer.h>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <vector>
 
 namespace koro::internal
 {
+
+class EnumerationEntryNode;
 
 class EnumerationNode final : public Node
 {
@@ -17,7 +24,34 @@ public:
         : Node(node, nodeMap), value(node)
     {}
 
+    // Reads the value. Throws InternalErrorException or NotFoundException for a value without an entry.
+    std::shared_ptr<EnumerationEntryNode> CurrentEntry(CachePolicy policy);
+    // Of an entry that is another enumeration's just the number is taken. Throws InvalidArgumentException for none.
+    void SetCurrentEntry(const std::shared_ptr<EnumerationEntryNode>& entry);
+    void SetCurrentEntry(std::int64_t entryValue);
+    void SetCurrentEntry(const std::string& symbolicValue);
+
+    // All entries, available or not, in the order of the description; built on first use and never refreshed. Of
+    // several with one number or name the first is found. The finding ones throw NotFoundException, the trying ones
+    // answer with an empty reference; none touches the device.
+    std::vector<std::shared_ptr<EnumerationEntryNode>> Entries();
+    std::shared_ptr<EnumerationEntryNode> FindEntry(std::int64_t entryValue);
+    std::shared_ptr<EnumerationEntryNode> FindEntry(const std::string& symbolicValue);
+    std::shared_ptr<EnumerationEntryNode> TryFindEntry(std::int64_t entryValue);
+    std::shared_ptr<EnumerationEntryNode> TryFindEntry(const std::string& symbolicValue);
+
 private:
+    struct EntryTable
+    {
+        std::vector<std::shared_ptr<EnumerationEntryNode>> entries;
+        std::unordered_map<std::string, std::shared_ptr<EnumerationEntryNode>> bySymbolicValue;
+        std::unordered_map<std::int64_t, std::shared_ptr<EnumerationEntryNode>> byValue;
+    };
+
+    const EntryTable& EnsureEntries();
+    EntryTable BuildEntries();
+
+    BuiltOnce<EntryTable> entryTable;
     const GENAPI_NAMESPACE::CEnumerationPtr value;
 };
 

@@ -1,11 +1,14 @@
 // FloatNode: a feature with a real number.
 //
-// Made and owned by its NodeMap. Any thread.
+// Made and owned by its NodeMap. Any thread. Reads take no lock of ours; a write holds the map's.
 #pragma once
 
 #include "nodes/node.h"
 
 #include <GenApi/Pointer.h>
+#include <cstdint>
+#include <string>
+#include <vector>
 
 namespace koro::internal
 {
@@ -15,6 +18,20 @@ class FloatNode final : public Node
 public:
     FloatNode(GENAPI_NAMESPACE::INode* node, const std::weak_ptr<NodeMap>& nodeMap) : Node(node, nodeMap), value(node)
     {}
+
+    double Minimum() const;
+    double Maximum() const;
+    bool HasConstantIncrement() const;
+    double Increment() const;
+    GENAPI_NAMESPACE::EIncMode IncrementType() const;
+    std::vector<double> ValidValues() const; // within the limits
+    GENAPI_NAMESPACE::ERepresentation Representation() const;
+    std::string Unit() const;
+    GENAPI_NAMESPACE::EDisplayNotation DisplayNotation() const;
+    std::int64_t DisplayPrecision() const;
+
+    double Value(CachePolicy policy) const;
+    void SetValue(double newValue);
 
 private:
     const GENAPI_NAMESPACE::CFloatPtr value;

@@ -1,11 +1,14 @@
 // IntegerNode: a feature with a whole number.
 //
-// Made and owned by its NodeMap. Any thread.
+// Made and owned by its NodeMap. Any thread. Reads take no lock of ours; a write holds the map's.
 #pragma once
 
 #include "nodes/node.h"
 
 #include <GenApi/Pointer.h>
+#include <cstdint>
+#include <string>
+#include <vector>
 
 namespace koro::internal
 {
@@ -15,6 +18,17 @@ class IntegerNode final : public Node
 public:
     IntegerNode(GENAPI_NAMESPACE::INode* node, const std::weak_ptr<NodeMap>& nodeMap) : Node(node, nodeMap), value(node)
     {}
+
+    std::int64_t Minimum() const;
+    std::int64_t Maximum() const;
+    std::int64_t Increment() const;
+    GENAPI_NAMESPACE::EIncMode IncrementType() const;
+    std::vector<std::int64_t> ValidValues() const; // within the limits
+    GENAPI_NAMESPACE::ERepresentation Representation() const;
+    std::string Unit() const;
+
+    std::int64_t Value(CachePolicy policy) const;
+    void SetValue(std::int64_t newValue);
 
 private:
     const GENAPI_NAMESPACE::CIntegerPtr value;

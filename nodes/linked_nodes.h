@@ -4,6 +4,7 @@
 // must hold the map. Constant after it was built.
 #pragma once
 
+#include <GenApi/Container.h>
 #include <memory>
 #include <string>
 #include <unordered_map>
@@ -13,6 +14,7 @@ namespace koro::internal
 {
 
 class Node;
+class NodeMap;
 
 class LinkedNodes
 {
@@ -29,5 +31,8 @@ private:
     std::vector<Node*> nodes;
     std::unordered_map<std::string, Node*> byName;
 };
+
+// The nodes of these features. Throws NotFoundException for one that is not in the map.
+LinkedNodes LinkedFeatures(const GENAPI_NAMESPACE::value_vector& features, NodeMap& nodeMap);
 
 } // namespace koro::internal

@@ -8,6 +8,7 @@
 #include "base/built_once.h"
 #include "base/expiring.h"
 #include "base/instance.h"
+#include "nodes/cache_policy.h"
 #include "nodes/linked_nodes.h"
 #include "nodes/node_map.h"
 #include "nodes/translate_genapi_exceptions.h"

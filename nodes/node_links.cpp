@@ -40,15 +40,19 @@ LinkedNodes Features(INode* genApiNode, void (ISelector::*get)(FeatureList_t&) c
     if (!selector || !selector->IsSelector()) return {};
     value_vector features;
     (selector->*get)(features);
+    return LinkedFeatures(features, nodeMap);
+}
 
+} // namespace
+
+LinkedNodes LinkedFeatures(const value_vector& features, NodeMap& nodeMap)
+{
     LinkedNodes list;
     list.Reserve(features.size());
     for (IValue* const feature : features)
         AddNode(list, nodeMap, *feature->GetNode());
     return list;
 }
-
-} // namespace
 
 enum class Node::Link
 {

@@ -1,11 +1,13 @@
 // StringNode: a feature with a text.
 //
-// Made and owned by its NodeMap. Any thread.
+// Made and owned by its NodeMap. Any thread. Reads take no lock of ours; a write holds the map's.
 #pragma once
 
 #include "nodes/node.h"
 
 #include <GenApi/Pointer.h>
+#include <cstdint>
+#include <string>
 
 namespace koro::internal
 {
@@ -15,6 +17,10 @@ class StringNode final : public Node
 public:
     StringNode(GENAPI_NAMESPACE::INode* node, const std::weak_ptr<NodeMap>& nodeMap) : Node(node, nodeMap), value(node)
     {}
+
+    std::int64_t MaximumLength() const; // bytes
+    std::string Value(CachePolicy policy) const;
+    void SetValue(const std::string& newValue);
 
 private:
     const GENAPI_NAMESPACE::CStringPtr value;

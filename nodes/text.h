@@ -1,4 +1,4 @@
-// ToText: a text of GenApi as one of ours. Bytes stay as they are, zeros included.
+// Texts of GenApi as ours and the other way round. Bytes stay as they are, zeros included.
 #pragma once
 
 #include <Base/GCString.h>
@@ -10,6 +10,11 @@ namespace koro::internal
 inline std::string ToText(const GENICAM_NAMESPACE::gcstring& text)
 {
     return {text.c_str(), text.size()};
+}
+
+inline GENICAM_NAMESPACE::gcstring ToGenApiText(const std::string& text)
+{
+    return {text.data(), text.size()};
 }
 
 } // namespace koro::internal
