@@ -30,6 +30,34 @@ inline std::string IntRegister(const std::string& name, std::uint64_t address, c
            "<Sign>Unsigned</Sign><Endianess>LittleEndian</Endianess></IntReg>";
 }
 
+// One node of each principal interface, named by it; the enumeration's entry is called "On".
+inline const std::string oneOfEach =
+    "<Category Name=\"Category\"><pFeature>Integer</pFeature></Category>"
+    "<Integer Name=\"Integer\"><Value>1</Value></Integer>"
+    "<Boolean Name=\"Boolean\"><Value>true</Value></Boolean>"
+    "<Command Name=\"Command\"><pValue>Integer</pValue><CommandValue>1</CommandValue></Command>"
+    "<Float Name=\"Float\"><Value>1.5</Value><Inc>0.5</Inc></Float>"
+    "<StringReg Name=\"String\"><Address>0</Address><Length>8</Length><AccessMode>RW</AccessMode>"
+    "<pPort>Device</pPort></StringReg>"
+    "<Register Name=\"Register\"><Address>0</Address><Length>8</Length><AccessMode>RW</AccessMode>"
+    "<pPort>Device</pPort></Register>"
+    "<Enumeration Name=\"Enumeration\"><EnumEntry Name=\"On\"><Value>1</Value></EnumEntry><Value>1</Value>"
+    "</Enumeration>"
+    "<Node Name=\"Plain\"/>";
+
+// One URL, which tells where the description lies and how large it is.
+inline void DescribePort(scripted::Port& port, const std::string& description, const std::string& fileName = "test.xml")
+{
+    constexpr std::uint64_t descriptionAddress = 0x20000;
+    port.registers[descriptionAddress] = description;
+    port.urls.assign(
+        1, {{GenTL::URL_INFO_URL, scripted::Text("local:" + fileName + ";20000;0")},
+            {GenTL::URL_INFO_SCHEME, scripted::Int32(GenTL::URL_SCHEME_LOCAL)},
+            {GenTL::URL_INFO_FILE_REGISTER_ADDRESS, scripted::UInt64(descriptionAddress)},
+            {GenTL::URL_INFO_FILE_SIZE, scripted::UInt64(description.size())},
+            {GenTL::URL_INFO_FILENAME, scripted::Text(fileName)}});
+}
+
 class DescribedCamera : public TreeTest
 {
 protected:
@@ -46,16 +74,7 @@ protected:
     }
     void DescribeBy(const std::string& description, const std::string& fileName = "test.xml") const
     {
-        producer->Edit([&](scripted::Tree& edited) {
-            auto& port = RemotePort(edited);
-            port.registers[descriptionAddress] = description;
-            port.urls.assign(
-                1, {{GenTL::URL_INFO_URL, scripted::Text("local:" + fileName + ";20000;0")},
-                    {GenTL::URL_INFO_SCHEME, scripted::Int32(GenTL::URL_SCHEME_LOCAL)},
-                    {GenTL::URL_INFO_FILE_REGISTER_ADDRESS, scripted::UInt64(descriptionAddress)},
-                    {GenTL::URL_INFO_FILE_SIZE, scripted::UInt64(description.size())},
-                    {GenTL::URL_INFO_FILENAME, scripted::Text(fileName)}});
-        });
+        producer->Edit([&](scripted::Tree& edited) { DescribePort(RemotePort(edited), description, fileName); });
     }
 
     // Opens the camera anew: it has not fetched anything yet. What was open of it before has ended.

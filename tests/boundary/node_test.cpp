@@ -18,21 +18,6 @@ namespace
 
 using Strings = std::vector<std::string>;
 
-// One node of each principal interface, named by it.
-const std::string oneOfEach =
-    "<Category Name=\"Category\"><pFeature>Integer</pFeature></Category>"
-    "<Integer Name=\"Integer\"><Value>1</Value></Integer>"
-    "<Boolean Name=\"Boolean\"><Value>true</Value></Boolean>"
-    "<Command Name=\"Command\"><pValue>Integer</pValue><CommandValue>1</CommandValue></Command>"
-    "<Float Name=\"Float\"><Value>1.5</Value></Float>"
-    "<StringReg Name=\"String\"><Address>0</Address><Length>8</Length><AccessMode>RW</AccessMode>"
-    "<pPort>Device</pPort></StringReg>"
-    "<Register Name=\"Register\"><Address>0</Address><Length>8</Length><AccessMode>RW</AccessMode>"
-    "<pPort>Device</pPort></Register>"
-    "<Enumeration Name=\"Enumeration\"><EnumEntry Name=\"On\"><Value>1</Value></EnumEntry><Value>1</Value>"
-    "</Enumeration>"
-    "<Node Name=\"Plain\"/>";
-
 class Node : public DescribedCamera
 {
 protected:

@@ -1,5 +1,6 @@
 // Calls every export that the headers declare in the ways that all of them answer alike.
 
+#include "tests/boundary/described_camera.h"
 #include "tests/support/boundary.h"
 #include "tests/support/environment_variable.h"
 #include "tests/support/scripted_producer.h"
@@ -138,7 +139,7 @@ private:
 class EveryHandle
 {
 public:
-    explicit EveryHandle(ScriptedProducer& producer) : tree(producer.Path())
+    explicit EveryHandle(ScriptedProducer& producer) : tree(Described(producer).Path())
     {
         const auto buffers = tree.QueueBuffers(1);
         Require(KORO_DataStream_StartAcquisitionInfinite(tree.stream, 0));
@@ -147,7 +148,11 @@ public:
 
         const auto module = Get<KORO_ModuleHandle>(KORO_System_ToModule, tree.system);
         const auto port = Get<KORO_PortHandle>(KORO_Module_GetPort, module);
-        const auto nodeMap = Get<KORO_NodeMapHandle>(KORO_Module_GetNodeMap, module, std::size_t{0});
+        const auto remoteModule = Get<KORO_ModuleHandle>(KORO_RemoteDevice_ToModule, tree.remoteDevice);
+        const auto nodeMap = Get<KORO_NodeMapHandle>(KORO_Module_GetNodeMap, remoteModule, std::size_t{0});
+        const auto node = [&](const std::string& name) {
+            return Get<KORO_NodeHandle>(KORO_NodeMap_FindNode, nodeMap, name.c_str(), name.size() + 1);
+        };
         const auto source = Get<KORO_EventSupportingModuleHandle>(KORO_System_ToEventSupportingModule, tree.system);
         const auto controller =
             Get<KORO_EventControllerHandle>(KORO_EventSupportingModule_EnableEvents, source, moduleEvents);
@@ -171,7 +176,20 @@ public:
         Enter("KORO_PortHandle", port);
         Enter("KORO_PortURLHandle", Get<KORO_PortURLHandle>(KORO_Port_GetURL, port, std::size_t{0}));
         Enter("KORO_NodeMapHandle", nodeMap);
-        Enter("KORO_NodeHandle", Get<KORO_NodeHandle>(KORO_NodeMap_GetNode, nodeMap, std::size_t{0}));
+        Enter("KORO_NodeHandle", node("Plain"));
+        Enter("KORO_IntegerNodeHandle", Get<KORO_IntegerNodeHandle>(KORO_Node_ToIntegerNode, node("Integer")));
+        Enter("KORO_FloatNodeHandle", Get<KORO_FloatNodeHandle>(KORO_Node_ToFloatNode, node("Float")));
+        Enter("KORO_BooleanNodeHandle", Get<KORO_BooleanNodeHandle>(KORO_Node_ToBooleanNode, node("Boolean")));
+        Enter("KORO_CommandNodeHandle", Get<KORO_CommandNodeHandle>(KORO_Node_ToCommandNode, node("Command")));
+        Enter("KORO_StringNodeHandle", Get<KORO_StringNodeHandle>(KORO_Node_ToStringNode, node("String")));
+        Enter("KORO_RegisterNodeHandle", Get<KORO_RegisterNodeHandle>(KORO_Node_ToRegisterNode, node("Register")));
+        Enter("KORO_CategoryNodeHandle", Get<KORO_CategoryNodeHandle>(KORO_Node_ToCategoryNode, node("Category")));
+        Enter(
+            "KORO_EnumerationNodeHandle",
+            Get<KORO_EnumerationNodeHandle>(KORO_Node_ToEnumerationNode, node("Enumeration")));
+        Enter(
+            "KORO_EnumerationEntryNodeHandle",
+            Get<KORO_EnumerationEntryNodeHandle>(KORO_Node_ToEnumerationEntryNode, node("EnumEntry_Enumeration_On")));
         Enter("KORO_EventSupportingModuleHandle", source);
         Enter("KORO_EventControllerHandle", controller);
         Enter(
@@ -185,6 +203,14 @@ public:
     std::map<std::string, Word> byType;
 
 private:
+    static ScriptedProducer& Described(ScriptedProducer& producer)
+    {
+        producer->Edit([](scripted::Tree& edited) {
+            DescribePort(edited.interfaces[0]->devices[0]->remotePort, DescriptionOf(oneOfEach));
+        });
+        return producer;
+    }
+
     static void Ignore(const std::int32_t*, std::size_t, void*) {}
 
     static constexpr std::int32_t moduleEvents = KORO_EVENT_MODULE;
@@ -293,6 +319,14 @@ TEST(Sweep, DeadHandleIsReportedByItsParametersNameBeforeAnyPointer)
     }
 }
 
+// An object that was entered as its base as well may have one number for both handles.
+bool IsBase(const std::string& base, const std::string& type)
+{
+    static const std::string node = "NodeHandle";
+    if (base == "KORO_NodeHandle") return type.size() > node.size() && type.rfind(node) == type.size() - node.size();
+    return base == "KORO_ModuleHandle" && type == "KORO_RemoteDeviceHandle";
+}
+
 TEST(Sweep, HandleOfAnotherKindIsInvalid)
 {
     ScriptedProducer producer;
@@ -304,7 +338,7 @@ TEST(Sweep, HandleOfAnotherKindIsInvalid)
         for (const auto& [type, handle] : handles.byType)
         {
             const auto own = handles.byType.find(called.parameters[IndexOfHandle(called)].type);
-            if (handle == own->second) continue;
+            if (handle == own->second || IsBase(own->first, type)) continue;
             auto arguments = Arguments(called, handles.byType);
             arguments.words[IndexOfHandle(called)] = handle;
             EXPECT_EQ(Outcome(called.call(arguments.words)), InvalidHandle(called)) << called.name << " with " << type;
@@ -362,6 +396,7 @@ TEST(Sweep, BufferThatIsTooSmallIsLeftAsItWasAndSoIsItsSize)
             query.words[index] = 0;
             ASSERT_EQ(Outcome(called.call(query.words)), Error{}) << called.name;
             const auto needed = *reinterpret_cast<const std::size_t*>(query.words[index + 1]);
+            if (needed == 0) continue; // nothing is too small for it
 
             auto arguments = Arguments(called, handles.byType);
             auto* const bytes = reinterpret_cast<unsigned char*>(arguments.words[index]);
