@@ -36,7 +36,7 @@ std::string_view Trimmed(std::string_view text)
     return text.substr(first, text.find_last_not_of(space) - first + 1);
 }
 
-// Reads lines and counts what it has read. Line ends of both kinds.
+// Reads lines and counts what it has read. Carriage returns are dropped, wherever they stand.
 class Lines
 {
 public:
@@ -52,12 +52,12 @@ public:
             any = true;
             if (++taken > maxFile) throw RUNTIME_EXCEPTION("The stream holds more than %zu bytes", maxFile);
             if (letter == '\n') break;
+            if (letter == '\r') continue;
             if (letter == 0) throw RUNTIME_EXCEPTION("The stream holds a zero byte");
             if (line.size() == maxLine)
                 throw RUNTIME_EXCEPTION("The stream holds a line of more than %zu bytes", maxLine);
             line += static_cast<char>(letter);
         }
-        if (!line.empty() && line.back() == '\r') line.pop_back();
         return any;
     }
 
@@ -84,7 +84,7 @@ std::string_view TakeSelectors(std::string_view rest, CSelectorState& state)
 {
     if (rest.empty() || rest[0] != '{') return rest;
     const size_t end = rest.find("}\t");
-    if (end == std::string_view::npos) return rest;
+    if (end == std::string_view::npos || end == 1) return rest;
     CSelectorState found;
     std::string_view list = rest.substr(1, end - 1);
     while (!list.empty())
@@ -128,8 +128,8 @@ void CFeatureBag::ReadFrom(std::istream& stream)
     CheckMagic(line);
     while (lines.Next(line))
     {
-        if (line[0] == '#' || Trimmed(line).empty()) continue;
         const std::string_view view(line);
+        if (Trimmed(view).empty() || Trimmed(view)[0] == '#') continue;
         const size_t tab = view.find('\t');
         if (tab == std::string_view::npos) throw RUNTIME_EXCEPTION("The stream holds excess data");
         CSelectorState* const state = read.AllocateSelector();

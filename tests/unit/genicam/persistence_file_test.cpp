@@ -10,6 +10,7 @@ using namespace GENAPI_NAMESPACE;
 using koro::test::Fill;
 using koro::test::firstLine;
 using koro::test::Records;
+using koro::test::SmallMap;
 
 // The records that a file gives.
 std::string Read(const std::string& file)
@@ -75,11 +76,34 @@ TEST(FeatureFile, NamesAreTrimmedAndValuesAreNot)
     EXPECT_EQ(Read(magic + "  A \t 1 \n"), "A\t 1 \n");
 }
 
-TEST(FeatureFile, ValueOfASelectorMayHoldTheSign)
+TEST(FeatureFile, ReadingStopsNeitherAtCarriageReturnsNorAtBlanksBeforeComments)
 {
+    EXPECT_EQ(Read(magic + "A\t1\r2\r\r\n  # comment\nB\t2\n"), "A\t12\nB\t2\n");
+}
+
+TEST(FeatureFile, BracesWithoutSelectorsBelongToTheValue)
+{
+    const SmallMap map("<String Name=\"A\"><Value>x</Value></String>");
+    for (const char* const value : {"{", "{}", "{}\tx", "{a}\tx", "{a=1\t\tb=2}\tx", "{a=1", "{a=1}x", "x{a=1}\tx"})
+    {
+        CFeatureBag bag;
+        Fill(bag, "A\t" + std::string(value) + "\n");
+        EXPECT_TRUE(bag.LoadFromBag(map.map)) << value;
+        EXPECT_STREQ(map.Value("A")->ToString().c_str(), value);
+        EXPECT_EQ(Records(bag), "A\t" + std::string(value) + "\n");
+    }
+}
+
+TEST(FeatureFile, SelectorsAreReadFromTheirBraces)
+{
+    const SmallMap map("<String Name=\"A\"><Value>x</Value></String><String Name=\"S\"><Value>x</Value></String>"
+                       "<String Name=\"T=U\"><Value>x</Value></String>");
     CFeatureBag bag;
-    Fill(bag, "A\t{S=1}\t5\n");
-    EXPECT_EQ(Records(bag), "A\t{S=1}\t5\n");
+    Fill(bag, "A\t{S=one\tT=U=two\t}\t{S=x}\tvalue\n");
+    EXPECT_TRUE(bag.LoadFromBag(map.map));
+    EXPECT_STREQ(map.Value("A")->ToString().c_str(), "{S=x}\tvalue");
+    EXPECT_STREQ(map.Value("S")->ToString().c_str(), "one");
+    EXPECT_EQ(Records(bag), "A\t{S=one\tT=U=two}\t{S=x}\tvalue\n");
 }
 
 TEST(FeatureFile, StreamAtItsEndIsRefused)

@@ -1,0 +1,93 @@
+// A feature file: what is read reads the same when it was written again, and can be loaded whatever it says.
+#include "fuzz/fuzz_target.h"
+
+#include <GenApi/NodeMapFactory.h>
+#include <GenICam.h>
+#include <map>
+#include <sstream>
+#include <string>
+
+namespace
+{
+
+using namespace GENAPI_NAMESPACE;
+using koro::fuzz::Require;
+
+class Memory : public IPort
+{
+public:
+    void Read(void* buffer, int64_t address, int64_t length) override
+    {
+        for (int64_t i = 0; i < length; ++i)
+            static_cast<uint8_t*>(buffer)[i] = bytes[address + i];
+    }
+    void Write(const void* buffer, int64_t address, int64_t length) override
+    {
+        for (int64_t i = 0; i < length; ++i)
+            bytes[address + i] = static_cast<const uint8_t*>(buffer)[i];
+    }
+    EAccessMode GetAccessMode() const override { return RW; }
+
+private:
+    std::map<int64_t, uint8_t> bytes;
+};
+
+const char* const description =
+    R"(<RegisterDescription ModelName="M" VendorName="V" StandardNameSpace="None" SchemaMajorVersion="1"
+    SchemaMinorVersion="1" SchemaSubMinorVersion="0" MajorVersion="1" MinorVersion="0" SubMinorVersion="0"
+    ProductGuid="p" VersionGuid="v" xmlns="http://www.genicam.org/GenApi/Version_1_1">
+  <Category Name="Root"><pFeature>G</pFeature><pFeature>F</pFeature><pFeature>T</pFeature></Category>
+  <Enumeration Name="S"><EnumEntry Name="A"><Value>0</Value></EnumEntry><EnumEntry Name="B"><Value>1</Value></EnumEntry>
+    <Value>0</Value><pSelected>G</pSelected></Enumeration>
+  <Integer Name="I"><Value>0</Value><Min>0</Min><Max>3</Max><pSelected>S</pSelected></Integer>
+  <IntReg Name="G"><Streamable>Yes</Streamable><Address>0</Address><pIndex Offset="1">S</pIndex>
+    <pIndex Offset="2">I</pIndex><Length>1</Length><AccessMode>RW</AccessMode><pPort>Device</pPort>
+    <Sign>Unsigned</Sign><Endianess>LittleEndian</Endianess></IntReg>
+  <Float Name="F"><Streamable>Yes</Streamable><Value>1</Value></Float>
+  <String Name="T"><Streamable>Yes</Streamable><Value>x</Value></String>
+  <Port Name="Device"/></RegisterDescription>)";
+
+// What the runtime throws says what is wrong; anything else ends the process.
+template <class Act>
+bool Succeeds(const Act& act)
+{
+    try
+    {
+        act();
+        return true;
+    }
+    catch (const GENICAM_NAMESPACE::GenericException&)
+    {
+        return false;
+    }
+}
+
+void Load(CFeatureBag& bag)
+{
+    static CNodeMapFactory factory(description);
+    Memory memory;
+    INodeMap* const map = factory.CreateNodeMap();
+    map->Connect(&memory);
+    GENICAM_NAMESPACE::gcstring_vector errors;
+    const bool good = bag.LoadFromBag(map, true, &errors);
+    Require(good == errors.empty(), "the result tells whether there are errors");
+    CFeatureBag stored;
+    Succeeds([&] { stored.StoreToBag(map); });
+    CastToIDestroy(map)->Destroy();
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    std::istringstream file(std::string(reinterpret_cast<const char*>(data), size));
+    CFeatureBag bag;
+    if (!Succeeds([&] { file >> bag; })) return 0;
+    std::stringstream written;
+    written << bag;
+    CFeatureBag again;
+    Require(Succeeds([&] { written >> again; }), "what was written can be read");
+    Require(again == bag, "and holds the same");
+    Load(bag);
+    return 0;
+}
