@@ -1,5 +1,6 @@
 #include "map/description_source.h"
 #include "map/node_map.h"
+#include "xml/links.h"
 #include "xml/parser.h"
 
 #include <Base/GCException.h>
@@ -27,7 +28,7 @@ public:
     std::shared_ptr<const runtime::Description> Load(bool release)
     {
         const AutoLock held(lock);
-        if (!description) description = runtime::ParseDescription(source.Text());
+        if (!description) Read();
         if (release) source.Release();
         return description;
     }
@@ -35,6 +36,15 @@ public:
     {
         const AutoLock held(lock);
         return description != nullptr;
+    }
+
+private:
+    void Read()
+    {
+        const runtime::SourceTexts texts = {source.Text()};
+        const std::shared_ptr<runtime::Description> read = runtime::ReadDescription(texts[0]);
+        runtime::ResolveLinks(*read, texts);
+        description = read;
     }
 };
 

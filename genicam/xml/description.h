@@ -46,7 +46,10 @@ struct NodeRecord
     uint32_t firstProperty;
     uint32_t propertyCount;
     uint32_t sourceOffset; // bytes from the start of the XML text to the element
+    NodeIndex madeBy;      // the node whose element brings this one along: entries, parts of formulas; else noNode
     Element element;       // None: mentioned, not (yet) there
+    uint8_t source;        // number of the XML text
+    int8_t mergePriority;  // -1, 0, 1
     bool standard;         // name space
     bool feature;          // reachable from the category Root
 };

@@ -1,5 +1,8 @@
 #include "xml/links.h"
 
+#include "xml/edges.h"
+#include "xml/selection.h"
+
 #include <Base/GCException.h>
 #include <GenApi/Types.h>
 #include <algorithm>
@@ -60,7 +63,7 @@ const char* UnusableTarget(Element owner, Property link, Element target)
 class Resolver
 {
 public:
-    Resolver(Description& resolved, std::string_view source) : description(resolved), xml(source) {}
+    Resolver(Description& resolved, const SourceTexts& texts) : description(resolved), sources(texts) {}
 
     void Run()
     {
@@ -68,16 +71,16 @@ public:
             CheckNode(node);
         RefuseCircles("read cycle detected", IsReadLink);
         RefuseCircles("pSelected cycle detected", [](Property link) { return link == P::pSelected; });
-        Reverse(description.parents, [this](const auto& add) { ForEachParent(add); });
-        Select();
-        Reverse(description.dependents, [this](const auto& add) { ForEachDependent(add); });
+        GatherEdges(description.parents, Count(), [this](const auto& add) { ForEachParent(add); });
+        FillSelection(description);
+        GatherEdges(description.dependents, Count(), [this](const auto& add) { ForEachDependent(add); });
         MarkFeatures();
     }
 
 private:
     NodeIndex Count() const { return static_cast<NodeIndex>(description.nodes.size()); }
     Element ElementOf(NodeIndex node) const { return description.nodes[node].element; }
-    std::string Place(NodeIndex node) const { return PlaceOf(description, node, xml); }
+    std::string Place(NodeIndex node) const { return PlaceOf(description, node, sources); }
 
     void CheckNode(NodeIndex node) const;
     void CheckBits(NodeIndex node) const;
@@ -91,21 +94,14 @@ private:
     template <class Follow>
     void RefuseCircles(const char* what, const Follow& follow) const;
 
-    // Each edge once: `edges` calls what it is given with (from, to), all edges of one `to` in a row.
-    template <class Edges>
-    void Reverse(NodeLists& lists, const Edges& edges) const;
     template <class Add>
     void ForEachParent(const Add& add) const;
     template <class Add>
     void ForEachDependent(const Add& add) const;
-    void Select();
-    std::vector<NodeIndex> ReadersOf(NodeIndex node) const;
-    void AppendValueDependents(NodeIndex node, std::vector<NodeIndex>& list);
     void MarkFeatures();
 
     Description& description;
-    std::string_view xml;
-    std::vector<bool> listed; // scratch of Select
+    const SourceTexts& sources;
 };
 
 void Resolver::CheckNode(NodeIndex node) const
@@ -212,28 +208,6 @@ void Resolver::RefuseCircles(const char* what, const Follow& follow) const
     }
 }
 
-template <class Edges>
-void Resolver::Reverse(NodeLists& lists, const Edges& edges) const
-{
-    lists.firsts.assign(Count() + 1, 0);
-    std::vector<NodeIndex> last(Count(), noNode); // the last `to` of each `from`: an edge counts once
-    edges([&](NodeIndex from, NodeIndex to) {
-        if (last[from] == to) return;
-        last[from] = to;
-        ++lists.firsts[from + 1];
-    });
-    for (NodeIndex node = 0; node < Count(); ++node)
-        lists.firsts[node + 1] += lists.firsts[node];
-    lists.nodes.resize(lists.firsts[Count()]);
-    last.assign(Count(), noNode);
-    std::vector<uint32_t> next(lists.firsts.begin(), lists.firsts.end() - 1);
-    edges([&](NodeIndex from, NodeIndex to) {
-        if (last[from] == to) return;
-        last[from] = to;
-        lists.nodes[next[from]++] = to;
-    });
-}
-
 template <class Add>
 void Resolver::ForEachParent(const Add& add) const
 {
@@ -255,96 +229,6 @@ void Resolver::ForEachDependent(const Add& add) const
         });
         for (const NodeIndex selector : description.selecting.Of(node))
             add(selector, node);
-    }
-}
-
-void Resolver::Select()
-{
-    std::vector<std::vector<NodeIndex>> direct;
-    std::vector<std::vector<NodeIndex>> further;
-    std::vector<NodeIndex> selectors;
-    listed.assign(Count(), false);
-    for (NodeIndex node = 0; node < Count(); ++node)
-    {
-        std::vector<NodeIndex> list;
-        ForEachLink(description, node, [&](NodeIndex target, Property link) {
-            if (link != P::pSelected || listed[target]) return;
-            listed[target] = true;
-            list.push_back(target);
-        });
-        if (list.empty()) continue;
-        std::vector<NodeIndex> appended;
-        for (const NodeIndex target : list)
-            AppendValueDependents(target, appended);
-        for (const NodeIndex target : list)
-            listed[target] = false;
-        for (const NodeIndex target : appended)
-            listed[target] = false;
-        selectors.push_back(node);
-        direct.push_back(std::move(list));
-        further.push_back(std::move(appended));
-    }
-
-    description.selected.firsts.assign(Count() + 1, 0);
-    for (size_t i = 0; i < selectors.size(); ++i)
-    {
-        std::vector<NodeIndex>& nodes = description.selected.nodes;
-        nodes.insert(nodes.end(), direct[i].begin(), direct[i].end());
-        nodes.insert(nodes.end(), further[i].begin(), further[i].end());
-        description.selected.firsts[selectors[i] + 1] = static_cast<uint32_t>(direct[i].size() + further[i].size());
-    }
-    for (NodeIndex node = 0; node < Count(); ++node)
-        description.selected.firsts[node + 1] += description.selected.firsts[node];
-
-    Reverse(description.selecting, [&](const auto& add) {
-        for (size_t i = 0; i < selectors.size(); ++i)
-        {
-            for (const NodeIndex target : direct[i])
-                add(target, selectors[i]);
-        }
-        for (size_t i = 0; i < selectors.size(); ++i)
-        {
-            for (const NodeIndex target : further[i])
-                add(target, selectors[i]);
-        }
-    });
-}
-
-// The parents but for categories; a converter stands beside its formulas.
-std::vector<NodeIndex> Resolver::ReadersOf(NodeIndex node) const
-{
-    std::vector<NodeIndex> readers;
-    for (const NodeIndex parent : description.parents.Of(node))
-    {
-        if (ElementOf(parent) == Element::Category) continue;
-        readers.push_back(parent);
-        for (const NodeIndex converter : description.parents.Of(parent))
-        {
-            const PropertyRecord* const to = description.Find(converter, P::pConvertTo);
-            const PropertyRecord* const from = description.Find(converter, P::pConvertFrom);
-            if ((to && to->node == parent) || (from && from->node == parent)) readers.push_back(converter);
-        }
-    }
-    std::sort(readers.begin(), readers.end());
-    readers.erase(std::unique(readers.begin(), readers.end()), readers.end());
-    return readers;
-}
-
-// What reads the node, directly or not, but for categories, is selected with it: the nearest first.
-void Resolver::AppendValueDependents(NodeIndex node, std::vector<NodeIndex>& list)
-{
-    const size_t first = list.size();
-    const auto append = [&](NodeIndex reader) {
-        if (listed[reader]) return;
-        listed[reader] = true;
-        list.push_back(reader);
-    };
-    for (const NodeIndex reader : ReadersOf(node))
-        append(reader);
-    for (size_t i = first; i < list.size(); ++i)
-    {
-        for (const NodeIndex reader : ReadersOf(list[i]))
-            append(reader);
     }
 }
 
@@ -395,16 +279,23 @@ bool IsValueLink(Property property)
            property == P::pValueDefault;
 }
 
-void ResolveLinks(Description& description, std::string_view xml)
+void ResolveLinks(Description& description, const SourceTexts& sources)
 {
-    Resolver(description, xml).Run();
+    Resolver(description, sources).Run();
 }
 
-std::string PlaceOf(const Description& description, NodeIndex node, std::string_view xml)
+std::string PlaceOf(const Description& description, NodeIndex node, const SourceTexts& sources)
 {
-    const size_t offset = std::min<size_t>(description.nodes[node].sourceOffset, xml.size());
-    const auto line = 1 + std::count(xml.begin(), xml.begin() + static_cast<ptrdiff_t>(offset), '\n');
-    return "Node '" + std::string(description.NameOf(node).substr(0, 500)) + "' at line " + std::to_string(line);
+    const NodeRecord& record = description.nodes[node];
+    std::string place = "Node '" + std::string(description.NameOf(node).substr(0, 500)) + "'";
+    const std::string_view xml = record.source < sources.size() ? sources[record.source] : std::string_view();
+    if (!xml.empty())
+    {
+        const std::string_view before = xml.substr(0, record.sourceOffset);
+        place += " at line " + std::to_string(1 + std::count(before.begin(), before.end(), '\n'));
+    }
+    if (record.source > 0) place += " of injected description " + std::to_string(record.source);
+    return place;
 }
 
 } // namespace GENAPI_NAMESPACE::runtime

@@ -24,11 +24,14 @@ void ForEachLink(const Description& description, NodeIndex node, const Act& act)
     }
 }
 
-// Checks names, types and circles, then fills the reverse lists and marks the features. `lineOf` tells the line of a
-// node. Throws RuntimeException.
-void ResolveLinks(Description& description, std::string_view xml);
+// The XML texts that nodes come from, by the number in their record. An empty one is not there any more: no line is
+// told.
+typedef std::vector<std::string_view> SourceTexts;
 
-// "node 'Gain', line 12"
-std::string PlaceOf(const Description& description, NodeIndex node, std::string_view xml);
+// Checks names, types and circles, then fills the reverse lists and marks the features. Throws RuntimeException.
+void ResolveLinks(Description& description, const SourceTexts& sources);
+
+// "Node 'Gain' at line 12", with the number of an injected description.
+std::string PlaceOf(const Description& description, NodeIndex node, const SourceTexts& sources);
 
 } // namespace GENAPI_NAMESPACE::runtime

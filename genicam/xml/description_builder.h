@@ -1,0 +1,50 @@
+// DescriptionBuilder: puts nodes, their properties and texts into a description while it is read.
+//
+// Lives for one text. Keeps the bounds of a description.
+#pragma once
+
+#include "xml/node_draft.h"
+#include "xml/xml_reader.h"
+
+namespace GENAPI_NAMESPACE::runtime
+{
+
+class DescriptionBuilder
+{
+public:
+    // The reader tells the places.
+    explicit DescriptionBuilder(const XmlReader& source) : reader(source), description(std::make_shared<Description>())
+    {}
+
+    std::shared_ptr<Description> Result() const { return description; }
+    DeviceRecord& Device() { return description->device; }
+    std::string_view Text(TextPlace place) const { return description->Text(place); }
+    std::string_view NameOf(NodeIndex node) const { return description->NameOf(node); }
+
+    TextPlace Store(std::string_view text);
+    // The node of that name: a link to it stands here.
+    NodeIndex Mention(std::string_view name);
+    // The node of that name: its element stands here, or `madeBy` brings it along. Refused when it is there already.
+    NodeIndex Define(std::string_view name, Element element, NodeIndex madeBy = noNode);
+    NodeRecord& Node(NodeIndex node) { return description->nodes[node]; }
+    // A property from its text.
+    PropertyRecord Read(Element element, Property read, std::string_view value);
+    // Throws PropertyException, which names the property, the text and the place.
+    int64_t Number(std::string_view name, std::string_view value) const;
+    // "_<owner>_<suffix>"
+    std::string MadeUpName(NodeIndex owner, std::string_view suffix) const;
+
+    // The node's properties are these.
+    void Finish(NodeIndex node, const std::vector<PropertyRecord>& properties);
+    // The entries of a StructReg, each with what all share.
+    typedef std::vector<std::pair<NodeIndex, std::vector<PropertyRecord>>> StructEntries;
+    void FinishStruct(const NodeDraft& draft, const StructEntries& entries);
+    // A knife or a converter, its expressions and the nodes of its formulas.
+    void FinishFormulas(const NodeDraft& draft);
+
+private:
+    const XmlReader& reader;
+    std::shared_ptr<Description> description;
+};
+
+} // namespace GENAPI_NAMESPACE::runtime
