@@ -1,6 +1,6 @@
 #include "map/description_source.h"
 #include "map/node_map.h"
-#include "xml/links.h"
+#include "xml/merge.h"
 #include "xml/parser.h"
 
 #include <Base/GCException.h>
@@ -9,15 +9,17 @@
 #include <GenApi/NodeMapRef.h>
 #include <GenApi/Pointer.h>
 #include <GenApi/Synch.h>
+#include <list>
 #include <string>
+#include <vector>
 
 namespace GENAPI_NAMESPACE
 {
 
 using GENICAM_NAMESPACE::gcstring;
 
-// The source of a description until it is parsed, then its records. Shared by the copies of a factory, which may be
-// used on different threads.
+// The source of a description until it is parsed, then its records; and what is injected into it. Shared by the copies
+// of a factory, which may be used on different threads.
 class CNodeMapFactory::Data
 {
 public:
@@ -38,14 +40,60 @@ public:
         return description != nullptr;
     }
 
+    void Inject(const std::shared_ptr<Data>& addition)
+    {
+        if (addition.get() == this)
+            throw LOGICAL_ERROR_EXCEPTION("A camera description cannot be injected into itself");
+        addition->CheckInjectable(); // before the own lock: never two at once
+        const AutoLock held(lock);
+        if (description)
+            throw LOGICAL_ERROR_EXCEPTION("The camera description is loaded: nothing can be injected any more");
+        if (injected.size() == UINT8_MAX) throw LOGICAL_ERROR_EXCEPTION("At most 255 descriptions can be injected");
+        injected.push_back(addition);
+    }
+
 private:
+    // An injected description, its links not resolved: by itself it may name nodes that it lacks.
+    struct Addition
+    {
+        std::string text; // empty when it was loaded before
+        std::shared_ptr<const runtime::Description> description;
+    };
+
     void Read()
     {
-        const runtime::SourceTexts texts = {source.Text()};
-        const std::shared_ptr<runtime::Description> read = runtime::ReadDescription(texts[0]);
+        std::list<Addition> additions;
+        for (const std::shared_ptr<Data>& data : injected)
+            additions.push_back(data->AsAddition());
+
+        runtime::SourceTexts texts = {source.Text()};
+        std::shared_ptr<runtime::Description> read = runtime::ReadDescription(texts[0]);
+        for (const Addition& addition : additions)
+        {
+            texts.push_back(addition.text);
+            const std::shared_ptr<const runtime::Description> added =
+                addition.description ? addition.description : runtime::ReadDescription(addition.text);
+            read = runtime::Merge(*read, *added, static_cast<uint8_t>(texts.size() - 1), texts);
+        }
         runtime::ResolveLinks(*read, texts);
         description = read;
+        injected.clear();
     }
+    Addition AsAddition()
+    {
+        CheckInjectable();
+        const AutoLock held(lock);
+        return description ? Addition{"", description} : Addition{std::string(source.Text()), nullptr};
+    }
+    void CheckInjectable() const
+    {
+        const AutoLock held(lock);
+        if (source.IsEmpty()) throw LOGICAL_ERROR_EXCEPTION("The injected factory has no camera description");
+        if (injected.empty()) return;
+        throw LOGICAL_ERROR_EXCEPTION("A factory with injections of its own must be loaded before it is injected");
+    }
+
+    std::vector<std::shared_ptr<Data>> injected; // guarded by lock; empty when loaded
 };
 
 CNodeMapFactory::CNodeMapFactory() : data(std::make_shared<Data>()) {}
@@ -99,6 +147,16 @@ bool CNodeMapFactory::IsCameraDescriptionFileDataReleased() const
 }
 
 void CNodeMapFactory::Preprocess()
+{
+    data->Load(false);
+}
+
+void CNodeMapFactory::AddInjectionData(CNodeMapFactory& injectionDataFactory)
+{
+    data->Inject(injectionDataFactory.data);
+}
+
+void CNodeMapFactory::LoadAndInject()
 {
     data->Load(false);
 }

@@ -49,6 +49,9 @@ public:
     bool IsLoaded() const;
     bool IsPreprocessed() const;
     bool IsCameraDescriptionFileDataReleased() const;
+    // Adds the other's description to this one when it is loaded; its bytes must live until then.
+    void AddInjectionData(CNodeMapFactory& injectionDataFactory);
+    void LoadAndInject();
     void Preprocess();
     void ReleaseCameraDescriptionFileData();
     void GetSupportedSchemaVersions(GENICAM_NAMESPACE::gcstring_vector& versions) const;

@@ -77,6 +77,16 @@ public:
         Load(CNodeMapFactory(ContentType_ZippedXml, zipData, zipSize), "Device");
     }
     void _LoadXMLFromString(const GENICAM_NAMESPACE::gcstring& XMLData) { Load(CNodeMapFactory(XMLData), deviceName); }
+    void _LoadXMLFromFileInject(
+        const GENICAM_NAMESPACE::gcstring& TargetFileName, const GENICAM_NAMESPACE::gcstring& InjectFileName)
+    {
+        Load(CNodeMapFactory(ContentType_Xml, TargetFileName), CNodeMapFactory(ContentType_Xml, InjectFileName));
+    }
+    void _LoadXMLFromStringInject(
+        const GENICAM_NAMESPACE::gcstring& TargetXMLData, const GENICAM_NAMESPACE::gcstring& InjectXMLData)
+    {
+        Load(CNodeMapFactory(TargetXMLData), CNodeMapFactory(InjectXMLData));
+    }
 
     virtual void _GetSupportedSchemaVersions(GENICAM_NAMESPACE::gcstring_vector& SchemaVersions) const
     {
@@ -124,6 +134,12 @@ private:
     {
         if (_Ptr) throw RUNTIME_EXCEPTION("Node map already created");
         Attach(factory.CreateNodeMap(name));
+    }
+    void Load(CNodeMapFactory target, CNodeMapFactory injected)
+    {
+        if (_Ptr) throw RUNTIME_EXCEPTION("Node map already created");
+        target.AddInjectionData(injected);
+        Attach(target.CreateNodeMap(deviceName));
     }
     void Attach(INodeMap* map)
     {
