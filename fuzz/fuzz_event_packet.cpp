@@ -1,0 +1,240 @@
+// Event messages. The first byte chooses the transport, the rest is the message, in a heap block of its size. What
+// reaches the nodes is compared with a second reading of the message, written after the layouts alone.
+#include "fuzz/fuzz_target.h"
+
+#include <GenApi/EventAdapter1394.h>
+#include <GenApi/EventAdapterCL.h>
+#include <GenApi/EventAdapterGEV.h>
+#include <GenApi/EventAdapterGeneric.h>
+#include <GenApi/EventAdapterU3V.h>
+#include <GenApi/NodeMapFactory.h>
+#include <GenApi/NodeMapRef.h>
+#include <GenICam.h>
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace
+{
+
+using namespace GENAPI_NAMESPACE;
+using GENICAM_NAMESPACE::RuntimeException;
+using koro::fuzz::Require;
+
+using Bytes = std::vector<std::uint8_t>;
+
+struct Event
+{
+    std::uint64_t id;
+    Bytes bytes;
+};
+using Events = std::optional<std::vector<Event>>; // nothing: malformed
+
+const std::uint64_t ids[] = {0, 1, 0x9001, 0x9002, 0xffff};
+
+bool IsKnown(std::uint64_t id)
+{
+    return std::find(std::begin(ids), std::end(ids), id) != std::end(ids);
+}
+
+std::uint64_t NumberAt(const Bytes& bytes, std::size_t offset, std::size_t size, bool big)
+{
+    std::uint64_t number = 0;
+    for (std::size_t i = 0; i < size; ++i)
+        number = number << 8 | bytes[offset + (big ? i : size - 1 - i)];
+    return number;
+}
+
+Bytes Part(const Bytes& bytes, std::size_t first, std::size_t last)
+{
+    return Bytes(bytes.begin() + static_cast<std::ptrdiff_t>(first), bytes.begin() + static_cast<std::ptrdiff_t>(last));
+}
+
+Events ReadGigEVision(const Bytes& message)
+{
+    if (message.size() < 8 || message.size() > 8 + 0xffff || message[0] != 0x42) return std::nullopt;
+    const std::uint64_t command = NumberAt(message, 2, 2, true);
+    if (command != 0xc0 && command != 0xc2) return std::nullopt;
+    const std::size_t end = 8 + NumberAt(message, 4, 2, true);
+    if (end > message.size()) return std::nullopt;
+    const std::size_t head = message[1] & 0x10 ? 24 : 16;
+    std::vector<Event> events;
+    for (std::size_t at = 8; at + head <= end;)
+    {
+        std::size_t size = NumberAt(message, at, 2, true);
+        if (size == 0) size = command == 0xc0 ? head : end - at;
+        if (size < head || at + size > end) break;
+        Event event = {NumberAt(message, at + 2, 2, true), Part(message, at, at + size)};
+        event.bytes[0] = static_cast<std::uint8_t>(size / 256);
+        event.bytes[1] = static_cast<std::uint8_t>(size % 256);
+        events.push_back(event);
+        at += size;
+    }
+    return events;
+}
+
+Events ReadUSB3Vision(const Bytes& message)
+{
+    if (message.size() < 12 || message.size() > 12 + 0xffff) return std::nullopt;
+    if (NumberAt(message, 0, 4, false) != 0x45563355 || NumberAt(message, 6, 2, false) != 0x0c00) return std::nullopt;
+    const std::size_t end = 12 + NumberAt(message, 8, 2, false);
+    if (end > message.size()) return std::nullopt;
+    if (end < 24) return std::vector<Event>();
+    return std::vector<Event>{{NumberAt(message, 14, 2, false), Part(message, 12, end)}};
+}
+
+Events ReadCameraLink(const Bytes& message)
+{
+    if (message.size() < 16 || message.size() > 16 + 0xffff) return std::nullopt;
+    if (NumberAt(message, 0, 2, true) != 0x0100 || NumberAt(message, 10, 2, true) != 0x0c00) return std::nullopt;
+    const std::size_t end = 16 + NumberAt(message, 12, 2, true);
+    if (end > message.size()) return std::nullopt;
+    std::vector<Event> events;
+    for (std::size_t at = 16; at + 12 <= end;)
+    {
+        std::size_t size = NumberAt(message, at, 2, true);
+        if (size == 0) size = end - at;
+        if (size < 12 || at + size > end) break;
+        events.push_back({NumberAt(message, at + 2, 2, true), Part(message, at, at + size)});
+        at += size;
+    }
+    return events;
+}
+
+// The node map with a port for each id, and what its callbacks have seen.
+class Watched
+{
+public:
+    Watched()
+    {
+        std::string text = "<RegisterDescription ModelName=\"M\" VendorName=\"V\" StandardNameSpace=\"None\" "
+                           "SchemaMajorVersion=\"1\" SchemaMinorVersion=\"1\" SchemaSubMinorVersion=\"0\" "
+                           "MajorVersion=\"1\" MinorVersion=\"0\" SubMinorVersion=\"0\" ProductGuid=\"p\" "
+                           "VersionGuid=\"v\" xmlns=\"http://www.genicam.org/GenApi/Version_1_1\">";
+        for (const std::uint64_t id : ids)
+        {
+            char digits[20];
+            std::snprintf(digits, sizeof digits, "%04llx", static_cast<unsigned long long>(id));
+            text += std::string("<Port Name=\"P") + digits + "\"><EventID>" + digits + "</EventID></Port>";
+        }
+        CNodeMapFactory factory((text + "</RegisterDescription>").c_str());
+        map = factory.CreateNodeMap();
+        NodeList_t nodes;
+        map->GetNodes(nodes);
+        for (INode* const node : nodes)
+            Register(node, *this, &Watched::Changed);
+    }
+
+    void Expect(const Events& events)
+    {
+        expected.clear();
+        if (!events) return;
+        for (const Event& event : *events)
+        {
+            if (IsKnown(event.id)) expected.push_back(event);
+        }
+        seen = 0;
+    }
+    void CheckAllSeen() const { Require(seen == expected.size(), "all events reach their nodes"); }
+
+    INodeMap* map;
+
+private:
+    void Changed(INode* node)
+    {
+        Require(seen < expected.size(), "no event is made up");
+        const Event& event = expected[seen++];
+        const std::string id = node->GetEventID().c_str();
+        Require(std::stoull(id, nullptr, 16) == event.id, "an event reaches the node of its id");
+        IPort& port = *dynamic_cast<IPort*>(node);
+        Bytes bytes(event.bytes.size());
+        if (!bytes.empty()) port.Read(bytes.data(), 0, static_cast<std::int64_t>(bytes.size()));
+        Require(bytes == event.bytes, "the port shows the bytes of the event");
+        bool refused = false;
+        try
+        {
+            std::uint8_t byte = 0;
+            port.Read(&byte, static_cast<std::int64_t>(bytes.size()), 1);
+        }
+        catch (const RuntimeException&)
+        {
+            refused = true;
+        }
+        Require(refused, "nothing is read behind the event");
+    }
+
+    std::vector<Event> expected;
+    std::size_t seen = 0;
+};
+
+void CheckDelivery(Watched& watched, const Events& events, const std::function<void()>& deliver)
+{
+    watched.Expect(events ? events : Events(std::vector<Event>()));
+    bool refused = false;
+    try
+    {
+        deliver();
+    }
+    catch (const RuntimeException& exception)
+    {
+        refused = true;
+        Require(std::string(exception.GetDescription()).find("Malformed message: ") == 0, "a refusal says why");
+    }
+    Require(refused != events.has_value(), "the second reading agrees");
+    watched.CheckAllSeen();
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    static Watched watched; // lives as long as the process
+    if (size == 0) return 0;
+    const Bytes message(data + 1, data + size);
+    const std::unique_ptr<std::uint8_t[]> block(new std::uint8_t[message.size()]);
+    std::copy(message.begin(), message.end(), block.get());
+    const std::uint32_t count = static_cast<std::uint32_t>(message.size());
+    const auto check = [&](CEventAdapter& adapter, const Events& events) {
+        CheckDelivery(watched, events, [&] { adapter.DeliverMessage(block.get(), count); });
+    };
+    switch (data[0] % 5)
+    {
+    case 0: {
+        CEventAdapterGEV adapter(watched.map);
+        check(adapter, ReadGigEVision(message));
+        break;
+    }
+    case 1: {
+        CEventAdapterU3V adapter(watched.map);
+        check(adapter, ReadUSB3Vision(message));
+        break;
+    }
+    case 2: {
+        CEventAdapterCL adapter(watched.map);
+        check(adapter, ReadCameraLink(message));
+        break;
+    }
+    case 3: {
+        CEventAdapter1394 adapter(watched.map);
+        const bool good = !message.empty() && message[0] == 0;
+        check(adapter, good ? Events(std::vector<Event>()) : std::nullopt);
+        break;
+    }
+    default: {
+        // The id as a number and as a text, then the bytes.
+        CEventAdapterGeneric adapter(watched.map);
+        const std::uint64_t id = data[0] / 5 % 2 ? 0x9001 : message.size();
+        const Events event = std::vector<Event>{{id, message}};
+        CheckDelivery(watched, event, [&] { adapter.DeliverMessage(block.get(), count, id); });
+        char digits[20];
+        std::snprintf(digits, sizeof digits, "%llX", static_cast<unsigned long long>(id));
+        CheckDelivery(watched, event, [&] { adapter.DeliverMessage(block.get(), count, digits); });
+        break;
+    }
+    }
+    return 0;
+}
