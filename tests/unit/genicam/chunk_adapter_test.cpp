@@ -176,6 +176,26 @@ TEST(ChunkAdapterLife, PortThatTheApplicationConnectsIsItsOwn)
     EXPECT_EQ(ModeOf(map, "One"), NI);
 }
 
+TEST(ChunkAdapterLife, MapWithAPortThatRefusesIsNotAttached)
+{
+    const SmallMap good(elements);
+    const SmallMap bad(
+        elements + ChunkPortElement("Bus", "3") +
+        "<ConfRom Name=\"Rom\"><Unit>0</Unit><Address>0</Address><Length>64</Length><pPort>Bus</pPort></ConfRom>");
+    CChunkAdapterGEV adapter(good.map);
+    const HeapBlock buffer(Number(1, 5));
+    adapter.AttachBuffer(buffer.Data(), buffer.Size());
+    EXPECT_THROW(adapter.AttachNodeMap(bad.map), RuntimeException);
+    EXPECT_EQ(ModeOf(good, "A"), NA) << "the map of before went first";
+    EXPECT_EQ(ModeOf(bad, "A"), NA);
+    AttachStatistics_t statistics = {-1, -1, -1};
+    adapter.AttachBuffer(buffer.Data(), buffer.Size(), &statistics);
+    EXPECT_EQ(statistics.NumChunkPorts, 0);
+    adapter.AttachNodeMap(good.map);
+    adapter.AttachBuffer(buffer.Data(), buffer.Size());
+    EXPECT_EQ(good.Integer("A")->GetValue(), 5);
+}
+
 TEST(ChunkAdapterLife, MissingMapIsRefused)
 {
     CChunkAdapterGEV adapter;
