@@ -1,14 +1,12 @@
 #include "firmware/payloads.h"
 
-#include "firmware/bounds.h"
-
 namespace GENAPI_NAMESPACE::runtime
 {
 
-Payloads ReadPayloads(const UpdateFile& file, const std::vector<Step>& steps)
+Payloads ReadPayloads(const UpdateFile& file, const std::vector<Step>& steps, size_t maxSize)
 {
     Payloads payloads;
-    size_t room = maxUploadSize;
+    size_t room = maxSize;
     for (const Step& step : steps)
     {
         if (step.type != ProgressStepType_FileUpload || payloads.count(step.file) > 0) continue;

@@ -1,6 +1,7 @@
 // The files of a package that a procedure uploads.
 #pragma once
 
+#include "firmware/bounds.h"
 #include "firmware/control_file.h"
 #include "firmware/update_file.h"
 
@@ -9,7 +10,8 @@ namespace GENAPI_NAMESPACE::runtime
 
 using Payloads = std::unordered_map<std::string, std::string>; // bytes by the name in the package
 
-// FileNotFoundException: one is not there; FormatException: one cannot be read, or they are too large together.
-Payloads ReadPayloads(const UpdateFile& file, const std::vector<Step>& steps);
+// Each file once. FileNotFoundException: one is not there; FormatException: one cannot be read, or they have more than
+// `maxSize` bytes together.
+Payloads ReadPayloads(const UpdateFile& file, const std::vector<Step>& steps, size_t maxSize = maxUploadSize);
 
 } // namespace GENAPI_NAMESPACE::runtime

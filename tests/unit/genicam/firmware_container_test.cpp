@@ -1,4 +1,5 @@
 #include "firmware/bounds.h"
+#include "firmware/payloads.h"
 #include "tests/unit/genicam/firmware_files.h"
 
 #include <filesystem>
@@ -343,6 +344,26 @@ TEST(UpdateFile, VerificationReadsControlFileAndUploads)
     EXPECT_EQ(
         verified(damaged.Bytes()), "FormatException: The package of the update file 'update.guf' cannot be read: "
                                    "Invalid zip archive: the check sum of the entry 'a.bin' is wrong");
+}
+
+TEST(Payloads, AreBoundedTogetherAndReadOnce)
+{
+    using namespace GENAPI_NAMESPACE::runtime;
+    const UpdateFile file("update.guf", Container(Package(control, {{"a.bin", "aaa"}, {"b.bin", "bbb"}})));
+    const auto upload = [](const std::string& name) {
+        GENAPI_NAMESPACE::runtime::Step step;
+        step.type = GENAPI_NAMESPACE::ProgressStepType_FileUpload;
+        step.file = name;
+        return step;
+    };
+    EXPECT_EQ(ReadPayloads(file, {upload("a.bin"), upload("b.bin")}, 6).size(), 2u);
+    EXPECT_EQ(ReadPayloads(file, {upload("a.bin"), upload("a.bin")}, 3).at("a.bin"), "aaa");
+    EXPECT_EQ(
+        Thrown([&] {
+            ReadPayloads(file, {upload("a.bin"), upload("b.bin")}, 5);
+        }),
+        "FormatException: The package of the update file 'update.guf' cannot be read: Invalid zip archive: "
+        "the entry 'b.bin' claims 3 bytes; at most 2 are taken");
 }
 
 TEST(UpdateFile, ExceptionsDoNotNameTheirType)

@@ -66,9 +66,10 @@ TEST(Pattern, PatternThatExpandsWithoutEndIsRefused)
         testing::HasSubstr("regular expression is too large"));
 }
 
+// A million steps: more than are granted, fewer than the engine would take by itself.
 TEST(Pattern, ExplodingPatternEndsByItsLimit)
 {
-    const std::string text = std::string(60, 'a') + "!";
+    const std::string text = std::string(20, 'a') + "!";
     EXPECT_EQ(
         Thrown([&] { Pattern("^(a+)+$").Matches(text); }),
         "RuntimeException: The pattern '^(a+)+$' cannot be matched: match limit exceeded");
@@ -83,7 +84,7 @@ TEST(Pattern, RecursionWithoutEndStopsAtALimit)
 
 TEST(Pattern, PatternCannotRaiseItsOwnLimit)
 {
-    const std::string text = std::string(60, 'a') + "!";
+    const std::string text = std::string(20, 'a') + "!";
     EXPECT_EQ(
         Thrown([&] { Pattern("(*LIMIT_MATCH=4000000000)^(a+)+$").Matches(text); }),
         "RuntimeException: The pattern '(*LIMIT_MATCH=4000000000)^(a+)+$' cannot be matched: match limit exceeded");
