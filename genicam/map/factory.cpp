@@ -225,7 +225,9 @@ IDestroy* CastToIDestroy(INodeMap* pNodeMap)
 void Deregister(CallbackHandleType handle)
 {
     CNodeCallback* const callback = reinterpret_cast<CNodeCallback*>(handle);
-    callback->GetNode()->DeregisterCallback(handle);
+    INode* const node = callback ? callback->GetNode() : nullptr;
+    if (!node) throw INVALID_ARGUMENT_EXCEPTION("The handle is of no callback at a node");
+    node->DeregisterCallback(handle);
 }
 
 gcstring GetInterfaceName(IBase* object)

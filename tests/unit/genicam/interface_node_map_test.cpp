@@ -503,6 +503,17 @@ TEST(CallbackKinds, RegisteredOnesEndWithTheirRegistrationOrTheirMap)
     EXPECT_EQ(second.ends, 1);
 }
 
+TEST(CallbackKinds, HandlesWithoutANodeAreRefused)
+{
+    const SmallMap map(lone);
+    Counts counts;
+    const CallbackHandleType handle = map.Node("A")->RegisterCallback(new CountedCallback(nullptr, counts));
+    EXPECT_THROW(Deregister(0), InvalidArgumentException);
+    EXPECT_THROW(Deregister(handle), InvalidArgumentException);
+    EXPECT_TRUE(map.Node("A")->DeregisterCallback(handle));
+    EXPECT_EQ(counts.ends, 1);
+}
+
 TEST(CallbackKinds, OneThatDeregistersAnotherKeepsItFromBeingCalled)
 {
     const SmallMap map(lone);
