@@ -130,17 +130,174 @@ TEST(Callbacks, OneThatDeregistersItselfIsCalledOnce)
     EXPECT_FALSE(map.Node("A")->DeregisterCallback(handle));
 }
 
-TEST(Polling, TellsWhenTheTimeHasPassed)
+TEST(Callbacks, EveryKindOfWriteTellsTheSame)
 {
-    const SmallMap map(IntReg("R", "0", "<PollingTime>100</PollingTime>") + chain.substr(chain.find("<Category")));
+    const SmallMap map(
+        chain + "<Command Name=\"Do\"><pValue>R</pValue><CommandValue>1</CommandValue></Command>"
+                "<IntConverter Name=\"C\"><FormulaTo>FROM</FormulaTo><FormulaFrom>TO</FormulaFrom><pValue>A</pValue>"
+                "<Slope>Increasing</Slope></IntConverter>");
     Listener listener;
     ListenToAll(map, listener);
+    const std::string all = "A B C Do Other R Root";
+    map.Value("A")->FromString("3");
+    EXPECT_EQ(listener.Take(), all);
+    map.Integer("C")->SetValue(4);
+    EXPECT_EQ(listener.Take(), all);
+    const uint8_t bytes[4] = {};
+    CRegisterPtr(map.Node("R"))->Set(bytes, sizeof bytes);
+    EXPECT_EQ(listener.Take(), all);
+    CCommandPtr(map.Node("Do"))->Execute();
+    EXPECT_EQ(listener.Take(), all);
+}
+
+TEST(Callbacks, AllOfOneNodeAreCalledAndNoneByItsRegistration)
+{
+    const SmallMap map(chain);
+    int first = 0;
+    int second = 0;
+    Register(map.Node("Lone"), std::function<void(INode*)>([&](INode*) { ++first; }));
+    const CallbackHandleType handle =
+        Register(map.Node("Lone"), std::function<void(INode*)>([&](INode*) { ++second; }));
+    EXPECT_EQ(first + second, 0);
+    map.Integer("Lone")->SetValue(1);
+    EXPECT_EQ(first, 1);
+    EXPECT_EQ(second, 1);
+    EXPECT_TRUE(map.Node("Lone")->DeregisterCallback(handle));
+    map.Integer("Lone")->SetValue(1);
+    EXPECT_EQ(first, 2);
+    EXPECT_EQ(second, 1);
+}
+
+// Counts its destructions.
+class Counted : public CNodeCallback
+{
+public:
+    Counted(INode* node, int& counter) : CNodeCallback(node, cbPostInsideLock), destroyed(counter) {}
+    void operator()(ECallbackType) const override {}
+    void Destroy() override
+    {
+        ++destroyed;
+        delete this;
+    }
+
+private:
+    int& destroyed;
+};
+
+TEST(Callbacks, BelongToTheirNode)
+{
+    int destroyed = 0;
+    {
+        const SmallMap map(chain);
+        INode* const node = map.Node("A");
+        Counted* const callback = new Counted(node, destroyed);
+        const CallbackHandleType handle = node->RegisterCallback(callback);
+        EXPECT_EQ(node->RegisterCallback(callback), handle) << "once is enough";
+        EXPECT_FALSE(map.Node("B")->DeregisterCallback(handle)) << "not of this node";
+        EXPECT_EQ(destroyed, 0);
+        EXPECT_TRUE(node->DeregisterCallback(handle));
+        EXPECT_EQ(destroyed, 1);
+        EXPECT_FALSE(node->DeregisterCallback(handle));
+        EXPECT_THROW(node->RegisterCallback(nullptr), InvalidArgumentException);
+        node->RegisterCallback(new Counted(node, destroyed));
+    }
+    EXPECT_EQ(destroyed, 2) << "the end of the map ends what is left";
+}
+
+TEST(Callbacks, OneThatIsDeregisteredByAnotherIsNotCalledAnyMore)
+{
+    const SmallMap map(chain);
+    std::vector<CallbackHandleType> handles(2);
+    int calls = 0;
+    for (size_t i = 0; i < handles.size(); ++i)
+    {
+        handles[i] = Register(map.Node("Lone"), std::function<void(INode*)>([&map, &handles, &calls, i](INode* node) {
+                                  ++calls;
+                                  node->DeregisterCallback(handles[1 - i]);
+                              }));
+    }
+    map.Integer("Lone")->SetValue(1);
+    EXPECT_EQ(calls, 1);
+}
+
+TEST(Callbacks, WriteThatAPortMakesInsideOfAnotherAddsToThatOne)
+{
+    SmallMap map(chain);
+    Listener listener;
+    ListenToAll(map, listener);
+    std::string meanwhile = "not asked";
+    map.port.onWrite = [&] {
+        map.Integer("Lone")->SetValue(2);
+        meanwhile = listener.Take();
+    };
+    map.Integer("A")->SetValue(5);
+    EXPECT_EQ(meanwhile, "") << "the outer write is not done yet";
+    EXPECT_EQ(listener.Take(), "A B Lone Other R Root");
+}
+
+TEST(Callbacks, MayBeSuppressed)
+{
+    const SmallMap map(chain);
+    Listener listener;
+    ListenToAll(map, listener);
+    map.map->SetSuppressCallbackMode(csmActive);
+    map.Integer("Lone")->SetValue(2);
+    map.Integer("Lone")->SetValue(2);
+    EXPECT_EQ(listener.Take(), "");
+    map.map->SetSuppressCallbackMode(csmOnce);
+    map.Integer("Lone")->SetValue(2);
+    EXPECT_EQ(listener.Take(), "") << "the next operation is silent";
+    map.Integer("Lone")->SetValue(2);
+    EXPECT_EQ(listener.Take(), "Lone") << "and the one behind it is not";
+}
+
+TEST(Selectors, SelectedNodesDependOnTheirSelector)
+{
+    const SmallMap map("<Integer Name=\"S\"><Value>0</Value><pSelected>F</pSelected></Integer>"
+                       "<Integer Name=\"F\"><Value>0</Value></Integer>");
+    Listener listener;
+    ListenToAll(map, listener);
+    map.Integer("S")->SetValue(1);
+    EXPECT_EQ(listener.Take(), "F S");
+}
+
+std::string Polled(
+    const std::string& name, const std::string& address, const std::string& time, const std::string& before = "")
+{
+    return "<IntReg Name=\"" + name + "\">" + before + "<Address>" + address +
+           "</Address><Length>4</Length><AccessMode>RW</AccessMode><pPort>Device</pPort><PollingTime>" + time +
+           "</PollingTime><Endianess>LittleEndian</Endianess></IntReg>";
+}
+
+TEST(Polling, TellsTheNodeAndItsDependentsWhenTheTimeIsReached)
+{
+    SmallMap map(Polled("R", "0", "100") + chain.substr(chain.find("<Category")));
+    Listener listener;
+    ListenToAll(map, listener);
+    map.Integer("A")->GetValue();
+    map.port.bytes[0] = 7;
     map.map->Poll(99);
     EXPECT_EQ(listener.Take(), "");
+    EXPECT_EQ(map.Integer("A")->GetValue(), 0);
     map.map->Poll(1);
     EXPECT_EQ(listener.Take(), "A B R Root");
+    EXPECT_EQ(map.port.reads, 1) << "nothing is read by polling";
+    EXPECT_EQ(map.Integer("A")->GetValue(), 7);
     map.map->Poll(99);
-    EXPECT_EQ(listener.Take(), "");
+    EXPECT_EQ(listener.Take(), "") << "it starts again at 0";
+    map.map->Poll(500);
+    EXPECT_EQ(listener.Take(), "A B R Root") << "once, however late";
+}
+
+TEST(Polling, OfTimeZeroTellsEachTime)
+{
+    const SmallMap map(Polled("R", "0", "0"));
+    Listener listener;
+    ListenToAll(map, listener);
+    map.map->Poll(0);
+    EXPECT_EQ(listener.Take(), "R");
+    map.map->Poll(1);
+    EXPECT_EQ(listener.Take(), "R");
 }
 
 TEST(Polling, TimesBeyondAllCountingStandStill)
@@ -159,19 +316,61 @@ TEST(Polling, TimesBeyondAllCountingStandStill)
     EXPECT_EQ(listener.Take(), "R");
 }
 
-TEST(Selectors, SelectedNodesDependOnTheirSelector)
+TEST(Polling, StandsWhileItIsBlocked)
 {
-    const SmallMap map("<Integer Name=\"S\"><Value>0</Value><pSelected>F</pSelected></Integer>"
-                       "<Integer Name=\"F\"><Value>0</Value></Integer>");
+    const SmallMap map(
+        "<Integer Name=\"Block\"><Value>1</Value></Integer>" +
+        Polled("R", "0", "10", "<pBlockPolling>Block</pBlockPolling>"));
+    map.map->Poll(9);
+    map.map->Poll(100);
+    map.Integer("Block")->SetValue(0);
     Listener listener;
     ListenToAll(map, listener);
-    map.Integer("S")->SetValue(1);
-    EXPECT_EQ(listener.Take(), "F S");
-    FeatureList_t selecting;
-    CSelectorPtr(map.Node("F"))->GetSelectingFeatures(selecting);
-    ASSERT_EQ(selecting.size(), 1u);
-    EXPECT_STREQ(selecting[0]->GetNode()->GetName().c_str(), "S");
-    EXPECT_TRUE(CSelectorPtr(map.Node("S"))->IsSelector());
+    map.map->Poll(9);
+    EXPECT_EQ(listener.Take(), "") << "what passed meanwhile does not count";
+    map.map->Poll(1);
+    EXPECT_EQ(listener.Take(), "R");
+}
+
+TEST(Polling, OfACommandLastsFromItsExecutionToItsEnd)
+{
+    SmallMap map(
+        IntReg("R", "0") +
+        "<Command Name=\"C\"><pValue>R</pValue><CommandValue>1</CommandValue><PollingTime>10</PollingTime></Command>");
+    Listener listener;
+    ListenToAll(map, listener);
+    map.map->Poll(10);
+    EXPECT_EQ(listener.Take(), "");
+    CCommandPtr(map.Node("C"))->Execute();
+    listener.Take();
+    map.map->Poll(10);
+    EXPECT_EQ(listener.Take(), "C");
+    map.port.bytes[0] = 0;
+    EXPECT_TRUE(CCommandPtr(map.Node("C"))->IsDone());
+    listener.Take();
+    map.map->Poll(10);
+    EXPECT_EQ(listener.Take(), "");
+}
+
+TEST(Polling, OfAnEnumerationLastsWhileASelfClearingEntryStands)
+{
+    SmallMap map(
+        IntReg("R", "0") + "<Enumeration Name=\"E\"><EnumEntry Name=\"Idle\"><Value>0</Value></EnumEntry><EnumEntry "
+                           "Name=\"Once\"><Value>1</Value>"
+                           "<IsSelfClearing>Yes</IsSelfClearing></EnumEntry><pValue>R</pValue><PollingTime>10</"
+                           "PollingTime></Enumeration>");
+    Listener listener;
+    ListenToAll(map, listener);
+    map.map->Poll(10);
+    EXPECT_EQ(listener.Take(), "");
+    map.Value("E")->FromString("Once");
+    listener.Take();
+    map.map->Poll(10);
+    EXPECT_EQ(listener.Take(), "E");
+    map.port.bytes[0] = 0;
+    EXPECT_STREQ(map.Value("E")->ToString().c_str(), "Idle");
+    map.map->Poll(10);
+    EXPECT_EQ(listener.Take(), "");
 }
 
 } // namespace
