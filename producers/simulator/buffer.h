@@ -3,6 +3,7 @@
 // Owned by its stream from announcement to revoke. All fields that change are guarded by the stream's mutex.
 #pragma once
 
+#include "producers/simulator/frame_plan.h"
 #include "producers/simulator/module.h"
 
 #include <cstddef>
@@ -31,6 +32,10 @@ struct FillResult
     std::size_t deliveredLines = 0;
     bool incomplete = false;
     bool largerThanBuffer = false;
+    // Of the image, as the features were when it was taken.
+    ImageShape shape{nullptr, 0, 0};
+    std::size_t offsetX = 0;
+    std::size_t offsetY = 0;
 };
 
 class Buffer final : public Module

@@ -1,6 +1,8 @@
 #include "producers/simulator/camera.h"
 
+#include "producers/simulator/camera_descriptions.h"
 #include "producers/simulator/picture.h"
+#include "producers/simulator/producer_facts.h"
 
 #include <utility>
 
@@ -11,24 +13,24 @@ namespace
 
 std::unique_ptr<ImageSource> MakeSource(const CameraSettings& settings)
 {
-    const ImageShape shape{settings.format, settings.width, settings.height};
     switch (settings.source)
     {
     case SourceKind::Sequence:
-        return MakeSequenceSource(shape);
+        return MakeSequenceSource();
     case SourceKind::Folder:
-        return MakePictureSource(shape, LoadFolder(settings.folder));
+        return MakePictureSource(LoadFolder(settings.folder));
     case SourceKind::Pattern:
         break;
     }
-    return MakePatternSource(shape);
+    return MakePatternSource();
 }
 
 } // namespace
 
 Camera::Camera(const CameraSettings& cameraSettings, CameraConnection plug, const Misbehaviour& misbehaviour)
     : settings(cameraSettings), connection(std::move(plug)), id(settings.model + "_" + settings.serial),
-      source(MakeSource(settings))
+      source(MakeSource(settings)), features(std::make_shared<CameraFeatures>(settings, connection)),
+      registers(MakeCameraRegisters(Facts("Device", "Device"), features))
 {
     const auto concerns = [this](const auto& fault) { return fault.camera == "*" || fault.camera == settings.serial; };
     std::copy_if(misbehaviour.frames.begin(), misbehaviour.frames.end(), std::back_inserter(frameFaults), concerns);
@@ -38,7 +40,7 @@ Camera::Camera(const CameraSettings& cameraSettings, CameraConnection plug, cons
 
 bool Camera::AnswersTo(const std::string& name) const
 {
-    return name == id || name == settings.serial || (!name.empty() && name == settings.userName);
+    return name == id || name == settings.serial || (!name.empty() && name == UserName());
 }
 
 const FrameFault* Camera::FaultOfFrame(std::uint64_t n) const noexcept
@@ -62,21 +64,37 @@ bool Camera::IsPresent() const
 void Camera::Vanish()
 {
     const std::lock_guard lock(mutex);
-    Unplug();
+    Unplug(deviceFault.missingUpdates);
 }
 
-void Camera::Unplug() noexcept
+void Camera::VanishAfterReset()
+{
+    if (settings.resetMissingUpdates == 0) return;
+    const std::uint64_t resets = features->NumResets();
+    const std::lock_guard lock(mutex);
+    if (resets > resetsSeen) Unplug(settings.resetMissingUpdates);
+}
+
+void Camera::Unplug(std::uint64_t updates)
 {
     if (!present) return; // gone already: what it missed goes on counting
     present = false;
     numMissed = 0;
+    missingUpdates = updates;
+    features->OnPowerLoss();
+    resetsSeen = features->NumResets();
+}
+
+PortFacts Camera::Facts(const char* module, const char* portName) const
+{
+    return {id, settings.vendor, settings.model, connection.tlType, module, portName, producerVersion};
 }
 
 bool Camera::OnListUpdate()
 {
     const std::lock_guard lock(mutex);
-    if (++numUpdates == deviceFault.vanishAtUpdate) Unplug();
-    if (!present && deviceFault.missingUpdates > 0 && numMissed++ == deviceFault.missingUpdates) present = true;
+    if (++numUpdates == deviceFault.vanishAtUpdate) Unplug(deviceFault.missingUpdates);
+    if (!present && missingUpdates > 0 && numMissed++ == missingUpdates) present = true;
     return present;
 }
 

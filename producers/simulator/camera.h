@@ -4,9 +4,9 @@
 // Owned by the library, shared with open devices. Any thread.
 #pragma once
 
+#include "producers/simulator/camera_features.h"
 #include "producers/simulator/image_source.h"
 #include "producers/simulator/settings.h"
-#include "producers/simulator/transport.h"
 
 #include <algorithm>
 #include <memory>
@@ -16,13 +16,6 @@
 
 namespace koro::simulator
 {
-
-// Where a camera is plugged in.
-struct CameraConnection
-{
-    std::string tlType;
-    NetworkAddress network; // of GigE Vision cameras
-};
 
 class Camera
 {
@@ -36,6 +29,10 @@ public:
     const NetworkAddress& Network() const noexcept { return connection.network; }
     std::string DisplayName() const { return settings.vendor + " " + settings.model + " (" + id + ")"; }
     const ImageSource& Source() const noexcept { return *source; }
+    CameraFeatures& Features() const noexcept { return *features; }
+    PortFacts Facts(const char* module, const char* portName) const;
+    // With the camera's description.
+    const PortRegisters& Registers() const noexcept { return registers; }
 
     // Id, serial number or user name.
     bool AnswersTo(const std::string& name) const;
@@ -44,20 +41,25 @@ public:
     const FrameFault* FaultOfFrame(std::uint64_t n) const noexcept;
     bool VanishesAtFrame(std::uint64_t n) const noexcept;
 
-    std::string UserName() const { return settings.userName; }
+    std::string UserName() const { return features->UserName(); }
 
     bool IsPresent() const;
+    // A camera that is gone already stays gone as long as it was told.
     void Vanish();
+    // Goes after each DeviceReset when the settings want it.
+    void VanishAfterReset();
     // Counts one list update; whether the camera is found by it.
     bool OnListUpdate();
 
 private:
-    void Unplug() noexcept; // mutex held
+    void Unplug(std::uint64_t updates); // mutex held
 
     const CameraSettings settings;
     const CameraConnection connection;
     const std::string id;
     std::unique_ptr<ImageSource> source;
+    const std::shared_ptr<CameraFeatures> features;
+    const PortRegisters registers;
     std::vector<FrameFault> frameFaults;
     DeviceFault deviceFault;
 
@@ -65,6 +67,8 @@ private:
     bool present = true;
     std::uint64_t numUpdates = 0;
     std::uint64_t numMissed = 0;
+    std::uint64_t missingUpdates = 0; // this time; 0: for good
+    std::uint64_t resetsSeen = 0;
 };
 
 } // namespace koro::simulator

@@ -158,7 +158,24 @@ void DataStream::Start(ACQ_START_FLAGS flags, std::uint64_t number)
         if (queue.NumAnnounced() < announceMinimum)
             throw Failure(GC_ERR_INVALID_BUFFER, "at least one buffer must be announced");
     }
-    engine.Start(number);
+    camera->Features().OnStreamStart();
+    try
+    {
+        engine.Start(number);
+    }
+    catch (...)
+    {
+        camera->Features().OnStreamStop();
+        throw;
+    }
+}
+
+void DataStream::StopEngine(bool kill)
+{
+    if (!engine.IsStarted()) return;
+    engine.Stop(kill);
+    // A camera that went has stopped by itself, and may be open again elsewhere.
+    if (!*parent->ConnectionLost()) camera->Features().OnStreamStop();
 }
 
 void DataStream::Stop(ACQ_STOP_FLAGS flags)
@@ -167,14 +184,14 @@ void DataStream::Stop(ACQ_STOP_FLAGS flags)
         throw Failure(GC_ERR_NOT_IMPLEMENTED, "unknown stop flag");
     const std::lock_guard steering(control);
     if (!engine.IsStarted()) throw Failure(GC_ERR_RESOURCE_IN_USE, "the acquisition is not started");
-    engine.Stop(flags == ACQ_STOP_FLAGS_KILL);
+    StopEngine(flags == ACQ_STOP_FLAGS_KILL);
 }
 
 void DataStream::OnClose()
 {
     {
         const std::lock_guard steering(control);
-        engine.Stop(true);
+        StopEngine(true);
     }
     std::vector<std::shared_ptr<Buffer>> buffers;
     {
@@ -206,7 +223,7 @@ InfoValue DataStream::Info(STREAM_INFO_CMD command) const
     case STREAM_INFO_NUM_STARTED:
         return InfoValue::UInt64(queue.counters.started);
     case STREAM_INFO_PAYLOAD_SIZE:
-        return InfoValue::Size(camera->Source().Shape().PayloadBytes());
+        return InfoValue::Size(camera->Features().Shape().PayloadBytes());
     case STREAM_INFO_IS_GRABBING:
         return InfoValue::Bool(engine.IsGrabbing());
     case STREAM_INFO_DEFINES_PAYLOADSIZE:
@@ -277,8 +294,8 @@ InfoValue DataStream::BufferInfo(const Buffer& buffer, BUFFER_INFO_CMD command) 
 
 InfoValue DataStream::FilledBufferInfo(const Buffer& buffer, BUFFER_INFO_CMD command) const
 {
-    const ImageShape& shape = camera->Source().Shape();
     const FillResult& result = buffer.result;
+    const ImageShape& shape = result.shape;
     switch (command)
     {
     case BUFFER_INFO_TIMESTAMP:
@@ -293,7 +310,9 @@ InfoValue DataStream::FilledBufferInfo(const Buffer& buffer, BUFFER_INFO_CMD com
     case BUFFER_INFO_HEIGHT:
         return InfoValue::Size(shape.height);
     case BUFFER_INFO_XOFFSET:
+        return InfoValue::Size(result.offsetX);
     case BUFFER_INFO_YOFFSET:
+        return InfoValue::Size(result.offsetY);
     case BUFFER_INFO_XPADDING:
     case BUFFER_INFO_YPADDING:
     case BUFFER_INFO_IMAGEOFFSET:

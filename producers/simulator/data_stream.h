@@ -52,6 +52,7 @@ private:
     void OnClose() override;
 
     PortRegisters MakeRegisters();
+    void StopEngine(bool kill); // control held
     std::shared_ptr<Buffer> Add(std::shared_ptr<Buffer> buffer);
     void RequireBufferLocked(const Buffer& buffer) const;
     InfoValue FilledBufferInfo(const Buffer& buffer, BUFFER_INFO_CMD command) const;

@@ -19,6 +19,10 @@ extern const Description systemDescription;
 extern const Description interfaceDescription;
 extern const Description deviceDescription;
 extern const Description streamDescription;
-extern const Description remoteDeviceDescription;
+
+// Of cameras, by transport.
+extern const Description gevDescription;
+extern const Description u3vDescription;
+extern const Description plainDescription;
 
 } // namespace koro::simulator

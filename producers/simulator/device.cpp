@@ -13,21 +13,6 @@ namespace
 
 constexpr std::uint64_t timestampTicksPerSecond = 1'000'000'000;
 
-// Registers of the camera, as descriptions/koro_simulator_remoteDevice.xml names them.
-constexpr std::uint64_t serialRegister = 0x200;
-constexpr std::uint64_t userNameRegister = 0x240;
-constexpr std::uint64_t widthRegister = 0x300;
-constexpr std::uint64_t heightRegister = 0x304;
-constexpr std::uint64_t pixelFormatRegister = 0x308;
-constexpr std::uint64_t payloadSizeRegister = 0x310;
-constexpr std::uint64_t paramsLockedRegister = 0x318;
-
-PortFacts CameraFacts(const Camera& camera, const char* module, const char* name)
-{
-    const CameraSettings& settings = camera.Settings();
-    return {camera.Id(), settings.vendor, settings.model, camera.TLType(), module, name, producerVersion};
-}
-
 constexpr std::uint64_t standardEndianess = 1; // of DeviceEndianessMechanism
 
 // A number that nothing follows from.
@@ -46,6 +31,29 @@ InfoValue TextIfAny(const std::string& text)
     if (text.empty()) throw Failure(GC_ERR_NOT_AVAILABLE, "the camera has none");
     return InfoValue::Text(text);
 }
+
+// A camera's registers while it is open: the device learns of each write.
+class WatchedRegisters final : public RegisterSpace
+{
+public:
+    WatchedRegisters(std::shared_ptr<Camera> openedCamera, const std::shared_ptr<Device>& openDevice)
+        : camera(std::move(openedCamera)), device(openDevice)
+    {}
+
+    void Read(std::uint64_t address, std::span<std::byte> out) const override
+    {
+        camera->Registers().space->Read(address, out);
+    }
+    void Write(std::uint64_t address, std::span<const std::byte> in) override
+    {
+        camera->Registers().space->Write(address, in);
+        if (const auto open = device.lock()) open->OnCameraWritten();
+    }
+
+private:
+    const std::shared_ptr<Camera> camera;
+    const std::weak_ptr<Device> device; // it owns these registers
+};
 
 } // namespace
 
@@ -67,7 +75,7 @@ InfoValue DeviceInfo(const Camera& camera, DEVICE_ACCESS_STATUS status, DEVICE_I
     case DEVICE_INFO_ACCESS_STATUS:
         return InfoValue::Int32(status);
     case DEVICE_INFO_USER_DEFINED_NAME:
-        return TextIfAny(settings.userName);
+        return TextIfAny(camera.UserName());
     case DEVICE_INFO_SERIAL_NUMBER:
         return InfoValue::Text(settings.serial);
     case DEVICE_INFO_VERSION:
@@ -79,38 +87,25 @@ InfoValue DeviceInfo(const Camera& camera, DEVICE_ACCESS_STATUS status, DEVICE_I
     }
 }
 
-RemoteDevice::RemoteDevice(const Camera& camera, Port::Gate gate)
-    : userName(camera.Settings().userName),
-      port(CameraFacts(camera, "Device", "Device"), MakeRegisters(camera), std::move(gate))
+RemoteDevice::RemoteDevice(const Camera& camera, PortRegisters registers, Port::Gate gate)
+    : port(camera.Facts("Device", "Device"), std::move(registers), std::move(gate))
 {}
-
-PortRegisters RemoteDevice::MakeRegisters(const Camera& camera)
-{
-    auto map = std::make_shared<RegisterMap>();
-    const ImageShape& shape = camera.Source().Shape();
-    AddCommonRegisters(*map, CameraFacts(camera, "Device", "Device"), remoteDeviceDescription);
-    map->AddText(serialRegister, textRegisterBytes, camera.Settings().serial);
-    map->AddText(
-        userNameRegister, textRegisterBytes, [this] { return userName; },
-        [this](std::string text) { userName = std::move(text); });
-    map->AddInteger(widthRegister, 4, shape.width);
-    map->AddInteger(heightRegister, 4, shape.height);
-    map->AddInteger(pixelFormatRegister, 4, shape.format->code);
-    map->AddInteger(payloadSizeRegister, 8, shape.PayloadBytes());
-    AddSetting(*map, paramsLockedRegister, paramsLocked, 0, 1);
-    return {map, {LocalURL(remoteDeviceDescription)}};
-}
 
 Device::Device(
     std::shared_ptr<Interface> parentInterface, std::shared_ptr<Camera> openedCamera, DEVICE_ACCESS_FLAGS openedWith)
     : parent(std::move(parentInterface)), camera(std::move(openedCamera)), access(openedWith),
-      port(CameraFacts(*camera, "TLDevice", "DevicePort"), MakeRegisters())
+      port(camera->Facts("TLDevice", "DevicePort"), MakeRegisters())
+{}
+
+void Device::Connect()
 {
     const auto gate = [connectionLost = lost, readOnly = access == DEVICE_ACCESS_READONLY](bool write) {
         if (*connectionLost) throw Failure(GC_ERR_IO, "the camera is gone");
         if (write && readOnly) throw Failure(GC_ERR_ACCESS_DENIED, "the device is open for reading only");
     };
-    remote = std::make_shared<RemoteDevice>(*camera, gate);
+    PortRegisters registers = camera->Registers();
+    registers.space = std::make_shared<WatchedRegisters>(camera, std::static_pointer_cast<Device>(shared_from_this()));
+    remote = std::make_shared<RemoteDevice>(*camera, std::move(registers), gate);
     Handles().Add(remote);
 }
 
@@ -118,7 +113,7 @@ PortRegisters Device::MakeRegisters()
 {
     auto map = std::make_shared<RegisterMap>();
     const NetworkAddress& network = camera->Network();
-    AddCommonRegisters(*map, CameraFacts(*camera, "TLDevice", "DevicePort"), deviceDescription);
+    AddCommonRegisters(*map, camera->Facts("TLDevice", "DevicePort"), deviceDescription);
     map->AddText(0x100, textRegisterBytes, camera->Settings().serial);
     map->AddInteger(0x140, 4, TransportTypeNumber(camera->TLType()));
     map->AddInteger(0x144, 4, [this] { return static_cast<std::uint64_t>(AccessStatus()); });
@@ -159,6 +154,12 @@ void Device::OnCameraLost()
     if (!lost->exchange(true)) RaiseEvent(EVENT_ERROR, ErrorBlock(GC_ERR_IO, "the camera is gone"));
 }
 
+void Device::OnCameraWritten()
+{
+    camera->VanishAfterReset();
+    if (!camera->IsPresent()) OnCameraLost();
+}
+
 std::shared_ptr<DataStream> Device::OpenStream(const std::string& id)
 {
     if (id != DataStream::TheId()) throw Failure(GC_ERR_INVALID_ID, "there is no stream '" + id + "'");
@@ -170,6 +171,7 @@ std::shared_ptr<DataStream> Device::OpenStream(const std::string& id)
 void Device::OnClose()
 {
     streams.CloseAll();
+    if (!*lost) camera->Features().OnRelease();
     remote->Close();
     parent->Forget(*this);
 }

@@ -20,17 +20,12 @@ class Interface;
 class RemoteDevice final : public Module
 {
 public:
-    RemoteDevice(const Camera& camera, Port::Gate gate);
+    RemoteDevice(const Camera& camera, PortRegisters registers, Port::Gate gate);
 
     Port& ModulePort() override { return port; }
 
 private:
     void OnClose() override {}
-    PortRegisters MakeRegisters(const Camera& camera);
-
-    // Guarded by the lock of the registers.
-    std::string userName;
-    std::uint64_t paramsLocked = 0;
 
     Port port;
 };
@@ -40,6 +35,9 @@ class Device final : public Module
 public:
     Device(
         std::shared_ptr<Interface> parentInterface, std::shared_ptr<Camera> openedCamera, DEVICE_ACCESS_FLAGS access);
+
+    // To be called once, when the device is complete: makes the remote device.
+    void Connect();
 
     const std::string& Id() const noexcept { return camera->Id(); }
     const Camera& TheCamera() const noexcept { return *camera; }
@@ -57,6 +55,8 @@ public:
     void RequireConnection() const;
     // The camera's cable is pulled.
     void OnCameraLost();
+    // After a write to the camera, which may have reset it.
+    void OnCameraWritten();
 
 private:
     bool SupportsEvent(EVENT_TYPE type) const noexcept override;

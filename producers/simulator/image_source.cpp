@@ -1,7 +1,6 @@
 #include "producers/simulator/image_source.h"
 
 #include <algorithm>
-#include <cstring>
 #include <utility>
 
 namespace koro::simulator
@@ -9,18 +8,42 @@ namespace koro::simulator
 namespace
 {
 
-// Draws line by line from a function (component, x, y) -> sample.
+// The mean of the sensor pixels behind one pixel of the image; `sampleAt` is a function (sensor column, sensor line).
 template <typename SampleAt>
-void DrawLines(const ImageShape& shape, std::span<std::byte> memory, const SampleAt& sampleAt)
+std::uint16_t Mean(const FramePlan& plan, std::size_t left, std::size_t top, const SampleAt& sampleAt)
 {
+    if (plan.x.binning == 1 && plan.y.binning == 1) return sampleAt(left, top);
+    std::uint32_t sum = 0;
+    for (std::size_t y = 0; y < plan.y.binning; ++y)
+        for (std::size_t x = 0; x < plan.x.binning; ++x)
+            sum += sampleAt(left + x, top + y);
+    return static_cast<std::uint16_t>(sum / (plan.x.binning * plan.y.binning));
+}
+
+// Draws line by line from a function (component, sensor column, sensor line) -> sample. `responds`: the camera's
+// electronics take part.
+template <typename SampleAt>
+void DrawLines(const FramePlan& plan, std::span<std::byte> memory, bool responds, const SampleAt& sampleAt)
+{
+    const ImageShape& shape = plan.shape;
     const std::size_t perPixel = shape.format->SamplesPerPixel();
     std::vector<std::uint16_t> samples(shape.width * perPixel);
     const std::size_t lines = std::min(shape.height, memory.size() / shape.LineBytes());
     for (std::size_t y = 0; y < lines; ++y)
     {
+        const std::size_t top = plan.y.SensorAt(y);
         for (std::size_t x = 0, at = 0; x < shape.width; ++x)
+        {
+            const std::size_t left = plan.x.SensorAt(x);
             for (std::size_t index = 0; index < perPixel; ++index)
-                samples[at++] = sampleAt(shape.format->ComponentAt(index, x, y), x, y);
+            {
+                const Component component = shape.format->ComponentAt(index, x, y);
+                const auto sample = Mean(plan, left, top, [&](std::size_t column, std::size_t line) {
+                    return sampleAt(component, column, line);
+                });
+                samples[at++] = responds ? plan.Respond(component, sample) : sample;
+            }
+        }
         PackLine(*shape.format, samples, memory.subspan(y * shape.LineBytes(), shape.LineBytes()));
     }
 }
@@ -28,40 +51,43 @@ void DrawLines(const ImageShape& shape, std::span<std::byte> memory, const Sampl
 class PatternSource final : public ImageSource
 {
 public:
-    using ImageSource::ImageSource;
+    std::size_t NumPictures() const noexcept override { return 0; }
 
-    void Draw(std::uint64_t n, std::span<std::byte> memory) const override
+private:
+    void DrawScene(std::uint64_t n, const FramePlan& plan, std::span<std::byte> memory) const override
     {
-        if (Shape().format->colours == Colours::Mono && Shape().format->packing == Packing::Bytes)
-            return DrawMono8(n, memory);
-        const unsigned depth = Shape().format->depth;
-        DrawLines(Shape(), memory, [n, depth](Component component, std::size_t x, std::size_t y) {
+        const PixelFormat& format = *plan.shape.format;
+        if (format.colours == Colours::Mono && format.packing == Packing::Bytes && plan.IsPlain())
+            return DrawMono8(n, plan, memory);
+        const unsigned depth = format.depth;
+        DrawLines(plan, memory, true, [n, depth](Component component, std::size_t x, std::size_t y) {
             return Deepen(PatternValue(component, x, y, n), depth, x);
         });
     }
 
-private:
     // The common format of tests and benches, without the detour over samples.
-    void DrawMono8(std::uint64_t n, std::span<std::byte> memory) const
+    static void DrawMono8(std::uint64_t n, const FramePlan& plan, std::span<std::byte> memory)
     {
-        const std::size_t width = Shape().width;
-        const std::size_t lines = std::min(Shape().height, memory.size() / width);
+        const std::size_t width = plan.shape.width;
+        const std::size_t lines = std::min(plan.shape.height, memory.size() / width);
+        const std::uint64_t first = n + plan.x.offset + plan.y.offset;
         for (std::size_t y = 0; y < lines; ++y)
             for (std::size_t x = 0; x < width; ++x)
-                memory[y * width + x] = static_cast<std::byte>(PatternValue(Component::Mono, x, y, n));
+                memory[y * width + x] = static_cast<std::byte>(PatternValue(Component::Mono, x, y, first));
     }
 };
 
 class SequenceSource final : public ImageSource
 {
 public:
-    using ImageSource::ImageSource;
+    std::size_t NumPictures() const noexcept override { return sequenceLength; }
 
-    void Draw(std::uint64_t n, std::span<std::byte> memory) const override
+private:
+    void DrawScene(std::uint64_t n, const FramePlan& plan, std::span<std::byte> memory) const override
     {
-        const ImageShape& image = Shape();
-        DrawLines(image, memory, [n, &image](Component component, std::size_t x, std::size_t y) {
-            return Deepen(SequenceValue(component, x, y, n, image.width, image.height), image.format->depth, x);
+        DrawLines(plan, memory, true, [n, &plan](Component component, std::size_t x, std::size_t y) {
+            const auto value = SequenceValue(component, x, y, n, plan.sensorWidth, plan.sensorHeight);
+            return Deepen(value, plan.shape.format->depth, x);
         });
     }
 };
@@ -69,48 +95,47 @@ public:
 class PictureSource final : public ImageSource
 {
 public:
-    PictureSource(const ImageShape& imageShape, const std::vector<Picture>& pictures) : ImageSource(imageShape)
-    {
-        for (const Picture& picture : pictures)
-            payloads.push_back(Render(picture));
-    }
+    explicit PictureSource(std::vector<Picture> thePictures) : pictures(std::move(thePictures)) {}
 
-    void Draw(std::uint64_t n, std::span<std::byte> memory) const override
-    {
-        const std::vector<std::byte>& payload = payloads[(n - 1) % payloads.size()];
-        const std::size_t lines = std::min(Shape().height, memory.size() / Shape().LineBytes());
-        std::memcpy(memory.data(), payload.data(), lines * Shape().LineBytes());
-    }
+    std::size_t NumPictures() const noexcept override { return pictures.size(); }
 
 private:
-    std::vector<std::byte> Render(const Picture& picture) const
+    void DrawScene(std::uint64_t n, const FramePlan& plan, std::span<std::byte> memory) const override
     {
-        std::vector<std::byte> payload(Shape().PayloadBytes());
-        const unsigned depth = Shape().format->depth;
-        DrawLines(Shape(), payload, [&picture, depth](Component component, std::size_t x, std::size_t y) {
+        const Picture& picture = pictures[(n - 1) % pictures.size()];
+        const unsigned depth = plan.shape.format->depth;
+        DrawLines(plan, memory, true, [&picture, depth](Component component, std::size_t x, std::size_t y) {
             return static_cast<std::uint16_t>(picture.ValueAt(component, x, y) >> (16 - depth));
         });
-        return payload;
     }
 
-    std::vector<std::vector<std::byte>> payloads;
+    const std::vector<Picture> pictures;
 };
 
 } // namespace
 
-std::unique_ptr<ImageSource> MakePatternSource(const ImageShape& shape)
+void ImageSource::Draw(std::uint64_t n, const FramePlan& plan, std::span<std::byte> memory) const
 {
-    return std::make_unique<PatternSource>(shape);
+    if (plan.testPattern == TestPattern::Off) return DrawScene(n, plan, memory);
+    const unsigned depth = plan.shape.format->depth;
+    DrawLines(plan, memory, false, [n, &plan, depth](Component component, std::size_t x, std::size_t y) {
+        return Deepen(TestPatternValue(plan.testPattern, component, x, y, n, plan.sensorWidth), depth, x);
+    });
 }
 
-std::unique_ptr<ImageSource> MakeSequenceSource(const ImageShape& shape)
+std::unique_ptr<ImageSource> MakePatternSource()
 {
-    return std::make_unique<SequenceSource>(shape);
+    return std::make_unique<PatternSource>();
 }
 
-std::unique_ptr<ImageSource> MakePictureSource(const ImageShape& shape, const std::vector<Picture>& pictures)
+std::unique_ptr<ImageSource> MakeSequenceSource()
 {
-    return std::make_unique<PictureSource>(shape, pictures);
+    return std::make_unique<SequenceSource>();
+}
+
+std::unique_ptr<ImageSource> MakePictureSource(std::vector<Picture> pictures)
+{
+    return std::make_unique<PictureSource>(std::move(pictures));
 }
 
 } // namespace koro::simulator

@@ -167,7 +167,9 @@ std::shared_ptr<Device> Interface::OpenDevice(const std::string& name, DEVICE_AC
     RequireAccess(access);
     return devices.Open(camera->Id(), [&] {
         if (!camera->IsPresent()) throw Failure(GC_ERR_IO, "the camera is gone");
-        return std::make_shared<Device>(std::static_pointer_cast<Interface>(shared_from_this()), camera, access);
+        auto device = std::make_shared<Device>(std::static_pointer_cast<Interface>(shared_from_this()), camera, access);
+        device->Connect();
+        return device;
     });
 }
 

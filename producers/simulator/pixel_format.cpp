@@ -53,21 +53,14 @@ std::vector<PixelFormat> MakeFormats()
 {
     std::vector<PixelFormat> formats;
     for (const Row& row : rows)
-    {
         formats.push_back({std::string("Mono") + row.suffix, row.mono, Colours::Mono, row.depth, row.packing});
-        for (std::size_t kind = 0; kind < std::size(bayerKinds); ++kind)
+    for (std::size_t kind = 0; kind < std::size(bayerKinds); ++kind)
+        for (const Row& row : rows)
             formats.push_back(
                 {std::string(bayerKinds[kind].first) + row.suffix, row.bayer[kind], bayerKinds[kind].second, row.depth,
                  row.packing});
-    }
     formats.push_back({"RGB8", 0x02180014, Colours::RGB, 8, Packing::Bytes});
     formats.push_back({"BGR8", 0x02180015, Colours::BGR, 8, Packing::Bytes});
-    return formats;
-}
-
-const std::vector<PixelFormat>& Formats()
-{
-    static const std::vector<PixelFormat> formats = MakeFormats();
     return formats;
 }
 
@@ -99,6 +92,12 @@ void PackBits(unsigned depth, std::span<const std::uint16_t> samples, std::span<
 }
 
 } // namespace
+
+const std::vector<PixelFormat>& PixelFormats()
+{
+    static const std::vector<PixelFormat> formats = MakeFormats();
+    return formats;
+}
 
 std::size_t PixelFormat::SamplesPerPixel() const noexcept
 {
@@ -140,15 +139,22 @@ bool PixelFormat::FitsWidth(std::size_t width) const noexcept
 
 const PixelFormat* FindPixelFormat(std::string_view name)
 {
-    for (const PixelFormat& format : Formats())
+    for (const PixelFormat& format : PixelFormats())
         if (format.name == name) return &format;
+    return nullptr;
+}
+
+const PixelFormat* FindPixelFormatByCode(std::uint64_t code)
+{
+    for (const PixelFormat& format : PixelFormats())
+        if (format.code == code) return &format;
     return nullptr;
 }
 
 std::string PixelFormatNames()
 {
     std::string names;
-    for (const PixelFormat& format : Formats())
+    for (const PixelFormat& format : PixelFormats())
         names += (names.empty() ? "" : " ") + format.name;
     return names;
 }

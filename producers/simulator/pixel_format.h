@@ -8,6 +8,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace koro::simulator
 {
@@ -52,6 +53,10 @@ struct PixelFormat
 
 // Null for a name that the simulator does not know.
 const PixelFormat* FindPixelFormat(std::string_view name);
+const PixelFormat* FindPixelFormatByCode(std::uint64_t code);
+
+// In the order of the enumeration PixelFormat of the descriptions.
+const std::vector<PixelFormat>& PixelFormats();
 
 // All names, separated by blanks, for error texts.
 std::string PixelFormatNames();

@@ -19,10 +19,10 @@ constexpr std::size_t maxInterfaces = 16;
 constexpr std::size_t maxCameras = 256;
 constexpr std::size_t maxFaults = 1024;
 constexpr std::int64_t maxSide = 16384;
-constexpr std::size_t maxPayloadBytes = std::size_t{1} << 28;
 constexpr double maxRate = 100000;
 constexpr std::int64_t maxDelay_ms = 60000;
 constexpr std::int64_t maxInfoBytes = std::int64_t{1} << 20;
+constexpr std::int64_t maxCommandBytes = 16384;
 constexpr std::size_t maxNameLength = 63; // with its terminator it fills a register of the camera
 
 using Json = nlohmann::json;
@@ -82,6 +82,10 @@ void ReadCommon(JsonObject& object, CameraSettings& camera)
     camera.format = FindPixelFormat(format);
     if (camera.format == nullptr) object.Refuse("pixelFormat", "'" + format + "' is none of " + PixelFormatNames());
     ReadSource(object, camera);
+    object.Read("startWithStream", camera.startWithStream);
+    object.Read("longestCommand", camera.longestCommand, 0, maxCommandBytes);
+    object.Read("longestPassingCommand", camera.longestPassingCommand, 0, maxCommandBytes);
+    object.Read("resetMissingUpdates", camera.resetMissingUpdates, 0, INT64_MAX);
 }
 
 void CheckShape(const JsonObject& object, const CameraSettings& camera)

@@ -5,6 +5,7 @@
 #include "producers/simulator/pixel_format.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -32,6 +33,12 @@ struct CameraSettings
     double rate = 25; // frames per second; 0 unpaced
     SourceKind source = SourceKind::Pattern;
     std::filesystem::path folder; // for SourceKind::Folder
+
+    // The one place of the default: false lets cameras stay silent until AcquisitionStart is executed.
+    bool startWithStream = true;
+    std::size_t longestCommand = 1024;     // bytes, GevGVCPCMDLength
+    std::size_t longestPassingCommand = 0; // bytes that the path to the test memory lets pass; 0: all
+    std::uint64_t resetMissingUpdates = 0; // list updates that miss the camera after DeviceReset; 0: it stays
 };
 
 struct InterfaceSettings
@@ -50,6 +57,8 @@ struct Settings
     std::vector<InterfaceSettings> interfaces;
     Misbehaviour misbehaviour;
 };
+
+inline constexpr std::size_t maxPayloadBytes = std::size_t{1} << 28; // of one image
 
 Settings DefaultSettings();
 

@@ -13,7 +13,6 @@ constexpr int maxLooks = 5000; // a few microseconds
 
 std::chrono::steady_clock::duration PeriodOf(double rate)
 {
-    if (rate <= 0) return {};
     constexpr double longest_s = 86400 * 365;
     return std::chrono::duration_cast<std::chrono::steady_clock::duration>(
         std::chrono::duration<double>(std::min(1 / rate, longest_s)));
@@ -25,7 +24,7 @@ StreamEngine::StreamEngine(
     std::mutex& streamsMutex, BufferQueue& bufferQueue, std::shared_ptr<Camera> streamsCamera,
     std::shared_ptr<const std::atomic<bool>> connectionLost, Reports streamsReports)
     : mutex(streamsMutex), queue(bufferQueue), camera(std::move(streamsCamera)), lost(std::move(connectionLost)),
-      reports(std::move(streamsReports)), period(PeriodOf(camera->Settings().rate))
+      reports(std::move(streamsReports)), drawer(camera->Source())
 {}
 
 void StreamEngine::Start(std::uint64_t number)
@@ -36,14 +35,16 @@ void StreamEngine::Start(std::uint64_t number)
         killing = false;
         grabbing = true;
         queue.counters.delivered = 0;
-        nextDue = Clock::now();
+        run = 0;
     }
+    listener = camera->Features().Listen([this] { OnCameraWritten(); });
     try
     {
         thread = std::thread([this, number] { Run(number); });
     }
     catch (...)
     {
+        camera->Features().Unlisten(listener);
         const std::lock_guard lock(mutex);
         grabbing = false;
         throw;
@@ -60,8 +61,17 @@ void StreamEngine::Stop(bool kill)
         wake.notify_all();
     }
     thread.join();
+    camera->Features().Unlisten(listener);
     const std::lock_guard lock(mutex);
     grabbing = false;
+}
+
+void StreamEngine::OnCameraWritten()
+{
+    const std::lock_guard lock(mutex);
+    written = true;
+    called.store(true, std::memory_order_relaxed);
+    wake.notify_all();
 }
 
 void StreamEngine::NotifyInput() noexcept
@@ -96,31 +106,72 @@ void StreamEngine::Run(std::uint64_t number)
 {
     Lock lock(mutex);
     std::uint64_t numFilled = 0;
-    for (std::uint64_t frameId = 1; numFilled < number && WaitForFrame(lock); ++frameId)
+    while (numFilled < number)
     {
+        const FrameRequest request = AwaitRequest(lock);
+        const bool isTurn = AwaitTurn(lock, request);
+        if (stopping) break;
+        if (!isTurn) continue;
         if (*lost) return;
-        if (camera->VanishesAtFrame(frameId))
+        const auto frame = camera->Features().TakeFrame(request.run);
+        if (!frame) continue;
+        if (camera->VanishesAtFrame(frame->id))
         {
             lock.unlock();
             reports.cameraLost();
             return;
         }
-        if (FillNext(lock, frameId)) ++numFilled;
+        if (FillNext(lock, *frame, Timestamp_ns(request))) ++numFilled;
     }
     grabbing = grabbing && numFilled < number;
 }
 
-bool StreamEngine::WaitForFrame(Lock& lock)
+FrameRequest StreamEngine::AwaitRequest(Lock& lock)
 {
-    if (period > Clock::duration::zero() && !WaitUntilDue(lock)) return false;
-    const auto ready = [this] {
-        return stopping || (!paused && (period > Clock::duration::zero() || queue.HasInput()));
-    };
+    for (;;)
+    {
+        written = false;
+        const FrameRequest request = camera->Features().Look();
+        if (stopping || request.state != FrameRequest::State::Silent)
+        {
+            if (request.run != run) lastDue = Clock::now();
+            run = request.run;
+            return request;
+        }
+        wake.wait(lock, [this] { return stopping || written; });
+    }
+}
+
+bool StreamEngine::AwaitTurn(Lock& lock, const FrameRequest& request)
+{
+    if (request.state == FrameRequest::State::Unpaced) return AwaitInput(lock);
+    if (request.state == FrameRequest::State::Paced && !AwaitDue(lock, request.rate)) return false;
+    wake.wait(lock, [this] { return stopping || !paused; });
+    return !stopping;
+}
+
+bool StreamEngine::AwaitInput(Lock& lock)
+{
+    const auto ready = [this] { return stopping || written || (!paused && queue.HasInput()); };
     if (!ready()) LookOut(lock);
     waitsForInput = true;
     wake.wait(lock, ready);
     waitsForInput = false;
-    return !stopping;
+    return !stopping && !written;
+}
+
+// A machine that cannot keep up shifts the schedule instead of sending bursts.
+bool StreamEngine::AwaitDue(Lock& lock, double rate)
+{
+    const Clock::duration period = PeriodOf(rate);
+    Clock::time_point due = lastDue + period;
+    const auto now = Clock::now();
+    if (now > due + period) due = now;
+    const bool isCalled = wake.wait_until(lock, due, [this] { return stopping || written; });
+    // However often the camera is written to, frames that are due are taken.
+    if (stopping || (isCalled && Clock::now() < due)) return false;
+    lastDue = due;
+    return true;
 }
 
 // Waking a sleeper costs more than a small image: for a consumer that keeps up the thread stays awake a little.
@@ -133,38 +184,32 @@ void StreamEngine::LookOut(Lock& lock)
     lock.lock();
 }
 
-// A machine that cannot keep up shifts the schedule instead of sending bursts.
-bool StreamEngine::WaitUntilDue(Lock& lock)
+std::uint64_t StreamEngine::Timestamp_ns(const FrameRequest& request) noexcept
 {
-    nextDue += period;
-    const auto now = Clock::now();
-    if (now > nextDue + period) nextDue = now;
-    wake.wait_until(lock, nextDue, [this] { return stopping; });
-    return !stopping;
-}
-
-std::uint64_t StreamEngine::Timestamp_ns() noexcept
-{
-    if (period == Clock::duration::zero()) return virtualTime_ns += virtualPeriod_ns;
+    if (request.state == FrameRequest::State::Unpaced) return virtualTime_ns += virtualPeriod_ns;
     return static_cast<std::uint64_t>(
         std::chrono::duration_cast<std::chrono::nanoseconds>(Clock::now().time_since_epoch()).count());
 }
 
-bool StreamEngine::FillNext(Lock& lock, std::uint64_t frameId)
+bool StreamEngine::FillNext(Lock& lock, const Frame& frame, std::uint64_t timestamp_ns)
 {
     const auto buffer = queue.BeginFill();
     if (!buffer) return false;
     filling = true;
+    const FramePlan& plan = *frame.plan;
     FillResult result;
-    result.frameId = frameId;
-    result.timestamp_ns = Timestamp_ns();
-    result.dataSize = camera->Source().Shape().PayloadBytes();
-    const FrameFault* fault = camera->FaultOfFrame(frameId);
+    result.frameId = frame.id;
+    result.timestamp_ns = timestamp_ns;
+    result.dataSize = plan.shape.PayloadBytes();
+    result.shape = plan.shape;
+    result.offsetX = plan.x.offset;
+    result.offsetY = plan.y.offset;
+    const FrameFault* fault = camera->FaultOfFrame(frame.id);
 
     if (BeLate(lock, fault))
     {
         lock.unlock();
-        Draw(*buffer, result, fault);
+        Draw(*buffer, frame, result, fault);
         if (result.largerThanBuffer) reports.bufferTooSmall();
         lock.lock();
     }
@@ -180,9 +225,9 @@ bool StreamEngine::FillNext(Lock& lock, std::uint64_t frameId)
     return !paused;
 }
 
-void StreamEngine::Draw(const Buffer& buffer, FillResult& result, const FrameFault* fault) const
+void StreamEngine::Draw(const Buffer& buffer, const Frame& frame, FillResult& result, const FrameFault* fault)
 {
-    const ImageShape& shape = camera->Source().Shape();
+    const ImageShape& shape = frame.plan->shape;
     const std::size_t fitting = buffer.Memory().size() / shape.LineBytes();
     result.largerThanBuffer = fitting < shape.height;
     result.deliveredLines = std::min(fitting, shape.height);
@@ -190,7 +235,7 @@ void StreamEngine::Draw(const Buffer& buffer, FillResult& result, const FrameFau
         result.deliveredLines = std::min(result.deliveredLines, *fault->deliveredLines);
     result.incomplete = result.deliveredLines < shape.height || (fault != nullptr && fault->deliveredLines);
     result.sizeFilled = result.deliveredLines * shape.LineBytes();
-    camera->Source().Draw(result.frameId, buffer.Memory().first(result.sizeFilled));
+    drawer.Draw(frame.id, frame.plan, buffer.Memory().first(result.sizeFilled));
 }
 
 // False when a kill or a flush ended it.

@@ -1,12 +1,14 @@
 // StreamEngine: the acquisition engine of a stream, one thread from start to stop.
 //
-// Paced: frame n of a start is due n periods after it, and is lost as an underrun when no input buffer is there.
-// Unpaced (rate 0): the next frame comes as soon as there is an input buffer, one virtual millisecond after the last.
+// It makes frames while the camera takes images. Paced: frame n of a start is due n periods after it, and is lost as an
+// underrun when no input buffer is there. Triggered: the same, at each trigger. Unpaced (rate 0): the next frame comes
+// as soon as there is an input buffer, one virtual millisecond after the last.
 // Owned by its stream and shares its mutex; Start, Stop and Abandon are serialised by the stream's control lock.
 #pragma once
 
 #include "producers/simulator/buffer_queue.h"
 #include "producers/simulator/camera.h"
+#include "producers/simulator/frame_drawer.h"
 
 #include <atomic>
 #include <chrono>
@@ -53,13 +55,18 @@ private:
     using Lock = std::unique_lock<std::mutex>;
 
     void Run(std::uint64_t number);
-    bool WaitForFrame(Lock& lock);
+    void OnCameraWritten();
+    // What to do next; sleeps while the camera is silent. When stopping, anything.
+    FrameRequest AwaitRequest(Lock& lock);
+    // False when the camera was written to before that, or when stopping.
+    bool AwaitTurn(Lock& lock, const FrameRequest& request);
+    bool AwaitDue(Lock& lock, double rate);
+    bool AwaitInput(Lock& lock);
     void LookOut(Lock& lock);
-    bool WaitUntilDue(Lock& lock);
-    std::uint64_t Timestamp_ns() noexcept;
+    std::uint64_t Timestamp_ns(const FrameRequest& request) noexcept;
     // Whether a buffer went to the output queue.
-    bool FillNext(Lock& lock, std::uint64_t frameId);
-    void Draw(const Buffer& buffer, FillResult& result, const FrameFault* fault) const;
+    bool FillNext(Lock& lock, const Frame& frame, std::uint64_t timestamp_ns);
+    void Draw(const Buffer& buffer, const Frame& frame, FillResult& result, const FrameFault* fault);
     bool BeLate(Lock& lock, const FrameFault* fault);
 
     std::mutex& mutex; // the stream's
@@ -67,9 +74,10 @@ private:
     const std::shared_ptr<Camera> camera;
     const std::shared_ptr<const std::atomic<bool>> lost;
     const Reports reports;
-    const Clock::duration period; // zero: unpaced
 
-    std::thread thread;              // guarded by the control lock
+    std::thread thread;              // guarded by the control lock, as the next
+    std::uint64_t listener = 0;      // at the camera's features
+    FrameDrawer drawer;              // the thread's own
     std::atomic<bool> called{false}; // a hint that there is input, to look at without the mutex
 
     // Guarded by mutex.
@@ -81,7 +89,9 @@ private:
     bool filling = false;
     bool paused = false; // somebody is in WithoutFill
     bool waitsForInput = false;
-    Clock::time_point nextDue;
+    bool written = false; // the camera, since it was looked at
+    std::uint64_t run = 0;
+    Clock::time_point lastDue;
     std::uint64_t virtualTime_ns = 0; // goes on from start to start
 };
 

@@ -2,7 +2,7 @@
 get_filename_component(fileName ${FILE} NAME)
 file(READ ${FILE} hex HEX)
 file(SHA1 ${FILE} hash)
-string(REGEX REPLACE "(..)" "static_cast<char>(0x\\1)," bytes "${hex}")
+string(REGEX REPLACE "(..)" "'\\\\x\\1'," bytes "${hex}")
 string(REGEX REPLACE "(..)" "0x\\1," hashBytes "${hash}")
 file(WRITE ${OUTPUT} "#include \"producers/simulator/description.h\"\n
 namespace koro::simulator

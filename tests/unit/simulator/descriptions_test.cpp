@@ -181,5 +181,16 @@ TEST(SimulatorDescriptions, OfModulesFollowTheSchema)
     }
 }
 
+TEST(SimulatorDescriptions, OfCamerasFollowTheSchema)
+{
+    for (const char* const type : {"GEV", "U3V", "Custom"})
+    {
+        SCOPED_TRACE(type);
+        const Producer producer(
+            R"({"interfaces": [{"id": "I", "tlType": ")" + std::string(type) + R"(", "cameras": [{"serial": "A"}]}]})");
+        CheckPort(producer, Tree(producer).remote);
+    }
+}
+
 } // namespace
 } // namespace koro::simulator::test

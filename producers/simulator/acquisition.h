@@ -1,0 +1,59 @@
+// Acquisition: whether a camera takes images at present, how many are left, and what it waits for. A plain value.
+#pragma once
+
+#include "producers/simulator/feature_values.h"
+
+#include <array>
+#include <cstdint>
+
+namespace koro::simulator
+{
+
+// Numbers of CounterEventSource.
+enum class CounterEvent : std::uint64_t
+{
+    FrameTrigger = 1,
+    FrameStart,
+    AcquisitionStart,
+    Line0
+};
+
+class Acquisition
+{
+public:
+    // Anew: images left, frame ids and triggers begin again.
+    void Start(const FeatureValues& values);
+    void Stop() noexcept { active = false; }
+    // A consumer begins to listen: frame ids begin again.
+    void Restart() noexcept;
+
+    // Without effect while nothing waits for it.
+    void Pull(const FeatureValues& values, Step step);
+    // Line 0 changed its level.
+    void OnLine(const FeatureValues& values, bool isHigh);
+
+    bool IsActive() const noexcept { return active; }
+    bool AwaitsStart() const noexcept { return active && awaitsStart; }
+    bool AwaitsFrameTrigger(const FeatureValues& values) const noexcept;
+    // Changes with each start, so that a frame of the one before is not taken for one of this.
+    std::uint64_t Run() const noexcept { return run; }
+
+    // The next frame's id, counted from 1; ends the acquisition behind its last one.
+    std::uint64_t TakeFrame(const FeatureValues& values);
+
+    void ResetCounter(std::size_t index) { counters.at(index) = 0; }
+    std::uint64_t Counter(std::size_t index) const { return counters.at(index); }
+
+private:
+    void Count(const FeatureValues& values, CounterEvent event);
+
+    bool active = false;
+    bool awaitsStart = false; // for a trigger of Step::Acquisition
+    std::uint64_t run = 0;
+    std::uint64_t framesLeft = 0;
+    std::uint64_t frameId = 0;
+    std::uint64_t pulls = 0; // frame triggers that no frame came of yet
+    std::array<std::uint64_t, 2> counters{};
+};
+
+} // namespace koro::simulator

@@ -1,0 +1,219 @@
+#include "producers/simulator/camera_features.h"
+
+#include "producers/simulator/failure.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace koro::simulator
+{
+
+CameraFeatures::CameraFeatures(const CameraSettings& cameraSettings, const CameraConnection& plug)
+    : settings(cameraSettings), connection(plug), sensor(cameraSettings),
+      order(plug.tlType == "GEV" ? ByteOrder::Big : ByteOrder::Little),
+      map(order), state{
+                      FeatureValues(settings),
+                      {FeatureValues(settings), FeatureValues(settings), FeatureValues(settings)},
+                      0,
+                      settings.userName,
+                      0,
+                      false,
+                      {},
+                      {},
+                      Clock::now(),
+                      0,
+                      0}
+{
+    AddDeviceControl();
+    AddImageFormatControl();
+    AddAcquisitionControl();
+    AddAnalogControl();
+    AddTable();
+    AddCountersAndTimer();
+    AddLines();
+    AddUserSets();
+    AddTransportLayer();
+    map.SetSnapshot([this]() -> RegisterMap::Action { return [this, before = state] { state = before; }; });
+}
+
+void CameraFeatures::Write(std::uint64_t address, std::span<const std::byte> in)
+{
+    RefuseLongCommand(address, in.size());
+    map.Write(address, in);
+    {
+        const std::lock_guard lock(map.Mutex());
+        wasWritten = true;
+    }
+    const std::lock_guard lock(listenerMutex);
+    for (const auto& [number, listener] : listeners)
+        listener();
+}
+
+std::string CameraFeatures::UserName() const
+{
+    const std::lock_guard lock(map.Mutex());
+    return state.userName;
+}
+
+ImageShape CameraFeatures::Shape() const
+{
+    const std::lock_guard lock(map.Mutex());
+    return state.values.Shape();
+}
+
+std::uint64_t CameraFeatures::NumResets() const
+{
+    const std::lock_guard lock(map.Mutex());
+    return state.numResets;
+}
+
+void CameraFeatures::OnStreamStart()
+{
+    const std::lock_guard lock(map.Mutex());
+    state.isStreaming = true;
+    if (settings.startWithStream)
+        state.acquisition.Start(state.values);
+    else
+        state.acquisition.Restart();
+}
+
+void CameraFeatures::OnStreamStop()
+{
+    const std::lock_guard lock(map.Mutex());
+    state.isStreaming = false;
+    if (settings.startWithStream) state.acquisition.Stop();
+}
+
+void CameraFeatures::OnRelease()
+{
+    const std::lock_guard lock(map.Mutex());
+    state.acquisition.Stop();
+    state.paramsLocked = 0;
+}
+
+void CameraFeatures::OnPowerLoss()
+{
+    const std::lock_guard lock(map.Mutex());
+    Reset();
+    state.isStreaming = false;
+    wasWritten = true;
+}
+
+FrameRequest CameraFeatures::Look() const
+{
+    const std::lock_guard lock(map.Mutex());
+    const Acquisition& acquisition = state.acquisition;
+    FrameRequest request;
+    request.run = acquisition.Run();
+    if (!acquisition.IsActive() || acquisition.AwaitsStart() || acquisition.AwaitsFrameTrigger(state.values))
+        return request;
+    request.rate = state.values.ResultingRate(sensor);
+    if (request.rate == 0)
+        request.state = FrameRequest::State::Unpaced;
+    else if (state.values.triggers[static_cast<std::size_t>(Step::Frame)].mode == 1)
+        request.state = FrameRequest::State::Triggered;
+    else
+        request.state = FrameRequest::State::Paced;
+    return request;
+}
+
+std::optional<Frame> CameraFeatures::TakeFrame(std::uint64_t run)
+{
+    const std::lock_guard lock(map.Mutex());
+    Acquisition& acquisition = state.acquisition;
+    if (!acquisition.IsActive() || acquisition.Run() != run || acquisition.AwaitsFrameTrigger(state.values))
+        return std::nullopt;
+    RefreshPlan();
+    return Frame{acquisition.TakeFrame(state.values), plan};
+}
+
+void CameraFeatures::RefreshPlan()
+{
+    if (!wasWritten) return;
+    wasWritten = false;
+    if (plannedValues == state.values) return;
+    plan = std::make_shared<const FramePlan>(state.values.MakePlan(sensor));
+    plannedValues = state.values;
+}
+
+std::uint64_t CameraFeatures::Listen(std::function<void()> onWrite)
+{
+    const std::lock_guard lock(listenerMutex);
+    listeners.emplace(nextListener, std::move(onWrite));
+    return nextListener++;
+}
+
+void CameraFeatures::Unlisten(std::uint64_t listener)
+{
+    const std::lock_guard lock(listenerMutex);
+    listeners.erase(listener);
+}
+
+void CameraFeatures::RequireUnlocked() const
+{
+    if (IsFormatLocked()) throw Failure(GC_ERR_ACCESS_DENIED, "the format is locked while images are taken");
+}
+
+void CameraFeatures::OnLinesChanged(std::uint64_t levelsBefore)
+{
+    const std::uint64_t now = state.values.LineLevels() & 1;
+    if ((levelsBefore & 1) != now) state.acquisition.OnLine(state.values, now == 1);
+}
+
+void CameraFeatures::Load(std::size_t userSet)
+{
+    const std::uint64_t before = state.values.LineLevels();
+    state.values = state.userSets.at(userSet);
+    OnLinesChanged(before);
+}
+
+void CameraFeatures::Reset()
+{
+    state.acquisition.Stop();
+    state.paramsLocked = 0;
+    state.values = state.userSets[state.userSetDefault];
+    state.timerStart.reset();
+    state.clockStart = Clock::now();
+    state.latched_ns = 0;
+    ++state.numResets;
+}
+
+std::uint64_t CameraFeatures::ClockValue_ns() const
+{
+    return static_cast<std::uint64_t>(
+        std::chrono::duration_cast<std::chrono::nanoseconds>(Clock::now() - state.clockStart).count());
+}
+
+double CameraFeatures::TimerValue_us() const
+{
+    if (!state.timerStart) return 0;
+    const double elapsed = std::chrono::duration<double, std::micro>(Clock::now() - *state.timerStart).count();
+    return std::min(elapsed, state.values.timerDuration_us);
+}
+
+std::uint64_t CameraFeatures::TimerStatus() const
+{
+    if (!state.timerStart) return 0;
+    return TimerValue_us() < state.values.timerDuration_us ? 1 : 2;
+}
+
+double CameraFeatures::Temperature(std::size_t place) const
+{
+    constexpr double cold = 30;
+    constexpr double rise = 10;
+    constexpr double warmUp_s = 60;
+    const double running_s = static_cast<double>(ClockValue_ns()) / 1e9;
+    const double sensorPlace =
+        cold + rise * (1 - std::exp(-running_s / warmUp_s)) + (state.acquisition.IsActive() ? 3 : 0);
+    return place == 0 ? sensorPlace : sensorPlace - 5;
+}
+
+std::uint64_t CameraFeatures::StatusBits() const
+{
+    const Acquisition& acquisition = state.acquisition;
+    return (acquisition.AwaitsStart() ? 1U : 0U) | (acquisition.IsActive() ? 2U : 0U) |
+           (acquisition.AwaitsFrameTrigger(state.values) ? 4U : 0U);
+}
+
+} // namespace koro::simulator

@@ -1,0 +1,191 @@
+#include "producers/simulator/feature_values.h"
+
+#include "producers/simulator/register_map.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+
+namespace koro::simulator
+{
+namespace
+{
+
+constexpr double microseconds = 1'000'000;
+constexpr double usualExposure_us = 10'000;
+constexpr double usualRate = 25;
+constexpr double fastestRate = 1000; // of a paced camera that is left to itself
+constexpr std::uint64_t largestBinning = 4;
+
+bool IsBayer(Colours colours) noexcept
+{
+    return colours != Colours::Mono && colours != Colours::RGB && colours != Colours::BGR;
+}
+
+bool IsTrueColour(Colours colours) noexcept
+{
+    return colours == Colours::RGB || colours == Colours::BGR;
+}
+
+void RequireBounded(const ImageShape& shape)
+{
+    if (shape.PayloadBytes() > maxPayloadBytes) RefuseValue("the image would be too large");
+}
+
+} // namespace
+
+Sensor::Sensor(const CameraSettings& settings)
+    : width(settings.width), height(settings.height), colours(settings.format->colours),
+      neutralExposure_us(usualExposure_us), freeRate(settings.rate > 0 ? std::max(fastestRate, settings.rate) : 0)
+{
+    if (settings.rate > 0)
+        neutralExposure_us = std::clamp(microseconds / settings.rate, minExposure_us, usualExposure_us);
+}
+
+bool Sensor::CanSend(const PixelFormat& format) const noexcept
+{
+    const bool isOwn = IsTrueColour(colours) ? IsTrueColour(format.colours) : format.colours == colours;
+    const bool isGrey = format.colours == Colours::Mono && format.packing == Packing::Bytes;
+    return isOwn || isGrey;
+}
+
+FeatureValues::FeatureValues(const CameraSettings& settings)
+    : format(settings.format), width(settings.width), height(settings.height), rateEnabled(settings.rate > 0 ? 1 : 0),
+      rate(settings.rate > 0 ? settings.rate : usualRate), exposure_us(Sensor(settings).neutralExposure_us)
+{
+    std::iota(table.begin(), table.end(), std::uint8_t{0});
+}
+
+std::uint64_t FeatureValues::StepOf(const PixelFormat& format) noexcept
+{
+    std::uint64_t step = 1;
+    while (!format.FitsWidth(step))
+        ++step;
+    return step;
+}
+
+std::uint64_t FeatureValues::BinningMax(std::size_t sensorSide, std::uint64_t least) const noexcept
+{
+    if (IsBayer(format->colours)) return 1;
+    return std::clamp<std::uint64_t>(sensorSide / least, 1, largestBinning);
+}
+
+void FeatureValues::SetWidth(const Sensor& sensor, std::uint64_t value)
+{
+    if (value == 0 || value > WidthMax(sensor) - offsetX || value % WidthStep() != 0)
+        RefuseValue("the width does not fit");
+    RequireBounded({format, value, height});
+    width = value;
+}
+
+void FeatureValues::SetHeight(const Sensor& sensor, std::uint64_t value)
+{
+    if (value == 0 || value > HeightMax(sensor) - offsetY) RefuseValue("the height does not fit");
+    RequireBounded({format, width, value});
+    height = value;
+}
+
+void FeatureValues::SetOffsetX(const Sensor& sensor, std::uint64_t value)
+{
+    if (value > WidthMax(sensor) - width || value % offsetStep != 0) RefuseValue("the region leaves the image");
+    offsetX = value;
+}
+
+void FeatureValues::SetOffsetY(const Sensor& sensor, std::uint64_t value)
+{
+    if (value > HeightMax(sensor) - height || value % offsetStep != 0) RefuseValue("the region leaves the image");
+    offsetY = value;
+}
+
+void FeatureValues::SetBinningHorizontal(const Sensor& sensor, std::uint64_t value)
+{
+    if (value < 1 || value > BinningMax(sensor.width, WidthStep())) RefuseValue("the binning is out of range");
+    const std::uint64_t whole = sensor.width / value / WidthStep() * WidthStep();
+    RequireBounded({format, whole, height});
+    binningHorizontal = value;
+    offsetX = 0;
+    width = whole;
+}
+
+void FeatureValues::SetBinningVertical(const Sensor& sensor, std::uint64_t value)
+{
+    if (value < 1 || value > BinningMax(sensor.height, 1)) RefuseValue("the binning is out of range");
+    const std::uint64_t whole = sensor.height / value;
+    RequireBounded({format, width, whole});
+    binningVertical = value;
+    offsetY = 0;
+    height = whole;
+}
+
+void FeatureValues::SetFormat(const Sensor& sensor, std::uint64_t code)
+{
+    const PixelFormat* const wanted = FindPixelFormatByCode(code);
+    if (wanted == nullptr || !sensor.CanSend(*wanted)) RefuseValue("the sensor has no such format");
+    if (IsBayer(wanted->colours) && (binningHorizontal > 1 || binningVertical > 1))
+        RefuseValue("a Bayer format needs an image without binning");
+    const std::uint64_t step = StepOf(*wanted);
+    const std::uint64_t fitting = width / step * step;
+    if (fitting == 0) RefuseValue("the image is too narrow for the format");
+    RequireBounded({wanted, fitting, height});
+    format = wanted;
+    width = fitting;
+}
+
+double FeatureValues::GainFactor() const
+{
+    const double decibels = (gain[0] + gain[1]) / 100.0;
+    return std::pow(10, decibels / 20);
+}
+
+double FeatureValues::AutomaticExposure_us(const Sensor& sensor) const
+{
+    return std::clamp(sensor.neutralExposure_us / GainFactor(), minExposure_us, maxExposure_us);
+}
+
+double FeatureValues::Exposure_us(const Sensor& sensor) const
+{
+    return exposureIsAutomatic ? AutomaticExposure_us(sensor) : exposure_us;
+}
+
+double FeatureValues::ResultingRate(const Sensor& sensor) const
+{
+    const double wanted = rateEnabled == 1 ? rate : sensor.freeRate;
+    if (wanted == 0) return 0;
+    return std::min(wanted, microseconds / Exposure_us(sensor));
+}
+
+std::uint64_t FeatureValues::LineLevels() const noexcept
+{
+    const std::uint64_t output = (lineSource == 1 ? userOutput : 0) ^ lineInverted[1];
+    const std::uint64_t input = output ^ lineInverted[0];
+    return input | output << 1;
+}
+
+FramePlan FeatureValues::MakePlan(const Sensor& sensor) const
+{
+    FramePlan plan{
+        Shape(),
+        sensor.width,
+        sensor.height,
+        {WidthMax(sensor), offsetX, binningHorizontal, reverseX == 1},
+        {HeightMax(sensor), offsetY, binningVertical, reverseY == 1},
+        static_cast<TestPattern>(testPattern),
+        {}};
+    const double light = Exposure_us(sensor) / sensor.neutralExposure_us * GainFactor();
+    const std::uint8_t* const lookUp = tableEnabled == 1 ? table.data() : nullptr;
+    const auto respond = [&](Component component, double ratio) {
+        const Analog analog{light * ratio, static_cast<double>(blackLevel) / 16, gamma};
+        plan.response[static_cast<std::size_t>(component)] = MakeResponse(format->depth, analog, lookUp);
+    };
+    if (format->colours == Colours::Mono)
+        respond(Component::Mono, 1);
+    else
+    {
+        respond(Component::Red, balance[0]);
+        respond(Component::Green, balance[1]);
+        respond(Component::Blue, balance[2]);
+    }
+    return plan;
+}
+
+} // namespace koro::simulator
