@@ -39,6 +39,10 @@ if(KORO_TOOLS OR KORO_DEVELOPER)
     set_target_properties(koro_tool PROPERTIES INSTALL_RPATH $ORIGIN/${library_from_tool})
     install(TARGETS koro_tool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
     install(TARGETS zvr_koro_simulator LIBRARY DESTINATION ${KORO_INSTALL_PRODUCERDIR})
+    # Its cameras name these files.
+    foreach(kind IN ITEMS gev u3v camera)
+        install(FILES ${PROJECT_BINARY_DIR}/producers/koro_simulator_${kind}.xml DESTINATION ${KORO_INSTALL_PRODUCERDIR})
+    endforeach()
 endif()
 
 install(FILES ${PROJECT_SOURCE_DIR}/LICENSE ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/CHANGELOG.md

@@ -25,12 +25,19 @@ std::unique_ptr<ImageSource> MakeSource(const CameraSettings& settings)
     return MakePatternSource();
 }
 
+// Somebody else's description has no AcquisitionStart that would reach the generator.
+CameraSettings Complete(CameraSettings settings)
+{
+    if (!settings.description.empty()) settings.startWithStream = true;
+    return settings;
+}
+
 } // namespace
 
 Camera::Camera(const CameraSettings& cameraSettings, CameraConnection plug, const Misbehaviour& misbehaviour)
-    : settings(cameraSettings), connection(std::move(plug)), id(settings.model + "_" + settings.serial),
+    : settings(Complete(cameraSettings)), connection(std::move(plug)), id(settings.model + "_" + settings.serial),
       source(MakeSource(settings)), features(std::make_shared<CameraFeatures>(settings, connection)),
-      registers(MakeCameraRegisters(Facts("Device", "Device"), features))
+      registers(MakeCameraRegisters(settings, Facts("Device", "Device"), features))
 {
     const auto concerns = [this](const auto& fault) { return fault.camera == "*" || fault.camera == settings.serial; };
     std::copy_if(misbehaviour.frames.begin(), misbehaviour.frames.end(), std::back_inserter(frameFaults), concerns);

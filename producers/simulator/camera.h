@@ -31,7 +31,7 @@ public:
     const ImageSource& Source() const noexcept { return *source; }
     CameraFeatures& Features() const noexcept { return *features; }
     PortFacts Facts(const char* module, const char* portName) const;
-    // With the camera's description.
+    // The camera's own registers and description, or those that the settings name.
     const PortRegisters& Registers() const noexcept { return registers; }
 
     // Id, serial number or user name.

@@ -1,14 +1,17 @@
-// What the port of a camera leads to.
+// How a camera serves its description: plain, zipped, by two URLs, or somebody else's over a memory without meaning.
 #pragma once
 
 #include "producers/simulator/camera_features.h"
 #include "producers/simulator/port.h"
+#include "producers/simulator/settings.h"
 
 #include <memory>
 
 namespace koro::simulator
 {
 
-PortRegisters MakeCameraRegisters(const PortFacts& facts, const std::shared_ptr<CameraFeatures>& features);
+// Throws Failure (GC_ERR_ERROR) that names a description file that cannot be read.
+PortRegisters MakeCameraRegisters(
+    const CameraSettings& settings, const PortFacts& facts, const std::shared_ptr<CameraFeatures>& features);
 
 } // namespace koro::simulator

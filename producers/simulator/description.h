@@ -20,9 +20,12 @@ extern const Description interfaceDescription;
 extern const Description deviceDescription;
 extern const Description streamDescription;
 
-// Of cameras, by transport.
+// Of cameras, by transport; the same zipped.
 extern const Description gevDescription;
+extern const Description gevArchiveDescription;
 extern const Description u3vDescription;
+extern const Description u3vArchiveDescription;
 extern const Description plainDescription;
+extern const Description plainArchiveDescription;
 
 } // namespace koro::simulator

@@ -29,7 +29,7 @@ using Json = nlohmann::json;
 
 CameraSettings Camera(
     const char* serial, const char* model, const char* userName, const char* format, std::size_t width,
-    std::size_t height, double rate, SourceKind source)
+    std::size_t height, double rate, SourceKind source, DescriptionForm form = DescriptionForm::Plain)
 {
     CameraSettings camera;
     camera.serial = serial;
@@ -40,6 +40,7 @@ CameraSettings Camera(
     camera.height = height;
     camera.rate = rate;
     camera.source = source;
+    camera.descriptionForm = form;
     return camera;
 }
 
@@ -62,6 +63,23 @@ void ReadSource(JsonObject& object, CameraSettings& camera)
     if (camera.source == SourceKind::Folder && camera.folder.empty()) camera.source = SourceKind::Sequence;
 }
 
+void ReadDescription(JsonObject& object, CameraSettings& camera)
+{
+    std::string form;
+    object.Read("descriptionForm", form);
+    if (form == "plain")
+        camera.descriptionForm = DescriptionForm::Plain;
+    else if (form == "zipped")
+        camera.descriptionForm = DescriptionForm::Zipped;
+    else if (form == "twoURLs")
+        camera.descriptionForm = DescriptionForm::TwoURLs;
+    else if (!form.empty())
+        object.Refuse("descriptionForm", "must be plain, zipped or twoURLs");
+    std::string file = camera.description.string();
+    object.Read("description", file);
+    camera.description = file;
+}
+
 void ReadName(JsonObject& object, const char* key, std::string& value)
 {
     object.Read(key, value);
@@ -82,6 +100,7 @@ void ReadCommon(JsonObject& object, CameraSettings& camera)
     camera.format = FindPixelFormat(format);
     if (camera.format == nullptr) object.Refuse("pixelFormat", "'" + format + "' is none of " + PixelFormatNames());
     ReadSource(object, camera);
+    ReadDescription(object, camera);
     object.Read("startWithStream", camera.startWithStream);
     object.Read("longestCommand", camera.longestCommand, 0, maxCommandBytes);
     object.Read("longestPassingCommand", camera.longestPassingCommand, 0, maxCommandBytes);
@@ -299,11 +318,13 @@ Settings DefaultSettings()
          "Simulated GigE Vision",
          "GEV",
          {Camera("KS0001", "GevMono", "mono", "Mono8", 640, 480, 50, SourceKind::Pattern),
-          Camera("KS0002", "GevBayer", "bayer", "BayerRG12Packed", 640, 480, 25, SourceKind::Pattern)}},
+          Camera(
+              "KS0002", "GevBayer", "bayer", "BayerRG12Packed", 640, 480, 25, SourceKind::Pattern,
+              DescriptionForm::Zipped)}},
         {"SimU3V",
          "Simulated USB3 Vision",
          "U3V",
-         {Camera("KS0003", "UsbColour", "colour", "RGB8", 640, 480, 25, SourceKind::Pattern),
+         {Camera("KS0003", "UsbColour", "colour", "RGB8", 640, 480, 25, SourceKind::Pattern, DescriptionForm::TwoURLs),
           Camera("KS0004", "UsbPlayer", "player", "Mono8", 640, 480, 25, SourceKind::Sequence)}}};
     return settings;
 }

@@ -21,6 +21,14 @@ enum class SourceKind
     Folder
 };
 
+// How a camera serves its description.
+enum class DescriptionForm
+{
+    Plain,
+    Zipped,
+    TwoURLs // in the registers, and as a file beside the producer
+};
+
 struct CameraSettings
 {
     std::string serial;
@@ -36,6 +44,8 @@ struct CameraSettings
 
     // The one place of the default: false lets cameras stay silent until AcquisitionStart is executed.
     bool startWithStream = true;
+    DescriptionForm descriptionForm = DescriptionForm::Plain;
+    std::filesystem::path description;     // somebody else's, over a memory without meaning; empty: the camera's own
     std::size_t longestCommand = 1024;     // bytes, GevGVCPCMDLength
     std::size_t longestPassingCommand = 0; // bytes that the path to the test memory lets pass; 0: all
     std::uint64_t resetMissingUpdates = 0; // list updates that miss the camera after DeviceReset; 0: it stays

@@ -11,6 +11,9 @@ foreach(file IN ITEMS include/koro/koro.h include/koro/koro.hpp share/doc/zvr_ko
         message(FATAL_ERROR "not installed: ${file}")
     endif()
 endforeach()
+if(NOT EXISTS ${LIBDIR}/zvr_koro/koro_simulator_u3v.xml)
+    message(FATAL_ERROR "not installed: the description of the simulated cameras")
+endif()
 
 Run(${CMAKE_COMMAND} -E env --unset=LD_LIBRARY_PATH GENICAM_GENTL64_PATH=${LIBDIR}/zvr_koro ${PREFIX}/bin/koro list)
 Expect("${output}" "zvr_koro_simulator\\.cti")

@@ -49,6 +49,8 @@ const Case cases[] = {
     {"ImageTooLarge", Camera(R"("pixelFormat": "RGB8", "width": 16384, "height": 16384)"),
      "interfaces[0].cameras[1].height: an image must have at most 268435456 bytes"},
     {"SourceUnknown", Camera(R"("source": "film")"), "cameras[1].source: must be pattern, sequence or folder"},
+    {"DescriptionFormUnknown", Camera(R"("descriptionForm": "thin")"),
+     "cameras[1].descriptionForm: must be plain, zipped or twoURLs"},
     {"StartNoBoolean", Camera(R"("startWithStream": 1)"), "cameras[1].startWithStream: must be true or false"},
     {"CommandTooLong", Camera(R"("longestCommand": 16385)"), "cameras[1].longestCommand: must be a whole number"},
     {"PathTooLong", Camera(R"("longestPassingCommand": 16385)"),
