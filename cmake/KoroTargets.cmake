@@ -75,6 +75,11 @@ function(koro_label_tests name)
     endforeach()
 endfunction()
 
+# For what gains nothing from optimisation but a third of the build's time, under sanitizers two thirds.
+function(koro_build_quickly target)
+    target_compile_options(${target} PRIVATE -O0)
+endfunction()
+
 # koro_add_test(name SOURCES ... LIBRARIES ... [LABELS ...] [PRODUCERS targets...]): one GoogleTest program, one CTest entry.
 # PRODUCERS are built before it; their folder is in the environment variable KORO_TEST_PRODUCERS.
 function(koro_add_test name)
@@ -82,9 +87,11 @@ function(koro_add_test name)
     find_package(GTest REQUIRED)
     add_executable(${name} ${ARG_SOURCES})
     target_link_libraries(${name} PRIVATE koro_options ${ARG_LIBRARIES} GTest::gmock GTest::gtest_main)
-    # What is tested is optimised as the build type says; the test itself gains nothing from it but a third of the
-    # build's time, under sanitizers two thirds.
-    target_compile_options(${name} PRIVATE -O0)
+    koro_build_quickly(${name})
+    if(KORO_SANITIZE MATCHES "undefined")
+        # The checks belong into what is tested; in the test's own statements they cost a quarter of the build's time.
+        target_compile_options(${name} PRIVATE -fno-sanitize=undefined)
+    endif()
     if(ARG_PRODUCERS)
         add_dependencies(${name} ${ARG_PRODUCERS})
     endif()
