@@ -5,7 +5,7 @@
  * may read registers, on this thread, and wait for another thread that works on the same map; writes hold the lock of
  * the map. What a register access or GenApi refuses arrives with GenApi's own text: KORO_RETURN_CODE_BAD_ACCESS for a
  * node that cannot be read or written at this time, KORO_RETURN_CODE_OUT_OF_RANGE for a value that it does not take,
- * KORO_RETURN_CODE_IO and others for a failed transfer.
+ * KORO_RETURN_CODE_IO_ERROR and others for a failed transfer.
  */
 #ifndef KORO_FLOAT_NODE_H
 #define KORO_FLOAT_NODE_H
