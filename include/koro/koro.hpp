@@ -4,8 +4,8 @@
 //
 // Ownership. Library, ProducerLibrary, System, Interface, Device, DataStream, EventController and Event own what they
 // stand for: move-only, closed by their destructor or by Close(). SystemDescriptor, InterfaceDescriptor,
-// DeviceDescriptor, DataStreamDescriptor, RemoteDevice, Buffer, Port and PortURL are views, free to copy: what they
-// name belongs to its parent, and after the parent's end every call on them throws Error with
+// DeviceDescriptor, DataStreamDescriptor, RemoteDevice, Buffer, Port, PortURL, NodeMap and all nodes are views, free to
+// copy: what they name belongs to its parent, and after the parent's end every call on them throws Error with
 // KORO_RETURN_CODE_INVALID_HANDLE. Nothing here dangles.
 //
 // Order of destruction. GenTL wants the leaves closed first: Event, EventController, DataStream, Device, Interface,
@@ -19,6 +19,8 @@
 #ifndef KORO_KORO_HPP
 #define KORO_KORO_HPP
 
+#include <koro/cpp/nodes.hpp>
+#include <koro/cpp/support.hpp>
 #include <koro/koro.h>
 
 #include <cstddef>
@@ -26,9 +28,7 @@
 #include <functional>
 #include <map>
 #include <memory>
-#include <stdexcept>
 #include <string>
-#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -53,184 +53,6 @@ enum class FlushMode : int32_t
     UnqueuedToInput = 3,
     AllDiscard = 4,
 };
-
-// A failed call: its return code, and the library's text as what().
-class Error : public std::runtime_error
-{
-public:
-    Error(KORO_ReturnCode returnCode, const std::string& text) : std::runtime_error(text), code(returnCode) {}
-
-    KORO_ReturnCode Code() const noexcept { return code; }
-
-private:
-    KORO_ReturnCode code;
-};
-
-// Raw information as the producer delivered it; dataType is a value of the GenTL INFO_DATATYPE list.
-struct RawInfo
-{
-    int32_t dataType = 0;
-    std::vector<uint8_t> bytes;
-};
-
-namespace detail
-{
-
-// Some texts come from the producer without a bound in between: what is larger is refused here.
-constexpr size_t maxTextSize = size_t{16} << 20;
-constexpr size_t maxBytesSize = size_t{256} << 20;
-// How often a value may grow between the size query and the fetch.
-constexpr int maxAttempts = 16;
-
-inline std::string LastErrorText()
-{
-    KORO_ReturnCode code = KORO_RETURN_CODE_SUCCESS;
-    size_t size = 0;
-    if (KORO_Library_GetLastError(&code, nullptr, &size) != KORO_RETURN_CODE_SUCCESS || size == 0) return {};
-
-    std::string text(size, '\0');
-    if (KORO_Library_GetLastError(&code, text.data(), &size) != KORO_RETURN_CODE_SUCCESS) return {};
-    text.resize(size - 1);
-    return text;
-}
-
-// The text belongs to this thread's latest failure: nothing may be called in between.
-inline void Check(KORO_ReturnCode code)
-{
-    if (code != KORO_RETURN_CODE_SUCCESS) throw Error(code, LastErrorText());
-}
-
-// Runs `query(Element* buffer, size_t* size)` for the size and again for the content, anew if the value grew between.
-template <typename Sequence, typename Query>
-Sequence Fetch(const Query& query, size_t maxSize)
-{
-    for (int attempt = 1;; ++attempt)
-    {
-        size_t size = 0;
-        Check(query(nullptr, &size));
-        if (size > maxSize)
-            throw Error(KORO_RETURN_CODE_ERROR, "A value claims a size of " + std::to_string(size) + " bytes!");
-        if (size == 0) return {};
-
-        Sequence result(size, 0);
-        const KORO_ReturnCode code = query(result.data(), &size);
-        if (code == KORO_RETURN_CODE_BUFFER_TOO_SMALL && attempt < maxAttempts) continue;
-        Check(code);
-        if (size < result.size()) result.resize(size);
-        return result;
-    }
-}
-
-template <typename Query>
-std::string FetchText(const Query& query)
-{
-    std::string text = Fetch<std::string>(query, maxTextSize);
-    const size_t end = text.find('\0');
-    if (end != std::string::npos) text.resize(end);
-    return text;
-}
-
-template <typename Handle>
-std::string Text(KORO_ReturnCode (*get)(Handle, char*, size_t*), Handle handle)
-{
-    return FetchText([&](char* buffer, size_t* size) { return get(handle, buffer, size); });
-}
-
-template <typename Handle>
-std::vector<uint8_t> Bytes(KORO_ReturnCode (*get)(Handle, uint8_t*, size_t*), Handle handle)
-{
-    return Fetch<std::vector<uint8_t>>(
-        [&](uint8_t* buffer, size_t* size) { return get(handle, buffer, size); }, maxBytesSize);
-}
-
-template <typename Handle>
-RawInfo Info(KORO_ReturnCode (*get)(Handle, int32_t, int32_t*, uint8_t*, size_t*), Handle handle, int32_t command)
-{
-    RawInfo info;
-    info.bytes = Fetch<std::vector<uint8_t>>(
-        [&](uint8_t* buffer, size_t* size) { return get(handle, command, &info.dataType, buffer, size); },
-        maxBytesSize);
-    return info;
-}
-
-template <typename Handle, typename Value>
-Value Get(KORO_ReturnCode (*get)(Handle, Value*), Handle handle)
-{
-    Value value{};
-    Check(get(handle, &value));
-    return value;
-}
-
-template <typename Handle>
-bool Flag(KORO_ReturnCode (*get)(Handle, KORO_Bool8*), Handle handle)
-{
-    return Get(get, handle) != 0;
-}
-
-template <typename Handle, typename Child>
-Child GetAt(KORO_ReturnCode (*get)(Handle, size_t, Child*), Handle handle, size_t index)
-{
-    Child child{};
-    Check(get(handle, index, &child));
-    return child;
-}
-
-template <typename Descriptor>
-std::string DescriptorID(
-    KORO_ReturnCode (*toModuleDescriptor)(Descriptor, KORO_ModuleDescriptorHandle*), Descriptor descriptor)
-{
-    return Text(KORO_ModuleDescriptor_GetID, Get(toModuleDescriptor, descriptor));
-}
-
-// A handle that ends with its owner. Failures of the end are swallowed: a dead handle has already ended.
-template <typename Handle, KORO_ReturnCode (*destruct)(Handle)>
-class Owner
-{
-public:
-    Owner() = default;
-    explicit Owner(Handle owned) noexcept : handle(owned) {}
-    Owner(Owner&& other) noexcept : handle(std::exchange(other.handle, Handle{})) {}
-    Owner& operator=(Owner&& other) noexcept
-    {
-        if (this != &other)
-        {
-            Close();
-            handle = std::exchange(other.handle, Handle{});
-        }
-        return *this;
-    }
-    ~Owner() { Close(); }
-
-    // Empty after a move and after Close(); every call then throws with KORO_RETURN_CODE_INVALID_HANDLE.
-    explicit operator bool() const noexcept { return handle != Handle{}; }
-    KORO_ReturnCode Close() noexcept
-    {
-        const Handle closing = std::exchange(handle, Handle{});
-        return closing == Handle{} ? KORO_RETURN_CODE_SUCCESS : destruct(closing);
-    }
-    Handle Get() const noexcept { return handle; }
-
-private:
-    Handle handle{};
-};
-
-template <typename Handle>
-class View
-{
-public:
-    View() = default;
-    explicit View(Handle viewed) noexcept : handle(viewed) {}
-
-    Handle Get() const noexcept { return handle; }
-    explicit operator bool() const noexcept { return handle != Handle{}; }
-    friend bool operator==(const View& left, const View& right) noexcept { return left.handle == right.handle; }
-    friend bool operator!=(const View& left, const View& right) noexcept { return left.handle != right.handle; }
-
-private:
-    Handle handle{};
-};
-
-} // namespace detail
 
 // One count of the library's initialisation. Keep it until everything else of this header has gone.
 class Library
@@ -302,73 +124,6 @@ public:
         return paths;
     }
 };
-
-// A registered callback: ends with this object. The function runs on the thread that updates, with the registry's
-// lock held; it must not throw (that ends the program) and must not end or make registrations of the same kind.
-class Registration
-{
-public:
-    Registration() = default;
-    Registration(std::shared_ptr<void> function, std::function<void()> unregisterFunction)
-        : keptFunction(std::move(function)), unregister(std::move(unregisterFunction))
-    {}
-    Registration(Registration&& other) noexcept
-        : keptFunction(std::move(other.keptFunction)), unregister(std::exchange(other.unregister, nullptr))
-    {}
-    Registration& operator=(Registration&& other) noexcept
-    {
-        if (this != &other)
-        {
-            End();
-            keptFunction = std::move(other.keptFunction);
-            unregister = std::exchange(other.unregister, nullptr);
-        }
-        return *this;
-    }
-    ~Registration() { End(); }
-
-    void End() noexcept
-    {
-        if (unregister) unregister();
-        unregister = nullptr;
-        keptFunction.reset();
-    }
-
-private:
-    std::shared_ptr<void> keptFunction;
-    std::function<void()> unregister;
-};
-
-namespace detail
-{
-
-// The `void*` of a callback is the std::function; the Registration keeps it at its address.
-template <typename Descriptor, typename Handle>
-void CallFound(Handle found, void* context) noexcept
-{
-    (*static_cast<std::function<void(Descriptor)>*>(context))(Descriptor(found));
-}
-
-inline void CallLost(const char* id, size_t idSize, void* context) noexcept
-{
-    const std::string text(id, idSize > 0 ? idSize - 1 : 0);
-    (*static_cast<std::function<void(const std::string&)>*>(context))(text);
-}
-
-template <typename Function, typename Parent, typename Callback, typename CallbackHandle>
-Registration Register(
-    KORO_ReturnCode (*registerCallback)(Parent, Callback, void*, CallbackHandle*),
-    KORO_ReturnCode (*unregisterCallback)(Parent, CallbackHandle), Parent parent, std::common_type_t<Callback> callback,
-    Function function)
-{
-    if (!function) throw Error(KORO_RETURN_CODE_INVALID_ARGUMENT, "A callback needs a function!");
-    auto kept = std::make_shared<Function>(std::move(function));
-    CallbackHandle handle{};
-    Check(registerCallback(parent, callback, kept.get(), &handle));
-    return Registration(kept, [=] { unregisterCallback(parent, handle); });
-}
-
-} // namespace detail
 
 // One place where the description of a module's features lies.
 class PortURL : public detail::View<KORO_PortURLHandle>
@@ -468,6 +223,19 @@ public:
 namespace detail
 {
 
+// The features of a module as each of its descriptions tells them.
+template <typename Handle>
+std::vector<NodeMap> NodeMapsOf(KORO_ReturnCode (*toModule)(Handle, KORO_ModuleHandle*), Handle handle)
+{
+    return Children<NodeMap>(KORO_Module_GetNumNodeMaps, KORO_Module_GetNodeMap, Get(toModule, handle));
+}
+
+template <typename Handle>
+NodeMap NodeMapOf(KORO_ReturnCode (*toModule)(Handle, KORO_ModuleHandle*), Handle handle, size_t index)
+{
+    return NodeMap(GetAt(KORO_Module_GetNodeMap, Get(toModule, handle), index));
+}
+
 template <typename Handle>
 Port PortOf(KORO_ReturnCode (*toModule)(Handle, KORO_ModuleHandle*), Handle handle)
 {
@@ -525,6 +293,8 @@ public:
     bool HasChunks() const { return detail::Flag(KORO_Buffer_GetHasChunks, Get()); }
     RawInfo Info(int32_t command) const { return detail::Info(KORO_Buffer_GetInfo, Get(), command); }
     koro::Port Port() const { return detail::PortOf(KORO_Buffer_ToModule, Get()); }
+    std::vector<koro::NodeMap> NodeMaps() const { return detail::NodeMapsOf(KORO_Buffer_ToModule, Get()); }
+    koro::NodeMap NodeMap(size_t index = 0) const { return detail::NodeMapOf(KORO_Buffer_ToModule, Get(), index); }
     EventController EnableEvents(int32_t eventType) const
     {
         return detail::EnableEvents(KORO_Buffer_ToEventSupportingModule, Get(), eventType);
@@ -616,6 +386,8 @@ public:
     bool IsGrabbing() const { return detail::Flag(KORO_DataStream_GetIsGrabbing, Get()); }
     RawInfo Info(int32_t command) const { return detail::Info(KORO_DataStream_GetInfo, Get(), command); }
     koro::Port Port() const { return detail::PortOf(KORO_DataStream_ToModule, Get()); }
+    std::vector<koro::NodeMap> NodeMaps() const { return detail::NodeMapsOf(KORO_DataStream_ToModule, Get()); }
+    koro::NodeMap NodeMap(size_t index = 0) const { return detail::NodeMapOf(KORO_DataStream_ToModule, Get(), index); }
     EventController EnableEvents(int32_t eventType) const
     {
         return detail::EnableEvents(KORO_DataStream_ToEventSupportingModule, Get(), eventType);
@@ -651,6 +423,11 @@ public:
 
     KORO_DeviceHandle LocalDevice() const { return detail::Get(KORO_RemoteDevice_GetLocalDevice, Get()); }
     koro::Port Port() const { return detail::PortOf(KORO_RemoteDevice_ToModule, Get()); }
+    std::vector<koro::NodeMap> NodeMaps() const { return detail::NodeMapsOf(KORO_RemoteDevice_ToModule, Get()); }
+    koro::NodeMap NodeMap(size_t index = 0) const
+    {
+        return detail::NodeMapOf(KORO_RemoteDevice_ToModule, Get(), index);
+    }
 };
 
 // An open device: the transport layer's view of a camera.
@@ -686,6 +463,8 @@ public:
         return streams;
     }
     koro::Port Port() const { return detail::PortOf(KORO_Device_ToModule, Get()); }
+    std::vector<koro::NodeMap> NodeMaps() const { return detail::NodeMapsOf(KORO_Device_ToModule, Get()); }
+    koro::NodeMap NodeMap(size_t index = 0) const { return detail::NodeMapOf(KORO_Device_ToModule, Get(), index); }
     EventController EnableEvents(int32_t eventType) const
     {
         return detail::EnableEvents(KORO_Device_ToEventSupportingModule, Get(), eventType);
@@ -760,6 +539,8 @@ public:
             &detail::CallLost, std::move(lost));
     }
     koro::Port Port() const { return detail::PortOf(KORO_Interface_ToModule, Get()); }
+    std::vector<koro::NodeMap> NodeMaps() const { return detail::NodeMapsOf(KORO_Interface_ToModule, Get()); }
+    koro::NodeMap NodeMap(size_t index = 0) const { return detail::NodeMapOf(KORO_Interface_ToModule, Get(), index); }
     EventController EnableEvents(int32_t eventType) const
     {
         return detail::EnableEvents(KORO_Interface_ToEventSupportingModule, Get(), eventType);
@@ -821,6 +602,8 @@ public:
             &detail::CallLost, std::move(lost));
     }
     koro::Port Port() const { return detail::PortOf(KORO_System_ToModule, Get()); }
+    std::vector<koro::NodeMap> NodeMaps() const { return detail::NodeMapsOf(KORO_System_ToModule, Get()); }
+    koro::NodeMap NodeMap(size_t index = 0) const { return detail::NodeMapOf(KORO_System_ToModule, Get(), index); }
     EventController EnableEvents(int32_t eventType) const
     {
         return detail::EnableEvents(KORO_System_ToEventSupportingModule, Get(), eventType);
@@ -868,5 +651,7 @@ private:
 };
 
 } // namespace koro
+
+#include <koro/cpp/acquisition.hpp> // IWYU pragma: export
 
 #endif

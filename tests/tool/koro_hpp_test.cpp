@@ -1,4 +1,5 @@
 #include "tests/support/scripted_producer.h"
+#include "tests/tool/koro_tree.h"
 #include "tests/tool/tool_run.h"
 #include <koro/koro.hpp>
 
@@ -11,44 +12,13 @@
 namespace
 {
 
+using koro::test::CodeOf;
 using koro::test::ScriptedProducer;
+using koro::test::Tree;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
 constexpr uint64_t waitTimeout_ms = 60000;
-
-KORO_ReturnCode CodeOf(const std::function<void()>& call)
-{
-    try
-    {
-        call();
-    }
-    catch (const koro::Error& error)
-    {
-        return error.Code();
-    }
-    return KORO_RETURN_CODE_SUCCESS;
-}
-
-// A producer opened down to a stream; the members close from the leaves.
-struct Tree
-{
-    koro::Library library = koro::Library::Initialize();
-    koro::ProducerLibrary producer;
-    koro::System system;
-    koro::Interface firstInterface;
-    koro::Device device;
-    koro::DataStream stream;
-
-    explicit Tree(const std::string& path) : producer(path), system(producer.System().OpenSystem())
-    {
-        system.UpdateInterfaces(1000);
-        firstInterface = system.Interfaces().at(0).OpenInterface();
-        firstInterface.UpdateDevices(1000);
-        device = firstInterface.Devices().at(0).OpenDevice();
-        stream = device.DataStreams().at(0).OpenDataStream();
-    }
-};
 
 TEST(KoroLibrary, InitialisationIsCounted)
 {

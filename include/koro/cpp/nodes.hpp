@@ -1,0 +1,465 @@
+// Features: node maps, nodes, and nodes with values. Views all of them, free to copy; they end with their module.
+//
+// Included by <koro/koro.hpp>, which is the header for programs. Any thread, as the C functions behind it; what belongs
+// together, such as a selector and what it selects, is kept together by NodeMap::Lock().
+#ifndef KORO_CPP_NODES_HPP
+#define KORO_CPP_NODES_HPP
+
+#include <koro/cpp/support.hpp>
+#include <koro/koro.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace koro
+{
+
+enum class CachePolicy : int32_t
+{
+    UseCache = 0,
+    IgnoreCache = 1, // asks the device
+};
+
+class NodeMap;
+class IntegerNode;
+class FloatNode;
+class BooleanNode;
+class CommandNode;
+class StringNode;
+class RegisterNode;
+class CategoryNode;
+class EnumerationNode;
+class EnumerationEntryNode;
+
+// What all nodes have in common. Numbers without a type of their own are those of <koro/node.h>.
+class Node : public detail::View<KORO_NodeHandle>
+{
+public:
+    using View::View;
+
+    std::string Name() const { return detail::Text(KORO_Node_GetName, Get()); }
+    std::string DisplayName() const { return detail::Text(KORO_Node_GetDisplayName, Get()); }
+    KORO_NodeNamespace Namespace() const { return detail::Get(KORO_Node_GetNamespace, Get()); }
+    KORO_NodeVisibility Visibility() const { return detail::Get(KORO_Node_GetVisibility, Get()); }
+    KORO_NodeType Type() const { return detail::Get(KORO_Node_GetType, Get()); }
+    std::string ToolTip() const { return detail::Text(KORO_Node_GetToolTip, Get()); }
+    std::string Description() const { return detail::Text(KORO_Node_GetDescription, Get()); }
+    bool IsFeature() const { return detail::Flag(KORO_Node_GetIsFeature, Get()); }
+    bool IsDeprecated() const { return detail::Flag(KORO_Node_GetIsDeprecated, Get()); }
+    bool IsStreamable() const { return detail::Flag(KORO_Node_GetIsStreamable, Get()); }
+
+    KORO_NodeAccessStatus AccessStatus() const { return detail::Get(KORO_Node_GetAccessStatus, Get()); }
+    bool IsImplemented() const { return AccessStatus() != KORO_NODE_ACCESS_STATUS_NOT_IMPLEMENTED; }
+    bool IsAvailable() const
+    {
+        const KORO_NodeAccessStatus status = AccessStatus();
+        return status != KORO_NODE_ACCESS_STATUS_NOT_IMPLEMENTED && status != KORO_NODE_ACCESS_STATUS_NOT_AVAILABLE;
+    }
+    bool IsReadable() const
+    {
+        const KORO_NodeAccessStatus status = AccessStatus();
+        return status == KORO_NODE_ACCESS_STATUS_READ_ONLY || status == KORO_NODE_ACCESS_STATUS_READ_WRITE;
+    }
+    bool IsWritable() const
+    {
+        const KORO_NodeAccessStatus status = AccessStatus();
+        return status == KORO_NODE_ACCESS_STATUS_WRITE_ONLY || status == KORO_NODE_ACCESS_STATUS_READ_WRITE;
+    }
+
+    bool IsCacheable() const { return detail::Flag(KORO_Node_GetIsCacheable, Get()); }
+    bool IsAccessStatusCacheable() const { return detail::Flag(KORO_Node_GetIsAccessStatusCacheable, Get()); }
+    KORO_NodeCachingMode CachingMode() const { return detail::Get(KORO_Node_GetCachingMode, Get()); }
+    // Milliseconds; -1 for a node that is not polled.
+    int64_t PollingTime_ms() const { return detail::Get(KORO_Node_GetPollingTime, Get()); }
+
+    NodeMap ParentNodeMap() const;
+    std::vector<Node> InvalidatedNodes() const
+    {
+        return detail::Children<Node>(KORO_Node_GetNumInvalidatedNodes, KORO_Node_GetInvalidatedNode, Get());
+    }
+    Node InvalidatedNode(const std::string& name) const
+    {
+        return detail::FindByName<Node>(KORO_Node_FindInvalidatedNode, Get(), name);
+    }
+    std::vector<Node> InvalidatingNodes() const
+    {
+        return detail::Children<Node>(KORO_Node_GetNumInvalidatingNodes, KORO_Node_GetInvalidatingNode, Get());
+    }
+    Node InvalidatingNode(const std::string& name) const
+    {
+        return detail::FindByName<Node>(KORO_Node_FindInvalidatingNode, Get(), name);
+    }
+    std::vector<Node> SelectedNodes() const
+    {
+        return detail::Children<Node>(KORO_Node_GetNumSelectedNodes, KORO_Node_GetSelectedNode, Get());
+    }
+    Node SelectedNode(const std::string& name) const
+    {
+        return detail::FindByName<Node>(KORO_Node_FindSelectedNode, Get(), name);
+    }
+    std::vector<Node> SelectingNodes() const
+    {
+        return detail::Children<Node>(KORO_Node_GetNumSelectingNodes, KORO_Node_GetSelectingNode, Get());
+    }
+    Node SelectingNode(const std::string& name) const
+    {
+        return detail::FindByName<Node>(KORO_Node_FindSelectingNode, Get(), name);
+    }
+
+    // Each throws Error with KORO_RETURN_CODE_INVALID_CAST for a node of another type.
+    IntegerNode ToInteger() const;
+    FloatNode ToFloat() const;
+    BooleanNode ToBoolean() const;
+    CommandNode ToCommand() const;
+    StringNode ToString() const;
+    RegisterNode ToRegister() const;
+    CategoryNode ToCategory() const;
+    EnumerationNode ToEnumeration() const;
+    EnumerationEntryNode ToEnumerationEntry() const;
+
+    // The function may use any node of the map and end its own registration; it must not wait for another thread that
+    // uses the map.
+    [[nodiscard]] Registration OnChanged(std::function<void(Node)> changed) const
+    {
+        return detail::Register(
+            KORO_Node_RegisterChangedCallback, KORO_Node_UnregisterChangedCallback, Get(),
+            &detail::CallFound<Node, KORO_NodeHandle>, std::move(changed));
+    }
+};
+
+class IntegerNode : public detail::View<KORO_IntegerNodeHandle>
+{
+public:
+    using View::View;
+
+    int64_t Value(CachePolicy policy = CachePolicy::UseCache) const
+    {
+        int64_t value = 0;
+        detail::Check(KORO_IntegerNode_GetValue(Get(), static_cast<int32_t>(policy), &value));
+        return value;
+    }
+    void SetValue(int64_t value) const { detail::Check(KORO_IntegerNode_SetValue(Get(), value)); }
+    int64_t Minimum() const { return detail::Get(KORO_IntegerNode_GetMinimum, Get()); }
+    int64_t Maximum() const { return detail::Get(KORO_IntegerNode_GetMaximum, Get()); }
+    int64_t Increment() const { return detail::Get(KORO_IntegerNode_GetIncrement, Get()); }
+    KORO_NodeIncrementType IncrementType() const { return detail::Get(KORO_IntegerNode_GetIncrementType, Get()); }
+    std::vector<int64_t> ValidValues() const { return detail::Values(KORO_IntegerNode_GetValidValues, Get()); }
+    KORO_NodeRepresentation Representation() const { return detail::Get(KORO_IntegerNode_GetRepresentation, Get()); }
+    std::string Unit() const { return detail::Text(KORO_IntegerNode_GetUnit, Get()); }
+    koro::Node Node() const { return koro::Node(detail::Get(KORO_IntegerNode_ToNode, Get())); }
+};
+
+class FloatNode : public detail::View<KORO_FloatNodeHandle>
+{
+public:
+    using View::View;
+
+    double Value(CachePolicy policy = CachePolicy::UseCache) const
+    {
+        double value = 0;
+        detail::Check(KORO_FloatNode_GetValue(Get(), static_cast<int32_t>(policy), &value));
+        return value;
+    }
+    void SetValue(double value) const { detail::Check(KORO_FloatNode_SetValue(Get(), value)); }
+    double Minimum() const { return detail::Get(KORO_FloatNode_GetMinimum, Get()); }
+    double Maximum() const { return detail::Get(KORO_FloatNode_GetMaximum, Get()); }
+    bool HasConstantIncrement() const { return detail::Flag(KORO_FloatNode_GetHasConstantIncrement, Get()); }
+    double Increment() const { return detail::Get(KORO_FloatNode_GetIncrement, Get()); }
+    KORO_NodeIncrementType IncrementType() const { return detail::Get(KORO_FloatNode_GetIncrementType, Get()); }
+    std::vector<double> ValidValues() const { return detail::Values(KORO_FloatNode_GetValidValues, Get()); }
+    KORO_NodeRepresentation Representation() const { return detail::Get(KORO_FloatNode_GetRepresentation, Get()); }
+    std::string Unit() const { return detail::Text(KORO_FloatNode_GetUnit, Get()); }
+    KORO_NodeDisplayNotation DisplayNotation() const { return detail::Get(KORO_FloatNode_GetDisplayNotation, Get()); }
+    int64_t DisplayPrecision() const { return detail::Get(KORO_FloatNode_GetDisplayPrecision, Get()); }
+    koro::Node Node() const { return koro::Node(detail::Get(KORO_FloatNode_ToNode, Get())); }
+};
+
+class BooleanNode : public detail::View<KORO_BooleanNodeHandle>
+{
+public:
+    using View::View;
+
+    bool Value(CachePolicy policy = CachePolicy::UseCache) const
+    {
+        KORO_Bool8 value = 0;
+        detail::Check(KORO_BooleanNode_GetValue(Get(), static_cast<int32_t>(policy), &value));
+        return value != 0;
+    }
+    void SetValue(bool value) const { detail::Check(KORO_BooleanNode_SetValue(Get(), value ? 1 : 0)); }
+    koro::Node Node() const { return koro::Node(detail::Get(KORO_BooleanNode_ToNode, Get())); }
+};
+
+class CommandNode : public detail::View<KORO_CommandNodeHandle>
+{
+public:
+    using View::View;
+
+    // Starts the command; does not wait for its end.
+    void Execute() const { detail::Check(KORO_CommandNode_Execute(Get())); }
+    bool IsDone() const { return detail::Flag(KORO_CommandNode_GetIsDone, Get()); }
+    // Throws Error with KORO_RETURN_CODE_TIMEOUT when the command goes on.
+    void WaitUntilDone(uint64_t timeout_ms) const { detail::Check(KORO_CommandNode_WaitUntilDone(Get(), timeout_ms)); }
+    void WaitUntilDone() const { detail::Check(KORO_CommandNode_WaitUntilDoneInfinite(Get())); }
+    koro::Node Node() const { return koro::Node(detail::Get(KORO_CommandNode_ToNode, Get())); }
+};
+
+class StringNode : public detail::View<KORO_StringNodeHandle>
+{
+public:
+    using View::View;
+
+    std::string Value(CachePolicy policy = CachePolicy::UseCache) const
+    {
+        return detail::FetchText([&](char* buffer, size_t* size) {
+            return KORO_StringNode_GetValue(Get(), static_cast<int32_t>(policy), buffer, size);
+        });
+    }
+    void SetValue(const std::string& value) const
+    {
+        detail::Check(KORO_StringNode_SetValue(Get(), value.c_str(), value.size() + 1));
+    }
+    // Bytes, no terminating zero counted.
+    int64_t MaximumLength() const { return detail::Get(KORO_StringNode_GetMaximumLength, Get()); }
+    koro::Node Node() const { return koro::Node(detail::Get(KORO_StringNode_ToNode, Get())); }
+};
+
+class RegisterNode : public detail::View<KORO_RegisterNodeHandle>
+{
+public:
+    using View::View;
+
+    uint64_t Address() const { return detail::Get(KORO_RegisterNode_GetAddress, Get()); }
+    size_t Length() const { return detail::Get(KORO_RegisterNode_GetLength, Get()); }
+    // The whole register. IgnoreCache has the access checked, and may use the cache all the same.
+    std::vector<uint8_t> Read(CachePolicy policy = CachePolicy::UseCache) const
+    {
+        const size_t length = Length();
+        if (length > detail::maxBytesSize)
+            throw Error(KORO_RETURN_CODE_ERROR, "A register claims a length of " + std::to_string(length) + " bytes!");
+        std::vector<uint8_t> bytes(length);
+        detail::Check(KORO_RegisterNode_Read(Get(), static_cast<int32_t>(policy), bytes.data(), bytes.size()));
+        return bytes;
+    }
+    void Write(const std::vector<uint8_t>& bytes) const
+    {
+        detail::Check(KORO_RegisterNode_Write(Get(), bytes.data(), bytes.size()));
+    }
+    koro::Node Node() const { return koro::Node(detail::Get(KORO_RegisterNode_ToNode, Get())); }
+};
+
+class CategoryNode : public detail::View<KORO_CategoryNodeHandle>
+{
+public:
+    using View::View;
+
+    std::vector<koro::Node> SubNodes() const
+    {
+        return detail::Children<koro::Node>(KORO_CategoryNode_GetNumSubNodes, KORO_CategoryNode_GetSubNode, Get());
+    }
+    koro::Node Node() const { return koro::Node(detail::Get(KORO_CategoryNode_ToNode, Get())); }
+};
+
+class EnumerationEntryNode : public detail::View<KORO_EnumerationEntryNodeHandle>
+{
+public:
+    using View::View;
+
+    std::string SymbolicValue() const { return detail::Text(KORO_EnumerationEntryNode_GetSymbolicValue, Get()); }
+    int64_t Value() const { return detail::Get(KORO_EnumerationEntryNode_GetValue, Get()); }
+    bool IsSelfClearing() const { return detail::Flag(KORO_EnumerationEntryNode_GetIsSelfClearing, Get()); }
+    koro::Node Node() const { return koro::Node(detail::Get(KORO_EnumerationEntryNode_ToNode, Get())); }
+};
+
+class EnumerationNode : public detail::View<KORO_EnumerationNodeHandle>
+{
+public:
+    using View::View;
+
+    EnumerationEntryNode CurrentEntry(CachePolicy policy = CachePolicy::UseCache) const
+    {
+        KORO_EnumerationEntryNodeHandle entry{};
+        detail::Check(KORO_EnumerationNode_GetCurrentEntry(Get(), static_cast<int32_t>(policy), &entry));
+        return EnumerationEntryNode(entry);
+    }
+    void SetCurrentEntry(EnumerationEntryNode entry) const
+    {
+        detail::Check(KORO_EnumerationNode_SetCurrentEntry(Get(), entry.Get()));
+    }
+    void SetCurrentEntry(int64_t value) const
+    {
+        detail::Check(KORO_EnumerationNode_SetCurrentEntryByValue(Get(), value));
+    }
+    void SetCurrentEntry(const std::string& symbolicValue) const
+    {
+        detail::Check(KORO_EnumerationNode_SetCurrentEntryBySymbolicValue(
+            Get(), symbolicValue.c_str(), symbolicValue.size() + 1));
+    }
+    // In the order of the description, available or not.
+    std::vector<EnumerationEntryNode> Entries() const
+    {
+        return detail::Children<EnumerationEntryNode>(
+            KORO_EnumerationNode_GetNumEntries, KORO_EnumerationNode_GetEntry, Get());
+    }
+    EnumerationEntryNode Entry(int64_t value) const
+    {
+        KORO_EnumerationEntryNodeHandle entry{};
+        detail::Check(KORO_EnumerationNode_FindEntryByValue(Get(), value, &entry));
+        return EnumerationEntryNode(entry);
+    }
+    EnumerationEntryNode Entry(const std::string& symbolicValue) const
+    {
+        return detail::FindByName<EnumerationEntryNode>(
+            KORO_EnumerationNode_FindEntryBySymbolicValue, Get(), symbolicValue);
+    }
+    // Empty when there is none.
+    EnumerationEntryNode TryEntry(int64_t value) const
+    {
+        KORO_EnumerationEntryNodeHandle entry{};
+        detail::Check(KORO_EnumerationNode_TryFindEntryByValue(Get(), value, &entry));
+        return EnumerationEntryNode(entry);
+    }
+    EnumerationEntryNode TryEntry(const std::string& symbolicValue) const
+    {
+        return detail::FindByName<EnumerationEntryNode>(
+            KORO_EnumerationNode_TryFindEntryBySymbolicValue, Get(), symbolicValue);
+    }
+    bool HasEntry(int64_t value) const
+    {
+        KORO_Bool8 hasEntry = 0;
+        detail::Check(KORO_EnumerationNode_GetHasEntryByValue(Get(), value, &hasEntry));
+        return hasEntry != 0;
+    }
+    bool HasEntry(const std::string& symbolicValue) const
+    {
+        KORO_Bool8 hasEntry = 0;
+        detail::Check(KORO_EnumerationNode_GetHasEntryBySymbolicValue(
+            Get(), symbolicValue.c_str(), symbolicValue.size() + 1, &hasEntry));
+        return hasEntry != 0;
+    }
+    koro::Node Node() const { return koro::Node(detail::Get(KORO_EnumerationNode_ToNode, Get())); }
+};
+
+// Holds the lock of a node map, which is recursive, until its end; ends on the thread that made it.
+class NodeMapLock
+{
+public:
+    NodeMapLock(NodeMapLock&& other) noexcept : locked(std::exchange(other.locked, KORO_NodeMapHandle{})) {}
+    NodeMapLock& operator=(NodeMapLock&&) = delete;
+    ~NodeMapLock()
+    {
+        if (locked) KORO_NodeMap_Unlock(locked);
+    }
+
+private:
+    friend class NodeMap;
+    explicit NodeMapLock(KORO_NodeMapHandle map) noexcept : locked(map) {}
+
+    KORO_NodeMapHandle locked;
+};
+
+// The features of a module. The first call on a map reads its description and tells what is wrong with it.
+class NodeMap : public detail::View<KORO_NodeMapHandle>
+{
+public:
+    using View::View;
+
+    bool HasNode(const std::string& name) const
+    {
+        KORO_Bool8 hasNode = 0;
+        detail::Check(KORO_NodeMap_GetHasNode(Get(), name.c_str(), name.size() + 1, &hasNode));
+        return hasNode != 0;
+    }
+    // Throws Error with KORO_RETURN_CODE_NOT_FOUND when there is none.
+    koro::Node Node(const std::string& name) const
+    {
+        return detail::FindByName<koro::Node>(KORO_NodeMap_FindNode, Get(), name);
+    }
+    // Empty when there is none.
+    koro::Node TryNode(const std::string& name) const
+    {
+        return detail::FindByName<koro::Node>(KORO_NodeMap_TryFindNode, Get(), name);
+    }
+    // All of them, features or not.
+    std::vector<koro::Node> Nodes() const
+    {
+        return detail::Children<koro::Node>(KORO_NodeMap_GetNumNodes, KORO_NodeMap_GetNode, Get());
+    }
+
+    // Each is Node(name) and its cast.
+    IntegerNode Integer(const std::string& name) const { return Node(name).ToInteger(); }
+    FloatNode Float(const std::string& name) const { return Node(name).ToFloat(); }
+    BooleanNode Boolean(const std::string& name) const { return Node(name).ToBoolean(); }
+    CommandNode Command(const std::string& name) const { return Node(name).ToCommand(); }
+    StringNode String(const std::string& name) const { return Node(name).ToString(); }
+    RegisterNode Register(const std::string& name) const { return Node(name).ToRegister(); }
+    CategoryNode Category(const std::string& name) const { return Node(name).ToCategory(); }
+    EnumerationNode Enumeration(const std::string& name) const { return Node(name).ToEnumeration(); }
+
+    void InvalidateNodes() const { detail::Check(KORO_NodeMap_InvalidateNodes(Get())); }
+    // Tells the nodes that time has passed; the library has no thread that does.
+    void PollNodes(int64_t elapsed_ms) const { detail::Check(KORO_NodeMap_PollNodes(Get(), elapsed_ms)); }
+
+    [[nodiscard]] NodeMapLock Lock() const
+    {
+        detail::Check(KORO_NodeMap_Lock(Get()));
+        return NodeMapLock(Get());
+    }
+    // Empty while another thread holds the lock.
+    [[nodiscard]] std::optional<NodeMapLock> TryLock() const
+    {
+        KORO_Bool8 locked = 0;
+        detail::Check(KORO_NodeMap_TryLock(Get(), &locked));
+        if (locked == 0) return std::nullopt;
+        return NodeMapLock(Get());
+    }
+};
+
+inline NodeMap Node::ParentNodeMap() const
+{
+    return NodeMap(detail::Get(KORO_Node_GetParentNodeMap, Get()));
+}
+inline IntegerNode Node::ToInteger() const
+{
+    return IntegerNode(detail::Get(KORO_Node_ToIntegerNode, Get()));
+}
+inline FloatNode Node::ToFloat() const
+{
+    return FloatNode(detail::Get(KORO_Node_ToFloatNode, Get()));
+}
+inline BooleanNode Node::ToBoolean() const
+{
+    return BooleanNode(detail::Get(KORO_Node_ToBooleanNode, Get()));
+}
+inline CommandNode Node::ToCommand() const
+{
+    return CommandNode(detail::Get(KORO_Node_ToCommandNode, Get()));
+}
+inline StringNode Node::ToString() const
+{
+    return StringNode(detail::Get(KORO_Node_ToStringNode, Get()));
+}
+inline RegisterNode Node::ToRegister() const
+{
+    return RegisterNode(detail::Get(KORO_Node_ToRegisterNode, Get()));
+}
+inline CategoryNode Node::ToCategory() const
+{
+    return CategoryNode(detail::Get(KORO_Node_ToCategoryNode, Get()));
+}
+inline EnumerationNode Node::ToEnumeration() const
+{
+    return EnumerationNode(detail::Get(KORO_Node_ToEnumerationNode, Get()));
+}
+inline EnumerationEntryNode Node::ToEnumerationEntry() const
+{
+    return EnumerationEntryNode(detail::Get(KORO_Node_ToEnumerationEntryNode, Get()));
+}
+
+} // namespace koro
+
+#endif
