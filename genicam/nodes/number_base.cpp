@@ -40,9 +40,10 @@ bool ToInteger(double value, int64_t& integer)
     return true;
 }
 
-std::string ValueIs(const std::string& value)
+template <class Number>
+std::string ValueIs(Number value)
 {
-    return "Value = " + value;
+    return "Value = " + PlainText(value);
 }
 
 } // namespace
@@ -97,7 +98,7 @@ void NumberBase<Number, Interface, List>::CheckRange(Number value)
     const Number min = MinOf<Number>(*this);
     const Number max = MaxOf<Number>(*this);
     const auto refuse = [&](const char* relation, Number limit) {
-        return RangeError(*this, ValueIs(std::to_string(value)) + relation + std::to_string(limit) + ".");
+        return RangeError(*this, ValueIs(value) + relation + PlainText(limit) + ".");
     };
     if (value < min) throw refuse(" must be greater than or equal to Min = ", min);
     if (value > max) throw refuse(" must be smaller than or equal to Max = ", max);
@@ -214,7 +215,7 @@ void IntegerBase::WriteReal(double value, bool verify)
     int64_t rounded = 0;
     if (!ToInteger(value, rounded))
     {
-        throw RangeError(*this, ValueIs(std::to_string(value)) + " does not fit an integer.");
+        throw RangeError(*this, ValueIs(value) + " does not fit an integer.");
     }
     WriteInteger(NearestStep(rounded, IntegerMin(), IntegerMax(), IntegerInc()), verify);
 }
@@ -222,12 +223,12 @@ void IntegerBase::WriteReal(double value, bool verify)
 void IntegerBase::CheckStep(int64_t value, int64_t min)
 {
     const int64_t inc = IntegerInc();
-    if (inc <= 0) throw LogicalError(*this, "Inc = " + std::to_string(inc) + " must be greater than 0.");
+    if (inc <= 0) throw LogicalError(*this, "Inc = " + PlainText(inc) + " must be greater than 0.");
     if ((static_cast<uint64_t>(value) - static_cast<uint64_t>(min)) % static_cast<uint64_t>(inc) != 0)
     {
         throw RangeError(
-            *this, ValueIs(std::to_string(value)) + " is not on the grid of Min = " + std::to_string(min) +
-                       " and Inc = " + std::to_string(inc) + ".");
+            *this,
+            ValueIs(value) + " is not on the grid of Min = " + PlainText(min) + " and Inc = " + PlainText(inc) + ".");
     }
 }
 
@@ -252,7 +253,7 @@ int64_t FloatBase::Rounded(double value) const
     int64_t rounded = 0;
     if (!ToInteger(value, rounded))
     {
-        throw RuntimeError(*this, ValueIs(std::to_string(value)) + " does not fit an integer.");
+        throw RuntimeError(*this, ValueIs(value) + " does not fit an integer.");
     }
     return rounded;
 }

@@ -14,6 +14,7 @@ namespace
 {
 
 const char hexDigits[] = "0123456789abcdef";
+const int64_t maxDigits = 100; // that a precision may ask for
 
 __attribute__((format(printf, 1, 2))) std::string Format(const char* format, ...)
 {
@@ -52,17 +53,24 @@ int HexDigit(char letter)
     return -1;
 }
 
-std::string Shown(double value, EDisplayNotation notation, int precision)
+std::chars_format FormatOf(EDisplayNotation notation)
 {
     switch (notation)
     {
     case fnFixed:
-        return Format("%.*f", precision, value);
+        return std::chars_format::fixed;
     case fnScientific:
-        return Format("%.*e", precision, value);
+        return std::chars_format::scientific;
     default:
-        return Format("%.*g", precision, value);
+        return std::chars_format::general;
     }
+}
+
+// With a point, whatever the locale of the application.
+std::string Shown(double value, EDisplayNotation notation, int precision)
+{
+    char text[512]; // 309 digits before the point and maxDigits behind it
+    return std::string(text, std::to_chars(text, text + sizeof text, value, FormatOf(notation), precision).ptr);
 }
 
 // Half a unit of the last place of the mantissa, whatever the exponent.
@@ -120,7 +128,7 @@ bool ReadInteger(std::string_view text, ERepresentation representation, int64_t&
 
 std::string RealText(double value, double min, double max, EDisplayNotation notation, int64_t precision)
 {
-    const int digits = static_cast<int>(std::clamp<int64_t>(precision, 0, 100));
+    const int digits = static_cast<int>(std::clamp<int64_t>(precision, 0, maxDigits));
     std::string text = Shown(value, notation, digits);
     double shown = 0;
     if (!std::isfinite(value) || !ReadReal(text, shown)) return text;
@@ -129,12 +137,23 @@ std::string RealText(double value, double min, double max, EDisplayNotation nota
     return text;
 }
 
+std::string PlainText(int64_t value)
+{
+    return std::to_string(value);
+}
+
+std::string PlainText(double value)
+{
+    return Shown(value, fnFixed, 6);
+}
+
 bool ReadReal(std::string_view text, double& value)
 {
     const size_t start = text.find_first_not_of(" \t\r\n");
     if (start == std::string_view::npos) return false;
     text.remove_prefix(start);
     if (text[0] == '+') text.remove_prefix(1);
+    if (text.substr(0, 2) == "0x") text.remove_prefix(2); // no hex: the digits behind it count as they stand
     if (text.empty()) return false;
     const char first = text[text[0] == '-' && text.size() > 1 ? 1 : 0];
     const bool number = (first >= '0' && first <= '9') || first == '.';

@@ -16,6 +16,10 @@ bool ReadInteger(std::string_view text, ERepresentation representation, int64_t&
 std::string RealText(double value, double min, double max, EDisplayNotation notation, int64_t precision);
 bool ReadReal(std::string_view text, double& value);
 
+// As messages show numbers: in decimal, floats with six decimals.
+std::string PlainText(int64_t value);
+std::string PlainText(double value);
+
 std::string HexText(const uint8_t* bytes, size_t length);
 bool ReadHex(std::string_view text, std::string& bytes);
 

@@ -1,6 +1,6 @@
 #include "xml/description.h"
 
-#include <stdio.h>
+#include <charconv>
 
 namespace GENAPI_NAMESPACE::runtime
 {
@@ -42,8 +42,8 @@ std::string Description::ValueText(NodeIndex node, const PropertyRecord& record)
         return std::string(WordOf(record.property, static_cast<int>(record.number)));
     case Form::Real: {
         char text[32];
-        snprintf(text, sizeof text, "%.17g", record.real);
-        return text;
+        const auto general = std::chars_format::general;
+        return std::string(text, std::to_chars(text, text + sizeof text, record.real, general, 17).ptr);
     }
     default:
         return std::string(Text(record.text));
