@@ -37,7 +37,7 @@ NodeMap::NodeMap(std::shared_ptr<const Description> source, const gcstring& devi
     for (const std::unique_ptr<Node>& node : nodes)
     {
         node->Resolve();
-        if (node->GetPollingTime() >= 0) polled.push_back({node.get(), node->GetPollingTime(), 0});
+        if (node->GetPollingTime() >= 0) polled.push_back({node.get(), node->GetPollingTime(), 0, false});
     }
 }
 
@@ -353,11 +353,16 @@ void NodeMap::InvalidateNodes() const
 void NodeMap::Poll(int64_t ElapsedTime)
 {
     Operate(nullptr, "Poll", [&] {
-        std::vector<Node*> due;
+        // Blockers first: when one cannot be read, no counter has run yet.
         for (PollState& state : polled)
         {
             Node* const blocker = state.node->Linked(Property::pBlockPolling);
-            if (!state.node->IsPolled() || (blocker && blocker->PlainNumber() != 0)) continue;
+            state.running = state.node->IsPolled() && (!blocker || blocker->PlainNumber() == 0);
+        }
+        std::vector<Node*> due;
+        for (PollState& state : polled)
+        {
+            if (!state.running) continue;
             if (__builtin_add_overflow(state.elapsed, ElapsedTime, &state.elapsed)) // times come from anywhere
                 state.elapsed = ElapsedTime < 0 ? INT64_MIN : INT64_MAX;
             if (state.elapsed < state.time) continue;

@@ -64,6 +64,8 @@ public:
     const Description& Source() const { return *description; }
     RegisterCache& Registers() { return registers; }
     bool IsUnrestricted() const { return unrestricted; }
+    // Operations that began inside of others: a port may use the nodes of its own map.
+    uint64_t NestedEntries() const { return nestedEntries; }
     // "Gain.SetValue()"; empty outside of an operation.
     std::string EntryPoint() const;
     // Drops the caches of everything that depends on the node and on the nodes that are written through it, and
@@ -102,6 +104,7 @@ private:
         Node* node;
         int64_t time;
         int64_t elapsed;
+        bool running; // in the poll that is at work
     };
 
     uint32_t NewMark();
@@ -123,6 +126,7 @@ private:
     const Node* entryNode = nullptr;
     const char* entryOperation = "";
     unsigned entryDepth = 0;
+    uint64_t nestedEntries = 0;
     unsigned descent = 0;
     bool unrestricted = false;
     uint32_t lastMark = 0;

@@ -31,7 +31,11 @@ Entry::Entry(const Node& node, const char* operation) : Entry(node.Map(), &node,
 Entry::Entry(NodeMap& owner, const Node* node, const char* operation) : map(owner)
 {
     map.lock->Lock();
-    if (map.entryDepth++ > 0) return;
+    if (map.entryDepth++ > 0)
+    {
+        ++map.nestedEntries;
+        return;
+    }
     map.entryNode = node;
     map.entryOperation = operation;
     map.changed.clear();

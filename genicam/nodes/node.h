@@ -91,7 +91,7 @@ public:
     virtual double RealMax();
     virtual bool HasRealInc();
     virtual double RealInc();
-    // Predicates, addresses and indices take the number of an enumeration's entry, not its numeric value.
+    // Predicates take the number of an enumeration's entry, not its numeric value.
     virtual int64_t PlainNumber() { return ReadInteger({}); }
     virtual ERepresentation Representation() const { return PureNumber; }
     virtual GENICAM_NAMESPACE::gcstring UnitText() const;

@@ -72,6 +72,12 @@ IntegerRegister::Field IntegerRegister::FieldIn(unsigned length) const
 {
     const unsigned bits = 8 * length;
     if (!masked) return {0, bits};
+    if (std::max(lsb, msb) >= bits) // known at loading only where the length is written
+    {
+        throw RangeError(
+            *this,
+            "Length = " + std::to_string(length) + " leaves out bit " + std::to_string(std::max(lsb, msb)) + ".");
+    }
     const unsigned low = static_cast<unsigned>(big ? bits - 1 - lsb : lsb);
     const unsigned width = static_cast<unsigned>((big ? lsb - msb : msb - lsb) + 1);
     return {low, width};

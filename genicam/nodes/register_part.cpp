@@ -148,7 +148,7 @@ void RegisterPart::ReadBytes(uint8_t* bytes, int64_t count, ReadOptions options)
     const int64_t start = Address(options.verify);
     const int64_t length = Length(options.verify);
     IPort& connected = port->Connected();
-    RegisterCache::Block* const cache = Block(start, length);
+    RegisterCache::Block* cache = Block(start, length);
     if (cache && cache->valid && !options.ignoreCache)
     {
         memcpy(bytes, cache->bytes.data(), static_cast<size_t>(count));
@@ -160,10 +160,11 @@ void RegisterPart::ReadBytes(uint8_t* bytes, int64_t count, ReadOptions options)
         return;
     }
     cache->valid = false;
-    cache->bytes.resize(static_cast<size_t>(length));
-    connected.Read(cache->bytes.data(), start, length);
+    const uint64_t before = node.Map().NestedEntries();
+    connected.Read(bytes, start, length);
+    if (node.Map().NestedEntries() != before) cache = Block(start, length); // the port may have moved the register
+    cache->bytes.assign(bytes, bytes + length);
     cache->valid = true;
-    memcpy(bytes, cache->bytes.data(), static_cast<size_t>(count));
 }
 
 void RegisterPart::WriteBytes(const uint8_t* bytes, int64_t count, bool verify)
@@ -172,13 +173,22 @@ void RegisterPart::WriteBytes(const uint8_t* bytes, int64_t count, bool verify)
     const int64_t start = Address(verify);
     const int64_t length = Length(verify);
     IPort& connected = port->Connected();
-    RegisterCache::Block* const cache = Block(start, length);
+    RegisterCache::Block* cache = Block(start, length);
     const bool known = cache && (cache->valid || count == length) && node.CachingMode() == WriteThrough;
     // What was read on the way here is from before the write.
-    node.Map().DropDependents(node);
-    DropOverlapping({port, start, count});
-    if (cache) cache->valid = false; // until the port has taken it
+    const auto outdate = [&] {
+        node.Map().DropDependents(node);
+        DropOverlapping({port, start, count});
+        if (cache) cache->valid = false;
+    };
+    outdate();
+    const uint64_t before = node.Map().NestedEntries();
     connected.Write(bytes, start, count);
+    if (node.Map().NestedEntries() != before)
+    { // so is what the port itself has asked for; it may also have moved the register
+        cache = Block(start, length);
+        outdate();
+    }
     if (!known) return;
     cache->bytes.resize(static_cast<size_t>(length));
     memcpy(cache->bytes.data(), bytes, static_cast<size_t>(count));
