@@ -45,8 +45,6 @@ std::string NodeDraft::Fault() const
     if (Takes(element, Property::Address) && !hasAddress) return Missing("Address");
     if (element == Element::Enumeration && !Has(Property::pEntry)) return Missing("EnumEntry");
 
-    const bool masked = element == Element::MaskedIntReg || element == Element::StructEntry;
-    if (masked && Has(Property::LSB) != Has(Property::MSB)) return Missing("MSB");
     const bool indexed = Takes(element, Property::ValueIndexed) && Has(Property::pIndex);
     if (!indexed) return "";
     if (!Has(Property::ValueIndexed) && !Has(Property::pValueIndexed)) return Missing("ValueIndexed");

@@ -110,8 +110,8 @@ const Choice integerChoices[] = {
 const Choice registerChoices[] = {REGISTER_CHOICES};
 const Choice orderedRegisterChoices[] = {REGISTER_CHOICES, {{P::Endianess}, true}};
 const Choice maskedChoices[] = {
-    REGISTER_CHOICES, {{P::Endianess}, true}, {{P::Bit, P::LSB}, true}, {{P::Bit, P::MSB}, true}};
-const Choice structEntryChoices[] = {{{P::Bit, P::LSB}, true}, {{P::Bit, P::MSB}, true}};
+    REGISTER_CHOICES, {{P::Endianess}, true}, {{P::Bit, P::LSB}, true}, {{P::MSB, P::Bit}, true}};
+const Choice structEntryChoices[] = {{{P::Bit, P::LSB}, true}, {{P::MSB, P::Bit}, true}};
 const Choice singleChoices[] = {{{P::Value, P::pValue}, true}};
 const Choice commandChoices[] = {{{P::Value, P::pValue}, true}, {{P::CommandValue, P::pCommandValue}, true}};
 const Choice enumerationChoices[] = {{{P::Value, P::pValue}, true}};
