@@ -284,6 +284,26 @@ TEST(AccessOfPorts, IsThatOfThePortObject)
     EXPECT_EQ(map.Node("Device")->GetAccessMode(), NI);
 }
 
+TEST(AccessOfPorts, ReachesAllRegistersOnThem)
+{
+    const auto onPort = [](const std::string& children) {
+        const SmallMap map(
+            sources + "<Port Name=\"P\">" + children +
+            "</Port><Register "
+            "Name=\"X\"><Address>0</Address><Length>4</Length><AccessMode>RW</AccessMode><pPort>P</pPort>"
+            "</Register>");
+        koro::test::MemoryPort port;
+        map.map->Connect(&port, "P");
+        return map.Node("X")->GetAccessMode();
+    };
+    EXPECT_EQ(onPort(""), RW);
+    EXPECT_EQ(onPort("<SwapEndianess>Yes</SwapEndianess>"), RW);
+    EXPECT_EQ(onPort(Link("pIsLocked", "Yes")), RO);
+    EXPECT_EQ(onPort(Link("pIsAvailable", "No")), NA);
+    EXPECT_EQ(onPort(Link("pIsImplemented", "No")), NI);
+    EXPECT_EQ(onPort(Link("ImposedAccessMode", "WO")), WO);
+}
+
 TEST(AccessCache, KeepsTheModeUnlessAConditionIsNotCached)
 {
     SmallMap map(

@@ -208,4 +208,62 @@ TEST(Caches, OfAKnifeLiveAsLongAsItsVariables)
     EXPECT_EQ(map.port.reads, 1);
 }
 
+TEST(Caches, OfWhatAPortReadsDuringAWriteAreOutdatedByIt)
+{
+    for (const auto& [name, mode] : modes)
+    {
+        SmallMap map(
+            registers + Element("Integer", "A", Link("pValue", name)) + Element("Integer", "B", Link("pValue", name)));
+        EXPECT_EQ(map.Integer("B")->GetValue(), 0) << name;
+        int64_t meanwhile = -1;
+        map.port.onWrite = [&] { meanwhile = map.Integer("B")->GetValue(); };
+        map.Integer("A")->SetValue(5);
+        EXPECT_EQ(meanwhile, 0) << name;
+        for (const char* const reader : {name, "A", "B"})
+            EXPECT_EQ(map.Integer(reader)->GetValue(), 5) << reader << " on " << name;
+    }
+}
+
+TEST(Caches, SurviveAPortThatMovesTheRegisterMeanwhile)
+{
+    SmallMap map(
+        Element("Integer", "I", "<Value>0</Value>") +
+        IntReg("R", "0</Address><pIndex Offset=\"16\">I</pIndex><Address>0"));
+    int nested = 0;
+    const auto move = [&] {
+        if (nested > 0) return;
+        ++nested;
+        map.Integer("I")->SetValue(1);
+        map.Integer("R")->GetValue();
+        map.Integer("I")->SetValue(0);
+        --nested;
+    };
+    map.port.bytes = {{0, 3}, {16, 4}};
+    map.port.onRead = move;
+    EXPECT_EQ(map.Integer("R")->GetValue(), 3);
+    map.port.onRead = nullptr;
+    map.port.onWrite = move;
+    map.Integer("R")->SetValue(5);
+    map.port.onWrite = nullptr;
+    EXPECT_EQ(map.Integer("R")->GetValue(), 5);
+    map.Integer("I")->SetValue(1);
+    EXPECT_EQ(map.Integer("R")->GetValue(), 4);
+}
+
+TEST(Ports, SwapNothingInTheNodes)
+{
+    for (const std::string swap : {"Yes", "No"})
+    {
+        const SmallMap map(
+            "<Port Name=\"P\"><SwapEndianess>" + swap +
+            "</SwapEndianess></Port><IntReg "
+            "Name=\"R\"><Address>0</Address><Length>4</Length><AccessMode>RW</AccessMode>"
+            "<pPort>P</pPort><Endianess>BigEndian</Endianess></IntReg>");
+        koro::test::MemoryPort port;
+        port.bytes[3] = 7;
+        map.map->Connect(&port, "P");
+        EXPECT_EQ(map.Integer("R")->GetValue(), 7) << "that is the business of who moves the bytes";
+    }
+}
+
 } // namespace

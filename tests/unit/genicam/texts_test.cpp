@@ -1,6 +1,10 @@
 // Values as texts and back, for every kind of node.
+#include "tests/support/environment_variable.h"
+#include "tests/support/temporary_folder.h"
 #include "tests/unit/genicam/small_map.h"
 
+#include <clocale>
+#include <cstdlib>
 #include <gtest/gtest.h>
 #include <string>
 
@@ -9,8 +13,10 @@ namespace
 
 using namespace GENICAM_NAMESPACE;
 using namespace GENAPI_NAMESPACE;
+using koro::test::EnvironmentVariable;
 using koro::test::IntReg;
 using koro::test::SmallMap;
+using koro::test::TemporaryFolder;
 
 std::string Integer(const std::string& representation, const std::string& value = "0")
 {
@@ -117,12 +123,65 @@ TEST(FloatTexts, StayWithinTheLimits)
         "0.5");
 }
 
+// A locale whose decimal sign is a comma, made for the test; the former one comes back with the end.
+class CommaLocale
+{
+public:
+    CommaLocale()
+    {
+        const std::string make = "localedef -i de_DE -f UTF-8 '" + folder.File("comma") + "' >/dev/null 2>&1";
+        const EnvironmentVariable path("LOCPATH", folder.Path().string());
+        made = std::system(make.c_str()) == 0 && std::setlocale(LC_NUMERIC, "comma");
+    }
+    ~CommaLocale() { std::setlocale(LC_NUMERIC, "C"); }
+
+    bool made = false;
+
+private:
+    TemporaryFolder folder;
+};
+
+TEST(FloatTexts, HaveAPointWhateverTheLocale)
+{
+    const CommaLocale locale;
+    if (!locale.made) GTEST_SKIP() << "localedef cannot make a locale here";
+    ASSERT_STREQ(std::localeconv()->decimal_point, ",");
+    EXPECT_EQ(Shown(Float("0.5")), "0.5");
+    EXPECT_EQ(Shown(Float("0.5", "<DisplayNotation>Fixed</DisplayNotation>")), "0.500000");
+    EXPECT_EQ(Shown(Float("0.5", "<DisplayNotation>Scientific</DisplayNotation>")), "5.000000e-01");
+    EXPECT_EQ(TakenFloat("2.5"), 2.5);
+    EXPECT_EQ(SmallMap("<SwissKnife Name=\"K\"><Formula>2.5*2</Formula></SwissKnife>").Float("K")->GetValue(), 5);
+    const SmallMap map(Float("0.5", "<Max>1.5</Max>"));
+    gcstring text;
+    gcstring attribute;
+    EXPECT_TRUE(map.Node("X")->GetProperty("Max", text, attribute));
+    EXPECT_STREQ(text.c_str(), "1.5");
+    try
+    {
+        map.Float("X")->SetValue(2.5);
+        FAIL() << "nothing thrown";
+    }
+    catch (const OutOfRangeException& exception)
+    {
+        EXPECT_STREQ(exception.GetDescription(), "Value = 2.500000 must be smaller than or equal to Max = 1.500000.");
+    }
+}
+
+TEST(FloatTexts, OfTheLargestNumbersAreWhole)
+{
+    const std::string fixed = "<DisplayNotation>Fixed</DisplayNotation><DisplayPrecision>1000</DisplayPrecision>";
+    EXPECT_EQ(Shown(Float("1e308", fixed)).size(), 309u + 1 + 100);
+    EXPECT_EQ(Shown(Float("INF")), "inf");
+    EXPECT_EQ(Shown(Float("NaN")), "nan");
+}
+
 TEST(FloatTexts, AreReadWithPointAndExponent)
 {
     EXPECT_EQ(TakenFloat("1.5"), 1.5);
     EXPECT_EQ(TakenFloat("-2.5e3"), -2500);
     EXPECT_EQ(TakenFloat(".5"), 0.5);
     EXPECT_EQ(TakenFloat("1,5"), 1);
+    EXPECT_EQ(TakenFloat("0x10"), 10) << "no hex";
     for (const char* const none : {"", "inf", "-inf", "nan", "x"})
         EXPECT_THROW(TakenFloat(none), InvalidArgumentException) << none;
 }

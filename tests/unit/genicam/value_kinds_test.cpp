@@ -278,6 +278,37 @@ TEST(Refusals, SayValueAndLimit)
     EXPECT_THROW(map.Float("F")->GetValue(true), OutOfRangeException);
 }
 
+TEST(Refusals, OfTextsSayTheText)
+{
+    const SmallMap map(
+        "<Integer Name=\"I\"><Value>5</Value></Integer><Float Name=\"F\"><Value>5</Value></Float><Boolean Name=\"B\">"
+        "<Value>true</Value></Boolean><Enumeration Name=\"E\"><EnumEntry Name=\"A\"><Value>0</Value></EnumEntry>"
+        "<Value>0</Value></Enumeration><Command Name=\"C\"><Value>0</Value><CommandValue>1</CommandValue></Command>"
+        "<Register Name=\"R\"><Address>0</Address><Length>4</Length><AccessMode>RW</AccessMode><pPort>Device</pPort>"
+        "</Register>");
+    const std::pair<const char*, const char*> texts[] = {
+        {"I", "The text 'no text' is no integer value."},        {"F", "The text 'no text' is no float value."},
+        {"B", "The text 'no text' is no truth value."},          {"E", "There is no entry 'no text'."},
+        {"C", "The text 'no text' does not execute a command."}, {"R", "The text 'no text' is no list of hex digits."}};
+    for (const auto& [name, text] : texts)
+    {
+        try
+        {
+            map.Value(name)->FromString("no text");
+            FAIL() << "nothing thrown by " << name;
+        }
+        catch (const InvalidArgumentException& exception)
+        {
+            EXPECT_STREQ(exception.GetDescription(), text);
+            EXPECT_NE(
+                std::string(exception.what())
+                    .find("thrown in node '" + std::string(name) + "' while calling '" + name + ".FromString()'"),
+                std::string::npos)
+                << exception.what();
+        }
+    }
+}
+
 TEST(Refusals, OfAccessRemainWithoutVerification)
 {
     const SmallMap map(
