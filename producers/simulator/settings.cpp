@@ -19,6 +19,7 @@ constexpr std::size_t maxInterfaces = 16;
 constexpr std::size_t maxCameras = 256;
 constexpr std::size_t maxFaults = 1024;
 constexpr std::int64_t maxSide = 16384;
+constexpr double minRate = 0.001; // as AcquisitionFrameRate
 constexpr double maxRate = 100000;
 constexpr std::int64_t maxDelay_ms = 60000;
 constexpr std::int64_t maxInfoBytes = std::int64_t{1} << 20;
@@ -95,6 +96,7 @@ void ReadCommon(JsonObject& object, CameraSettings& camera)
     object.Read("width", camera.width, 1, maxSide);
     object.Read("height", camera.height, 1, maxSide);
     object.Read("rate", camera.rate, maxRate);
+    if (camera.rate > 0 && camera.rate < minRate) object.Refuse("rate", "must be 0, or 0.001 to 100000");
     std::string format = camera.format->name;
     object.Read("pixelFormat", format);
     camera.format = FindPixelFormat(format);

@@ -42,6 +42,7 @@ const Case cases[] = {
     {"HeightIsHuge", Camera(R"("height": 1e9)"), "interfaces[0].cameras[1].height: must be a whole number"},
     {"NumberBeyond64Bits", Camera(R"("height": 18446744073709551615)"), "cameras[1].height: must be a whole number"},
     {"RateIsNegative", Camera(R"("rate": -1)"), "interfaces[0].cameras[1].rate: must be 0 to 100000"},
+    {"RateIsTooLow", Camera(R"("rate": 0.0009)"), "cameras[1].rate: must be 0, or 0.001 to 100000"},
     {"RateIsText", Camera(R"("rate": "fast")"), "interfaces[0].cameras[1].rate: must be a number"},
     {"FormatUnknown", Camera(R"("pixelFormat": "Mono9")"), "cameras[1].pixelFormat: 'Mono9' is none of Mono8 "},
     {"LineEndsInAByte", Camera(R"("pixelFormat": "Mono12Packed", "width": 5)"),
