@@ -101,7 +101,7 @@ TEST(SimulatorThreads, CameraIsStartedAndStoppedUnderARunningStream)
     EXPECT_EQ(producer.DSStopAcquisition(tree.stream, ACQ_STOP_FLAGS_DEFAULT), GC_ERR_SUCCESS);
 }
 
-TEST(SimulatorThreads, PacedImagesComeHoweverOftenTheCameraIsWritten)
+TEST(SimulatorThreads, PacedImagesKeepTheirTimeWhileTheCameraIsWritten)
 {
     const Producer producer(R"({"interfaces": [{"id": "I", "tlType": "U3V", "cameras": [
         {"serial": "A", "width": 64, "height": 8, "rate": 1000}]}]})");
