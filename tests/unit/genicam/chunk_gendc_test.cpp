@@ -136,6 +136,14 @@ TEST_F(GenDCLayout, PartsThatLieInEachOtherAreRefused)
     ExpectRefused(bytes, "shared headers");
     EXPECT_TRUE(Fits(Bytes(bytes).SetLittle(52, 1, 4))) << "one of them alone is good";
 
+    // Both parts lead to one chunk, which fills the larger half of the container.
+    bytes = Container().First(data);
+    bytes.Fill(1000, 0xee).Little(1, 4).Little(1000, 4).SetLittle(image, 0x4000, 2);
+    for (const size_t part : {image, chunks})
+        bytes.SetLittle(part + 24, 1008, 8).SetLittle(part + 32, data, 8);
+    ExpectRefused(bytes, "shared data");
+    EXPECT_TRUE(Fits(bytes.SetLittle(image, 0x4200, 2))) << "one of them alone is good";
+
     bytes = Container().SetLittle(image, 0x4000, 2).SetLittle(image + 24, Container().Size(), 8);
     ExpectRefused(bytes.SetLittle(image + 32, 0, 8), "one part's data is the whole container");
 }

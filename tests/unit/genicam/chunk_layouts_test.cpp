@@ -167,6 +167,9 @@ TEST_P(TrailerLayouts, BufferShorterThanATrailerIsRefused)
 {
     for (size_t size = 0; size < 8; ++size)
         ExpectRefused(map, *adapter, Bytes().Fill(size, 0), std::to_string(size) + " bytes");
+    EXPECT_EQ(
+        RefusalOf(*adapter, Bytes().Fill(7, 0)),
+        "The chunk layout of the buffer is broken at 7: no room for a trailer");
     EXPECT_TRUE(Fits(*adapter, Bytes().Fill(8, 0)));
 }
 
@@ -332,6 +335,15 @@ TEST_F(DcamLayout, ChecksumIsFoundBySeekingTheLastTrailer)
     const HeapBlock broken(Bytes{1, 2, 3}.Add(WithChecksum(Chunk({}, 1))));
     EXPECT_TRUE(adapter.HasCRC(broken.Data(), broken.Size()));
     EXPECT_FALSE(adapter.CheckBufferLayout(broken.Data(), broken.Size()));
+}
+
+// Four bytes before its end stands what would be a trailer, too.
+TEST_F(DcamLayout, TrailerAtTheEndComesBeforeAChecksum)
+{
+    const uint32_t length = 40;
+    const HeapBlock buffer(Bytes().Fill(16 + 12, 0xee).Little(~length, 4).Little(length, 4).Little(~length, 4));
+    EXPECT_FALSE(adapter.HasCRC(buffer.Data(), buffer.Size()));
+    EXPECT_TRUE(adapter.CheckBufferLayout(buffer.Data(), buffer.Size()));
 }
 
 TEST_F(DcamLayout, ChecksumIsTakenOverAllBytesBeforeIt)

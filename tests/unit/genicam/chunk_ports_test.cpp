@@ -291,6 +291,20 @@ TEST(ChunkCopies, TooMuchMemoryIsRefusedBeforeAnythingChanges)
     EXPECT_EQ(map.Integer("B")->GetValue(false, true), 1);
 }
 
+TEST(ChunkCopies, AreBoundedTogether)
+{
+    const SmallMap map(
+        copied + ChunkPortElement("Other", "2", "<CacheChunkData>Yes</CacheChunkData>") + PortRegister("C", "Other"));
+    CChunkAdapterGeneric adapter(map.map);
+    const HeapBlock buffer(Bytes{1, 0, 0, 0});
+    const size_t moreThanHalf = (128u << 20) + 1; // bytes; the bound is 256 MiB
+    SingleChunkData_t two[] = {{1, 0, moreThanHalf}, {2, 0, moreThanHalf}};
+    EXPECT_EQ(
+        Refusal<RuntimeException>([&] { adapter.AttachBuffer(buffer.Data(), two, 2); }),
+        "The copies of the chunks would take too much memory");
+    EXPECT_EQ(ModeOf(map, "C"), NA);
+}
+
 IPort* PortOf(const SmallMap& map, const char* name)
 {
     return dynamic_cast<IPort*>(map.Node(name));

@@ -286,6 +286,19 @@ TEST(FeatureBag, IncrementOfZeroDoesNotWalkForEver)
     EXPECT_THROW(bag.StoreToBag(map.map), LogicalErrorException);
 }
 
+TEST(FeatureBag, IncrementThatVanishesOnTheWayEndsTheWalk)
+{
+    const SmallMap map(
+        Features("V") + KeptFor("V", "0", "S") + "<Integer Name=\"Step\"><Value>1</Value></Integer>" +
+        IntegerSelector("S", "0", "<Min>0</Min><Max>3</Max><pInc>Step</pInc>", "V"));
+    Register(map.Node("S"), std::function<void(INode*)>([&](INode*) {
+                 const CIntegerPtr step = map.Integer("Step");
+                 if (step->GetValue() != 0) step->SetValue(0);
+             }));
+    CFeatureBag bag;
+    EXPECT_THROW(bag.StoreToBag(map.map), LogicalErrorException);
+}
+
 TEST(FeatureBag, DeviceThatOffersNeitherPersistenceCommandIsNotReady)
 {
     const SmallMap map(

@@ -94,6 +94,7 @@ TEST(SelectorSet, WalksAndRestores)
     EXPECT_EQ(
         walk, "Outer=0, Inner=A moved 2\nOuter=0, Inner=B moved 1\nOuter=0, Inner=C moved 1\n"
               "Outer=1, Inner=A moved 2\nOuter=1, Inner=B moved 1\nOuter=1, Inner=C moved 1\n");
+    EXPECT_STREQ(set.ToString().c_str(), "Outer=1, Inner=A") << "the outermost one stays at its end";
     FeatureList_t all;
     set.GetSelectorList(all);
     ASSERT_EQ(all.size(), 2u);
