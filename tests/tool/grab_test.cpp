@@ -1,3 +1,4 @@
+#include "tests/tool/described_camera.h"
 #include "tests/tool/expected_pictures.h"
 #include "tests/tool/simulator_settings.h"
 #include "tests/tool/tool_run.h"
@@ -20,13 +21,16 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 
 constexpr int failure = 1;
+constexpr int usage = 2;
 constexpr int noSuchCamera = 3;
 constexpr int framesMissing = 5;
+constexpr int noSuchFeature = 6;
 
 // GenTL info commands that a test makes a producer forget or falsify.
 enum StreamInfo
 {
     payloadSizeInfo = 7,
+    definesPayloadSizeInfo = 9,
     bufferAlignmentInfo = 13,
 };
 enum BufferInfo
@@ -182,6 +186,8 @@ TEST(Grab, SilentCameraIsGivenUpAfterThreeTimeouts)
 TEST(Grab, CameraThatVanishesEndsTheGrabWithWholeFiles)
 {
     json settings = OneCamera("Mono8", 64, 48);
+    // Not before it was started.
+    settings["interfaces"][0]["cameras"][0]["startWithStream"] = false;
     settings["misbehaviour"]["devices"].push_back({{"camera", "cam"}, {"vanishAtFrame", 4}});
     Grab grab(settings);
     const ToolResult result = grab.Run(10, {"--timeout", "100"});
@@ -226,17 +232,88 @@ TEST(Grab, FailureInMidStreamKeepsTheFilesSoFar)
     EXPECT_EQ(DifferenceToPattern(ReadPNG(grab.File("cam-000004.png")), {"Mono8", "M", 8}, 4), "");
 }
 
-TEST(Grab, StreamThatDoesNotTellItsPayloadSizeNeedsTheOption)
+TEST(Grab, SizeThatTheStreamDoesNotTellIsTheCamerasOwn)
 {
     json settings = OneCamera("Mono8", 64, 48);
+    ForgetInfo(settings, "DSGetInfo", payloadSizeInfo);
+    ForgetInfo(settings, "DSGetInfo", definesPayloadSizeInfo);
+    const ToolResult result = Grab(settings).Run(1);
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.out, HasSubstr("8 buffers of 3072 bytes\n"));
+}
+
+TEST(Grab, SizeThatNobodyTellsNeedsTheOption)
+{
+    json settings = OneCamera("Mono8", 64, 48);
+    const TemporaryFolder folder;
+    DescribeWhole(folder, settings, "");
     ForgetInfo(settings, "DSGetInfo", payloadSizeInfo);
     Grab grab(settings);
     const ToolResult without = grab.Run(1);
     EXPECT_EQ(without.status, failure);
     EXPECT_EQ(
-        without.err, "koro: The stream does not tell the size of a frame.\n"
+        without.err, "koro: Neither the stream nor the camera tells the size of a frame.\n"
                      "hint: Give the camera's PayloadSize in bytes with --payload-size.\n");
     EXPECT_EQ(grab.Run(1, {"--payload-size", "3072"}).status, 0);
+}
+
+TEST(Grab, SettingsChangeThePictures)
+{
+    Grab grab(OneCamera("Mono8", 64, 48));
+    const ToolResult result = grab.Run(
+        2, {"--set", "Width=32", "--set", "Height=24", "--set", "PixelFormat=Mono12p", "--set", "ExposureTime=5000"});
+    ASSERT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.out, HasSubstr("8 buffers of 1152 bytes\n"));
+    const koro::tool::Picture picture = ReadPNG(grab.File("cam-000002.png"));
+    EXPECT_EQ(picture.width, 32u);
+    EXPECT_EQ(picture.height, 24u);
+    EXPECT_EQ(picture.channels, 1u);
+}
+
+TEST(Grab, SettingThatFailsTakesNoPicture)
+{
+    Grab grab(OneCamera("Mono8", 64, 48));
+    const ToolResult result = grab.Run(1, {"--set", "Height=24", "--set", "Width=5000"});
+    EXPECT_EQ(result.status, failure);
+    EXPECT_THAT(result.err, HasSubstr("koro: Width was not set to 5000: "));
+    EXPECT_THAT(result.err, HasSubstr("\nhint: Width takes 1 to 64 pixel.\n"));
+    EXPECT_THAT(grab.FileNames(), testing::IsEmpty());
+    EXPECT_EQ(grab.Run(1, {"--set", "Nothing=1"}).status, noSuchFeature);
+    EXPECT_EQ(grab.Run(1, {"--set", "Width"}).status, usage);
+}
+
+TEST(Grab, CameraThatWaitsForItsStartCommandIsStarted)
+{
+    json settings = OneCamera("Mono8", 64, 48);
+    settings["interfaces"][0]["cameras"][0]["startWithStream"] = false;
+    Grab grab(settings);
+    ASSERT_EQ(grab.Run(2).status, 0);
+    EXPECT_EQ(DifferenceToPattern(ReadPNG(grab.File("cam-000002.png")), {"Mono8", "M", 8}, 2), "");
+}
+
+TEST(Grab, CameraWithoutUsableFeaturesStreamsAllTheSame)
+{
+    json settings = OneCamera("Mono8", 64, 48);
+    const TemporaryFolder folder;
+    settings["interfaces"][0]["cameras"][0]["description"] = folder.MakeFile("camera.xml", "<no description");
+    Grab grab(settings);
+    const ToolResult result = grab.Run(1);
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.err, HasSubstr("koro: No features of the camera are used: "));
+    EXPECT_EQ(grab.Run(1, {"--set", "Width=32"}).status, failure);
+}
+
+TEST(Grab, FailedStartCommandIsTold)
+{
+    json settings = OneCamera("Mono8", 64, 48);
+    settings["interfaces"][0]["cameras"][0]["startWithStream"] = false;
+    // The first write locks the format, the second one starts.
+    json& call = FailCall(settings, "GCWritePort", "GC_ERR_IO");
+    call["at"] = 2;
+    call["text"] = "no light";
+    const ToolResult result = Grab(settings).Run(1);
+    EXPECT_EQ(result.status, failure);
+    EXPECT_THAT(result.err, HasSubstr("GCWritePort: no light"));
 }
 
 TEST(Grab, BufferThatIsTooSmallGivesNoPicture)

@@ -71,10 +71,11 @@ TEST(Interrupt, CodeOfAKilledWaitNeedNotBeReliable)
 {
     // The producer ends the wait, but then says that nothing went wrong.
     json settings = OneCamera("Mono8", 64, 48);
-    settings["misbehaviour"]["devices"].push_back({{"camera", "cam"}, {"vanishAtFrame", 2}});
     FailCall(settings, "GCGetLastError", "GC_ERR_ERROR")["count"] = "every";
     const TemporaryFolder folder;
-    ToolRun run(GrabForEver("cam", folder.File("out")), SimulatorWith(folder, settings));
+    Arguments arguments = GrabForEver("cam", folder.File("out"));
+    arguments.insert(arguments.end(), {"--set", "AcquisitionMode=SingleFrame"});
+    ToolRun run(arguments, SimulatorWith(folder, settings));
     ASSERT_TRUE(run.AwaitOutput("\n1/1000000 "));
     run.Signal(SIGINT);
     EXPECT_EQ(run.Finish().status, interrupted);

@@ -1,3 +1,4 @@
+#include "tools/koro/assignments.h"
 #include "tools/koro/camera_connection.h"
 #include "tools/koro/commands.h"
 #include "tools/koro/discovery.h"
@@ -124,7 +125,8 @@ Action DefineGrab(CLI::App& command)
     command.add_option("--timeout", settings.timeout_ms, "Milliseconds to wait for a frame")
         ->check(CLI::Range(uint64_t{1}, uint64_t{3600000}))
         ->capture_default_str();
-    command.add_option("--payload-size", settings.payloadSize, "Bytes of a frame, if the stream does not tell");
+    command.add_option("--payload-size", settings.payloadSize, "Bytes of a frame, if neither stream nor camera tells");
+    DefineSettings(command, settings.settings);
     command.add_option("--producer", options->producer, "Use this .cti file alone, not the environment");
     return [options] { return Grab(*options); };
 }

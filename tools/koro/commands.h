@@ -22,6 +22,13 @@ Action DefineList(CLI::App& command);
 Action DefineInfo(CLI::App& command);
 Action DefineDoctor(CLI::App& command);
 Action DefineGrab(CLI::App& command);
+Action DefineFeatures(CLI::App& command);
+Action DefineGet(CLI::App& command);
+Action DefineSet(CLI::App& command);
+Action DefineRun(CLI::App& command);
+Action DefineDescribe(CLI::App& command);
+Action DefineXML(CLI::App& command);
+Action DefineWatch(CLI::App& command);
 Action DefineProbe(CLI::App& command);
 
 } // namespace koro::tool

@@ -1,9 +1,11 @@
 #include "tools/koro/grab_session.h"
 
+#include "tools/koro/assignments.h"
 #include "tools/koro/if_known.h"
 #include "tools/koro/tool_error.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <utility>
 
 namespace koro::tool
@@ -27,14 +29,14 @@ DataStream OpenFirstStream(const Device& device)
     return streams.front().OpenDataStream();
 }
 
-size_t PayloadSize(const DataStream& stream, size_t wished)
+size_t PayloadSize(const DataStream& stream, const NodeMap& nodes, size_t wished)
 {
     size_t size = wished;
-    if (size == 0) size = IfKnown([&] { return stream.PayloadSize(); }).value_or(0);
+    if (size == 0) size = IfKnown([&] { return FrameSize(stream, nodes); }).value_or(0);
     if (size == 0)
     {
         throw ToolError(
-            "The stream does not tell the size of a frame.",
+            "Neither the stream nor the camera tells the size of a frame.",
             "Give the camera's PayloadSize in bytes with --payload-size.");
     }
     if (size <= maxPayloadSize) return size;
@@ -85,12 +87,32 @@ FrameLayout LayoutOf(const Buffer& buffer)
 GrabSession::GrabSession(const DeviceDescriptor& camera, const GrabSettings& wished)
     : settings(wished), device(camera.OpenDevice(AccessType::Control)), stream(OpenFirstStream(device))
 {
+    FindNodes();
+    if (!settings.settings.empty())
+        Apply(nodes, device.RemoteDevice().Port(), ParseAssignments(settings.settings), "remote device");
     AnnounceBuffers();
+}
+
+// A camera streams without its features too, unless some are to be set.
+void GrabSession::FindNodes()
+{
+    try
+    {
+        const std::vector<NodeMap> maps = device.RemoteDevice().NodeMaps();
+        if (maps.empty()) throw ToolError("The camera has no description that can be fetched.");
+        maps.front().HasNode("Root"); // the first use tells whether the description is any good
+        nodes = maps.front();
+    }
+    catch (const std::runtime_error& error)
+    {
+        if (!settings.settings.empty()) throw;
+        std::fprintf(stderr, "koro: No features of the camera are used: %s\n", error.what());
+    }
 }
 
 void GrabSession::AnnounceBuffers()
 {
-    const size_t size = PayloadSize(stream, settings.payloadSize);
+    const size_t size = PayloadSize(stream, nodes, settings.payloadSize);
     const size_t alignment = IfKnown([&] { return stream.BufferAlignment(); }).value_or(1);
     for (size_t number = NumBuffers(stream, size); number > 0; --number)
     {
@@ -112,7 +134,7 @@ void GrabSession::Run(Interrupt& interrupt, PictureSaver& saver)
         // The wait may have ended meanwhile; then there is nothing to wake.
         KORO_DataStream_KillWait(stream.Get());
     });
-    stream.StartAcquisition();
+    Acquisition acquisition(stream, nodes);
     try
     {
         TakeFrames(interrupt, saver);
@@ -120,10 +142,10 @@ void GrabSession::Run(Interrupt& interrupt, PictureSaver& saver)
     catch (...)
     {
         const auto failure = std::current_exception();
-        IfKnown([&] { return Stop(), true; });
+        IfKnown([&] { return Stop(acquisition), true; });
         std::rethrow_exception(failure);
     }
-    Stop();
+    Stop(acquisition);
 }
 
 void GrabSession::TakeFrames(const Interrupt& interrupt, PictureSaver& saver)
@@ -201,9 +223,9 @@ void GrabSession::Count(size_t size)
     statistics.seconds = std::chrono::duration<double>(now - firstFrame).count();
 }
 
-void GrabSession::Stop()
+void GrabSession::Stop(Acquisition& acquisition)
 {
-    stream.StopAcquisition();
+    acquisition.Stop();
     statistics.numUnderruns = IfKnown([&] { return stream.NumUnderruns(); });
     stream.Flush(FlushMode::AllDiscard);
 }

@@ -13,6 +13,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace koro::tool
 {
@@ -21,7 +22,8 @@ struct GrabSettings
 {
     uint64_t numPictures = 1;
     uint64_t timeout_ms = 5000;
-    size_t payloadSize = 0; // 0 takes what the stream says
+    size_t payloadSize = 0;            // 0 takes what stream or camera say
+    std::vector<std::string> settings; // NAME=VALUE, written before the size of a frame is asked for
     FileFormat format = FileFormat::PNG;
 };
 
@@ -51,15 +53,17 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
+    void FindNodes();
     void AnnounceBuffers();
     void TakeFrames(const Interrupt& interrupt, PictureSaver& saver);
     std::optional<Buffer> Wait(const Interrupt& interrupt);
     bool SaveFrame(const Buffer& buffer, PictureSaver& saver);
     void Count(size_t size);
-    void Stop();
+    void Stop(Acquisition& acquisition);
 
     const GrabSettings settings;
     Device device;
+    NodeMap nodes;                                   // the camera's features; empty when it has no usable description
     std::map<KORO_BufferHandle, FrameMemory> memory; // longer than the stream, which lets go of it
     DataStream stream;
     GrabStatistics statistics;

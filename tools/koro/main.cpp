@@ -25,6 +25,13 @@ constexpr Command commands[] = {
     {"info", DefineInfo, "Show everything that is known of one camera"},
     {"doctor", DefineDoctor, "Find out why a producer or a camera does not show up"},
     {"grab", DefineGrab, "Take pictures with a camera and save them"},
+    {"features", DefineFeatures, "Show the features of a camera as a tree"},
+    {"get", DefineGet, "Print the values of features"},
+    {"set", DefineSet, "Change features, in the order given"},
+    {"run", DefineRun, "Execute a command and wait until it is done"},
+    {"describe", DefineDescribe, "Show all that is known of one feature, and why it cannot be written"},
+    {"xml", DefineXML, "Write the description of the features as it was fetched"},
+    {"watch", DefineWatch, "Print changes of features as they come"},
     {"probe", DefineProbe, "Try one producer (used by the other commands)"},
 };
 
@@ -80,7 +87,7 @@ int main(int argc, char** argv)
     app.set_version_flag("--version", std::string(KORO_TOOL_VERSION));
     app.footer(
         "GENICAM_GENTL64_PATH names the directories of the producers. Exit status: 0 success, 1 failure, 2 wrong\n"
-        "command line, 3 no such camera, 4 no usable camera, 5 pictures missing, 130 interrupted.");
+        "command line, 3 no such camera, 4 no usable camera, 5 pictures missing, 6 no such feature, 130 interrupted.");
 
     std::vector<std::pair<CLI::App*, Action>> actions;
     for (const Command& command : commands)

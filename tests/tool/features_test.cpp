@@ -1,0 +1,363 @@
+// `koro features`, `get` and `xml`: what is read of a camera's features.
+#include "tests/tool/described_camera.h"
+#include "tests/tool/simulator_settings.h"
+#include "tests/tool/tool_run.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+namespace
+{
+
+using namespace koro::test;
+using nlohmann::json;
+using testing::ContainsRegex;
+using testing::HasSubstr;
+using testing::Not;
+
+constexpr int failure = 1;
+constexpr int usage = 2;
+constexpr int noSuchCamera = 3;
+constexpr int noSuchFeature = 6;
+
+// GenTL info commands that a test makes a producer forget or falsify.
+constexpr int registerAddressInfo = 7;
+constexpr int fileSizeInfo = 8;
+constexpr int schemeInfo = 9;
+
+// Runs of the tool on the simulator's camera "cam".
+class Camera
+{
+public:
+    explicit Camera(const json& settings = OneCamera("Mono8", 64, 48)) : environment(SimulatorWith(folder, settings)) {}
+
+    ToolResult Run(const Arguments& arguments) const { return RunTool(arguments, environment); }
+
+private:
+    TemporaryFolder folder;
+    Environment environment;
+};
+
+TEST(Features, ShowACameraAsATree)
+{
+    const ToolResult result = Camera().Run({"features", "cam"});
+    ASSERT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(result.err, "");
+    EXPECT_THAT(result.out, testing::StartsWith("DeviceControl\n  DeviceType "));
+    EXPECT_THAT(result.out, ContainsRegex("\n  DeviceSerialNumber  +r-  \"cam\"\n"));
+    EXPECT_THAT(result.out, ContainsRegex("\n  Width  +rw  64 pixel +[0-9]+\\.\\.64"));
+    EXPECT_THAT(result.out, ContainsRegex("\n  PixelFormat  +rw  Mono8  +Mono8 \\| "));
+    EXPECT_THAT(result.out, ContainsRegex("\n  ExposureTime  +rw  10000 us  +10\\.\\.10000000"));
+    EXPECT_THAT(result.out, ContainsRegex("\n  AcquisitionStart  +-w  \\(command\\)\n"));
+    EXPECT_THAT(result.out, Not(HasSubstr("TLParamsLocked"))); // for nobody's eyes
+}
+
+TEST(Features, AreLimitedToAVisibility)
+{
+    const Camera camera;
+    const std::string beginner = camera.Run({"features", "cam", "--visibility", "beginner"}).out;
+    EXPECT_THAT(beginner, HasSubstr("\n  Width "));
+    EXPECT_THAT(beginner, Not(HasSubstr("SensorWidth")));
+    EXPECT_THAT(camera.Run({"features", "cam", "--visibility", "Expert"}).out, HasSubstr("\n  SensorWidth "));
+    EXPECT_THAT(camera.Run({"features", "cam", "--visibility", "invisible"}).out, HasSubstr("\n  TLParamsLocked "));
+    EXPECT_EQ(camera.Run({"features", "cam", "--visibility", "everybody"}).status, usage);
+}
+
+TEST(Features, AreTheSameTreeInJSON)
+{
+    const ToolResult result = Camera().Run({"features", "cam", "--json"});
+    ASSERT_EQ(result.status, 0) << result.err;
+    const json all = json::parse(result.out);
+    EXPECT_EQ(all.at("module"), "remote device");
+    for (const json& category : all.at("features"))
+    {
+        if (category.at("name") != "ImageFormatControl") continue;
+        EXPECT_EQ(category.at("type"), "Category");
+        for (const json& feature : category.at("features"))
+        {
+            if (feature.at("name") != "Width") continue;
+            EXPECT_EQ(feature.at("type"), "Integer");
+            EXPECT_EQ(feature.at("access"), "rw");
+            EXPECT_EQ(feature.at("value"), 64);
+            EXPECT_EQ(feature.at("maximum"), 64);
+            EXPECT_EQ(feature.at("unit"), "pixel");
+            EXPECT_EQ(feature.at("visibility"), "Beginner");
+            return;
+        }
+    }
+    FAIL() << "no Width in " << result.out;
+}
+
+TEST(Features, BelongToEachModule)
+{
+    const Camera camera;
+    const struct
+    {
+        const char* module;
+        const char* feature;
+    } cases[] = {
+        {"system", "TLVendorName"},
+        {"interface", "InterfaceID"},
+        {"device", "DeviceAccessStatus"},
+        {"stream", "StreamID"},
+    };
+    for (const auto& [module, feature] : cases)
+    {
+        const ToolResult result = camera.Run({"features", "cam", "--module", module});
+        EXPECT_EQ(result.status, 0) << result.err;
+        EXPECT_THAT(result.out, HasSubstr(std::string("  ") + feature + " ")) << module;
+    }
+    EXPECT_EQ(camera.Run({"features", "cam", "--module", "buffer"}).status, usage);
+}
+
+TEST(Features, UnknownCameraIsToldAsEverywhere)
+{
+    const ToolResult result = Camera().Run({"features", "nobody"});
+    EXPECT_EQ(result.status, noSuchCamera);
+    EXPECT_THAT(result.err, HasSubstr("koro: No camera is called \"nobody\". There are:\n"));
+}
+
+TEST(Features, ThatCannotBeReadAreStillListed)
+{
+    // The register of "Gone" lies beyond the memory of the camera's port.
+    json settings = OneCamera("Mono8", 64, 48);
+    const TemporaryFolder folder;
+    Describe(
+        folder, settings, "Broken",
+        "<Integer Name=\"Broken\"><pValue>Calculated</pValue></Integer>"
+        "<IntSwissKnife Name=\"Calculated\"><Formula>1 / 0</Formula></IntSwissKnife>");
+    const ToolResult result = Camera(settings).Run({"features", "cam"});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.out, ContainsRegex("^Broken +r-  \\?"));
+    const ToolResult read = Camera(settings).Run({"get", "cam", "Broken"});
+    EXPECT_EQ(read.status, failure);
+    EXPECT_THAT(read.err, HasSubstr("koro: Broken cannot be read: "));
+}
+
+TEST(Features, CategoryOfTwoOthersIsOpenedOnce)
+{
+    json settings = OneCamera("Mono8", 64, 48);
+    const TemporaryFolder folder;
+    Describe(
+        folder, settings, "A B",
+        "<Category Name=\"A\"><pFeature>Both</pFeature></Category>"
+        "<Category Name=\"B\"><pFeature>Both</pFeature></Category>"
+        "<Category Name=\"Both\"><pFeature>Size</pFeature></Category>"
+        "<Integer Name=\"Size\"><Value>7</Value></Integer>");
+    const ToolResult result = Camera(settings).Run({"features", "cam"});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.out, testing::StartsWith("A\n  Both\n    Size  rw  7"));
+    EXPECT_THAT(result.out, testing::EndsWith("\nB\n  Both  (above)\n"));
+}
+
+TEST(Features, DescriptionWithoutRootHasNone)
+{
+    json settings = OneCamera("Mono8", 64, 48);
+    const TemporaryFolder folder;
+    DescribeWhole(folder, settings, "<Integer Name=\"Size\"><Value>7</Value></Integer>");
+    const Camera camera(settings);
+    const ToolResult result = camera.Run({"features", "cam"});
+    EXPECT_EQ(result.status, failure);
+    EXPECT_THAT(result.err, HasSubstr("koro: The description has no category \"Root\""));
+    EXPECT_EQ(camera.Run({"get", "cam", "Size"}).out, "7\n");
+}
+
+TEST(Features, BrokenDescriptionIsAClearError)
+{
+    json settings = OneCamera("Mono8", 64, 48);
+    const TemporaryFolder folder;
+    settings["interfaces"][0]["cameras"][0]["description"] = folder.MakeFile("camera.xml", "<no description");
+    const Camera camera(settings);
+    for (const char* command : {"features", "watch"})
+    {
+        const ToolResult result = camera.Run({command, "cam"});
+        EXPECT_EQ(result.status, failure) << command;
+        EXPECT_THAT(result.err, HasSubstr("koro: ")) << command;
+    }
+    EXPECT_EQ(camera.Run({"xml", "cam"}).out, "<no description"); // as it is, so that one can look
+}
+
+TEST(Features, AbsentDescriptionIsAClearError)
+{
+    json settings = OneCamera("Mono8", 64, 48);
+    FailCall(settings, "GCGetNumPortURLs", "GC_ERR_NOT_IMPLEMENTED")["count"] = "every";
+    const ToolResult result = Camera(settings).Run({"features", "cam"});
+    EXPECT_EQ(result.status, failure);
+    EXPECT_THAT(result.err, HasSubstr("koro: "));
+}
+
+TEST(Features, CameraIsOpenedOnceAndForReading)
+{
+    // Another attempt, for control, would fail.
+    json settings = OneCamera("Mono8", 64, 48);
+    FailCall(settings, "IFOpenDevice", "GC_ERR_ACCESS_DENIED")["at"] = 2;
+    EXPECT_EQ(Camera(settings).Run({"get", "cam", "Width"}).out, "64\n");
+}
+
+TEST(Features, CameraThatCannotBeOpenedForReadingIsOpenedForControl)
+{
+    json settings = OneCamera("Mono8", 64, 48);
+    FailCall(settings, "IFOpenDevice", "GC_ERR_NOT_IMPLEMENTED")["at"] = 1;
+    EXPECT_EQ(Camera(settings).Run({"get", "cam", "Width"}).out, "64\n");
+    FailCall(settings, "IFOpenDevice", "GC_ERR_RESOURCE_IN_USE")["at"] = 2;
+    const ToolResult result = Camera(settings).Run({"get", "cam", "Width"});
+    EXPECT_EQ(result.status, failure);
+    EXPECT_THAT(result.err, HasSubstr("hint: Another program may have opened the camera"));
+}
+
+TEST(Get, PrintsTheValueOfOneAlone)
+{
+    const Camera camera;
+    EXPECT_EQ(camera.Run({"get", "cam", "Width"}).out, "64\n");
+    EXPECT_EQ(camera.Run({"get", "cam", "PixelFormat"}).out, "Mono8\n");
+    EXPECT_EQ(camera.Run({"get", "cam", "DeviceSerialNumber"}).out, "cam\n");
+    EXPECT_EQ(camera.Run({"get", "cam", "ReverseX"}).out, "false\n");
+    EXPECT_EQ(camera.Run({"get", "cam", "--module", "device", "DeviceID"}).status, 0);
+}
+
+TEST(Get, PrintsSeveralAsSetTakesThem)
+{
+    EXPECT_EQ(Camera().Run({"get", "cam", "Width", "ExposureTime"}).out, "Width=64\nExposureTime=10000\n");
+}
+
+TEST(Get, ReadsWhatASelectorChooses)
+{
+    const Camera camera;
+    EXPECT_EQ(camera.Run({"get", "cam", "Gain", "--set", "GainSelector=DigitalAll", "--set", "Gain=3.5"}).out, "3.5\n");
+    EXPECT_EQ(camera.Run({"get", "cam", "Gain", "--set", "GainSelector=DigitalAll"}).out, "0\n");
+}
+
+TEST(Get, WritesJSON)
+{
+    const ToolResult result = Camera().Run({"get", "cam", "Width", "TestPattern", "AcquisitionStart", "--json"});
+    EXPECT_EQ(result.status, failure); // a command has no value
+    const json all = json::parse(result.out);
+    ASSERT_EQ(all.size(), 3u);
+    EXPECT_EQ(all[0].at("value"), 64);
+    EXPECT_EQ(all[1].at("value"), "Off");
+    EXPECT_EQ(all[1].at("entries")[0], json({{"name", "Off"}, {"value", 0}, {"available", true}}));
+    EXPECT_FALSE(all[2].contains("value"));
+    EXPECT_EQ(Camera().Run({"get", "cam", "Width", "--json"}).status, 0);
+}
+
+TEST(Get, UnknownFeatureSuggestsOthers)
+{
+    const Camera camera;
+    const ToolResult result = camera.Run({"get", "cam", "Width", "exposure"});
+    EXPECT_EQ(result.status, noSuchFeature);
+    EXPECT_EQ(result.out, "");
+    EXPECT_THAT(result.err, HasSubstr("koro: The remote device has no feature \"exposure\".\nhint: There are "));
+    EXPECT_THAT(result.err, HasSubstr("ExposureTime"));
+    EXPECT_EQ(
+        camera.Run({"get", "cam", "xyzzy"}).err,
+        "koro: The remote device has no feature \"xyzzy\".\nhint: `koro features` lists all of them.\n");
+}
+
+TEST(Get, WhatHasNoValueIsNamed)
+{
+    const Camera camera;
+    const ToolResult command = camera.Run({"get", "cam", "AcquisitionStart"});
+    EXPECT_EQ(command.status, failure);
+    EXPECT_EQ(command.err, "koro: AcquisitionStart is a command and has no value.\nhint: `koro run` executes it.\n");
+    EXPECT_EQ(camera.Run({"get", "cam", "Root"}).err, "koro: Root is of the type Category and has no value.\n");
+}
+
+TEST(Get, NumbersFollowTheirRepresentation)
+{
+    json settings = OneCamera("Mono8", 64, 48);
+    const TemporaryFolder folder;
+    std::string nodes;
+    for (const char* kind : {"HexNumber", "IPV4Address", "MACAddress", "PureNumber"})
+    {
+        nodes += std::string("<Integer Name=\"") + kind + "\"><Value>0x0A000102</Value><Representation>" + kind +
+                 "</Representation></Integer>";
+    }
+    Describe(folder, settings, "HexNumber", nodes + "<Float Name=\"Tenth\"><Value>0.1</Value></Float>");
+    EXPECT_EQ(
+        Camera(settings).Run({"get", "cam", "HexNumber", "IPV4Address", "MACAddress", "PureNumber", "Tenth"}).out,
+        "HexNumber=0xa000102\nIPV4Address=10.0.1.2\nMACAddress=00:00:0a:00:01:02\nPureNumber=167772418\nTenth=0.1\n");
+}
+
+TEST(XML, IsTheDescriptionAndNothingElse)
+{
+    const ToolResult result = Camera().Run({"xml", "cam"});
+    ASSERT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.out, testing::StartsWith("<?xml "));
+    EXPECT_THAT(result.out, testing::ContainsRegex("</RegisterDescription>\n?$"));
+    EXPECT_THAT(Camera().Run({"xml", "cam", "--module", "system"}).out, HasSubstr("Name=\"TLPort\""));
+}
+
+TEST(XML, ComesAsAnArchiveOrExpanded)
+{
+    json settings = OneCamera("Mono8", 64, 48);
+    const Camera plain(settings);
+    settings["interfaces"][0]["cameras"][0]["descriptionForm"] = "zipped";
+    const Camera zipped(settings);
+    const std::string archive = zipped.Run({"xml", "cam"}).out;
+    EXPECT_THAT(archive, testing::StartsWith("PK\x03\x04"));
+    EXPECT_EQ(zipped.Run({"xml", "cam", "--unzip"}).out, plain.Run({"xml", "cam"}).out);
+    EXPECT_EQ(plain.Run({"xml", "cam", "--unzip"}).out, plain.Run({"xml", "cam"}).out);
+}
+
+TEST(XML, BrokenArchivesAreRefused)
+{
+    const std::string broken[] = {
+        "PK\x03\x04", std::string("PK\x03\x04") + std::string(100, 'x'),
+        std::string("PK\x05\x06") + std::string(18, '\0'), std::string("PK\x05\x06") + std::string(18, '\x7f')};
+    for (const std::string& bytes : broken)
+    {
+        json settings = OneCamera("Mono8", 64, 48);
+        const TemporaryFolder folder;
+        settings["interfaces"][0]["cameras"][0]["description"] = folder.MakeFile("camera.zip", bytes);
+        const Camera camera(settings);
+        EXPECT_EQ(camera.Run({"xml", "cam"}).out, bytes);
+        const ToolResult result = camera.Run({"xml", "cam", "--unzip"});
+        EXPECT_EQ(result.status, failure);
+        EXPECT_EQ(result.out, "");
+        EXPECT_THAT(result.err, HasSubstr("koro: The description's archive "));
+    }
+}
+
+TEST(XML, ArchiveThatExpandsBeyondTheLimitIsRefused)
+{
+    json settings = OneCamera("Mono8", 64, 48);
+    const TemporaryFolder folder;
+    settings["interfaces"][0]["cameras"][0]["description"] =
+        folder.MakeFile("camera.zip", ArchiveOf(std::string(size_t{65} << 20, ' ')));
+    const ToolResult result = Camera(settings).Run({"xml", "cam", "--unzip"});
+    EXPECT_EQ(result.status, failure);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err, "koro: The description expands beyond the limit of 64 MiB.\n");
+}
+
+TEST(XML, URLIsChosenByItsNumber)
+{
+    json settings = OneCamera("Mono8", 64, 48);
+    settings["interfaces"][0]["cameras"][0]["descriptionForm"] = "twoURLs";
+    const Camera camera(settings);
+    EXPECT_EQ(camera.Run({"xml", "cam", "--url", "0"}).status, 0);
+    const ToolResult result = camera.Run({"xml", "cam", "--url", "2"});
+    EXPECT_EQ(result.status, failure);
+    EXPECT_EQ(result.err, "koro: The module has 2 descriptions, counted from 0.\n");
+}
+
+TEST(XML, AbsurdSizeIsRefusedBeforeMemoryIsAskedFor)
+{
+    json settings = OneCamera("Mono8", 64, 48);
+    FalsifyInfo(settings, "GCGetPortURLInfo", fileSizeInfo, int64_t{1} << 40);
+    const ToolResult result = Camera(settings).Run({"xml", "cam"});
+    EXPECT_EQ(result.status, failure);
+    EXPECT_THAT(result.err, HasSubstr(" claims 1099511627776 bytes, which is beyond the limit.\n"));
+}
+
+TEST(XML, URLIsTakenApartWhereTheProducerDoesNot)
+{
+    json settings = OneCamera("Mono8", 64, 48);
+    const std::string whole = Camera(settings).Run({"xml", "cam"}).out;
+    for (const int command : {registerAddressInfo, fileSizeInfo, schemeInfo})
+        ForgetInfo(settings, "GCGetPortURLInfo", command);
+    EXPECT_EQ(Camera(settings).Run({"xml", "cam"}).out, whole);
+}
+
+} // namespace

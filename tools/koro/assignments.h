@@ -1,0 +1,40 @@
+// Assignments: NAME=VALUE from the command line, written to features in their order. One thread at a time.
+#pragma once
+
+#include <koro/koro.hpp>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace CLI
+{
+class App;
+}
+
+namespace koro::tool
+{
+
+struct Assignment
+{
+    std::string name;
+    std::string value; // may be empty and may hold "="
+};
+
+// Defines --set, which takes one NAME=VALUE each time.
+void DefineSettings(CLI::App& command, std::vector<std::string>& settings);
+// Empty for a text of that form, else what is wrong with it; as CLI11 wants it.
+std::string CheckAssignment(const std::string& text);
+
+// Every text has been checked.
+std::vector<Assignment> ParseAssignments(const std::vector<std::string>& texts);
+
+// Writes one after the other. Before the first is written, all names are looked up and all values compared with the
+// type of their feature; the first that fails throws ToolError which names it, says why, and what was written before.
+// `written` is called after each, and ends the run by returning false. `owner` names the module in messages; `port` is
+// that of the module, where the description tells why a feature cannot be written.
+void Apply(
+    const NodeMap& nodes, const Port& port, const std::vector<Assignment>& assignments, const std::string& owner,
+    const std::function<bool(const Node&)>& written = nullptr);
+
+} // namespace koro::tool

@@ -1,0 +1,209 @@
+#include "tools/koro/camera_tree_json.h"
+#include "tools/koro/commands.h"
+#include "tools/koro/feature_session.h"
+#include "tools/koro/feature_tree.h"
+#include "tools/koro/feature_value.h"
+#include "tools/koro/interrupt.h"
+#include "tools/koro/report.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <chrono>
+#include <condition_variable>
+#include <cstdio>
+#include <deque>
+#include <memory>
+#include <mutex>
+#include <nlohmann/json.hpp>
+
+namespace koro::tool
+{
+
+namespace
+{
+
+using nlohmann::json;
+using Clock = std::chrono::steady_clock;
+
+struct WatchCommand
+{
+    FeatureTarget target;
+    std::vector<std::string> names;
+    uint64_t interval_ms = 100;
+    uint64_t duration_ms = 0; // 0: without end
+    uint64_t numChanges = 0;  // 0: without end
+    bool refresh = false;
+    bool json = false;
+};
+
+// A pause that an interrupt ends.
+class Pause
+{
+public:
+    explicit Pause(Interrupt& watched)
+        : interrupt(watched), wakeUp(watched, [this] {
+              const std::lock_guard<std::mutex> lock(mutex);
+              changed.notify_all();
+          })
+    {}
+
+    void Until(Clock::time_point end)
+    {
+        std::unique_lock<std::mutex> lock(mutex);
+        changed.wait_until(lock, end, [this] { return interrupt.IsRequested(); });
+    }
+
+private:
+    Interrupt& interrupt;
+    std::mutex mutex; // guards nothing but the order of request and wait
+    std::condition_variable changed;
+    Interrupt::WakeUp wakeUp; // last: it uses everything above
+};
+
+// One feature: told of changes by its callback, read outside the lock of the map.
+struct Watched
+{
+    Node node;
+    std::string name;
+    std::string last;
+    bool mayHaveChanged = true;
+    Registration news;
+};
+
+class Watch
+{
+public:
+    Watch(const WatchCommand& wished, const FeatureSession& session) : command(wished), nodes(session.Nodes())
+    {
+        if (command.names.empty())
+        {
+            AddAll(FeatureTree(nodes, KORO_NODE_VISIBILITY_GURU, [] { return false; }));
+        }
+        for (const std::string& name : command.names)
+            Add(session.Feature(name));
+    }
+
+    // Until an interrupt, the wished number of changes, or the wished time.
+    void Run(Interrupt& interrupt)
+    {
+        Pause pause(interrupt);
+        ReadChanges(!command.names.empty());
+        while (!interrupt.IsRequested() && !IsOver())
+        {
+            const Clock::time_point before = polled;
+            pause.Until(NextPoll());
+            polled = Clock::now();
+            if (interrupt.IsRequested()) return;
+            nodes.PollNodes(std::chrono::duration_cast<std::chrono::milliseconds>(polled - before).count());
+            if (command.refresh) nodes.InvalidateNodes();
+            ReadChanges(true);
+        }
+    }
+
+private:
+    void AddAll(const json& features)
+    {
+        for (const json& feature : features)
+        {
+            if (feature.contains("features"))
+                AddAll(feature.at("features"));
+            else if (feature.contains("value"))
+                Add(nodes.Node(feature.at("name").get<std::string>()));
+        }
+    }
+    void Add(const Node& node)
+    {
+        Watched& added = watched.emplace_back();
+        added.node = node;
+        added.name = node.Name();
+        // Runs on this thread, inside PollNodes and InvalidateNodes.
+        added.news = node.OnChanged([&added](Node) { added.mayHaveChanged = true; });
+    }
+    void ReadChanges(bool print)
+    {
+        for (Watched& feature : watched)
+        {
+            if (!feature.mayHaveChanged || IsOver()) continue;
+            feature.mayHaveChanged = false;
+            std::string value = Read(feature.node);
+            if (value == feature.last) continue;
+            feature.last = std::move(value);
+            if (print) Print(feature);
+        }
+    }
+    std::string Read(const Node& node) const
+    {
+        try
+        {
+            return ReadValue(node);
+        }
+        catch (const Error& error)
+        {
+            // A camera that is gone does not come back under this handle.
+            if (error.Code() == KORO_RETURN_CODE_IO_ERROR || error.Code() == KORO_RETURN_CODE_INVALID_HANDLE) throw;
+            return std::string("cannot be read: ") + error.what();
+        }
+    }
+    void Print(const Watched& feature)
+    {
+        const double seconds = std::chrono::duration<double>(Clock::now() - begin).count();
+        if (command.json)
+        {
+            const json change = {{"seconds", seconds}, {"name", feature.name}, {"value", feature.last}};
+            std::printf("%s\n", Dump(change).c_str());
+        }
+        else
+        {
+            std::printf("%9.3f  %s=%s\n", seconds, feature.name.c_str(), Printable(feature.last).c_str());
+        }
+        std::fflush(stdout);
+        ++numPrinted;
+    }
+    Clock::time_point NextPoll() const
+    {
+        const Clock::time_point next = polled + std::chrono::milliseconds(command.interval_ms);
+        if (command.duration_ms == 0) return next;
+        return std::min(next, begin + std::chrono::milliseconds(command.duration_ms));
+    }
+    bool IsOver() const
+    {
+        if (command.numChanges > 0 && numPrinted >= command.numChanges) return true;
+        return command.duration_ms > 0 && Clock::now() - begin >= std::chrono::milliseconds(command.duration_ms);
+    }
+
+    const WatchCommand& command;
+    const NodeMap& nodes;
+    const Clock::time_point begin = Clock::now();
+    Clock::time_point polled = begin;
+    uint64_t numPrinted = 0;
+    std::deque<Watched> watched; // each stays at its address
+};
+
+int WatchIt(const WatchCommand& command)
+{
+    Interrupt interrupt;
+    const FeatureSession session(command.target, FeatureSession::Access::Read);
+    Watch(command, session).Run(interrupt);
+    return interrupt.IsRequested() ? exitInterrupted : exitSuccess;
+}
+
+} // namespace
+
+Action DefineWatch(CLI::App& command)
+{
+    const auto options = std::make_shared<WatchCommand>();
+    DefineTarget(command, options->target, true);
+    command.add_option("names", options->names, "Features; without a name all that can be read");
+    command.add_option("--interval", options->interval_ms, "Milliseconds between two polls")
+        ->check(CLI::Range(uint64_t{1}, uint64_t{3600000}))
+        ->capture_default_str();
+    command.add_option("--duration", options->duration_ms, "Milliseconds after which to end")
+        ->check(CLI::Range(uint64_t{1}, uint64_t{86400000}));
+    command.add_option("--changes", options->numChanges, "Number of lines after which to end")
+        ->check(CLI::Range(uint64_t{1}, uint64_t{1000000000}));
+    command.add_flag("--refresh", options->refresh, "Ask the camera for every feature at each poll");
+    command.add_flag("--json", options->json, "Write one JSON object a line");
+    return [options] { return WatchIt(*options); };
+}
+
+} // namespace koro::tool
