@@ -2,6 +2,7 @@
 
 #include <stdio.h>
 #include <stdlib.h>
+#include <string.h>
 
 enum
 {
@@ -65,6 +66,21 @@ Camera OpenFirstCamera(void)
     Check(KORO_Device_GetDataStream(camera.device, 0, &streamDescriptor));
     Check(KORO_DataStreamDescriptor_OpenDataStream(streamDescriptor, &camera.stream));
     return camera;
+}
+
+void Execute(const Camera* camera, const char* command)
+{
+    KORO_RemoteDeviceHandle remoteDevice = NULL;
+    KORO_ModuleHandle module = NULL;
+    KORO_NodeMapHandle features = NULL;
+    KORO_NodeHandle node = NULL;
+    KORO_CommandNodeHandle commandNode = NULL;
+    Check(KORO_Device_GetRemoteDevice(camera->device, &remoteDevice));
+    Check(KORO_RemoteDevice_ToModule(remoteDevice, &module));
+    Check(KORO_Module_GetNodeMap(module, 0, &features));
+    Check(KORO_NodeMap_FindNode(features, command, strlen(command) + 1, &node));
+    Check(KORO_Node_ToCommandNode(node, &commandNode));
+    Check(KORO_CommandNode_Execute(commandNode));
 }
 
 void CloseCamera(const Camera* camera)

@@ -29,6 +29,10 @@ typedef struct Camera
 /* Opens the first device of the first interface of the first producer, with its first stream. */
 Camera OpenFirstCamera(void);
 
+/* Executes a command of the camera: "AcquisitionStart" after the stream has started, "AcquisitionStop" before it stops.
+ */
+void Execute(const Camera* camera, const char* command);
+
 /* Closes leaf by leaf, the order that producers like best. */
 void CloseCamera(const Camera* camera);
 

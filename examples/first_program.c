@@ -31,6 +31,11 @@ int main(void)
     KORO_DataStreamDescriptorHandle streamDescriptor;
     KORO_DataStreamHandle stream;
     KORO_BufferHandle buffer;
+    KORO_RemoteDeviceHandle camera;
+    KORO_ModuleHandle module;
+    KORO_NodeMapHandle features;
+    KORO_NodeHandle node;
+    KORO_CommandNodeHandle start;
 
     Check(KORO_Library_Initialize());
     Check(KORO_EnvironmentInspector_UpdateCTIPaths());
@@ -46,11 +51,17 @@ int main(void)
     Check(KORO_DeviceDescriptor_OpenDevice(deviceDescriptor, KORO_DEVICE_ACCESS_CONTROL, &device));
     Check(KORO_Device_GetDataStream(device, 0, &streamDescriptor));
     Check(KORO_DataStreamDescriptor_OpenDataStream(streamDescriptor, &stream));
+    Check(KORO_Device_GetRemoteDevice(device, &camera));
+    Check(KORO_RemoteDevice_ToModule(camera, &module));
+    Check(KORO_Module_GetNodeMap(module, 0, &features));
+    Check(KORO_NodeMap_FindNode(features, "AcquisitionStart", sizeof "AcquisitionStart", &node));
+    Check(KORO_Node_ToCommandNode(node, &start));
 
     Check(KORO_DataStream_GetPayloadSize(stream, &size));
     Check(KORO_DataStream_AllocAndAnnounceBuffer(stream, size, NULL, &buffer));
     Check(KORO_DataStream_QueueBuffer(stream, buffer));
     Check(KORO_DataStream_StartAcquisition(stream, KORO_ACQ_START_FLAGS_DEFAULT, 1));
+    Check(KORO_CommandNode_Execute(start));
     Check(KORO_DataStream_WaitForFinishedBuffer(stream, 5000, &buffer));
     Check(KORO_Buffer_GetWidth(buffer, &width));
     Check(KORO_Buffer_GetHeight(buffer, &height));

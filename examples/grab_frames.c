@@ -58,6 +58,7 @@ int main(void)
     AnnounceAndQueue(camera.stream, payloadSize);
 
     Check(KORO_DataStream_StartAcquisitionInfinite(camera.stream, KORO_ACQ_START_FLAGS_DEFAULT));
+    Execute(&camera, "AcquisitionStart");
     for (int frame = 0; frame < numFrames; ++frame)
     {
         KORO_BufferHandle buffer = NULL;
@@ -65,6 +66,7 @@ int main(void)
         PrintFrame(buffer);
         Check(KORO_DataStream_QueueBuffer(camera.stream, buffer));
     }
+    Execute(&camera, "AcquisitionStop");
     Check(KORO_DataStream_StopAcquisition(camera.stream, KORO_ACQ_STOP_FLAGS_DEFAULT));
 
     CloseCamera(&camera);

@@ -82,11 +82,13 @@ int main(void)
         return 1;
     }
     Check(KORO_DataStream_StartAcquisitionInfinite(camera.stream, KORO_ACQ_START_FLAGS_DEFAULT));
+    Execute(&camera, "AcquisitionStart");
     AwaitFrames(&grabber);
     Check(KORO_DataStream_KillWait(camera.stream));
     pthread_join(thread, NULL);
     printf("%d frames on the thread, then its wait was killed\n", grabber.numTaken);
 
+    Execute(&camera, "AcquisitionStop");
     Check(KORO_DataStream_StopAcquisition(camera.stream, KORO_ACQ_STOP_FLAGS_DEFAULT));
     CloseCamera(&camera);
     return KORO_Library_Close();
