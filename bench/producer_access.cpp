@@ -21,6 +21,9 @@ constexpr std::size_t bufferSize = 4096;
 struct Functions
 {
     decltype(&GenTL::IFOpenDevice) openDevice;
+    decltype(&GenTL::DevGetPort) getPort;
+    decltype(&GenTL::GCReadPort) readPort;
+    decltype(&GenTL::GCWritePort) writePort;
     decltype(&GenTL::DevOpenDataStream) openStream;
     decltype(&GenTL::GCRegisterEvent) registerEvent;
     decltype(&GenTL::DSAnnounceBuffer) announce;
@@ -42,6 +45,9 @@ Functions LoadFunctions()
     void* const producer = dlopen(ZERO_COST_PRODUCER, RTLD_NOW | RTLD_LOCAL);
     Functions functions{};
     LookUp(producer, "IFOpenDevice", functions.openDevice);
+    LookUp(producer, "DevGetPort", functions.getPort);
+    LookUp(producer, "GCReadPort", functions.readPort);
+    LookUp(producer, "GCWritePort", functions.writePort);
     LookUp(producer, "DevOpenDataStream", functions.openStream);
     LookUp(producer, "GCRegisterEvent", functions.registerEvent);
     LookUp(producer, "DSAnnounceBuffer", functions.announce);
@@ -117,6 +123,23 @@ void DirectStream::Queue(BUFFER_HANDLE buffer) const
     Direct().queue(stream, buffer);
 }
 
+DirectPort::DirectPort()
+{
+    DEV_HANDLE device = nullptr;
+    Direct().openDevice(nullptr, "0", DEVICE_ACCESS_CONTROL, &device);
+    Direct().getPort(device, &port);
+}
+
+void DirectPort::Read(std::uint64_t address, void* bytes, std::size_t size) const
+{
+    Direct().readPort(port, address, bytes, &size);
+}
+
+void DirectPort::Write(std::uint64_t address, const void* bytes, std::size_t size) const
+{
+    Direct().writePort(port, address, bytes, &size);
+}
+
 Tree::Tree()
 {
     Require(KORO_Library_Initialize());
@@ -136,12 +159,18 @@ Tree::~Tree()
     KORO_Library_Close();
 }
 
-KORO_DataStreamHandle Tree::OpenStream(std::size_t device)
+KORO_DeviceHandle Tree::OpenDevice(std::size_t device)
 {
     KORO_DeviceDescriptorHandle deviceDescriptor = nullptr;
     Require(KORO_Interface_GetDevice(interface, device, &deviceDescriptor));
     KORO_DeviceHandle deviceHandle = nullptr;
     Require(KORO_DeviceDescriptor_OpenDevice(deviceDescriptor, DEVICE_ACCESS_CONTROL, &deviceHandle));
+    return deviceHandle;
+}
+
+KORO_DataStreamHandle Tree::OpenStream(std::size_t device)
+{
+    KORO_DeviceHandle deviceHandle = OpenDevice(device);
     KORO_DataStreamDescriptorHandle streamDescriptor = nullptr;
     Require(KORO_Device_GetDataStream(deviceHandle, 0, &streamDescriptor));
     KORO_DataStreamHandle stream = nullptr;

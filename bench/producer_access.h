@@ -36,6 +36,19 @@ private:
     std::vector<Memory> memory;
 };
 
+// The registers of the first camera by direct calls.
+class DirectPort
+{
+public:
+    DirectPort();
+
+    void Read(std::uint64_t address, void* bytes, std::size_t size) const;
+    void Write(std::uint64_t address, const void* bytes, std::size_t size) const;
+
+private:
+    GenTL::PORT_HANDLE port = nullptr;
+};
+
 // The library's tree over the producer, and the same kind of stream through the exports.
 class Tree
 {
@@ -45,6 +58,7 @@ public:
 
     KORO_SystemHandle System() const { return system; }
     KORO_DataStreamHandle OpenStream(std::size_t device);
+    KORO_DeviceHandle OpenDevice(std::size_t device);
 
 private:
     KORO_ProducerLibraryHandle library = nullptr;

@@ -2,11 +2,18 @@
 //
 // Eight devices with one stream each; every wait delivers the buffer queued longest ago at once. Nothing is checked,
 // and no two threads may use one stream: this is a floor to measure against, not a model of a producer.
+//
+// The cameras have features when the environment variable KORO_BENCH_DESCRIPTION names a description file at the time
+// a device is opened: registers of plain memory, and the file beyond them.
 #define GENTL_PRODUCER
 #include "gentl/api/gentl.h"
 
 #include <array>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -73,6 +80,37 @@ GC_ERROR DeliverID(std::string_view text, char* buffer, std::size_t* size)
     return DeliverText(text, &ignored, buffer, size);
 }
 
+// What all cameras show through their ports.
+constexpr std::uint64_t descriptionAddress = std::uint64_t{1} << 32;
+std::string descriptionPath;
+std::string description;
+// Addresses of a camera reach far: all of them share this much.
+constexpr std::uint64_t sharedBytes = 4096;
+std::array<char, sharedBytes + 65536> registers;
+
+void LoadDescription()
+{
+    const char* const path = std::getenv("KORO_BENCH_DESCRIPTION");
+    if (!path || descriptionPath == path) return;
+    std::ifstream file(path, std::ios::binary);
+    description.assign(std::istreambuf_iterator<char>(file), {});
+    descriptionPath = path;
+}
+
+bool IsRemotePort(void* port)
+{
+    for (const Device& device : devices)
+    {
+        if (port == &device.port) return true;
+    }
+    return false;
+}
+
+char* RegisterAt(std::uint64_t address)
+{
+    return registers.data() + address % sharedBytes;
+}
+
 Stream* AsStream(void* handle)
 {
     return static_cast<Stream*>(handle);
@@ -100,7 +138,7 @@ GC_ERROR GCGetInfo(TL_INFO_CMD command, INFO_DATATYPE* type, void* buffer, size_
     if (command == TL_INFO_GENTL_VER_MAJOR)
         return DeliverValue<std::uint32_t>(INFO_DATATYPE_UINT32, 1, type, buffer, size);
     if (command == TL_INFO_GENTL_VER_MINOR)
-        return DeliverValue<std::uint32_t>(INFO_DATATYPE_UINT32, 0, type, buffer, size);
+        return DeliverValue<std::uint32_t>(INFO_DATATYPE_UINT32, 1, type, buffer, size);
     return DeliverText("zero cost", type, buffer, size);
 }
 
@@ -114,6 +152,11 @@ GC_ERROR TLOpen(TL_HANDLE* handle)
 {
     *handle = &systemModule;
     return GC_ERR_SUCCESS;
+}
+
+GC_ERROR TLGetInfo(TL_HANDLE, TL_INFO_CMD, INFO_DATATYPE* type, void* buffer, size_t* size)
+{
+    return DeliverText("zero cost", type, buffer, size); // the file's place, beside which descriptions are looked for
 }
 
 GC_ERROR TLUpdateInterfaceList(TL_HANDLE, bool8_t* changed, uint64_t)
@@ -158,6 +201,7 @@ GC_ERROR IFGetDeviceID(IF_HANDLE, uint32_t index, char* id, size_t* size)
 
 GC_ERROR IFOpenDevice(IF_HANDLE, const char* id, DEVICE_ACCESS_FLAGS, DEV_HANDLE* handle)
 {
+    LoadDescription();
     *handle = &devices.at(std::stoul(id));
     return GC_ERR_SUCCESS;
 }
@@ -265,18 +309,58 @@ GC_ERROR DSGetBufferInfo(
     }
 }
 
+GC_ERROR GCReadPort(PORT_HANDLE, uint64_t address, void* buffer, size_t* size)
+{
+    const bool isDescription = address >= descriptionAddress;
+    std::memcpy(
+        buffer, isDescription ? description.data() + (address - descriptionAddress) : RegisterAt(address), *size);
+    return GC_ERR_SUCCESS;
+}
+
+GC_ERROR GCWritePort(PORT_HANDLE, uint64_t address, const void* buffer, size_t* size)
+{
+    std::memcpy(RegisterAt(address), buffer, *size);
+    return GC_ERR_SUCCESS;
+}
+
+GC_ERROR GCGetNumPortURLs(PORT_HANDLE port, uint32_t* count)
+{
+    *count = !description.empty() && IsRemotePort(port) ? 1 : 0;
+    return GC_ERR_SUCCESS;
+}
+
+GC_ERROR GCGetPortURLInfo(PORT_HANDLE, uint32_t, URL_INFO_CMD command, INFO_DATATYPE* type, void* buffer, size_t* size)
+{
+    if (command != URL_INFO_URL) return GC_ERR_NOT_IMPLEMENTED; // the text tells the rest
+    char text[64];
+    std::snprintf(text, sizeof text, "local:bench.xml;%llX;%zX", 0ULL + descriptionAddress, description.size());
+    return DeliverText(text, type, buffer, size);
+}
+
+GC_ERROR GCGetPortInfo(PORT_HANDLE, PORT_INFO_CMD command, INFO_DATATYPE* type, void* buffer, size_t* size)
+{
+    switch (command)
+    {
+    case PORT_INFO_PORTNAME:
+        return DeliverText("Device", type, buffer, size);
+    case PORT_INFO_ACCESS_READ:
+    case PORT_INFO_ACCESS_WRITE:
+        return DeliverValue<bool8_t>(INFO_DATATYPE_BOOL8, 1, type, buffer, size);
+    default:
+        return GC_ERR_NOT_IMPLEMENTED;
+    }
+}
+
 // What no bench calls, or only while it closes.
 // clang-format off
-GC_ERROR GCReadPort(PORT_HANDLE, uint64_t, void*, size_t*) { return GC_ERR_NOT_IMPLEMENTED; }
-GC_ERROR GCWritePort(PORT_HANDLE, uint64_t, const void*, size_t*) { return GC_ERR_NOT_IMPLEMENTED; }
 GC_ERROR GCGetPortURL(PORT_HANDLE, char*, size_t*) { return GC_ERR_NOT_IMPLEMENTED; }
-GC_ERROR GCGetPortInfo(PORT_HANDLE, PORT_INFO_CMD, INFO_DATATYPE*, void*, size_t*) { return GC_ERR_NOT_IMPLEMENTED; }
+GC_ERROR GCReadPortStacked(PORT_HANDLE, PORT_REGISTER_STACK_ENTRY*, size_t*) { return GC_ERR_NOT_IMPLEMENTED; }
+GC_ERROR GCWritePortStacked(PORT_HANDLE, PORT_REGISTER_STACK_ENTRY*, size_t*) { return GC_ERR_NOT_IMPLEMENTED; }
 GC_ERROR GCUnregisterEvent(EVENTSRC_HANDLE, EVENT_TYPE) { return GC_ERR_SUCCESS; }
 GC_ERROR EventGetDataInfo(EVENT_HANDLE, const void*, size_t, EVENT_DATA_INFO_CMD, INFO_DATATYPE*, void*, size_t*) { return GC_ERR_NOT_IMPLEMENTED; }
 GC_ERROR EventFlush(EVENT_HANDLE) { return GC_ERR_SUCCESS; }
 GC_ERROR EventKill(EVENT_HANDLE) { return GC_ERR_SUCCESS; }
 GC_ERROR TLClose(TL_HANDLE) { return GC_ERR_SUCCESS; }
-GC_ERROR TLGetInfo(TL_HANDLE, TL_INFO_CMD, INFO_DATATYPE*, void*, size_t*) { return GC_ERR_NOT_IMPLEMENTED; }
 GC_ERROR TLGetInterfaceInfo(TL_HANDLE, const char*, INTERFACE_INFO_CMD, INFO_DATATYPE*, void*, size_t*) { return GC_ERR_NOT_IMPLEMENTED; }
 GC_ERROR IFClose(IF_HANDLE) { return GC_ERR_SUCCESS; }
 GC_ERROR IFGetInfo(IF_HANDLE, INTERFACE_INFO_CMD, INFO_DATATYPE*, void*, size_t*) { return GC_ERR_NOT_IMPLEMENTED; }

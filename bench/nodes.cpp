@@ -1,0 +1,304 @@
+// What features cost through the exports, beside the same access made by the GenICam runtime alone and beside the bare
+// call of the producer; then the first use of a large description beside a bare pass of the XML parser over it.
+//
+//     bench_nodes [--quick] [description.xml]
+//
+// Without a file: the largest one of camera-descriptions/ below KORO_REFERENCE_DATA, else one that is made up.
+#include "bench/genapi_descriptions.h"
+#include "bench/measure.h"
+#include "bench/producer_access.h"
+
+#include <GenApi/NodeMapFactory.h>
+#include <GenICam.h>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <expat.h>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <unistd.h>
+
+using namespace koro::bench;
+using namespace GENAPI_NAMESPACE;
+
+namespace
+{
+
+using Step = std::function<void()>;
+
+// The runtime's road to the producer: the same calls that the library makes at the end of its own.
+class ProducerPort : public IPort
+{
+public:
+    explicit ProducerPort(const DirectPort& called) : port(called) {}
+
+    void Read(void* buffer, std::int64_t address, std::int64_t length) override
+    {
+        port.Read(static_cast<std::uint64_t>(address), buffer, static_cast<std::size_t>(length));
+    }
+    void Write(const void* buffer, std::int64_t address, std::int64_t length) override
+    {
+        port.Write(static_cast<std::uint64_t>(address), buffer, static_cast<std::size_t>(length));
+    }
+    EAccessMode GetAccessMode() const override { return RW; }
+
+private:
+    const DirectPort& port;
+};
+
+struct Destroyer
+{
+    void operator()(INodeMap* map) const { CastToIDestroy(map)->Destroy(); }
+};
+
+// A description that the cameras serve from the next opening on, in a file of the bench's own.
+class ServedDescription
+{
+public:
+    explicit ServedDescription(const std::string& xml)
+        : path(std::filesystem::temp_directory_path() / ("koro_bench_" + std::to_string(getpid()) + "_" + Number()))
+    {
+        std::ofstream(path, std::ios::binary) << xml;
+        setenv("KORO_BENCH_DESCRIPTION", path.c_str(), 1);
+    }
+    ServedDescription(const ServedDescription&) = delete;
+    ServedDescription& operator=(const ServedDescription&) = delete;
+    ~ServedDescription()
+    {
+        std::error_code ignored;
+        std::filesystem::remove(path, ignored);
+    }
+
+private:
+    static std::string Number()
+    {
+        static int number = 0;
+        return std::to_string(++number);
+    }
+
+    const std::filesystem::path path;
+};
+
+KORO_NodeMapHandle NodeMapOf(KORO_DeviceHandle device)
+{
+    KORO_RemoteDeviceHandle remoteDevice = nullptr;
+    KORO_ModuleHandle module = nullptr;
+    KORO_NodeMapHandle map = nullptr;
+    Require(KORO_Device_GetRemoteDevice(device, &remoteDevice));
+    Require(KORO_RemoteDevice_ToModule(remoteDevice, &module));
+    std::size_t numNodeMaps = 0;
+    Require(KORO_Module_GetNumNodeMaps(module, &numNodeMaps));
+    Require(KORO_Module_GetNodeMap(module, 0, &map));
+    return map;
+}
+
+KORO_NodeHandle Find(KORO_NodeMapHandle map, const char* name)
+{
+    KORO_NodeHandle node = nullptr;
+    Require(KORO_NodeMap_FindNode(map, name, std::strlen(name) + 1, &node));
+    return node;
+}
+
+template <typename Handle>
+Handle Cast(KORO_ReturnCode (*cast)(KORO_NodeHandle, Handle*), KORO_NodeHandle node)
+{
+    Handle typed = nullptr;
+    Require(cast(node, &typed));
+    return typed;
+}
+
+// All columns take turns.
+void PrintRow(const Effort& effort, const char* name, const Step& producer, const Step& runtime, const Step& exported)
+{
+    std::vector<double> columns[3];
+    for (std::size_t round = 0; round < effort.rounds; ++round)
+    {
+        columns[0].push_back(NanosecondsPerCall(effort.iterations, producer));
+        columns[1].push_back(NanosecondsPerCall(effort.iterations, runtime));
+        columns[2].push_back(NanosecondsPerCall(effort.iterations, exported));
+    }
+    const double bare = Median(columns[0]);
+    const double below = Median(columns[1]);
+    const double whole = Median(columns[2]);
+    std::printf("%-34s %10.1f %10.1f %10.1f %10.1f %7.2f\n", name, bare, below, whole, whole - below, whole / below);
+}
+
+void PrintOperations(const Effort& effort)
+{
+    const std::string xml = DescriptionOfSingleNodes();
+    const ServedDescription served(xml);
+    const DirectPort port;
+    ProducerPort runtimePort(port);
+    CNodeMapFactory factory(ContentType_Xml, xml.data(), xml.size());
+    const std::unique_ptr<INodeMap, Destroyer> runtime(factory.CreateNodeMap());
+    runtime->Connect(&runtimePort);
+    Tree tree;
+    const KORO_NodeMapHandle map = NodeMapOf(tree.OpenDevice(0));
+
+    const Step nothing = [] {};
+    const Step read = [&] {
+        std::uint8_t bytes[4];
+        port.Read(8, bytes, sizeof bytes);
+    };
+    const Step write = [&] {
+        const std::uint8_t bytes[4] = {};
+        port.Write(8, bytes, sizeof bytes);
+    };
+    const auto row = [&](const char* name, const Step& producer, const Step& below, const Step& exported) {
+        PrintRow(effort, name, producer, below, exported);
+    };
+
+    std::printf("%-34s %10s %10s %10s %10s %7s\n", "ns per call", "producer", "runtime", "export", "above", "ratio");
+    row(
+        "find a node by name", nothing, [&] { runtime->GetNode("Dependant100"); }, [&] { Find(map, "Dependant100"); });
+
+    std::int64_t number = 0;
+    const CIntegerPtr cached = runtime->GetNode("Cached");
+    const auto cachedHandle = Cast(KORO_Node_ToIntegerNode, Find(map, "Cached"));
+    row(
+        "integer read, cached", nothing, [&] { cached->GetValue(); },
+        [&] { KORO_IntegerNode_GetValue(cachedHandle, KORO_NODE_CACHE_POLICY_USE_CACHE, &number); });
+
+    const CIntegerPtr uncached = runtime->GetNode("Uncached");
+    const auto uncachedHandle = Cast(KORO_Node_ToIntegerNode, Find(map, "Uncached"));
+    row(
+        "integer read, uncached", read, [&] { uncached->GetValue(); },
+        [&] { KORO_IntegerNode_GetValue(uncachedHandle, KORO_NODE_CACHE_POLICY_USE_CACHE, &number); });
+    row(
+        "integer write", write, [&] { uncached->SetValue(5); }, [&] { KORO_IntegerNode_SetValue(uncachedHandle, 5); });
+
+    double real = 0;
+    const CFloatPtr scaled = runtime->GetNode("Scaled");
+    const auto scaledHandle = Cast(KORO_Node_ToFloatNode, Find(map, "Scaled"));
+    row(
+        "float read through two converters", read, [&] { scaled->GetValue(); },
+        [&] { KORO_FloatNode_GetValue(scaledHandle, KORO_NODE_CACHE_POLICY_USE_CACHE, &real); });
+
+    const CEnumerationPtr format = runtime->GetNode("Format");
+    const auto formatHandle = Cast(KORO_Node_ToEnumerationNode, Find(map, "Format"));
+    row(
+        "enumeration read as text, cached", nothing, [&] { format->ToString(); },
+        [&] {
+            KORO_EnumerationEntryNodeHandle entry = nullptr;
+            char text[64];
+            std::size_t size = sizeof text;
+            KORO_EnumerationNode_GetCurrentEntry(formatHandle, KORO_NODE_CACHE_POLICY_USE_CACHE, &entry);
+            KORO_EnumerationEntryNode_GetSymbolicValue(entry, text, &size);
+        });
+    row(
+        "enumeration written by name", write, [&] { format->FromString("Entry20"); },
+        [&] { KORO_EnumerationNode_SetCurrentEntryBySymbolicValue(formatHandle, "Entry20", sizeof "Entry20"); });
+}
+
+void ParseOnly(const std::string& xml)
+{
+    const XML_Parser parser = XML_ParserCreateNS(nullptr, '|');
+    const XML_Status status = XML_Parse(parser, xml.data(), static_cast<int>(xml.size()), XML_TRUE);
+    XML_ParserFree(parser);
+    if (status != XML_STATUS_OK) throw std::runtime_error("the description is no XML");
+}
+
+// The first ten features that can be read and are whole numbers, as an application would look for them.
+void ReadTenFeatures(KORO_NodeMapHandle map)
+{
+    std::size_t numNodes = 0;
+    Require(KORO_NodeMap_GetNumNodes(map, &numNodes));
+    int numRead = 0;
+    for (std::size_t index = 0; index < numNodes && numRead < 10; ++index)
+    {
+        KORO_NodeHandle node = nullptr;
+        KORO_Bool8 isFeature = 0;
+        KORO_NodeType type = KORO_NODE_TYPE_OTHER;
+        Require(KORO_NodeMap_GetNode(map, index, &node));
+        Require(KORO_Node_GetIsFeature(node, &isFeature));
+        Require(KORO_Node_GetType(node, &type));
+        if (isFeature == 0 || type != KORO_NODE_TYPE_INTEGER) continue;
+        std::int64_t value = 0;
+        const auto integer = Cast(KORO_Node_ToIntegerNode, node);
+        const KORO_ReturnCode code = KORO_IntegerNode_GetValue(integer, KORO_NODE_CACHE_POLICY_USE_CACHE, &value);
+        numRead += code == KORO_RETURN_CODE_SUCCESS ? 1 : 0;
+    }
+    if (numRead < 10) throw std::runtime_error("the description has less than ten whole numbers to read");
+}
+
+// From the opened camera on; the opening itself, which fetches the description, is part of the time.
+void PrintFirstUse(const Effort& effort, const std::string& xml)
+{
+    const ServedDescription served(xml);
+    Tree tree;
+    const auto open = [&](const std::function<void(KORO_NodeMapHandle)>& use) {
+        return [&tree, use] {
+            const KORO_DeviceHandle device = tree.OpenDevice(0);
+            use(NodeMapOf(device));
+            Require(KORO_Device_Destruct(device));
+        };
+    };
+    const Step steps[] = {
+        [&] { ParseOnly(xml); },
+        open([](KORO_NodeMapHandle) {}),
+        open([](KORO_NodeMapHandle map) { Find(map, "Root"); }),
+        open(ReadTenFeatures),
+    };
+    std::vector<double> columns[4];
+    for (std::size_t round = 0; round < effort.rounds; ++round)
+    {
+        for (std::size_t step = 0; step < 4; ++step)
+            columns[step].push_back(NanosecondsPerCall(1, steps[step]) / 1e6);
+    }
+    const double pass = Median(columns[0]);
+    const char* const names[] = {
+        "bare pass of the XML parser", "open, number of node maps", "open, first node found",
+        "open, ten features read"};
+    for (std::size_t step = 0; step < 4; ++step)
+    {
+        const double time = Median(columns[step]);
+        std::printf("%-34s %10.2f ms, ratio %5.2f\n", names[step], time, time / pass);
+    }
+}
+
+std::string LargestReference()
+{
+    const char* const data = std::getenv("KORO_REFERENCE_DATA");
+    const std::filesystem::path folder = std::filesystem::path(data ? data : "") / "camera-descriptions";
+    std::filesystem::path largest;
+    std::error_code absent;
+    for (const auto& entry : std::filesystem::directory_iterator(folder, absent))
+    {
+        if (entry.path().extension() != ".xml") continue;
+        if (largest.empty() || entry.file_size() > std::filesystem::file_size(largest)) largest = entry.path();
+    }
+    return largest.string();
+}
+
+std::string Load(const std::string& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    if (!file) throw std::runtime_error("cannot open " + path);
+    return std::string(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const Effort effort = EffortFromArguments(argc, argv);
+    const bool named = argc > 1 && std::string_view(argv[argc - 1]) != "--quick";
+    const std::string path = named ? argv[argc - 1] : LargestReference();
+    try
+    {
+        PrintOperations(effort);
+        const std::string xml = path.empty() ? GeneratedDescription(400) : Load(path);
+        std::printf("\n%s, %zu bytes\n", path.empty() ? "made up description" : path.c_str(), xml.size());
+        PrintFirstUse(effort, xml);
+    }
+    catch (const std::exception& exception)
+    {
+        std::fprintf(stderr, "bench_nodes: %s\n", exception.what());
+        return 1;
+    }
+    return 0;
+}
