@@ -26,27 +26,6 @@ const unsigned maxDescent = 500; // nodes read one through the other
 
 } // namespace
 
-Entry::Entry(const Node& node, const char* operation) : Entry(node.Map(), &node, operation) {}
-
-Entry::Entry(NodeMap& owner, const Node* node, const char* operation) : map(owner)
-{
-    map.lock->Lock();
-    if (map.entryDepth++ > 0)
-    {
-        ++map.nestedEntries;
-        return;
-    }
-    map.entryNode = node;
-    map.entryOperation = operation;
-    map.changed.clear();
-}
-
-Entry::~Entry()
-{
-    if (--map.entryDepth == 0) map.entryNode = nullptr;
-    map.lock->Unlock();
-}
-
 Unrestricted::Unrestricted(NodeMap& nodes, bool wanted) : map(nodes), former(nodes.unrestricted)
 {
     map.unrestricted = former || wanted;
@@ -130,8 +109,13 @@ EAccessMode Node::GetAccessMode() const
 
 EAccessMode Node::AccessMode() const
 {
+    const bool cached = !map.IsUnrestricted() && cachedMode != _UndefinedAccesMode;
+    return cached ? static_cast<EAccessMode>(cachedMode) : ComputedMode();
+}
+
+EAccessMode Node::ComputedMode() const
+{
     const bool cached = !map.IsUnrestricted();
-    if (cached && cachedMode != _UndefinedAccesMode) return static_cast<EAccessMode>(cachedMode);
     // Entries may depend on their own enumeration: whoever is asked again meanwhile does not restrict.
     if (modeInWork) return RW;
     const Descent descent(*this);

@@ -159,6 +159,7 @@ protected:
 private:
     friend class NodeMap;
 
+    EAccessMode ComputedMode() const;
     bool ReadsForAccess(Property link) const;
     void AddChildren(NodeList_t& children, ELinkType type) const;
     Registrations::const_iterator FindCallback(const CNodeCallback* callback) const;

@@ -1,4 +1,4 @@
-// Templates of Node and NodeMap that need each other.
+// What Node and NodeMap need of each other: templates, and what is too small for a call.
 #pragma once
 
 #include "map/node_map.h"
@@ -6,6 +6,28 @@
 
 namespace GENAPI_NAMESPACE::runtime
 {
+
+// Each operation of an application passes through these.
+inline Entry::Entry(const Node& node, const char* operation) : Entry(node.Map(), &node, operation) {}
+
+inline Entry::Entry(NodeMap& owner, const Node* node, const char* operation) : map(owner)
+{
+    map.lock->Lock();
+    if (map.entryDepth++ > 0)
+    {
+        ++map.nestedEntries;
+        return;
+    }
+    map.entryNode = node;
+    map.entryOperation = operation;
+    map.changed.clear();
+}
+
+inline Entry::~Entry()
+{
+    if (--map.entryDepth == 0) map.entryNode = nullptr;
+    map.lock->Unlock();
+}
 
 template <class Act>
 void Node::ForEachLinked(Property property, const Act& act) const
