@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <charconv>
 #include <limits>
+#include <numeric>
 #include <string.h>
 #include <strings.h>
 #include <type_traits>
@@ -49,6 +50,12 @@ const NamedOperation* FindOperator(const NamedOperation (&table)[N], const Token
     const auto found = std::find_if(
         std::begin(table), std::end(table), [&](const NamedOperation& entry) { return token.text == entry.name; });
     return found == std::end(table) ? nullptr : found;
+}
+
+// Part of the formula for a message: it may be of any length.
+std::string Quoted(std::string_view text)
+{
+    return "'" + std::string(text.substr(0, 200)) + "'";
 }
 
 bool SameLetters(std::string_view text, const char* name)
@@ -104,16 +111,19 @@ bool ReadLiteral(std::string_view text, double& number)
 template <class Number>
 FormulaCompiler<Number>::FormulaCompiler(
     Formula<Number>& result, std::string_view source, const std::vector<std::string_view>& names)
-    : formula(result), text(source), variables(names), token(NextToken(source, 0))
+    : formula(result), text(source), variables(names), byName(names.size()), token(NextToken(source, 0))
 {
     formula.depth = 0;
+    std::iota(byName.begin(), byName.end(), 0u);
+    std::stable_sort(
+        byName.begin(), byName.end(), [&](uint32_t left, uint32_t right) { return names[left] < names[right]; });
 }
 
 template <class Number>
 void FormulaCompiler<Number>::Run()
 {
     Expression(true);
-    if (!Is(TokenKind::End)) throw FormulaError{"syntax error at '" + std::string(token.text) + "'"};
+    if (!Is(TokenKind::End)) throw FormulaError{"syntax error at " + Quoted(token.text)};
 }
 
 template <class Number>
@@ -186,7 +196,7 @@ void FormulaCompiler<Number>::Bits()
 template <class Number>
 void FormulaCompiler<Number>::RefuseSign() const
 {
-    if (IsOperator("+") || IsOperator("-")) throw FormulaError{"extra operation '" + std::string(token.text) + "'"};
+    if (IsOperator("+") || IsOperator("-")) throw FormulaError{"extra operation " + Quoted(token.text)};
 }
 
 // Signs and complements may alternate; two of a kind in a row are none.
@@ -196,7 +206,7 @@ void FormulaCompiler<Number>::Unary(char previousSign)
     const bool sign = IsOperator("-") || IsOperator("+");
     if (!sign && !IsOperator("~")) return Primary();
     const char kind = sign ? '-' : '~';
-    if (kind == previousSign) throw FormulaError{"extra operation '" + std::string(token.text) + "'"};
+    if (kind == previousSign) throw FormulaError{"extra operation " + Quoted(token.text)};
     if (++nesting > maxNesting) throw FormulaError{"nested too deep"};
     const bool negate = IsOperator("-");
     Advance();
@@ -223,7 +233,7 @@ void FormulaCompiler<Number>::Primary()
     case TokenKind::End:
         throw FormulaError{"the formula ends too early"};
     default:
-        throw FormulaError{"syntax error at '" + std::string(token.text) + "'"};
+        throw FormulaError{"syntax error at " + Quoted(token.text)};
     }
 }
 
@@ -231,7 +241,7 @@ template <class Number>
 void FormulaCompiler<Number>::Literal()
 {
     Number number = 0;
-    if (!ReadLiteral(token.text, number)) throw FormulaError{"'" + std::string(token.text) + "' is no number here"};
+    if (!ReadLiteral(token.text, number)) throw FormulaError{Quoted(token.text) + " is no number here"};
     EmitConstant(number);
     Advance();
 }
@@ -254,10 +264,20 @@ void FormulaCompiler<Number>::Name()
         Advance();
         return Expect(TokenKind::Close, ")");
     }
-    const auto found = std::find(variables.begin(), variables.end(), name);
-    if (found == variables.end()) throw FormulaError{"unknown name '" + std::string(name) + "'"};
-    Emit(Operation::Variable, static_cast<uint32_t>(found - variables.begin()));
+    const uint32_t variable = Variable(name);
+    if (variable == noVariable) throw FormulaError{"unknown name " + Quoted(name)};
+    Emit(Operation::Variable, variable);
     Advance();
+}
+
+template <class Number>
+uint32_t FormulaCompiler<Number>::Variable(std::string_view name) const
+{
+    const auto found =
+        std::lower_bound(byName.begin(), byName.end(), name, [this](uint32_t position, std::string_view wanted) {
+            return variables[position] < wanted;
+        });
+    return found != byName.end() && variables[*found] == name ? *found : noVariable;
 }
 
 // With a bracket behind its name the function takes what is inside; without one all that follows.
@@ -300,7 +320,7 @@ void FormulaCompiler<Number>::EmitConstant(Number number)
 template <class Number>
 void FormulaCompiler<Number>::Expect(TokenKind kind, const char* what)
 {
-    if (!Is(kind)) throw FormulaError{std::string("'") + what + "' is missing at '" + std::string(token.text) + "'"};
+    if (!Is(kind)) throw FormulaError{std::string("'") + what + "' is missing at " + Quoted(token.text)};
     Advance();
 }
 

@@ -27,6 +27,8 @@ private:
     void Literal();
     void Name();
     void Call(Operation function);
+    // Its position, or noVariable.
+    uint32_t Variable(std::string_view name) const;
     void Emit(Operation operation, uint32_t operand = 0);
     void EmitConstant(Number number);
 
@@ -37,7 +39,9 @@ private:
 
     Formula<Number>& formula;
     std::string_view text;
+    static constexpr uint32_t noVariable = UINT32_MAX;
     const std::vector<std::string_view>& variables;
+    std::vector<uint32_t> byName; // positions of the variables; of equal names the first stands first
     Token token;
     size_t stack = 0;
     unsigned nesting = 0;

@@ -20,6 +20,12 @@ using GENICAM_NAMESPACE::gcstring;
 namespace
 {
 
+// Nodes read for one value: each as often as it is read, so that it grows with the map and with the depth.
+size_t MostDescents(size_t nodeCount)
+{
+    return (size_t(1) << 19) + 16 * nodeCount;
+}
+
 // Nothing is ever written through these.
 bool IsReadOnlyKind(Element kind)
 {
@@ -29,7 +35,8 @@ bool IsReadOnlyKind(Element kind)
 } // namespace
 
 NodeMap::NodeMap(std::shared_ptr<const Description> source, const gcstring& device, CLock* userLock)
-    : description(std::move(source)), deviceName(device), lock(userLock ? userLock : &ownLock)
+    : description(std::move(source)), deviceName(device), lock(userLock ? userLock : &ownLock),
+      maxDescents(MostDescents(description->nodes.size()))
 {
     nodes.reserve(description->nodes.size());
     for (NodeIndex node = 0; node < description->nodes.size(); ++node)
@@ -43,7 +50,7 @@ NodeMap::NodeMap(std::shared_ptr<const Description> source, const gcstring& devi
 
 NodeMap::~NodeMap()
 {
-    // Registers give their places back, which are still there.
+    registers.End();
     nodes.clear();
 }
 

@@ -68,6 +68,9 @@ public:
     uint64_t NestedEntries() const { return nestedEntries; }
     // "Gain.SetValue()"; empty outside of an operation.
     std::string EntryPoint() const;
+    // Starts a list that has each node once: Meet adds the node unless that was done since.
+    uint32_t NewMark();
+    void Meet(Node& node, std::vector<Node*>& list);
     // Drops the caches of everything that depends on the node and on the nodes that are written through it, and
     // remembers all of them for their callbacks.
     void AnnounceWrite(Node& node);
@@ -107,8 +110,6 @@ private:
         bool running; // in the poll that is at work
     };
 
-    uint32_t NewMark();
-    void Meet(Node& node, std::vector<Node*>& list);
     void Walk(std::vector<Node*>& list, size_t first);
     void DropAll();
     CallbackList CollectCallbacks();
@@ -128,6 +129,8 @@ private:
     unsigned entryDepth = 0;
     uint64_t nestedEntries = 0;
     unsigned descent = 0;
+    size_t descents = 0;      // since it was 0
+    const size_t maxDescents; // before "Too many nodes are read for one value"
     bool unrestricted = false;
     uint32_t lastMark = 0;
     std::vector<Node*> changed;   // by the operation at work

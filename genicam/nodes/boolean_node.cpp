@@ -15,7 +15,7 @@ void BooleanNode::Resolve()
     onValue = NumberOf(Property::OnValue, 1);
     offValue = NumberOf(Property::OffValue, 0);
     // A value of the own is written as true or false.
-    if (const PropertyRecord* const own = Find(Property::Value)) source.Write(own->number ? onValue : offValue, false);
+    if (const PropertyRecord* const own = Find(Property::Value)) source.Preset(own->number ? onValue : offValue);
 }
 
 void BooleanNode::SetValue(bool Value, bool Verify)

@@ -71,13 +71,14 @@ template class ConverterNode<FloatBase, double>;
 
 bool FloatConverter::HasRealInc()
 {
+    const Descent descent(*this);
     return Says(Property::IsLinear) && Target().HasRealInc();
 }
 
 double FloatConverter::RealInc()
 {
     if (!HasRealInc()) return FloatBase::RealInc();
-    const double inc = FromTarget(Target().Available().RealInc(), {});
+    const double inc = FromTarget(IncOf<double>(Target().Available()), {});
     return Falls() ? -inc : inc;
 }
 

@@ -39,6 +39,8 @@ Unrestricted::~Unrestricted()
 Descent::Descent(const Node& node) : map(node.Map())
 {
     if (map.descent >= maxDescent) throw RuntimeError(node, "Too many nodes are read one through the other");
+    if (map.descent == 0) map.descents = 0;
+    if (++map.descents > map.maxDescents) throw RuntimeError(node, "Too many nodes are read for one value");
     ++map.descent;
 }
 
@@ -217,6 +219,7 @@ EVisibility Node::GetVisibility() const
 
 EVisibility Node::OwnVisibility() const
 {
+    const Descent descent(*this);
     int64_t visibility = NumberOf(Property::Visibility, Kind() == Element::Category ? Invisible : Beginner);
     if (Kind() == Element::Category && Find(Property::pFeature))
     {
@@ -248,18 +251,26 @@ EYesNo Node::IsAccessModeCacheable() const
 bool Node::AccessCacheable() const
 {
     if (cachedAccessCacheable != _UndefinedYesNo) return cachedAccessCacheable == Yes;
-    cachedAccessCacheable = Yes; // for entries that ask their own enumeration
     const Descent descent(*this);
-    bool cacheable = true;
-    for (const Node* const condition : {implemented, available, locked})
+    cachedAccessCacheable = Yes; // for entries that ask their own enumeration
+    try
     {
-        if (condition && condition->CachingMode() == NoCache) cacheable = false;
+        bool cacheable = true;
+        for (const Node* const condition : {implemented, available, locked})
+        {
+            if (condition && condition->CachingMode() == NoCache) cacheable = false;
+        }
+        ForEachLink(Source(), index, [&](NodeIndex target, Property link) {
+            if (cacheable && ReadsForAccess(link)) cacheable = map.At(target)->AccessCacheable();
+        });
+        cachedAccessCacheable = cacheable ? Yes : No;
+        return cacheable;
     }
-    ForEachLink(Source(), index, [&](NodeIndex target, Property link) {
-        if (cacheable && ReadsForAccess(link)) cacheable = map.At(target)->AccessCacheable();
-    });
-    cachedAccessCacheable = cacheable ? Yes : No;
-    return cacheable;
+    catch (...)
+    {
+        cachedAccessCacheable = No; // too deep to be known
+        throw;
+    }
 }
 
 bool Node::ReadsForAccess(Property link) const
@@ -316,12 +327,14 @@ gcstring Node::GetDeviceName() const
 gcstring Node::UnitText() const
 {
     if (Find(Property::Unit)) return TextOf(Property::Unit);
+    const Descent descent(*this);
     const Node* const value = ValueTarget();
     return value ? value->UnitText() : gcstring();
 }
 
 std::vector<int64_t> Node::ValidValues() const
 {
+    const Descent descent(*this);
     const Node* const value = ValueTarget();
     return value ? value->ValidValues() : std::vector<int64_t>();
 }
@@ -344,19 +357,17 @@ void Node::GetChildren(NodeList_t& Children, ELinkType LinkType) const
         map.Terminals(self, list);
         break;
     default:
-        AddChildren(Children, LinkType);
-        return;
+        AddChildren(list, LinkType);
+        break;
     }
     for (Node* const node : list)
         Children.push_back(node);
 }
 
-void Node::AddChildren(NodeList_t& children, ELinkType type) const
+void Node::AddChildren(std::vector<Node*>& children, ELinkType type) const
 {
-    std::vector<NodeIndex> list;
-    const auto add = [&list](NodeIndex node) {
-        if (std::find(list.begin(), list.end(), node) == list.end()) list.push_back(node);
-    };
+    map.NewMark();
+    const auto add = [&](NodeIndex node) { map.Meet(*map.At(node), children); };
     const bool all = type == ctInvalidatingChildren;
     if (all) ForEachLinked(Property::pEntry, [&](const Node& node) { add(node.Index()); });
     ForEachLink(Source(), index, [&](NodeIndex target, Property link) {
@@ -383,8 +394,6 @@ void Node::AddChildren(NodeList_t& children, ELinkType type) const
         for (const NodeIndex selector : Source().selecting.Of(index))
             add(selector);
     }
-    for (const NodeIndex node : list)
-        children.push_back(map.At(node));
 }
 
 void Node::GetParents(NodeList_t& Parents) const

@@ -161,7 +161,7 @@ private:
 
     EAccessMode ComputedMode() const;
     bool ReadsForAccess(Property link) const;
-    void AddChildren(NodeList_t& children, ELinkType type) const;
+    void AddChildren(std::vector<Node*>& children, ELinkType type) const;
     Registrations::const_iterator FindCallback(const CNodeCallback* callback) const;
     EVisibility OwnVisibility() const;
 
@@ -212,7 +212,8 @@ private:
     const bool former;
 };
 
-// Counts how deep nodes are read through each other; RuntimeException beyond the bound, before the stack ends.
+// Counts how deep nodes are read through each other, and how many for the outermost one; RuntimeException beyond the
+// bounds: before the stack ends, and before a few nodes that read each other twice take for ever.
 class Descent
 {
 public:

@@ -44,6 +44,7 @@ inline void WriteTo(Node& node, double value, bool verify)
 template <class Number>
 Number MinOf(Node& node)
 {
+    const Descent descent(node);
     if constexpr (isInteger<Number>)
         return node.IntegerMin();
     else
@@ -53,6 +54,7 @@ Number MinOf(Node& node)
 template <class Number>
 Number MaxOf(Node& node)
 {
+    const Descent descent(node);
     if constexpr (isInteger<Number>)
         return node.IntegerMax();
     else
@@ -62,6 +64,7 @@ Number MaxOf(Node& node)
 template <class Number>
 Number IncOf(Node& node)
 {
+    const Descent descent(node);
     if constexpr (isInteger<Number>)
         return node.IntegerInc();
     else

@@ -170,6 +170,7 @@ template <class Number, class Interface, class List>
 ERepresentation NumberBase<Number, Interface, List>::Representation() const
 {
     if (Find(Property::Representation)) return static_cast<ERepresentation>(NumberOf(Property::Representation, 0));
+    const Descent descent(*this);
     const Node* const value = ValueTarget();
     return value ? value->Representation() : PureNumber;
 }
@@ -267,6 +268,7 @@ bool FloatBase::HasInc()
 EDisplayNotation FloatBase::Notation() const
 {
     if (Find(Property::DisplayNotation)) return static_cast<EDisplayNotation>(NumberOf(Property::DisplayNotation, 0));
+    const Descent descent(*this);
     const Node* const value = ValueTarget();
     return value ? value->Notation() : fnAutomatic;
 }
@@ -274,6 +276,7 @@ EDisplayNotation FloatBase::Notation() const
 int64_t FloatBase::Precision() const
 {
     if (Find(Property::DisplayPrecision)) return NumberOf(Property::DisplayPrecision, 0);
+    const Descent descent(*this);
     const Node* const value = ValueTarget();
     return value ? value->Precision() : 6;
 }

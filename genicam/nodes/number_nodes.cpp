@@ -62,7 +62,7 @@ int64_t IntegerNode::IntegerInc()
 {
     if (const auto written = WrittenLimit<int64_t>(*this, Property::Inc, Property::pInc)) return *written;
     Node* const target = source.Target();
-    return target ? target->Available().IntegerInc() : 1;
+    return target ? IncOf<int64_t>(target->Available()) : 1;
 }
 
 std::vector<int64_t> IntegerNode::ValidValues() const
@@ -104,6 +104,7 @@ bool FloatNode::HasRealInc()
 {
     if (Find(Property::Inc) || Find(Property::pInc)) return true;
     if (source.Indexed()) return false;
+    const Descent descent(*this);
     Node* const target = source.Target();
     return target && target->HasRealInc();
 }
@@ -111,7 +112,7 @@ bool FloatNode::HasRealInc()
 double FloatNode::RealInc()
 {
     if (const auto written = WrittenLimit<double>(*this, Property::Inc, Property::pInc)) return *written;
-    return HasRealInc() ? source.Target()->Available().RealInc() : FloatBase::RealInc();
+    return HasRealInc() ? IncOf<double>(source.Target()->Available()) : FloatBase::RealInc();
 }
 
 } // namespace GENAPI_NAMESPACE::runtime

@@ -20,6 +20,7 @@ RegisterCache::Block* RegisterCache::Acquire(const Place& place, Node& user)
 
 void RegisterCache::Release(Block* block, Node& user)
 {
+    if (ended) return;
     block->users.erase(std::find(block->users.begin(), block->users.end(), &user));
     if (!block->users.empty()) return;
     wideBlocks.erase(std::remove(wideBlocks.begin(), wideBlocks.end(), block), wideBlocks.end());

@@ -39,6 +39,8 @@ public:
     // The block of a place, made when the user is its first.
     Block* Acquire(const Place& place, Node& user);
     void Release(Block* block, Node& user);
+    // All users end now: what they release from here on needs no keeping of lists.
+    void End() { ended = true; }
 
     // Calls `act` with each block that shares bytes with the place, its own included.
     template <class Act>
@@ -72,6 +74,7 @@ private:
 
     std::map<Place, Block> blocks; // which stay where they are
     std::vector<Block*> wideBlocks;
+    bool ended = false;
 };
 
 } // namespace GENAPI_NAMESPACE::runtime

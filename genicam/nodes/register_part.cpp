@@ -3,6 +3,8 @@
 #include "nodes/errors.h"
 #include "nodes/port_node.h"
 
+#include <algorithm>
+#include <iterator>
 #include <string.h>
 
 namespace GENAPI_NAMESPACE::runtime
@@ -198,15 +200,17 @@ void RegisterPart::WriteBytes(const uint8_t* bytes, int64_t count, bool verify)
 // What other registers know of the place: their values and what is made of them.
 void RegisterPart::DropOverlapping(const RegisterCache::Place& place)
 {
-    node.Map().Registers().ForEachOverlapping(place, [this](RegisterCache::Block& overlapping) {
+    std::vector<Node*> users;
+    node.Map().Registers().ForEachOverlapping(place, [&](RegisterCache::Block& overlapping) {
         overlapping.valid = false;
-        for (Node* const user : overlapping.users)
-        {
-            if (user == &node) continue;
-            user->DropCaches();
-            node.Map().DropDependents(*user);
-        }
+        std::copy_if(overlapping.users.begin(), overlapping.users.end(), std::back_inserter(users), [this](Node* user) {
+            return user != &node;
+        });
     });
+    if (users.empty()) return;
+    node.Map().AddDependents(users);
+    for (Node* const outdated : users)
+        outdated->DropCaches();
 }
 
 void RegisterPart::DropBytes()

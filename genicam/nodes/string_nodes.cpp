@@ -43,6 +43,7 @@ int64_t StringBase::GetMaxLength(bool)
 
 int64_t StringBase::MaxLength()
 {
+    const Descent descent(*this);
     return IsWritable(AccessMode()) ? Capacity() : TextLength();
 }
 

@@ -18,6 +18,8 @@ public:
     Number Read(ReadOptions options);
     // To every target, in the order of the file.
     void Write(Number value, bool verify);
+    // The number of the own, before anything depends on it.
+    void Preset(Number value) { otherwise.constant = value; }
     EAccessMode Mode() const;
     ECachingMode Caching(ECachingMode ofConstant) const;
     // The node that limits and the like come from; null for a number of the own.

@@ -81,7 +81,7 @@ NodeIndex DescriptionBuilder::Mention(std::string_view name)
     record.sourceOffset = reader.Offset();
     record.madeBy = noNode;
     description->nodes.push_back(record);
-    description->names.Add(name, node);
+    if (!description->names.Add(name, node)) throw reader.Error("too many names are alike to this runtime");
     return node;
 }
 

@@ -72,7 +72,7 @@ public:
         RefuseCircles("read cycle detected", IsReadLink);
         RefuseCircles("pSelected cycle detected", [](Property link) { return link == P::pSelected; });
         GatherEdges(description.parents, Count(), [this](const auto& add) { ForEachParent(add); });
-        FillSelection(description);
+        FillSelection(description, sources);
         GatherEdges(description.dependents, Count(), [this](const auto& add) { ForEachDependent(add); });
         MarkFeatures();
     }
@@ -140,7 +140,7 @@ void Resolver::CheckBits(NodeIndex node) const
         throw RUNTIME_EXCEPTION("%s : LSB and MSB stand the wrong way round for its byte order", Place(node).c_str());
     }
     const PropertyRecord* const length = description.Find(node, P::Length);
-    const bool outside = length && length->number < 8 && std::max(lsb, msb) >= 8 * length->number;
+    const bool outside = length && length->number < 8 && std::max(lsb, msb) >= 8 * std::max<int64_t>(length->number, 0);
     if (std::min(lsb, msb) < 0 || std::max(lsb, msb) > 63 || outside)
     {
         throw RUNTIME_EXCEPTION("%s : a bit lies outside the register", Place(node).c_str());

@@ -105,7 +105,8 @@ void Merger::GatherNames()
             const NodeIndex pair = known ? known - 1 : static_cast<NodeIndex>(pairs.size());
             if (!known)
             {
-                names.Add(name, pair);
+                if (!names.Add(name, pair))
+                    throw RUNTIME_EXCEPTION("Too many names of the merged descriptions are alike to this runtime");
                 pairs.emplace_back();
                 pairs.back().name = name;
             }

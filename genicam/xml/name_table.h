@@ -28,11 +28,12 @@ public:
         }
     }
 
-    // The name must not be there yet.
-    void Add(std::string_view name, uint32_t index)
+    // The name must not be there yet. False when so many names share its hash that it must be meant: the work would
+    // grow with the square of their number.
+    bool Add(std::string_view name, uint32_t index)
     {
         if (++count * 2 > slots.size()) Grow();
-        Put({Hash(name), index + 1});
+        return Put({Hash(name), index + 1}) <= longestWay;
     }
 
 private:
@@ -41,6 +42,8 @@ private:
         uint32_t hash = 0;
         uint32_t indexPlusOne = 0;
     };
+
+    static constexpr size_t longestWay = 1000; // slots; chance leads to a few dozens
 
     size_t Mask() const { return slots.size() - 1; }
 
@@ -52,12 +55,15 @@ private:
         return hash ^ hash >> 15;
     }
 
-    void Put(Slot added)
+    // How far from its place the slot ended.
+    size_t Put(Slot added)
     {
-        size_t position = added.hash & Mask();
+        const size_t wanted = added.hash & Mask();
+        size_t position = wanted;
         while (slots[position].indexPlusOne != 0)
             position = (position + 1) & Mask();
         slots[position] = added;
+        return (position - wanted) & Mask();
     }
 
     void Grow()

@@ -40,6 +40,7 @@ std::string_view WithoutPadding(std::string_view xml)
     const bool wide =
         begin == "\xff\xfe" || begin == "\xfe\xff" || begin.find('\0') != std::string_view::npos; // UTF-16
     if (!wide) return xml.substr(0, xml.find_last_not_of(std::string_view("\0 \t\r\n", 5)) + 1);
+    if (xml.size() % 2 == 1 && xml.back() == '\0') xml.remove_suffix(1);
     while (xml.size() >= 2 && xml.substr(xml.size() - 2) == std::string_view("\0\0", 2))
         xml.remove_suffix(2);
     return xml;
@@ -236,9 +237,11 @@ void Parser::StartNode(Element element, const XmlAttributes& attributes)
     {
         const NodeDraft& outer = Current();
         madeBy = outer.node;
-        const std::string outerName(description.Text(outer.name));
-        if (element == Element::EnumEntry) nodeName = "EnumEntry_" + outerName + "_" + name;
-        if (element == Element::IntSwissKnife && NamesItsKnives(outer.element)) nodeName = "_" + outerName + "_" + name;
+        const auto compose = [&](const char* before) {
+            nodeName = before + std::string(description.Text(outer.name)) + "_" + name;
+        };
+        if (element == Element::EnumEntry) compose("EnumEntry_");
+        if (element == Element::IntSwissKnife && NamesItsKnives(outer.element)) compose("_");
     }
     const Element kind = element == Element::StructEntry ? Element::MaskedIntReg : element;
     const NodeIndex node = description.Define(nodeName, kind, madeBy);

@@ -1,7 +1,6 @@
 #include "xml/selection.h"
 
 #include "xml/edges.h"
-#include "xml/links.h"
 
 #include <Base/GCException.h>
 #include <algorithm>
@@ -16,7 +15,7 @@ namespace
 class Selection
 {
 public:
-    explicit Selection(Description& filled);
+    Selection(Description& filled, const SourceTexts& texts);
     void Fill();
 
 private:
@@ -33,14 +32,15 @@ private:
     void AppendValueDependents(NodeIndex node, std::vector<NodeIndex>& list);
 
     Description& description;
+    const SourceTexts& sources;
     std::vector<NodeIndex> converters; // of a formula the converter that it belongs to, else noNode
     std::vector<bool> listed;          // by the selector at work
     std::vector<Selector> selectors;
     size_t steps = 0;
 };
 
-Selection::Selection(Description& filled)
-    : description(filled), converters(filled.nodes.size(), noNode), listed(filled.nodes.size(), false)
+Selection::Selection(Description& filled, const SourceTexts& texts)
+    : description(filled), sources(texts), converters(filled.nodes.size(), noNode), listed(filled.nodes.size(), false)
 {
     for (NodeIndex node = 0; node < Count(); ++node)
     {
@@ -114,8 +114,7 @@ void Selection::AppendReadersOf(NodeIndex node, std::vector<NodeIndex>& list)
     if (steps > maxSelectionSteps)
     {
         throw RUNTIME_EXCEPTION(
-            "Node '%.500s' : more nodes are selected than this runtime takes",
-            std::string(description.NameOf(node)).c_str());
+            "%s : more nodes are selected than this runtime follows", PlaceOf(description, node, sources).c_str());
     }
     for (const NodeIndex parent : parents)
     {
@@ -137,9 +136,9 @@ void Selection::AppendValueDependents(NodeIndex node, std::vector<NodeIndex>& li
 
 } // namespace
 
-void FillSelection(Description& description)
+void FillSelection(Description& description, const SourceTexts& sources)
 {
-    Selection(description).Fill();
+    Selection(description, sources).Fill();
 }
 
 } // namespace GENAPI_NAMESPACE::runtime

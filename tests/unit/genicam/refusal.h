@@ -17,13 +17,26 @@ std::string RefusalOf(const Act& act)
     {
         act();
     }
-    catch (const E& exception)
-    {
-        return exception.GetDescription();
-    }
     catch (const GENICAM_NAMESPACE::GenericException& exception)
     {
+        const GENICAM_NAMESPACE::GenericException* const thrown = &exception;
+        if (dynamic_cast<const E*>(thrown)) return exception.GetDescription();
         return std::string("another class: ") + exception.what();
+    }
+    return "nothing thrown";
+}
+
+// The same with all that the exception says: node and entry point as well.
+template <class E, class Act>
+std::string WholeRefusalOf(const Act& act)
+{
+    try
+    {
+        act();
+    }
+    catch (const E& exception)
+    {
+        return exception.what();
     }
     return "nothing thrown";
 }

@@ -124,6 +124,27 @@ TEST(ZippedLoading, ExpansionIsBounded)
         "Invalid zip archive: the data of the entry 'camera.xml' are damaged or longer than it claims");
 }
 
+TEST(ZippedLoading, NamesThatPointOutsideAreNamesOnly)
+{
+    for (const char* const name : {"../escaped.xml", "/tmp/escaped.xml", "..\\escaped.xml", "C:escaped.xml", ""})
+    {
+        ZipBuilder zip;
+        zip.AddDeflated(name, description);
+        EXPECT_EQ(ValueOfA(zip.Bytes()), 5) << name;
+    }
+    EXPECT_FALSE(std::ifstream("../escaped.xml"));
+    EXPECT_FALSE(std::ifstream("/tmp/escaped.xml"));
+}
+
+TEST(ZippedLoading, AnArchiveInsideIsNotExpanded)
+{
+    ZipBuilder inner;
+    inner.AddDeflated("camera.xml", description);
+    ZipBuilder outer;
+    outer.AddDeflated("inner.zip", inner.Bytes());
+    EXPECT_THAT(Refusal(outer.Bytes()), StartsWith("Error while parsing XML stream"));
+}
+
 TEST(ZippedLoading, MissingFilesAreNamed)
 {
     for (const EContentType_t type : {ContentType_Xml, ContentType_ZippedXml})
