@@ -2,6 +2,7 @@
 
 #include "base/expiring.h"
 #include "modules/device.h"
+#include "modules/gvcp_command_length.h"
 #include "modules/interface.h"
 
 namespace koro::internal
@@ -65,10 +66,11 @@ std::shared_ptr<Device> DeviceDescriptor::OpenDevice(std::uint32_t accessType)
             interface->Handle(), id.c_str(), static_cast<DEVICE_ACCESS_FLAGS>(accessType), &handle);
         auto device = MakeOwnerOf<&GenTLProxy::DevClose>(
             handle, gentl, [&] { return std::make_shared<Device>(handle, id, interface, gentl.Proxy()); });
-        device->GetRemoteDevice();
-
-        const std::lock_guard lock(openedDeviceMutex);
-        openedDevice = device;
+        {
+            const std::lock_guard lock(openedDeviceMutex);
+            openedDevice = device;
+        }
+        TestGVCPCommandLength(*device);
         return device;
     });
 }

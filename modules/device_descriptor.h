@@ -42,8 +42,8 @@ public:
 
     std::shared_ptr<Interface> ParentInterface() const;
 
-    // The access type goes to the producer unchanged. The remote device is fetched at once: a device without one
-    // does not open.
+    // The access type goes to the producer unchanged. The GVCP command length test runs at once, so the remote device
+    // and both descriptions are fetched: a device without a remote device does not open.
     std::shared_ptr<Device> OpenDevice(std::uint32_t accessType);
 
     // Watches the information of the device. At first: access status, user defined name, frequency of the time stamp.

@@ -46,9 +46,10 @@ inline const std::string oneOfEach =
     "<Node Name=\"Plain\"/>";
 
 // One URL, which tells where the description lies and how large it is.
-inline void DescribePort(scripted::Port& port, const std::string& description, const std::string& fileName = "test.xml")
+inline void DescribePort(
+    scripted::Port& port, const std::string& description, const std::string& fileName = "test.xml",
+    std::uint64_t descriptionAddress = 0x20000)
 {
-    constexpr std::uint64_t descriptionAddress = 0x20000;
     port.registers[descriptionAddress] = description;
     port.urls.assign(
         1, {{GenTL::URL_INFO_URL, scripted::Text("local:" + fileName + ";20000;0")},
@@ -66,18 +67,19 @@ protected:
     // The port of the first camera, as the producer has it.
     static scripted::Port& RemotePort(scripted::Tree& edited) { return edited.interfaces[0]->devices[0]->remotePort; }
 
-    // One URL, before the first request for the node maps: a description of these nodes, or any bytes.
-    KORO_NodeMapHandle Describe(const std::string& nodes) const
+    // Opens the camera anew with one URL: a description of these nodes, or any bytes.
+    KORO_NodeMapHandle Describe(const std::string& nodes)
     {
         DescribeBy(DescriptionOf(nodes));
         return NodeMapOf(tree.remoteDevice);
     }
-    void DescribeBy(const std::string& description, const std::string& fileName = "test.xml") const
+    void DescribeBy(const std::string& description, const std::string& fileName = "test.xml")
     {
         producer->Edit([&](scripted::Tree& edited) { DescribePort(RemotePort(edited), description, fileName); });
+        Reopen();
     }
 
-    // Opens the camera anew: it has not fetched anything yet. What was open of it before has ended.
+    // Opens the camera anew, which fetches the descriptions. What was open of it before has ended.
     void Reopen()
     {
         Require(KORO_Device_Destruct(tree.device));

@@ -26,7 +26,6 @@ protected:
     Error Refusal(const std::string& bytes, const std::string& fileName = "test.xml")
     {
         DescribeBy(bytes, fileName);
-        Reopen();
         const auto map = NodeMapOf(tree.remoteDevice);
         std::size_t count = 0;
         KORO_NodeHandle node = nullptr;
@@ -48,13 +47,18 @@ protected:
 
 } // namespace
 
-TEST_F(DescriptionFaults, EmptyOne)
+TEST_F(DescriptionFaults, EmptyOneFailsTheOpening)
 {
     producer->Answer("GCReadPort", GenTL::GC_ERR_SUCCESS);
-    const Error refusal = Refusal("");
-    EXPECT_EQ(refusal.code, KORO_RETURN_CODE_INVALID_ARGUMENT);
-    EXPECT_THAT(refusal.text, HasSubstr("must not be"));
-    EXPECT_EQ(Refusal("", "a.zip").code, KORO_RETURN_CODE_INVALID_ARGUMENT);
+    for (const auto* fileName : {"a.xml", "a.zip"})
+    {
+        producer->Edit([&](scripted::Tree& edited) { DescribePort(RemotePort(edited), "", fileName); });
+        KORO_Device_Destruct(tree.device);
+        const Error refusal = Outcome(KORO_DeviceDescriptor_OpenDevice(tree.deviceDescriptor, 4, &tree.device));
+        EXPECT_EQ(refusal.code, KORO_RETURN_CODE_INVALID_ARGUMENT);
+        EXPECT_THAT(refusal.text, HasSubstr("must not be"));
+    }
+    EXPECT_EQ(producer->Open(), (Strings{"if0", "system"}));
 }
 
 TEST_F(DescriptionFaults, OneThatIsCutOff)
@@ -132,7 +136,7 @@ TEST_F(DescriptionFaults, ProducerThatFailsWhileItIsFetchedLeavesItOut)
 {
     for (const auto& error : producerErrors)
     {
-        producer->AnswerOnce("GCReadPort", error.code);
+        producer->AnswerAtCall("GCReadPort", 2, error.code); // the first is the device's own
         Reopen();
         const auto module = Get<KORO_ModuleHandle>(KORO_RemoteDevice_ToModule, tree.remoteDevice);
         EXPECT_EQ(Get<std::size_t>(KORO_Module_GetNumNodeMaps, module), 0u) << error.name;
@@ -141,8 +145,8 @@ TEST_F(DescriptionFaults, ProducerThatFailsWhileItIsFetchedLeavesItOut)
 
 TEST_F(DescriptionFaults, ShortTransferLeavesZerosThatAreRefusedOrNot)
 {
-    DescribeBy(DescriptionOf(IntRegister("A", 0)));
     producer->SetCount("GCReadPort", 100);
+    DescribeBy(DescriptionOf(IntRegister("A", 0)));
     const auto map = NodeMapOf(tree.remoteDevice);
     std::size_t count = 0;
     EXPECT_EQ(Outcome(KORO_NodeMap_GetNumNodes(map, &count)).code, KORO_RETURN_CODE_ERROR);
@@ -172,6 +176,7 @@ TEST_F(DescriptionFaults, OneBrokenDescriptionDoesNotCostTheOther)
 TEST_F(DescriptionFaults, DebugFileIsReadAnewUntilItIsGood)
 {
     const auto path = producer.Folder().MakeFile("tl_remotedevice_dbg.xml", "broken");
+    Reopen();
     const auto map = NodeMapOf(tree.remoteDevice);
     std::size_t count = 0;
     EXPECT_EQ(Outcome(KORO_NodeMap_GetNumNodes(map, &count)).code, KORO_RETURN_CODE_ERROR);
@@ -190,6 +195,7 @@ TEST_F(DescriptionFaults, PipeInPlaceOfADebugFileIsRefused)
 {
     const std::string path = producer.Folder().File("tl_remotedevice_dbg.xml");
     ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    Reopen();
     std::size_t count = 0;
     EXPECT_EQ(
         Outcome(KORO_NodeMap_GetNumNodes(NodeMapOf(tree.remoteDevice), &count)),
@@ -200,6 +206,7 @@ TEST_F(DescriptionFaults, DebugFileBeyondTheBoundIsRefused)
 {
     const auto path = producer.Folder().MakeFile("tl_remotedevice_dbg.xml", "");
     std::filesystem::resize_file(path, (256u << 20) + 1); // takes no room
+    Reopen();
     std::size_t count = 0;
     EXPECT_EQ(
         Outcome(KORO_NodeMap_GetNumNodes(NodeMapOf(tree.remoteDevice), &count)),

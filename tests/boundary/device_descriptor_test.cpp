@@ -281,8 +281,8 @@ TEST_F(DeviceDescriptor, SecondOpenMakesASecondDeviceIfTheProducerAllowsIt)
         Outcome(KORO_DeviceDescriptor_OpenDevice(tree.deviceDescriptor, 4, &tree.device)),
         CallFailure("IFOpenDevice", ProducerErrorOf(GenTL::GC_ERR_RESOURCE_IN_USE)));
 
-    producer->Answer("IFOpenDevice", GenTL::GC_ERR_SUCCESS);
-    producer->Answer("DevGetPort", GenTL::GC_ERR_SUCCESS);
+    for (const auto* function : {"IFOpenDevice", "DevGetPort", "GCGetPortInfo", "GCGetNumPortURLs"})
+        producer->Answer(function, GenTL::GC_ERR_SUCCESS);
     const auto second = Get<KORO_DeviceHandle>(KORO_DeviceDescriptor_OpenDevice, tree.deviceDescriptor, 4u);
     EXPECT_NE(second, tree.device);
     EXPECT_EQ(GetText(KORO_Device_GetKey, second), GetText(KORO_Device_GetKey, tree.device));

@@ -15,9 +15,12 @@ using testing::HasSubstr;
 
 using Strings = std::vector<std::string>;
 
+// On the stream: a device and its remote device have fetched theirs when they are open.
 class ModuleNodeMaps : public DescribedCamera
 {
 protected:
+    static std::string Described(const std::string& nodes) { return DescriptionOf(nodes, "StreamPort"); }
+
     struct Owner
     {
         KORO_ModuleHandle module;
@@ -35,15 +38,21 @@ protected:
             {Get<KORO_ModuleHandle>(KORO_Device_ToModule, tree.device), "if0-dev0", "DevicePort", "tl_device_dbg.xml"},
             {Get<KORO_ModuleHandle>(KORO_DataStream_ToModule, tree.stream), "if0-dev0-stream0", "StreamPort",
              "tl_datastream_dbg.xml"},
-            {remote, "if0-dev0-remote", "Device", "tl_remotedevice_dbg.xml"},
+            {Get<KORO_ModuleHandle>(KORO_RemoteDevice_ToModule, tree.remoteDevice), "if0-dev0-remote", "Device",
+             "tl_remotedevice_dbg.xml"},
         };
+    }
+
+    static scripted::Port& StreamPort(scripted::Tree& edited)
+    {
+        return edited.interfaces[0]->devices[0]->streams[0]->port;
     }
 
     // URLs of which only the text is known, as of producers that answer nothing else.
     void SetURLs(const Strings& texts) const
     {
         producer->Edit([&](scripted::Tree& edited) {
-            auto& urls = RemotePort(edited).urls;
+            auto& urls = StreamPort(edited).urls;
             urls.clear();
             for (const auto& text : texts)
                 urls.push_back({{GenTL::URL_INFO_URL, scripted::Text(text)}});
@@ -52,19 +61,31 @@ protected:
 
     void SetRegisters(std::uint64_t address, const std::string& bytes) const
     {
-        producer->Edit([&](scripted::Tree& edited) { RemotePort(edited).registers[address] = bytes; });
+        producer->Edit([&](scripted::Tree& edited) { StreamPort(edited).registers[address] = bytes; });
     }
 
-    // What a fresh camera reads for this URL: "address, size" of each transfer.
+    void DescribeStreamBy(const std::string& description, const std::string& fileName = "test.xml") const
+    {
+        producer->Edit([&](scripted::Tree& edited) { DescribePort(StreamPort(edited), description, fileName); });
+    }
+
+    // Opens the stream anew: it has not fetched anything yet.
+    void ReopenStream()
+    {
+        Require(KORO_DataStream_Destruct(tree.stream));
+        tree.stream = Get<KORO_DataStreamHandle>(KORO_DataStreamDescriptor_OpenDataStream, tree.streamDescriptor);
+    }
+
+    // What a fresh stream reads for this URL: "address, size" of each transfer.
     Strings ReadsFor(const std::string& url)
     {
         SetURLs({url});
-        Reopen();
+        ReopenStream();
         producer->ClearJournal();
-        Count(Remote());
+        Count(Stream());
         Strings reads = Reads();
         for (auto& read : reads)
-            read = read.substr(std::string("GCReadPort(if0-dev0-remote, ").size());
+            read = read.substr(std::string("GCReadPort(if0-dev0-stream0, ").size());
         return reads;
     }
 
@@ -79,9 +100,9 @@ protected:
         return Get<KORO_NodeMapHandle>(KORO_Module_GetNodeMap, module, index);
     }
 
-    KORO_ModuleHandle Remote() const { return Get<KORO_ModuleHandle>(KORO_RemoteDevice_ToModule, tree.remoteDevice); }
+    KORO_ModuleHandle Stream() const { return Get<KORO_ModuleHandle>(KORO_DataStream_ToModule, tree.stream); }
 
-    const KORO_ModuleHandle remote = Remote(); // ends with a reopening
+    const KORO_ModuleHandle stream = Stream(); // ends with a reopening
 };
 
 } // namespace
@@ -89,33 +110,48 @@ protected:
 TEST_F(ModuleNodeMaps, FirstRequestFetchesAllAndTheSecondNothing)
 {
     producer->ClearJournal();
-    EXPECT_EQ(Count(remote), 1u);
+    EXPECT_EQ(Count(stream), 1u);
     const auto journal = producer->Journal();
     const Strings expected = {
-        "GCGetPortInfo(if0-dev0-remote, 12, size)",
-        "GCGetPortInfo(if0-dev0-remote, 12, data)",
+        "GCGetPortInfo(if0-dev0-stream0, 12, size)",
+        "GCGetPortInfo(if0-dev0-stream0, 12, data)",
         "TLGetInfo(system, 6, size)",
         "TLGetInfo(system, 6, data)",
         "TLGetInfo(system, 5, size)",
         "TLGetInfo(system, 5, data)",
-        "GCGetNumPortURLs(if0-dev0-remote)",
-        "GCGetPortURLInfo(if0-dev0-remote, 0, 0, size)",
-        "GCGetPortURLInfo(if0-dev0-remote, 0, 0, data)",
-        "GCGetPortURLInfo(if0-dev0-remote, 0, 9, size)",
-        "GCGetPortURLInfo(if0-dev0-remote, 0, 9, data)",
-        "GCGetPortURLInfo(if0-dev0-remote, 0, 7, size)",
-        "GCGetPortURLInfo(if0-dev0-remote, 0, 7, data)",
-        "GCGetPortURLInfo(if0-dev0-remote, 0, 8, size)",
-        "GCGetPortURLInfo(if0-dev0-remote, 0, 8, data)",
-        "GCGetPortURLInfo(if0-dev0-remote, 0, 10, size)",
-        "GCGetPortURLInfo(if0-dev0-remote, 0, 10, data)"};
+        "GCGetNumPortURLs(if0-dev0-stream0)",
+        "GCGetPortURLInfo(if0-dev0-stream0, 0, 0, size)",
+        "GCGetPortURLInfo(if0-dev0-stream0, 0, 0, data)",
+        "GCGetPortURLInfo(if0-dev0-stream0, 0, 9, size)",
+        "GCGetPortURLInfo(if0-dev0-stream0, 0, 9, data)",
+        "GCGetPortURLInfo(if0-dev0-stream0, 0, 7, size)",
+        "GCGetPortURLInfo(if0-dev0-stream0, 0, 7, data)",
+        "GCGetPortURLInfo(if0-dev0-stream0, 0, 8, size)",
+        "GCGetPortURLInfo(if0-dev0-stream0, 0, 8, data)",
+        "GCGetPortURLInfo(if0-dev0-stream0, 0, 10, size)",
+        "GCGetPortURLInfo(if0-dev0-stream0, 0, 10, data)"};
     ASSERT_EQ(journal.size(), expected.size() + 1);
     EXPECT_EQ(Strings(journal.begin(), journal.end() - 1), expected);
     EXPECT_EQ(FunctionOf(journal.back()), "GCReadPort");
 
     producer->ClearJournal();
-    EXPECT_EQ(Count(remote), 1u);
-    EXPECT_EQ(MapAt(remote, 0), MapAt(remote, 0));
+    EXPECT_EQ(Count(stream), 1u);
+    EXPECT_EQ(MapAt(stream, 0), MapAt(stream, 0));
+    EXPECT_EQ(producer->Journal(), Strings{});
+}
+
+TEST_F(ModuleNodeMaps, OpeningADeviceFetchesItsOwnAndThoseOfItsRemoteDevice)
+{
+    producer->ClearJournal();
+    Reopen();
+    Strings readers;
+    for (const auto& read : Reads())
+        readers.push_back(read.substr(0, read.find(',')));
+    EXPECT_EQ(readers, (Strings{"GCReadPort(if0-dev0", "GCReadPort(if0-dev0-remote"}));
+
+    producer->ClearJournal();
+    EXPECT_EQ(Count(Get<KORO_ModuleHandle>(KORO_Device_ToModule, tree.device)), 1u);
+    EXPECT_EQ(Count(Get<KORO_ModuleHandle>(KORO_RemoteDevice_ToModule, tree.remoteDevice)), 1u);
     EXPECT_EQ(producer->Journal(), Strings{});
 }
 
@@ -132,30 +168,30 @@ TEST_F(ModuleNodeMaps, EveryKindOfModuleHasThem)
 TEST_F(ModuleNodeMaps, EachOutputPointerAndTheIndexAreChecked)
 {
     KORO_NodeMapHandle map = nullptr;
-    EXPECT_EQ(Outcome(KORO_Module_GetNodeMap(remote, 1, &map)), outOfRange);
+    EXPECT_EQ(Outcome(KORO_Module_GetNodeMap(stream, 1, &map)), outOfRange);
     EXPECT_EQ(map, nullptr);
-    EXPECT_EQ(Outcome(KORO_Module_GetNodeMap(remote, ~std::size_t{0}, &map)), outOfRange);
-    EXPECT_EQ(Outcome(KORO_Module_GetNodeMap(remote, 0, nullptr)), NullPointer("nodeMapHandle"));
-    EXPECT_EQ(Outcome(KORO_Module_GetNumNodeMaps(remote, nullptr)), NullPointer("numNodeMaps"));
+    EXPECT_EQ(Outcome(KORO_Module_GetNodeMap(stream, ~std::size_t{0}, &map)), outOfRange);
+    EXPECT_EQ(Outcome(KORO_Module_GetNodeMap(stream, 0, nullptr)), NullPointer("nodeMapHandle"));
+    EXPECT_EQ(Outcome(KORO_Module_GetNumNodeMaps(stream, nullptr)), NullPointer("numNodeMaps"));
 }
 
 TEST_F(ModuleNodeMaps, PortIsThereWithoutThem)
 {
     producer->ClearJournal();
-    EXPECT_NE(Get<KORO_PortHandle>(KORO_Module_GetPort, remote), nullptr);
+    EXPECT_NE(Get<KORO_PortHandle>(KORO_Module_GetPort, stream), nullptr);
     EXPECT_EQ(producer->Journal(), Strings{});
 }
 
 TEST_F(ModuleNodeMaps, EveryURLYieldsOneInTheOrderOfTheURLs)
 {
-    SetRegisters(0x20000, DescriptionOf("<Category Name=\"First\"/>").append(0x180, ' '));
-    SetRegisters(0x30000, DescriptionOf("<Category Name=\"Second\"/>").append(0x180, ' '));
+    SetRegisters(0x20000, Described("<Category Name=\"First\"/>").append(0x180, ' '));
+    SetRegisters(0x30000, Described("<Category Name=\"Second\"/>").append(0x180, ' '));
     SetURLs({"local:a.xml;20000;280", "local:b.xml;30000;280"});
 
-    ASSERT_EQ(Count(remote), 2u);
-    EXPECT_TRUE(HasNode(MapAt(remote, 0), "First"));
-    EXPECT_TRUE(HasNode(MapAt(remote, 1), "Second"));
-    EXPECT_NE(MapAt(remote, 0), MapAt(remote, 1));
+    ASSERT_EQ(Count(stream), 2u);
+    EXPECT_TRUE(HasNode(MapAt(stream, 0), "First"));
+    EXPECT_TRUE(HasNode(MapAt(stream, 1), "Second"));
+    EXPECT_NE(MapAt(stream, 0), MapAt(stream, 1));
 }
 
 TEST_F(ModuleNodeMaps, TextOfTheURLStandsInForWhatTheProducerDoesNotAnswer)
@@ -217,20 +253,20 @@ TEST_F(ModuleNodeMaps, SchemeOfTheProducerWinsOverTheText)
 
 TEST_F(ModuleNodeMaps, URLThatFailsIsPassedOverAndTheNextIsTried)
 {
-    const auto description = DescriptionOf("<Category Name=\"Root\"/>").append(0x280, ' ');
+    const auto description = Described("<Category Name=\"Root\"/>").append(0x280, ' ');
     SetRegisters(0x20000, description);
     SetURLs({"http://somewhere/a.xml;20000;280", "local:a.xml;FFFFFF00;280", "nonsense", "local:a.xml;20000;280"});
 
-    EXPECT_EQ(Count(remote), 1u);
-    EXPECT_TRUE(HasNode(MapAt(remote, 0), "Root"));
+    EXPECT_EQ(Count(stream), 1u);
+    EXPECT_TRUE(HasNode(MapAt(stream, 0), "Root"));
 }
 
 TEST_F(ModuleNodeMaps, URLWithoutATextIsPassedOver)
 {
     producer->SetInfo("GCGetPortURLInfo", GenTL::URL_INFO_URL, scripted::Failing(GenTL::GC_ERR_IO));
-    EXPECT_EQ(Count(remote), 0u);
+    EXPECT_EQ(Count(stream), 0u);
     KORO_NodeMapHandle map = nullptr;
-    EXPECT_EQ(Outcome(KORO_Module_GetNodeMap(remote, 0, &map)), outOfRange);
+    EXPECT_EQ(Outcome(KORO_Module_GetNodeMap(stream, 0, &map)), outOfRange);
 }
 
 TEST_F(ModuleNodeMaps, FailedTransferLeavesNeitherAMapNorAnError)
@@ -239,8 +275,8 @@ TEST_F(ModuleNodeMaps, FailedTransferLeavesNeitherAMapNorAnError)
     for (const auto code : {GenTL::GC_ERR_IO, GenTL::GC_ERR_TIMEOUT, GenTL::GC_ERR_ACCESS_DENIED, GenTL::GC_ERR_ABORT})
     {
         producer->Answer("GCReadPort", code);
-        Reopen();
-        EXPECT_EQ(Count(Remote()), 0u);
+        ReopenStream();
+        EXPECT_EQ(Count(Stream()), 0u);
     }
     EXPECT_EQ(LastError(), InvalidHandle("moduleHandle"));
 }
@@ -248,7 +284,7 @@ TEST_F(ModuleNodeMaps, FailedTransferLeavesNeitherAMapNorAnError)
 TEST_F(ModuleNodeMaps, NoURLMeansNone)
 {
     SetURLs({});
-    EXPECT_EQ(Count(remote), 0u);
+    EXPECT_EQ(Count(stream), 0u);
 }
 
 TEST_F(ModuleNodeMaps, FileNameTellsWhetherTheDescriptionIsZipped)
@@ -260,10 +296,10 @@ TEST_F(ModuleNodeMaps, FileNameTellsWhetherTheDescriptionIsZipped)
     } names[] = {{"a.xml", false}, {"a.zip", true}, {"a.zip.xml", true}, {"A.ZIP", false}, {"a.zi.p", false}};
     for (const auto& [fileName, zipped] : names)
     {
-        DescribeBy(DescriptionOf("<Category Name=\"Root\"/>"), fileName);
-        Reopen();
+        DescribeStreamBy(Described("<Category Name=\"Root\"/>"), fileName);
+        ReopenStream();
         std::size_t count = 0;
-        const Error outcome = Outcome(KORO_NodeMap_GetNumNodes(NodeMapOf(tree.remoteDevice), &count));
+        const Error outcome = Outcome(KORO_NodeMap_GetNumNodes(MapAt(Stream(), 0), &count));
         EXPECT_EQ(outcome.code, zipped ? KORO_RETURN_CODE_ERROR : KORO_RETURN_CODE_SUCCESS) << fileName;
         EXPECT_THAT(outcome.text, HasSubstr(zipped ? "zip archive" : "")) << fileName;
     }
@@ -281,27 +317,35 @@ TEST_F(ModuleNodeMaps, FailureOutsideOfTheSingleDescriptionsIsToldAndTheNextRequ
 {
     std::size_t count = 0;
     producer->SetInfo("GCGetPortInfo", GenTL::PORT_INFO_PORTNAME, scripted::Failing(GenTL::GC_ERR_IO));
-    EXPECT_EQ(Outcome(KORO_Module_GetNumNodeMaps(remote, &count)).code, KORO_RETURN_CODE_IO_ERROR);
-    producer->SetInfo("GCGetPortInfo", GenTL::PORT_INFO_PORTNAME, scripted::Text("Device"));
+    EXPECT_EQ(Outcome(KORO_Module_GetNumNodeMaps(stream, &count)).code, KORO_RETURN_CODE_IO_ERROR);
+    producer->SetInfo("GCGetPortInfo", GenTL::PORT_INFO_PORTNAME, scripted::Text("StreamPort"));
 
     producer->SetInfo("TLGetInfo", GenTL::TL_INFO_PATHNAME, scripted::Failing(GenTL::GC_ERR_IO));
-    EXPECT_EQ(Outcome(KORO_Module_GetNumNodeMaps(remote, &count)).code, KORO_RETURN_CODE_IO_ERROR);
+    EXPECT_EQ(Outcome(KORO_Module_GetNumNodeMaps(stream, &count)).code, KORO_RETURN_CODE_IO_ERROR);
     producer->SetInfo("TLGetInfo", GenTL::TL_INFO_PATHNAME, scripted::Text("/nowhere/a.cti"));
 
     producer->AnswerOnce("GCGetNumPortURLs", GenTL::GC_ERR_IO);
-    EXPECT_EQ(Outcome(KORO_Module_GetNumNodeMaps(remote, &count)).code, KORO_RETURN_CODE_IO_ERROR);
+    EXPECT_EQ(Outcome(KORO_Module_GetNumNodeMaps(stream, &count)).code, KORO_RETURN_CODE_IO_ERROR);
     EXPECT_EQ(count, 0u);
 
-    EXPECT_EQ(Count(remote), 1u);
+    EXPECT_EQ(Count(stream), 1u);
 }
 
 TEST_F(ModuleNodeMaps, FileForDebuggingStandsBeforeTheURLs)
 {
     for (const auto& owner : Owners())
     {
-        SCOPED_TRACE(owner.id);
         producer.Folder().MakeFile(
             owner.debugFile, DescriptionOf("<Category Name=\"DebugOf" + owner.portName + "\"/>", owner.portName));
+    }
+    Reopen();
+    tree.streamDescriptor =
+        Get<KORO_DataStreamDescriptorHandle>(KORO_Device_GetDataStream, tree.device, std::size_t{0});
+    tree.stream = Get<KORO_DataStreamHandle>(KORO_DataStreamDescriptor_OpenDataStream, tree.streamDescriptor);
+
+    for (const auto& owner : Owners())
+    {
+        SCOPED_TRACE(owner.id);
         ASSERT_EQ(Count(owner.module), 2u);
         EXPECT_TRUE(HasNode(MapAt(owner.module, 0), "DebugOf" + owner.portName));
         EXPECT_FALSE(HasNode(MapAt(owner.module, 1), "DebugOf" + owner.portName));
@@ -310,25 +354,25 @@ TEST_F(ModuleNodeMaps, FileForDebuggingStandsBeforeTheURLs)
 
 TEST_F(ModuleNodeMaps, FileForDebuggingIsPlainTextWhateverElseIsZipped)
 {
-    producer.Folder().MakeFile("tl_remotedevice_dbg.xml", DescriptionOf("<Category Name=\"Debug\"/>"));
-    DescribeBy("whatever", "a.zip");
-    ASSERT_EQ(Count(remote), 2u);
-    EXPECT_TRUE(HasNode(MapAt(remote, 0), "Debug"));
+    producer.Folder().MakeFile("tl_datastream_dbg.xml", Described("<Category Name=\"Debug\"/>"));
+    DescribeStreamBy("whatever", "a.zip");
+    ASSERT_EQ(Count(stream), 2u);
+    EXPECT_TRUE(HasNode(MapAt(stream, 0), "Debug"));
 }
 
 TEST_F(ModuleNodeMaps, FileForDebuggingServesWithoutAnyURL)
 {
-    producer.Folder().MakeFile("tl_remotedevice_dbg.xml", DescriptionOf("<Category Name=\"Debug\"/>"));
+    producer.Folder().MakeFile("tl_datastream_dbg.xml", Described("<Category Name=\"Debug\"/>"));
     SetURLs({});
-    ASSERT_EQ(Count(remote), 1u);
-    EXPECT_TRUE(HasNode(MapAt(remote, 0), "Debug"));
+    ASSERT_EQ(Count(stream), 1u);
+    EXPECT_TRUE(HasNode(MapAt(stream, 0), "Debug"));
 }
 
 TEST_F(ModuleNodeMaps, FileThatComesAfterTheFirstRequestHasNoEffect)
 {
-    EXPECT_EQ(Count(remote), 1u);
-    producer.Folder().MakeFile("tl_remotedevice_dbg.xml", DescriptionOf(""));
-    EXPECT_EQ(Count(remote), 1u);
+    EXPECT_EQ(Count(stream), 1u);
+    producer.Folder().MakeFile("tl_datastream_dbg.xml", Described(""));
+    EXPECT_EQ(Count(stream), 1u);
 }
 
 TEST_F(ModuleNodeMaps, PortOfAnotherNameHasNoFileForDebugging)
@@ -336,12 +380,12 @@ TEST_F(ModuleNodeMaps, PortOfAnotherNameHasNoFileForDebugging)
     for (const auto* file :
          {"tl_system_dbg.xml", "tl_interface_dbg.xml", "tl_device_dbg.xml", "tl_datastream_dbg.xml",
           "tl_remotedevice_dbg.xml"})
-        producer.Folder().MakeFile(file, DescriptionOf(""));
+        producer.Folder().MakeFile(file, Described(""));
     for (const auto* name : {"device", "Device ", "", "TLBuffer", "Port"})
     {
         producer->SetInfo("GCGetPortInfo", GenTL::PORT_INFO_PORTNAME, scripted::Text(name));
-        Reopen();
-        EXPECT_EQ(Count(Remote()), 1u) << name;
+        ReopenStream();
+        EXPECT_EQ(Count(Stream()), 1u) << name;
     }
 }
 
@@ -349,36 +393,36 @@ TEST_F(ModuleNodeMaps, FolderThatBearsTheProducersNameHidesTheFileForDebugging)
 {
     const std::string name = "scripted_1_5.cti";
     const auto folder = producer.Folder().MakeFolder("folder_of_" + name);
-    producer.Folder().MakeFile("folder_of_" + name + "/tl_remotedevice_dbg.xml", DescriptionOf(""));
+    producer.Folder().MakeFile("folder_of_" + name + "/tl_datastream_dbg.xml", Described(""));
     producer->SetInfo("TLGetInfo", GenTL::TL_INFO_PATHNAME, scripted::Text(folder + "/" + name));
-    EXPECT_EQ(Count(remote), 1u);
+    EXPECT_EQ(Count(stream), 1u);
 }
 
 TEST_F(ModuleNodeMaps, PathThatLacksTheFilesNameStaysWhole)
 {
-    producer.Folder().MakeFile("prefix_tl_remotedevice_dbg.xml", DescriptionOf("<Category Name=\"Debug\"/>"));
+    producer.Folder().MakeFile("prefix_tl_datastream_dbg.xml", Described("<Category Name=\"Debug\"/>"));
     producer->SetInfo("TLGetInfo", GenTL::TL_INFO_PATHNAME, scripted::Text(producer.Folder().File("prefix_")));
     producer->SetInfo("TLGetInfo", GenTL::TL_INFO_NAME, scripted::Text("other.cti"));
-    EXPECT_EQ(Count(remote), 2u);
+    EXPECT_EQ(Count(stream), 2u);
 }
 
 TEST_F(ModuleNodeMaps, WhateverIsThereUnderTheNameCountsAsTheFile)
 {
-    producer.Folder().MakeFolder("tl_remotedevice_dbg.xml");
-    ASSERT_EQ(Count(remote), 2u);
+    producer.Folder().MakeFolder("tl_datastream_dbg.xml");
+    ASSERT_EQ(Count(stream), 2u);
     std::size_t count = 0;
     EXPECT_EQ(
-        Outcome(KORO_NodeMap_GetNumNodes(MapAt(remote, 0), &count)),
+        Outcome(KORO_NodeMap_GetNumNodes(MapAt(stream, 0), &count)),
         (Error{
             KORO_RETURN_CODE_ERROR,
-            "The description file (" + producer.Folder().File("tl_remotedevice_dbg.xml") + ") is no regular file!"}));
-    EXPECT_EQ(Get<std::size_t>(KORO_NodeMap_GetNumNodes, MapAt(remote, 1)), 2u);
+            "The description file (" + producer.Folder().File("tl_datastream_dbg.xml") + ") is no regular file!"}));
+    EXPECT_EQ(Get<std::size_t>(KORO_NodeMap_GetNumNodes, MapAt(stream, 1)), 2u);
 }
 
 TEST_F(ModuleNodeMaps, LinkToNowhereIsNoFile)
 {
-    producer.Folder().MakeLink(producer.Folder().File("nowhere"), "tl_remotedevice_dbg.xml");
-    EXPECT_EQ(Count(remote), 1u);
+    producer.Folder().MakeLink(producer.Folder().File("nowhere"), "tl_datastream_dbg.xml");
+    EXPECT_EQ(Count(stream), 1u);
 }
 
 TEST_F(ModuleNodeMaps, HandlesEndWithTheModule)
@@ -407,14 +451,14 @@ TEST_F(ModuleNodeMaps, HandlesEndWithTheModule)
     expectEnded(1);
 }
 
-TEST_F(ModuleNodeMaps, DeviceThatIsOpenedAnewFetchesAnew)
+TEST_F(ModuleNodeMaps, ModuleThatIsOpenedAnewFetchesAnew)
 {
     SetURLs({});
-    EXPECT_EQ(Count(remote), 0u);
-    DescribeBy(DescriptionOf(""));
-    EXPECT_EQ(Count(remote), 0u);
-    Reopen();
-    EXPECT_EQ(Count(Remote()), 1u);
+    EXPECT_EQ(Count(stream), 0u);
+    DescribeStreamBy(Described(""));
+    EXPECT_EQ(Count(stream), 0u);
+    ReopenStream();
+    EXPECT_EQ(Count(Stream()), 1u);
 }
 
 } // namespace koro::test

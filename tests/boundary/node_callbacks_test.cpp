@@ -19,7 +19,7 @@ class NodeCallbacks : public DescribedCamera
 {
 protected:
     // "Polled" alone is polled, after 10 ms; "Dependent" depends on it.
-    KORO_NodeMapHandle DescribeAll() const
+    KORO_NodeMapHandle DescribeAll()
     {
         return Describe(
             IntRegister("Polled", 0, "<PollingTime>10</PollingTime>") + IntRegister("Other", 4) +

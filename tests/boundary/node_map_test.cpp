@@ -79,25 +79,24 @@ bool TryLockElsewhere(KORO_NodeMapHandle map)
 
 TEST_F(NodeMap, GivingAHandleParsesNothingAndTouchesNoRegister)
 {
-    DescribeBy("no description at all");
-    const auto module = Get<KORO_ModuleHandle>(KORO_RemoteDevice_ToModule, tree.remoteDevice);
+    producer->Edit([](scripted::Tree& edited) { DescribePort(edited.port, "no description at all"); });
+    const auto module = Get<KORO_ModuleHandle>(KORO_System_ToModule, tree.system);
     EXPECT_EQ(Get<std::size_t>(KORO_Module_GetNumNodeMaps, module), 1u);
     producer->ClearJournal();
-    EXPECT_NE(NodeMapOf(tree.remoteDevice), nullptr);
+    EXPECT_NE(Get<KORO_NodeMapHandle>(KORO_Module_GetNodeMap, module, std::size_t{0}), nullptr);
     EXPECT_EQ(producer->Journal(), Strings{});
 }
 
 TEST_F(NodeMap, FirstUseAsksForThePortsNameAlone)
 {
-    const auto map = Describe(FeatureOnRegister());
+    const auto module = Get<KORO_ModuleHandle>(KORO_System_ToModule, tree.system);
+    const auto map = Get<KORO_NodeMapHandle>(KORO_Module_GetNodeMap, module, std::size_t{0});
     producer->ClearJournal();
-    EXPECT_EQ(Get<std::size_t>(KORO_NodeMap_GetNumNodes, map), 4u);
-    EXPECT_EQ(
-        producer->Journal(),
-        (Strings{"GCGetPortInfo(if0-dev0-remote, 12, size)", "GCGetPortInfo(if0-dev0-remote, 12, data)"}));
+    EXPECT_EQ(Get<std::size_t>(KORO_NodeMap_GetNumNodes, map), 2u);
+    EXPECT_EQ(producer->Journal(), (Strings{"GCGetPortInfo(system, 12, size)", "GCGetPortInfo(system, 12, data)"}));
 
     producer->ClearJournal();
-    Find(map, "Feature");
+    Find(map, "Root");
     EXPECT_EQ(producer->Journal(), Strings{});
 }
 
@@ -217,11 +216,12 @@ TEST_F(NodeMap, MapWithoutTheNamedPortFailsAtEachUseUntilThePortIsThere)
 
 TEST_F(NodeMap, FailureToNameThePortIsThatOfTheQuery)
 {
-    const auto map = Describe("");
+    const auto module = Get<KORO_ModuleHandle>(KORO_System_ToModule, tree.system);
+    const auto map = Get<KORO_NodeMapHandle>(KORO_Module_GetNodeMap, module, std::size_t{0});
     producer->SetInfo("GCGetPortInfo", GenTL::PORT_INFO_PORTNAME, scripted::Failing(GenTL::GC_ERR_IO));
     std::size_t count = 0;
     EXPECT_EQ(Outcome(KORO_NodeMap_GetNumNodes(map, &count)).code, KORO_RETURN_CODE_IO_ERROR);
-    producer->SetInfo("GCGetPortInfo", GenTL::PORT_INFO_PORTNAME, scripted::Text("Device"));
+    producer->SetInfo("GCGetPortInfo", GenTL::PORT_INFO_PORTNAME, scripted::Text("TLPort"));
     EXPECT_EQ(Outcome(KORO_NodeMap_GetNumNodes(map, &count)), Error{});
 }
 

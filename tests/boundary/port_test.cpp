@@ -38,27 +38,27 @@ protected:
     void SetRegisters(const std::string& bytes) const
     {
         producer->Edit(
-            [&](scripted::Tree& edited) { edited.interfaces[0]->devices[0]->remotePort.registers[0] = bytes; });
+            [&](scripted::Tree& edited) { edited.interfaces[0]->devices[0]->streams[0]->port.registers[0] = bytes; });
     }
 
     std::string Registers() const
     {
         std::string bytes;
         producer->Edit(
-            [&](scripted::Tree& edited) { bytes = edited.interfaces[0]->devices[0]->remotePort.registers[0]; });
+            [&](scripted::Tree& edited) { bytes = edited.interfaces[0]->devices[0]->streams[0]->port.registers[0]; });
         return bytes;
     }
 
     void SetURLs(std::size_t count) const
     {
         producer->Edit([&](scripted::Tree& edited) {
-            auto& urls = edited.interfaces[0]->devices[0]->remotePort.urls;
+            auto& urls = edited.interfaces[0]->devices[0]->streams[0]->port.urls;
             urls.resize(count, urls.empty() ? scripted::Infos() : urls[0]);
         });
     }
 
-    const KORO_PortHandle port = Get<KORO_PortHandle>(
-        KORO_Module_GetPort, Get<KORO_ModuleHandle>(KORO_RemoteDevice_ToModule, tree.remoteDevice));
+    const KORO_PortHandle port =
+        Get<KORO_PortHandle>(KORO_Module_GetPort, Get<KORO_ModuleHandle>(KORO_DataStream_ToModule, tree.stream));
 };
 
 } // namespace
@@ -112,15 +112,15 @@ TEST_F(Port, EndiannessTellsOnlyWhetherItIsKnown)
 TEST_F(Port, EndiannessAsksForLittleFirstAndForBigOnlyIfItIsNot)
 {
     Get<std::int32_t>(KORO_Port_GetDataEndianness, port);
-    const Strings little{"GCGetPortInfo(if0-dev0-remote, 5, size)", "GCGetPortInfo(if0-dev0-remote, 5, data)"};
+    const Strings little{"GCGetPortInfo(if0-dev0-stream0, 5, size)", "GCGetPortInfo(if0-dev0-stream0, 5, data)"};
     EXPECT_EQ(producer->Journal(), little);
 
     SetFlag(GenTL::PORT_INFO_LITTLE_ENDIAN, false);
     producer->ClearJournal();
     Get<std::int32_t>(KORO_Port_GetDataEndianness, port);
     Strings both = little;
-    both.push_back("GCGetPortInfo(if0-dev0-remote, 6, size)");
-    both.push_back("GCGetPortInfo(if0-dev0-remote, 6, data)");
+    both.push_back("GCGetPortInfo(if0-dev0-stream0, 6, size)");
+    both.push_back("GCGetPortInfo(if0-dev0-stream0, 6, data)");
     EXPECT_EQ(producer->Journal(), both);
 }
 
@@ -145,7 +145,7 @@ TEST_F(Port, ReadIsOneCallIntoTheCallersBuffer)
 
     EXPECT_EQ(Outcome(KORO_Port_Read(port, 3, bytes.data(), 3)), Error{});
     EXPECT_EQ(bytes, (Bytes{'3', '4', '5', '#'}));
-    EXPECT_EQ(producer->Journal(), Strings{"GCReadPort(if0-dev0-remote, 3, 3)"});
+    EXPECT_EQ(producer->Journal(), Strings{"GCReadPort(if0-dev0-stream0, 3, 3)"});
 }
 
 TEST_F(Port, WriteIsOneCallFromTheCallersBuffer)
@@ -155,14 +155,14 @@ TEST_F(Port, WriteIsOneCallFromTheCallersBuffer)
 
     EXPECT_EQ(Outcome(KORO_Port_Write(port, 2, bytes.data(), 3)), Error{});
     EXPECT_EQ(Registers(), "01abc56789");
-    EXPECT_EQ(producer->Journal(), Strings{"GCWritePort(if0-dev0-remote, 2, 3)"});
+    EXPECT_EQ(producer->Journal(), Strings{"GCWritePort(if0-dev0-stream0, 2, 3)"});
 }
 
 TEST_F(Port, LargeTransferAtAnyAddressIsNotSplit)
 {
     const std::uint64_t high = 0xFFFFFFFFFFFF0001;
     producer->Edit([&](scripted::Tree& edited) {
-        edited.interfaces[0]->devices[0]->remotePort.registers[high] = std::string(0xFFFE, 'x');
+        edited.interfaces[0]->devices[0]->streams[0]->port.registers[high] = std::string(0xFFFE, 'x');
     });
     Bytes bytes(0xFFFE);
 
@@ -171,8 +171,8 @@ TEST_F(Port, LargeTransferAtAnyAddressIsNotSplit)
     EXPECT_EQ(Outcome(KORO_Port_Write(port, high, bytes.data(), bytes.size())), Error{});
     EXPECT_EQ(
         producer->Journal(), (Strings{
-                                 "GCReadPort(if0-dev0-remote, 18446744073709486081, 65534)",
-                                 "GCWritePort(if0-dev0-remote, 18446744073709486081, 65534)"}));
+                                 "GCReadPort(if0-dev0-stream0, 18446744073709486081, 65534)",
+                                 "GCWritePort(if0-dev0-stream0, 18446744073709486081, 65534)"}));
 }
 
 TEST_F(Port, TransferOfNothingStillReachesTheProducer)
@@ -182,7 +182,7 @@ TEST_F(Port, TransferOfNothingStillReachesTheProducer)
     EXPECT_EQ(Outcome(KORO_Port_Write(port, 6, &byte, 0)), Error{});
     EXPECT_EQ(byte, '#');
     EXPECT_EQ(
-        producer->Journal(), (Strings{"GCReadPort(if0-dev0-remote, 5, 0)", "GCWritePort(if0-dev0-remote, 6, 0)"}));
+        producer->Journal(), (Strings{"GCReadPort(if0-dev0-stream0, 5, 0)", "GCWritePort(if0-dev0-stream0, 6, 0)"}));
 }
 
 TEST_F(Port, TransferTestsHandleThenBuffer)
@@ -209,7 +209,7 @@ TEST_F(Port, SuccessOfAShortTransferIsSuccess)
     EXPECT_EQ(Outcome(KORO_Port_Write(port, 5, bytes.data(), bytes.size())), Error{});
     EXPECT_EQ(Registers(), "0123401p89");
     EXPECT_EQ(
-        producer->Journal(), (Strings{"GCReadPort(if0-dev0-remote, 0, 4)", "GCWritePort(if0-dev0-remote, 5, 4)"}));
+        producer->Journal(), (Strings{"GCReadPort(if0-dev0-stream0, 0, 4)", "GCWritePort(if0-dev0-stream0, 5, 4)"}));
 }
 
 TEST_F(Port, EveryCodeOfAFailedTransferHasItsReturnCode)
@@ -267,12 +267,12 @@ TEST_F(Port, URLsAreReadFromTheProducerOnce)
 {
     ExpectScalarOut<KORO_PortHandle, std::size_t>("numUrls", 1, KORO_Port_GetNumURLs, port);
     const auto url = Get<KORO_PortURLHandle>(KORO_Port_GetURL, port, std::size_t{0});
-    EXPECT_EQ(producer->Journal(), Strings{"GCGetNumPortURLs(if0-dev0-remote)"});
+    EXPECT_EQ(producer->Journal(), Strings{"GCGetNumPortURLs(if0-dev0-stream0)"});
 
     SetURLs(3);
     EXPECT_EQ(Get<std::size_t>(KORO_Port_GetNumURLs, port), 1u);
     EXPECT_EQ(Get<KORO_PortURLHandle>(KORO_Port_GetURL, port, std::size_t{0}), url);
-    EXPECT_EQ(producer->Journal(), Strings{"GCGetNumPortURLs(if0-dev0-remote)"});
+    EXPECT_EQ(producer->Journal(), Strings{"GCGetNumPortURLs(if0-dev0-stream0)"});
 }
 
 TEST_F(Port, ListingOfURLsThatFailedIsTriedAgain)
@@ -308,16 +308,28 @@ TEST(PortOfAnOldProducer, LacksURLsAndSaysSo)
 {
     const ScriptedProducer producer("scripted_1_0");
     const KoroLibrary library;
-    const OpenTree tree(producer.Path());
-    const auto port =
-        Get<KORO_PortHandle>(KORO_Module_GetPort, Get<KORO_ModuleHandle>(KORO_System_ToModule, tree.system));
-    std::size_t count = 0;
+    const Error lacking{
+        KORO_RETURN_CODE_ERROR, "[Function: GCGetNumPortURLs | Error: The instrumented TL (" + producer.Path() +
+                                    ") does not implement GCGetNumPortURLs()!]"};
 
-    EXPECT_EQ(
-        Outcome(KORO_Port_GetNumURLs(port, &count)),
-        (Error{
-            KORO_RETURN_CODE_ERROR, "[Function: GCGetNumPortURLs | Error: The instrumented TL (" + producer.Path() +
-                                        ") does not implement GCGetNumPortURLs()!]"}));
+    KORO_ProducerLibraryHandle file = nullptr;
+    Require(KORO_ProducerLibrary_Construct(producer.Path().c_str(), producer.Path().size() + 1, &file));
+    const auto system = Get<KORO_SystemHandle>(
+        KORO_SystemDescriptor_OpenSystem, Get<KORO_SystemDescriptorHandle>(KORO_ProducerLibrary_GetSystem, file));
+    const auto port = Get<KORO_PortHandle>(KORO_Module_GetPort, Get<KORO_ModuleHandle>(KORO_System_ToModule, system));
+    std::size_t count = 0;
+    EXPECT_EQ(Outcome(KORO_Port_GetNumURLs(port, &count)), lacking);
+
+    // An opening looks for the descriptions of the device.
+    Require(KORO_System_UpdateInterfaces(system, 0));
+    const auto interface = Get<KORO_InterfaceHandle>(
+        KORO_InterfaceDescriptor_OpenInterface,
+        Get<KORO_InterfaceDescriptorHandle>(KORO_System_GetInterface, system, std::size_t{0}));
+    Require(KORO_Interface_UpdateDevices(interface, 0));
+    const auto descriptor = Get<KORO_DeviceDescriptorHandle>(KORO_Interface_GetDevice, interface, std::size_t{0});
+    KORO_DeviceHandle device = nullptr;
+    EXPECT_EQ(Outcome(KORO_DeviceDescriptor_OpenDevice(descriptor, OpenTree::exclusiveAccess, &device)), lacking);
+    EXPECT_EQ(producer->Open(), (Strings{"if0", "system"}));
 }
 
 } // namespace koro::test

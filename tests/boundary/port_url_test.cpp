@@ -116,19 +116,19 @@ TEST_F(PortURL, MissingInformationIsToldAsItIs)
 TEST_F(PortURL, EachURLIsAskedByItsIndex)
 {
     producer->Edit([](scripted::Tree& edited) {
-        edited.interfaces[0]->devices[0]->port.urls = {
+        edited.interfaces[0]->devices[0]->streams[0]->port.urls = {
             {{0, scripted::Text("local:first.xml;0;1")}}, {{0, scripted::Text("local:second.xml;0;1")}}};
     });
-    const auto devicePort =
-        Get<KORO_PortHandle>(KORO_Module_GetPort, Get<KORO_ModuleHandle>(KORO_Device_ToModule, tree.device));
-    const auto first = Get<KORO_PortURLHandle>(KORO_Port_GetURL, devicePort, std::size_t{0});
-    const auto second = Get<KORO_PortURLHandle>(KORO_Port_GetURL, devicePort, std::size_t{1});
+    const auto streamPort =
+        Get<KORO_PortHandle>(KORO_Module_GetPort, Get<KORO_ModuleHandle>(KORO_DataStream_ToModule, tree.stream));
+    const auto first = Get<KORO_PortURLHandle>(KORO_Port_GetURL, streamPort, std::size_t{0});
+    const auto second = Get<KORO_PortURLHandle>(KORO_Port_GetURL, streamPort, std::size_t{1});
 
     EXPECT_NE(first, second);
     EXPECT_EQ(GetText(KORO_PortURL_GetURL, first), "local:first.xml;0;1");
     producer->ClearJournal();
     EXPECT_EQ(GetText(KORO_PortURL_GetURL, second), "local:second.xml;0;1");
-    EXPECT_EQ(producer->Journal().front(), "GCGetPortURLInfo(if0-dev0, 1, 0, size)");
+    EXPECT_EQ(producer->Journal().front(), "GCGetPortURLInfo(if0-dev0-stream0, 1, 0, size)");
 }
 
 TEST_F(PortURL, ParentIsThePort)

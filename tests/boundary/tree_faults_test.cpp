@@ -114,7 +114,9 @@ KORO_ReturnCode CountStreams(Scene& scene)
     return KORO_Device_GetNumDataStreams(scene.tree.device, &scene.size);
 }
 
-const Error noDevice = CallFailure("DevGetPort", ProducerErrorOf(GenTL::GC_ERR_INVALID_HANDLE));
+// Opening asks the port of the device first.
+const Error noPort = InfoFailure(
+    {"GCGetPortInfo", GenTL::PORT_INFO_PORTNAME, "PORT_INFO_PORTNAME"}, ProducerErrorOf(GenTL::GC_ERR_INVALID_HANDLE));
 
 const std::vector<Row> callRows = {
     {"OpenSystem", "TLOpen", 1, OpenSystem, EndSystem},
@@ -125,8 +127,8 @@ const std::vector<Row> callRows = {
     {"UpdateDevices", "IFUpdateDeviceList", 1, UpdateDevices},
     {"CountDevices", "IFGetNumDevices", 1, UpdateDevices, ReportChanges},
     {"ListDevices", "IFGetDeviceID", 2, UpdateDevices, ReportChanges},
-    {"OpenDevice", "IFOpenDevice", 1, OpenDevice, EndDevice, {}, noDevice},
-    {"FetchRemoteDevice", "DevGetPort", 1, OpenDevice, EndDevice},
+    {"OpenDevice", "IFOpenDevice", 1, OpenDevice, EndDevice, {}, noPort},
+    {"FetchRemoteDevice", "DevGetPort", 1, OpenDevice, EndDevice, {}, noPort},
     {"CountStreams", "DevGetNumDataStreams", 1, CountStreams, ReopenDevice},
     {"ListStreams", "DevGetDataStreamID", 2, CountStreams, ReopenDevice},
     {"OpenStream", "DevOpenDataStream", 1, OpenStream, EndStream},

@@ -143,7 +143,6 @@ TEST_F(WholeDescriptions, OfRealCamerasTellEverythingOfEveryNode)
         if (entry.path().extension() != ".xml") continue;
         SCOPED_TRACE(entry.path().filename().string());
         DescribeBy(ContentOf(entry.path()));
-        Reopen();
         producer->KeepJournal(false);
         Questions(NodeMapOf(tree.remoteDevice)).AskAll();
         ++asked;

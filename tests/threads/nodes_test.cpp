@@ -18,7 +18,7 @@ constexpr std::size_t threadCount = 4;
 class NodesInThreads : public DescribedCamera
 {
 protected:
-    KORO_NodeMapHandle DescribeAll() const
+    KORO_NodeMapHandle DescribeAll()
     {
         return Describe(
             "<Category Name=\"Root\"><pFeature>Feature</pFeature></Category>" +
@@ -41,8 +41,7 @@ bool IsEnd(KORO_ReturnCode code)
 
 TEST_F(NodesInThreads, FirstRequestForTheMapsFetchesThemOnce)
 {
-    DescribeBy(DescriptionOf(""));
-    const auto module = Get<KORO_ModuleHandle>(KORO_RemoteDevice_ToModule, tree.remoteDevice);
+    const auto module = Get<KORO_ModuleHandle>(KORO_DataStream_ToModule, tree.stream);
     producer->ClearJournal();
     std::vector<KORO_NodeMapHandle> maps(threadCount);
     Threads threads;
@@ -57,11 +56,12 @@ TEST_F(NodesInThreads, FirstRequestForTheMapsFetchesThemOnce)
 
 TEST_F(NodesInThreads, FirstUseOfTheMapGivesAllTheSameNodes)
 {
-    const auto map = DescribeAll();
+    const auto map = Get<KORO_NodeMapHandle>(
+        KORO_Module_GetNodeMap, Get<KORO_ModuleHandle>(KORO_DataStream_ToModule, tree.stream), std::size_t{0});
     producer->ClearJournal();
     std::vector<KORO_NodeHandle> nodes(threadCount);
     Threads threads;
-    threads.Add(threadCount, [&](std::size_t number) { nodes[number] = Find(map, "Feature"); });
+    threads.Add(threadCount, [&](std::size_t number) { nodes[number] = Find(map, "Root"); });
     threads.Join();
     for (const auto node : nodes)
         EXPECT_EQ(node, nodes.front());
