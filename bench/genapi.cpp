@@ -146,7 +146,7 @@ void PrintMemory(const std::string& xml)
 
 using Step = std::function<void()>;
 
-// Both columns take turns, `count` operations a turn.
+// Both columns take turns, `count` operations a turn, in processor time: no step waits for anything.
 void PrintRow(
     std::size_t rounds, std::size_t count, const char* name, const char* unit, double scale, const Step& floor,
     const Step& step)
@@ -155,8 +155,8 @@ void PrintRow(
     std::vector<double> times;
     for (std::size_t round = 0; round < rounds; ++round)
     {
-        floors.push_back(NanosecondsPerCall(count, floor) / scale);
-        times.push_back(NanosecondsPerCall(count, step) / scale);
+        floors.push_back(ProcessorNanosecondsPerCall(count, floor) / scale);
+        times.push_back(ProcessorNanosecondsPerCall(count, step) / scale);
     }
     const double low = Median(floors);
     const double time = Median(times);

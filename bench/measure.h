@@ -8,6 +8,7 @@
 #include <latch>
 #include <string_view>
 #include <thread>
+#include <time.h>
 #include <vector>
 
 namespace koro::bench
@@ -42,7 +43,22 @@ double NanosecondsPerCall(std::size_t iterations, Step&& step)
     return elapsed.count() / static_cast<double>(iterations);
 }
 
-// The same on several threads at once, each with its own step; the mean over the threads.
+// The same in processor time of this thread, which leaves out what a busy machine does meanwhile.
+template <class Step>
+double ProcessorNanosecondsPerCall(std::size_t iterations, Step&& step)
+{
+    const auto now = [] {
+        timespec time = {};
+        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+        return 1e9 * static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec);
+    };
+    const double begin = now();
+    for (std::size_t iteration = 0; iteration < iterations; ++iteration)
+        step();
+    return (now() - begin) / static_cast<double>(iterations);
+}
+
+// Wall clock time on several threads at once, each with its own step; the mean over the threads.
 inline double NanosecondsPerCallOnThreads(std::size_t iterations, const std::vector<std::function<void()>>& steps)
 {
     std::vector<double> results(steps.size());
