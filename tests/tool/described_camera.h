@@ -1,7 +1,10 @@
-// Descriptions of a test's own for the simulator's camera, over registers without meaning.
+// The simulator's camera for one run of the tool, and descriptions of a test's own for it, over registers without
+// meaning.
 #pragma once
 
 #include "tests/support/temporary_folder.h"
+#include "tests/tool/simulator_settings.h"
+#include "tests/tool/tool_run.h"
 
 #include <nlohmann/json.hpp>
 #include <string>
@@ -10,6 +13,22 @@
 
 namespace koro::test
 {
+
+// Runs of the tool on the simulator's camera "cam"; each run meets a camera that is as the settings say.
+class Camera
+{
+public:
+    explicit Camera(const nlohmann::json& settings = OneCamera("Mono8", 64, 48))
+        : environment(SimulatorWith(folder, settings))
+    {}
+
+    ToolResult Run(const Arguments& arguments) const { return RunTool(arguments, environment); }
+    const Environment& Surroundings() const { return environment; }
+
+private:
+    TemporaryFolder folder;
+    Environment environment;
+};
 
 // The only camera of `settings` has exactly these nodes and its port.
 inline void DescribeWhole(const TemporaryFolder& folder, nlohmann::json& settings, const std::string& nodes)
@@ -45,8 +64,8 @@ inline std::string IntRegisterAt(const std::string& name, int address, const std
            "<Sign>Unsigned</Sign><Endianess>LittleEndian</Endianess></IntReg>";
 }
 
-// An archive with the one file "camera.xml".
-inline std::string ArchiveOf(const std::string& text)
+// An archive with one file.
+inline std::string ArchiveOf(const std::string& text, const std::string& name = "camera.xml")
 {
     std::vector<Bytef> packed(compressBound(text.size()) + 64);
     z_stream stream = {};
@@ -65,7 +84,6 @@ inline std::string ArchiveOf(const std::string& text)
             bytes += static_cast<char>(value >> (8 * i));
         return bytes;
     };
-    const std::string name = "camera.xml";
     const size_t crc = crc32(0, reinterpret_cast<const Bytef*>(text.data()), static_cast<uInt>(text.size()));
     // Version, flags, method, time and date, check sum, sizes, length of the name, no further field.
     const std::string common = number(20, 2) + number(0, 2) + number(8, 2) + number(0, 4) + number(crc, 4) +

@@ -23,21 +23,6 @@ constexpr int usage = 2;
 constexpr int noSuchFeature = 6;
 constexpr int interrupted = 130;
 
-// Runs of the tool on the simulator's camera "cam"; each run meets a camera that is as the settings say.
-class Camera
-{
-public:
-    explicit Camera(const json& settings = OneCamera("Mono8", 64, 48)) : environment(SimulatorWith(folder, settings)) {}
-
-    ToolResult Run(const Arguments& arguments) const { return RunTool(arguments, environment); }
-    const Environment& Surroundings() const { return environment; }
-    const TemporaryFolder& Folder() const { return folder; }
-
-private:
-    TemporaryFolder folder;
-    Environment environment;
-};
-
 // The camera "cam" with these nodes, all of them features.
 class DescribedCamera
 {
@@ -145,6 +130,22 @@ TEST(Set, EveryTypeTakesItsSpellings)
         "IP=192.168.1.20\nMAC=00:1f:2a:03:04:05\n");
     for (const char* wrong : {"IP=1.2.3", "IP=1.2.3.4.5", "IP=1.2.3.256", "MAC=00:11:22:33:44"})
         EXPECT_EQ(addresses.Run({"set", "cam", wrong}).status, failure) << wrong;
+}
+
+TEST(Set, WhatTheFeatureTakesIsTheHint)
+{
+    const DescribedCamera camera(
+        "Listed", "<Integer Name=\"Listed\"><Value>1</Value><Max>9</Max><ValidValueSet>1;3;9</ValidValueSet></Integer>"
+                  "<Integer Name=\"Zero\"><Value>0</Value></Integer>"
+                  "<Enumeration Name=\"Mode\"><EnumEntry Name=\"On\"><pIsAvailable>Zero</pIsAvailable><Value>0</Value>"
+                  "</EnumEntry><Value>0</Value></Enumeration>");
+    EXPECT_THAT(camera.Run({"set", "cam", "Listed=20"}).err, HasSubstr("\nhint: Listed takes 1, 3, 9.\n"));
+    EXPECT_THAT(
+        camera.Run({"set", "cam", "Mode=Off"}).err,
+        HasSubstr("koro: \"Off\" is no value for Mode.\nhint: None can be chosen at this time.\n"));
+    EXPECT_THAT(
+        Camera().Run({"set", "cam", "DeviceUserID=" + std::string(100, 'x')}).err,
+        HasSubstr("\nhint: DeviceUserID takes a text of at most 64 bytes.\n"));
 }
 
 TEST(Set, LockedFeatureIsNotWritten)
@@ -279,6 +280,34 @@ TEST(Describe, TellsEntriesAndSelectors)
         camera.Run({"describe", "cam", "DeviceTemperatureReg"}).out, ContainsRegex("\npolled after +1000 ms\n"));
 }
 
+TEST(Describe, TellsCommandsAndCategories)
+{
+    const Camera camera;
+    EXPECT_THAT(camera.Run({"describe", "cam", "TimestampLatch"}).out, HasSubstr("\ndone                yes\n"));
+    EXPECT_THAT(
+        camera.Run({"describe", "cam", "AnalogControl"}).out, ContainsRegex("\nfeatures +GainSelector, Gain, "));
+    EXPECT_THAT(camera.Run({"describe", "cam", "DeviceUserID"}).out, ContainsRegex("\nlongest text +64 bytes\n"));
+    EXPECT_THAT(
+        camera.Run({"describe", "cam", "LUTValueAll"}).out, ContainsRegex("\nrange +256 bytes\naddress +1536\n"));
+}
+
+TEST(Describe, NamesTheFeatureBehindALock)
+{
+    // The lock itself is no feature; what a person can change stands behind it.
+    const DescribedCamera camera(
+        "Held Lock Other", IntRegisterAt("LockReg", 0) + IntRegisterAt("Deeper", 4) +
+                               "<Integer Name=\"Held\"><pIsLocked>Formula</pIsLocked><Value>1</Value></Integer>"
+                               "<IntSwissKnife Name=\"Formula\"><pVariable Name=\"A\">LockReg</pVariable>"
+                               "<pVariable Name=\"B\">Deeper</pVariable><Formula>A || B</Formula></IntSwissKnife>"
+                               "<Integer Name=\"Lock\"><pValue>LockReg</pValue></Integer>"
+                               "<Integer Name=\"Other\"><pValue>Deeper</pValue></Integer>");
+    const ToolResult result = camera.Run({"describe", "cam", "Held", "--set", "Lock=1", "--json"});
+    ASSERT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(
+        json::parse(result.out).at("notWritable"),
+        json::array({"Held is locked, as Formula is 1 (Lock is 1, Other is 0)."}));
+}
+
 TEST(Describe, NamesTheLockAndItsValue)
 {
     const Camera camera;
@@ -380,6 +409,15 @@ TEST(Watch, WithoutNamesWatchesAllAndPrintsChangesAlone)
     const json change = json::parse(result.out);
     EXPECT_EQ(change.at("name"), "DeviceTemperature");
     EXPECT_TRUE(change.at("seconds").is_number());
+}
+
+TEST(Watch, FeatureThatCannotBeReadIsToldOnce)
+{
+    const DescribedCamera camera("Broken", "<IntSwissKnife Name=\"Broken\"><Formula>1 / 0</Formula></IntSwissKnife>");
+    const ToolResult result =
+        camera.Run({"watch", "cam", "Broken", "--refresh", "--interval", "1", "--duration", "30"});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.out, ContainsRegex("^ +[0-9.]+  Broken=cannot be read: [^\n]+\n$"));
 }
 
 TEST(Watch, InterruptEndsIt)

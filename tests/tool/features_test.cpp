@@ -1,4 +1,4 @@
-// `koro features`, `get` and `xml`: what is read of a camera's features.
+// `koro features` and `get`: what is read of a camera's features.
 #include "tests/tool/described_camera.h"
 #include "tests/tool/simulator_settings.h"
 #include "tests/tool/tool_run.h"
@@ -20,24 +20,6 @@ constexpr int failure = 1;
 constexpr int usage = 2;
 constexpr int noSuchCamera = 3;
 constexpr int noSuchFeature = 6;
-
-// GenTL info commands that a test makes a producer forget or falsify.
-constexpr int registerAddressInfo = 7;
-constexpr int fileSizeInfo = 8;
-constexpr int schemeInfo = 9;
-
-// Runs of the tool on the simulator's camera "cam".
-class Camera
-{
-public:
-    explicit Camera(const json& settings = OneCamera("Mono8", 64, 48)) : environment(SimulatorWith(folder, settings)) {}
-
-    ToolResult Run(const Arguments& arguments) const { return RunTool(arguments, environment); }
-
-private:
-    TemporaryFolder folder;
-    Environment environment;
-};
 
 TEST(Features, ShowACameraAsATree)
 {
@@ -187,6 +169,18 @@ TEST(Features, AbsentDescriptionIsAClearError)
     EXPECT_THAT(result.err, HasSubstr("koro: "));
 }
 
+TEST(Features, CameraThatIsInUseIsShownFromReading)
+{
+    json settings = OneCamera("Mono8", 64, 48);
+    FailCall(settings, "IFOpenDevice", "GC_ERR_RESOURCE_IN_USE");
+    const ToolResult result = Camera(settings).Run({"features", "cam"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.out, ContainsRegex("\n  Width +r-  64 pixel\n"));
+    EXPECT_THAT(
+        result.err, testing::StartsWith("koro: The camera could be opened for reading only, so nothing is writable: "
+                                        "[Function: IFOpenDevice"));
+}
+
 TEST(Features, CameraIsOpenedOnceAndForReading)
 {
     // Another attempt, for control, would fail.
@@ -277,87 +271,6 @@ TEST(Get, NumbersFollowTheirRepresentation)
     EXPECT_EQ(
         Camera(settings).Run({"get", "cam", "HexNumber", "IPV4Address", "MACAddress", "PureNumber", "Tenth"}).out,
         "HexNumber=0xa000102\nIPV4Address=10.0.1.2\nMACAddress=00:00:0a:00:01:02\nPureNumber=167772418\nTenth=0.1\n");
-}
-
-TEST(XML, IsTheDescriptionAndNothingElse)
-{
-    const ToolResult result = Camera().Run({"xml", "cam"});
-    ASSERT_EQ(result.status, 0) << result.err;
-    EXPECT_THAT(result.out, testing::StartsWith("<?xml "));
-    EXPECT_THAT(result.out, testing::ContainsRegex("</RegisterDescription>\n?$"));
-    EXPECT_THAT(Camera().Run({"xml", "cam", "--module", "system"}).out, HasSubstr("Name=\"TLPort\""));
-}
-
-TEST(XML, ComesAsAnArchiveOrExpanded)
-{
-    json settings = OneCamera("Mono8", 64, 48);
-    const Camera plain(settings);
-    settings["interfaces"][0]["cameras"][0]["descriptionForm"] = "zipped";
-    const Camera zipped(settings);
-    const std::string archive = zipped.Run({"xml", "cam"}).out;
-    EXPECT_THAT(archive, testing::StartsWith("PK\x03\x04"));
-    EXPECT_EQ(zipped.Run({"xml", "cam", "--unzip"}).out, plain.Run({"xml", "cam"}).out);
-    EXPECT_EQ(plain.Run({"xml", "cam", "--unzip"}).out, plain.Run({"xml", "cam"}).out);
-}
-
-TEST(XML, BrokenArchivesAreRefused)
-{
-    const std::string broken[] = {
-        "PK\x03\x04", std::string("PK\x03\x04") + std::string(100, 'x'),
-        std::string("PK\x05\x06") + std::string(18, '\0'), std::string("PK\x05\x06") + std::string(18, '\x7f')};
-    for (const std::string& bytes : broken)
-    {
-        json settings = OneCamera("Mono8", 64, 48);
-        const TemporaryFolder folder;
-        settings["interfaces"][0]["cameras"][0]["description"] = folder.MakeFile("camera.zip", bytes);
-        const Camera camera(settings);
-        EXPECT_EQ(camera.Run({"xml", "cam"}).out, bytes);
-        const ToolResult result = camera.Run({"xml", "cam", "--unzip"});
-        EXPECT_EQ(result.status, failure);
-        EXPECT_EQ(result.out, "");
-        EXPECT_THAT(result.err, HasSubstr("koro: The description's archive "));
-    }
-}
-
-TEST(XML, ArchiveThatExpandsBeyondTheLimitIsRefused)
-{
-    json settings = OneCamera("Mono8", 64, 48);
-    const TemporaryFolder folder;
-    settings["interfaces"][0]["cameras"][0]["description"] =
-        folder.MakeFile("camera.zip", ArchiveOf(std::string(size_t{65} << 20, ' ')));
-    const ToolResult result = Camera(settings).Run({"xml", "cam", "--unzip"});
-    EXPECT_EQ(result.status, failure);
-    EXPECT_EQ(result.out, "");
-    EXPECT_EQ(result.err, "koro: The description expands beyond the limit of 64 MiB.\n");
-}
-
-TEST(XML, URLIsChosenByItsNumber)
-{
-    json settings = OneCamera("Mono8", 64, 48);
-    settings["interfaces"][0]["cameras"][0]["descriptionForm"] = "twoURLs";
-    const Camera camera(settings);
-    EXPECT_EQ(camera.Run({"xml", "cam", "--url", "0"}).status, 0);
-    const ToolResult result = camera.Run({"xml", "cam", "--url", "2"});
-    EXPECT_EQ(result.status, failure);
-    EXPECT_EQ(result.err, "koro: The module has 2 descriptions, counted from 0.\n");
-}
-
-TEST(XML, AbsurdSizeIsRefusedBeforeMemoryIsAskedFor)
-{
-    json settings = OneCamera("Mono8", 64, 48);
-    FalsifyInfo(settings, "GCGetPortURLInfo", fileSizeInfo, int64_t{1} << 40);
-    const ToolResult result = Camera(settings).Run({"xml", "cam"});
-    EXPECT_EQ(result.status, failure);
-    EXPECT_THAT(result.err, HasSubstr(" claims 1099511627776 bytes, which is beyond the limit.\n"));
-}
-
-TEST(XML, URLIsTakenApartWhereTheProducerDoesNot)
-{
-    json settings = OneCamera("Mono8", 64, 48);
-    const std::string whole = Camera(settings).Run({"xml", "cam"}).out;
-    for (const int command : {registerAddressInfo, fileSizeInfo, schemeInfo})
-        ForgetInfo(settings, "GCGetPortURLInfo", command);
-    EXPECT_EQ(Camera(settings).Run({"xml", "cam"}).out, whole);
 }
 
 } // namespace
