@@ -63,6 +63,7 @@ void RegisterPart::Resolve()
         if (record.property == Property::pPort) port = dynamic_cast<PortNode*>(node.Map().At(record.node));
         if (record.property == Property::pLength) lengthNode = node.Map().At(record.node);
         if (record.property == Property::Length) fixedLength = record.number;
+        addressTold = addressTold || IsPlace(record.property);
     }
     // A smart feature has no length of its own.
     if (node.Kind() == Element::SmartFeature) fixedLength = 24;
@@ -75,9 +76,10 @@ int64_t RegisterPart::Length(bool verify)
     return length;
 }
 
-int64_t RegisterPart::Address(bool verify)
+int64_t RegisterPart::Address(ReadOptions options)
 {
-    if (addressKnown && !verify) return address;
+    const bool anew = addressTold && (options.verify || options.ignoreCache);
+    if (addressKnown && !anew) return address;
     const Description& source = node.Source();
     int64_t sum = 0;
     bool cachable = true;
@@ -85,9 +87,8 @@ int64_t RegisterPart::Address(bool verify)
     for (const PropertyRecord* record = records.begin(); record != records.end(); ++record)
     {
         if (record->property == Property::Address) sum = Sum(sum, record->number);
-        if (record->property == Property::pAddress)
-            sum = Sum(sum, node.Map().At(record->node)->ReadInteger({verify, false}));
-        if (record->property == Property::pIndex) sum = Sum(sum, IndexPart(record, verify));
+        if (record->property == Property::pAddress) sum = Sum(sum, node.Map().At(record->node)->ReadInteger(options));
+        if (record->property == Property::pIndex) sum = Sum(sum, IndexPart(record, options));
         if (IsPlace(record->property) && node.Map().At(record->node)->CachingMode() == NoCache) cachable = false;
     }
     address = sum;
@@ -96,17 +97,17 @@ int64_t RegisterPart::Address(bool verify)
 }
 
 // Index times offset; the offset stands behind its index, without one it is the length.
-int64_t RegisterPart::IndexPart(const PropertyRecord* record, bool verify)
+int64_t RegisterPart::IndexPart(const PropertyRecord* record, ReadOptions options)
 {
     const Description& source = node.Source();
-    const int64_t index = node.Map().At(record->node)->ReadInteger({verify, false});
+    const int64_t index = node.Map().At(record->node)->ReadInteger(options);
     const bool last = record + 1 == source.PropertiesOf(node.Index()).end();
     if (!last && record[1].property == Property::Offset) return Product(index, record[1].number);
     if (!last && record[1].property == Property::pOffset)
     {
-        return Product(index, node.Map().At(record[1].node)->ReadInteger({verify, false}));
+        return Product(index, node.Map().At(record[1].node)->ReadInteger(options));
     }
-    return Product(index, Length(verify));
+    return Product(index, Length(options.verify));
 }
 
 EAccessMode RegisterPart::Mode() const
@@ -144,11 +145,20 @@ RegisterCache::Block* RegisterPart::Block(int64_t start, int64_t length)
     return block;
 }
 
+// A length that is told by other nodes may have become shorter since the caller asked for it.
+int64_t RegisterPart::LengthFor(int64_t count, bool verify)
+{
+    const int64_t length = Length(verify);
+    if (count <= length) return length;
+    throw RangeError(
+        node, "Length = " + std::to_string(length) + " must be at least " + std::to_string(count) + " by now.");
+}
+
 void RegisterPart::ReadBytes(uint8_t* bytes, int64_t count, ReadOptions options)
 {
     if (count == 0) return;
-    const int64_t start = Address(options.verify);
-    const int64_t length = Length(options.verify);
+    const int64_t start = Address(options);
+    const int64_t length = LengthFor(count, options.verify);
     IPort& connected = port->Connected();
     RegisterCache::Block* cache = Block(start, length);
     if (cache && cache->valid && !options.ignoreCache)
@@ -172,8 +182,8 @@ void RegisterPart::ReadBytes(uint8_t* bytes, int64_t count, ReadOptions options)
 void RegisterPart::WriteBytes(const uint8_t* bytes, int64_t count, bool verify)
 {
     if (count == 0) return;
-    const int64_t start = Address(verify);
-    const int64_t length = Length(verify);
+    const int64_t start = Address({verify, false});
+    const int64_t length = LengthFor(count, verify);
     IPort& connected = port->Connected();
     RegisterCache::Block* cache = Block(start, length);
     const bool known = cache && (cache->valid || count == length) && node.CachingMode() == WriteThrough;

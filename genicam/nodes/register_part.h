@@ -22,7 +22,7 @@ public:
 
     void Resolve();
     // The sum of all address parts. Verified: each part is checked against its limits.
-    int64_t Address(bool verify = false);
+    int64_t Address(ReadOptions options = {});
     int64_t Length(bool verify = false);
     EAccessMode Mode() const;
     ECachingMode Caching(ECachingMode absent) const;
@@ -36,8 +36,10 @@ public:
 private:
     RegisterCache::Block* Block(int64_t address, int64_t length);
     void Release();
+    // The length; RangeError when `count` bytes are more.
+    int64_t LengthFor(int64_t count, bool verify);
     void DropOverlapping(const RegisterCache::Place& place);
-    int64_t IndexPart(const PropertyRecord* record, bool verify);
+    int64_t IndexPart(const PropertyRecord* record, ReadOptions options);
 
     Node& node;
     PortNode* port = nullptr;
@@ -45,6 +47,7 @@ private:
     int64_t fixedLength = 0;
     int64_t address = 0;
     bool addressKnown = false;
+    bool addressTold = false; // by other nodes
     RegisterCache::Block* block = nullptr;
 };
 
@@ -125,7 +128,7 @@ template <class Base>
 int64_t RegisterOf<Base>::GetAddress(bool Verify)
 {
     const Entry entry(*this, "GetAddress");
-    return place.Address(Verify);
+    return place.Address({Verify, false});
 }
 
 } // namespace GENAPI_NAMESPACE::runtime

@@ -60,10 +60,10 @@ void ValueSource<Number>::Resolve(const Node& resolved)
 }
 
 template <class Number>
-typename ValueSource<Number>::Choice& ValueSource<Number>::Chosen()
+typename ValueSource<Number>::Choice& ValueSource<Number>::Chosen(ReadOptions options)
 {
     if (!index) return otherwise;
-    const int64_t wanted = index->ReadInteger({});
+    const int64_t wanted = index->ReadInteger(options);
     for (Choice& choice : choices)
     {
         if (choice.index == wanted) return choice;
@@ -101,7 +101,7 @@ template <class Number>
 Number ValueSource<Number>::Read(ReadOptions options)
 {
     if (main) return ReadFrom<Number>(*main, options);
-    const Choice& choice = Chosen();
+    const Choice& choice = Chosen({false, options.ignoreCache});
     return choice.node ? ReadFrom<Number>(*choice.node, options) : choice.constant;
 }
 

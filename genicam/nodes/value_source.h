@@ -37,7 +37,7 @@ private:
         Number constant;
     };
 
-    Choice& Chosen();
+    Choice& Chosen(ReadOptions options = {});
     const Choice& Chosen() const { return const_cast<ValueSource*>(this)->Chosen(); }
 
     const Node* owner = nullptr;

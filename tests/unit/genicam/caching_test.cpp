@@ -266,4 +266,22 @@ TEST(Ports, SwapNothingInTheNodes)
     }
 }
 
+TEST(Caches, IgnoringThemReachesAddressesAndIndices)
+{
+    SmallMap map(
+        IntReg("Where", "0") + IntReg("Which", "4") +
+        "<IntReg Name=\"There\"><pAddress>Where</pAddress><Length>4</Length><AccessMode>RW</AccessMode>"
+        "<pPort>Device</pPort><Sign>Unsigned</Sign><Endianess>LittleEndian</Endianess></IntReg>"
+        "<Integer Name=\"Chosen\"><pIndex>Which</pIndex><ValueIndexed Index=\"0\">1</ValueIndexed>"
+        "<ValueDefault>2</ValueDefault></Integer>");
+    map.port.bytes = {{0, 0x10}, {0x10, 1}, {0x20, 2}};
+    EXPECT_EQ(map.Integer("There")->GetValue(), 1);
+    EXPECT_EQ(map.Integer("Chosen")->GetValue(), 1);
+    map.port.bytes[0] = 0x20; // by the device itself
+    map.port.bytes[4] = 1;
+    EXPECT_EQ(map.Integer("There")->GetValue(), 1);
+    EXPECT_EQ(map.Integer("There")->GetValue(false, true), 2);
+    EXPECT_EQ(map.Integer("Chosen")->GetValue(false, true), 2);
+}
+
 } // namespace

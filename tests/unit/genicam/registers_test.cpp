@@ -244,4 +244,33 @@ TEST(Registers, BytesSetPastTheNumberAreSeenByTheNumber)
     EXPECT_EQ(map.port.reads, 1);
 }
 
+// The length is a limit behind a knife: the knife is cached, what it is made of is not, and verifying asks it again.
+TEST(Registers, LengthThatShrinksDuringAnAccessIsOutOfRange)
+{
+    SmallMap map(
+        IntReg("Told", "0", "<Cachable>NoCache</Cachable>") +
+        "<Integer Name=\"Limited\"><Value>0</Value><pMax>Told</pMax></Integer><IntSwissKnife "
+        "Name=\"Length\"><pVariable "
+        "Name=\"A.Max\">Limited</pVariable><Formula>A.Max</Formula></IntSwissKnife>"
+        "<StringReg Name=\"Text\"><Address>0x100</Address><pLength>Length</pLength><AccessMode>RW</AccessMode>"
+        "<pPort>Device</pPort></StringReg>" +
+        IntReg("Word", "0x100"));
+    const CStringPtr text = map.Node("Text");
+    const auto shrink = [&] {
+        map.map->InvalidateNodes();
+        map.port.bytes = {{1, 0x10}};
+        EXPECT_EQ(text->GetMaxLength(), 0x1000);
+        map.Integer("Word")->GetValue(); // whose four bytes are cached then
+        map.port.bytes = {{0, 4}};
+    };
+    shrink();
+    EXPECT_THROW(text->GetValue(true), OutOfRangeException);
+    shrink();
+    EXPECT_THROW(text->SetValue(gcstring(2000, 'a')), OutOfRangeException);
+    EXPECT_EQ(map.port.writes, 0);
+    map.map->InvalidateNodes();
+    text->SetValue("abcd");
+    EXPECT_STREQ(text->GetValue(true).c_str(), "abcd");
+}
+
 } // namespace
