@@ -89,6 +89,25 @@ bool ReadLiteral(std::string_view text, int64_t& number)
     return result.ec != std::errc::invalid_argument && result.ptr == digits.data() + digits.size();
 }
 
+// Whether a decimal number lies below 1; from_chars does not tell too small from too large.
+bool IsBelowOne(std::string_view digits)
+{
+    const size_t letter = std::min(digits.find_first_of("eE"), digits.size());
+    const std::string_view mantissa = digits.substr(0, letter);
+    const size_t firstDigit = mantissa.find_first_of("123456789");
+    if (firstDigit == std::string_view::npos) return true;
+    std::string_view written = digits.substr(std::min(letter + 1, digits.size()));
+    if (written.substr(0, 1) == "+") written.remove_prefix(1);
+    int64_t exponent = 0;
+    const std::from_chars_result read = std::from_chars(written.data(), written.data() + written.size(), exponent);
+    if (read.ec == std::errc::result_out_of_range) return written[0] == '-';
+
+    const int64_t point = static_cast<int64_t>(std::min(mantissa.find('.'), mantissa.size()));
+    const int64_t first = static_cast<int64_t>(firstDigit);
+    const int64_t power = first < point ? point - first - 1 : point - first; // of ten, at the first digit that counts
+    return exponent < -power;
+}
+
 bool ReadLiteral(std::string_view text, double& number)
 {
     const bool hex = IsHex(text);
@@ -98,10 +117,7 @@ bool ReadLiteral(std::string_view text, double& number)
         hex ? std::chars_format::hex : std::chars_format::general);
     if (result.ec == std::errc::result_out_of_range)
     {
-        // Too small or too large is not told apart by from_chars.
-        const size_t exponent = digits.find_first_of("eE");
-        const bool small = exponent != std::string_view::npos && digits.substr(exponent + 1, 1) == "-";
-        number = small ? 0 : std::numeric_limits<double>::infinity();
+        number = !hex && IsBelowOne(digits) ? 0 : std::numeric_limits<double>::infinity();
     }
     return result.ec != std::errc::invalid_argument && result.ptr == digits.data() + digits.size();
 }

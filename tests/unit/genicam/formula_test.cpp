@@ -215,6 +215,14 @@ TEST(Formula, LiteralsOfFloats)
     EXPECT_EQ(Real("0X1F"), 31.0);
     EXPECT_TRUE(std::isinf(Real("1e309")));
     EXPECT_EQ(Real("1e-400"), 0.0);
+    const std::string zeros(400, '0');
+    EXPECT_EQ(Real("0." + zeros + "1"), 0.0);
+    EXPECT_EQ(Real("0." + zeros + "1e5"), 0.0);
+    EXPECT_EQ(Real("0e-999999999999999999999"), 0.0);
+    EXPECT_EQ(Real("1e-999999999999999999999"), 0.0);
+    EXPECT_TRUE(std::isinf(Real("1" + zeros)));
+    EXPECT_TRUE(std::isinf(Real("1" + zeros + "e-5")));
+    EXPECT_TRUE(std::isinf(Real("1e+999999999999999999999")));
     EXPECT_THROW(Real(".5"), FormulaError);
     EXPECT_THROW(Real("1e"), FormulaError);
     EXPECT_THROW(Real("1..2"), FormulaError);
