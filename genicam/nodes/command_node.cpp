@@ -43,7 +43,8 @@ void CommandNode::Run(bool verify)
     });
     // A constant, or a place that cannot be read, is done at once.
     busy = source.Target() && IsReadable(AccessMode()) && IsReadable(source.Target()->AccessMode());
-    if (verify) CheckErrors();
+    // While the command is at work its outcome is not known.
+    if (verify && !busy) CheckErrors();
 }
 
 // The reading that sees the end tells all that depends on the command.

@@ -284,4 +284,17 @@ TEST(Categories, AreAsVisibleAsTheirMostVisibleFeature)
     EXPECT_FALSE(map.Node("Device")->IsFeature());
 }
 
+TEST(ErrorNodes, OfACommandAreAskedWhenItIsDone)
+{
+    SmallMap map(
+        "<Enumeration Name=\"E\"><EnumEntry Name=\"Bad\"><Value>1</Value></EnumEntry><Value>1</Value></Enumeration>"
+        "<Command Name=\"Long\"><pError>E</pError><pValue>R</pValue><CommandValue>1</CommandValue></Command>"
+        "<Command Name=\"Short\"><pError>E</pError><Value>0</Value><CommandValue>1</CommandValue></Command>" +
+        IntReg("R", "0"));
+    EXPECT_NO_THROW(CCommandPtr(map.Node("Long"))->Execute());
+    EXPECT_FALSE(CCommandPtr(map.Node("Long"))->IsDone(false));
+    EXPECT_THROW(CCommandPtr(map.Node("Long"))->IsDone(), RuntimeException);
+    EXPECT_THROW(CCommandPtr(map.Node("Short"))->Execute(), RuntimeException);
+}
+
 } // namespace
