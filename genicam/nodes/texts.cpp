@@ -115,7 +115,7 @@ bool ReadInteger(std::string_view text, ERepresentation representation, int64_t&
     const size_t start = text.find_first_not_of(" \t\r\n");
     if (start == std::string_view::npos) return false;
     text.remove_prefix(start);
-    if (text[0] == '+') text.remove_prefix(1);
+    if (text[0] == '+' && text.substr(1, 1) != "-") text.remove_prefix(1);
     if (text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X'))
     {
         uint64_t bits = 0;
@@ -152,7 +152,7 @@ bool ReadReal(std::string_view text, double& value)
     const size_t start = text.find_first_not_of(" \t\r\n");
     if (start == std::string_view::npos) return false;
     text.remove_prefix(start);
-    if (text[0] == '+') text.remove_prefix(1);
+    if (text[0] == '+' && text.substr(1, 1) != "-") text.remove_prefix(1);
     if (text.substr(0, 2) == "0x") text.remove_prefix(2); // no hex: the digits behind it count as they stand
     if (text.empty()) return false;
     const char first = text[text[0] == '-' && text.size() > 1 ? 1 : 0];

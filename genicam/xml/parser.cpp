@@ -86,6 +86,7 @@ private:
     std::string Where() const override;
 
     void StartRoot(std::string_view name, const XmlAttributes& attributes);
+    void Skip(std::string_view name);
     void StartNode(Element element, const XmlAttributes& attributes);
     bool StartChild(std::string_view name, const XmlAttributes& attributes);
     void StartProperty(Property started, const XmlAttributes& attributes);
@@ -113,7 +114,8 @@ private:
     std::string prefix; // what stands before each name: the name space and a separator
     bool entriesMayStandAlone = false;
     std::vector<Open> open;
-    unsigned skipped = 0; // depth inside an element that is left out
+    unsigned skipped = 0;     // depth inside an element that is left out
+    bool inExtension = false; // which is one
 
     std::vector<NodeDraft> drafts; // reused; the first draftCount are at work
     size_t draftCount = 0;
@@ -149,7 +151,7 @@ void Parser::Start(std::string_view name, const XmlAttributes& attributes)
 
     if (open.back() == Open::Node)
     {
-        if (!StartChild(name, attributes)) skipped = 1;
+        if (!StartChild(name, attributes)) Skip(name);
     }
     else if (open.back() == Open::Property)
     {
@@ -166,8 +168,14 @@ void Parser::Start(std::string_view name, const XmlAttributes& attributes)
     }
     else
     {
-        skipped = 1;
+        Skip(name);
     }
+}
+
+void Parser::Skip(std::string_view name)
+{
+    skipped = 1;
+    inExtension = name == "Extension";
 }
 
 // Entries stand inside their enumeration; only the first schema knew them elsewhere.
@@ -325,9 +333,9 @@ void Parser::StartProperty(Property started, const XmlAttributes& attributes)
 
 void Parser::Text(std::string_view part)
 {
-    if (skipped > 0) return;
+    if (skipped > 1 || (skipped == 1 && !inExtension)) return; // an extension itself holds elements only
     const bool key = !open.empty() && open.back() == Open::Node && IsRomKey(Current().element);
-    if (!open.empty() && (open.back() == Open::Property || key))
+    if (skipped == 0 && !open.empty() && (open.back() == Open::Property || key))
     {
         if (part.size() > maxDescriptionSize - text.size()) throw Error("the text is too long");
         text.append(part);

@@ -161,6 +161,8 @@ TEST(Extensions, AreLeftOutWithAllTheyHold)
         "text<Value>3</Value></x:Own></Extension><Value>7</Value></Integer>");
     EXPECT_EQ(map.Integer("A")->GetValue(), 7);
     EXPECT_EQ(Names(*map.map), "A Device");
+    const SmallMap unknown("<Foreign>any text</Foreign>");
+    EXPECT_EQ(Names(*unknown.map), "Device");
 }
 
 TEST(Texts, JoinWhatStandsBetweenCommentsAndKeepTheirBlanks)

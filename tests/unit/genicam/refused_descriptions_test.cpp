@@ -398,4 +398,12 @@ TEST(Booleans, NeedTwoValues)
     }
 }
 
+TEST(Extensions, HoldElementsOnly)
+{
+    const std::string text = "<Extension><Own>text</Own>text</Extension>";
+    EXPECT_THAT(RefusalOfNode(text), HasSubstr("unexpected characters encountered: 'text'"));
+    EXPECT_THAT(RefusalOfNode(Element("Integer", text + value)), HasSubstr("unexpected characters"));
+    EXPECT_EQ(RefusalOfNode("<Extension> <Own>text</Own>\n</Extension>"), accepted);
+}
+
 } // namespace

@@ -67,7 +67,7 @@ TEST(IntegerTexts, ReadingStopsAtTheFirstOtherLetter)
         EXPECT_EQ(Taken(representation, "0x2A"), 42);
         EXPECT_EQ(Taken(representation, "7abc"), 7);
         EXPECT_EQ(Taken(representation, "7.9"), 7);
-        for (const char* const none : {"", "abc", " ", "-"})
+        for (const char* const none : {"", "abc", " ", "-", "+-5", "-+5"})
             EXPECT_THROW(Taken(representation, none), InvalidArgumentException) << none;
     }
 }
@@ -182,7 +182,7 @@ TEST(FloatTexts, AreReadWithPointAndExponent)
     EXPECT_EQ(TakenFloat(".5"), 0.5);
     EXPECT_EQ(TakenFloat("1,5"), 1);
     EXPECT_EQ(TakenFloat("0x10"), 10) << "no hex";
-    for (const char* const none : {"", "inf", "-inf", "nan", "x"})
+    for (const char* const none : {"", "inf", "-inf", "nan", "x", "+-5", "-+5"})
         EXPECT_THROW(TakenFloat(none), InvalidArgumentException) << none;
 }
 
