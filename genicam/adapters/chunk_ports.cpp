@@ -108,16 +108,17 @@ void ChunkPorts::Attach(ChunkWalk& walk, uint8_t* buffer, int64_t maxCopy, Attac
     });
 }
 
+// A reading that fails may follow one that brought another id.
 void ChunkPorts::RefreshIDs()
 {
-    bool changed = false;
     for (CChunkPort* const port : withNodeID)
-        changed = port->data->RefreshID() || changed;
-    if (changed) Sort();
+        groupsFit = !port->data->RefreshID() && groupsFit;
+    if (!groupsFit) Sort();
 }
 
 void ChunkPorts::Sort()
 {
+    groupsFit = false;
     const auto idOf = [](const CChunkPort* port) -> const HexId& { return port->data->id; };
     std::sort(sorted.begin(), sorted.end(), [&](const CChunkPort* a, const CChunkPort* b) {
         if (idOf(a).IsId() != idOf(b).IsId()) return idOf(b).IsId();
@@ -131,6 +132,7 @@ void ChunkPorts::Sort()
         if (groups.empty() || groups.back().id != id.Canonical()) groups.push_back({id.Canonical(), i, i, false, 0, 0});
         groups.back().last = i + 1;
     }
+    groupsFit = true;
 }
 
 // Of two chunks with one id the first in the buffer is the ports'.

@@ -51,6 +51,7 @@ private:
     std::vector<CChunkPort*> withNodeID; // ids that other nodes say
     std::vector<CChunkPort*> sorted;     // by id; those without one first
     std::vector<Group> groups;           // likewise
+    bool groupsFit = false;              // the ids that the ports have now
     std::vector<Node*> affected;         // the port nodes and all that depends on them
     bool bufferAttached = false;
 };

@@ -133,6 +133,38 @@ TEST(ChunkPorts, IDThatCannotBeReadIsNone)
     EXPECT_EQ(map.Integer("A")->GetValue(false, true), 1) << "what was attached stays";
 }
 
+TEST(ChunkPorts, IDThatWasReadBeforeAFailureCountsForTheNextBuffer)
+{
+    const auto textAt = [](const std::string& name, const std::string& address) {
+        return "<StringReg Name=\"" + name + "\"><Address>" + address +
+               "</Address><Length>8</Length><AccessMode>RO</AccessMode><pPort>Device</pPort>"
+               "<Cachable>NoCache</Cachable></StringReg>";
+    };
+    SmallMap map(
+        textAt("FirstText", "0x100") + textAt("SecondText", "0x200") +
+        PortElement("One", "<pChunkID>FirstText</pChunkID>") + PortRegister("A", "One") +
+        PortElement("Two", "<pChunkID>SecondText</pChunkID>") + PortRegister("B", "Two"));
+    map.port.bytes[0x100] = '1';
+    map.port.bytes[0x200] = '2';
+    CChunkAdapterGEV adapter(map.map);
+    const HeapBlock buffer(
+        Chunk(1, Bytes{1, 0, 0, 0}).Add(Chunk(2, Bytes{2, 0, 0, 0})).Add(Chunk(0x132, Bytes{3, 0, 0, 0})));
+    Attach(adapter, buffer);
+    EXPECT_EQ(map.Integer("A")->GetValue(), 1);
+
+    map.port.bytes[0x101] = '3';
+    map.port.bytes[0x102] = '2';
+    int left = 1;
+    map.port.onRead = [&left] {
+        if (left-- == 0) throw std::string("of the device");
+    };
+    EXPECT_THROW(Attach(adapter, buffer), std::string);
+    map.port.onRead = nullptr;
+    Attach(adapter, buffer);
+    EXPECT_EQ(map.Integer("A")->GetValue(), 3);
+    EXPECT_EQ(map.Integer("B")->GetValue(), 2);
+}
+
 TEST(ChunkPorts, AccessOutsideOfTheDataIsRefused)
 {
     const SmallMap map(
