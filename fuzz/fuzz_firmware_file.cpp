@@ -58,8 +58,7 @@ void ReadFile(std::string bytes)
         return true;
     });
     CheckProcedures(procedures);
-    for (const auto& [id, procedure] : procedures)
-        ReadPayloads(file, procedure.steps);
+    VerifyPayloads(file, procedures);
 }
 
 void ReadPackage(const std::string& package)

@@ -16,4 +16,12 @@ Payloads ReadPayloads(const UpdateFile& file, const std::vector<Step>& steps, si
     return payloads;
 }
 
+void VerifyPayloads(const UpdateFile& file, const Procedures& procedures, size_t maxSize)
+{
+    std::vector<Step> steps;
+    for (const auto& [id, procedure] : procedures)
+        steps.insert(steps.end(), procedure.steps.begin(), procedure.steps.end());
+    ReadPayloads(file, steps, maxSize);
+}
+
 } // namespace GENAPI_NAMESPACE::runtime

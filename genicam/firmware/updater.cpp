@@ -75,9 +75,7 @@ void CFirmwareUpdater::VerifyGufFile(const gcstring& Filename)
 {
     const std::string path = PathOf(Filename);
     const runtime::UpdateFile file(path);
-    const auto procedures = runtime::ReadUpdates(file, path, {}, [](runtime::UpdateRecord&&) { return true; });
-    for (const auto& [id, procedure] : procedures)
-        runtime::ReadPayloads(file, procedure.steps);
+    runtime::VerifyPayloads(file, runtime::ReadUpdates(file, path, {}, [](runtime::UpdateRecord&&) { return true; }));
 }
 
 } // namespace GENAPI_NAMESPACE

@@ -366,6 +366,24 @@ TEST(Payloads, AreBoundedTogetherAndReadOnce)
         "the entry 'b.bin' claims 3 bytes; at most 2 are taken");
 }
 
+TEST(Payloads, OfAllProceduresAreVerifiedTogether)
+{
+    using namespace GENAPI_NAMESPACE::runtime;
+    const auto upload = [](const std::string& name, const std::string& id) {
+        const std::string deviceFile = "<DeviceFileName>Firmware</DeviceFileName>";
+        return koro::test::Procedure(
+            koro::test::Step("FileUpload", deviceFile + "<FileName>" + name + "</FileName>"), id);
+    };
+    const std::string rules = upload("a.bin", "P") + upload("a.bin", "Q") + upload("b.bin", "R") + Update();
+    const UpdateFile file("update.guf", Container(Package(Control(rules), {{"a.bin", "aaa"}, {"b.bin", "bbb"}})));
+    const Procedures procedures =
+        ParseControlFile(file.ControlFile(), [](const UpdateRules&, const Procedures&) { return true; });
+    EXPECT_EQ(procedures.size(), 3u);
+    EXPECT_EQ(Thrown([&] { VerifyPayloads(file, procedures, 6); }), "nothing");
+    EXPECT_THAT(
+        Thrown([&] { VerifyPayloads(file, procedures, 5); }), testing::EndsWith("claims 3 bytes; at most 2 are taken"));
+}
+
 TEST(UpdateFile, ExceptionsDoNotNameTheirType)
 {
     using namespace GENICAM_NAMESPACE;
