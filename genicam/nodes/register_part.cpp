@@ -186,7 +186,7 @@ void RegisterPart::WriteBytes(const uint8_t* bytes, int64_t count, bool verify)
     const int64_t length = LengthFor(count, verify);
     IPort& connected = port->Connected();
     RegisterCache::Block* cache = Block(start, length);
-    const bool known = cache && (cache->valid || count == length) && node.CachingMode() == WriteThrough;
+    bool known = cache && (cache->valid || count == length) && node.CachingMode() == WriteThrough;
     // What was read on the way here is from before the write.
     const auto outdate = [&] {
         node.Map().DropDependents(node);
@@ -200,6 +200,7 @@ void RegisterPart::WriteBytes(const uint8_t* bytes, int64_t count, bool verify)
     { // so is what the port itself has asked for; it may also have moved the register
         cache = Block(start, length);
         outdate();
+        known = known && count == length; // the other bytes may be gone
     }
     if (!known) return;
     cache->bytes.resize(static_cast<size_t>(length));

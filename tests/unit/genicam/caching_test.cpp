@@ -248,6 +248,16 @@ TEST(Caches, SurviveAPortThatMovesTheRegisterMeanwhile)
     EXPECT_EQ(map.Integer("R")->GetValue(), 5);
     map.Integer("I")->SetValue(1);
     EXPECT_EQ(map.Integer("R")->GetValue(), 4);
+
+    map.Integer("I")->SetValue(0);
+    map.port.bytes[1] = 7;
+    map.map->InvalidateNodes();
+    EXPECT_EQ(map.Integer("R")->GetValue(), 0x705);
+    map.port.onWrite = move;
+    const uint8_t first = 6;
+    CRegisterPtr(map.Node("R"))->Set(&first, 1);
+    map.port.onWrite = nullptr;
+    EXPECT_EQ(map.Integer("R")->GetValue(), 0x706) << "the bytes that were not written stay";
 }
 
 TEST(Ports, SwapNothingInTheNodes)
