@@ -1,6 +1,9 @@
 #include "acquisition/buffer.h"
 
+#include "acquisition/buffer_chunk.h"
+#include "acquisition/buffer_part.h"
 #include "base/expiring.h"
+#include "gentl/bounds.h"
 
 namespace koro::internal
 {
@@ -160,6 +163,75 @@ std::string Buffer::FileName() const
 bool Buffer::HasChunks() const
 {
     return BooleanInfo(BUFFER_INFO_CONTAINS_CHUNKDATA);
+}
+
+bool Buffer::HasParts() const
+{
+    return NumParts() != 0;
+}
+
+void Buffer::UpdateChunks()
+{
+    WithStandardExceptionsAsInternalErrors([&] {
+        const auto stream = ParentStream();
+        std::size_t count = 0;
+        gentl.Call<&GenTLProxy::DSGetBufferChunkData>(
+            stream->Handle(), Handle(), static_cast<SINGLE_CHUNK_DATA*>(nullptr), &count);
+        CheckClaim(chunksBound, count, gentl.Proxy()->DSGetBufferChunkData.Name());
+
+        std::vector<SINGLE_CHUNK_DATA> records(count);
+        gentl.Call<&GenTLProxy::DSGetBufferChunkData>(stream->Handle(), Handle(), records.data(), &count);
+
+        std::vector<std::shared_ptr<BufferChunk>> newChunks;
+        newChunks.reserve(records.size());
+        // Of all records, also when fewer were delivered than told of: those that are left are zero.
+        for (const auto& record : records)
+            newChunks.push_back(std::make_shared<BufferChunk>(record, WeakSelf()));
+
+        const std::lock_guard lock(chunksLock);
+        chunks.swap(newChunks); // the old ones go after the lock
+    });
+}
+
+void Buffer::UpdateParts()
+{
+    WithStandardExceptionsAsInternalErrors([&] {
+        const std::uint32_t count = NumParts();
+        CheckClaim(partsBound, count, gentl.Proxy()->DSGetNumBufferParts.Name());
+
+        std::vector<std::shared_ptr<BufferPart>> newParts;
+        newParts.reserve(count);
+        for (std::uint32_t index = 0; index < count; ++index)
+            newParts.push_back(std::make_shared<BufferPart>(index, WeakSelf(), gentl.Proxy()));
+
+        const std::lock_guard lock(partsLock);
+        parts.swap(newParts);
+    });
+}
+
+std::vector<std::shared_ptr<BufferChunk>> Buffer::Chunks() const
+{
+    const std::lock_guard lock(chunksLock);
+    return chunks;
+}
+
+std::vector<std::shared_ptr<BufferPart>> Buffer::Parts() const
+{
+    const std::lock_guard lock(partsLock);
+    return parts;
+}
+
+std::uint32_t Buffer::NumParts() const
+{
+    const auto stream = ParentStream();
+    std::uint32_t count = 0;
+    gentl.Call<&GenTLProxy::DSGetNumBufferParts>(stream->Handle(), Handle(), &count);
+    return count;
+}
+
+std::weak_ptr<Buffer> Buffer::WeakSelf()
+{
+    return std::static_pointer_cast<Buffer>(shared_from_this());
 }
 
 std::size_t Buffer::SizeInfo(std::int32_t command) const

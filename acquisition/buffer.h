@@ -1,8 +1,8 @@
 // Buffer: one GenTL buffer of a data stream; every question about it goes to the producer at that moment.
 //
 // The image's memory belongs to whoever announced it and is never touched here. Owned by the stream and by the
-// handle table until it is revoked; holds the stream weakly. Every operation throws InternalErrorException once the
-// stream has gone or the buffer was revoked. Any thread.
+// handle table until it is revoked; holds the stream weakly. Every operation that asks the producer throws
+// InternalErrorException once the stream has gone or the buffer was revoked. Any thread.
 #pragma once
 
 #include "acquisition/data_stream.h"
@@ -15,9 +15,13 @@
 #include <mutex>
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 namespace koro::internal
 {
+
+class BufferChunk;
+class BufferPart;
 
 class Buffer final : public TGenTLInfoAccessor<GenTL::BUFFER_INFO_CMD_LIST>, public EventSupportingModule
 {
@@ -58,6 +62,15 @@ public:
     std::uint64_t ChunkLayoutID() const;
     std::string FileName() const;
     bool HasChunks() const;
+    // Throws NoDataException where the producer says so.
+    bool HasParts() const;
+
+    // Nothing else refreshes the two lists: until then they tell of what the buffer held before.
+    void UpdateChunks();
+    void UpdateParts();
+    // In the producer's order, which is not asked. Empty before the first update.
+    std::vector<std::shared_ptr<BufferChunk>> Chunks() const;
+    std::vector<std::shared_ptr<BufferPart>> Parts() const;
 
     // Kept until the revocation; an entry with the same key stays as it is. An empty function is allowed.
     void AddRevocationCallback(const void* callbackKey, RevocationCallback callback);
@@ -75,11 +88,18 @@ private:
 
     std::size_t SizeInfo(std::int32_t command) const;
     std::uint64_t NumberInfo(std::int32_t command) const;
+    std::uint32_t NumParts() const;
+    std::weak_ptr<Buffer> WeakSelf();
 
     const std::weak_ptr<DataStream> parent;
     std::atomic<bool> revoked{false}; // from then on the parent counts as gone
     std::mutex revocationLock;        // guards the callbacks; held while they run
     std::unordered_map<const void*, RevocationCallback> revocationCallbacks;
+
+    mutable std::mutex chunksLock; // both guard the swap and the copying of their list alone
+    std::vector<std::shared_ptr<BufferChunk>> chunks;
+    mutable std::mutex partsLock;
+    std::vector<std::shared_ptr<BufferPart>> parts;
 };
 
 } // namespace koro::internal

@@ -1,10 +1,37 @@
 #include "acquisition/buffer.h"
 
+#include "acquisition/buffer_chunk.h"
+#include "acquisition/buffer_part.h"
 #include "acquisition/data_stream.h"
+#include "base/exceptions.h"
 #include "capi/arguments.h"
 #include <koro/buffer.h>
 
+#include <functional>
+#include <stdexcept>
+
 using namespace koro::internal;
+
+namespace
+{
+
+// An element of a list that the buffer remembers. The text and the order of the tests are not those of other lists;
+// kept, since they do not change.
+template <class Element, class List>
+KORO_ReturnCode GetRemembered(
+    const NamedArgument<KORO_BufferHandle>& handle, std::size_t index, const NamedArgument<HandleOf<Element>*>& output,
+    List&& list)
+{
+    return WithObject(handle, [&](const auto& buffer) {
+        const auto elements = std::invoke(list, *buffer);
+        if (index >= elements.size()) throw std::out_of_range("invalid vector subscript");
+        if (!output.value) return InvalidPointer(output);
+        *output.value = Table<Element>().Add(elements[index], buffer);
+        return success;
+    });
+}
+
+} // namespace
 
 KORO_ReturnCode KORO_Buffer_GetBasePtr(KORO_BufferHandle bufferHandle, void** basePtr)
 {
@@ -156,6 +183,54 @@ KORO_ReturnCode KORO_Buffer_GetFileName(KORO_BufferHandle bufferHandle, char* fi
 KORO_ReturnCode KORO_Buffer_GetHasChunks(KORO_BufferHandle bufferHandle, KORO_Bool8* hasChunks)
 {
     return GetScalar(KORO_ARG(bufferHandle), KORO_ARG(hasChunks), &Buffer::HasChunks);
+}
+
+KORO_ReturnCode KORO_Buffer_GetHasParts(KORO_BufferHandle bufferHandle, KORO_Bool8* hasParts)
+{
+    return GetScalar(KORO_ARG(bufferHandle), KORO_ARG(hasParts), [](const auto& buffer) {
+        try
+        {
+            return buffer.HasParts();
+        }
+        catch (const NoDataException&)
+        {
+            return false; // for this question an answer, for an update a failure
+        }
+    });
+}
+
+KORO_ReturnCode KORO_Buffer_UpdateChunks(KORO_BufferHandle bufferHandle)
+{
+    return Perform(KORO_ARG(bufferHandle), &Buffer::UpdateChunks);
+}
+
+KORO_ReturnCode KORO_Buffer_UpdateParts(KORO_BufferHandle bufferHandle)
+{
+    return Perform(KORO_ARG(bufferHandle), &Buffer::UpdateParts);
+}
+
+KORO_ReturnCode KORO_Buffer_GetNumChunks(KORO_BufferHandle bufferHandle, size_t* numChunks)
+{
+    return GetScalar(
+        KORO_ARG(bufferHandle), KORO_ARG(numChunks), [](const auto& buffer) { return buffer.Chunks().size(); });
+}
+
+KORO_ReturnCode KORO_Buffer_GetChunk(
+    KORO_BufferHandle bufferHandle, size_t index, KORO_BufferChunkHandle* bufferChunkHandle)
+{
+    return GetRemembered<BufferChunk>(KORO_ARG(bufferHandle), index, KORO_ARG(bufferChunkHandle), &Buffer::Chunks);
+}
+
+KORO_ReturnCode KORO_Buffer_GetNumParts(KORO_BufferHandle bufferHandle, size_t* numParts)
+{
+    return GetScalar(
+        KORO_ARG(bufferHandle), KORO_ARG(numParts), [](const auto& buffer) { return buffer.Parts().size(); });
+}
+
+KORO_ReturnCode KORO_Buffer_GetPart(
+    KORO_BufferHandle bufferHandle, size_t index, KORO_BufferPartHandle* bufferPartHandle)
+{
+    return GetRemembered<BufferPart>(KORO_ARG(bufferHandle), index, KORO_ARG(bufferPartHandle), &Buffer::Parts);
 }
 
 KORO_ReturnCode KORO_Buffer_GetInfo(

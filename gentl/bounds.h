@@ -17,6 +17,8 @@ inline constexpr ClaimBound informationBound{"information bytes", 16u << 20};
 inline constexpr ClaimBound textBound{"text bytes", 16u << 20};
 inline constexpr ClaimBound eventBlockBound{"event block bytes", 256u << 20};
 inline constexpr ClaimBound descriptionBound{"description bytes", 256u << 20};
+inline constexpr ClaimBound chunksBound{"chunks of one buffer", 65536};
+inline constexpr ClaimBound partsBound{"parts of one buffer", 65536};
 inline constexpr ClaimBound childrenBound{"children of one module", 65536};
 
 // Throws when `claimed` lies above the bound; `function` is the GenTL function that made the claim.

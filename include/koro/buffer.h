@@ -1,9 +1,9 @@
 /*
  * An announced buffer of a data stream: memory, and what the producer says of the data in it.
  *
- * The handle comes from the announcement and ends with KORO_DataStream_RevokeBuffer or the stream. Nothing is kept:
- * each query asks the producer at that moment, and fails with KORO_RETURN_CODE_ERROR where the producer or the payload
- * has no answer; the text tells the producer's code. Any thread.
+ * The handle comes from the announcement and ends with KORO_DataStream_RevokeBuffer or the stream. Nothing is kept but
+ * the lists of chunks and parts: each query asks the producer at that moment, and fails with KORO_RETURN_CODE_ERROR
+ * where the producer or the payload has no answer; the text tells the producer's code. Any thread.
  */
 #ifndef KORO_BUFFER_H
 #define KORO_BUFFER_H
@@ -172,6 +172,51 @@ KORO_API KORO_ReturnCode KORO_Buffer_GetFileName(KORO_BufferHandle bufferHandle,
 
 /** Tells whether the buffer holds chunk data. */
 KORO_API KORO_ReturnCode KORO_Buffer_GetHasChunks(KORO_BufferHandle bufferHandle, KORO_Bool8* hasChunks);
+
+/**
+ * Tells whether the buffer holds parts: several images or data blocks. 0 also when the producer has no data on that.
+ */
+KORO_API KORO_ReturnCode KORO_Buffer_GetHasParts(KORO_BufferHandle bufferHandle, KORO_Bool8* hasParts);
+
+/**
+ * Reads the list of chunks anew. To be called for each image of which chunks are wanted: nothing else refreshes the
+ * list, and queueing the buffer does not empty it. Handles of chunks from before stay valid and keep what they tell.
+ * @return KORO_RETURN_CODE_NO_DATA when the producer says that there are none; a failure leaves the list as it was
+ */
+KORO_API KORO_ReturnCode KORO_Buffer_UpdateChunks(KORO_BufferHandle bufferHandle);
+
+/**
+ * Reads the number of parts anew. To be called for each image of which parts are wanted: nothing else refreshes the
+ * list, and queueing the buffer does not empty it. Handles of parts from before stay valid and answer for their index.
+ * @return KORO_RETURN_CODE_NO_DATA when the producer says that there are none; a failure leaves the list as it was
+ */
+KORO_API KORO_ReturnCode KORO_Buffer_UpdateParts(KORO_BufferHandle bufferHandle);
+
+/** Gives the number of chunks at the last update, 0 before it. No producer call. */
+KORO_API KORO_ReturnCode KORO_Buffer_GetNumChunks(KORO_BufferHandle bufferHandle, size_t* numChunks);
+
+/**
+ * Gives one chunk of the list, in the producer's order. The same handle each time until the next update. No producer
+ * call.
+ * @param[in]  index             0 to the number of chunks less 1
+ * @param[out] bufferChunkHandle ends with KORO_BufferChunk_Destruct, or with the buffer
+ * @return KORO_RETURN_CODE_ERROR for an index beyond the list
+ */
+KORO_API KORO_ReturnCode
+KORO_Buffer_GetChunk(KORO_BufferHandle bufferHandle, size_t index, KORO_BufferChunkHandle* bufferChunkHandle);
+
+/** Gives the number of parts at the last update, 0 before it. No producer call. */
+KORO_API KORO_ReturnCode KORO_Buffer_GetNumParts(KORO_BufferHandle bufferHandle, size_t* numParts);
+
+/**
+ * Gives one part of the list, in the producer's order. The same handle each time until the next update. No producer
+ * call.
+ * @param[in]  index            0 to the number of parts less 1
+ * @param[out] bufferPartHandle ends with KORO_BufferPart_Destruct, or with the buffer
+ * @return KORO_RETURN_CODE_ERROR for an index beyond the list
+ */
+KORO_API KORO_ReturnCode
+KORO_Buffer_GetPart(KORO_BufferHandle bufferHandle, size_t index, KORO_BufferPartHandle* bufferPartHandle);
 
 /**
  * Gives any information of the buffer as raw bytes.

@@ -27,6 +27,8 @@
 
 #include <koro/boolean_node.h>
 #include <koro/buffer.h>
+#include <koro/buffer_chunk.h>
+#include <koro/buffer_part.h>
 #include <koro/category_node.h>
 #include <koro/command_node.h>
 #include <koro/data_stream.h>

@@ -145,6 +145,8 @@ public:
         Require(KORO_DataStream_StartAcquisitionInfinite(tree.stream, 0));
         producer->Deliver("if0-dev0-stream0", FrameThatAnswersAll());
         Require(KORO_DataStream_WaitForFinishedBuffer(tree.stream, 0, &buffer));
+        Require(KORO_Buffer_UpdateChunks(buffer));
+        Require(KORO_Buffer_UpdateParts(buffer));
 
         const auto module = Get<KORO_ModuleHandle>(KORO_System_ToModule, tree.system);
         const auto port = Get<KORO_PortHandle>(KORO_Module_GetPort, module);
@@ -169,6 +171,8 @@ public:
         Enter("KORO_DataStreamDescriptorHandle", tree.streamDescriptor);
         Enter("KORO_DataStreamHandle", tree.stream);
         Enter("KORO_BufferHandle", buffer);
+        Enter("KORO_BufferChunkHandle", Get<KORO_BufferChunkHandle>(KORO_Buffer_GetChunk, buffer, std::size_t{0}));
+        Enter("KORO_BufferPartHandle", Get<KORO_BufferPartHandle>(KORO_Buffer_GetPart, buffer, std::size_t{0}));
         Enter("KORO_ModuleHandle", module);
         Enter(
             "KORO_ModuleDescriptorHandle",
@@ -223,7 +227,26 @@ private:
             {GenTL::BUFFER_INFO_FILENAME, scripted::Text("file")},
             {GenTL::BUFFER_INFO_PIXEL_ENDIANNESS, scripted::Int32(GenTL::PIXELENDIANNESS_LITTLE)},
         };
+        frame.chunks = {{1, 0, 1}};
+        frame.parts = {PartThatAnswersAll()};
         return frame;
+    }
+
+    static scripted::Infos PartThatAnswersAll()
+    {
+        using namespace GenTL;
+        scripted::Infos part = {
+            {BUFFER_PART_INFO_BASE, scripted::Pointer(nullptr)},
+            {BUFFER_PART_INFO_DATA_FORMAT, scripted::UInt64(0)},
+            {BUFFER_PART_INFO_DATA_FORMAT_NAMESPACE, scripted::UInt64(0)},
+            {BUFFER_PART_INFO_SOURCE_ID, scripted::UInt64(0)},
+        };
+        for (const auto command :
+             {BUFFER_PART_INFO_DATA_SIZE, BUFFER_PART_INFO_DATA_TYPE, BUFFER_PART_INFO_WIDTH, BUFFER_PART_INFO_HEIGHT,
+              BUFFER_PART_INFO_XOFFSET, BUFFER_PART_INFO_YOFFSET, BUFFER_PART_INFO_XPADDING,
+              BUFFER_PART_INFO_DELIVERED_IMAGEHEIGHT})
+            part[command] = scripted::Size(0);
+        return part;
     }
 
     template <class Handle>
