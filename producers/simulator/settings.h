@@ -42,8 +42,7 @@ struct CameraSettings
     SourceKind source = SourceKind::Pattern;
     std::filesystem::path folder; // for SourceKind::Folder
 
-    // The one place of the default: false lets cameras stay silent until AcquisitionStart is executed.
-    bool startWithStream = true;
+    bool startWithStream = false; // true: need no AcquisitionStart
     DescriptionForm descriptionForm = DescriptionForm::Plain;
     std::filesystem::path description;     // somebody else's, over a memory without meaning; empty: the camera's own
     std::size_t longestCommand = 1024;     // bytes, GevGVCPCMDLength

@@ -5,6 +5,7 @@
 #include "tests/support/scripted_producer.h"
 
 #include <gtest/gtest.h>
+#include <string_view>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -136,7 +137,20 @@ protected:
             Require(KORO_DataStream_QueueBuffer(tree.stream, buffer));
     }
 
-    void Start() const { Require(KORO_DataStream_StartAcquisitionInfinite(tree.stream, KORO_ACQ_START_FLAGS_DEFAULT)); }
+    void Start() const
+    {
+        Require(KORO_DataStream_StartAcquisitionInfinite(tree.stream, KORO_ACQ_START_FLAGS_DEFAULT));
+        StartCamera();
+    }
+
+    void StartCamera() const
+    {
+        constexpr std::string_view name = "AcquisitionStart";
+        const auto module = Get<KORO_ModuleHandle>(KORO_RemoteDevice_ToModule, tree.remoteDevice);
+        const auto features = Get<KORO_NodeMapHandle>(KORO_Module_GetNodeMap, module, std::size_t{0});
+        const auto node = Get<KORO_NodeHandle>(KORO_NodeMap_FindNode, features, name.data(), name.size() + 1);
+        Require(KORO_CommandNode_Execute(Get<KORO_CommandNodeHandle>(KORO_Node_ToCommandNode, node)));
+    }
 
     KORO_BufferHandle NextFrame() const
     {
@@ -221,6 +235,7 @@ TEST_P(FirstPicture, CountedAcquisitionEndsByItself)
     AnnounceMemory();
     QueueAll();
     Require(KORO_DataStream_StartAcquisition(tree.stream, KORO_ACQ_START_FLAGS_DEFAULT, 3));
+    StartCamera();
     for (int frame = 0; frame < 3; ++frame)
         NextFrame();
     KORO_BufferHandle buffer = nullptr;

@@ -411,11 +411,12 @@ TEST(SimulatorLocks, ARunningAcquisitionLocksToo)
     const Scene scene;
     scene.tree.Announce();
     scene.tree.Start();
+    scene.map.Execute("AcquisitionStart");
     EXPECT_EQ(scene.map.Access("Width"), GenApi::RO);
     EXPECT_EQ(scene.map.Text("TLParamsLocked"), "1") << "the camera set it";
     scene.map.Set("TLParamsLocked", "0");
     EXPECT_EQ(scene.map.Text("TLParamsLocked"), "1") << "images are still taken";
-    ASSERT_EQ(scene.producer.DSStopAcquisition(scene.tree.stream, ACQ_STOP_FLAGS_DEFAULT), GC_ERR_SUCCESS);
+    scene.map.Execute("AcquisitionStop");
     EXPECT_EQ(scene.map.Access("Width"), GenApi::RW);
     EXPECT_EQ(scene.map.Text("TLParamsLocked"), "0");
 }

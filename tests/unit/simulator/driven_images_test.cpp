@@ -17,7 +17,7 @@ constexpr std::size_t sensorHeight = 32;
 std::string CameraOf(const std::string& keys)
 {
     return R"({"interfaces": [{"id": "I", "tlType": "U3V", "cameras": [
-        {"serial": "A", "width": 48, "height": 32, "rate": 0)" +
+        {"serial": "A", "width": 48, "height": 32, "startWithStream": true, "rate": 0)" +
            keys + "}]}]}";
 }
 

@@ -20,7 +20,7 @@ constexpr std::uint64_t stopRegister = 0x408;
 std::string Settings()
 {
     return R"({"interfaces": [{"id": "I", "tlType": "U3V", "cameras": [
-        {"serial": "A", "width": 64, "height": 8, "rate": 0}]}]})";
+        {"serial": "A", "width": 64, "height": 8, "startWithStream": true, "rate": 0}]}]})";
 }
 
 GC_ERROR Write(const Tree& tree, std::uint64_t address, std::uint32_t value)
@@ -104,7 +104,7 @@ TEST(SimulatorThreads, CameraIsStartedAndStoppedUnderARunningStream)
 TEST(SimulatorThreads, PacedImagesKeepTheirTimeWhileTheCameraIsWritten)
 {
     const Producer producer(R"({"interfaces": [{"id": "I", "tlType": "U3V", "cameras": [
-        {"serial": "A", "width": 64, "height": 8, "rate": 1000}]}]})");
+        {"serial": "A", "width": 64, "height": 8, "startWithStream": true, "rate": 1000}]}]})");
     const Tree tree(producer);
     tree.Announce();
     tree.Start();

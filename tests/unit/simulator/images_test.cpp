@@ -135,7 +135,8 @@ Component ComponentAt(const Format& format, std::size_t x, std::size_t y, std::s
 
 std::string CameraOf(const std::string& keys)
 {
-    return R"({"interfaces": [{"id": "I", "cameras": [{"serial": "A", "rate": 0, )" + keys + "}]}]}";
+    return R"({"interfaces": [{"id": "I", "cameras": [{"serial": "A", "startWithStream": true, "rate": 0, )" + keys +
+           "}]}]}";
 }
 
 std::string ShapeKeys(const std::string& format)

@@ -13,7 +13,7 @@ namespace GenApi = GENAPI_NAMESPACE;
 
 constexpr const char* twoInterfaces = R"({"interfaces": [
     {"id": "G", "displayName": "Gigabit", "tlType": "GEV", "cameras": [
-        {"serial": "A", "userName": "left", "rate": 0, "width": 16, "height": 4},
+        {"serial": "A", "userName": "left", "rate": 0, "startWithStream": true, "width": 16, "height": 4},
         {"serial": "B", "model": "Other"}]},
     {"id": "U", "tlType": "U3V"}]})";
 

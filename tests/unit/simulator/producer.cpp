@@ -34,7 +34,7 @@ void* Load(const std::string& settings)
 std::string PacedCamera(double rate, const std::string& extra)
 {
     return R"({"interfaces": [{"id": "I", "tlType": "GEV", "cameras": [{"serial": "A", "userName": "left", "width": 16,
-        "height": 4, "rate": )" +
+        "height": 4, "startWithStream": true, "rate": )" +
            std::to_string(rate) + "}]}]" + extra + "}";
 }
 

@@ -128,7 +128,8 @@ TEST(SimulatorSettings, AreReadAgainAtTheNextInit)
 
 TEST(SimulatorSettings, AllCamerasOverridesTheBuiltInOnes)
 {
-    const Producer producer(R"({"allCameras": {"rate": 0, "width": 8, "height": 2, "pixelFormat": "Mono16"}})");
+    const Producer producer(R"({"allCameras": {
+        "startWithStream": true, "rate": 0, "width": 8, "height": 2, "pixelFormat": "Mono16"}})");
     const Tree tree(producer, "SimU3V", "KS0003");
     EXPECT_EQ(tree.StreamInfo<std::size_t>(STREAM_INFO_PAYLOAD_SIZE), 32U);
     tree.Announce();

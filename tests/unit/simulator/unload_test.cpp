@@ -82,7 +82,8 @@ TEST(SimulatorUnload, UnloadingAnOpenLibraryStopsItsThreads)
     const std::ptrdiff_t before = NumThreads();
     {
         const Producer producer(
-            R"({"misbehaviour": {"calls": [{"function": "GCCloseLib", "count": "every", "error": "GC_ERR_BUSY"}]}})");
+            R"({"allCameras": {"startWithStream": true},
+                "misbehaviour": {"calls": [{"function": "GCCloseLib", "count": "every", "error": "GC_ERR_BUSY"}]}})");
         const Tree tree(producer, "SimGEV", "KS0001");
         tree.Announce();
         tree.Start();
