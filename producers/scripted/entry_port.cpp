@@ -37,9 +37,17 @@ char* RegistersAt(Port& port, std::uint64_t address, std::size_t size)
 
 GC_ERROR Read(Port& port, std::uint64_t address, void* buffer, std::size_t size)
 {
-    const char* registers = RegistersAt(port, address, size);
-    if (!registers) return GC_ERR_INVALID_ADDRESS;
-    std::memcpy(buffer, registers, size);
+    if (const char* registers = RegistersAt(port, address, size))
+    {
+        std::memcpy(buffer, registers, size);
+        return GC_ERR_SUCCESS;
+    }
+    if (!port.unwritten) return GC_ERR_INVALID_ADDRESS;
+    for (std::size_t offset = 0; offset < size; ++offset)
+    {
+        const char* byte = RegistersAt(port, address + offset, 1);
+        static_cast<char*>(buffer)[offset] = byte ? *byte : port.unwritten(address + offset);
+    }
     return GC_ERR_SUCCESS;
 }
 

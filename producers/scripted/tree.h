@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -89,6 +90,8 @@ struct Port
     Infos info;
     std::vector<Infos> urls;
     std::map<std::uint64_t, std::string> registers; // address of the first byte, bytes
+    // What an address reads as that lies in none of them. Without it: the transfer fails, as all writes there do.
+    std::function<char(std::uint64_t)> unwritten;
 };
 
 struct Stream
