@@ -322,7 +322,7 @@ TEST(KoroSimulator, PicturesStreamThroughTheFace)
     ASSERT_EQ(size, 640u * 480u);
     for (int i = 0; i < 4; ++i)
         tree.stream.QueueBuffer(tree.stream.AllocAndAnnounceBuffer(size));
-    tree.stream.StartAcquisition();
+    koro::Acquisition acquisition(tree.stream, tree.device.RemoteDevice().NodeMap());
     uint64_t last = 0;
     for (int i = 0; i < 3; ++i)
     {
@@ -334,7 +334,7 @@ TEST(KoroSimulator, PicturesStreamThroughTheFace)
         last = buffer.FrameID();
         tree.stream.QueueBuffer(buffer);
     }
-    tree.stream.StopAcquisition();
+    acquisition.Stop();
 }
 
 } // namespace
