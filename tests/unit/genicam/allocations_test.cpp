@@ -1,34 +1,9 @@
 // What reading and writing values allocates: this program counts every operator new.
+#include "tests/unit/genicam/counted_new.h"
 #include "tests/unit/genicam/small_map.h"
 
-#include <cstdlib>
 #include <gtest/gtest.h>
-#include <new>
 #include <string>
-
-namespace
-{
-
-std::size_t allocations = 0;
-
-} // namespace
-
-void* operator new(std::size_t size)
-{
-    ++allocations;
-    if (void* const memory = std::malloc(size ? size : 1)) return memory;
-    throw std::bad_alloc();
-}
-
-void operator delete(void* memory) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete(void* memory, std::size_t) noexcept
-{
-    std::free(memory);
-}
 
 namespace
 {
@@ -59,10 +34,10 @@ template <class Act>
 std::size_t AllocationsOf(const Act& act)
 {
     act(); // the first time fills caches and compiles formulas
-    const std::size_t before = allocations;
+    const std::size_t before = koro::test::AllocationsSoFar().calls;
     for (int i = 0; i < 10; ++i)
         act();
-    return allocations - before;
+    return koro::test::AllocationsSoFar().calls - before;
 }
 
 const std::string uncached = "<Cachable>NoCache</Cachable>";

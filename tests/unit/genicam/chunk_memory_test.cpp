@@ -1,33 +1,9 @@
 // What a buffer costs: nothing of the heap, as long as the layout is the one of the buffer before.
 #include "tests/unit/genicam/adapter_support.h"
+#include "tests/unit/genicam/counted_new.h"
 
 #include <GenApi/ChunkAdapterGEV.h>
-#include <atomic>
 #include <gtest/gtest.h>
-#include <new>
-#include <stdlib.h>
-
-namespace
-{
-std::atomic<size_t> allocations{0};
-}
-
-void* operator new(size_t size)
-{
-    ++allocations;
-    if (void* const memory = malloc(size ? size : 1)) return memory;
-    throw std::bad_alloc();
-}
-
-void operator delete(void* memory) noexcept
-{
-    free(memory);
-}
-
-void operator delete(void* memory, size_t) noexcept
-{
-    free(memory);
-}
 
 namespace
 {
@@ -63,14 +39,14 @@ TEST(ChunkMemory, BuffersOfOneLayoutNeedNoHeap)
     a->GetValue();
     b->GetValue();
 
-    const size_t before = allocations;
+    const size_t before = koro::test::AllocationsSoFar().calls;
     AttachStatistics_t statistics = {};
     adapter.AttachBuffer(second.Data(), second.Size(), &statistics);
     const int64_t attached = a->GetValue() + b->GetValue();
     adapter.UpdateBuffer(first.Data());
     const int64_t updated = a->GetValue() + b->GetValue();
     adapter.CheckBufferLayout(first.Data(), first.Size());
-    const size_t after = allocations;
+    const size_t after = koro::test::AllocationsSoFar().calls;
 
     EXPECT_EQ(after - before, 0u);
     EXPECT_EQ(attached, 21 + 22);

@@ -1,40 +1,11 @@
 // The work of loading grows with the description, not faster. Work is counted in bytes that are asked for, never in
 // time.
+#include "tests/unit/genicam/counted_new.h"
 #include "tests/unit/genicam/elements.h"
 #include "tests/unit/genicam/small_map.h"
 
-#include <cstdlib>
 #include <gtest/gtest.h>
-#include <new>
 #include <string>
-
-namespace
-{
-
-// What operator new has handed out while counting.
-struct Counter
-{
-    bool on = false;
-    size_t bytes = 0;
-};
-Counter counter;
-
-} // namespace
-
-void* operator new(size_t size)
-{
-    if (counter.on) counter.bytes += size;
-    if (void* const memory = std::malloc(size ? size : 1)) return memory;
-    throw std::bad_alloc();
-}
-void operator delete(void* memory) noexcept
-{
-    std::free(memory);
-}
-void operator delete(void* memory, size_t) noexcept
-{
-    std::free(memory);
-}
 
 namespace
 {
@@ -49,12 +20,12 @@ typedef std::string (*Shape)(int size);
 size_t WorkOf(Shape shape, int size)
 {
     const std::string xml = Described(shape(size));
-    counter = {true, 0};
+    const size_t before = koro::test::AllocationsSoFar().bytes;
     CNodeMapFactory factory(ContentType_Xml, xml.data(), xml.size());
     INodeMap* const map = factory.CreateNodeMap();
-    counter.on = false;
+    const size_t after = koro::test::AllocationsSoFar().bytes;
     CastToIDestroy(map)->Destroy();
-    return counter.bytes;
+    return after - before;
 }
 
 std::string Constants(int size)
