@@ -201,7 +201,7 @@ gcstring StringRegister::Read(ReadOptions options)
 void StringRegister::Write(const gcstring& value, bool verify)
 {
     std::vector<uint8_t> bytes(CheckedTextLength(place.Length()));
-    memcpy(bytes.data(), value.c_str(), std::min(value.size(), bytes.size()));
+    std::copy_n(value.c_str(), std::min(value.size(), bytes.size()), bytes.begin());
     place.WriteBytes(bytes.data(), static_cast<int64_t>(bytes.size()), verify);
 }
 

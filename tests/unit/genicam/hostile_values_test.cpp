@@ -264,6 +264,14 @@ TEST(HostileLength, FieldsThatLieOutsideOfWhatANodeTellsAreErrors)
     }
 }
 
+TEST(HostileLength, TextOfNoLengthIsEmptyAndTakesNothing)
+{
+    const SmallMap map(Register("StringReg", "<Length>0</Length>"));
+    CStringPtr(map.Node("R"))->SetValue("", false);
+    EXPECT_EQ(CStringPtr(map.Node("R"))->GetValue(), "");
+    EXPECT_EQ(map.port.reads + map.port.writes, 0);
+}
+
 TEST(HostileLength, NegativeLengthsAreErrors)
 {
     const SmallMap map(Integer("L", "<Value>-5</Value>") + Register("Register", "<pLength>L</pLength>"));
