@@ -44,6 +44,18 @@ public:
     void ResetCounter(std::size_t index) { counters.at(index) = 0; }
     std::uint64_t Counter(std::size_t index) const { return counters.at(index); }
 
+    template <typename Self, typename Each>
+    static void ForEachField(Self& self, const Each& each)
+    {
+        each(self.active);
+        each(self.awaitsStart);
+        each(self.run);
+        each(self.framesLeft);
+        each(self.frameId);
+        each(self.pulls);
+        each(self.counters);
+    }
+
 private:
     void Count(const FeatureValues& values, CounterEvent event);
 

@@ -1,6 +1,7 @@
 #include "producers/simulator/camera.h"
 
 #include "producers/simulator/camera_descriptions.h"
+#include "producers/simulator/failure.h"
 #include "producers/simulator/picture.h"
 #include "producers/simulator/producer_facts.h"
 
@@ -47,7 +48,15 @@ Camera::Camera(const CameraSettings& cameraSettings, CameraConnection plug, cons
 
 bool Camera::AnswersTo(const std::string& name) const
 {
-    return name == id || name == settings.serial || (!name.empty() && name == UserName());
+    if (name == id || name == settings.serial) return true;
+    try
+    {
+        return !name.empty() && name == UserName();
+    }
+    catch (const Failure&)
+    {
+        return false; // who asks for another camera is not concerned by the memory of this one
+    }
 }
 
 const FrameFault* Camera::FaultOfFrame(std::uint64_t n) const noexcept
@@ -89,7 +98,7 @@ void Camera::Unplug(std::uint64_t updates)
     numMissed = 0;
     missingUpdates = updates;
     features->OnPowerLoss();
-    resetsSeen = features->NumResets();
+    resetsSeen = 0;
 }
 
 PortFacts Camera::Facts(const char* module, const char* portName) const

@@ -3,27 +3,29 @@
 #include "producers/simulator/failure.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
+#include <exception>
 #include <utility>
 
 namespace koro::simulator
 {
+namespace
+{
+
+std::shared_ptr<CameraMemory> MakeMemory(const CameraSettings& settings, const std::string& tlType)
+{
+    if (settings.memory.empty()) return nullptr;
+    return std::make_shared<CameraMemory>(
+        settings.memory, settings.serial, IdentityOf(settings, tlType), Encode(CameraState(settings)));
+}
+
+} // namespace
 
 CameraFeatures::CameraFeatures(const CameraSettings& cameraSettings, const CameraConnection& plug)
     : settings(cameraSettings), connection(plug), sensor(cameraSettings),
-      order(plug.tlType == "GEV" ? ByteOrder::Big : ByteOrder::Little),
-      map(order), state{
-                      FeatureValues(settings),
-                      {FeatureValues(settings), FeatureValues(settings), FeatureValues(settings)},
-                      0,
-                      settings.userName,
-                      0,
-                      false,
-                      {},
-                      {},
-                      Clock::now(),
-                      0,
-                      0}
+      order(plug.tlType == "GEV" ? ByteOrder::Big : ByteOrder::Little), map(order),
+      memory(MakeMemory(cameraSettings, plug.tlType)), state(cameraSettings)
 {
     AddDeviceControl();
     AddImageFormatControl();
@@ -35,6 +37,44 @@ CameraFeatures::CameraFeatures(const CameraSettings& cameraSettings, const Camer
     AddUserSets();
     AddTransportLayer();
     map.SetSnapshot([this]() -> RegisterMap::Action { return [this, before = state] { state = before; }; });
+    if (!memory) return;
+    map.Lock().ShareBy(*this);
+    const std::lock_guard lock(map.Lock()); // refuses what no camera left there
+}
+
+// Writers that are gone have ended their use of the camera, however they went.
+void CameraFeatures::Enter()
+{
+    memory->Lock();
+    try
+    {
+        const auto told = memory->Fetch();
+        if (!told.empty())
+        {
+            if (!Decode(told, sensor, state)) memory->RefuseState();
+            wasWritten = true;
+        }
+        if (state.IsInUse() && !memory->IsControlled())
+        {
+            state.EndUse();
+            Save();
+        }
+    }
+    catch (...)
+    {
+        memory->Unlock();
+        throw;
+    }
+}
+
+void CameraFeatures::Save()
+{
+    memory->Save(Encode(state));
+}
+
+void CameraFeatures::Leave() noexcept
+{
+    memory->Unlock();
 }
 
 void CameraFeatures::Write(std::uint64_t address, std::span<const std::byte> in)
@@ -42,7 +82,7 @@ void CameraFeatures::Write(std::uint64_t address, std::span<const std::byte> in)
     RefuseLongCommand(address, in.size());
     map.Write(address, in);
     {
-        const std::lock_guard lock(map.Mutex());
+        const std::lock_guard lock(map.Lock());
         wasWritten = true;
     }
     const std::lock_guard lock(listenerMutex);
@@ -52,57 +92,73 @@ void CameraFeatures::Write(std::uint64_t address, std::span<const std::byte> in)
 
 std::string CameraFeatures::UserName() const
 {
-    const std::lock_guard lock(map.Mutex());
+    const std::lock_guard lock(map.Lock());
     return state.userName;
 }
 
 ImageShape CameraFeatures::Shape() const
 {
-    const std::lock_guard lock(map.Mutex());
+    const std::lock_guard lock(map.Lock());
     return state.values.Shape();
 }
 
 std::uint64_t CameraFeatures::NumResets() const
 {
-    const std::lock_guard lock(map.Mutex());
+    const std::lock_guard lock(map.Lock());
     return state.numResets;
 }
 
 void CameraFeatures::OnStreamStart()
 {
-    const std::lock_guard lock(map.Mutex());
+    const std::lock_guard lock(map.Lock());
     state.isStreaming = true;
     if (settings.startWithStream)
         state.acquisition.Start(state.values);
     else
         state.acquisition.Restart();
+    map.Lock().Save();
 }
 
-void CameraFeatures::OnStreamStop()
+void CameraFeatures::OnStreamStop() noexcept
 {
-    const std::lock_guard lock(map.Mutex());
-    state.isStreaming = false;
-    if (settings.startWithStream) state.acquisition.Stop();
+    ChangeIfReachable([this] {
+        state.isStreaming = false;
+        if (settings.startWithStream) state.acquisition.Stop();
+    });
 }
 
-void CameraFeatures::OnRelease()
+void CameraFeatures::OnRelease() noexcept
 {
-    const std::lock_guard lock(map.Mutex());
-    state.acquisition.Stop();
-    state.paramsLocked = 0;
+    ChangeIfReachable([this] { state.EndUse(); });
 }
 
-void CameraFeatures::OnPowerLoss()
+void CameraFeatures::OnPowerLoss() noexcept
 {
-    const std::lock_guard lock(map.Mutex());
-    Reset();
-    state.isStreaming = false;
-    wasWritten = true;
+    ChangeIfReachable([this] {
+        Reset();
+        state.isStreaming = false;
+        state.numResets = 0;
+        wasWritten = true;
+    });
+}
+
+template <typename Change>
+void CameraFeatures::ChangeIfReachable(const Change& change) noexcept
+{
+    try
+    {
+        const std::lock_guard lock(map.Lock());
+        change();
+        map.Lock().Save();
+    }
+    catch (const std::exception&)
+    { // no lock, no change
+    }
 }
 
 FrameRequest CameraFeatures::Look() const
 {
-    const std::lock_guard lock(map.Mutex());
+    const std::lock_guard lock(map.Lock());
     const Acquisition& acquisition = state.acquisition;
     FrameRequest request;
     request.run = acquisition.Run();
@@ -120,12 +176,14 @@ FrameRequest CameraFeatures::Look() const
 
 std::optional<Frame> CameraFeatures::TakeFrame(std::uint64_t run)
 {
-    const std::lock_guard lock(map.Mutex());
+    const std::lock_guard lock(map.Lock());
     Acquisition& acquisition = state.acquisition;
     if (!acquisition.IsActive() || acquisition.Run() != run || acquisition.AwaitsFrameTrigger(state.values))
         return std::nullopt;
     RefreshPlan();
-    return Frame{acquisition.TakeFrame(state.values), plan};
+    const std::uint64_t id = acquisition.TakeFrame(state.values);
+    map.Lock().Save();
+    return Frame{id, plan};
 }
 
 void CameraFeatures::RefreshPlan()

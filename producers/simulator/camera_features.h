@@ -1,16 +1,15 @@
 // CameraFeatures: the state of a camera behind its registers, and what the frame generator asks of it.
 //
-// Owned by its Camera, so it outlives every opening. Any thread; everything is guarded by the lock of the registers.
+// Owned by its Camera, so it outlives every opening. Any thread; everything is guarded by the lock of the registers,
+// which other processes share when the camera has a memory.
 // Listeners are called without it, after each write that went well.
 #pragma once
 
-#include "producers/simulator/acquisition.h"
-#include "producers/simulator/feature_values.h"
+#include "producers/simulator/camera_memory.h"
+#include "producers/simulator/camera_state.h"
 #include "producers/simulator/port.h"
 #include "producers/simulator/transport.h"
 
-#include <array>
-#include <chrono>
 #include <functional>
 #include <map>
 #include <memory>
@@ -48,9 +47,10 @@ struct Frame
     std::shared_ptr<const FramePlan> plan;
 };
 
-class CameraFeatures final : public RegisterSpace
+class CameraFeatures final : public RegisterSpace, private RegisterLock::Sharing
 {
 public:
+    // With the memory that the settings name, if they do.
     CameraFeatures(const CameraSettings& cameraSettings, const CameraConnection& plug);
 
     ByteOrder Order() const noexcept { return order; }
@@ -67,11 +67,13 @@ public:
 
     // A stream starts and stops to listen. With `startWithStream` the camera starts and stops with it.
     void OnStreamStart();
-    void OnStreamStop();
+    // This and the next two do nothing when the memory cannot be reached: the use of a camera ends with the claim on it
+    // anyway.
+    void OnStreamStop() noexcept;
     // The device was closed: as a camera whose control link went, it stops and gives up its lock.
-    void OnRelease();
+    void OnRelease() noexcept;
     // The cable was pulled: what comes back has started anew.
-    void OnPowerLoss();
+    void OnPowerLoss() noexcept;
 
     FrameRequest Look() const;
     // Nothing when the run has ended meanwhile.
@@ -81,27 +83,18 @@ public:
     std::uint64_t Listen(std::function<void()> onWrite);
     void Unlisten(std::uint64_t listener);
 
-    // How often DeviceReset was executed.
+    // How often DeviceReset was executed by this process, since the power was lost.
     std::uint64_t NumResets() const;
 
-private:
-    using Clock = std::chrono::steady_clock;
+    // Null without one.
+    const std::shared_ptr<CameraMemory>& Memory() const noexcept { return memory; }
 
-    // All that changes; a copy of it takes back what a write did half.
-    struct State
-    {
-        FeatureValues values;
-        std::array<FeatureValues, 3> userSets; // Default, UserSet0, UserSet1
-        std::uint64_t userSetDefault = 0;
-        std::string userName;
-        std::uint64_t paramsLocked = 0;
-        bool isStreaming = false;
-        Acquisition acquisition;
-        std::optional<Clock::time_point> timerStart;
-        Clock::time_point clockStart;
-        std::uint64_t latched_ns = 0;
-        std::uint64_t numResets = 0;
-    };
+private:
+    using Clock = CameraClock;
+
+    void Enter() override;
+    void Save() override;
+    void Leave() noexcept override;
 
     // One for each category of the description, in camera_registers.cpp.
     void AddDeviceControl();
@@ -135,6 +128,9 @@ private:
         std::uint64_t address, std::uint64_t FeatureValues::*value,
         void (FeatureValues::*set)(const Sensor&, std::uint64_t), Lock lock);
 
+    template <typename Change>
+    void ChangeIfReachable(const Change& change) noexcept;
+
     // With the lock held.
     bool IsFormatLocked() const noexcept { return state.paramsLocked == 1 || state.acquisition.IsActive(); }
     void RequireUnlocked() const;
@@ -155,8 +151,10 @@ private:
     const ByteOrder order;
     RegisterMap map;
 
+    const std::shared_ptr<CameraMemory> memory; // null: the state is this process's own
+
     // Guarded by the lock of the map.
-    State state;
+    CameraState state; // a copy, refreshed with each lock, when there is a memory
     std::shared_ptr<const FramePlan> plan;
     std::optional<FeatureValues> plannedValues; // those of the plan
     bool wasWritten = true;                     // since the plan was made

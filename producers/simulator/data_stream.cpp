@@ -153,6 +153,7 @@ void DataStream::Start(ACQ_START_FLAGS flags, std::uint64_t number)
     if (IsClosed()) throw Failure(GC_ERR_INVALID_HANDLE, "the stream was closed meanwhile");
     if (engine.IsStarted()) throw Failure(GC_ERR_RESOURCE_IN_USE, "the acquisition is started, a stop is due");
     parent->RequireConnection();
+    parent->RequireStreamAccess();
     {
         const std::lock_guard lock(mutex);
         if (queue.NumAnnounced() < announceMinimum)

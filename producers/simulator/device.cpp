@@ -55,6 +55,16 @@ private:
     const std::weak_ptr<Device> device; // it owns these registers
 };
 
+std::unique_ptr<CameraClaim> Claim(const Camera& camera, DEVICE_ACCESS_FLAGS access)
+{
+    const auto& memory = camera.Features().Memory();
+    if (!memory) return nullptr;
+    auto claim = std::make_unique<CameraClaim>(memory, access);
+    // What a process that was killed left running.
+    if (access != DEVICE_ACCESS_READONLY) camera.Features().OnRelease();
+    return claim;
+}
+
 } // namespace
 
 InfoValue DeviceInfo(const Camera& camera, DEVICE_ACCESS_STATUS status, DEVICE_INFO_CMD command)
@@ -94,7 +104,7 @@ RemoteDevice::RemoteDevice(const Camera& camera, PortRegisters registers, Port::
 Device::Device(
     std::shared_ptr<Interface> parentInterface, std::shared_ptr<Camera> openedCamera, DEVICE_ACCESS_FLAGS openedWith)
     : parent(std::move(parentInterface)), camera(std::move(openedCamera)), access(openedWith),
-      port(camera->Facts("TLDevice", "DevicePort"), MakeRegisters())
+      claim(Claim(*camera, access)), port(camera->Facts("TLDevice", "DevicePort"), MakeRegisters())
 {}
 
 void Device::Connect()
@@ -148,6 +158,12 @@ void Device::RequireConnection() const
     if (*lost) throw Failure(GC_ERR_IO, "the camera is gone");
 }
 
+void Device::RequireStreamAccess() const
+{
+    if (claim && access == DEVICE_ACCESS_READONLY)
+        throw Failure(GC_ERR_ACCESS_DENIED, "the device is open for reading only");
+}
+
 void Device::OnCameraLost()
 {
     camera->Vanish();
@@ -171,8 +187,9 @@ std::shared_ptr<DataStream> Device::OpenStream(const std::string& id)
 void Device::OnClose()
 {
     streams.CloseAll();
-    if (!*lost) camera->Features().OnRelease();
+    if (!*lost && access != DEVICE_ACCESS_READONLY) camera->Features().OnRelease();
     remote->Close();
+    claim.reset();
     parent->Forget(*this);
 }
 

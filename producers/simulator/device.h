@@ -53,6 +53,8 @@ public:
     // Set when the camera goes, never taken back.
     std::shared_ptr<const std::atomic<bool>> ConnectionLost() const noexcept { return lost; }
     void RequireConnection() const;
+    // A camera that several processes can open sends images to the one that controls it.
+    void RequireStreamAccess() const;
     // The camera's cable is pulled.
     void OnCameraLost();
     // After a write to the camera, which may have reset it.
@@ -65,6 +67,7 @@ private:
     const std::shared_ptr<Interface> parent;
     const std::shared_ptr<Camera> camera;
     const DEVICE_ACCESS_FLAGS access;
+    std::unique_ptr<CameraClaim> claim; // on a camera with a memory, until the close
     const std::shared_ptr<std::atomic<bool>> lost = std::make_shared<std::atomic<bool>>(false);
     PortRegisters MakeRegisters();
 

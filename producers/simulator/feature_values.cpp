@@ -32,6 +32,17 @@ void RequireBounded(const ImageShape& shape)
     if (shape.PayloadBytes() > maxPayloadBytes) RefuseValue("the image would be too large");
 }
 
+template <typename Number>
+bool IsWithin(Number value, Number least, Number most) noexcept
+{
+    return value >= least && value <= most; // false for no number
+}
+
+bool TriggerFits(const Trigger& trigger) noexcept
+{
+    return trigger.mode <= 1 && trigger.source <= 1 && trigger.activation <= 2;
+}
+
 } // namespace
 
 Sensor::Sensor(const CameraSettings& settings)
@@ -186,6 +197,47 @@ FramePlan FeatureValues::MakePlan(const Sensor& sensor) const
         respond(Component::Blue, balance[2]);
     }
     return plan;
+}
+
+bool FeatureValues::GeometryFits(const Sensor& sensor) const
+{
+    if (format == nullptr || !sensor.CanSend(*format)) return false;
+    if (!IsWithin<std::uint64_t>(binningHorizontal, 1, BinningMax(sensor.width, 1))) return false;
+    if (!IsWithin<std::uint64_t>(binningVertical, 1, BinningMax(sensor.height, 1))) return false;
+    if (!IsWithin<std::uint64_t>(width, 1, WidthMax(sensor)) || width % WidthStep() != 0) return false;
+    if (!IsWithin<std::uint64_t>(height, 1, HeightMax(sensor))) return false;
+    return offsetX <= WidthMax(sensor) - width && offsetX % offsetStep == 0 && offsetY <= HeightMax(sensor) - height &&
+           offsetY % offsetStep == 0 && reverseX <= 1 && reverseY <= 1 && Shape().PayloadBytes() <= maxPayloadBytes &&
+           testPattern <= static_cast<std::uint64_t>(TestPattern::ColorBar);
+}
+
+bool FeatureValues::AcquisitionFits() const noexcept
+{
+    return acquisitionMode <= static_cast<std::uint64_t>(AcquisitionMode::MultiFrame) &&
+           IsWithin<std::uint64_t>(frameCount, 1, 65535) && rateEnabled <= 1 && IsWithin(rate, 0.001, 100'000.0) &&
+           IsWithin(exposure_us, minExposure_us, maxExposure_us) && TriggerFits(triggers[0]) &&
+           TriggerFits(triggers[1]);
+}
+
+bool FeatureValues::TransportFits() const noexcept
+{
+    return heartbeat <= 1 && IsWithin<std::uint64_t>(heartbeatTimeout_us, 500'000, 60'000'000) &&
+           IsWithin<std::uint64_t>(packetSize, 576, 9000) && packetDelay <= 1'000'000 &&
+           IsWithin<std::uint64_t>(maximumLeader, 52, 65536) && IsWithin<std::uint64_t>(maximumTrailer, 52, 65536) &&
+           IsWithin<std::uint64_t>(transferSize, 1024, 1'048'576);
+}
+
+bool FeatureValues::Fits(const Sensor& sensor) const
+{
+    const bool analogFits =
+        IsWithin(gain[0], 0, 2400) && IsWithin(gain[1], -600, 1200) && blackLevel <= 1023 &&
+        IsWithin(gamma, 0.25, 4.0) &&
+        std::all_of(balance.begin(), balance.end(), [](double ratio) { return IsWithin(ratio, 0.25, 4.0); }) &&
+        tableEnabled <= 1;
+    const bool linesFit = counterSource[0] <= 4 && counterSource[1] <= 4 &&
+                          IsWithin(timerDuration_us, 1.0, 60'000'000.0) && lineInverted[0] <= 1 &&
+                          lineInverted[1] <= 1 && lineSource <= 1 && userOutput <= 1;
+    return GeometryFits(sensor) && AcquisitionFits() && analogFits && linesFit && TransportFits();
 }
 
 } // namespace koro::simulator

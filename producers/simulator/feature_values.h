@@ -122,12 +122,65 @@ public:
 
     FramePlan MakePlan(const Sensor& sensor) const;
 
+    // Whether the setters could have left them so.
+    bool Fits(const Sensor& sensor) const;
+    // `each` for every field but the format.
+    template <typename Values, typename Each>
+    static void ForEachField(Values& values, const Each& each);
+
 private:
     static std::uint64_t StepOf(const PixelFormat& format) noexcept;
+    bool GeometryFits(const Sensor& sensor) const;
+    bool AcquisitionFits() const noexcept;
+    bool TransportFits() const noexcept;
 };
 
 inline constexpr double minExposure_us = 10;
 inline constexpr double maxExposure_us = 10'000'000;
 inline constexpr std::uint64_t offsetStep = 2; // keeps the colours of a Bayer pattern in place
+
+template <typename Values, typename Each>
+void FeatureValues::ForEachField(Values& values, const Each& each)
+{
+    each(values.width);
+    each(values.height);
+    each(values.offsetX);
+    each(values.offsetY);
+    each(values.binningHorizontal);
+    each(values.binningVertical);
+    each(values.reverseX);
+    each(values.reverseY);
+    each(values.testPattern);
+    each(values.acquisitionMode);
+    each(values.frameCount);
+    each(values.rateEnabled);
+    each(values.rate);
+    each(values.exposure_us);
+    each(values.exposureIsAutomatic);
+    for (auto& trigger : values.triggers)
+    {
+        each(trigger.mode);
+        each(trigger.source);
+        each(trigger.activation);
+    }
+    each(values.gain);
+    each(values.blackLevel);
+    each(values.gamma);
+    each(values.balance);
+    each(values.tableEnabled);
+    each(values.table);
+    each(values.counterSource);
+    each(values.timerDuration_us);
+    each(values.lineInverted);
+    each(values.lineSource);
+    each(values.userOutput);
+    each(values.heartbeat);
+    each(values.heartbeatTimeout_us);
+    each(values.packetSize);
+    each(values.packetDelay);
+    each(values.maximumLeader);
+    each(values.maximumTrailer);
+    each(values.transferSize);
+}
 
 } // namespace koro::simulator

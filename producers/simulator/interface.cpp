@@ -108,7 +108,9 @@ std::shared_ptr<Camera> Interface::SelectedCamera() const
 DEVICE_ACCESS_STATUS Interface::AccessStatusOf(const Camera& camera) const
 {
     if (const auto device = devices.Find(camera.Id())) return device->AccessStatus();
-    return camera.IsPresent() ? DEVICE_ACCESS_STATUS_READWRITE : DEVICE_ACCESS_STATUS_NOACCESS;
+    if (!camera.IsPresent()) return DEVICE_ACCESS_STATUS_NOACCESS;
+    const auto& memory = camera.Features().Memory();
+    return memory ? memory->Status() : DEVICE_ACCESS_STATUS_READWRITE;
 }
 
 bool Interface::UpdateDevices()

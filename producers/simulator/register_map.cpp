@@ -206,7 +206,7 @@ void RegisterMap::Read(std::uint64_t address, std::span<std::byte> out) const
     std::vector<std::byte> gathered(pieces.size() > 1 ? out.size() : 0);
     const std::span<std::byte> target = pieces.size() > 1 ? std::span<std::byte>(gathered) : out;
     {
-        const std::lock_guard lock(mutex);
+        const std::lock_guard held(lock);
         std::size_t at = 0;
         for (const Piece& piece : pieces)
         {
@@ -221,7 +221,7 @@ void RegisterMap::Write(std::uint64_t address, std::span<const std::byte> in)
 {
     const auto pieces = Locate(address, in.size(), true);
     {
-        const std::lock_guard lock(mutex);
+        const std::lock_guard held(lock);
         const Action undo = pieces.size() > 1 && snapshot ? snapshot() : Action();
         try
         {
@@ -231,6 +231,7 @@ void RegisterMap::Write(std::uint64_t address, std::span<const std::byte> in)
                 WritePiece(piece, in.subspan(at, piece.length));
                 at += piece.length;
             }
+            lock.Save();
         }
         catch (...)
         {

@@ -1,17 +1,17 @@
 // RegisterMap: the registers of a module or a camera. Any thread.
 //
-// Most registers are live: reading asks a function, writing tells one. Functions run with the map's mutex held; only
+// Most registers are live: reading asks a function, writing tells one. Functions run with the map's lock held; only
 // actions run behind it. What a register has no function for it does not allow (GC_ERR_ACCESS_DENIED); an address that
 // belongs to none is GC_ERR_INVALID_ADDRESS. A setter refuses a value by GC_ERR_INVALID_VALUE, or says why not now.
 //
 // Registers do not overlap. An access may run over adjacent ones.
 #pragma once
 
+#include "producers/simulator/register_lock.h"
 #include "producers/simulator/register_space.h"
 
 #include <functional>
 #include <map>
-#include <mutex>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -61,7 +61,7 @@ public:
     void Read(std::uint64_t address, std::span<std::byte> out) const override;
     void Write(std::uint64_t address, std::span<const std::byte> in) override;
 
-    std::mutex& Mutex() const noexcept { return mutex; }
+    RegisterLock& Lock() const noexcept { return lock; }
 
 private:
     struct Region
@@ -89,7 +89,7 @@ private:
     const ByteOrder order;
     std::map<std::uint64_t, Region> regions;
     std::function<Action()> snapshot;
-    mutable std::mutex mutex;
+    mutable RegisterLock lock;
 };
 
 } // namespace koro::simulator

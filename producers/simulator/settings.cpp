@@ -9,6 +9,7 @@
 #include <fstream>
 #include <iterator>
 #include <set>
+#include <system_error>
 
 namespace koro::simulator
 {
@@ -295,6 +296,17 @@ void ReadVersion(JsonObject& object, Settings& settings)
     settings.versionMinor = static_cast<std::uint32_t>(version[2] - '0');
 }
 
+// Beside the settings, wherever a process that uses them was started.
+void ReadMemory(JsonObject& object, const std::filesystem::path& base, Settings& settings)
+{
+    std::string folder;
+    object.Read("memory", folder);
+    if (folder.empty()) return;
+    for (InterfaceSettings& interface : settings.interfaces)
+        for (CameraSettings& camera : interface.cameras)
+            camera.memory = base / folder;
+}
+
 std::string ReadFile(const std::filesystem::path& file)
 {
     std::ifstream in(file, std::ios::binary);
@@ -331,7 +343,7 @@ Settings DefaultSettings()
     return settings;
 }
 
-Settings ParseSettings(std::string_view json)
+Settings ParseSettings(std::string_view json, const std::filesystem::path& base)
 {
     const Json document = ParseJson(json);
     JsonObject object(document, "");
@@ -351,6 +363,7 @@ Settings ParseSettings(std::string_view json)
                 common.RequireNothingElse();
                 CheckShape(common, camera);
             }
+    ReadMemory(object, base, settings);
     if (const Json* misbehaviour = object.Take("misbehaviour"))
         settings.misbehaviour = ReadMisbehaviour(*misbehaviour, "misbehaviour");
     object.RequireNothingElse();
@@ -364,7 +377,8 @@ Settings LoadSettings()
     if (file == nullptr || *file == '\0') return DefaultSettings();
     try
     {
-        return ParseSettings(ReadFile(file));
+        std::error_code noFolder; // a base that cannot be told leaves the memory relative
+        return ParseSettings(ReadFile(file), std::filesystem::absolute(file, noFolder).parent_path());
     }
     catch (const Failure& failure)
     {

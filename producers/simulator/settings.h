@@ -48,6 +48,7 @@ struct CameraSettings
     std::size_t longestCommand = 1024;     // bytes, GevGVCPCMDLength
     std::size_t longestPassingCommand = 0; // bytes that the path to the test memory lets pass; 0: all
     std::uint64_t resetMissingUpdates = 0; // list updates that miss the camera after DeviceReset; 0: it stays
+    std::filesystem::path memory;          // folder of what all processes see of its features; empty: each its own
 };
 
 struct InterfaceSettings
@@ -71,8 +72,9 @@ inline constexpr std::size_t maxPayloadBytes = std::size_t{1} << 28; // of one i
 
 Settings DefaultSettings();
 
-// Throws Failure (GC_ERR_ERROR) whose text says what is wrong and where in the document.
-Settings ParseSettings(std::string_view json);
+// Throws Failure (GC_ERR_ERROR) whose text says what is wrong and where in the document. The memory is looked for from
+// `base` on.
+Settings ParseSettings(std::string_view json, const std::filesystem::path& base = {});
 
 // The file that KORO_SIMULATOR_CONFIG names, the defaults when it names none. Failures name the file.
 Settings LoadSettings();

@@ -1,5 +1,7 @@
 #include "producers/simulator/stream_engine.h"
 
+#include "producers/simulator/failure.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -40,7 +42,7 @@ void StreamEngine::Start(std::uint64_t number)
     listener = camera->Features().Listen([this] { OnCameraWritten(); });
     try
     {
-        thread = std::thread([this, number] { Run(number); });
+        thread = std::thread([this, number] { RunOrLose(number); });
     }
     catch (...)
     {
@@ -100,6 +102,19 @@ void StreamEngine::WithoutFill(const std::function<void()>& change)
         throw;
     }
     resume();
+}
+
+// A camera whose memory cannot be reached any more is as good as gone.
+void StreamEngine::RunOrLose(std::uint64_t number)
+{
+    try
+    {
+        Run(number);
+    }
+    catch (const Failure&)
+    {
+        reports.cameraLost();
+    }
 }
 
 void StreamEngine::Run(std::uint64_t number)

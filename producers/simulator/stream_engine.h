@@ -54,6 +54,7 @@ private:
     using Clock = std::chrono::steady_clock;
     using Lock = std::unique_lock<std::mutex>;
 
+    void RunOrLose(std::uint64_t number);
     void Run(std::uint64_t number);
     void OnCameraWritten();
     // What to do next; sleeps while the camera is silent. When stopping, anything.

@@ -1,5 +1,7 @@
-// Registers of every module are read and written while images come and devices open and close.
+// Registers of every module are read and written while images come and devices open and close, of cameras with and
+// without a memory.
 #include "producers/simulator/pattern.h"
+#include "tests/support/temporary_folder.h"
 #include "tests/unit/simulator/producer.h"
 
 #include <algorithm>
@@ -16,12 +18,21 @@ constexpr std::uint64_t offsetRegister = 0x330;
 constexpr std::uint64_t startRegister = 0x404;
 constexpr std::uint64_t stopRegister = 0x408;
 
-// A little-endian camera of 64 x 8 pixels, unpaced, whose region is 32 wide.
-std::string Settings()
+class SimulatorThreads : public testing::TestWithParam<const char*>
 {
-    return R"({"interfaces": [{"id": "I", "tlType": "U3V", "cameras": [
-        {"serial": "A", "width": 64, "height": 8, "startWithStream": true, "rate": 0}]}]})";
-}
+protected:
+    // A little-endian camera of 64 x 8 pixels.
+    std::string Settings(int rate = 0) const
+    {
+        const std::string memory = std::string(GetParam()) == "WithMemory" ? folder.File("memory") : "";
+        return R"({"memory": ")" + memory + R"(", "interfaces": [{"id": "I", "tlType": "U3V", "cameras": [
+            {"serial": "A", "width": 64, "height": 8, "startWithStream": true, "rate": )" +
+               std::to_string(rate) + "}]}]}";
+    }
+
+private:
+    const koro::test::TemporaryFolder folder;
+};
 
 GC_ERROR Write(const Tree& tree, std::uint64_t address, std::uint32_t value)
 {
@@ -29,7 +40,7 @@ GC_ERROR Write(const Tree& tree, std::uint64_t address, std::uint32_t value)
     return tree.producer.GCWritePort(tree.remote, address, &value, &size);
 }
 
-TEST(SimulatorThreads, RegistersAreUsedWhileImagesCome)
+TEST_P(SimulatorThreads, RegistersAreUsedWhileImagesCome)
 {
     const Producer producer(Settings());
     const Tree tree(producer);
@@ -79,7 +90,7 @@ TEST(SimulatorThreads, RegistersAreUsedWhileImagesCome)
     reader.join();
 }
 
-TEST(SimulatorThreads, CameraIsStartedAndStoppedUnderARunningStream)
+TEST_P(SimulatorThreads, CameraIsStartedAndStoppedUnderARunningStream)
 {
     const Producer producer(Settings());
     const Tree tree(producer);
@@ -101,10 +112,9 @@ TEST(SimulatorThreads, CameraIsStartedAndStoppedUnderARunningStream)
     EXPECT_EQ(producer.DSStopAcquisition(tree.stream, ACQ_STOP_FLAGS_DEFAULT), GC_ERR_SUCCESS);
 }
 
-TEST(SimulatorThreads, PacedImagesKeepTheirTimeWhileTheCameraIsWritten)
+TEST_P(SimulatorThreads, PacedImagesKeepTheirTimeWhileTheCameraIsWritten)
 {
-    const Producer producer(R"({"interfaces": [{"id": "I", "tlType": "U3V", "cameras": [
-        {"serial": "A", "width": 64, "height": 8, "startWithStream": true, "rate": 1000}]}]})");
+    const Producer producer(Settings(1000));
     const Tree tree(producer);
     tree.Announce();
     tree.Start();
@@ -122,7 +132,7 @@ TEST(SimulatorThreads, PacedImagesKeepTheirTimeWhileTheCameraIsWritten)
     other.join();
 }
 
-TEST(SimulatorThreads, ListsAreUpdatedThroughRegistersWhileDevicesOpenAndClose)
+TEST_P(SimulatorThreads, ListsAreUpdatedThroughRegistersWhileDevicesOpenAndClose)
 {
     const Producer producer(Settings());
     const Tree tree(producer);
@@ -148,6 +158,10 @@ TEST(SimulatorThreads, ListsAreUpdatedThroughRegistersWhileDevicesOpenAndClose)
     done = true;
     updater.join();
 }
+
+INSTANTIATE_TEST_SUITE_P(
+    Cameras, SimulatorThreads, testing::Values("WithMemory", "Alone"),
+    [](const testing::TestParamInfo<const char*>& one) { return one.param; });
 
 } // namespace
 } // namespace koro::simulator::test

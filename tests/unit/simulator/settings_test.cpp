@@ -36,6 +36,7 @@ const Case cases[] = {
     {"NoJson", "{\"interfaces\": [}", "parse error at line 1, column 17"},
     {"NoObject", "[]", "the document: must be an object"},
     {"UnknownKey", R"({"interface": []})", "interface: unknown key"},
+    {"MemoryNoText", R"({"memory": true})", "memory: must be a text"},
     {"UnknownCameraKey", Camera(R"("widht": 5)"), "interfaces[0].cameras[1].widht: unknown key"},
     {"WidthIsText", Camera(R"("width": "5")"), "interfaces[0].cameras[1].width: must be a whole number, 1 to 16384"},
     {"WidthIsZero", Camera(R"("width": 0)"), "interfaces[0].cameras[1].width: must be a whole number, 1 to 16384"},
