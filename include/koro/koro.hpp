@@ -2,11 +2,11 @@
 //
 // Header-only, C++17, over the exported C functions alone; it has no binary interface of its own.
 //
-// Ownership. Library, ProducerLibrary, System, Interface, Device, DataStream, EventController and Event own what they
-// stand for: move-only, closed by their destructor or by Close(). SystemDescriptor, InterfaceDescriptor,
-// DeviceDescriptor, DataStreamDescriptor, RemoteDevice, Buffer, Port, PortURL, NodeMap and all nodes are views, free to
-// copy: what they name belongs to its parent, and after the parent's end every call on them throws Error with
-// KORO_RETURN_CODE_INVALID_HANDLE. Nothing here dangles.
+// Ownership. Library, ProducerLibrary, System, Interface, Device, DataStream, EventController, Event, BufferPart and
+// BufferChunk own what they stand for: move-only, closed by their destructor or by Close(). SystemDescriptor,
+// InterfaceDescriptor, DeviceDescriptor, DataStreamDescriptor, RemoteDevice, Buffer, Port, PortURL, NodeMap and all
+// nodes are views, free to copy: what they name belongs to its parent, and after the parent's end every call on them
+// throws Error with KORO_RETURN_CODE_INVALID_HANDLE. Nothing here dangles.
 //
 // Order of destruction. GenTL wants the leaves closed first: Event, EventController, DataStream, Device, Interface,
 // System, ProducerLibrary, Library. Variables declared from the library down end in this order by themselves. Another
@@ -19,6 +19,7 @@
 #ifndef KORO_KORO_HPP
 #define KORO_KORO_HPP
 
+#include <koro/cpp/buffer_contents.hpp>
 #include <koro/cpp/nodes.hpp>
 #include <koro/cpp/support.hpp>
 #include <koro/koro.h>
@@ -291,6 +292,17 @@ public:
     uint64_t ChunkLayoutID() const { return detail::Get(KORO_Buffer_GetChunkLayoutID, Get()); }
     std::string FileName() const { return detail::Text(KORO_Buffer_GetFileName, Get()); }
     bool HasChunks() const { return detail::Flag(KORO_Buffer_GetHasChunks, Get()); }
+    // Both are read anew, for the image that lies in the buffer now; empty where the producer says that it has none.
+    std::vector<BufferPart> Parts() const
+    {
+        return detail::UpdatedChildren<BufferPart>(
+            KORO_Buffer_UpdateParts, KORO_Buffer_GetNumParts, KORO_Buffer_GetPart, Get());
+    }
+    std::vector<BufferChunk> Chunks() const
+    {
+        return detail::UpdatedChildren<BufferChunk>(
+            KORO_Buffer_UpdateChunks, KORO_Buffer_GetNumChunks, KORO_Buffer_GetChunk, Get());
+    }
     RawInfo Info(int32_t command) const { return detail::Info(KORO_Buffer_GetInfo, Get(), command); }
     koro::Port Port() const { return detail::PortOf(KORO_Buffer_ToModule, Get()); }
     std::vector<koro::NodeMap> NodeMaps() const { return detail::NodeMapsOf(KORO_Buffer_ToModule, Get()); }

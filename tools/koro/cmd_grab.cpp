@@ -50,7 +50,7 @@ std::string PerSecond(double amount, double seconds, const char* unit)
     return text;
 }
 
-void PrintStatistics(const GrabStatistics& statistics, uint64_t numSaved)
+void PrintStatistics(const GrabStatistics& statistics, uint64_t numSaved, uint64_t numFiles)
 {
     // The first frame opens the span of time, so it counts neither for the rate nor for the throughput.
     const uint64_t numIntervals = statistics.numFrames > 0 ? statistics.numFrames - 1 : 0;
@@ -58,15 +58,18 @@ void PrintStatistics(const GrabStatistics& statistics, uint64_t numSaved)
     const double megabytes = statistics.numFrames > 0 ? static_cast<double>(statistics.numBytes) / 1e6 * frames /
                                                             static_cast<double>(statistics.numFrames)
                                                       : 0;
-    PrintRows({
-        {"pictures", std::to_string(numSaved)},
+    Rows rows = {{"pictures", std::to_string(numSaved)}};
+    if (numFiles != numSaved) rows.emplace_back("files", std::to_string(numFiles));
+    const Rows measured = {
         {"frames", std::to_string(statistics.numFrames)},
         {"rate", PerSecond(frames, statistics.seconds, "frames/s")},
         {"throughput", PerSecond(megabytes, statistics.seconds, "MB/s")},
         {"underruns", statistics.numUnderruns ? std::to_string(*statistics.numUnderruns) : "-"},
         {"incomplete", std::to_string(statistics.numIncomplete)},
         {"timeouts", std::to_string(statistics.numTimeouts)},
-    });
+    };
+    rows.insert(rows.end(), measured.begin(), measured.end());
+    PrintRows(rows);
 }
 
 int ExitStatus(const GrabCommand& command, const Interrupt& interrupt, uint64_t numSaved)
@@ -94,14 +97,16 @@ int Grab(const GrabCommand& command)
     std::printf("%s, %s\n", Printable(DescribeCamera(choice)).c_str(), session.DescribeBuffers().c_str());
     std::fflush(stdout);
     uint64_t numSaved = 0;
+    uint64_t numFiles = 0;
     {
         Progress progress(stdout, isatty(STDOUT_FILENO) != 0, command.settings.numPictures);
-        PictureSaver saver(command.output, PrefixFor(*choice.camera), command.settings.format, progress);
+        PictureSaver saver(command.output, PrefixFor(*choice.camera), progress);
         session.Run(interrupt, saver);
         saver.Finish();
         numSaved = saver.NumSaved();
+        numFiles = saver.NumFiles();
     }
-    PrintStatistics(session.Statistics(), numSaved);
+    PrintStatistics(session.Statistics(), numSaved, numFiles);
     return ExitStatus(command, interrupt, numSaved);
 }
 

@@ -56,32 +56,6 @@ size_t NumBuffers(const DataStream& stream, size_t payloadSize)
         " bytes, which is beyond the limit.");
 }
 
-// PFNC and the older GigE Vision list share their codes; a producer that names no list means one of these.
-uint64_t PixelFormatOf(const Buffer& buffer)
-{
-    const int32_t list =
-        IfKnown([&] { return buffer.PixelFormatNamespace(); }).value_or(KORO_PIXELFORMAT_NAMESPACE_UNKNOWN);
-    const bool known = list == KORO_PIXELFORMAT_NAMESPACE_UNKNOWN || list == KORO_PIXELFORMAT_NAMESPACE_GEV ||
-                       list == KORO_PIXELFORMAT_NAMESPACE_PFNC_32BIT;
-    if (known) return buffer.PixelFormat();
-    throw ToolError(
-        "The frames' pixel format belongs to list " + std::to_string(list) + ", which the tool does not know.",
-        "Save the frames as they are with --format raw.");
-}
-
-FrameLayout LayoutOf(const Buffer& buffer)
-{
-    FrameLayout layout;
-    layout.pixelFormat = PixelFormatOf(buffer);
-    layout.width = buffer.Width();
-    layout.height = buffer.Height();
-    layout.xPadding = IfKnown([&] { return buffer.XPadding(); }).value_or(0);
-    layout.imageOffset = IfKnown([&] { return buffer.ImageOffset(); }).value_or(0);
-    const int32_t endianness = IfKnown([&] { return buffer.PixelEndianness(); }).value_or(0);
-    layout.bigEndian = endianness == KORO_PIXELENDIANNESS_BIG;
-    return layout;
-}
-
 } // namespace
 
 GrabSession::GrabSession(const DeviceDescriptor& camera, const GrabSettings& wished)
@@ -90,6 +64,7 @@ GrabSession::GrabSession(const DeviceDescriptor& camera, const GrabSettings& wis
     FindNodes();
     if (!settings.settings.empty())
         Apply(nodes, device.RemoteDevice().Port(), ParseAssignments(settings.settings), "remote device");
+    geometry = ReadScan3D(nodes);
     AnnounceBuffers();
 }
 
@@ -192,26 +167,25 @@ bool GrabSession::SaveFrame(const Buffer& buffer, PictureSaver& saver)
 {
     const auto found = memory.find(buffer.Get());
     if (found == memory.end()) throw ToolError("The producer delivered a buffer that it was not given.");
-    const uint8_t* const bytes = found->second.Data();
-    // Read from our own memory and never beyond it, whatever the producer claims.
     const size_t capacity = found->second.Size();
     const size_t size = std::min(IfKnown([&] { return buffer.DeliveredDataSize(); }).value_or(capacity), capacity);
 
     Count(size);
     const bool incomplete = IfKnown([&] { return buffer.IsIncomplete(); }).value_or(false);
-    bool useful = IfKnown([&] { return buffer.HasNewData(); }).value_or(true) && size > 0;
-    if (useful && settings.format == FileFormat::Raw)
-    {
-        saver.Save(RawFrame(bytes, bytes + size));
-    }
-    else if (useful)
-    {
-        const FrameLayout layout = LayoutOf(buffer);
-        useful = BytesNeeded(layout) <= size;
-        if (useful) saver.Save(ToPicture(layout, bytes, size));
-    }
+    const bool filled = IfKnown([&] { return buffer.HasNewData(); }).value_or(true) && size > 0;
+    FrameFiles files;
+    if (filled) files = FilesOf(buffer, {found->second.Data(), size});
+    const bool useful = !files.empty();
+    if (useful) saver.Save(std::move(files));
     if (incomplete || !useful) ++statistics.numIncomplete;
     return useful;
+}
+
+FrameFiles GrabSession::FilesOf(const Buffer& buffer, const FrameBytes& bytes) const
+{
+    if (settings.format == FileFormat::Raw) return ToRawFile(bytes.data, bytes.size);
+    if (IsMultiPart(buffer)) return ToPartFiles(ReadParts(buffer, bytes), settings.format, geometry);
+    return ToPictureFiles(ReadImage(buffer, bytes), settings.format, geometry);
 }
 
 void GrabSession::Count(size_t size)

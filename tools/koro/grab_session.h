@@ -3,10 +3,11 @@
 // Owned by `koro grab`; used on one thread, while KillWait of the interrupt comes from another.
 #pragma once
 
+#include "tools/koro/frame_files.h"
 #include "tools/koro/frame_memory.h"
+#include "tools/koro/frame_reader.h"
 #include "tools/koro/interrupt.h"
 #include "tools/koro/picture_saver.h"
-#include "tools/koro/pixel_conversion.h"
 #include <koro/koro.hpp>
 
 #include <chrono>
@@ -58,12 +59,14 @@ private:
     void TakeFrames(const Interrupt& interrupt, PictureSaver& saver);
     std::optional<Buffer> Wait(const Interrupt& interrupt);
     bool SaveFrame(const Buffer& buffer, PictureSaver& saver);
+    FrameFiles FilesOf(const Buffer& buffer, const FrameBytes& bytes) const;
     void Count(size_t size);
     void Stop(Acquisition& acquisition);
 
     const GrabSettings settings;
     Device device;
     NodeMap nodes;                                   // the camera's features; empty when it has no usable description
+    std::optional<Scan3D> geometry;                  // of a 3D camera
     std::map<KORO_BufferHandle, FrameMemory> memory; // longer than the stream, which lets go of it
     DataStream stream;
     GrabStatistics statistics;

@@ -157,6 +157,28 @@ void WriteTIFF(const Picture& picture, const std::filesystem::path& path)
     file.Commit();
 }
 
+void WritePLY(const PointCloud& points, const std::filesystem::path& path)
+{
+    const bool hasColours = !points.colours.empty();
+    std::string content = "ply\nformat binary_little_endian 1.0\nelement vertex " + std::to_string(points.NumPoints()) +
+                          "\nproperty float x\nproperty float y\nproperty float z\n";
+    if (hasColours) content += "property uchar red\nproperty uchar green\nproperty uchar blue\n";
+    content += "end_header\n";
+    content.reserve(content.size() + points.NumPoints() * (hasColours ? 15 : 12));
+    for (size_t point = 0; point < points.NumPoints(); ++point)
+    {
+        for (size_t axis = 0; axis < 3; ++axis)
+        {
+            const auto bits = std::bit_cast<uint32_t>(points.coordinates[3 * point + axis]);
+            for (unsigned shift = 0; shift < 32; shift += 8)
+                content.push_back(static_cast<char>(bits >> shift & 0xFF));
+        }
+        for (size_t channel = 0; hasColours && channel < 3; ++channel)
+            content.push_back(static_cast<char>(points.colours[3 * point + channel]));
+    }
+    WriteRaw(reinterpret_cast<const uint8_t*>(content.data()), content.size(), path);
+}
+
 void WriteRaw(const uint8_t* bytes, size_t size, const std::filesystem::path& path)
 {
     PendingFile file(path);

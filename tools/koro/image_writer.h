@@ -1,7 +1,8 @@
-// Image writers: a picture or the bytes of a frame into a file, whole or not at all. Any thread.
+// Image writers: a picture, points or the bytes of a frame into a file, whole or not at all. Any thread.
 #pragma once
 
 #include "tools/koro/picture.h"
+#include "tools/koro/point_cloud.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -13,6 +14,8 @@ namespace koro::tool
 // Each throws ToolError with the reason of the system or of the image library.
 void WritePNG(const Picture& picture, const std::filesystem::path& path);
 void WriteTIFF(const Picture& picture, const std::filesystem::path& path);
+// The binary form of PLY: x, y and z as float, then red, green and blue if the points have colours.
+void WritePLY(const PointCloud& points, const std::filesystem::path& path);
 void WriteRaw(const uint8_t* bytes, size_t size, const std::filesystem::path& path);
 
 } // namespace koro::tool

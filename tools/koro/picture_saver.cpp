@@ -17,24 +17,20 @@ namespace
 // Bounds the memory when the disk is slower than the camera.
 constexpr size_t maxWaiting = 8;
 
-const char* SuffixOf(FileFormat format)
+void Write(const FrameFile& file, const std::filesystem::path& path)
 {
-    switch (format)
-    {
-    case FileFormat::PNG:
-        return ".png";
-    case FileFormat::TIFF:
-        return ".tiff";
-    case FileFormat::Raw:
-        return ".raw";
-    }
-    return "";
+    if (const auto* picture = std::get_if<Picture>(&file.content))
+        file.suffix == ".tiff" ? WriteTIFF(*picture, path) : WritePNG(*picture, path);
+    else if (const auto* points = std::get_if<PointCloud>(&file.content))
+        WritePLY(*points, path);
+    else if (const auto* bytes = std::get_if<RawBytes>(&file.content))
+        WriteRaw(bytes->data(), bytes->size(), path);
 }
 
 } // namespace
 
-PictureSaver::PictureSaver(std::filesystem::path target, std::string name, FileFormat kind, Progress& shown)
-    : folder(std::move(target)), prefix(std::move(name)), format(kind), progress(shown), worker([this] { Work(); })
+PictureSaver::PictureSaver(std::filesystem::path target, std::string name, Progress& shown)
+    : folder(std::move(target)), prefix(std::move(name)), progress(shown), worker([this] { Work(); })
 {}
 
 PictureSaver::~PictureSaver()
@@ -42,12 +38,12 @@ PictureSaver::~PictureSaver()
     End();
 }
 
-void PictureSaver::Save(std::variant<Picture, RawFrame> content)
+void PictureSaver::Save(FrameFiles files, std::string remark)
 {
     std::unique_lock<std::mutex> lock(mutex);
     changed.wait(lock, [this] { return waiting.size() < maxWaiting || failure; });
     if (failure) std::rethrow_exception(failure);
-    waiting.push_back(std::move(content));
+    waiting.push_back({std::move(files), std::move(remark)});
     changed.notify_all();
 }
 
@@ -61,6 +57,12 @@ uint64_t PictureSaver::NumSaved() const
 {
     const std::lock_guard<std::mutex> lock(mutex);
     return numSaved;
+}
+
+uint64_t PictureSaver::NumFiles() const
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    return numFiles;
 }
 
 void PictureSaver::End() noexcept
@@ -80,7 +82,7 @@ void PictureSaver::Work()
     {
         changed.wait(lock, [this] { return ending || !waiting.empty(); });
         if (waiting.empty()) return;
-        const auto content = std::move(waiting.front());
+        const Frame frame = std::move(waiting.front());
         waiting.pop_front();
         const uint64_t number = numSaved + 1;
         changed.notify_all();
@@ -89,7 +91,7 @@ void PictureSaver::Work()
         std::exception_ptr problem;
         try
         {
-            WriteOne(content, number);
+            WriteOne(frame, number);
         }
         catch (...)
         {
@@ -103,27 +105,23 @@ void PictureSaver::Work()
             return;
         }
         ++numSaved;
+        numFiles += frame.files.size();
     }
 }
 
-void PictureSaver::WriteOne(const std::variant<Picture, RawFrame>& content, uint64_t number)
+void PictureSaver::WriteOne(const Frame& frame, uint64_t number)
 {
     char digits[32];
     std::snprintf(digits, sizeof digits, "-%06" PRIu64, number);
-    const std::filesystem::path path = folder / (prefix + digits + SuffixOf(format));
-    if (const auto* frame = std::get_if<RawFrame>(&content))
+    std::vector<std::string> paths;
+    for (const FrameFile& file : frame.files)
     {
-        WriteRaw(frame->data(), frame->size(), path);
+        const std::string label = file.label.empty() ? "" : "-" + file.label;
+        const std::filesystem::path path = folder / (prefix + digits + label + file.suffix);
+        Write(file, path);
+        paths.push_back(path.string());
     }
-    else if (format == FileFormat::TIFF)
-    {
-        WriteTIFF(std::get<Picture>(content), path);
-    }
-    else
-    {
-        WritePNG(std::get<Picture>(content), path);
-    }
-    progress.Saved(path.string());
+    progress.Saved(paths, frame.remark);
 }
 
 std::string FileNamePrefix(const std::string& text)

@@ -1,9 +1,9 @@
-// PictureSaver: writes pictures to files on a thread of its own, so that encoding does not hold up the camera.
+// PictureSaver: writes the files of frames on a thread of its own, so that encoding does not hold up the camera.
 //
-// Owned by one grab. Save() and Finish() on one thread; it waits when too many pictures stand in line.
+// Owned by one grab. Save() and Finish() on one thread; it waits when too many frames stand in line.
 #pragma once
 
-#include "tools/koro/picture.h"
+#include "tools/koro/frame_files.h"
 #include "tools/koro/progress.h"
 
 #include <condition_variable>
@@ -14,53 +14,50 @@
 #include <mutex>
 #include <string>
 #include <thread>
-#include <variant>
-#include <vector>
 
 namespace koro::tool
 {
 
-enum class FileFormat
-{
-    PNG,
-    TIFF,
-    Raw,
-};
-
-// The bytes of a frame as they came, for FileFormat::Raw.
-using RawFrame = std::vector<uint8_t>;
-
 class PictureSaver
 {
 public:
-    // Files are named <folder>/<prefix>-<six digits>.<suffix of the format>, counted from 1.
-    PictureSaver(std::filesystem::path folder, std::string prefix, FileFormat format, Progress& progress);
+    // Files are named <folder>/<prefix>-<six digits>[-<label>]<suffix>, the frames counted from 1.
+    PictureSaver(std::filesystem::path folder, std::string prefix, Progress& progress);
     PictureSaver(const PictureSaver&) = delete;
     PictureSaver& operator=(const PictureSaver&) = delete;
-    // Pictures that still stand in line are written.
+    // Frames that still stand in line are written.
     ~PictureSaver();
 
-    // Throws what an earlier write failed with; nothing is taken after that.
-    void Save(std::variant<Picture, RawFrame> content);
+    // Takes the files of the next frame, and what to say beside them. Throws what an earlier write failed with; nothing
+    // is taken after that.
+    void Save(FrameFiles files, std::string remark = {});
     // Waits for the last file. Throws what a write failed with.
     void Finish();
+    // Frames whose files are all there.
     uint64_t NumSaved() const;
+    uint64_t NumFiles() const;
 
 private:
+    struct Frame
+    {
+        FrameFiles files;
+        std::string remark;
+    };
+
     void Work();
-    void WriteOne(const std::variant<Picture, RawFrame>& content, uint64_t number);
+    void WriteOne(const Frame& frame, uint64_t number);
     void End() noexcept;
 
     const std::filesystem::path folder;
     const std::string prefix;
-    const FileFormat format;
     Progress& progress;
 
     mutable std::mutex mutex; // guards all below but the thread
     std::condition_variable changed;
-    std::deque<std::variant<Picture, RawFrame>> waiting;
+    std::deque<Frame> waiting;
     std::exception_ptr failure;
     uint64_t numSaved = 0;
+    uint64_t numFiles = 0;
     bool ending = false;
     std::thread worker; // last: it uses everything above
 };

@@ -70,6 +70,14 @@ constexpr PixelFormat formats[] = {
     Bayer(0x01100030, "BayerGB16", Packing::Words, 16, Mosaic::GB),
     Bayer(0x01100031, "BayerBG16", Packing::Words, 16, Mosaic::BG),
 
+    Mono(0x010800AF, "Coord3D_A8", Packing::Bytes, 8),
+    Mono(0x010800B1, "Coord3D_C8", Packing::Bytes, 8),
+    Mono(0x011000B6, "Coord3D_A16", Packing::Words, 16),
+    Mono(0x011000B7, "Coord3D_B16", Packing::Words, 16),
+    Mono(0x011000B8, "Coord3D_C16", Packing::Words, 16),
+    Mono(0x010800C6, "Confidence8", Packing::Bytes, 8),
+    Mono(0x011000C7, "Confidence16", Packing::Words, 16),
+
     Colour(0x02180014, "RGB8", Packing::Bytes, 8, Channels::RGB),
     Colour(0x02180015, "BGR8", Packing::Bytes, 8, Channels::BGR),
     Colour(0x02200016, "RGBa8", Packing::Bytes, 8, Channels::RGBa),

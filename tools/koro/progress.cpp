@@ -1,7 +1,6 @@
 #include "tools/koro/progress.h"
 
 #include <algorithm>
-#include <cinttypes>
 
 namespace koro::tool
 {
@@ -12,15 +11,44 @@ Progress::Progress(std::FILE* shownOn, bool onTerminal, uint64_t expected)
 
 Progress::~Progress()
 {
-    if (isTerminal && done > 0) std::fputc('\n', stream);
+    if (isDrawn) std::fputc('\n', stream);
 }
 
-void Progress::Saved(const std::string& file)
+void Progress::Saved(const std::vector<std::string>& files, const std::string& remark)
 {
     const std::lock_guard<std::mutex> lock(mutex);
     ++done;
-    if (isTerminal) return DrawBar();
-    std::fprintf(stream, "%" PRIu64 "/%" PRIu64 " %s\n", done, total, file.c_str());
+    const std::string count = std::to_string(done) + "/" + std::to_string(total) + " ";
+    if (!isTerminal)
+    {
+        for (const std::string& file : files)
+            ShowLine(count + file);
+        if (!remark.empty()) ShowLine("    " + remark);
+        return;
+    }
+    if (!remark.empty()) ShowLine(count + remark);
+    DrawBar();
+}
+
+void Progress::Say(const std::string& line)
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    ShowLine(line);
+    if (isTerminal) DrawBar();
+}
+
+// On a terminal the line takes the place of the bar, which has to be drawn anew.
+void Progress::ShowLine(const std::string& line)
+{
+    if (isTerminal)
+    {
+        std::fprintf(stream, "\r\33[K%s\n", line.c_str());
+        lastDrawn = {};
+    }
+    else
+    {
+        std::fprintf(stream, "%s\n", line.c_str());
+    }
     std::fflush(stream);
 }
 
@@ -30,6 +58,7 @@ void Progress::DrawBar()
     const auto now = std::chrono::steady_clock::now();
     if (done < total && now - lastDrawn < std::chrono::milliseconds(50)) return;
     lastDrawn = now;
+    isDrawn = true;
     std::fprintf(stream, "\r%s", ProgressBar(done, total).c_str());
     std::fflush(stream);
 }

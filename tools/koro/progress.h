@@ -1,10 +1,11 @@
-// Progress: how far a grab has come. A bar on a terminal, one line a picture elsewhere. Any thread.
+// Progress: how far a grab has come. A bar on a terminal, one line a file elsewhere. Any thread.
 #pragma once
 
 #include <chrono>
 #include <cstdio>
 #include <mutex>
 #include <string>
+#include <vector>
 
 namespace koro::tool
 {
@@ -12,16 +13,20 @@ namespace koro::tool
 class Progress
 {
 public:
-    // `total` pictures are to come. The stream belongs to the caller and outlives this object.
+    // `total` frames are to come. The stream belongs to the caller and outlives this object.
     Progress(std::FILE* stream, bool isTerminal, uint64_t total);
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
     // Ends the bar's line.
     ~Progress();
 
-    void Saved(const std::string& file);
+    // The files of the next frame are there. A remark is shown everywhere, on a terminal above the bar.
+    void Saved(const std::vector<std::string>& files, const std::string& remark = {});
+    // A line between two frames.
+    void Say(const std::string& line);
 
 private:
+    void ShowLine(const std::string& line);
     void DrawBar();
 
     std::FILE* const stream;
@@ -30,6 +35,7 @@ private:
 
     std::mutex mutex; // guards all below
     uint64_t done = 0;
+    bool isDrawn = false;
     std::chrono::steady_clock::time_point lastDrawn;
 };
 

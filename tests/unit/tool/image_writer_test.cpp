@@ -129,4 +129,25 @@ TEST(ImageWriter, FullDiskIsReportedByEveryFormat)
     EXPECT_FALSE(std::filesystem::exists(folder.File("full")));
 }
 
+TEST(ImageWriter, PointsAreABinaryPLY)
+{
+    const TemporaryFolder folder;
+    const std::string path = folder.File("points.ply");
+    WritePLY({{1.0F, -2.0F, 0.5F}, {7, 8, 255}}, path);
+    std::ifstream file(path, std::ios::binary);
+    const std::string content{std::istreambuf_iterator<char>(file), {}};
+    using namespace std::string_literals;
+    EXPECT_EQ(
+        content, "ply\nformat binary_little_endian 1.0\nelement vertex 1\nproperty float x\nproperty float y\n"
+                 "property float z\nproperty uchar red\nproperty uchar green\nproperty uchar blue\nend_header\n"
+                 "\x00\x00\x80\x3f\x00\x00\x00\xc0\x00\x00\x00\x3f\x07\x08\xff"s);
+    WritePLY({{1.0F, -2.0F, 0.5F}, {}}, path);
+    std::ifstream plain(path, std::ios::binary);
+    const std::string withoutColours{std::istreambuf_iterator<char>(plain), {}};
+    EXPECT_EQ(
+        withoutColours, "ply\nformat binary_little_endian 1.0\nelement vertex 1\nproperty float x\n"
+                        "property float y\nproperty float z\nend_header\n"
+                        "\x00\x00\x80\x3f\x00\x00\x00\xc0\x00\x00\x00\x3f"s);
+}
+
 } // namespace

@@ -13,9 +13,9 @@ using namespace koro::tool;
 using koro::test::ReadPNG;
 using koro::test::TemporaryFolder;
 
-Picture Grey(uint8_t value)
+FrameFiles Grey(uint8_t value, const char* suffix = ".png")
 {
-    return {2, 1, 1, Samples8{value, value}};
+    return {{"", suffix, Picture{2, 1, 1, Samples8{value, value}}}};
 }
 
 // A progress that nobody sees.
@@ -31,7 +31,7 @@ TEST(PictureSaver, PicturesAreNumberedInTheirOrder)
 {
     const TemporaryFolder folder;
     Silence silence;
-    PictureSaver saver(folder.Path(), "cam", FileFormat::PNG, silence.progress);
+    PictureSaver saver(folder.Path(), "cam", silence.progress);
     for (uint8_t i = 1; i <= 20; ++i)
         saver.Save(Grey(i));
     saver.Finish();
@@ -45,9 +45,9 @@ TEST(PictureSaver, WhatStandsInLineIsWrittenAtTheEnd)
     const TemporaryFolder folder;
     Silence silence;
     {
-        PictureSaver saver(folder.Path(), "cam", FileFormat::TIFF, silence.progress);
+        PictureSaver saver(folder.Path(), "cam", silence.progress);
         for (uint8_t i = 0; i < 5; ++i)
-            saver.Save(Grey(i));
+            saver.Save(Grey(i, ".tiff"));
     }
     EXPECT_TRUE(std::filesystem::exists(folder.File("cam-000005.tiff")));
 }
@@ -56,17 +56,35 @@ TEST(PictureSaver, RawFramesAreWrittenAsTheyAre)
 {
     const TemporaryFolder folder;
     Silence silence;
-    PictureSaver saver(folder.Path(), "cam", FileFormat::Raw, silence.progress);
-    saver.Save(RawFrame{1, 2, 3});
+    PictureSaver saver(folder.Path(), "cam", silence.progress);
+    saver.Save({{"", ".raw", RawBytes{1, 2, 3}}});
     saver.Finish();
     EXPECT_EQ(std::filesystem::file_size(folder.File("cam-000001.raw")), 3u);
+}
+
+TEST(PictureSaver, FilesOfOneFrameHaveItsNumberAndTheirLabels)
+{
+    const TemporaryFolder folder;
+    Silence silence;
+    PictureSaver saver(folder.Path(), "cam", silence.progress);
+    saver.Save(Grey(1));
+    saver.Save(
+        {{"range", ".png", Picture{1, 1, 1, Samples16{300}}},
+         {"points", ".ply", PointCloud{{1.0F, 2.0F, 3.0F}, {}}},
+         {"data", ".raw", RawBytes{7}}});
+    saver.Finish();
+    EXPECT_EQ(saver.NumSaved(), 2u);
+    EXPECT_EQ(saver.NumFiles(), 4u);
+    EXPECT_EQ(std::get<Samples16>(ReadPNG(folder.File("cam-000002-range.png")).samples)[0], 300);
+    EXPECT_TRUE(std::filesystem::exists(folder.File("cam-000002-points.ply")));
+    EXPECT_EQ(std::filesystem::file_size(folder.File("cam-000002-data.raw")), 1u);
 }
 
 TEST(PictureSaver, FailureReachesTheCaller)
 {
     const TemporaryFolder folder;
     Silence silence;
-    PictureSaver saver(folder.File("missing"), "cam", FileFormat::PNG, silence.progress);
+    PictureSaver saver(folder.File("missing"), "cam", silence.progress);
     // More than may stand in line: without the failure's notice this would wait for ever.
     EXPECT_THROW(
         {

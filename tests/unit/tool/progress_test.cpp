@@ -18,7 +18,7 @@ std::string Shown(bool isTerminal, uint64_t total, std::initializer_list<const c
     {
         Progress progress(stream, isTerminal, total);
         for (const char* file : files)
-            progress.Saved(file);
+            progress.Saved({file});
     }
     std::fclose(stream);
     const std::string shown(text, size);
@@ -44,6 +44,37 @@ TEST(Progress, TerminalGetsABarThatEndsFull)
     const std::string shown = Shown(true, 2, {"a.png", "b.png"});
     EXPECT_THAT(shown, testing::EndsWith("\r" + ProgressBar(2, 2) + "\n"));
     EXPECT_THAT(shown, testing::Not(testing::HasSubstr("a.png")));
+}
+
+// What two frames of several files with remarks, and a line between them, look like.
+std::string ShownWithRemarks(bool isTerminal)
+{
+    char* text = nullptr;
+    size_t size = 0;
+    std::FILE* stream = open_memstream(&text, &size);
+    {
+        Progress progress(stream, isTerminal, 2);
+        progress.Saved({"a.png", "a.ply"}, "gain 1");
+        progress.Say("lost");
+        progress.Saved({"b.png"}, "gain 2");
+    }
+    std::fclose(stream);
+    const std::string shown(text, size);
+    std::free(text);
+    return shown;
+}
+
+TEST(Progress, RemarksStandBelowTheFilesOfTheirFrame)
+{
+    EXPECT_EQ(ShownWithRemarks(false), "1/2 a.png\n1/2 a.ply\n    gain 1\nlost\n2/2 b.png\n    gain 2\n");
+}
+
+TEST(Progress, OnATerminalRemarksStandAboveTheBar)
+{
+    const std::string clear = "\r\33[K";
+    EXPECT_EQ(
+        ShownWithRemarks(true), clear + "1/2 gain 1\n\r" + ProgressBar(1, 2) + clear + "lost\n\r" + ProgressBar(1, 2) +
+                                    clear + "2/2 gain 2\n\r" + ProgressBar(2, 2) + "\n");
 }
 
 TEST(Progress, NothingSavedShowsNothing)
