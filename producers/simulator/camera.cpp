@@ -74,13 +74,34 @@ bool Camera::VanishesAtFrame(std::uint64_t n) const noexcept
 bool Camera::IsPresent() const
 {
     const std::lock_guard lock(mutex);
-    return present;
+    return present && !unplugged;
+}
+
+bool Camera::IsUnplugged() const
+{
+    const std::lock_guard lock(mutex);
+    return unplugged;
+}
+
+bool Camera::Unplug(bool losesPower)
+{
+    const std::lock_guard lock(mutex);
+    if (!present || unplugged) return false;
+    unplugged = true;
+    if (losesPower) LosePower();
+    return true;
+}
+
+bool Camera::Replug()
+{
+    const std::lock_guard lock(mutex);
+    return std::exchange(unplugged, false);
 }
 
 void Camera::Vanish()
 {
     const std::lock_guard lock(mutex);
-    Unplug(deviceFault.missingUpdates);
+    Leave(deviceFault.missingUpdates);
 }
 
 void Camera::VanishAfterReset()
@@ -88,15 +109,20 @@ void Camera::VanishAfterReset()
     if (settings.resetMissingUpdates == 0) return;
     const std::uint64_t resets = features->NumResets();
     const std::lock_guard lock(mutex);
-    if (resets > resetsSeen) Unplug(settings.resetMissingUpdates);
+    if (resets > resetsSeen) Leave(settings.resetMissingUpdates);
 }
 
-void Camera::Unplug(std::uint64_t updates)
+void Camera::Leave(std::uint64_t updates)
 {
-    if (!present) return; // gone already: what it missed goes on counting
+    if (!present || unplugged) return; // gone already: what it missed goes on counting
     present = false;
     numMissed = 0;
     missingUpdates = updates;
+    LosePower();
+}
+
+void Camera::LosePower()
+{
     features->OnPowerLoss();
     resetsSeen = 0;
 }
@@ -109,9 +135,9 @@ PortFacts Camera::Facts(const char* module, const char* portName) const
 bool Camera::OnListUpdate()
 {
     const std::lock_guard lock(mutex);
-    if (++numUpdates == deviceFault.vanishAtUpdate) Unplug(deviceFault.missingUpdates);
+    if (++numUpdates == deviceFault.vanishAtUpdate) Leave(deviceFault.missingUpdates);
     if (!present && missingUpdates > 0 && numMissed++ == missingUpdates) present = true;
-    return present;
+    return present && !unplugged;
 }
 
 } // namespace koro::simulator

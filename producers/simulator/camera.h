@@ -43,7 +43,13 @@ public:
 
     std::string UserName() const { return features->UserName(); }
 
+    // Neither unplugged nor gone otherwise.
     bool IsPresent() const;
+    // The cable is pulled until Replug; false when the camera was gone before. One that gets its power over the cable
+    // begins anew.
+    bool Unplug(bool losesPower);
+    bool Replug(); // false when the cable was not pulled
+    bool IsUnplugged() const;
     // A camera that is gone already stays gone as long as it was told.
     void Vanish();
     // Goes after each DeviceReset when the settings want it.
@@ -52,7 +58,8 @@ public:
     bool OnListUpdate();
 
 private:
-    void Unplug(std::uint64_t updates); // mutex held
+    void Leave(std::uint64_t updates); // mutex held
+    void LosePower();                  // mutex held
 
     const CameraSettings settings;
     const CameraConnection connection;
@@ -65,6 +72,7 @@ private:
 
     mutable std::mutex mutex; // guards all below
     bool present = true;
+    bool unplugged = false; // apart from `present`: ends by Replug alone
     std::uint64_t numUpdates = 0;
     std::uint64_t numMissed = 0;
     std::uint64_t missingUpdates = 0; // this time; 0: for good

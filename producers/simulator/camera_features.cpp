@@ -85,6 +85,11 @@ void CameraFeatures::Write(std::uint64_t address, std::span<const std::byte> in)
         const std::lock_guard lock(map.Lock());
         wasWritten = true;
     }
+    Announce();
+}
+
+void CameraFeatures::Announce()
+{
     const std::lock_guard lock(listenerMutex);
     for (const auto& [number, listener] : listeners)
         listener();

@@ -82,6 +82,8 @@ public:
     // `onWrite` until Unlisten of the result.
     std::uint64_t Listen(std::function<void()> onWrite);
     void Unlisten(std::uint64_t listener);
+    // Calls the listeners.
+    void Announce();
 
     // How often DeviceReset was executed by this process, since the power was lost.
     std::uint64_t NumResets() const;

@@ -47,7 +47,7 @@ const std::string& DataStream::TheId()
 DataStream::DataStream(std::shared_ptr<Device> parentDevice)
     : parent(std::move(parentDevice)), camera(parent->SharedCamera()), port(StreamFacts(*parent), MakeRegisters()),
       engine(
-          mutex, queue, camera, parent->ConnectionLost(),
+          mutex, queue, camera, parent->TheConnection(),
           {[this] { parent->OnCameraLost(); },
            [this] {
                RaiseEvent(EVENT_ERROR, ErrorBlock(GC_ERR_BUFFER_TOO_SMALL, "the buffer is too small for the image"));
@@ -176,7 +176,7 @@ void DataStream::StopEngine(bool kill)
     if (!engine.IsStarted()) return;
     engine.Stop(kill);
     // A camera that went has stopped by itself, and may be open again elsewhere.
-    if (!*parent->ConnectionLost()) camera->Features().OnStreamStop();
+    if (!parent->TheConnection()->IsLost()) camera->Features().OnStreamStop();
 }
 
 void DataStream::Stop(ACQ_STOP_FLAGS flags)
@@ -186,6 +186,12 @@ void DataStream::Stop(ACQ_STOP_FLAGS flags)
     const std::lock_guard steering(control);
     if (!engine.IsStarted()) throw Failure(GC_ERR_RESOURCE_IN_USE, "the acquisition is not started");
     StopEngine(flags == ACQ_STOP_FLAGS_KILL);
+}
+
+void DataStream::CutOff()
+{
+    const std::lock_guard steering(control);
+    engine.CutOff();
 }
 
 void DataStream::OnClose()

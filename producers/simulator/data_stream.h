@@ -37,6 +37,8 @@ public:
     void Flush(ACQ_QUEUE_TYPE operation);
     void Start(ACQ_START_FLAGS flags, std::uint64_t number);
     void Stop(ACQ_STOP_FLAGS flags);
+    // What is being filled is delivered as it is; once this returns, nothing of the time before comes any more.
+    void CutOff();
 
     // Throws GC_ERR_INVALID_HANDLE for a buffer of another stream.
     InfoValue BufferInfo(const Buffer& buffer, BUFFER_INFO_CMD command) const;

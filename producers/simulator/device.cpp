@@ -2,7 +2,9 @@
 
 #include "producers/simulator/data_stream.h"
 #include "producers/simulator/interface.h"
+#include "producers/simulator/library.h"
 #include "producers/simulator/producer_facts.h"
+#include "producers/simulator/system.h"
 
 #include <utility>
 
@@ -104,13 +106,15 @@ RemoteDevice::RemoteDevice(const Camera& camera, PortRegisters registers, Port::
 Device::Device(
     std::shared_ptr<Interface> parentInterface, std::shared_ptr<Camera> openedCamera, DEVICE_ACCESS_FLAGS openedWith)
     : parent(std::move(parentInterface)), camera(std::move(openedCamera)), access(openedWith),
-      claim(Claim(*camera, access)), port(camera->Facts("TLDevice", "DevicePort"), MakeRegisters())
+      claim(Claim(*camera, access)),
+      connection(std::make_shared<Connection>(parent->Parent()->TheLibrary().Connection().deadCameraError)),
+      port(camera->Facts("TLDevice", "DevicePort"), MakeRegisters())
 {}
 
 void Device::Connect()
 {
-    const auto gate = [connectionLost = lost, readOnly = access == DEVICE_ACCESS_READONLY](bool write) {
-        if (*connectionLost) throw Failure(GC_ERR_IO, "the camera is gone");
+    const auto gate = [link = connection, readOnly = access == DEVICE_ACCESS_READONLY](bool write) {
+        link->Require();
         if (write && readOnly) throw Failure(GC_ERR_ACCESS_DENIED, "the device is open for reading only");
     };
     PortRegisters registers = camera->Registers();
@@ -149,13 +153,8 @@ bool Device::SupportsEvent(EVENT_TYPE type) const noexcept
 
 DEVICE_ACCESS_STATUS Device::AccessStatus() const noexcept
 {
-    if (*lost) return DEVICE_ACCESS_STATUS_NOACCESS;
+    if (!connection->IsUp()) return DEVICE_ACCESS_STATUS_NOACCESS;
     return access == DEVICE_ACCESS_READONLY ? DEVICE_ACCESS_STATUS_OPEN_READONLY : DEVICE_ACCESS_STATUS_OPEN_READWRITE;
-}
-
-void Device::RequireConnection() const
-{
-    if (*lost) throw Failure(GC_ERR_IO, "the camera is gone");
 }
 
 void Device::RequireStreamAccess() const
@@ -167,7 +166,29 @@ void Device::RequireStreamAccess() const
 void Device::OnCameraLost()
 {
     camera->Vanish();
-    if (!lost->exchange(true)) RaiseEvent(EVENT_ERROR, ErrorBlock(GC_ERR_IO, "the camera is gone"));
+    if (connection->Lose()) RaiseCameraGone();
+}
+
+void Device::RaiseCameraGone()
+{
+    RaiseEvent(EVENT_ERROR, ErrorBlock(connection->FailureCode(), "the camera is gone"));
+}
+
+void Device::SilenceStream()
+{
+    if (const auto stream = streams.Find(DataStream::TheId())) stream->CutOff();
+}
+
+void Device::OnInterruption()
+{
+    if (!connection->Interrupt()) return;
+    SilenceStream();
+    RaiseCameraGone();
+}
+
+void Device::OnRestoration()
+{
+    if (connection->Restore()) camera->Features().Announce();
 }
 
 void Device::OnCameraWritten()
@@ -187,7 +208,7 @@ std::shared_ptr<DataStream> Device::OpenStream(const std::string& id)
 void Device::OnClose()
 {
     streams.CloseAll();
-    if (!*lost && access != DEVICE_ACCESS_READONLY) camera->Features().OnRelease();
+    if (!connection->IsLost() && access != DEVICE_ACCESS_READONLY) camera->Features().OnRelease();
     remote->Close();
     claim.reset();
     parent->Forget(*this);

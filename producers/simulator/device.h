@@ -1,13 +1,14 @@
 // Device: an open camera, the local module, and RemoteDevice: the port of the camera behind it.
 //
-// A device whose camera went away stays open, with operations that fail, until it is closed; it never comes back.
+// A device whose camera went away stays open, with operations that fail, until it is closed. It works again when the
+// camera was only unplugged, with its power from elsewhere; else it never does.
 #pragma once
 
 #include "producers/simulator/camera.h"
 #include "producers/simulator/child_list.h"
+#include "producers/simulator/connection.h"
 #include "producers/simulator/module.h"
 
-#include <atomic>
 #include <memory>
 #include <string>
 
@@ -50,25 +51,29 @@ public:
     std::shared_ptr<DataStream> OpenStream(const std::string& id);
     void Forget(const DataStream& stream) { streams.Forget(stream); }
 
-    // Set when the camera goes, never taken back.
-    std::shared_ptr<const std::atomic<bool>> ConnectionLost() const noexcept { return lost; }
-    void RequireConnection() const;
+    std::shared_ptr<const Connection> TheConnection() const noexcept { return connection; }
+    void RequireConnection() const { connection->Require(); }
     // A camera that several processes can open sends images to the one that controls it.
     void RequireStreamAccess() const;
-    // The camera's cable is pulled.
+    // The camera is gone for good.
     void OnCameraLost();
+    // The cable was pulled, and nothing comes through it any more once this returns; and back.
+    void OnInterruption();
+    void OnRestoration();
     // After a write to the camera, which may have reset it.
     void OnCameraWritten();
 
 private:
     bool SupportsEvent(EVENT_TYPE type) const noexcept override;
     void OnClose() override;
+    void RaiseCameraGone();
+    void SilenceStream();
 
     const std::shared_ptr<Interface> parent;
     const std::shared_ptr<Camera> camera;
     const DEVICE_ACCESS_FLAGS access;
     std::unique_ptr<CameraClaim> claim; // on a camera with a memory, until the close
-    const std::shared_ptr<std::atomic<bool>> lost = std::make_shared<std::atomic<bool>>(false);
+    const std::shared_ptr<Connection> connection;
     PortRegisters MakeRegisters();
 
     // Of the description; guarded by the lock of the registers.

@@ -73,7 +73,36 @@ InfoValue FeatureInfo(EVENT_TYPE type, std::string_view block, EVENT_DATA_INFO_C
     throw Failure(GC_ERR_NOT_AVAILABLE, "feature events have no such information");
 }
 
+InfoValue CustomInfo(std::string_view block, EVENT_DATA_INFO_CMD command)
+{
+    switch (command)
+    {
+    case EVENT_DATA_ID:
+        return InfoValue::Text("03E8");
+    case EVENT_DATA_VALUE:
+        return InfoValue::Bytes(block);
+    default:
+        return InfoValue::UInt64(EVENT_CUSTOM_ID);
+    }
+}
+
 } // namespace
+
+std::size_t UsualBlockBytes(EVENT_TYPE type) noexcept
+{
+    switch (type)
+    {
+    case EVENT_ERROR:
+        return maxErrorBlock;
+    case EVENT_NEW_BUFFER:
+        return sizeof(EVENT_NEW_BUFFER_DATA);
+    case EVENT_FEATURE_INVALIDATE:
+    case EVENT_FEATURE_CHANGE:
+        return maxFeatureBlock;
+    default:
+        return maxPacketBlock;
+    }
+}
 
 std::string ErrorBlock(GC_ERROR code, const std::string& text)
 {
@@ -84,8 +113,10 @@ std::string ErrorBlock(GC_ERROR code, const std::string& text)
 }
 
 EventQueue::EventQueue(
-    EVENT_TYPE eventType, std::shared_ptr<Module> owningModule, std::mutex& ownersMutex, BufferObserver* bufferObserver)
-    : type(eventType), owner(std::move(owningModule)), observer(bufferObserver), mutex(ownersMutex)
+    EVENT_TYPE eventType, std::shared_ptr<Module> owningModule, std::mutex& ownersMutex, BufferObserver* bufferObserver,
+    std::size_t longestBlock)
+    : type(eventType), owner(std::move(owningModule)), observer(bufferObserver), maxBlockBytes(longestBlock),
+      mutex(ownersMutex)
 {}
 
 GC_ERROR EventQueue::Take(void* buffer, std::size_t* size, std::uint64_t timeout_ms)
@@ -173,22 +204,6 @@ void EventQueue::DiscardAll() noexcept
     entries.clear();
 }
 
-std::size_t EventQueue::MaxBlockBytes() const noexcept
-{
-    switch (type)
-    {
-    case EVENT_ERROR:
-        return maxErrorBlock;
-    case EVENT_NEW_BUFFER:
-        return sizeof(EVENT_NEW_BUFFER_DATA);
-    case EVENT_FEATURE_INVALIDATE:
-    case EVENT_FEATURE_CHANGE:
-        return maxFeatureBlock;
-    default:
-        return maxPacketBlock;
-    }
-}
-
 InfoValue EventQueue::Info(EVENT_INFO_CMD command) const
 {
     const std::lock_guard lock(mutex);
@@ -201,11 +216,11 @@ InfoValue EventQueue::Info(EVENT_INFO_CMD command) const
     case EVENT_NUM_FIRED:
         return InfoValue::UInt64(numFired);
     case EVENT_SIZE_MAX:
-        return InfoValue::Size(MaxBlockBytes());
+        return InfoValue::Size(maxBlockBytes);
     case EVENT_INFO_DATA_SIZE_MAX:
         if (type == EVENT_FEATURE_INVALIDATE) throw Failure(GC_ERR_NOT_AVAILABLE, "this event carries no value");
         if (type == EVENT_NEW_BUFFER) return InfoValue::Size(sizeof(void*));
-        return InfoValue::Size(type == EVENT_ERROR || type == EVENT_FEATURE_CHANGE ? maxTextBytes : maxPacketBlock);
+        return InfoValue::Size(type == EVENT_ERROR || type == EVENT_FEATURE_CHANGE ? maxTextBytes : maxBlockBytes);
     default:
         throw Failure(GC_ERR_NOT_IMPLEMENTED, "unknown event information");
     }
@@ -225,6 +240,9 @@ InfoValue EventQueue::DataInfo(const void* block, std::size_t size, EVENT_DATA_I
     case EVENT_FEATURE_INVALIDATE:
     case EVENT_FEATURE_CHANGE:
         return FeatureInfo(type, bytes, command);
+    case EVENT_CUSTOM_ID:
+        if (size > maxBlockBytes) RefuseBlock();
+        return CustomInfo(bytes, command);
     // Nothing sends these yet, so no block can be theirs.
     default:
         RefuseBlock();

@@ -39,7 +39,9 @@ class EventQueue final : public Object
 {
 public:
     // `observer` may be null; owner and observer are the same object or live and die together.
-    EventQueue(EVENT_TYPE type, std::shared_ptr<Module> owner, std::mutex& ownersMutex, BufferObserver* observer);
+    EventQueue(
+        EVENT_TYPE type, std::shared_ptr<Module> owner, std::mutex& ownersMutex, BufferObserver* observer,
+        std::size_t maxBlockBytes);
 
     // EventGetData: success, GC_ERR_TIMEOUT, GC_ERR_ABORT, GC_ERR_BUFFER_TOO_SMALL or GC_ERR_INVALID_HANDLE after the
     // end.
@@ -61,11 +63,10 @@ private:
     GC_ERROR TakeLocked(void* buffer, std::size_t* size);
     void Wait(std::unique_lock<std::mutex>& lock, std::uint64_t timeout_ms);
     bool HasReason() const noexcept { return ended || pendingKills > 0 || !entries.empty(); }
-    std::size_t MaxBlockBytes() const noexcept;
-
     const EVENT_TYPE type;
     const std::shared_ptr<Module> owner;
     BufferObserver* const observer;
+    const std::size_t maxBlockBytes;
 
     std::mutex& mutex; // the owner's; guards all below
     std::condition_variable reason;
@@ -76,6 +77,9 @@ private:
     std::size_t numWaiters = 0;
     bool ended = false;
 };
+
+// The longest block of a type of the standard.
+std::size_t UsualBlockBytes(EVENT_TYPE type) noexcept;
 
 // The block of EVENT_ERROR: code, then the text with its terminator.
 std::string ErrorBlock(GC_ERROR code, const std::string& text);

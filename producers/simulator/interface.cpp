@@ -115,12 +115,14 @@ DEVICE_ACCESS_STATUS Interface::AccessStatusOf(const Camera& camera) const
 
 bool Interface::UpdateDevices()
 {
+    const bool staysListed = parent->TheLibrary().Connection().staysListed;
     std::vector<std::shared_ptr<Camera>> found;
     for (const auto& camera : model->cameras)
     {
-        if (camera->OnListUpdate())
+        const bool isFound = camera->OnListUpdate();
+        if (isFound || (staysListed && camera->IsUnplugged()))
             found.push_back(camera);
-        else if (const auto device = devices.Find(camera->Id()))
+        else if (const auto device = devices.Find(camera->Id()); device && !camera->IsUnplugged())
             device->OnCameraLost();
     }
     const std::lock_guard lock(mutex);
@@ -173,6 +175,19 @@ std::shared_ptr<Device> Interface::OpenDevice(const std::string& name, DEVICE_AC
         device->Connect();
         return device;
     });
+}
+
+void Interface::OnUnplugged(const Camera& camera, bool mayResume)
+{
+    const auto device = devices.Find(camera.Id());
+    if (!device) return;
+    device->OnInterruption();
+    if (!mayResume) device->OnCameraLost();
+}
+
+void Interface::OnReplugged(const Camera& camera)
+{
+    if (const auto device = devices.Find(camera.Id())) device->OnRestoration();
 }
 
 void Interface::OnClose()

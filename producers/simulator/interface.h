@@ -46,6 +46,9 @@ public:
     InfoValue DeviceInfoOf(const std::string& name, DEVICE_INFO_CMD command) const;
     std::shared_ptr<Device> OpenDevice(const std::string& name, DEVICE_ACCESS_FLAGS access);
     void Forget(const Device& device) { devices.Forget(device); }
+    // The camera's cable, when the camera is open.
+    void OnUnplugged(const Camera& camera, bool mayResume);
+    void OnReplugged(const Camera& camera);
 
 private:
     void OnClose() override;

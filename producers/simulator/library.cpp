@@ -38,7 +38,7 @@ std::shared_ptr<Camera> MakeCamera(
 Library::Library(const Settings& settings)
     : tlType(CommonType(settings.interfaces)), versionMajor(settings.versionMajor), versionMinor(settings.versionMinor),
       strictInit(settings.strictInit), portWriteLimit(settings.misbehaviour.portWriteLimit),
-      faults(std::make_shared<FaultPlan>(settings.misbehaviour))
+      connection(settings.connection), faults(std::make_shared<FaultPlan>(settings.misbehaviour))
 {
     for (const InterfaceSettings& interface : settings.interfaces)
     {
@@ -100,7 +100,17 @@ InfoValue Library::Info(TL_INFO_CMD command) const
 
 std::shared_ptr<System> Library::OpenSystem()
 {
-    return systems.Open(id, [this] { return std::make_shared<System>(shared_from_this()); });
+    auto system = systems.Open(id, [this] { return std::make_shared<System>(shared_from_this()); });
+    try
+    {
+        system->Plugs().Start();
+    }
+    catch (...)
+    {
+        system->Close();
+        throw;
+    }
+    return system;
 }
 
 } // namespace koro::simulator

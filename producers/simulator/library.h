@@ -2,6 +2,7 @@
 #pragma once
 
 #include "producers/simulator/child_list.h"
+#include "producers/simulator/connection_settings.h"
 #include "producers/simulator/fault_plan.h"
 #include "producers/simulator/interface.h"
 #include "producers/simulator/settings.h"
@@ -27,6 +28,7 @@ public:
     std::uint32_t VersionMajor() const noexcept { return versionMajor; }
     std::uint32_t VersionMinor() const noexcept { return versionMinor; }
     std::size_t PortWriteLimit() const noexcept { return portWriteLimit; }
+    const ConnectionSettings& Connection() const noexcept { return connection; }
 
     // The loaded file.
     static std::string PathName();
@@ -45,6 +47,7 @@ private:
     const std::uint32_t versionMinor;
     const bool strictInit;
     const std::size_t portWriteLimit;
+    const ConnectionSettings connection;
     std::vector<std::shared_ptr<const InterfaceModel>> interfaces;
     std::shared_ptr<FaultPlan> faults;
     ChildList<System> systems; // at most one

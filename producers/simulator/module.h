@@ -35,6 +35,8 @@ public:
 protected:
     // EVENT_ERROR and EVENT_MODULE, unless the module says otherwise.
     virtual bool SupportsEvent(EVENT_TYPE type) const noexcept;
+    // EVENT_SIZE_MAX.
+    virtual std::size_t MaxBlockBytes(EVENT_TYPE type) const noexcept;
     // A new registration, or null when it went; called with `mutex` held.
     virtual void OnRegistration(EVENT_TYPE, EventQueue*) noexcept {}
     virtual BufferObserver* Observer() noexcept { return nullptr; }
@@ -45,8 +47,11 @@ protected:
     mutable std::mutex mutex; // guards the registrations, and what derived classes say
 
 private:
-    static constexpr std::size_t numEventTypes = EVENT_MODULE + 1;
+    // Those of the standard, and EVENT_CUSTOM_ID.
+    static constexpr std::size_t numEventTypes = EVENT_MODULE + 2;
 
+    // Of a supported type.
+    std::shared_ptr<EventQueue>& RegistrationOf(EVENT_TYPE type);
     void RequireEvent(EVENT_TYPE type) const;
     std::shared_ptr<EventQueue> TakeRegistration(EVENT_TYPE type);
 

@@ -166,6 +166,17 @@ void CheckUnique(const std::vector<InterfaceSettings>& interfaces)
     }
 }
 
+void CheckScript(const Settings& settings)
+{
+    std::set<std::string> serials;
+    for (const InterfaceSettings& interface : settings.interfaces)
+        for (const CameraSettings& camera : interface.cameras)
+            serials.insert(camera.serial);
+    for (const ConnectionStep& step : settings.connection.script)
+        if (serials.count(step.camera) == 0)
+            throw Failure(GC_ERR_ERROR, "connection.script: there is no camera '" + step.camera + "'");
+}
+
 void ReadOccurrences(JsonObject& object, Occurrences& occurrences)
 {
     object.Read("at", occurrences.first, 1, INT64_MAX);
@@ -366,8 +377,11 @@ Settings ParseSettings(std::string_view json, const std::filesystem::path& base)
     ReadMemory(object, base, settings);
     if (const Json* misbehaviour = object.Take("misbehaviour"))
         settings.misbehaviour = ReadMisbehaviour(*misbehaviour, "misbehaviour");
+    if (const Json* connection = object.Take("connection"))
+        settings.connection = ReadConnection(*connection, "connection");
     object.RequireNothingElse();
     CheckUnique(settings.interfaces);
+    CheckScript(settings);
     return settings;
 }
 

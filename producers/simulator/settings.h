@@ -1,6 +1,7 @@
 // Settings: what the JSON file says, checked. Without a file: the cameras of docs/simulator.md.
 #pragma once
 
+#include "producers/simulator/connection_settings.h"
 #include "producers/simulator/fault_plan.h"
 #include "producers/simulator/pixel_format.h"
 
@@ -66,6 +67,7 @@ struct Settings
     bool strictInit = false; // a second GCInitLib fails instead of being counted
     std::vector<InterfaceSettings> interfaces;
     Misbehaviour misbehaviour;
+    ConnectionSettings connection;
 };
 
 inline constexpr std::size_t maxPayloadBytes = std::size_t{1} << 28; // of one image

@@ -24,9 +24,9 @@ std::chrono::steady_clock::duration PeriodOf(double rate)
 
 StreamEngine::StreamEngine(
     std::mutex& streamsMutex, BufferQueue& bufferQueue, std::shared_ptr<Camera> streamsCamera,
-    std::shared_ptr<const std::atomic<bool>> connectionLost, Reports streamsReports)
-    : mutex(streamsMutex), queue(bufferQueue), camera(std::move(streamsCamera)), lost(std::move(connectionLost)),
-      reports(std::move(streamsReports)), drawer(camera->Source())
+    std::shared_ptr<const Connection> streamsConnection, Reports streamsReports)
+    : mutex(streamsMutex), queue(bufferQueue), camera(std::move(streamsCamera)),
+      connection(std::move(streamsConnection)), reports(std::move(streamsReports)), drawer(camera->Source())
 {}
 
 void StreamEngine::Start(std::uint64_t number)
@@ -104,6 +104,15 @@ void StreamEngine::WithoutFill(const std::function<void()>& change)
     resume();
 }
 
+void StreamEngine::CutOff()
+{
+    Lock lock(mutex);
+    cutOff = true;
+    wake.notify_all();
+    fillEnded.wait(lock, [this] { return !filling; });
+    cutOff = false;
+}
+
 // A camera whose memory cannot be reached any more is as good as gone.
 void StreamEngine::RunOrLose(std::uint64_t number)
 {
@@ -127,7 +136,8 @@ void StreamEngine::Run(std::uint64_t number)
         const bool isTurn = AwaitTurn(lock, request);
         if (stopping) break;
         if (!isTurn) continue;
-        if (*lost) return;
+        if (connection->IsLost()) return;
+        if (!connection->IsUp()) continue;
         const auto frame = camera->Features().TakeFrame(request.run);
         if (!frame) continue;
         if (camera->VanishesAtFrame(frame->id))
@@ -146,7 +156,7 @@ FrameRequest StreamEngine::AwaitRequest(Lock& lock)
     for (;;)
     {
         written = false;
-        const FrameRequest request = camera->Features().Look();
+        const FrameRequest request = connection->IsUp() ? camera->Features().Look() : FrameRequest();
         if (stopping || request.state != FrameRequest::State::Silent)
         {
             if (request.run != run) lastDue = Clock::now();
@@ -253,11 +263,11 @@ void StreamEngine::Draw(const Buffer& buffer, const Frame& frame, FillResult& re
     drawer.Draw(frame.id, frame.plan, buffer.Memory().first(result.sizeFilled));
 }
 
-// False when a kill or a flush ended it.
+// False when a kill, a flush or a pulled cable ended it.
 bool StreamEngine::BeLate(Lock& lock, const FrameFault* fault)
 {
     if (fault == nullptr || fault->late_ms == 0) return true;
-    const auto givenUp = [this] { return killing || paused; };
+    const auto givenUp = [this] { return killing || paused || cutOff; };
     return !wake.wait_for(lock, std::chrono::milliseconds(fault->late_ms), givenUp);
 }
 

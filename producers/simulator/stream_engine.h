@@ -8,6 +8,7 @@
 
 #include "producers/simulator/buffer_queue.h"
 #include "producers/simulator/camera.h"
+#include "producers/simulator/connection.h"
 #include "producers/simulator/frame_drawer.h"
 
 #include <atomic>
@@ -33,7 +34,7 @@ public:
 
     StreamEngine(
         std::mutex& streamsMutex, BufferQueue& bufferQueue, std::shared_ptr<Camera> streamsCamera,
-        std::shared_ptr<const std::atomic<bool>> connectionLost, Reports streamsReports);
+        std::shared_ptr<const Connection> streamsConnection, Reports streamsReports);
     ~StreamEngine() { Stop(true); }
 
     // The wanted number of filled buffers; GENTL_INFINITE without end.
@@ -49,6 +50,8 @@ public:
 
     // Runs `change` with the mutex held and nothing being filled: the present fill is given up first.
     void WithoutFill(const std::function<void()>& change);
+    // The connection ended: a buffer being filled is delivered as it is. Returns behind that.
+    void CutOff();
 
 private:
     using Clock = std::chrono::steady_clock;
@@ -57,7 +60,7 @@ private:
     void RunOrLose(std::uint64_t number);
     void Run(std::uint64_t number);
     void OnCameraWritten();
-    // What to do next; sleeps while the camera is silent. When stopping, anything.
+    // What to do next; sleeps while the camera is silent or out of reach. When stopping, anything.
     FrameRequest AwaitRequest(Lock& lock);
     // False when the camera was written to before that, or when stopping.
     bool AwaitTurn(Lock& lock, const FrameRequest& request);
@@ -73,7 +76,7 @@ private:
     std::mutex& mutex; // the stream's
     BufferQueue& queue;
     const std::shared_ptr<Camera> camera;
-    const std::shared_ptr<const std::atomic<bool>> lost;
+    const std::shared_ptr<const Connection> connection;
     const Reports reports;
 
     std::thread thread;              // guarded by the control lock, as the next
@@ -89,6 +92,7 @@ private:
     bool killing = false;
     bool filling = false;
     bool paused = false; // somebody is in WithoutFill
+    bool cutOff = false; // somebody is in CutOff
     bool waitsForInput = false;
     bool written = false; // the camera, since it was looked at
     std::uint64_t run = 0;

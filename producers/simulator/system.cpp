@@ -19,7 +19,7 @@ PortFacts FactsOf(const Library& library)
 } // namespace
 
 System::System(std::shared_ptr<Library> owningLibrary)
-    : library(std::move(owningLibrary)), port(FactsOf(*library), MakeRegisters())
+    : library(std::move(owningLibrary)), plugs(*this, *library), port(FactsOf(*library), MakeRegisters())
 {}
 
 PortRegisters System::MakeRegisters()
@@ -38,6 +38,7 @@ PortRegisters System::MakeRegisters()
     map->AddText(0x1100, 256, library->Info(TL_INFO_NAME).bytes);
     map->AddText(0x2000, 4096, Library::PathName());
     AddInterfaceRegisters(*map);
+    plugs.AddRegisters(*map);
     return {map, {LocalURL(systemDescription)}};
 }
 
@@ -110,8 +111,19 @@ std::shared_ptr<Interface> System::OpenInterface(const std::string& name)
     });
 }
 
+bool System::SupportsEvent(EVENT_TYPE type) const noexcept
+{
+    return (type == connectionEvent && plugs.RecordBytes() > 0) || Module::SupportsEvent(type);
+}
+
+std::size_t System::MaxBlockBytes(EVENT_TYPE type) const noexcept
+{
+    return type == connectionEvent ? plugs.RecordBytes() : Module::MaxBlockBytes(type);
+}
+
 void System::OnClose()
 {
+    plugs.Stop();
     interfaces.CloseAll();
     library->Forget(*this);
 }

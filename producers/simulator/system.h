@@ -4,6 +4,7 @@
 #include "producers/simulator/child_list.h"
 #include "producers/simulator/interface.h"
 #include "producers/simulator/module.h"
+#include "producers/simulator/plug_control.h"
 
 #include <memory>
 #include <string>
@@ -31,8 +32,14 @@ public:
     std::shared_ptr<const InterfaceModel> FindInterface(const std::string& name) const;
     std::shared_ptr<Interface> OpenInterface(const std::string& name);
     void Forget(const Interface& interface) { interfaces.Forget(interface); }
+    // Null when it is not open.
+    std::shared_ptr<Interface> FindOpenInterface(const std::string& id) const { return interfaces.Find(id); }
+
+    PlugControl& Plugs() noexcept { return plugs; }
 
 private:
+    bool SupportsEvent(EVENT_TYPE type) const noexcept override;
+    std::size_t MaxBlockBytes(EVENT_TYPE type) const noexcept override;
     void OnClose() override;
 
     PortRegisters MakeRegisters();
@@ -41,6 +48,7 @@ private:
     const InterfaceModel& SelectedInterface() const;
 
     const std::shared_ptr<Library> library;
+    PlugControl plugs;
     Port port;
     ChildList<Interface> interfaces;
     bool isListed = false; // guarded by mutex

@@ -64,11 +64,13 @@ TEST(SimulatorEvents, CustomAndUnknownTypesAreNotImplemented)
     const Producer producer(OneCamera());
     const Tree tree(producer);
     EVENT_HANDLE event = nullptr;
-    for (const EVENT_TYPE type : {EVENT_TYPE{EVENT_CUSTOM_ID}, 6, -1})
+    for (const EVENT_TYPE type : {EVENT_TYPE{EVENT_CUSTOM_ID} + 1, 6, -1})
     {
         EXPECT_EQ(producer.GCRegisterEvent(tree.system, type, &event), GC_ERR_NOT_IMPLEMENTED);
         EXPECT_EQ(producer.GCUnregisterEvent(tree.system, type), GC_ERR_NOT_IMPLEMENTED);
     }
+    for (void* module : {tree.interface, tree.device, tree.stream})
+        EXPECT_EQ(producer.GCRegisterEvent(module, EVENT_CUSTOM_ID, &event), GC_ERR_NOT_IMPLEMENTED);
 }
 
 TEST(SimulatorEvents, OneRegistrationForEachModuleAndType)

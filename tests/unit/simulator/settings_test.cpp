@@ -32,6 +32,16 @@ std::string Fault(const std::string& list, const std::string& entry)
     return R"({"misbehaviour": {")" + list + "\": [" + entry + "]}}";
 }
 
+std::string Connection(const std::string& keys)
+{
+    return R"({"connection": {)" + keys + "}}";
+}
+
+std::string Step(const std::string& keys)
+{
+    return Connection(R"("script": [{"camera": "KS0001", )" + keys + "}]");
+}
+
 const Case cases[] = {
     {"NoJson", "{\"interfaces\": [}", "parse error at line 1, column 17"},
     {"NoObject", "[]", "the document: must be an object"},
@@ -77,6 +87,23 @@ const Case cases[] = {
      "misbehaviour.calls[0].function: 'TLFly' is no function of the standard"},
     {"ErrorUnknown", Fault("calls", R"({"function": "TLOpen", "error": "GC_ERR_X"})"),
      "misbehaviour.calls[0].error: 'GC_ERR_X' is no error code"},
+    {"RecordTooLong", Connection(R"("recordBytes": 4097)"),
+     "connection.recordBytes: must be a whole number, 0 to 4096"},
+    {"AfterReplugUnknown", Connection(R"("afterReplug": "hope")"), "connection.afterReplug: must be resume or reopen"},
+    {"DeadCameraSucceeds", Connection(R"("deadCameraError": 0)"), "connection.deadCameraError: must be an error"},
+    {"ConnectionKeyUnknown", Connection(R"("plug": 1)"), "connection.plug: unknown key"},
+    {"RepeatNever", Connection(R"("repeat": 0)"), "connection.repeat: must be a whole number, 1 to 1000000000"},
+    {"StepUnknown", Step(R"("do": "push")"), "connection.script[0].do: must be unplug, replug or tell"},
+    {"StepMissing", Step(R"("after_ms": 5)"), "connection.script[0].do: must be unplug, replug or tell"},
+    {"StepTooLate", Step(R"("do": "tell", "after_ms": 86400001)"),
+     "connection.script[0].after_ms: must be a whole number, 0 to 86400000"},
+    {"StepRecordUnknown", Step(R"("do": "tell", "record": "long")"),
+     "connection.script[0].record: must be whole, unterminated, otherInterface or short"},
+    {"StepFlagTooLarge", Step(R"("do": "tell", "reconnectFlag1": 256)"),
+     "connection.script[0].reconnectFlag1: must be a whole number, 0 to 255"},
+    {"StepKeyUnknown", Step(R"("do": "tell", "flag": 2)"), "connection.script[0].flag: unknown key"},
+    {"StepOfNobody", Connection(R"("script": [{"camera": "Z", "do": "tell"}])"),
+     "connection.script: there is no camera 'Z'"},
     {"CountUnknown", Fault("calls", R"({"function": "TLOpen", "count": "often"})"), "calls[0].count: must be a whole"},
     {"DelayTooLong", Fault("calls", R"({"function": "TLOpen", "delay_ms": 60001})"), "calls[0].delay_ms: must be"},
     {"CommandMissing", Fault("info", R"({"function": "TLGetInfo"})"), "misbehaviour.info[0].command: is missing"},

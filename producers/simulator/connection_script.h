@@ -1,0 +1,52 @@
+// ConnectionScript: runs the steps that the settings list: on a thread of its own at their times, or one by one on
+// request.
+//
+// Owned by PlugControl. Any thread; steps are performed one at a time, without a lock of this class.
+#pragma once
+
+#include "producers/simulator/connection_settings.h"
+
+#include <condition_variable>
+#include <cstdint>
+#include <functional>
+#include <mutex>
+#include <thread>
+
+namespace koro::simulator
+{
+
+class ConnectionScript
+{
+public:
+    using Perform = std::function<void(const ConnectionStep&)>;
+
+    // `settings` live longer.
+    ConnectionScript(const ConnectionSettings& connectionSettings, Perform performStep);
+    ~ConnectionScript() { Stop(); }
+
+    // The times begin, if the script has times.
+    void Start();
+    // Joins the thread. Nothing starts any more afterwards.
+    void Stop();
+
+    std::uint64_t StepsLeft() const;
+    bool CanStep() const { return settings.isStepwise && StepsLeft() > 0; }
+    // Performs the next one on the calling thread. GC_ERR_NOT_AVAILABLE when there is none, or the steps have times.
+    void Step();
+
+private:
+    void Run();
+    const ConnectionStep& Next(); // mutex held
+
+    const ConnectionSettings& settings;
+    const Perform perform;
+    const std::uint64_t numSteps; // of all rounds
+
+    mutable std::mutex mutex; // guards all below
+    std::condition_variable stop;
+    std::thread thread;
+    bool stopping = false;
+    std::uint64_t numDone = 0;
+};
+
+} // namespace koro::simulator

@@ -1,0 +1,43 @@
+// What the settings say of unplugging cameras and plugging them in again, and of the records that tell it.
+#pragma once
+
+#include "producers/simulator/connection_record.h"
+#include "producers/simulator/json_reader.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace koro::simulator
+{
+
+struct ConnectionStep
+{
+    enum class Kind
+    {
+        Unplug,
+        Replug,
+        Tell // a record alone
+    };
+    std::string camera; // serial number
+    Kind kind = Kind::Unplug;
+    std::uint64_t after_ms = 0; // since the step before
+    RecordChanges record;
+};
+
+struct ConnectionSettings
+{
+    std::size_t recordBytes = sizeof(ConnectionRecord); // EVENT_SIZE_MAX; 0: there is no such event
+    bool resumes = true;                                // a replugged camera goes on where it was, with open handles
+    bool staysListed = false;                           // an unplugged camera, over updates of the list
+    bool listRecords = false;                           // a record about the list follows each one about a camera
+    GC_ERROR deadCameraError = GC_ERR_IO;               // of calls that would need the camera
+    std::vector<ConnectionStep> script;
+    std::uint64_t repeat = 1; // how often the script runs
+    bool isStepwise = false;  // steps are done when a feature asks for them
+};
+
+ConnectionSettings ReadConnection(const nlohmann::json& value, const std::string& place);
+
+} // namespace koro::simulator

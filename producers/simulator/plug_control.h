@@ -1,0 +1,61 @@
+// PlugControl: pulls cameras out and plugs them in again, at the wish of features or of a script, and tells it by the
+// system's connection event.
+//
+// Owned by its System. Any thread. One change at a time: its mutex comes before all others.
+#pragma once
+
+#include "producers/simulator/connection_script.h"
+#include "producers/simulator/interface.h"
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace koro::simulator
+{
+
+class Library;
+class System;
+
+class PlugControl
+{
+public:
+    PlugControl(System& owningSystem, const Library& library);
+
+    void AddRegisters(RegisterMap& map);
+
+    // Between these two the script runs, if it has times.
+    void Start() { script.Start(); }
+    void Stop() { script.Stop(); }
+
+    // EVENT_SIZE_MAX; 0: the system has no connection event.
+    std::size_t RecordBytes() const noexcept { return settings.recordBytes; }
+
+private:
+    struct Place
+    {
+        std::shared_ptr<const InterfaceModel> interface;
+        std::shared_ptr<Camera> camera;
+        std::uint32_t numReplugs = 0; // guarded by mutex
+    };
+
+    // The camera that the selector of the description shows; GC_ERR_NOT_AVAILABLE when there are none.
+    const Place& Selected() const;
+    void PerformOnSelected(ConnectionStep::Kind kind);
+    void Perform(const ConnectionStep& step);
+    bool Unplug(const Place& place, const std::shared_ptr<Interface>& open);
+    bool Replug(Place& place, const std::shared_ptr<Interface>& open);
+    void Tell(const Place& place, const Interface& open, const ConnectionStep& step);
+
+    System& system;
+    const ConnectionSettings& settings;
+    std::mutex mutex;
+    std::vector<Place> places; // all cameras, in the order of the settings
+    std::atomic<std::uint64_t> selector{0};
+    ConnectionScript script; // last: its thread uses the others
+};
+
+} // namespace koro::simulator
