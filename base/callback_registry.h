@@ -54,6 +54,9 @@ public:
         }
     }
 
+    // Throws the standard deadlock error inside a callback of this registry.
+    void RefuseInCallback() const { mutex.RefuseOwner(); }
+
     bool IsEmpty()
     {
         const std::lock_guard lock(mutex);

@@ -7,11 +7,7 @@ namespace koro::internal
 
 void CheckedMutex::lock()
 {
-    // Relaxed is enough: a thread can only meet its own id here if it wrote it itself.
-    if (owner.load(std::memory_order_relaxed) == std::this_thread::get_id())
-    {
-        throw std::system_error(std::make_error_code(std::errc::resource_deadlock_would_occur));
-    }
+    RefuseOwner();
     mutex.lock();
     owner.store(std::this_thread::get_id(), std::memory_order_relaxed);
 }
@@ -20,6 +16,15 @@ void CheckedMutex::unlock()
 {
     owner.store(std::thread::id(), std::memory_order_relaxed);
     mutex.unlock();
+}
+
+void CheckedMutex::RefuseOwner() const
+{
+    // Relaxed is enough: a thread can only meet its own id here if it wrote it itself.
+    if (owner.load(std::memory_order_relaxed) == std::this_thread::get_id())
+    {
+        throw std::system_error(std::make_error_code(std::errc::resource_deadlock_would_occur));
+    }
 }
 
 } // namespace koro::internal

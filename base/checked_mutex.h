@@ -21,6 +21,8 @@ public:
     // Throws std::system_error (resource_deadlock_would_occur) on the owning thread.
     void lock();
     void unlock();
+    // Throws as lock() does, and takes nothing.
+    void RefuseOwner() const;
 
 private:
     std::mutex mutex;

@@ -96,17 +96,11 @@ DeviceDescriptorInformationChangedCallback::~DeviceDescriptorInformationChangedC
 
 void DeviceDescriptorInformationChangedCallback::Unregister()
 {
-    const auto registered = handle.exchange(nullptr);
-    if (!registered) return;
-    try
-    {
-        descriptor->Monitor().UnregisterChangedCallback(registered);
-    }
-    catch (...)
-    {
-        handle = registered;
-        throw;
-    }
+    descriptor->Monitor().RefuseInCallback();
+    const std::lock_guard lock(endMutex);
+    if (!handle) return;
+    descriptor->Monitor().UnregisterChangedCallback(handle);
+    handle = nullptr;
 }
 
 } // namespace koro::internal

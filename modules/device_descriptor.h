@@ -8,7 +8,6 @@
 #include "modules/module.h"
 #include "modules/role_based_property_monitor.h"
 
-#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <mutex>
@@ -74,12 +73,14 @@ public:
         DeviceDescriptor::InformationMonitor::ChangedCallback callback);
     ~DeviceDescriptorInformationChangedCallback() override;
 
-    // Throws the standard deadlock error inside a callback of the monitor; the registration stands then.
+    // Afterwards the callback does not run any more, whichever thread has ended it. Throws the standard deadlock error
+    // inside a callback of the monitor, which the registration outlasts.
     void Unregister();
 
 private:
     const std::shared_ptr<DeviceDescriptor> descriptor;
-    std::atomic<void*> handle; // null when it is taken back
+    std::mutex endMutex; // never taken on the monitor's thread: whoever holds it may be waiting for that
+    void* handle;        // null when it is taken back; guarded by endMutex
 };
 
 } // namespace koro::internal

@@ -84,6 +84,9 @@ public:
         timer.StopUnless([&] { return !changedCallbacks.IsEmpty(); });
     }
 
+    // Throws the standard deadlock error inside a callback.
+    void RefuseInCallback() const { changedCallbacks.RefuseInCallback(); }
+
 private:
     // A tick.
     void Compare()

@@ -366,6 +366,59 @@ TEST_F(InformationMonitoring, CallbackThatChangesTheRegistrationsOfItsDescriptor
     EXPECT_EQ(outcomes, (std::vector{deadlock, deadlock}));
 }
 
+TEST_F(InformationMonitoring, CallbackIsRefusedToUnregisterAlsoWhileAnotherThreadDoesIt)
+{
+    Reports reports;
+    std::atomic<CallbackHandle> own = nullptr;
+    std::vector<Error> others; // than the deadlock error
+    std::future<Error> elsewhere;
+    Require(KORO_DeviceDescriptor_SetMonitoringUpdateInterval(descriptor, KORO_INFINITE));
+    reports.onReport = [&] {
+        elsewhere = std::async(std::launch::async, [&] { return Outcome(Unregister(own)); });
+        for (int attempt = 0; attempt < 20'000 && others.empty(); ++attempt)
+        {
+            const Error outcome = Outcome(Unregister(own));
+            if (!(outcome == deadlock)) others.push_back(outcome);
+        }
+    };
+    own = Register(reports);
+    Require(KORO_DeviceDescriptor_SetMonitoringUpdateInterval(descriptor, 1));
+    reports.Next();
+    EXPECT_EQ(elsewhere.get(), Error{});
+    EXPECT_EQ(others, std::vector<Error>{});
+    AwaitNumThreads(idle);
+}
+
+TEST_F(InformationMonitoring, UnregisteringOnTwoThreadsEndsOnBothAfterTheLastCall)
+{
+    Reports reports;
+    std::atomic<bool> isRunning = false;
+    std::atomic<int> returned = 0;
+    std::atomic<int> returnedTooEarly = 0;
+    reports.onReport = [&] {
+        isRunning = true;
+        // Long enough for somebody who does not wait.
+        for (int step = 0; step < 100'000 && returned == 0; ++step)
+            std::this_thread::yield();
+        isRunning = false;
+    };
+    const auto handle = Register(reports);
+    while (!isRunning)
+        std::this_thread::yield();
+    const auto unregister = [&] {
+        const Error outcome = Outcome(Unregister(handle));
+        if (isRunning) ++returnedTooEarly;
+        ++returned;
+        return outcome;
+    };
+    auto first = std::async(std::launch::async, unregister);
+    auto second = std::async(std::launch::async, unregister);
+    for (const auto& outcome : {first.get(), second.get()})
+        EXPECT_TRUE(outcome == Error{} || outcome == InvalidHandle("callbackHandle")) << outcome;
+    EXPECT_EQ(returnedTooEarly, 0);
+    AwaitNumThreads(idle);
+}
+
 TEST_F(InformationMonitoring, CallbackMayAskTheDescriptorAndChangeItsRoles)
 {
     Reports reports;

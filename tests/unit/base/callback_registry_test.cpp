@@ -126,10 +126,12 @@ TEST(CallbackRegistry, CallbackThatComesBackGetsTheDeadlockError)
         codes.push_back(CodeThrownBy([&] { registry.RegisterCallback([](const std::string&) {}); }));
         codes.push_back(CodeThrownBy([&] { registry.UnregisterCallback(own); }));
         codes.push_back(CodeThrownBy([&] { registry.TriggerCallback(""); }));
+        codes.push_back(CodeThrownBy([&] { registry.RefuseInCallback(); }));
     });
     registry.TriggerCallback("");
     const std::error_code deadlock = std::make_error_code(std::errc::resource_deadlock_would_occur);
-    EXPECT_EQ(codes, (std::vector<std::error_code>{deadlock, deadlock, deadlock}));
+    EXPECT_EQ(codes, (std::vector<std::error_code>{deadlock, deadlock, deadlock, deadlock}));
+    EXPECT_NO_THROW(registry.RefuseInCallback());
 
     codes.clear();
     registry.UnregisterCallback(own);

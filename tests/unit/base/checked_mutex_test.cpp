@@ -48,6 +48,17 @@ TEST(CheckedMutex, RefusedSecondLockLeavesTheFirstOneInPlace)
     EXPECT_EQ(value, 2);
 }
 
+TEST(CheckedMutex, RefusesItsOwnerAloneAndTakesNothing)
+{
+    CheckedMutex mutex;
+    EXPECT_NO_THROW(mutex.RefuseOwner());
+    mutex.lock();
+    EXPECT_THROW(mutex.RefuseOwner(), std::system_error);
+    std::thread([&] { EXPECT_NO_THROW(mutex.RefuseOwner()); }).join();
+    mutex.unlock();
+    EXPECT_NO_THROW(mutex.RefuseOwner());
+}
+
 TEST(CheckedMutex, ExcludesOtherThreads)
 {
     CheckedMutex mutex;
