@@ -75,12 +75,13 @@ KORO_ReturnCode KORO_NodeMap_Unlock(KORO_NodeMapHandle nodeMapHandle)
     return Perform(KORO_ARG(nodeMapHandle), [](auto& nodeMap) { nodeMap.GenApiLock().Unlock(); });
 }
 
-// A lock that nobody is told of would never be given back: the pointer is tested first.
+// A lock that nobody is told of is given back.
 KORO_ReturnCode KORO_NodeMap_TryLock(KORO_NodeMapHandle nodeMapHandle, KORO_Bool8* locked)
 {
     return WithObject(KORO_ARG(nodeMapHandle), [&](const auto& nodeMap) {
-        if (!locked) return InvalidPointer(KORO_ARG(locked));
-        *locked = nodeMap->GenApiLock().TryLock();
-        return success;
+        auto& lock = nodeMap->GenApiLock();
+        const bool isTaken = lock.TryLock();
+        if (isTaken && !locked) lock.Unlock();
+        return CopyScalarOut(KORO_Bool8{isTaken}, locked, "locked");
     });
 }

@@ -162,6 +162,7 @@ TEST_F(DescriptionFaults, LockOfAMapWithoutADescriptionTellsNoReason)
     EXPECT_EQ(Outcome(KORO_NodeMap_Unlock(map)), untranslated);
     EXPECT_EQ(Outcome(KORO_NodeMap_TryLock(map, &locked)), untranslated);
     EXPECT_EQ(locked, 2);
+    EXPECT_EQ(Outcome(KORO_NodeMap_TryLock(map, nullptr)), untranslated); // the output is looked at last
 }
 
 TEST_F(DescriptionFaults, OneBrokenDescriptionDoesNotCostTheOther)

@@ -192,6 +192,9 @@ TEST_F(NodeMap, LockIsNotTakenWhenNobodyIsToldOfIt)
     const auto map = Describe("");
     EXPECT_EQ(Outcome(KORO_NodeMap_TryLock(map, nullptr)), NullPointer("locked"));
     EXPECT_TRUE(TryLockElsewhere(map));
+
+    const LockHolder holder(map);
+    EXPECT_EQ(Outcome(KORO_NodeMap_TryLock(map, nullptr)), NullPointer("locked"));
 }
 
 TEST_F(NodeMap, MapWithoutTheNamedPortFailsAtEachUseUntilThePortIsThere)
