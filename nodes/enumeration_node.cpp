@@ -37,6 +37,7 @@ std::shared_ptr<EnumerationEntryNode> EnumerationNode::CurrentEntry(CachePolicy 
 
 void EnumerationNode::SetCurrentEntry(const std::shared_ptr<EnumerationEntryNode>& entry)
 {
+    const auto nodeMap = ParentNodeMap();
     if (!entry)
     {
         throw InvalidArgumentException("EnumerationNode::SetCurrentEntry(const std::shared_ptr<EnumerationEntryNode>&) "

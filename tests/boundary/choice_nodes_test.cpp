@@ -151,6 +151,20 @@ TEST_F(ChoiceNode, FailingAnswerEndsTheWait)
     EXPECT_THAT(outcome.text, HasSubstr("GCReadPort"));
 }
 
+TEST_F(ChoiceNode, DeviceThatClosesEndsTheWait)
+{
+    Require(KORO_CommandNode_Execute(start));
+    std::size_t asked = 0;
+    producer->OnEntry("GCReadPort", [&] {
+        if (++asked == 3) Require(KORO_Device_Destruct(tree.device));
+    });
+    const Error outcome = Outcome(KORO_CommandNode_WaitUntilDoneInfinite(start));
+    producer->OnEntry("GCReadPort", {});
+    EXPECT_EQ(outcome.code, KORO_RETURN_CODE_ERROR);
+    EXPECT_THAT(outcome.text, HasSubstr("GC_ERR_INVALID_HANDLE"));
+    EXPECT_EQ(Outcome(KORO_CommandNode_WaitUntilDone(start, 0)), InvalidHandle("commandNodeHandle"));
+}
+
 TEST_F(ChoiceNode, EntriesAreListedInTheirOrderAvailableOrNot)
 {
     ExpectScalarOut<KORO_EnumerationNodeHandle, std::size_t>(

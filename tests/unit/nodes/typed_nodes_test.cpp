@@ -135,6 +135,25 @@ TEST_F(TypedNodes, OthersWhoseMapHasGoneSaySoAlsoAboutWhatTheyHaveBuilt)
     });
 }
 
+TEST_F(TypedNodes, WaitKeepsTheMapForAllItsQuestions)
+{
+    auto busy = MapOf("<Command Name=\"Start\"><pValue>Register</pValue><CommandValue>1</CommandValue></Command>"
+                      "<IntReg Name=\"Register\"><Address>0</Address><Length>4</Length><AccessMode>RW</AccessMode>"
+                      "<pPort>TLPort</pPort><Cachable>NoCache</Cachable><Sign>Unsigned</Sign>"
+                      "<Endianess>LittleEndian</Endianess></IntReg>");
+    const auto command = std::dynamic_pointer_cast<CommandNode>(busy->FindNode("Start"));
+    command->Execute();
+    int asked = 0;
+    producer->OnEntry("GCReadPort", [&] {
+        if (++asked == 1) busy.reset();
+        if (asked == 3) producer->Edit([](scripted::Tree& edited) { edited.port.registers[0].assign(4, '\0'); });
+    });
+    EXPECT_NO_THROW(command->WaitUntilDone(~std::uint64_t{0}));
+    producer->OnEntry("GCReadPort", {});
+    EXPECT_EQ(asked, 3);
+    EXPECT_THAT([&] { command->IsDone(); }, ThrowsExactly<InternalErrorException>("Pointer has expired!"));
+}
+
 TEST_F(TypedNodes, EntriesAndSubNodesKeepNothingAlive)
 {
     const auto enumeration = Find<EnumerationNode>("Enumeration");
@@ -149,12 +168,13 @@ TEST_F(TypedNodes, EntriesAndSubNodesKeepNothingAlive)
 TEST_F(TypedNodes, EmptyEntryIsRefusedByItsOwnText)
 {
     const auto enumeration = Find<EnumerationNode>("Enumeration");
-    map.reset();
+    const auto setNone = [&] { enumeration->SetCurrentEntry(std::shared_ptr<EnumerationEntryNode>()); };
     EXPECT_THAT(
-        [&] { enumeration->SetCurrentEntry(std::shared_ptr<EnumerationEntryNode>()); },
-        ThrowsExactly<InvalidArgumentException>(
-            "EnumerationNode::SetCurrentEntry(const std::shared_ptr<EnumerationEntryNode>&) was given an empty "
-            "shared_ptr!"));
+        setNone, ThrowsExactly<InvalidArgumentException>(
+                     "EnumerationNode::SetCurrentEntry(const std::shared_ptr<EnumerationEntryNode>&) was given an "
+                     "empty shared_ptr!"));
+    map.reset();
+    EXPECT_THAT(setNone, ThrowsExactly<InternalErrorException>("Pointer has expired!"));
 }
 
 TEST_F(TypedNodes, NodeOfAnotherInterfaceIsAnInternalErrorAtEachUse)
