@@ -75,6 +75,25 @@ TEST_F(NodeCallbacks, ChangeIsToldOnItsOwnThreadWithTheLockHeld)
     EXPECT_TRUE(TryLockElsewhere(map));
 }
 
+// Nobody but the runtime holds the lock of a question.
+TEST_F(NodeCallbacks, EndOfACommandIsToldWithTheLockHeld)
+{
+    const auto map = Describe(
+        "<Command Name=\"Start\"><pValue>StartReg</pValue><CommandValue>1</CommandValue></Command>" +
+        IntRegister("StartReg", 0, "<Cachable>NoCache</Cachable>"));
+    const auto start = Get<KORO_CommandNodeHandle>(KORO_Node_ToCommandNode, Find(map, "Start"));
+    Require(KORO_CommandNode_Execute(start));
+    SetRegister(0, 0);
+    int calls = 0;
+    Register(Find(map, "Start"), [&](KORO_NodeHandle) {
+        ++calls;
+        EXPECT_FALSE(TryLockElsewhere(map));
+    });
+    EXPECT_EQ(Get<KORO_Bool8>(KORO_CommandNode_GetIsDone, start), 1);
+    EXPECT_EQ(calls, 1);
+    EXPECT_TRUE(TryLockElsewhere(map));
+}
+
 TEST_F(NodeCallbacks, PollingTellsThoseWhoseTimeIsOverAndTheirDependents)
 {
     const auto map = DescribeAll();
