@@ -56,7 +56,7 @@ GC_ERROR Write(Port& port, std::uint64_t address, const void* buffer, std::size_
     char* registers = RegistersAt(port, address, size);
     if (!registers) return GC_ERR_INVALID_ADDRESS;
     std::memcpy(registers, buffer, size);
-    return GC_ERR_SUCCESS;
+    return port.written ? port.written(port, address) : GC_ERR_SUCCESS;
 }
 
 // One after the other to the first failure; the count then tells how many were done.

@@ -92,6 +92,9 @@ struct Port
     std::map<std::uint64_t, std::string> registers; // address of the first byte, bytes
     // What an address reads as that lies in none of them. Without it: the transfer fails, as all writes there do.
     std::function<char(std::uint64_t)> unwritten;
+    // Runs behind each write with its address, and may change the registers; gives the result of the transfer. It must
+    // not use the script.
+    std::function<GenTL::GC_ERROR(Port&, std::uint64_t)> written{};
 };
 
 struct Stream
