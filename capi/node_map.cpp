@@ -55,6 +55,26 @@ KORO_ReturnCode KORO_NodeMap_GetNode(KORO_NodeMapHandle nodeMapHandle, size_t in
     });
 }
 
+KORO_ReturnCode
+KORO_NodeMap_StoreToFile(KORO_NodeMapHandle nodeMapHandle, const char* filePath, size_t filePathSize)
+{
+    return WithObject(KORO_ARG(nodeMapHandle), [&](const auto& nodeMap) {
+        if (!filePath) return InvalidPointer(KORO_ARG(filePath));
+        nodeMap->StoreToFile(TextArgument(filePath, filePathSize));
+        return success;
+    });
+}
+
+KORO_ReturnCode
+KORO_NodeMap_LoadFromFile(KORO_NodeMapHandle nodeMapHandle, const char* filePath, size_t filePathSize)
+{
+    return WithObject(KORO_ARG(nodeMapHandle), [&](const auto& nodeMap) {
+        if (!filePath) return InvalidPointer(KORO_ARG(filePath));
+        nodeMap->LoadFromFile(TextArgument(filePath, filePathSize));
+        return success;
+    });
+}
+
 KORO_ReturnCode KORO_NodeMap_InvalidateNodes(KORO_NodeMapHandle nodeMapHandle)
 {
     return Perform(KORO_ARG(nodeMapHandle), &NodeMap::InvalidateNodes);

@@ -47,6 +47,13 @@ public:
     void InvalidateNodes();
     void PollNodes(std::int64_t elapsedTime_ms);
 
+    // The values of the features as a text file, told in docs/feature-files.md, and back. The path is UTF-8. Storing
+    // empties the file first. Loading holds the lock and writes all that it can; storing leaves locking to GenApi.
+    // InvalidArgumentException: the file cannot be opened. IOException: it cannot be written to its end.
+    // InternalErrorException: it is no feature file, or not all of it could be written to the device or verified.
+    void StoreToFile(const std::string& filePath);
+    void LoadFromFile(const std::string& filePath);
+
     // Lives as long as the map. What GenApi throws when the description is no good leaves this one untranslated.
     GENAPI_NAMESPACE::CLock& GenApiLock();
     // Never null; lives as long as the map.

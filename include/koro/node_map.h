@@ -60,6 +60,31 @@ KORO_API KORO_ReturnCode
 KORO_NodeMap_GetNode(KORO_NodeMapHandle nodeMapHandle, size_t index, KORO_NodeHandle* nodeHandle);
 
 /**
+ * Writes the values of the features to a text file: all that are streamable and can be read and written now, those
+ * with selectors at each combination of these. Selectors are moved for this and set back. A file that is there is
+ * emptied first, so a failure leaves it without features.
+ * @param[in] filePath     in UTF-8; need not be terminated. The folder must be there
+ * @param[in] filePathSize its size in bytes, with a terminating zero counted
+ * @return KORO_RETURN_CODE_INVALID_ARGUMENT when the file cannot be opened, KORO_RETURN_CODE_IO_ERROR when it cannot be
+ *         written to its end; what a feature refuses arrives with the text of that feature
+ */
+KORO_API KORO_ReturnCode
+KORO_NodeMap_StoreToFile(KORO_NodeMapHandle nodeMapHandle, const char* filePath, size_t filePathSize);
+
+/**
+ * Writes the values of such a file back to the device, in the order of the file, and then compares what can be read
+ * with the file. All that can be written is written, whatever else fails; nothing is set back after a failure. Takes
+ * the lock; the file is read before that. Changed callbacks run within, on this thread.
+ * @param[in] filePath     in UTF-8; need not be terminated
+ * @param[in] filePathSize its size in bytes, with a terminating zero counted
+ * @return KORO_RETURN_CODE_INVALID_ARGUMENT when the file cannot be opened, KORO_RETURN_CODE_ERROR when it is no feature
+ *         file, then nothing is written, and when a value was refused or is read back as another one: the text is that
+ *         of the first such feature
+ */
+KORO_API KORO_ReturnCode
+KORO_NodeMap_LoadFromFile(KORO_NodeMapHandle nodeMapHandle, const char* filePath, size_t filePathSize);
+
+/**
  * Drops everything that the nodes remember of the registers, so that the next reads ask the producer. Takes the lock.
  * The changed callbacks of all nodes run within, on this thread.
  */

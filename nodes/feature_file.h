@@ -1,0 +1,42 @@
+// The text of feature files, read and written apart from what keeps the records.
+//
+// docs/feature-files.md tells the format. Any thread; nothing is kept between calls.
+#pragma once
+
+#include <Base/GCString.h>
+#include <Base/GCStringVector.h>
+#include <GenApi/SelectorState.h>
+#include <istream>
+#include <ostream>
+#include <string>
+
+namespace koro::internal
+{
+
+// Where the reader puts records: what it needs of a bag.
+class FeatureRecords
+{
+public:
+    virtual void Clear() = 0;
+    // A state of the bag's own; null when there is none to be had.
+    virtual GENAPI_NAMESPACE::CSelectorState* AllocateSelector() = 0;
+    virtual void DeleteSelector(GENAPI_NAMESPACE::CSelectorState*& state) = 0;
+    virtual void Push(const char* name, const char* value, GENAPI_NAMESPACE::CSelectorState* state) = 0;
+
+protected:
+    ~FeatureRecords() = default;
+};
+
+// Throws GenICam's RuntimeException for a text that is no feature file; what was read before it stays in the records.
+void ReadFeatureFile(std::istream& stream, FeatureRecords& records);
+
+// The first lines. An empty info text is left out.
+void WriteFeatureFileHead(std::ostream& stream, const GENICAM_NAMESPACE::gcstring& info);
+void WriteFeatureRecord(
+    std::ostream& stream, const GENICAM_NAMESPACE::gcstring& name, const GENICAM_NAMESPACE::gcstring& value,
+    GENAPI_NAMESPACE::CSelectorState& selectors);
+
+// What is told of a load that GenApi has refused: the first of its texts.
+std::string TextOfRefusedLoad(const GENICAM_NAMESPACE::gcstring_vector& errors);
+
+} // namespace koro::internal
