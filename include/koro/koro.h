@@ -41,6 +41,7 @@
 #include <koro/event.h>
 #include <koro/event_controller.h>
 #include <koro/event_supporting_module.h>
+#include <koro/file_adapter.h>
 #include <koro/float_node.h>
 #include <koro/gentl_values.h>
 #include <koro/integer_node.h>

@@ -100,7 +100,7 @@ typedef struct KORO_FirmwareUpdateProgressObserver_st* KORO_FirmwareUpdateProgre
 /* a registered callback for changed information */
 typedef struct KORO_DeviceDescriptorInformationChangedCallback_st*
     KORO_DeviceDescriptorInformationChangedCallbackHandle;
-/* the files of a device */
+/* a file on a device */
 typedef struct KORO_FileAdapter_st* KORO_FileAdapterHandle;
 
 /*

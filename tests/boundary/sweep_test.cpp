@@ -284,6 +284,12 @@ std::string NameOfHandle(const Export& called)
                                                       : called.parameters[IndexOfHandle(called)].name;
 }
 
+// One family tests pointers before handles, and has words of its own; its own test tries them.
+bool HasWordsOfItsOwn(const Export& called)
+{
+    return called.name.rfind("KORO_FileAdapter_", 0) == 0;
+}
+
 // A buffer with a size pointer behind it may be null: a size query.
 bool IsBufferOfSizeQuery(const Export& called, std::size_t index)
 {
@@ -328,7 +334,7 @@ TEST(Sweep, DeadHandleIsReportedByItsParametersNameBeforeAnyPointer)
     int nothing = 0;
     for (const auto& called : AllExports())
     {
-        if (!BeginsWithHandle(called)) continue;
+        if (!BeginsWithHandle(called) || HasWordsOfItsOwn(called)) continue;
         for (const Word dead : {Word{0}, reinterpret_cast<Word>(&nothing), ~Word{0}})
         {
             auto arguments = Arguments(called);
@@ -357,7 +363,7 @@ TEST(Sweep, HandleOfAnotherKindIsInvalid)
     const EveryHandle handles(producer);
     for (const auto& called : AllExports())
     {
-        if (!BeginsWithHandle(called)) continue;
+        if (!BeginsWithHandle(called) || HasWordsOfItsOwn(called)) continue;
         for (const auto& [type, handle] : handles.byType)
         {
             const auto own = handles.byType.find(called.parameters[IndexOfHandle(called)].type);
@@ -380,7 +386,7 @@ TEST(Sweep, NullPointerIsReportedByItsParametersName)
     {
         for (std::size_t index = 0; index < called.parameters.size(); ++index)
         {
-            if (MayBeNull(called, index)) continue;
+            if (MayBeNull(called, index) || HasWordsOfItsOwn(called)) continue;
             auto arguments = Arguments(called, handles.byType);
             arguments.words[index] = 0;
             const auto& name = called.parameters[index].name;

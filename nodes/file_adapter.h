@@ -1,0 +1,50 @@
+// FileAdapter: one file of a device, named by an entry of the enumeration FileSelector.
+//
+// Made by an application, which alone owns it; holds its map weakly, and once that has gone every operation throws
+// InternalErrorException with "Pointer has expired!". Any thread: each operation holds the lock of the map from its
+// first node to its last, so that other threads' node accesses wait for a whole transfer.
+//
+// BadAccessException says which node is missing or may not be used now. What the nodes refuse comes translated; what
+// goes wrong in the middle of a transfer ends it and shows in the number of bytes alone.
+#pragma once
+
+#include "base/instance.h"
+#include "nodes/node_map.h"
+
+#include <GenApi/Filestream.h>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace koro::internal
+{
+
+class FileAdapter final : public Instance, public GENAPI_NAMESPACE::FileProtocolAdapter
+{
+public:
+    // Opens no file. Whether the map has such a file is the caller's to ask.
+    FileAdapter(const std::shared_ptr<NodeMap>& parent, std::string file);
+
+    static bool HasFile(NodeMap& features, const std::string& file);
+
+    std::uint64_t Size();
+    std::uint64_t MaxSize();
+    // Bytes that were moved: fewer than asked for at the end of the file or after a failure, 0 when the file could not
+    // be opened. OutOfRangeException for writing at an offset beyond the maximum of FileAccessOffset.
+    std::uint64_t Read(char* data, std::uint64_t size, std::uint64_t offset);
+    std::uint64_t Write(const char* data, std::uint64_t size, std::uint64_t offset);
+    // Whether the device did it is not told.
+    void Delete();
+
+private:
+    class OpenFile;
+
+    template <class Operation>
+    auto WithLockedMap(Operation&& operation);
+    void Select(NodeMap& locked) const;
+
+    const std::string fileName;
+    const std::weak_ptr<NodeMap> nodeMap;
+};
+
+} // namespace koro::internal
