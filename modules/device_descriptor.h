@@ -33,9 +33,14 @@ public:
     // the size in bytes with the terminating zero. `size` must not be null.
     void RawStringInfo(std::int32_t command, char* buffer, std::size_t* size) const;
 
+    std::string DisplayName() const { return StringInfo(GenTL::DEVICE_INFO_DISPLAYNAME); }
+    std::string SerialNumber() const { return StringInfo(GenTL::DEVICE_INFO_SERIAL_NUMBER); }
+
     // Whether the present access status allows an opening with the access type (DEVICE_ACCESS_FLAGS of the
     // standard). A type other than read-only, control and exclusive is false without a query.
     bool IsOpenable(std::uint32_t accessType) const;
+    // Whether it allows any opening.
+    bool IsOpenable() const { return IsOpenable(GenTL::DEVICE_ACCESS_READONLY); }
     // Answers as for read-only access, on purpose.
     bool IsOpenableExclusive() const;
 

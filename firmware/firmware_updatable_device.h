@@ -1,0 +1,58 @@
+// FirmwareUpdatableDevice: the device that the runtime applies an update to: opened, prepared, and found again after
+// its resets.
+//
+// Lives on the stack of one update, on the caller's thread, and keeps the device open for as long. No lock is held
+// while it searches. Failures go up as they are raised, missing node maps as the standard out-of-range failure.
+#pragma once
+
+#include "firmware/search_clock.h"
+
+#include <FirmwareUpdate/FirmwareUpdatableDevice.h>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace koro::internal
+{
+
+class Device;
+class DeviceDescriptor;
+class Interface;
+
+class FirmwareUpdatableDevice final : public GENAPI_NAMESPACE::IFirmwareUpdatableDevice
+{
+public:
+    // Asks the descriptor for what the device is known by. The clock outlives this object.
+    FirmwareUpdatableDevice(
+        std::shared_ptr<DeviceDescriptor> descriptor, std::uint64_t timeout_ms, SearchClock& searchClock);
+
+    void PrepareForFirmwareUpdate() override;
+    // Of the camera; valid until the next reset.
+    GENAPI_NAMESPACE::INodeMap* GetNodeMapOfDeviceToUpdate() override;
+    // Gives the device up and opens the first one of the interface that has its serial number. Throws TimeoutException
+    // when none comes back in time; the device stays closed then.
+    GENAPI_NAMESPACE::INodeMap* DeviceResetWhileUpdatingFirmware(
+        unsigned int estimatedDuration_ms, unsigned int firstWait_ms) override;
+    void CleanupAfterFirmwareUpdate() override {}
+    GENICAM_NAMESPACE::gcstring GetDisplayName() override;
+
+private:
+    void LimitControlChannelRetries();
+    void ExecuteReset();
+    std::shared_ptr<Device> Reopen(
+        std::uint64_t firstWait_ms, std::uint64_t timeout_ms, std::uint64_t interval_ms,
+        std::uint64_t updateTimeout_ms);
+    std::shared_ptr<Device> Search(std::uint64_t updateTimeout_ms) const;
+    std::shared_ptr<Device> TryOpen(DeviceDescriptor& candidate) const;
+
+    const std::shared_ptr<DeviceDescriptor> deviceDescriptor;
+    std::shared_ptr<Device> device; // empty until it is opened, and during a search
+    const std::string serialNumber; // by which it is found again
+    const std::string displayName;
+    const std::string key;                      // for messages
+    std::shared_ptr<Interface> parentInterface; // set by the opening; survives the loss of the device
+    const std::uint64_t resetTimeout_ms;
+    SearchClock& clock;
+};
+
+} // namespace koro::internal

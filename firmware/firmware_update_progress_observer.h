@@ -1,0 +1,40 @@
+// FirmwareUpdateProgressObserver: the callbacks of an application that follows updates: six kinds of report, each with
+// any number of callbacks.
+//
+// Owned by the handle table, and by an update as long as it runs. Any thread. Reports come on the thread that updates,
+// one at a time; a trigger's mutex is held meanwhile.
+#pragma once
+
+#include "base/callback_registry.h"
+#include "base/instance.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace koro::internal
+{
+
+class FirmwareUpdateInformation;
+
+// The runtime's numbers (EFirmwareUpdateProgressStepType), also those that no header knows.
+enum class FirmwareUpdateStep : std::int32_t
+{
+};
+
+template <class... Arguments>
+using Trigger = TCallbackManager<Arguments...>;
+
+class FirmwareUpdateProgressObserver final : public Instance
+{
+public:
+    // The numbers are durations that the update file expects, in ms.
+    Trigger<std::shared_ptr<FirmwareUpdateInformation>, std::uint32_t> updateStarted;
+    Trigger<FirmwareUpdateStep, std::uint32_t, std::string> updateStepStarted; // description
+    Trigger<FirmwareUpdateStep, double> updateStepProgressChanged;             // percent
+    Trigger<FirmwareUpdateStep> updateStepFinished;
+    Trigger<> updateFinished;
+    Trigger<std::string> updateFailed; // why
+};
+
+} // namespace koro::internal

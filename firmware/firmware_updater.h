@@ -1,0 +1,51 @@
+// FirmwareUpdater: reads update files, and applies one update to one device.
+//
+// Owned by the handle table. Any thread; the reading of a file and an update run to their end on the caller's, and no
+// lock is held meanwhile. GenICam exceptions are translated, standard ones leave as InternalErrorException.
+#pragma once
+
+#include "base/instance.h"
+#include "firmware/firmware_update_information_collector.h"
+
+#include <FirmwareUpdate/FirmwareUpdater.h>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace koro::internal
+{
+
+class DeviceDescriptor;
+class FirmwareUpdateInformation;
+class FirmwareUpdateProgressObserver;
+
+class FirmwareUpdater final : public Instance
+{
+public:
+    // Each replaces what was found before; a failure leaves it. The second one opens the device for its length and
+    // keeps the updates that fit it.
+    void CollectAllFirmwareUpdateInformation(const std::string& updateFilePath);
+    void CollectFirmwareUpdateInformation(
+        const std::string& updateFilePath, const std::shared_ptr<DeviceDescriptor>& deviceDescriptor);
+
+    // What was found last, in the order of the file.
+    std::vector<std::shared_ptr<internal::FirmwareUpdateInformation>> FirmwareUpdateInformation() const;
+
+    // Opens the device and closes it at the end. The observer may be empty. Throws TimeoutException when the device
+    // does not come back from a reset in time.
+    void UpdateDevice(
+        const std::shared_ptr<DeviceDescriptor>& deviceDescriptor,
+        const std::shared_ptr<internal::FirmwareUpdateInformation>& information,
+        const std::shared_ptr<FirmwareUpdateProgressObserver>& observer, std::uint64_t resetTimeout_ms);
+
+private:
+    void Read(const std::string& updateFilePath, FirmwareUpdateInformationCollector& collector);
+
+    GENAPI_NAMESPACE::CFirmwareUpdater firmwareUpdater;
+    std::vector<std::shared_ptr<internal::FirmwareUpdateInformation>> updateInformation;
+    mutable std::mutex updateInformationMutex; // the array alone
+};
+
+} // namespace koro::internal
