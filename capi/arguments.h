@@ -7,8 +7,10 @@
 #include "capi/handle_tables.h"
 #include "capi/output.h"
 
+#include <cstddef>
 #include <functional>
 #include <memory>
+#include <string>
 
 // Pairs a parameter with its spelling, so that a message cannot drift from the signature.
 #define KORO_ARG(parameter) ::koro::internal::Named(parameter, #parameter)
@@ -44,6 +46,12 @@ KORO_ReturnCode InvalidPointer(const NamedArgument<Pointer>& pointer)
 inline KORO_ReturnCode IndexOutOfRange()
 {
     return RecordLastError(KORO_RETURN_CODE_OUT_OF_RANGE, "index is out of range!");
+}
+
+// `size` counts a terminating zero and is taken at its word; 0 is no text.
+inline std::string TextArgument(const char* text, std::size_t size)
+{
+    return {text, size > 0 ? size - 1 : 0};
 }
 
 // Runs `body` with the handle's object, which lives until the body is done whatever other threads do.

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "base/expiring.h"
-#include "capi/arguments.h"
+#include "capi/callbacks.h"
 
 #include <algorithm>
 #include <memory>
@@ -41,20 +41,6 @@ HandleOf<Descriptor> EnterDescriptor(
     const auto children = parent->Children();
     if (std::find(children.begin(), children.end(), descriptor) == children.end()) Remove(handle);
     return handle;
-}
-
-// Registers the application's callback and hands out its callback handle.
-template <class Handle, class Callback, class CallbackHandle, class Register>
-KORO_ReturnCode RegisterCallback(
-    const NamedArgument<Handle>& handle, const NamedArgument<Callback>& callback,
-    const NamedArgument<CallbackHandle*>& callbackHandle, Register&& registerAt)
-{
-    return WithObject(handle, [&](const auto& object) {
-        if (!callback.value) return InvalidPointer(callback);
-        if (!callbackHandle.value) return InvalidPointer(callbackHandle);
-        *callbackHandle.value = reinterpret_cast<CallbackHandle>(const_cast<void*>(registerAt(object)));
-        return success;
-    });
 }
 
 // The descriptor is entered before the application sees its handle. The parent is held weakly: it owns the registry.

@@ -58,8 +58,7 @@ void FirmwareUpdater::UpdateDevice(
         CheckDescriptor(deviceDescriptor);
         if (!information) throw InvalidArgumentException("UpdateInfo is an empty shared pointer!");
 
-        SearchClock clock;
-        FirmwareUpdatableDevice device(deviceDescriptor, resetTimeout_ms, clock);
+        FirmwareUpdatableDevice device(deviceDescriptor, resetTimeout_ms, *clock);
         std::optional<GenApiFirmwareUpdateProgressObserver> told;
         if (observer) told.emplace(observer);
         firmwareUpdater.ApplyUpdate(&device, information->GenApiInformation(), told ? &*told : nullptr, nullptr);

@@ -6,12 +6,14 @@
 
 #include "base/instance.h"
 #include "firmware/firmware_update_information_collector.h"
+#include "firmware/search_clock.h"
 
 #include <FirmwareUpdate/FirmwareUpdater.h>
 #include <cstdint>
 #include <memory>
 #include <mutex>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace koro::internal
@@ -24,6 +26,10 @@ class FirmwareUpdateProgressObserver;
 class FirmwareUpdater final : public Instance
 {
 public:
+    explicit FirmwareUpdater(std::shared_ptr<SearchClock> searchClock = std::make_shared<SearchClock>())
+        : clock(std::move(searchClock))
+    {}
+
     // Each replaces what was found before; a failure leaves it. The second one opens the device for its length and
     // keeps the updates that fit it.
     void CollectAllFirmwareUpdateInformation(const std::string& updateFilePath);
@@ -43,6 +49,7 @@ public:
 private:
     void Read(const std::string& updateFilePath, FirmwareUpdateInformationCollector& collector);
 
+    const std::shared_ptr<SearchClock> clock; // for tests
     GENAPI_NAMESPACE::CFirmwareUpdater firmwareUpdater;
     std::vector<std::shared_ptr<internal::FirmwareUpdateInformation>> updateInformation;
     mutable std::mutex updateInformationMutex; // the array alone

@@ -42,6 +42,9 @@
 #include <koro/event_controller.h>
 #include <koro/event_supporting_module.h>
 #include <koro/file_adapter.h>
+#include <koro/firmware_update_information.h>
+#include <koro/firmware_update_progress_observer.h>
+#include <koro/firmware_updater.h>
 #include <koro/float_node.h>
 #include <koro/gentl_values.h>
 #include <koro/integer_node.h>

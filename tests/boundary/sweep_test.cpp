@@ -4,6 +4,7 @@
 #include "tests/support/boundary.h"
 #include "tests/support/environment_variable.h"
 #include "tests/support/scripted_producer.h"
+#include "tests/support/update_files.h"
 
 #include <algorithm>
 #include <array>
@@ -202,6 +203,7 @@ public:
                 KORO_DeviceDescriptor_RegisterInformationChangedCallback, tree.deviceDescriptor, &Ignore, nullptr));
         Enter(
             "KORO_EventHandle", Get<KORO_EventHandle>(KORO_EventController_WaitForEvent, controller, std::uint64_t{0}));
+        EnterFirmware();
     }
 
     std::map<std::string, Word> byType;
@@ -247,6 +249,23 @@ private:
               BUFFER_PART_INFO_DELIVERED_IMAGEHEIGHT})
             part[command] = scripted::Size(0);
         return part;
+    }
+
+    void EnterFirmware()
+    {
+        const UpdateFileOnDisk file = WithControl(Control(Procedure("") + Update()));
+        KORO_FirmwareUpdaterHandle updater = nullptr;
+        Require(KORO_FirmwareUpdater_Construct(&updater));
+        Require(
+            KORO_FirmwareUpdater_CollectAllFirmwareUpdateInformation(updater, file.path.c_str(), file.path.size() + 1));
+        KORO_FirmwareUpdateProgressObserverHandle observer = nullptr;
+        Require(KORO_FirmwareUpdateProgressObserver_Construct(&observer));
+        Enter("KORO_FirmwareUpdaterHandle", updater);
+        Enter(
+            "KORO_FirmwareUpdateInformationHandle",
+            Get<KORO_FirmwareUpdateInformationHandle>(
+                KORO_FirmwareUpdater_GetFirmwareUpdateInformation, updater, std::size_t{0}));
+        Enter("KORO_FirmwareUpdateProgressObserverHandle", observer);
     }
 
     template <class Handle>
