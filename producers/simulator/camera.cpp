@@ -33,17 +33,28 @@ CameraSettings Complete(CameraSettings settings)
     return settings;
 }
 
+// What of a list concerns one camera.
+template <typename Fault>
+std::vector<Fault> FaultsOf(const std::vector<Fault>& faults, const std::string& serial)
+{
+    std::vector<Fault> own;
+    std::copy_if(faults.begin(), faults.end(), std::back_inserter(own), [&](const Fault& fault) {
+        return fault.camera == "*" || fault.camera == serial;
+    });
+    return own;
+}
+
 } // namespace
 
 Camera::Camera(const CameraSettings& cameraSettings, CameraConnection plug, const Misbehaviour& misbehaviour)
     : settings(Complete(cameraSettings)), connection(std::move(plug)), id(settings.model + "_" + settings.serial),
-      source(MakeSource(settings)), features(std::make_shared<CameraFeatures>(settings, connection)),
-      registers(MakeCameraRegisters(settings, Facts("Device", "Device"), features))
+      source(MakeSource(settings)),
+      features(std::make_shared<CameraFeatures>(settings, connection, FaultsOf(misbehaviour.files, settings.serial))),
+      registers(MakeCameraRegisters(settings, Facts("Device", "Device"), features)),
+      frameFaults(FaultsOf(misbehaviour.frames, settings.serial))
 {
-    const auto concerns = [this](const auto& fault) { return fault.camera == "*" || fault.camera == settings.serial; };
-    std::copy_if(misbehaviour.frames.begin(), misbehaviour.frames.end(), std::back_inserter(frameFaults), concerns);
-    const auto found = std::find_if(misbehaviour.devices.begin(), misbehaviour.devices.end(), concerns);
-    if (found != misbehaviour.devices.end()) deviceFault = *found;
+    const auto own = FaultsOf(misbehaviour.devices, settings.serial);
+    if (!own.empty()) deviceFault = own.front();
 }
 
 bool Camera::AnswersTo(const std::string& name) const

@@ -22,10 +22,11 @@ std::shared_ptr<CameraMemory> MakeMemory(const CameraSettings& settings, const s
 
 } // namespace
 
-CameraFeatures::CameraFeatures(const CameraSettings& cameraSettings, const CameraConnection& plug)
+CameraFeatures::CameraFeatures(
+    const CameraSettings& cameraSettings, const CameraConnection& plug, const std::vector<FileFault>& fileFaults)
     : settings(cameraSettings), connection(plug), sensor(cameraSettings),
       order(plug.tlType == "GEV" ? ByteOrder::Big : ByteOrder::Little), map(order),
-      memory(MakeMemory(cameraSettings, plug.tlType)), state(cameraSettings)
+      memory(MakeMemory(cameraSettings, plug.tlType)), files(cameraSettings, fileFaults), state(cameraSettings)
 {
     AddDeviceControl();
     AddImageFormatControl();
@@ -35,8 +36,14 @@ CameraFeatures::CameraFeatures(const CameraSettings& cameraSettings, const Camer
     AddCountersAndTimer();
     AddLines();
     AddUserSets();
+    AddFileAccess();
     AddTransportLayer();
-    map.SetSnapshot([this]() -> RegisterMap::Action { return [this, before = state] { state = before; }; });
+    map.SetSnapshot([this]() -> RegisterMap::Action {
+        return [this, before = state, filesBefore = files.TheRegisters()] {
+            state = before;
+            files.SetRegisters(filesBefore);
+        };
+    });
     if (!memory) return;
     map.Lock().ShareBy(*this);
     const std::lock_guard lock(map.Lock()); // refuses what no camera left there
@@ -134,7 +141,10 @@ void CameraFeatures::OnStreamStop() noexcept
 
 void CameraFeatures::OnRelease() noexcept
 {
-    ChangeIfReachable([this] { state.EndUse(); });
+    ChangeIfReachable([this] {
+        state.EndUse();
+        files.CloseAll();
+    });
 }
 
 void CameraFeatures::OnPowerLoss() noexcept
@@ -239,6 +249,7 @@ void CameraFeatures::Reset()
     state.timerStart.reset();
     state.clockStart = Clock::now();
     state.latched_ns = 0;
+    files.Restart();
     ++state.numResets;
 }
 

@@ -7,6 +7,7 @@
 
 #include "producers/simulator/camera_memory.h"
 #include "producers/simulator/camera_state.h"
+#include "producers/simulator/device_files.h"
 #include "producers/simulator/port.h"
 #include "producers/simulator/transport.h"
 
@@ -15,6 +16,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace koro::simulator
 {
@@ -51,7 +53,9 @@ class CameraFeatures final : public RegisterSpace, private RegisterLock::Sharing
 {
 public:
     // With the memory that the settings name, if they do.
-    CameraFeatures(const CameraSettings& cameraSettings, const CameraConnection& plug);
+    CameraFeatures(
+        const CameraSettings& cameraSettings, const CameraConnection& plug,
+        const std::vector<FileFault>& fileFaults = {});
 
     ByteOrder Order() const noexcept { return order; }
     // To be called before anyone else sees the registers.
@@ -107,6 +111,8 @@ private:
     void AddCountersAndTimer();
     void AddLines();
     void AddUserSets();
+    // camera_file_registers.cpp
+    void AddFileAccess();
     // camera_transport_registers.cpp
     void AddTransportLayer();
     void AddGigEVision();
@@ -156,6 +162,7 @@ private:
     const std::shared_ptr<CameraMemory> memory; // null: the state is this process's own
 
     // Guarded by the lock of the map.
+    DeviceFiles files; // this process's own
     CameraState state; // a copy, refreshed with each lock, when there is a memory
     std::shared_ptr<const FramePlan> plan;
     std::optional<FeatureValues> plannedValues; // those of the plan

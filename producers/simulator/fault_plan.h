@@ -4,6 +4,7 @@
 // One for each start of the library. Any thread.
 #pragma once
 
+#include "producers/simulator/file_access.h"
 #include "producers/simulator/gentl.h"
 #include "producers/simulator/info_value.h"
 
@@ -71,12 +72,26 @@ struct DeviceFault
     std::uint64_t missingUpdates = 0; // so many updates find it missing, then it is back; 0: for good
 };
 
+// What happens to file operations of one camera, counted from GCInitLib on.
+struct FileFault
+{
+    std::string camera;
+    std::optional<FileName> file;           // nothing: any
+    std::optional<FileOperation> operation; // nothing: any
+    Occurrences executions;
+    std::uint64_t busyPolls = 0;             // so often the command says that it is not done
+    FileStatus status = FileStatus::Success; // success: as it went
+    std::uint64_t movedBytes = UINT64_MAX;   // more are not moved at once
+    GC_ERROR error = GC_ERR_SUCCESS;         // of the access that starts the operation
+};
+
 struct Misbehaviour
 {
     std::vector<CallFault> calls;
     std::vector<InfoFault> info;
     std::vector<FrameFault> frames;
     std::vector<DeviceFault> devices;
+    std::vector<FileFault> files;
     std::size_t portWriteLimit = 0; // bytes of one write, 0 unlimited
     GC_ERROR deadHandleError = GC_ERR_INVALID_HANDLE;
 };

@@ -150,6 +150,17 @@ void RegisterMap::AddBlock(
     Add(address, std::move(region));
 }
 
+void RegisterMap::AddMemory(
+    std::uint64_t address, std::size_t bytes, std::function<void(std::size_t, std::span<std::byte>)> read,
+    std::function<void(std::size_t, std::span<const std::byte>)> write)
+{
+    Region region;
+    region.size = bytes;
+    region.readAt = std::move(read);
+    region.writeAt = std::move(write);
+    Add(address, std::move(region));
+}
+
 std::vector<RegisterMap::Piece> RegisterMap::Locate(std::uint64_t address, std::size_t length, bool write) const
 {
     std::vector<Piece> pieces;
@@ -160,7 +171,7 @@ std::vector<RegisterMap::Piece> RegisterMap::Locate(std::uint64_t address, std::
         if (found == regions.end() || address < found->first || address - found->first >= found->second.size)
             throw Failure(GC_ERR_INVALID_ADDRESS, "there is no register at address " + std::to_string(address));
         const Region& region = found->second;
-        if (write ? !region.write : region.isWriteOnly)
+        if (write ? !region.write && !region.writeAt : region.isWriteOnly)
             throw Failure(
                 GC_ERR_ACCESS_DENIED,
                 "the register at address " + std::to_string(address) + (write ? " is read-only" : " is write-only"));
@@ -176,7 +187,9 @@ std::vector<RegisterMap::Piece> RegisterMap::Locate(std::uint64_t address, std::
 void RegisterMap::ReadPiece(const Piece& piece, std::span<std::byte> out)
 {
     const Region& region = *piece.region;
-    if (!region.read)
+    if (region.readAt)
+        region.readAt(piece.offset, out);
+    else if (!region.read)
         std::memcpy(out.data(), region.constant.data() + piece.offset, piece.length);
     else if (piece.length == region.size)
         region.read(out);
@@ -192,6 +205,7 @@ void RegisterMap::ReadPiece(const Piece& piece, std::span<std::byte> out)
 void RegisterMap::WritePiece(const Piece& piece, std::span<const std::byte> in)
 {
     const Region& region = *piece.region;
+    if (region.writeAt) return region.writeAt(piece.offset, in);
     if (piece.length == region.size) return region.write(in);
     std::vector<std::byte> whole(region.size);
     if (region.read) region.read(whole);

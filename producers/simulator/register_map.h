@@ -54,6 +54,11 @@ public:
         std::uint64_t address, std::size_t bytes, Getter<std::vector<std::byte>> get,
         Setter<std::span<const std::byte>> set);
 
+    // The same, told which bytes of it.
+    void AddMemory(
+        std::uint64_t address, std::size_t bytes, std::function<void(std::size_t, std::span<std::byte>)> read,
+        std::function<void(std::size_t, std::span<const std::byte>)> write);
+
     // `snapshot` makes what takes back all that setters changed since; used when an access over several registers fails
     // half way.
     void SetSnapshot(std::function<Action()> makeUndo) { snapshot = std::move(makeUndo); }
@@ -70,6 +75,9 @@ private:
         std::string_view constant; // when there is no `read`; the bytes live as long as the map
         std::function<void(std::span<std::byte>)> read;
         std::function<void(std::span<const std::byte>)> write;
+        // Of memory, in place of the two: from that byte on.
+        std::function<void(std::size_t, std::span<std::byte>)> readAt;
+        std::function<void(std::size_t, std::span<const std::byte>)> writeAt;
         Action action;
         bool isWriteOnly = false;
     };

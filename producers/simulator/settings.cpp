@@ -1,9 +1,11 @@
 #include "producers/simulator/settings.h"
 
 #include "producers/simulator/failure.h"
+#include "producers/simulator/file_settings.h"
 #include "producers/simulator/function_names.h"
 #include "producers/simulator/image_source.h"
 #include "producers/simulator/json_reader.h"
+#include "producers/simulator/settings_parts.h"
 
 #include <cstdlib>
 #include <fstream>
@@ -108,6 +110,7 @@ void ReadCommon(JsonObject& object, CameraSettings& camera)
     object.Read("longestCommand", camera.longestCommand, 0, maxCommandBytes);
     object.Read("longestPassingCommand", camera.longestPassingCommand, 0, maxCommandBytes);
     object.Read("resetMissingUpdates", camera.resetMissingUpdates, 0, INT64_MAX);
+    ReadFileSettings(object, camera);
 }
 
 void CheckShape(const JsonObject& object, const CameraSettings& camera)
@@ -177,16 +180,6 @@ void CheckScript(const Settings& settings)
             throw Failure(GC_ERR_ERROR, "connection.script: there is no camera '" + step.camera + "'");
 }
 
-void ReadOccurrences(JsonObject& object, Occurrences& occurrences)
-{
-    object.Read("at", occurrences.first, 1, INT64_MAX);
-    const Json* count = object.Take("count");
-    if (count != nullptr && *count == "every")
-        occurrences.count = everyTime;
-    else
-        object.Read("count", occurrences.count, 1, INT64_MAX);
-}
-
 std::string ReadFunction(JsonObject& object)
 {
     std::string function;
@@ -248,14 +241,6 @@ InfoFault ReadInfoFault(const Json& value, const std::string& place)
     return fault;
 }
 
-std::string ReadCameraName(JsonObject& object)
-{
-    std::string camera;
-    object.Read("camera", camera);
-    if (camera.empty()) object.Refuse("camera", "must be a serial number or *");
-    return camera;
-}
-
 FrameFault ReadFrameFault(const Json& value, const std::string& place)
 {
     JsonObject object(value, place);
@@ -292,6 +277,7 @@ Misbehaviour ReadMisbehaviour(const Json& value, const std::string& place)
     readList("info", misbehaviour.info, ReadInfoFault);
     readList("frames", misbehaviour.frames, ReadFrameFault);
     readList("devices", misbehaviour.devices, ReadDeviceFault);
+    readList("files", misbehaviour.files, ReadFileFault);
     object.Read("portWriteLimit", misbehaviour.portWriteLimit, 0, INT32_MAX);
     object.ReadError("deadHandleError", misbehaviour.deadHandleError);
     object.RequireNothingElse();
@@ -334,6 +320,24 @@ std::string ReadFile(const std::filesystem::path& file)
 }
 
 } // namespace
+
+void ReadOccurrences(JsonObject& object, Occurrences& occurrences)
+{
+    object.Read("at", occurrences.first, 1, INT64_MAX);
+    const Json* count = object.Take("count");
+    if (count != nullptr && *count == "every")
+        occurrences.count = everyTime;
+    else
+        object.Read("count", occurrences.count, 1, INT64_MAX);
+}
+
+std::string ReadCameraName(JsonObject& object)
+{
+    std::string camera;
+    object.Read("camera", camera);
+    if (camera.empty()) object.Refuse("camera", "must be a serial number or *");
+    return camera;
+}
 
 Settings DefaultSettings()
 {

@@ -49,6 +49,9 @@ struct CameraSettings
     std::size_t longestCommand = 1024;     // bytes, GevGVCPCMDLength
     std::size_t longestPassingCommand = 0; // bytes that the path to the test memory lets pass; 0: all
     std::uint64_t resetMissingUpdates = 0; // list updates that miss the camera after DeviceReset; 0: it stays
+    std::size_t fileBufferBytes = 65536;   // one file operation moves at most
+    std::size_t userFileBytes = 33554432;  // room in a file of the user's
+    bool memoryCard = false;               // is plugged in
     std::filesystem::path memory;          // folder of what all processes see of its features; empty: each its own
 };
 
