@@ -234,6 +234,7 @@ TEST_F(InformationMonitoring, RoleThatIsAddedIsReportedWithItsFirstValue)
     EXPECT_EQ(reports.Next(), Roles{GenTL::DEVICE_INFO_VENDOR});
     AddRole(GenTL::DEVICE_INFO_VENDOR); // keeps its last value
     AwaitReadings(2);
+    EXPECT_EQ(reports.NumUnread(), 0u);
     RemoveRole(GenTL::DEVICE_INFO_VENDOR);
     AddRole(GenTL::DEVICE_INFO_VENDOR); // starts over
     EXPECT_EQ(reports.Next(), Roles{GenTL::DEVICE_INFO_VENDOR});

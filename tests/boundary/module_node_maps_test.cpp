@@ -217,6 +217,32 @@ TEST_F(ModuleNodeMaps, URLThatCannotBeUnderstoodYieldsNone)
     }
 }
 
+TEST_F(ModuleNodeMaps, URLWithEveryFieldWrongYieldsNoneAndTheNextOneServes)
+{
+    SetRegisters(0x20000, Described("<Category Name=\"Root\"/>").append(0x280, ' '));
+    SetURLs({"wrong", "local:a.xml;20000;280"});
+    producer->Edit([](scripted::Tree& edited) {
+        auto& wrong = StreamPort(edited).urls[0];
+        wrong[GenTL::URL_INFO_SCHEME] = scripted::Text("local");
+        wrong[GenTL::URL_INFO_FILE_REGISTER_ADDRESS] = scripted::Text("20000");
+        wrong[GenTL::URL_INFO_FILE_SIZE] = scripted::Int32(-1);
+        wrong[GenTL::URL_INFO_FILENAME] = scripted::UInt64(7);
+    });
+    for (const auto* text : {"", "wrong", "wrong:;;", ";:;:;", "file:?;-;?", "local:;wrong;wrong", "local:;;;;"})
+    {
+        SCOPED_TRACE(text);
+        producer->Edit(
+            [&](scripted::Tree& edited) { StreamPort(edited).urls[0][GenTL::URL_INFO_URL] = scripted::Text(text); });
+        ReopenStream();
+        ASSERT_EQ(Count(Stream()), 1u);
+        EXPECT_TRUE(HasNode(MapAt(Stream(), 0), "Root"));
+    }
+    producer->Edit(
+        [](scripted::Tree& edited) { StreamPort(edited).urls[0][GenTL::URL_INFO_URL] = scripted::UInt64(7); });
+    ReopenStream();
+    EXPECT_EQ(Count(Stream()), 1u);
+}
+
 TEST_F(ModuleNodeMaps, EachPartFallsBackByItself)
 {
     const struct

@@ -1,5 +1,6 @@
 // Nodes with a number, a flag, a text or bytes: what they tell, how they read and write.
 #include "tests/boundary/described_camera.h"
+#include "tests/boundary/producer_errors.h"
 #include "tests/support/in_thread.h"
 
 #include <gmock/gmock.h>
@@ -348,6 +349,66 @@ TEST_F(ValueNode, ProducersFailureArrivesWithItsCodeAndTheNodeReadsOnAfterwards)
         producer->AnswerAsUsual("GCReadPort");
         EXPECT_EQ(Outcome(KORO_IntegerNode_GetValue(node, 1, &value)), Error{});
     }
+}
+
+TEST_F(ValueNode, EveryFailureOfTheProducerArrivesWithItsCodeAndTextAndLeavesTheOutputAlone)
+{
+    const auto integer = Integer("Width");
+    const auto text = As("Text", KORO_Node_ToStringNode);
+    std::uint8_t data[8] = {};
+    for (const auto& error : producerErrors)
+    {
+        SCOPED_TRACE(error.code);
+        producer->Answer("GCReadPort", error.code);
+        Require(KORO_NodeMap_InvalidateNodes(map));
+        std::int64_t value = -1;
+        EXPECT_EQ(Outcome(KORO_IntegerNode_GetValue(integer, 0, &value)), CallFailure("GCReadPort", error));
+        EXPECT_EQ(value, -1);
+        char letters[16] = "untouched";
+        std::size_t size = sizeof letters;
+        EXPECT_EQ(Outcome(KORO_StringNode_GetValue(text, 0, letters, &size)), CallFailure("GCReadPort", error));
+        EXPECT_EQ(size, sizeof letters);
+        EXPECT_STREQ(letters, "untouched");
+        EXPECT_EQ(
+            Outcome(KORO_RegisterNode_Read(Bytes("Bytes"), 0, data, sizeof data)), CallFailure("GCReadPort", error));
+        producer->AnswerAsUsual("GCReadPort");
+
+        producer->Answer("GCWritePort", error.code);
+        EXPECT_EQ(Outcome(KORO_IntegerNode_SetValue(integer, 64)), CallFailure("GCWritePort", error));
+        EXPECT_EQ(Outcome(KORO_StringNode_SetValue(text, "a", 2)), CallFailure("GCWritePort", error));
+        EXPECT_EQ(
+            Outcome(KORO_RegisterNode_Write(Bytes("Bytes"), data, sizeof data)), CallFailure("GCWritePort", error));
+        producer->AnswerAsUsual("GCWritePort");
+        EXPECT_EQ(Get<std::int64_t>(KORO_IntegerNode_GetValue, integer, 0), 0); // nothing of the write is remembered
+    }
+    EXPECT_EQ(Outcome(KORO_IntegerNode_SetValue(integer, 64)), Error{});
+}
+
+TEST_F(ValueNode, FewerBytesThanTheRegisterHasAreItsFirst)
+{
+    const std::uint8_t written[8] = {1, 2, 3, 4, 5, 6, 7, 8};
+    Require(KORO_RegisterNode_Write(Bytes("Bytes"), written, sizeof written));
+    const std::uint8_t fewer[2] = {9, 9};
+    Require(KORO_RegisterNode_Write(Bytes("Bytes"), fewer, sizeof fewer));
+    std::vector<std::uint8_t> read(4, 0xaa);
+    Require(KORO_RegisterNode_Read(Bytes("Bytes"), 0, read.data(), 3));
+    EXPECT_EQ(read, (std::vector<std::uint8_t>{9, 9, 3, 0xaa}));
+    EXPECT_EQ(Outcome(KORO_RegisterNode_Read(Bytes("Bytes"), 0, read.data(), 0)), Error{});
+    EXPECT_EQ(Outcome(KORO_RegisterNode_Write(Bytes("Bytes"), fewer, 0)), Error{});
+}
+
+TEST_F(ValueNode, DeviceThatClosesDuringAnAccessFailsItAndEndsTheHandles)
+{
+    const auto integer = Integer("Width");
+    producer->OnEntry("GCReadPort", [&] { Require(KORO_Device_Destruct(tree.device)); });
+    std::int64_t value = -1;
+    EXPECT_EQ(
+        Outcome(KORO_IntegerNode_GetValue(integer, 1, &value)),
+        CallFailure("GCReadPort", ProducerErrorOf(GenTL::GC_ERR_INVALID_HANDLE)));
+    producer->OnEntry("GCReadPort", {});
+    EXPECT_EQ(value, -1);
+    EXPECT_EQ(Outcome(KORO_IntegerNode_GetValue(integer, 1, &value)), InvalidHandle("integerNodeHandle"));
+    EXPECT_EQ(Outcome(KORO_NodeMap_InvalidateNodes(map)), InvalidHandle("nodeMapHandle"));
 }
 
 TEST_F(ValueNode, HandlesEndWithTheDevice)
