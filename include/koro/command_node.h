@@ -24,8 +24,9 @@ extern "C" {
 KORO_API KORO_ReturnCode KORO_CommandNode_Execute(KORO_CommandNodeHandle commandNodeHandle);
 
 /**
- * Tells whether the command has come to its end; reads the register.
- * @param[out] isDone 1 also for a command that cannot tell
+ * Tells whether the command has come to its end. Reads the register from an execution to the answer that it is done;
+ * changed callbacks run with that answer, on this thread.
+ * @param[out] isDone 1 also for a command that cannot tell or was not executed
  */
 KORO_API KORO_ReturnCode KORO_CommandNode_GetIsDone(KORO_CommandNodeHandle commandNodeHandle, KORO_Bool8* isDone);
 

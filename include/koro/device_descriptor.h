@@ -114,7 +114,11 @@ KORO_API KORO_ReturnCode KORO_DeviceDescriptor_GetParentInterface(
     KORO_DeviceDescriptorHandle deviceDescriptorHandle, KORO_InterfaceHandle* interfaceHandle);
 
 /**
- * Opens the device and fetches its remote device.
+ * Opens the device and fetches its remote device and the descriptions of both, which may take long. Where these have
+ * the nodes for it, it finds out how long a command to a GigE Vision camera may be: it writes the camera's register
+ * GevGVCPCMDLengthTest with growing lengths and sets GevGVCPCMDLength of the transport layer to what passed. A length
+ * that does not pass is no failure. A transport layer that cannot be set back to what passed is one, and so is a device
+ * without a remote device: it is closed again.
  * @param[in]  accessType   KORO_DEVICE_ACCESS_READONLY, ..._CONTROL or ..._EXCLUSIVE; passed to the producer
  *                          unchanged
  * @param[out] deviceHandle a new handle; end it with KORO_Device_Destruct

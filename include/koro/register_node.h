@@ -26,9 +26,12 @@ KORO_API KORO_ReturnCode KORO_RegisterNode_GetLength(KORO_RegisterNodeHandle reg
 
 /**
  * Reads the bytes. Unlike other reads this one may use the cache whatever the policy says.
- * @param[in]  cachePolicy KORO_NODE_CACHE_POLICY_IGNORE_CACHE has the access to the node checked, and nothing else
+ * @param[in]  cachePolicy KORO_NODE_CACHE_POLICY_IGNORE_CACHE has the node's error nodes looked at after the reading,
+ *                         as writes do; all other numbers do not
  * @param[out] data        room for dataSize bytes
- * @param[in]  dataSize    the length of the register
+ * @param[in]  dataSize    at most the length of the register: its first bytes are read
+ * @return KORO_RETURN_CODE_OUT_OF_RANGE for more bytes than the register has;
+ *         KORO_RETURN_CODE_BAD_ACCESS for a node that cannot be read at this time
  */
 KORO_API KORO_ReturnCode KORO_RegisterNode_Read(
     KORO_RegisterNodeHandle registerNodeHandle, KORO_NodeCachePolicy cachePolicy, uint8_t* data, size_t dataSize);
@@ -36,8 +39,9 @@ KORO_API KORO_ReturnCode KORO_RegisterNode_Read(
 /**
  * Writes the bytes. Changed callbacks run before it returns, on this thread.
  * @param[in] data     dataSize bytes
- * @param[in] dataSize at most the length of the register
- * @return KORO_RETURN_CODE_BAD_ACCESS for a node that cannot be written at this time
+ * @param[in] dataSize at most the length of the register: its first bytes are written
+ * @return KORO_RETURN_CODE_OUT_OF_RANGE for more bytes than the register has;
+ *         KORO_RETURN_CODE_BAD_ACCESS for a node that cannot be written at this time
  */
 KORO_API KORO_ReturnCode
 KORO_RegisterNode_Write(KORO_RegisterNodeHandle registerNodeHandle, const uint8_t* data, size_t dataSize);

@@ -313,8 +313,9 @@ TEST_F(ValueNode, LengthBeyondTheRegistersIsRefusedWithoutHarm)
     for (const std::size_t size : {std::size_t{9}, std::size_t{16}, SIZE_MAX})
     {
         SCOPED_TRACE(size);
-        EXPECT_NE(KORO_RegisterNode_Read(Bytes("Bytes"), 0, bytes.data(), size), KORO_RETURN_CODE_SUCCESS);
-        EXPECT_NE(KORO_RegisterNode_Write(Bytes("Bytes"), bytes.data(), size), KORO_RETURN_CODE_SUCCESS);
+        const auto code = size == SIZE_MAX ? KORO_RETURN_CODE_INVALID_ARGUMENT : KORO_RETURN_CODE_OUT_OF_RANGE;
+        EXPECT_EQ(KORO_RegisterNode_Read(Bytes("Bytes"), 0, bytes.data(), size), code);
+        EXPECT_EQ(KORO_RegisterNode_Write(Bytes("Bytes"), bytes.data(), size), code);
     }
     EXPECT_EQ(bytes, std::vector<std::uint8_t>(16, 0xaa));
 }
