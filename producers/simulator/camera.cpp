@@ -44,22 +44,36 @@ std::vector<Fault> FaultsOf(const std::vector<Fault>& faults, const std::string&
     return own;
 }
 
+Absence AbsenceOf(const DeviceFault& fault) noexcept
+{
+    Absence absence;
+    absence.missingUpdates = fault.missingUpdates;
+    absence.returns = fault.missingUpdates > 0;
+    return absence;
+}
+
 } // namespace
 
 Camera::Camera(const CameraSettings& cameraSettings, CameraConnection plug, const Misbehaviour& misbehaviour)
-    : settings(Complete(cameraSettings)), connection(std::move(plug)), id(settings.model + "_" + settings.serial),
+    : settings(Complete(cameraSettings)), connection(std::move(plug)), firstId(settings.model + "_" + settings.serial),
       source(MakeSource(settings)),
       features(std::make_shared<CameraFeatures>(settings, connection, FaultsOf(misbehaviour.files, settings.serial))),
-      registers(MakeCameraRegisters(settings, Facts("Device", "Device"), features)),
+      registers(MakeCameraRegisters(settings, FactsUnder(firstId, "Device", "Device"), features)),
       frameFaults(FaultsOf(misbehaviour.frames, settings.serial))
 {
     const auto own = FaultsOf(misbehaviour.devices, settings.serial);
     if (!own.empty()) deviceFault = own.front();
 }
 
+std::string Camera::Id() const
+{
+    const std::lock_guard lock(mutex);
+    return numIds == 1 ? firstId : firstId + "_" + std::to_string(numIds);
+}
+
 bool Camera::AnswersTo(const std::string& name) const
 {
-    if (name == id || name == settings.serial) return true;
+    if (name == Id() || name == settings.serial) return true;
     try
     {
         return !name.empty() && name == UserName();
@@ -112,24 +126,31 @@ bool Camera::Replug()
 void Camera::Vanish()
 {
     const std::lock_guard lock(mutex);
-    Leave(deviceFault.missingUpdates);
+    Leave(AbsenceOf(deviceFault));
 }
 
 void Camera::VanishAfterReset()
 {
-    if (settings.resetMissingUpdates == 0) return;
+    if (!settings.reset.IsOne()) return;
     const std::uint64_t resets = features->NumResets();
     const std::lock_guard lock(mutex);
-    if (resets > resetsSeen) Leave(settings.resetMissingUpdates);
+    if (resets > resetsSeen) Leave(settings.reset);
 }
 
-void Camera::Leave(std::uint64_t updates)
+void Camera::Leave(const Absence& asked)
 {
     if (!present || unplugged) return; // gone already: what it missed goes on counting
     present = false;
     numMissed = 0;
-    missingUpdates = updates;
+    absence = asked;
+    leftAt = CameraClock::now();
     LosePower();
+}
+
+bool Camera::IsTimeToReturn()
+{
+    return absence.returns && numMissed++ >= absence.missingUpdates &&
+           CameraClock::now() - leftAt >= std::chrono::milliseconds(absence.time_ms);
 }
 
 void Camera::LosePower()
@@ -140,14 +161,23 @@ void Camera::LosePower()
 
 PortFacts Camera::Facts(const char* module, const char* portName) const
 {
+    return FactsUnder(Id(), module, portName);
+}
+
+PortFacts Camera::FactsUnder(const std::string& id, const char* module, const char* portName) const
+{
     return {id, settings.vendor, settings.model, connection.tlType, module, portName, producerVersion};
 }
 
 bool Camera::OnListUpdate()
 {
     const std::lock_guard lock(mutex);
-    if (++numUpdates == deviceFault.vanishAtUpdate) Leave(deviceFault.missingUpdates);
-    if (!present && missingUpdates > 0 && numMissed++ == missingUpdates) present = true;
+    if (++numUpdates == deviceFault.vanishAtUpdate) Leave(AbsenceOf(deviceFault));
+    if (!present && IsTimeToReturn())
+    {
+        present = true;
+        if (absence.changesId) ++numIds;
+    }
     return present && !unplugged;
 }
 

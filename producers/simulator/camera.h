@@ -24,10 +24,14 @@ public:
     Camera(const CameraSettings& cameraSettings, CameraConnection plug, const Misbehaviour& misbehaviour);
 
     const CameraSettings& Settings() const noexcept { return settings; }
-    const std::string& Id() const noexcept { return id; }
+    // Another one after a reset that changes it, from the list update on that finds the camera again.
+    std::string Id() const;
     const std::string& TLType() const noexcept { return connection.tlType; }
     const NetworkAddress& Network() const noexcept { return connection.network; }
-    std::string DisplayName() const { return settings.vendor + " " + settings.model + " (" + id + ")"; }
+    std::string DisplayNameUnder(const std::string& id) const
+    {
+        return settings.vendor + " " + settings.model + " (" + id + ")";
+    }
     const ImageSource& Source() const noexcept { return *source; }
     CameraFeatures& Features() const noexcept { return *features; }
     PortFacts Facts(const char* module, const char* portName) const;
@@ -58,12 +62,15 @@ public:
     bool OnListUpdate();
 
 private:
-    void Leave(std::uint64_t updates); // mutex held
-    void LosePower();                  // mutex held
+    PortFacts FactsUnder(const std::string& id, const char* module, const char* portName) const;
+    // With the mutex held.
+    void Leave(const Absence& asked);
+    bool IsTimeToReturn();
+    void LosePower();
 
     const CameraSettings settings;
     const CameraConnection connection;
-    const std::string id;
+    const std::string firstId;
     std::unique_ptr<ImageSource> source;
     const std::shared_ptr<CameraFeatures> features;
     const PortRegisters registers;
@@ -71,11 +78,13 @@ private:
     DeviceFault deviceFault;
 
     mutable std::mutex mutex; // guards all below
+    std::uint64_t numIds = 1; // that it has had
     bool present = true;
     bool unplugged = false; // apart from `present`: ends by Replug alone
     std::uint64_t numUpdates = 0;
     std::uint64_t numMissed = 0;
-    std::uint64_t missingUpdates = 0; // this time; 0: for good
+    Absence absence; // this time
+    CameraClock::time_point leftAt;
     std::uint64_t resetsSeen = 0;
 };
 

@@ -249,6 +249,7 @@ void CameraFeatures::Reset()
     state.timerStart.reset();
     state.clockStart = Clock::now();
     state.latched_ns = 0;
+    state.firmware = state.nextFirmware;
     files.Restart();
     ++state.numResets;
 }

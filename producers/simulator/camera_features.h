@@ -113,6 +113,7 @@ private:
     void AddUserSets();
     // camera_file_registers.cpp
     void AddFileAccess();
+    bool KeepFirmware(); // with the lock held; whether there was new one
     // camera_transport_registers.cpp
     void AddTransportLayer();
     void AddGigEVision();

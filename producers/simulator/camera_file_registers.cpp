@@ -14,6 +14,15 @@ constexpr std::uint64_t bufferAddress = 0x1000'0000; // behind every description
 
 } // namespace
 
+// It runs from the next start on.
+bool CameraFeatures::KeepFirmware()
+{
+    auto version = files.TakeFirmware();
+    if (!version) return false;
+    state.nextFirmware = std::move(*version);
+    return true;
+}
+
 void CameraFeatures::AddFileAccess()
 {
     const auto add =
@@ -38,10 +47,16 @@ void CameraFeatures::AddFileAccess()
     map.AddInteger(0xE48, 4, [this] { return files.Modes(); });
     map.AddInteger(0xE4C, 4, [this] { return files.AvailableFiles(); });
     map.AddInteger(
-        0xE60, 4, [this]() -> std::uint64_t { return files.IsBusy() ? 1 : 0; },
+        0xE60, 4,
+        [this]() -> std::uint64_t {
+            const bool isBusy = files.IsBusy();
+            if (KeepFirmware()) map.Lock().Save(); // reading saves nothing by itself
+            return isBusy ? 1 : 0;
+        },
         [this](std::uint64_t value) {
             if (value > 1) RefuseValue("a command takes 1");
             if (value == 1) files.Execute();
+            KeepFirmware();
         });
     map.AddMemory(
         bufferAddress, files.BufferBytes(),

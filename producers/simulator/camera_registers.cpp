@@ -61,7 +61,7 @@ void CameraFeatures::AddRegion(
 void CameraFeatures::AddDeviceControl()
 {
     map.AddText(0x100, textRegisterBytes, "a simulated camera");
-    map.AddText(0x140, textRegisterBytes, producerVersion);
+    map.AddText(0x140, textRegisterBytes, [this] { return state.firmware; });
     map.AddText(0x200, textRegisterBytes, settings.serial);
     map.AddText(
         0x240, textRegisterBytes, [this] { return state.userName; },

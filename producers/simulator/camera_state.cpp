@@ -120,6 +120,8 @@ void ForEachField(State& state, const Each& each)
         FeatureValues::ForEachField(set, each);
     each(state.userSetDefault);
     each(state.userName);
+    each(state.firmware);
+    each(state.nextFirmware);
     each(state.paramsLocked);
     each(state.isStreaming);
     Acquisition::ForEachField(state.acquisition, each);
@@ -130,7 +132,8 @@ void ForEachField(State& state, const Each& each)
 } // namespace
 
 CameraState::CameraState(const CameraSettings& settings)
-    : values(settings), userSets{values, values, values}, userName(settings.userName), clockStart(CameraClock::now())
+    : values(settings), userSets{values, values, values}, userName(settings.userName),
+      firmware(settings.firmwareVersion), nextFirmware(firmware), clockStart(CameraClock::now())
 {}
 
 void CameraState::EndUse() noexcept

@@ -27,6 +27,8 @@ struct CameraState
     std::array<FeatureValues, 3> userSets; // Default, UserSet0, UserSet1
     std::uint64_t userSetDefault = 0;
     std::string userName;
+    std::string firmware;
+    std::string nextFirmware; // after a restart
     std::uint64_t paramsLocked = 0;
     bool isStreaming = false;
     Acquisition acquisition;

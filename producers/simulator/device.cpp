@@ -69,13 +69,13 @@ std::unique_ptr<CameraClaim> Claim(const Camera& camera, DEVICE_ACCESS_FLAGS acc
 
 } // namespace
 
-InfoValue DeviceInfo(const Camera& camera, DEVICE_ACCESS_STATUS status, DEVICE_INFO_CMD command)
+InfoValue DeviceInfo(const Camera& camera, const std::string& id, DEVICE_ACCESS_STATUS status, DEVICE_INFO_CMD command)
 {
     const CameraSettings& settings = camera.Settings();
     switch (command)
     {
     case DEVICE_INFO_ID:
-        return InfoValue::Text(camera.Id());
+        return InfoValue::Text(id);
     case DEVICE_INFO_VENDOR:
         return InfoValue::Text(settings.vendor);
     case DEVICE_INFO_MODEL:
@@ -83,7 +83,7 @@ InfoValue DeviceInfo(const Camera& camera, DEVICE_ACCESS_STATUS status, DEVICE_I
     case DEVICE_INFO_TLTYPE:
         return InfoValue::Text(camera.TLType());
     case DEVICE_INFO_DISPLAYNAME:
-        return InfoValue::Text(camera.DisplayName());
+        return InfoValue::Text(camera.DisplayNameUnder(id));
     case DEVICE_INFO_ACCESS_STATUS:
         return InfoValue::Int32(status);
     case DEVICE_INFO_USER_DEFINED_NAME:
@@ -105,7 +105,7 @@ RemoteDevice::RemoteDevice(const Camera& camera, PortRegisters registers, Port::
 
 Device::Device(
     std::shared_ptr<Interface> parentInterface, std::shared_ptr<Camera> openedCamera, DEVICE_ACCESS_FLAGS openedWith)
-    : parent(std::move(parentInterface)), camera(std::move(openedCamera)), access(openedWith),
+    : parent(std::move(parentInterface)), camera(std::move(openedCamera)), id(camera->Id()), access(openedWith),
       claim(Claim(*camera, access)),
       connection(std::make_shared<Connection>(parent->Parent()->TheLibrary().Connection().deadCameraError)),
       port(camera->Facts("TLDevice", "DevicePort"), MakeRegisters())
@@ -139,11 +139,23 @@ PortRegisters Device::MakeRegisters()
     map->AddInteger(0x18C, 4, network.mask);
     map->AddInteger(0x190, 4, network.gateway);
     AddSetting(*map, 0x1A0, commandTimeout_us, 1'000, 60'000'000);
-    AddSetting(*map, 0x1A4, commandRetries, 0, 100);
+    AddRetries(*map);
     AddSetting(*map, 0x1B0, commandLength, 36, 65535);
     map->AddText(0x200, textRegisterBytes, DataStream::TheId());
-    map->AddText(0x1100, 512, camera->DisplayName());
+    map->AddText(0x1100, 512, camera->DisplayNameUnder(id));
     return {map, {LocalURL(deviceDescription)}};
+}
+
+void Device::AddRetries(RegisterMap& map)
+{
+    const CommandRetries& retries = camera->Settings().retries;
+    commandRetries = retries.number;
+    if (retries.isReadOnly)
+        map.AddInteger(0x1A4, 4, commandRetries);
+    else
+        AddSetting(map, 0x1A4, commandRetries, 0, retries.maximum);
+    map.AddInteger(0x1A8, 4, retries.maximum);
+    map.AddInteger(0x1AC, 4, (retries.isImplemented ? 1U : 0U) | (retries.isReadOnly ? 2U : 0U));
 }
 
 bool Device::SupportsEvent(EVENT_TYPE type) const noexcept
@@ -197,12 +209,13 @@ void Device::OnCameraWritten()
     if (!camera->IsPresent()) OnCameraLost();
 }
 
-std::shared_ptr<DataStream> Device::OpenStream(const std::string& id)
+std::shared_ptr<DataStream> Device::OpenStream(const std::string& streamId)
 {
-    if (id != DataStream::TheId()) throw Failure(GC_ERR_INVALID_ID, "there is no stream '" + id + "'");
+    if (streamId != DataStream::TheId()) throw Failure(GC_ERR_INVALID_ID, "there is no stream '" + streamId + "'");
     RequireConnection();
-    return streams.Open(
-        id, [this] { return std::make_shared<DataStream>(std::static_pointer_cast<Device>(shared_from_this())); });
+    return streams.Open(streamId, [this] {
+        return std::make_shared<DataStream>(std::static_pointer_cast<Device>(shared_from_this()));
+    });
 }
 
 void Device::OnClose()

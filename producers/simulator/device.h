@@ -40,7 +40,7 @@ public:
     // To be called once, when the device is complete: makes the remote device.
     void Connect();
 
-    const std::string& Id() const noexcept { return camera->Id(); }
+    const std::string& Id() const noexcept { return id; }
     const Camera& TheCamera() const noexcept { return *camera; }
     const std::shared_ptr<Camera>& SharedCamera() const noexcept { return camera; }
     const std::shared_ptr<Interface>& Parent() const noexcept { return parent; }
@@ -71,10 +71,12 @@ private:
 
     const std::shared_ptr<Interface> parent;
     const std::shared_ptr<Camera> camera;
+    const std::string id; // the camera's at the opening
     const DEVICE_ACCESS_FLAGS access;
     std::unique_ptr<CameraClaim> claim; // on a camera with a memory, until the close
     const std::shared_ptr<Connection> connection;
     PortRegisters MakeRegisters();
+    void AddRetries(RegisterMap& map);
 
     // Of the description; guarded by the lock of the registers.
     std::uint64_t commandTimeout_us = 200'000;
@@ -87,6 +89,6 @@ private:
 };
 
 // DevGetInfo and IFGetDeviceInfo answer the same; the access status alone differs.
-InfoValue DeviceInfo(const Camera& camera, DEVICE_ACCESS_STATUS status, DEVICE_INFO_CMD command);
+InfoValue DeviceInfo(const Camera& camera, const std::string& id, DEVICE_ACCESS_STATUS status, DEVICE_INFO_CMD command);
 
 } // namespace koro::simulator

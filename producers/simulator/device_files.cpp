@@ -1,6 +1,7 @@
 #include "producers/simulator/device_files.h"
 
 #include "producers/simulator/failure.h"
+#include "producers/simulator/firmware_image.h"
 #include "producers/simulator/register_map.h"
 
 #include <algorithm>
@@ -13,6 +14,7 @@ namespace
 {
 
 constexpr std::size_t calibrationBytes = 300'001;
+constexpr std::uint64_t firmwareBytes = std::uint64_t{1} << 26;
 
 std::vector<std::byte> FactoryData(const CameraSettings& settings)
 {
@@ -59,10 +61,14 @@ DeviceFiles::DeviceFiles(const CameraSettings& settings, const std::vector<FileF
     for (const FileName name : {FileName::FactoryData, FileName::CalibrationData})
     {
         Of(name).canWrite = false;
+        Of(name).canDelete = false;
         Of(name).capacity = Of(name).content.size();
     }
     Of(FileName::MemoryCard).isAvailable = settings.memoryCard;
     Of(FileName::MemoryCard).capacity = settings.userFileBytes;
+    Of(FileName::Firmware).canRead = false;
+    Of(FileName::Firmware).canDelete = false;
+    Of(FileName::Firmware).capacity = firmwareBytes;
     for (const FileFault& fault : fileFaults)
         faults.push_back({fault});
 }
@@ -72,7 +78,8 @@ std::uint64_t DeviceFiles::Operations() const noexcept
     const File& file = Selected();
     std::uint64_t bits = BitOf(FileOperation::Open) | BitOf(FileOperation::Close);
     if (file.canRead) bits |= BitOf(FileOperation::Read);
-    if (file.canWrite) bits |= BitOf(FileOperation::Write) | BitOf(FileOperation::Delete);
+    if (file.canWrite) bits |= BitOf(FileOperation::Write);
+    if (file.canDelete) bits |= BitOf(FileOperation::Delete);
     return bits;
 }
 
@@ -237,7 +244,20 @@ FileStatus DeviceFiles::Open()
 FileStatus DeviceFiles::Close()
 {
     if (!Selected().openFor) return FileStatus::FileNotOpen;
+    if (registers.file == FileName::Firmware) return InstallFirmware();
     Selected().openFor.reset();
+    return FileStatus::Success;
+}
+
+// Closed in any case: a refused image has to be sent anew.
+FileStatus DeviceFiles::InstallFirmware()
+{
+    File& file = Selected();
+    auto version = FirmwareVersionIn(file.content);
+    file.content = {};
+    file.openFor.reset();
+    if (!version) return FileStatus::FileNotValid;
+    newFirmware = std::move(version);
     return FileStatus::Success;
 }
 
@@ -283,6 +303,7 @@ void DeviceFiles::CloseAll() noexcept
     pending.reset();
     for (File& file : files)
         file.openFor.reset();
+    Of(FileName::Firmware).content = {};
 }
 
 void DeviceFiles::Restart() noexcept

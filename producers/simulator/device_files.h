@@ -15,6 +15,8 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <string>
+#include <utility>
 #include <vector>
 
 namespace koro::simulator
@@ -64,7 +66,10 @@ public:
     void ReadBuffer(std::size_t at, std::span<std::byte> out) const;
     void WriteBuffer(std::size_t at, std::span<const std::byte> in);
 
-    // Nobody is there any more who uses them; what was written stays.
+    // The version of firmware that was taken since this was asked last.
+    std::optional<std::string> TakeFirmware() noexcept { return std::exchange(newFirmware, std::nullopt); }
+
+    // Nobody is there any more who uses them; what was written stays, but for half firmware.
     void CloseAll() noexcept;
     // The device starts anew.
     void Restart() noexcept;
@@ -75,6 +80,7 @@ private:
         bool isAvailable = true;
         bool canRead = true;
         bool canWrite = true;
+        bool canDelete = true;
         std::uint64_t capacity = 0;
         std::vector<std::byte> content;
         std::optional<FileMode> openFor;
@@ -103,12 +109,14 @@ private:
     FileStatus Read();
     FileStatus Write();
     FileStatus Delete();
+    FileStatus InstallFirmware();
 
     std::array<File, fileNames.size()> files;
     std::vector<std::byte> buffer;
     std::vector<CountedFault> faults;
     Registers registers;
     std::optional<Pending> pending;
+    std::optional<std::string> newFirmware;
 };
 
 } // namespace koro::simulator

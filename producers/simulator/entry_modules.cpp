@@ -190,7 +190,7 @@ GC_ERROR DevGetInfo(DEV_HANDLE hDevice, DEVICE_INFO_CMD iInfoCmd, INFO_DATATYPE*
     return Call(__func__, [=, function = __func__] {
         const auto device = Find<Device>(hDevice);
         Answer(function, iInfoCmd, {piType, pBuffer, piSize}, [&] {
-            return DeviceInfo(device->TheCamera(), device->AccessStatus(), iInfoCmd);
+            return DeviceInfo(device->TheCamera(), device->Id(), device->AccessStatus(), iInfoCmd);
         });
     });
 }

@@ -16,10 +16,11 @@ enum class FileName : std::size_t
     UserFile,
     FactoryData,
     CalibrationData,
-    MemoryCard
+    MemoryCard,
+    Firmware
 };
-inline constexpr std::array<std::string_view, 4> fileNames = {
-    "UserFile", "FactoryData", "CalibrationData", "MemoryCard"};
+inline constexpr std::array<std::string_view, 5> fileNames = {
+    "UserFile", "FactoryData", "CalibrationData", "MemoryCard", "Firmware"};
 
 enum class FileOperation : std::size_t
 {

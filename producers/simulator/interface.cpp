@@ -162,7 +162,7 @@ std::shared_ptr<Camera> Interface::FindCamera(const std::string& name) const
 InfoValue Interface::DeviceInfoOf(const std::string& name, DEVICE_INFO_CMD command) const
 {
     const auto camera = FindCamera(name);
-    return DeviceInfo(*camera, AccessStatusOf(*camera), command);
+    return DeviceInfo(*camera, camera->Id(), AccessStatusOf(*camera), command);
 }
 
 std::shared_ptr<Device> Interface::OpenDevice(const std::string& name, DEVICE_ACCESS_FLAGS access)

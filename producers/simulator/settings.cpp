@@ -5,6 +5,7 @@
 #include "producers/simulator/function_names.h"
 #include "producers/simulator/image_source.h"
 #include "producers/simulator/json_reader.h"
+#include "producers/simulator/reset_settings.h"
 #include "producers/simulator/settings_parts.h"
 
 #include <cstdlib>
@@ -109,8 +110,10 @@ void ReadCommon(JsonObject& object, CameraSettings& camera)
     object.Read("startWithStream", camera.startWithStream);
     object.Read("longestCommand", camera.longestCommand, 0, maxCommandBytes);
     object.Read("longestPassingCommand", camera.longestPassingCommand, 0, maxCommandBytes);
-    object.Read("resetMissingUpdates", camera.resetMissingUpdates, 0, INT64_MAX);
+    ReadName(object, "firmwareVersion", camera.firmwareVersion);
     ReadFileSettings(object, camera);
+    ReadResetSettings(object, camera.reset);
+    ReadRetrySettings(object, camera.retries);
 }
 
 void CheckShape(const JsonObject& object, const CameraSettings& camera)

@@ -30,6 +30,26 @@ enum class DescriptionForm
     TwoURLs // in the registers, and as a file beside the producer
 };
 
+// How long a camera is gone, and how it comes back.
+struct Absence
+{
+    std::uint64_t missingUpdates = 0; // so many list updates do not find it
+    std::uint64_t time_ms = 0;        // nor do those before
+    bool returns = true;
+    bool changesId = false;
+
+    bool IsOne() const noexcept { return missingUpdates > 0 || time_ms > 0 || !returns || changesId; }
+};
+
+// What the local device says of repeated commands.
+struct CommandRetries
+{
+    std::uint64_t number = 3;
+    std::uint64_t maximum = 100;
+    bool isImplemented = true;
+    bool isReadOnly = false;
+};
+
 struct CameraSettings
 {
     std::string serial;
@@ -48,11 +68,13 @@ struct CameraSettings
     std::filesystem::path description;     // somebody else's, over a memory without meaning; empty: the camera's own
     std::size_t longestCommand = 1024;     // bytes, GevGVCPCMDLength
     std::size_t longestPassingCommand = 0; // bytes that the path to the test memory lets pass; 0: all
-    std::uint64_t resetMissingUpdates = 0; // list updates that miss the camera after DeviceReset; 0: it stays
-    std::size_t fileBufferBytes = 65536;   // one file operation moves at most
-    std::size_t userFileBytes = 33554432;  // room in a file of the user's
-    bool memoryCard = false;               // is plugged in
-    std::filesystem::path memory;          // folder of what all processes see of its features; empty: each its own
+    std::string firmwareVersion = "1.0.0"; // until a new one is installed
+    Absence reset;
+    CommandRetries retries;
+    std::size_t fileBufferBytes = 65536;  // one file operation moves at most
+    std::size_t userFileBytes = 33554432; // room in a file of the user's
+    bool memoryCard = false;              // is plugged in
+    std::filesystem::path memory;         // folder of what all processes see of its features; empty: each its own
 };
 
 struct InterfaceSettings
