@@ -244,12 +244,6 @@ std::uint64_t Buffer::NumberInfo(std::int32_t command) const
     return NumericInfo<std::uint64_t>(command, INFO_DATATYPE_UINT64);
 }
 
-void Buffer::AddRevocationCallback(const void* callbackKey, RevocationCallback callback)
-{
-    const std::lock_guard lock(revocationLock);
-    revocationCallbacks.emplace(callbackKey, std::move(callback));
-}
-
 void Buffer::Revoke(DS_HANDLE streamHandle)
 {
     if (revoked) throw InternalErrorException("Pointer has expired!");
@@ -257,13 +251,18 @@ void Buffer::Revoke(DS_HANDLE streamHandle)
     void* userPtr = nullptr;
     gentl.Call<&GenTLProxy::DSRevokeBuffer>(streamHandle, Handle(), &base, &userPtr);
 
-    const std::lock_guard lock(revocationLock);
-    for (const auto& [callbackKey, callback] : revocationCallbacks)
+    for (const auto& [callbackKey, callback] : TakeRevocationCallbacks())
     {
         if (callback) callback(Handle(), base, userPtr);
     }
-    revocationCallbacks.clear();
     revoked = true;
+}
+
+std::unordered_map<const void*, Buffer::RevocationCallback> Buffer::TakeRevocationCallbacks()
+{
+    const std::lock_guard lock(revocationLock);
+    isRevocationTold = true;
+    return std::exchange(revocationCallbacks, {});
 }
 
 std::shared_ptr<DataStream> Buffer::ParentStream() const

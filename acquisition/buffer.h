@@ -15,6 +15,7 @@
 #include <mutex>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace koro::internal
@@ -72,8 +73,16 @@ public:
     std::vector<std::shared_ptr<BufferChunk>> Chunks() const;
     std::vector<std::shared_ptr<BufferPart>> Parts() const;
 
-    // Kept until the revocation; an entry with the same key stays as it is. An empty function is allowed.
-    void AddRevocationCallback(const void* callbackKey, RevocationCallback callback);
+    // Kept until the revocation; an entry with the same key stays as it is. An empty function is allowed. False, and
+    // nothing is kept, when the revocation has been told already.
+    template <class Callback>
+    bool AddRevocationCallback(const void* callbackKey, Callback&& callback)
+    {
+        const std::lock_guard lock(revocationLock);
+        if (isRevocationTold) return false;
+        revocationCallbacks.try_emplace(callbackKey, std::forward<Callback>(callback));
+        return true;
+    }
 
     // Called by the stream alone, with its handle. On success every callback has run and the object is dead.
     void Revoke(GenTL::DS_HANDLE streamHandle);
@@ -90,11 +99,15 @@ private:
     std::uint64_t NumberInfo(std::int32_t command) const;
     std::uint32_t NumParts() const;
     std::weak_ptr<Buffer> WeakSelf();
+    std::unordered_map<const void*, RevocationCallback> TakeRevocationCallbacks();
 
     const std::weak_ptr<DataStream> parent;
     std::atomic<bool> revoked{false}; // from then on the parent counts as gone
-    std::mutex revocationLock;        // guards the callbacks; held while they run
+
+    // Guards the next two; not held while callbacks run, which may take the locks of node maps.
+    std::mutex revocationLock;
     std::unordered_map<const void*, RevocationCallback> revocationCallbacks;
+    bool isRevocationTold = false;
 
     mutable std::mutex chunksLock; // both guard the swap and the copying of their list alone
     std::vector<std::shared_ptr<BufferChunk>> chunks;

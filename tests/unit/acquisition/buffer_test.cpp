@@ -87,6 +87,19 @@ TEST_F(BufferClass, EarlierEntryOfAKeyStays)
     EXPECT_THAT(notes, UnorderedElementsAre("earlier"));
 }
 
+TEST_F(BufferClass, EntryThatComesTooLateIsNotKept)
+{
+    const int keys[2] = {};
+    bool isKept = true;
+    EXPECT_TRUE(buffer->AddRevocationCallback(&keys[0], [&](BUFFER_HANDLE, void*, void*) {
+        isKept = buffer->AddRevocationCallback(&keys[1], Note("late"));
+    }));
+    objects.stream->RevokeBuffer(buffer);
+    EXPECT_FALSE(isKept);
+    EXPECT_FALSE(buffer->AddRevocationCallback(&keys[1], Note("later")));
+    EXPECT_THAT(notes, IsEmpty());
+}
+
 TEST_F(BufferClass, RefusedRevocationKeepsTheEntries)
 {
     const int key = 0;
