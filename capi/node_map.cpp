@@ -1,11 +1,30 @@
 #include "nodes/node_map.h"
 
+#include "acquisition/buffer.h"
 #include "capi/node_entries.h"
+#include "events/event.h"
 #include <koro/node_map.h>
 
 #include <stdexcept>
 
 using namespace koro::internal;
+
+namespace
+{
+
+// Runs `body` with the map and what it is to look at; the map's handle is looked at first.
+template <class Handle, class Body>
+KORO_ReturnCode WithMapAnd(
+    const NamedArgument<KORO_NodeMapHandle>& nodeMapHandle, const NamedArgument<Handle>& handle, Body&& body)
+{
+    return WithObject(nodeMapHandle, [&](const auto& nodeMap) {
+        const auto object = Find(handle.value);
+        if (!object) return InvalidHandle(handle);
+        return body(*nodeMap, object);
+    });
+}
+
+} // namespace
 
 KORO_ReturnCode KORO_NodeMap_GetHasNode(
     KORO_NodeMapHandle nodeMapHandle, const char* nodeName, size_t nodeNameSize, KORO_Bool8* hasNode)
@@ -55,8 +74,41 @@ KORO_ReturnCode KORO_NodeMap_GetNode(KORO_NodeMapHandle nodeMapHandle, size_t in
     });
 }
 
-KORO_ReturnCode
-KORO_NodeMap_StoreToFile(KORO_NodeMapHandle nodeMapHandle, const char* filePath, size_t filePathSize)
+KORO_ReturnCode KORO_NodeMap_GetHasBufferSupportedChunks(
+    KORO_NodeMapHandle nodeMapHandle, KORO_BufferHandle bufferHandle, KORO_Bool8* hasSupportedChunks)
+{
+    return WithMapAnd(KORO_ARG(nodeMapHandle), KORO_ARG(bufferHandle), [&](auto& nodeMap, const auto& buffer) {
+        const KORO_Bool8 has = nodeMap.HasBufferSupportedChunks(buffer);
+        return CopyScalarOut(has, hasSupportedChunks, "hasSupportedChunks");
+    });
+}
+
+KORO_ReturnCode KORO_NodeMap_UpdateChunkNodes(KORO_NodeMapHandle nodeMapHandle, KORO_BufferHandle bufferHandle)
+{
+    return WithMapAnd(KORO_ARG(nodeMapHandle), KORO_ARG(bufferHandle), [](auto& nodeMap, const auto& buffer) {
+        nodeMap.UpdateChunkNodes(buffer);
+        return success;
+    });
+}
+
+KORO_ReturnCode KORO_NodeMap_GetHasEventSupportedData(
+    KORO_NodeMapHandle nodeMapHandle, KORO_EventHandle eventHandle, KORO_Bool8* hasSupportedData)
+{
+    return WithMapAnd(KORO_ARG(nodeMapHandle), KORO_ARG(eventHandle), [&](auto& nodeMap, const auto& event) {
+        const KORO_Bool8 has = nodeMap.HasEventSupportedData(event);
+        return CopyScalarOut(has, hasSupportedData, "hasSupportedData");
+    });
+}
+
+KORO_ReturnCode KORO_NodeMap_UpdateEventNodes(KORO_NodeMapHandle nodeMapHandle, KORO_EventHandle eventHandle)
+{
+    return WithMapAnd(KORO_ARG(nodeMapHandle), KORO_ARG(eventHandle), [](auto& nodeMap, const auto& event) {
+        nodeMap.UpdateEventNodes(event);
+        return success;
+    });
+}
+
+KORO_ReturnCode KORO_NodeMap_StoreToFile(KORO_NodeMapHandle nodeMapHandle, const char* filePath, size_t filePathSize)
 {
     return WithObject(KORO_ARG(nodeMapHandle), [&](const auto& nodeMap) {
         if (!filePath) return InvalidPointer(KORO_ARG(filePath));
@@ -65,8 +117,7 @@ KORO_NodeMap_StoreToFile(KORO_NodeMapHandle nodeMapHandle, const char* filePath,
     });
 }
 
-KORO_ReturnCode
-KORO_NodeMap_LoadFromFile(KORO_NodeMapHandle nodeMapHandle, const char* filePath, size_t filePathSize)
+KORO_ReturnCode KORO_NodeMap_LoadFromFile(KORO_NodeMapHandle nodeMapHandle, const char* filePath, size_t filePathSize)
 {
     return WithObject(KORO_ARG(nodeMapHandle), [&](const auto& nodeMap) {
         if (!filePath) return InvalidPointer(KORO_ARG(filePath));

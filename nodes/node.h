@@ -86,7 +86,9 @@ public:
     // An unknown handle is ignored. Afterwards the callback does not run any more.
     void UnregisterChangedCallback(ChangedCallbackHandle handle);
 
-    // For the end of the map: drops the callbacks of a node that is no more in GenApi.
+    // For the end of the map. Unregisters all callbacks; the map's lock is held.
+    void EndChangedCallbacks();
+    // Drops the callbacks of a node that is no more in GenApi.
     void ForgetChangedCallbacks();
 
 protected:

@@ -81,6 +81,13 @@ void Node::UnregisterChangedCallback(ChangedCallbackHandle handle)
     });
 }
 
+void Node::EndChangedCallbacks()
+{
+    decltype(changedCallbacks) ended; // each holds this node
+    const std::lock_guard lock(changedCallbacksMutex);
+    ended.swap(changedCallbacks);
+}
+
 void Node::ForgetChangedCallbacks()
 {
     decltype(changedCallbacks) forgotten; // each holds this node

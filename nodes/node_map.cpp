@@ -57,12 +57,30 @@ NodeMap::NodeMap(const std::shared_ptr<internal::Port>& connectedPort, NodeMapDe
 // back.
 NodeMap::~NodeMap()
 {
+    EndAdapters();
     nodeMapRef._Destroy();
     if (const NodeTable* const table = nodeTable.IfBuilt())
     {
         for (const auto& node : table->nodes)
             node->ForgetChangedCallbacks();
     }
+}
+
+// Adapters end before the nodes that they serve. That takes the lock and tells the nodes, while callbacks are not to
+// run any more. If somebody holds the lock, who cannot give it back, they end after the nodes, as GenApi allows.
+void NodeMap::EndAdapters()
+{
+    if (!chunkAdapter && !eventAdapter) return;
+    CLock& lock = nodeMapRef._Ptr->GetLock();
+    if (!lock.TryLock()) return;
+    if (const NodeTable* const table = nodeTable.IfBuilt())
+    {
+        for (const auto& node : table->nodes)
+            node->EndChangedCallbacks();
+    }
+    eventAdapter.reset();
+    chunkAdapter.reset();
+    lock.Unlock();
 }
 
 const std::vector<std::shared_ptr<Node>>& NodeMap::Nodes()

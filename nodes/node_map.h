@@ -1,4 +1,5 @@
-// NodeMap: what an application sees of one description: its nodes, by list and by name, over one Port.
+// NodeMap: what an application sees of one description: its nodes, by list and by name, over one Port. Nodes of chunks
+// and events read the buffer or the event that the map was given last: node_map_chunks.cpp, node_map_events.cpp.
 //
 // Owned by its module and the handle table; owns its nodes, which hold it weakly. Any thread. Nothing is read or parsed
 // before the first operation: then the description becomes a GenApi map, and with the first node that is asked for the
@@ -11,11 +12,15 @@
 #include "base/built_once.h"
 #include "base/instance.h"
 #include "base/once.h"
+#include "gentl/api/gentl.h"
 #include "nodes/genapi_port.h"
 #include "nodes/node_map_description.h"
 
+#include <GenApi/ChunkAdapter.h>
+#include <GenApi/EventAdapter.h>
 #include <GenApi/NodeMapRef.h>
 #include <GenApi/Synch.h>
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -25,6 +30,8 @@
 namespace koro::internal
 {
 
+class Buffer;
+class Event;
 class Node;
 class Port;
 
@@ -47,6 +54,20 @@ public:
     void InvalidateNodes();
     void PollNodes(std::int64_t elapsedTime_ms);
 
+    // The adapter that reads the chunks is that of the first buffer's transport layer, for the life of the map; one
+    // without an adapter throws InternalErrorException. A buffer without chunks is false, and updates nothing.
+    bool HasBufferSupportedChunks(const std::shared_ptr<Buffer>& buffer);
+    // Takes the lock; callbacks of nodes run within. Afterwards the nodes of chunks read the memory of this buffer
+    // itself, until the next update, or until it is revoked. Throws for a broken layout or checksum: then they read
+    // what they read before.
+    void UpdateChunkNodes(const std::shared_ptr<Buffer>& buffer);
+    // Whether the event is one of the module that this map describes. The adapter is that of the port's transport
+    // layer; one without an adapter throws InternalErrorException.
+    bool HasEventSupportedData(const std::shared_ptr<Event>& event);
+    // Takes the lock; callbacks of nodes run within. The bytes of the event are copied. Throws
+    // InvalidArgumentException for an event of somebody else.
+    void UpdateEventNodes(const std::shared_ptr<Event>& event);
+
     // The values of the features as a text file, told in docs/feature-files.md, and back. The path is UTF-8. Storing
     // empties the file first. Loading holds the lock and writes all that it can; storing leaves locking to GenApi.
     // InvalidArgumentException: the file cannot be opened. IOException: it cannot be written to its end.
@@ -60,6 +81,8 @@ public:
     GENAPI_NAMESPACE::INodeMap* GenApiNodeMap();
 
     const std::shared_ptr<internal::Port>& Port() const { return port; }
+    // Of the latest attachment; the short road of a buffer with an equal layout leaves it. The caller holds the lock.
+    const GENAPI_NAMESPACE::AttachStatistics_t& AttachStatistics() const { return attachStatistics; }
 
 private:
     struct NodeTable
@@ -73,6 +96,16 @@ private:
     GENAPI_NAMESPACE::INodeMap* LoadDescription() const;
     const NodeTable& EnsureNodes();
     NodeTable BuildNodes();
+    void EndAdapters();
+
+    // With the lock held.
+    GENAPI_NAMESPACE::CChunkAdapter& EnsureChunkAdapter(const Buffer& buffer);
+    void ShowChunks(const Buffer& buffer, std::uint8_t* base, std::size_t size);
+    void DetachAtRevocation(Buffer& buffer);
+    GENAPI_NAMESPACE::CEventAdapter& EnsureEventAdapter();
+    bool IsOfThisMap(const Event& event) const;
+    // Any thread.
+    void DetachRevoked(GenTL::BUFFER_HANDLE handle);
 
     const std::shared_ptr<internal::Port> port;
     GenApiPort genApiPort;
@@ -84,6 +117,16 @@ private:
 
     // Not under a Once: GenApi takes its lock while nodes are listed, and a thread that holds it may be waiting here.
     BuiltOnce<NodeTable> nodeTable;
+
+    // Guarded by the lock of the map.
+    std::unique_ptr<GENAPI_NAMESPACE::CChunkAdapter> chunkAdapter;
+    std::unique_ptr<GENAPI_NAMESPACE::CEventAdapter> eventAdapter;
+    GENAPI_NAMESPACE::AttachStatistics_t attachStatistics{};
+    std::uint64_t attachedChunkLayoutId = 0;
+    std::size_t attachedSize = 0; // bytes in which the attached layout lies
+    bool hasAttachedBuffer = false;
+    // Written under the lock, too. A revocation compares without it.
+    std::atomic<GenTL::BUFFER_HANDLE> attachedBufferHandle{nullptr};
 };
 
 } // namespace koro::internal

@@ -313,6 +313,27 @@ public:
     }
 };
 
+inline bool NodeMap::HasBufferSupportedChunks(const Buffer& buffer) const
+{
+    KORO_Bool8 has = 0;
+    detail::Check(KORO_NodeMap_GetHasBufferSupportedChunks(Get(), buffer.Get(), &has));
+    return has != 0;
+}
+inline void NodeMap::UpdateChunkNodes(const Buffer& buffer) const
+{
+    detail::Check(KORO_NodeMap_UpdateChunkNodes(Get(), buffer.Get()));
+}
+inline bool NodeMap::HasEventSupportedData(const Event& event) const
+{
+    KORO_Bool8 has = 0;
+    detail::Check(KORO_NodeMap_GetHasEventSupportedData(Get(), event.Get(), &has));
+    return has != 0;
+}
+inline void NodeMap::UpdateEventNodes(const Event& event) const
+{
+    detail::Check(KORO_NodeMap_UpdateEventNodes(Get(), event.Get()));
+}
+
 // An open stream. Its end stops, discards and revokes; it happens on the thread that ends it.
 class DataStream : public detail::Owner<KORO_DataStreamHandle, KORO_DataStream_Destruct>
 {

@@ -60,6 +60,51 @@ KORO_API KORO_ReturnCode
 KORO_NodeMap_GetNode(KORO_NodeMapHandle nodeMapHandle, size_t index, KORO_NodeHandle* nodeHandle);
 
 /**
+ * Tells whether the chunks of a buffer can be read as nodes of this map: whether the bytes of the buffer, all that were
+ * announced, are a whole chain of chunks in the form of the transport layer. Takes the lock. A buffer without chunks
+ * has none that are supported. The first buffer with chunks that a map is asked about decides the form, by its
+ * transport layer type, for the life of the map: "GEV", "U3V" and "IIDC" have one.
+ * @param[out] hasSupportedChunks 1 when KORO_NodeMap_UpdateChunkNodes can take the buffer
+ * @return KORO_RETURN_CODE_ERROR for a transport layer type without a form of chunks
+ */
+KORO_API KORO_ReturnCode KORO_NodeMap_GetHasBufferSupportedChunks(
+    KORO_NodeMapHandle nodeMapHandle, KORO_BufferHandle bufferHandle, KORO_Bool8* hasSupportedChunks);
+
+/**
+ * Attaches a buffer: from now on the chunk nodes of the map read, and write, the memory of this buffer itself, until
+ * the next update, or until the buffer is revoked, after which they are not available. So read them before the buffer
+ * is queued again: the producer fills it while they look. Nodes of chunks that the buffer does not have are not
+ * available. A buffer without chunks succeeds and changes nothing. Takes the lock; the changed callbacks of chunk nodes
+ * run within, on this thread. Meanwhile no other thread may revoke a buffer that was given to this map. A buffer whose
+ * producer tells the same chunk layout id as for the buffer before is attached without a look at its bytes.
+ * @return KORO_RETURN_CODE_ERROR when the layout or the checksum of the buffer is broken, or when its transport layer
+ *         type has no form of chunks. The nodes then read what they read before
+ */
+KORO_API KORO_ReturnCode
+KORO_NodeMap_UpdateChunkNodes(KORO_NodeMapHandle nodeMapHandle, KORO_BufferHandle bufferHandle);
+
+/**
+ * Tells whether an event has data for nodes of this map. Events of the camera, KORO_EVENT_REMOTE_DEVICE, are taken from
+ * the local device and belong to the maps of its remote device. KORO_EVENT_FEATURE_INVALIDATE,
+ * KORO_EVENT_FEATURE_CHANGE, KORO_EVENT_MODULE and events of the producer's own belong to the maps of the module that
+ * they were taken from. Takes the lock.
+ * The form of the events is that of the transport layer type of the map's port: "GEV", "U3V", "CL" and "1394" have one.
+ * @param[out] hasSupportedData 1 when KORO_NodeMap_UpdateEventNodes can take the event
+ * @return KORO_RETURN_CODE_ERROR for a transport layer type without a form of events
+ */
+KORO_API KORO_ReturnCode KORO_NodeMap_GetHasEventSupportedData(
+    KORO_NodeMapHandle nodeMapHandle, KORO_EventHandle eventHandle, KORO_Bool8* hasSupportedData);
+
+/**
+ * Delivers an event: the nodes with its id change, and the event nodes of the map read its data until the next event of
+ * that id. The bytes are copied, so the event may be destructed. An id that no node has changes nothing.
+ * Takes the lock; the changed callbacks of those nodes run within, on this thread.
+ * @return KORO_RETURN_CODE_INVALID_ARGUMENT when the event has no data for this map; KORO_RETURN_CODE_ERROR when its
+ *         bytes are no message of the transport layer. The nodes then read what they read before
+ */
+KORO_API KORO_ReturnCode KORO_NodeMap_UpdateEventNodes(KORO_NodeMapHandle nodeMapHandle, KORO_EventHandle eventHandle);
+
+/**
  * Writes the values of the features to a text file: all that are streamable and can be read and written now, those
  * with selectors at each combination of these. Selectors are moved for this and set back. A file that is there is
  * emptied first, so a failure leaves it without features.
@@ -77,8 +122,8 @@ KORO_NodeMap_StoreToFile(KORO_NodeMapHandle nodeMapHandle, const char* filePath,
  * the lock; the file is read before that. Changed callbacks run within, on this thread.
  * @param[in] filePath     in UTF-8; need not be terminated
  * @param[in] filePathSize its size in bytes, with a terminating zero counted
- * @return KORO_RETURN_CODE_INVALID_ARGUMENT when the file cannot be opened, KORO_RETURN_CODE_ERROR when it is no feature
- *         file, then nothing is written, and when a value was refused or is read back as another one: the text is that
+ * @return KORO_RETURN_CODE_INVALID_ARGUMENT when the file cannot be opened, KORO_RETURN_CODE_ERROR when it is no
+ * feature file, then nothing is written, and when a value was refused or is read back as another one: the text is that
  *         of the first such feature
  */
 KORO_API KORO_ReturnCode

@@ -1,5 +1,7 @@
 // Node maps and nodes through the C++ face, over registers of a scripted camera.
+#include "tests/boundary/chunk_test.h"
 #include "tests/boundary/described_camera.h"
+#include "tests/boundary/event_nodes_test.h"
 #include "tests/support/in_thread.h"
 #include "tests/tool/koro_tree.h"
 #include <koro/koro.hpp>
@@ -430,6 +432,47 @@ TEST(KoroEnumerationNode, EntriesAreFoundAndChosen)
     mode.SetCurrentEntry("Once");
     EXPECT_EQ(mode.CurrentEntry(), once);
     EXPECT_EQ(CodeOf([&] { mode.SetCurrentEntry("Twice"); }), KORO_RETURN_CODE_NOT_FOUND);
+}
+
+TEST(KoroNodeMap, ShowsTheChunksOfABuffer)
+{
+    const CameraOf producer(koro::test::ChunkFeature("Counter", "a1"));
+    Tree tree(producer.Path());
+    const koro::NodeMap map = tree.device.RemoteDevice().NodeMap();
+    scripted::Frame frame;
+    frame.bytes = koro::test::GEVChunk(0xa1, koro::test::LittleEndian(7, 4));
+    frame.info[GenTL::BUFFER_INFO_CONTAINS_CHUNKDATA] = scripted::Bool8(true);
+    std::string memory(frame.bytes.size(), ' ');
+    const koro::Buffer buffer = tree.stream.AnnounceBuffer(memory.data(), memory.size());
+    EXPECT_FALSE(map.HasBufferSupportedChunks(buffer));
+    tree.stream.QueueBuffer(buffer);
+    tree.stream.StartAcquisition();
+    ASSERT_TRUE(producer->Deliver("if0-dev0-stream0", frame));
+    const koro::Buffer finished = tree.stream.WaitForFinishedBuffer(0);
+    EXPECT_TRUE(map.HasBufferSupportedChunks(finished));
+    map.UpdateChunkNodes(finished);
+    EXPECT_EQ(map.Integer("Counter").Value(), 7);
+    EXPECT_EQ(CodeOf([&] { map.UpdateChunkNodes(koro::Buffer()); }), KORO_RETURN_CODE_INVALID_HANDLE);
+    EXPECT_EQ(CodeOf([&] { map.HasBufferSupportedChunks(koro::Buffer()); }), KORO_RETURN_CODE_INVALID_HANDLE);
+}
+
+TEST(KoroNodeMap, ShowsTheDataOfAnEvent)
+{
+    const CameraOf producer(koro::test::EventFeature("Exposure", "9001", 16, "BigEndian"));
+    const Tree tree(producer.Path());
+    const koro::NodeMap map = tree.device.RemoteDevice().NodeMap();
+    const koro::EventController controller = tree.device.EnableEvents(KORO_EVENT_REMOTE_DEVICE);
+    const std::string message = koro::test::GEVEvent(0x9001, koro::test::BigEndian(7, 4));
+    ASSERT_TRUE(producer->Fire("if0-dev0", KORO_EVENT_REMOTE_DEVICE, message));
+    {
+        const koro::Event event = controller.WaitForEvent(0);
+        EXPECT_TRUE(map.HasEventSupportedData(event));
+        EXPECT_FALSE(tree.device.NodeMap().HasEventSupportedData(event));
+        map.UpdateEventNodes(event);
+        EXPECT_EQ(CodeOf([&] { tree.device.NodeMap().UpdateEventNodes(event); }), KORO_RETURN_CODE_INVALID_ARGUMENT);
+    }
+    EXPECT_EQ(map.Integer("Exposure").Value(), 7);
+    EXPECT_EQ(CodeOf([&] { map.HasEventSupportedData(koro::Event()); }), KORO_RETURN_CODE_INVALID_HANDLE);
 }
 
 } // namespace

@@ -25,6 +25,8 @@ enum class CachePolicy : int32_t
     IgnoreCache = 1, // asks the device
 };
 
+class Buffer;
+class Event;
 class NodeMap;
 class IntegerNode;
 class FloatNode;
@@ -399,6 +401,15 @@ public:
     RegisterNode Register(const std::string& name) const { return Node(name).ToRegister(); }
     CategoryNode Category(const std::string& name) const { return Node(name).ToCategory(); }
     EnumerationNode Enumeration(const std::string& name) const { return Node(name).ToEnumeration(); }
+
+    // Whether the chunks of the buffer are in a form that UpdateChunkNodes can show.
+    bool HasBufferSupportedChunks(const Buffer& buffer) const;
+    // From now on chunk nodes read the memory of this buffer, until the next update or its revocation.
+    void UpdateChunkNodes(const Buffer& buffer) const;
+    // Whether the event is one of the module that this map describes.
+    bool HasEventSupportedData(const Event& event) const;
+    // Copies the event's data to its nodes and calls their callbacks.
+    void UpdateEventNodes(const Event& event) const;
 
     void InvalidateNodes() const { detail::Check(KORO_NodeMap_InvalidateNodes(Get())); }
     // Tells the nodes that time has passed; the library has no thread that does.

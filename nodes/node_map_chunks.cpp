@@ -1,0 +1,176 @@
+// The chunks of buffers as nodes of a map.
+//
+// An adapter of GenApi shows the memory of one buffer as the chunk ports of the map. Where the chunks lie is worked out
+// when a buffer is attached; a buffer with the same layout only tells its address afterwards. The nodes read the memory
+// itself, so the buffer gets a notice that takes it off the map when it is revoked.
+
+#include "acquisition/buffer.h"
+#include "base/exceptions.h"
+#include "nodes/node_map.h"
+#include "nodes/translate_genapi_exceptions.h"
+
+#include <GenApi/ChunkAdapterDcam.h>
+#include <GenApi/ChunkAdapterGEV.h>
+#include <GenApi/ChunkAdapterU3V.h>
+#include <optional>
+#include <tuple>
+
+namespace koro::internal
+{
+
+using namespace GENAPI_NAMESPACE;
+
+namespace
+{
+
+constexpr std::int64_t anySize = -1; // of a chunk that its port wants as a copy
+
+std::unique_ptr<CChunkAdapter> MakeChunkAdapter(const std::string& tlType, INodeMap* nodeMap)
+{
+    if (tlType == "GEV") return std::make_unique<CChunkAdapterGEV>(nodeMap, anySize);
+    if (tlType == "U3V") return std::make_unique<CChunkAdapterU3V>(nodeMap, anySize);
+    if (tlType == "IIDC") return std::make_unique<CChunkAdapterDcam>(nodeMap, anySize);
+    throw InternalErrorException("Chunk adapter for TLType " + tlType + " not supported!");
+}
+
+struct Memory
+{
+    std::uint8_t* base;
+    std::size_t size; // bytes, as announced
+};
+
+Memory MemoryOf(const Buffer& buffer)
+{
+    return {static_cast<std::uint8_t*>(buffer.BasePtr()), buffer.Size()};
+}
+
+std::int64_t Length(const Memory& memory)
+{
+    return static_cast<std::int64_t>(memory.size); // one beyond all memory turns negative, and is no layout
+}
+
+// The adapter is looked at first: it spares the others a question to the producer.
+void CheckChecksum(CChunkAdapter& adapter, const Buffer& buffer, const Memory& memory)
+{
+    auto* const dcam = dynamic_cast<CChunkAdapterDcam*>(&adapter);
+    if (!dcam || buffer.TLType() != "IIDC") return;
+    if (dcam->HasCRC(memory.base, Length(memory)) && !dcam->CheckCRC(memory.base, Length(memory)))
+    {
+        throw InternalErrorException("CChunkAdapterDcam CRC check failed!");
+    }
+}
+
+// Empty for a producer that cannot tell: then each buffer is a new layout.
+std::optional<std::uint64_t> ChunkLayoutIdOf(const Buffer& buffer)
+{
+    try
+    {
+        return buffer.ChunkLayoutID();
+    }
+    catch (const InternalErrorException&)
+    {
+        return std::nullopt;
+    }
+}
+
+} // namespace
+
+bool NodeMap::HasBufferSupportedChunks(const std::shared_ptr<Buffer>& buffer)
+{
+    return InBothLayers([&] {
+        if (!buffer->HasChunks()) return false;
+        const AutoLock lock(GenApiLock());
+        CChunkAdapter& adapter = EnsureChunkAdapter(*buffer);
+        const Memory memory = MemoryOf(*buffer);
+        return adapter.CheckBufferLayout(memory.base, Length(memory));
+    });
+}
+
+void NodeMap::UpdateChunkNodes(const std::shared_ptr<Buffer>& buffer)
+{
+    InBothLayers([&] {
+        if (!buffer->HasChunks()) return;
+        const AutoLock lock(GenApiLock());
+        CChunkAdapter& adapter = EnsureChunkAdapter(*buffer);
+        const Memory memory = MemoryOf(*buffer);
+        CheckChecksum(adapter, *buffer, memory);
+        ShowChunks(*buffer, memory.base, memory.size);
+        DetachAtRevocation(*buffer);
+    });
+}
+
+// That of the first buffer stays, whatever later ones say.
+CChunkAdapter& NodeMap::EnsureChunkAdapter(const Buffer& buffer)
+{
+    if (!chunkAdapter) chunkAdapter = MakeChunkAdapter(buffer.TLType(), nodeMapRef._Ptr);
+    return *chunkAdapter;
+}
+
+// What is attached is noted before the callbacks of nodes run, since those may update and revoke. A failure comes
+// before them and leaves what was attached.
+void NodeMap::ShowChunks(const Buffer& buffer, std::uint8_t* base, std::size_t size)
+{
+    const auto layoutId = ChunkLayoutIdOf(buffer);
+    // In a smaller buffer chunks of the same layout might end behind its memory: it has to be looked at.
+    const bool hasSameLayout = hasAttachedBuffer && layoutId == attachedChunkLayoutId && size >= attachedSize;
+
+    const auto former = std::tuple(attachedChunkLayoutId, attachedSize, hasAttachedBuffer);
+    const GenTL::BUFFER_HANDLE formerHandle = attachedBufferHandle.exchange(buffer.Handle());
+    try
+    {
+        if (hasSameLayout)
+        {
+            chunkAdapter->UpdateBuffer(base);
+            return;
+        }
+        attachedChunkLayoutId = layoutId.value_or(0);
+        attachedSize = size;
+        hasAttachedBuffer = true;
+        chunkAdapter->AttachBuffer(base, Length({base, size}), &attachStatistics);
+    }
+    catch (...)
+    {
+        std::tie(attachedChunkLayoutId, attachedSize, hasAttachedBuffer) = former;
+        attachedBufferHandle = formerHandle;
+        throw;
+    }
+}
+
+// The key is this map's alone as long as the buffer keeps the notice: memory of an object that somebody holds weakly is
+// not used again.
+void NodeMap::DetachAtRevocation(Buffer& buffer)
+{
+    try
+    {
+        const bool isKept =
+            buffer.AddRevocationCallback(this, [map = weak_from_this()](GenTL::BUFFER_HANDLE handle, void*, void*) {
+                if (const auto held = map.lock()) held->DetachRevoked(handle);
+            });
+        if (!isKept) throw InternalErrorException("Pointer has expired!");
+    }
+    catch (...)
+    {
+        DetachRevoked(buffer.Handle());
+        throw;
+    }
+}
+
+// A buffer that is not attached does not wait for a lock that others may hold for long.
+void NodeMap::DetachRevoked(GenTL::BUFFER_HANDLE handle)
+{
+    if (handle != attachedBufferHandle) return;
+    const AutoLock lock(nodeMapRef._Ptr->GetLock());
+    if (handle != attachedBufferHandle) return;
+    attachedBufferHandle = nullptr;
+    hasAttachedBuffer = false;
+    try
+    {
+        chunkAdapter->DetachBuffer();
+    }
+    catch (...)
+    {
+        // The ports are off the buffer, which is what counts; only a callback can have failed.
+    }
+}
+
+} // namespace koro::internal
