@@ -4,9 +4,10 @@
  *
  * A handle comes from KORO_Node_ToEnumerationNode and ends with the map; there is nothing to destruct. Any thread.
  * Getters may read registers, on this thread, and wait for another thread that works on the same map; writes hold the
- * lock of the map. What a register access or GenApi refuses arrives with GenApi's own text: KORO_RETURN_CODE_BAD_ACCESS
- * for a node that cannot be read or written at this time, KORO_RETURN_CODE_OUT_OF_RANGE for a value that it does not
- * take, KORO_RETURN_CODE_IO_ERROR and others for a failed transfer.
+ * lock of the map. What GenApi refuses arrives with GenApi's own text: KORO_RETURN_CODE_BAD_ACCESS for a node that
+ * cannot be read or written at this time, KORO_RETURN_CODE_INVALID_ARGUMENT for a number that is no entry's,
+ * KORO_RETURN_CODE_ERROR for most else. A transfer that fails arrives with the code and the text of the producer's
+ * failure.
  */
 #ifndef KORO_ENUMERATION_NODE_H
 #define KORO_ENUMERATION_NODE_H
@@ -32,7 +33,8 @@ KORO_API KORO_ReturnCode KORO_EnumerationNode_GetCurrentEntry(
 /**
  * Chooses an entry. Changed callbacks run before it returns, on this thread.
  * @param[in] enumerationEntryNodeHandle an entry of this enumeration; of any other just the number is taken
- * @return KORO_RETURN_CODE_BAD_ACCESS when node or entry are not available at this time
+ * @return KORO_RETURN_CODE_INVALID_ARGUMENT when that is no entry's of this one; KORO_RETURN_CODE_BAD_ACCESS when node
+ *         or entry are not available at this time
  */
 KORO_API KORO_ReturnCode KORO_EnumerationNode_SetCurrentEntry(
     KORO_EnumerationNodeHandle enumerationNodeHandle, KORO_EnumerationEntryNodeHandle enumerationEntryNodeHandle);

@@ -3,9 +3,9 @@
  *
  * A handle comes from KORO_Node_ToFloatNode and ends with the map; there is nothing to destruct. Any thread. Getters
  * may read registers, on this thread, and wait for another thread that works on the same map; writes hold the lock of
- * the map. What a register access or GenApi refuses arrives with GenApi's own text: KORO_RETURN_CODE_BAD_ACCESS for a
- * node that cannot be read or written at this time, KORO_RETURN_CODE_OUT_OF_RANGE for a value that it does not take,
- * KORO_RETURN_CODE_IO_ERROR and others for a failed transfer.
+ * the map. What GenApi refuses arrives with GenApi's own text: KORO_RETURN_CODE_BAD_ACCESS for a node that cannot be
+ * read or written at this time, KORO_RETURN_CODE_OUT_OF_RANGE for a value that it does not take, KORO_RETURN_CODE_ERROR
+ * for most else. A transfer that fails arrives with the code and the text of the producer's failure.
  */
 #ifndef KORO_FLOAT_NODE_H
 #define KORO_FLOAT_NODE_H
@@ -81,8 +81,9 @@ KORO_API KORO_ReturnCode
 KORO_FloatNode_GetValue(KORO_FloatNodeHandle floatNodeHandle, KORO_NodeCachePolicy cachePolicy, double* value);
 
 /**
- * Writes the value, after a check of access and limits. Changed callbacks run before it returns, on this thread.
- * @return KORO_RETURN_CODE_OUT_OF_RANGE for a value beyond the limits or between two increments;
+ * Writes the value, after a check of access and limits; a value between two increments is passed on as it is. Changed
+ * callbacks run before it returns, on this thread.
+ * @return KORO_RETURN_CODE_OUT_OF_RANGE for a value beyond the limits;
  *         KORO_RETURN_CODE_BAD_ACCESS for a node that cannot be written at this time
  */
 KORO_API KORO_ReturnCode KORO_FloatNode_SetValue(KORO_FloatNodeHandle floatNodeHandle, double value);

@@ -3,9 +3,9 @@
  *
  * A handle comes from KORO_Node_ToStringNode and ends with the map; there is nothing to destruct. Any thread. Getters
  * may read registers, on this thread, and wait for another thread that works on the same map; writes hold the lock of
- * the map. What a register access or GenApi refuses arrives with GenApi's own text: KORO_RETURN_CODE_BAD_ACCESS for a
- * node that cannot be read or written at this time, KORO_RETURN_CODE_OUT_OF_RANGE for a value that it does not take,
- * KORO_RETURN_CODE_IO_ERROR and others for a failed transfer.
+ * the map. What GenApi refuses arrives with GenApi's own text: KORO_RETURN_CODE_BAD_ACCESS for a node that cannot be
+ * read or written at this time, KORO_RETURN_CODE_OUT_OF_RANGE for a text that is too long, KORO_RETURN_CODE_ERROR for
+ * most else. A transfer that fails arrives with the code and the text of the producer's failure.
  */
 #ifndef KORO_STRING_NODE_H
 #define KORO_STRING_NODE_H

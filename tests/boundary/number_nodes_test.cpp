@@ -222,6 +222,7 @@ TEST_F(ValueNode, FloatIsReadFromTheCacheUnlessThePolicyIsOneAndWrittenUnderTheL
     for (const double refused : {0.25, 100.5})
         ExpectFailure(
             KORO_RETURN_CODE_OUT_OF_RANGE, "Exposure", [&] { return KORO_FloatNode_SetValue(node, refused); });
+    EXPECT_EQ(Outcome(KORO_FloatNode_SetValue(node, 12.6)), Error{}); // between two increments
     EXPECT_EQ(Outcome(KORO_FloatNode_GetValue(node, 0, nullptr)), NullPointer("value"));
 }
 
