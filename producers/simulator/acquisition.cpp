@@ -7,6 +7,7 @@ namespace
 
 // A camera that is triggered faster than it takes images keeps so many; what comes beyond is lost.
 constexpr std::uint64_t maxPulls = 255;
+constexpr std::size_t maxHappened = 64; // of one write, which cannot bring more
 
 std::uint64_t FramesOf(const FeatureValues& values)
 {
@@ -57,11 +58,13 @@ void Acquisition::Pull(const FeatureValues& values, Step step)
     if (awaitsStart || pulls == maxPulls) return;
     ++pulls;
     Count(values, CounterEvent::FrameTrigger);
+    Note(values, CameraEvent::FrameTrigger, frameId + pulls);
 }
 
 void Acquisition::OnLine(const FeatureValues& values, bool isHigh)
 {
     if (isHigh) Count(values, CounterEvent::Line0);
+    Note(values, isHigh ? CameraEvent::Line0RisingEdge : CameraEvent::Line0FallingEdge, frameId);
     for (const Step step : {Step::Acquisition, Step::Frame})
     {
         const Trigger& trigger = TriggerOf(values, step);
@@ -81,6 +84,12 @@ std::uint64_t Acquisition::TakeFrame(const FeatureValues& values)
     Count(values, CounterEvent::FrameStart);
     if (--framesLeft == 0) active = false;
     return ++frameId;
+}
+
+void Acquisition::Note(const FeatureValues& values, CameraEvent event, std::uint64_t eventsFrame)
+{
+    if ((values.notifiedEvents & SetOf(event)) == 0 || happened.size() == maxHappened) return;
+    happened.push_back({event, eventsFrame, 0, static_cast<std::uint32_t>(values.LineLevels())});
 }
 
 void Acquisition::Count(const FeatureValues& values, CounterEvent event)

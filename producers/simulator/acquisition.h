@@ -1,10 +1,13 @@
 // Acquisition: whether a camera takes images at present, how many are left, and what it waits for. A plain value.
 #pragma once
 
+#include "producers/simulator/camera_events.h"
 #include "producers/simulator/feature_values.h"
 
 #include <array>
 #include <cstdint>
+#include <utility>
+#include <vector>
 
 namespace koro::simulator
 {
@@ -41,6 +44,9 @@ public:
     // The next frame's id, counted from 1; ends the acquisition behind its last one.
     std::uint64_t TakeFrame(const FeatureValues& values);
 
+    // Triggers and edges that the settings want to be told, oldest first, without their times.
+    std::vector<Occurrence> TakeHappened() { return std::exchange(happened, {}); }
+
     void ResetCounter(std::size_t index) { counters.at(index) = 0; }
     std::uint64_t Counter(std::size_t index) const { return counters.at(index); }
 
@@ -58,6 +64,7 @@ public:
 
 private:
     void Count(const FeatureValues& values, CounterEvent event);
+    void Note(const FeatureValues& values, CameraEvent event, std::uint64_t eventsFrame);
 
     bool active = false;
     bool awaitsStart = false; // for a trigger of Step::Acquisition
@@ -66,6 +73,7 @@ private:
     std::uint64_t frameId = 0;
     std::uint64_t pulls = 0; // frame triggers that no frame came of yet
     std::array<std::uint64_t, 2> counters{};
+    std::vector<Occurrence> happened; // by this process; not told to others
 };
 
 } // namespace koro::simulator

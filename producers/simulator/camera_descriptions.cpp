@@ -35,6 +35,7 @@ std::string LoadDescription(const std::filesystem::path& file)
 const Description& OwnDescription(const std::string& tlType, bool zipped)
 {
     if (tlType == "GEV") return zipped ? gevArchiveDescription : gevDescription;
+    if (tlType == "CL") return zipped ? clArchiveDescription : clDescription;
     if (tlType == "U3V") return zipped ? u3vArchiveDescription : u3vDescription;
     return zipped ? plainArchiveDescription : plainDescription;
 }

@@ -26,6 +26,7 @@ CameraFeatures::CameraFeatures(
     const CameraSettings& cameraSettings, const CameraConnection& plug, const std::vector<FileFault>& fileFaults)
     : settings(cameraSettings), connection(plug), sensor(cameraSettings),
       order(plug.tlType == "GEV" ? ByteOrder::Big : ByteOrder::Little), map(order),
+      events({EventPackets::FormOf(plug.tlType), cameraSettings.extendedEventIds}, cameraSettings.eventsPerPacket),
       memory(MakeMemory(cameraSettings, plug.tlType)), files(cameraSettings, fileFaults), state(cameraSettings)
 {
     AddDeviceControl();
@@ -37,6 +38,7 @@ CameraFeatures::CameraFeatures(
     AddLines();
     AddUserSets();
     AddFileAccess();
+    AddEvents();
     AddTransportLayer();
     map.SetSnapshot([this]() -> RegisterMap::Action {
         return [this, before = state, filesBefore = files.TheRegisters()] {
@@ -92,6 +94,7 @@ void CameraFeatures::Write(std::uint64_t address, std::span<const std::byte> in)
         const std::lock_guard lock(map.Lock());
         wasWritten = true;
     }
+    TellEvents();
     Announce();
 }
 
@@ -198,7 +201,7 @@ std::optional<Frame> CameraFeatures::TakeFrame(std::uint64_t run)
     RefreshPlan();
     const std::uint64_t id = acquisition.TakeFrame(state.values);
     map.Lock().Save();
-    return Frame{id, plan};
+    return Frame{id, plan, (state.values.notifiedEvents & SetOf(CameraEvent::ExposureEnd)) != 0};
 }
 
 void CameraFeatures::RefreshPlan()

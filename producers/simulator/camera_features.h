@@ -47,6 +47,7 @@ struct Frame
 {
     std::uint64_t id;
     std::shared_ptr<const FramePlan> plan;
+    bool tellsExposureEnd;
 };
 
 class CameraFeatures final : public RegisterSpace, private RegisterLock::Sharing
@@ -89,6 +90,9 @@ public:
     // Calls the listeners.
     void Announce();
 
+    // What is told by events. Sending is for the generator: the features send the rest.
+    CameraEvents& Events() noexcept { return events; }
+
     // How often DeviceReset was executed by this process, since the power was lost.
     std::uint64_t NumResets() const;
 
@@ -114,6 +118,9 @@ private:
     // camera_file_registers.cpp
     void AddFileAccess();
     bool KeepFirmware(); // with the lock held; whether there was new one
+    // camera_event_registers.cpp
+    void AddEvents();
+    void TellEvents();
     // camera_transport_registers.cpp
     void AddTransportLayer();
     void AddGigEVision();
@@ -159,6 +166,8 @@ private:
     const Sensor sensor;
     const ByteOrder order;
     RegisterMap map;
+
+    CameraEvents events;
 
     const std::shared_ptr<CameraMemory> memory; // null: the state is this process's own
 

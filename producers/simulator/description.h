@@ -25,6 +25,8 @@ extern const Description gevDescription;
 extern const Description gevArchiveDescription;
 extern const Description u3vDescription;
 extern const Description u3vArchiveDescription;
+extern const Description clDescription;
+extern const Description clArchiveDescription;
 extern const Description plainDescription;
 extern const Description plainArchiveDescription;
 

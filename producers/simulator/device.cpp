@@ -121,6 +121,11 @@ void Device::Connect()
     registers.space = std::make_shared<WatchedRegisters>(camera, std::static_pointer_cast<Device>(shared_from_this()));
     remote = std::make_shared<RemoteDevice>(*camera, std::move(registers), gate);
     Handles().Add(remote);
+    camera->Features().Events().Attach(
+        [open = std::weak_ptr(std::static_pointer_cast<Device>(shared_from_this()))](std::string packet) {
+            const auto device = open.lock();
+            if (device && device->connection->IsUp()) device->RaiseEvent(EVENT_REMOTE_DEVICE, std::move(packet));
+        });
 }
 
 PortRegisters Device::MakeRegisters()
@@ -161,6 +166,17 @@ void Device::AddRetries(RegisterMap& map)
 bool Device::SupportsEvent(EVENT_TYPE type) const noexcept
 {
     return type >= EVENT_ERROR && type <= EVENT_MODULE && type != EVENT_NEW_BUFFER;
+}
+
+void Device::OnRegistration(EVENT_TYPE type, EventQueue* registration) noexcept
+{
+    if (type == EVENT_REMOTE_DEVICE) camera->Features().Events().SetWanted(registration != nullptr);
+}
+
+InfoValue Device::PacketInfo(EVENT_TYPE type, std::string_view block, EVENT_DATA_INFO_CMD command) const
+{
+    if (type != EVENT_REMOTE_DEVICE) return Module::PacketInfo(type, block, command);
+    return ItemInfo(camera->Features().Events().Packets().First(block), command);
 }
 
 DEVICE_ACCESS_STATUS Device::AccessStatus() const noexcept
@@ -220,6 +236,7 @@ std::shared_ptr<DataStream> Device::OpenStream(const std::string& streamId)
 
 void Device::OnClose()
 {
+    camera->Features().Events().Detach();
     streams.CloseAll();
     if (!connection->IsLost() && access != DEVICE_ACCESS_READONLY) camera->Features().OnRelease();
     remote->Close();

@@ -65,6 +65,8 @@ public:
 
 private:
     bool SupportsEvent(EVENT_TYPE type) const noexcept override;
+    void OnRegistration(EVENT_TYPE type, EventQueue* registration) noexcept override;
+    InfoValue PacketInfo(EVENT_TYPE type, std::string_view block, EVENT_DATA_INFO_CMD command) const override;
     void OnClose() override;
     void RaiseCameraGone();
     void SilenceStream();

@@ -1,8 +1,10 @@
 #include "producers/simulator/event_queue.h"
 
 #include "producers/simulator/buffer.h"
+#include "producers/simulator/module.h"
 
 #include <chrono>
+#include <cstdio>
 #include <cstring>
 #include <string_view>
 #include <utility>
@@ -15,7 +17,6 @@ namespace
 constexpr std::size_t maxTextBytes = 256;
 constexpr std::size_t maxErrorBlock = sizeof(std::int32_t) + maxTextBytes;
 constexpr std::size_t maxFeatureBlock = 2 * maxTextBytes;
-constexpr std::size_t maxPacketBlock = 576;       // an event packet that fits into one datagram
 constexpr std::size_t maxEntries = 1024;          // of types other than new-buffer, which the announced buffers bound
 constexpr std::uint64_t endless_ms = 1ULL << 40U; // longer waits would overflow the clock
 
@@ -73,19 +74,6 @@ InfoValue FeatureInfo(EVENT_TYPE type, std::string_view block, EVENT_DATA_INFO_C
     throw Failure(GC_ERR_NOT_AVAILABLE, "feature events have no such information");
 }
 
-InfoValue CustomInfo(std::string_view block, EVENT_DATA_INFO_CMD command)
-{
-    switch (command)
-    {
-    case EVENT_DATA_ID:
-        return InfoValue::Text("03E8");
-    case EVENT_DATA_VALUE:
-        return InfoValue::Bytes(block);
-    default:
-        return InfoValue::UInt64(EVENT_CUSTOM_ID);
-    }
-}
-
 } // namespace
 
 std::size_t UsualBlockBytes(EVENT_TYPE type) noexcept
@@ -100,7 +88,22 @@ std::size_t UsualBlockBytes(EVENT_TYPE type) noexcept
     case EVENT_FEATURE_CHANGE:
         return maxFeatureBlock;
     default:
-        return maxPacketBlock;
+        return EventPackets::maxBytes;
+    }
+}
+
+InfoValue ItemInfo(const ReceivedItem& item, EVENT_DATA_INFO_CMD command)
+{
+    char digits[8];
+    switch (command)
+    {
+    case EVENT_DATA_ID:
+        std::snprintf(digits, sizeof digits, "%04X", static_cast<unsigned>(item.id));
+        return InfoValue::Text(digits);
+    case EVENT_DATA_VALUE:
+        return InfoValue::Bytes(item.bytes);
+    default:
+        return InfoValue::UInt64(item.id);
     }
 }
 
@@ -242,10 +245,9 @@ InfoValue EventQueue::DataInfo(const void* block, std::size_t size, EVENT_DATA_I
         return FeatureInfo(type, bytes, command);
     case EVENT_CUSTOM_ID:
         if (size > maxBlockBytes) RefuseBlock();
-        return CustomInfo(bytes, command);
-    // Nothing sends these yet, so no block can be theirs.
+        return ItemInfo({EVENT_CUSTOM_ID, bytes}, command);
     default:
-        RefuseBlock();
+        return owner->PacketInfo(type, bytes, command);
     }
 }
 

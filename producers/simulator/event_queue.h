@@ -5,6 +5,7 @@
 // waiter sleeps.
 #pragma once
 
+#include "producers/simulator/event_packet.h"
 #include "producers/simulator/handle_registry.h"
 #include "producers/simulator/info_value.h"
 
@@ -80,6 +81,9 @@ private:
 
 // The longest block of a type of the standard.
 std::size_t UsualBlockBytes(EVENT_TYPE type) noexcept;
+
+// EventGetDataInfo of an event in a packet.
+InfoValue ItemInfo(const ReceivedItem& item, EVENT_DATA_INFO_CMD command);
 
 // The block of EVENT_ERROR: code, then the text with its terminator.
 std::string ErrorBlock(GC_ERROR code, const std::string& text);

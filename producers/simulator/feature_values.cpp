@@ -236,7 +236,8 @@ bool FeatureValues::Fits(const Sensor& sensor) const
         tableEnabled <= 1;
     const bool linesFit = counterSource[0] <= 4 && counterSource[1] <= 4 &&
                           IsWithin(timerDuration_us, 1.0, 60'000'000.0) && lineInverted[0] <= 1 &&
-                          lineInverted[1] <= 1 && lineSource <= 1 && userOutput <= 1;
+                          lineInverted[1] <= 1 && lineSource <= 1 && userOutput <= 1 &&
+                          notifiedEvents >> numCameraEvents == 0;
     return GeometryFits(sensor) && AcquisitionFits() && analogFits && linesFit && TransportFits();
 }
 

@@ -3,6 +3,7 @@
 // Setters refuse by RefuseValue. Numbers of enumerations are those of the descriptions.
 #pragma once
 
+#include "producers/simulator/camera_events.h"
 #include "producers/simulator/frame_plan.h"
 #include "producers/simulator/settings.h"
 
@@ -86,6 +87,7 @@ public:
     std::array<std::uint64_t, 2> lineInverted{};
     std::uint64_t lineSource = 0;
     std::uint64_t userOutput = 0;
+    EventSet notifiedEvents = SetOf(CameraEvent::ExposureEnd);
 
     std::uint64_t heartbeat = 1;
     std::uint64_t heartbeatTimeout_us = 3'000'000;
@@ -174,6 +176,7 @@ void FeatureValues::ForEachField(Values& values, const Each& each)
     each(values.lineInverted);
     each(values.lineSource);
     each(values.userOutput);
+    each(values.notifiedEvents);
     each(values.heartbeat);
     each(values.heartbeatTimeout_us);
     each(values.packetSize);

@@ -14,6 +14,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <string_view>
 
 namespace koro::simulator
 {
@@ -29,6 +30,9 @@ public:
 
     // Lost without trace while the type is not registered.
     void RaiseEvent(EVENT_TYPE type, std::string block);
+
+    // EventGetDataInfo of packets. Throws GC_ERR_INVALID_PARAMETER for a block that is none.
+    virtual InfoValue PacketInfo(EVENT_TYPE type, std::string_view block, EVENT_DATA_INFO_CMD command) const;
 
     virtual Port& ModulePort() = 0;
 

@@ -1,5 +1,6 @@
 #include "producers/simulator/settings.h"
 
+#include "producers/simulator/event_packet.h"
 #include "producers/simulator/failure.h"
 #include "producers/simulator/file_settings.h"
 #include "producers/simulator/function_names.h"
@@ -108,6 +109,8 @@ void ReadCommon(JsonObject& object, CameraSettings& camera)
     ReadSource(object, camera);
     ReadDescription(object, camera);
     object.Read("startWithStream", camera.startWithStream);
+    object.Read("extendedEventIds", camera.extendedEventIds);
+    object.Read("eventsPerPacket", camera.eventsPerPacket, 1, EventPackets::maxItems);
     object.Read("longestCommand", camera.longestCommand, 0, maxCommandBytes);
     object.Read("longestPassingCommand", camera.longestPassingCommand, 0, maxCommandBytes);
     ReadName(object, "firmwareVersion", camera.firmwareVersion);

@@ -63,6 +63,8 @@ struct CameraSettings
     SourceKind source = SourceKind::Pattern;
     std::filesystem::path folder; // for SourceKind::Folder
 
+    bool extendedEventIds = false; // of frames in event packets of GigE Vision: 64 bits
+    std::size_t eventsPerPacket = 1;
     bool startWithStream = false; // true: need no AcquisitionStart
     DescriptionForm descriptionForm = DescriptionForm::Plain;
     std::filesystem::path description;     // somebody else's, over a memory without meaning; empty: the camera's own

@@ -146,7 +146,9 @@ void StreamEngine::Run(std::uint64_t number)
             reports.cameraLost();
             return;
         }
-        if (FillNext(lock, *frame, Timestamp_ns(request))) ++numFilled;
+        const std::uint64_t timestamp_ns = Timestamp_ns(request);
+        if (!TellExposureEnd(lock, *frame, timestamp_ns)) continue;
+        if (FillNext(lock, *frame, timestamp_ns)) ++numFilled;
     }
     grabbing = grabbing && numFilled < number;
 }
@@ -214,6 +216,16 @@ std::uint64_t StreamEngine::Timestamp_ns(const FrameRequest& request) noexcept
     if (request.state == FrameRequest::State::Unpaced) return virtualTime_ns += virtualPeriod_ns;
     return static_cast<std::uint64_t>(
         std::chrono::duration_cast<std::chrono::nanoseconds>(Clock::now().time_since_epoch()).count());
+}
+
+bool StreamEngine::TellExposureEnd(Lock& lock, const Frame& frame, std::uint64_t timestamp_ns)
+{
+    CameraEvents& events = camera->Features().Events();
+    if (!frame.tellsExposureEnd || !events.IsWanted()) return true;
+    lock.unlock();
+    events.Send({CameraEvent::ExposureEnd, frame.id, timestamp_ns, 0});
+    lock.lock();
+    return connection->IsUp();
 }
 
 bool StreamEngine::FillNext(Lock& lock, const Frame& frame, std::uint64_t timestamp_ns)

@@ -67,6 +67,8 @@ private:
     bool AwaitDue(Lock& lock, double rate);
     bool AwaitInput(Lock& lock);
     void LookOut(Lock& lock);
+    // Whether the camera is still in reach afterwards.
+    bool TellExposureEnd(Lock& lock, const Frame& frame, std::uint64_t timestamp_ns);
     std::uint64_t Timestamp_ns(const FrameRequest& request) noexcept;
     // Whether a buffer went to the output queue.
     bool FillNext(Lock& lock, const Frame& frame, std::uint64_t timestamp_ns);

@@ -1,6 +1,7 @@
 # Puts a camera's description together: the parts into the frame, byte order and bit numbers into the registers. Bit n of the
 # parts counts from the least significant bit; in big-endian registers the schema counts from the other end.
-# Run by: cmake -DFRAME=... -DPARTS=a.xml,b.xml -DMODEL=... -DGUID=... -DORDER=BigEndian -DOUTPUT=... -P
+# Run by: cmake -DFRAME=... -DPARTS=a.xml,b.xml -DMODEL=... -DGUID=... -DORDER=BigEndian
+# -DEVENTORDER=LittleEndian -DOUTPUT=... -P
 cmake_minimum_required(VERSION 3.25) # which leaves @...@ alone
 string(REPLACE "," ";" files "${PARTS}")
 set(parts "")
@@ -14,6 +15,7 @@ string(REPLACE "@PARTS@" "${parts}" text "${text}")
 string(REPLACE "@MODEL@" "${MODEL}" text "${text}")
 string(REPLACE "@GUID@" "${GUID}" text "${text}")
 string(REPLACE "@ENDIANESS@" "${ORDER}" text "${text}")
+string(REPLACE "@EVENTENDIANESS@" "${EVENTORDER}" text "${text}")
 foreach(bit RANGE 31)
     set(number ${bit})
     if(ORDER STREQUAL "BigEndian")
