@@ -65,6 +65,7 @@ void FeatureMemory::Write(std::uint64_t address, std::span<const std::byte> in)
     if (in.empty()) return;
     if (MeetsDescription(address, in.size())) throw Failure(GC_ERR_ACCESS_DENIED, "the description is read-only");
     const std::lock_guard lock(mutex);
+    if (address == resetAddress) return pages.clear();
     ReserveLocked(address, in.size());
     for (std::size_t at = 0; at < in.size();)
     {

@@ -571,6 +571,27 @@ TEST(SimulatorUserSets, KeepAllSettingsButTheDefaultSetCannotBeSaved)
     EXPECT_EQ(scene.map.Text("LUTValue"), "77");
 }
 
+TEST(SimulatorUserSets, OutliveAResetThatLoadsTheDefault)
+{
+    const Scene scene;
+    scene.map.Set("Width", "48");
+    scene.map.Set("UserSetSelector", "UserSet1");
+    scene.map.Execute("UserSetSave");
+    scene.map.Set("Width", "32");
+    scene.map.Set("UserSetSelector", "UserSet0");
+    scene.map.Execute("UserSetSave");
+    scene.map.Execute("DeviceReset");
+    EXPECT_EQ(scene.map.Text("Width"), "64") << "from Default";
+    scene.map.Execute("UserSetLoad");
+    EXPECT_EQ(scene.map.Text("Width"), "32");
+    scene.map.Set("UserSetSelector", "UserSet1");
+    scene.map.Execute("UserSetLoad");
+    EXPECT_EQ(scene.map.Text("Width"), "48");
+    scene.map.Set("UserSetDefault", "UserSet0");
+    scene.map.Execute("DeviceReset");
+    EXPECT_EQ(scene.map.Text("Width"), "32");
+}
+
 TEST(SimulatorGigEVision, LongCommandsAreTestedOnTheCamerasMemory)
 {
     const Scene scene(R"(, "longestCommand": 2048, "longestPassingCommand": 1000)");

@@ -122,6 +122,26 @@ TEST_F(SimulatorStrangeDescription, IsServedAsItIs)
     EXPECT_EQ(producer.GCWritePort(tree.remote, 0x7000000000000000, &byte, &size), GC_ERR_ACCESS_DENIED);
 }
 
+TEST_F(SimulatorStrangeDescription, RegistersAreForgottenByAWriteToTheAddressForIt)
+{
+    const FeatureMap map(producer, tree.remote);
+    map.Set("Strange", "77");
+    std::uint8_t edge[] = {1, 2, 3, 4};
+    std::size_t size = sizeof edge;
+    ASSERT_EQ(producer.GCWritePort(tree.remote, 4094, edge, &size), GC_ERR_SUCCESS);
+    const std::uint32_t any = 1;
+    size = sizeof any;
+    ASSERT_EQ(producer.GCWritePort(tree.remote, 0x7800000000000000, &any, &size), GC_ERR_SUCCESS);
+    EXPECT_EQ(map.Integer("Strange").GetValue(false, true), 0);
+    ASSERT_EQ(producer.GCReadPort(tree.remote, 4094, edge, &size), GC_ERR_SUCCESS);
+    EXPECT_THAT(edge, testing::ElementsAre(0, 0, 0, 0));
+    ASSERT_EQ(producer.GCReadPort(tree.remote, 0x7800000000000000, edge, &size), GC_ERR_SUCCESS);
+    EXPECT_THAT(edge, testing::ElementsAre(0, 0, 0, 0));
+    EXPECT_EQ(FetchDescription(producer, tree.remote), strange);
+    map.Set("Strange", "78");
+    EXPECT_EQ(map.Integer("Strange").GetValue(false, true), 78);
+}
+
 TEST_F(SimulatorStrangeDescription, RegistersKeepWhatIsWritten)
 {
     const FeatureMap map(producer, tree.remote);
