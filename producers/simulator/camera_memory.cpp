@@ -60,24 +60,6 @@ std::uint64_t CheckOf(std::uint64_t number, std::span<const std::byte> state) no
     return Check(state, Check(std::as_bytes(std::span(&number, 1))));
 }
 
-// Any serial number as a file name, different ones as different names.
-std::string FileName(const std::string& serial)
-{
-    constexpr char digits[] = "0123456789ABCDEF";
-    std::string name;
-    for (const char letter : serial)
-    {
-        const auto code = static_cast<unsigned char>(letter);
-        const bool isPlain = (letter >= 'A' && letter <= 'Z') || (letter >= 'a' && letter <= 'z') ||
-                             (letter >= '0' && letter <= '9') || letter == '-' || letter == '_';
-        if (isPlain)
-            name += letter;
-        else
-            name = name + '%' + digits[code >> 4] + digits[code & 15];
-    }
-    return name + ".memory";
-}
-
 std::string ReasonOf(int number)
 {
     return std::generic_category().message(number);
@@ -121,10 +103,27 @@ std::size_t ReadAll(int file, std::span<std::byte> bytes) noexcept
 
 } // namespace
 
+std::string MemoryNameOf(const std::string& serial)
+{
+    constexpr char digits[] = "0123456789ABCDEF";
+    std::string name;
+    for (const char letter : serial)
+    {
+        const auto code = static_cast<unsigned char>(letter);
+        const bool isPlain = (letter >= 'A' && letter <= 'Z') || (letter >= 'a' && letter <= 'z') ||
+                             (letter >= '0' && letter <= '9') || letter == '-' || letter == '_';
+        if (isPlain)
+            name += letter;
+        else
+            name = name + '%' + digits[code >> 4] + digits[code & 15];
+    }
+    return name;
+}
+
 CameraMemory::CameraMemory(
     const std::filesystem::path& folder, const std::string& serial, std::string_view identity,
     std::span<const std::byte> initial)
-    : path(folder / FileName(serial)), identityNumber(Check(std::as_bytes(std::span(identity)))),
+    : path(folder / (MemoryNameOf(serial) + ".memory")), identityNumber(Check(std::as_bytes(std::span(identity)))),
       stateBytes(initial.size())
 {
     static_assert(sizeof(SlotHead) + maxStateBytes == slotBytes);

@@ -26,6 +26,9 @@
 namespace koro::simulator
 {
 
+// A serial number as the beginning of a file's name, different ones as different names.
+std::string MemoryNameOf(const std::string& serial);
+
 class CameraMemory
 {
 public:

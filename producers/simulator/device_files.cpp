@@ -1,5 +1,6 @@
 #include "producers/simulator/device_files.h"
 
+#include "producers/simulator/camera_memory.h"
 #include "producers/simulator/failure.h"
 #include "producers/simulator/firmware_image.h"
 #include "producers/simulator/register_map.h"
@@ -69,8 +70,20 @@ DeviceFiles::DeviceFiles(const CameraSettings& settings, const std::vector<FileF
     Of(FileName::Firmware).canRead = false;
     Of(FileName::Firmware).canDelete = false;
     Of(FileName::Firmware).capacity = firmwareBytes;
+    if (!settings.memory.empty())
+        for (const FileName name : {FileName::UserFile, FileName::MemoryCard})
+            Of(name).kept = KeptFile(
+                settings.memory /
+                (MemoryNameOf(settings.serial) + "." + std::string(fileNames[static_cast<std::size_t>(name)])));
     for (const FileFault& fault : fileFaults)
         faults.push_back({fault});
+}
+
+std::uint64_t DeviceFiles::Size() const noexcept
+{
+    const File& file = Selected();
+    if (file.kept.Keeps() && !file.openFor) return std::min(file.kept.Size(), file.capacity);
+    return file.content.size();
 }
 
 std::uint64_t DeviceFiles::Operations() const noexcept
@@ -236,17 +249,36 @@ FileStatus DeviceFiles::PerformSelected()
 
 FileStatus DeviceFiles::Open()
 {
-    if (Selected().openFor) return FileStatus::FileAlreadyOpen;
-    Selected().openFor = registers.mode;
+    File& file = Selected();
+    if (file.openFor) return FileStatus::FileAlreadyOpen;
+    if (file.kept.Keeps())
+    {
+        auto content = file.kept.Load(file.capacity);
+        if (!content) return FileStatus::FileNotAvailable;
+        file.content = std::move(*content);
+        file.isChanged = false;
+    }
+    file.openFor = registers.mode;
     return FileStatus::Success;
 }
 
 FileStatus DeviceFiles::Close()
 {
-    if (!Selected().openFor) return FileStatus::FileNotOpen;
+    File& file = Selected();
+    if (!file.openFor) return FileStatus::FileNotOpen;
     if (registers.file == FileName::Firmware) return InstallFirmware();
-    Selected().openFor.reset();
+    if (!Save(file)) return FileStatus::Failure;
+    file.openFor.reset();
     return FileStatus::Success;
+}
+
+bool DeviceFiles::Save(File& file)
+{
+    if (!file.kept.Keeps()) return true;
+    if (file.isChanged && !file.kept.Save(file.content)) return false;
+    file.isChanged = false;
+    file.content = {};
+    return true;
 }
 
 // Closed in any case: a refused image has to be sent anew.
@@ -284,6 +316,7 @@ FileStatus DeviceFiles::Write()
     {
         const std::uint64_t end = registers.offset + moved;
         if (end > file.content.size()) file.content.resize(end);
+        file.isChanged = true;
         std::memcpy(file.content.data() + registers.offset, buffer.data(), moved);
     }
     registers.result = moved;
@@ -295,18 +328,21 @@ FileStatus DeviceFiles::Delete()
     File& file = Selected();
     if (file.openFor) return FileStatus::FileAlreadyOpen;
     file.content = {};
-    return FileStatus::Success;
+    return !file.kept.Keeps() || file.kept.Save({}) ? FileStatus::Success : FileStatus::Failure;
 }
 
-void DeviceFiles::CloseAll() noexcept
+void DeviceFiles::CloseAll()
 {
     pending.reset();
     for (File& file : files)
+    {
+        if (file.openFor) Save(file); // nobody is there to hear that it failed
         file.openFor.reset();
+    }
     Of(FileName::Firmware).content = {};
 }
 
-void DeviceFiles::Restart() noexcept
+void DeviceFiles::Restart()
 {
     CloseAll();
     registers = {};

@@ -3,11 +3,14 @@
 // An operation happens when the command says that it is done: at once, or after as many questions as the settings ask
 // for. What it refuses it tells by its status; only a busy device and what the settings ask for are failed accesses.
 //
+// With a memory, what the user's files hold is in files beside it: read when one is opened, saved when it is closed.
+//
 // Owned by the camera's features. Guarded by the lock of the registers.
 #pragma once
 
 #include "producers/simulator/fault_plan.h"
 #include "producers/simulator/file_access.h"
+#include "producers/simulator/kept_file.h"
 #include "producers/simulator/settings.h"
 
 #include <array>
@@ -55,7 +58,7 @@ public:
     bool IsBusy();
 
     // Of the selected file.
-    std::uint64_t Size() const noexcept { return Selected().content.size(); }
+    std::uint64_t Size() const noexcept;
     std::uint64_t MaxSize() const noexcept { return Selected().capacity; }
     // A bit for each number.
     std::uint64_t Operations() const noexcept;
@@ -70,9 +73,9 @@ public:
     std::optional<std::string> TakeFirmware() noexcept { return std::exchange(newFirmware, std::nullopt); }
 
     // Nobody is there any more who uses them; what was written stays, but for half firmware.
-    void CloseAll() noexcept;
+    void CloseAll();
     // The device starts anew.
-    void Restart() noexcept;
+    void Restart();
 
 private:
     struct File
@@ -82,7 +85,9 @@ private:
         bool canWrite = true;
         bool canDelete = true;
         std::uint64_t capacity = 0;
-        std::vector<std::byte> content;
+        std::vector<std::byte> content; // of a kept file while it is open
+        bool isChanged = false;         // since it was opened
+        KeptFile kept;
         std::optional<FileMode> openFor;
     };
     struct CountedFault
@@ -110,6 +115,7 @@ private:
     FileStatus Write();
     FileStatus Delete();
     FileStatus InstallFirmware();
+    static bool Save(File& file);
 
     std::array<File, fileNames.size()> files;
     std::vector<std::byte> buffer;
