@@ -1,0 +1,213 @@
+// Firmware: what an update file offers, applying it to a camera, and following the update.
+//
+// Included by <koro/koro.hpp>, which is the header for programs.
+#ifndef KORO_CPP_FIRMWARE_HPP
+#define KORO_CPP_FIRMWARE_HPP
+
+#include <koro/cpp/support.hpp>
+#include <koro/koro.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace koro
+{
+
+// What an update tells about itself. A view: it ends with the updater that found it, or with the observer that was told
+// of its start.
+class FirmwareUpdateInformation : public detail::View<KORO_FirmwareUpdateInformationHandle>
+{
+public:
+    using View::View;
+
+    bool IsValid() const { return detail::Flag(KORO_FirmwareUpdateInformation_GetIsValid, Get()); }
+    std::string FileName() const { return detail::Text(KORO_FirmwareUpdateInformation_GetFileName, Get()); }
+    // Texts are empty where the file says nothing.
+    std::string Description() const { return detail::Text(KORO_FirmwareUpdateInformation_GetDescription, Get()); }
+    std::string Version() const { return detail::Text(KORO_FirmwareUpdateInformation_GetVersion, Get()); }
+    std::string VersionExtractionPattern() const
+    {
+        return detail::Text(KORO_FirmwareUpdateInformation_GetVersionExtractionPattern, Get());
+    }
+    std::string ReleaseNotes() const { return detail::Text(KORO_FirmwareUpdateInformation_GetReleaseNotes, Get()); }
+    std::string ReleaseNotesURL() const
+    {
+        return detail::Text(KORO_FirmwareUpdateInformation_GetReleaseNotesURL, Get());
+    }
+    // 0, whatever the file says, and so are the two below.
+    KORO_FirmwareUpdateVersionStyle VersionStyle() const
+    {
+        return detail::Get(KORO_FirmwareUpdateInformation_GetVersionStyle, Get());
+    }
+    KORO_FirmwareUpdatePersistence UserSetPersistence() const
+    {
+        return detail::Get(KORO_FirmwareUpdateInformation_GetUserSetPersistence, Get());
+    }
+    KORO_FirmwareUpdatePersistence SequencerSetPersistence() const
+    {
+        return detail::Get(KORO_FirmwareUpdateInformation_GetSequencerSetPersistence, Get());
+    }
+};
+
+// Follows updates. The functions run one at a time on the thread that updates, inside its call. They must not throw,
+// and must not make or end registrations of their own kind; each Registration ends before its observer.
+class FirmwareUpdateProgressObserver
+    : public detail::Owner<KORO_FirmwareUpdateProgressObserverHandle, KORO_FirmwareUpdateProgressObserver_Destruct>
+{
+public:
+    using StartedFunction = std::function<void(FirmwareUpdateInformation update, uint32_t expectedDuration_ms)>;
+    using StepStartedFunction =
+        std::function<void(KORO_FirmwareUpdateStep step, uint32_t expectedDuration_ms, const std::string& description)>;
+    using StepProgressFunction = std::function<void(KORO_FirmwareUpdateStep step, double percent)>;
+    using StepFinishedFunction = std::function<void(KORO_FirmwareUpdateStep step)>;
+    using FinishedFunction = std::function<void()>;
+    using FailedFunction = std::function<void(const std::string& error)>;
+
+    FirmwareUpdateProgressObserver() : Owner(Construct()) {}
+
+    [[nodiscard]] Registration OnStarted(StartedFunction function) const
+    {
+        return detail::Register(
+            KORO_FirmwareUpdateProgressObserver_RegisterUpdateStartedCallback,
+            KORO_FirmwareUpdateProgressObserver_UnregisterUpdateStartedCallback, Get(), &CallStarted,
+            std::move(function));
+    }
+    [[nodiscard]] Registration OnStepStarted(StepStartedFunction function) const
+    {
+        return detail::Register(
+            KORO_FirmwareUpdateProgressObserver_RegisterUpdateStepStartedCallback,
+            KORO_FirmwareUpdateProgressObserver_UnregisterUpdateStepStartedCallback, Get(), &CallStepStarted,
+            std::move(function));
+    }
+    [[nodiscard]] Registration OnStepProgress(StepProgressFunction function) const
+    {
+        return detail::Register(
+            KORO_FirmwareUpdateProgressObserver_RegisterUpdateStepProgressChangedCallback,
+            KORO_FirmwareUpdateProgressObserver_UnregisterUpdateStepProgressChangedCallback, Get(), &CallStepProgress,
+            std::move(function));
+    }
+    [[nodiscard]] Registration OnStepFinished(StepFinishedFunction function) const
+    {
+        return detail::Register(
+            KORO_FirmwareUpdateProgressObserver_RegisterUpdateStepFinishedCallback,
+            KORO_FirmwareUpdateProgressObserver_UnregisterUpdateStepFinishedCallback, Get(), &CallStepFinished,
+            std::move(function));
+    }
+    [[nodiscard]] Registration OnFinished(FinishedFunction function) const
+    {
+        return detail::Register(
+            KORO_FirmwareUpdateProgressObserver_RegisterUpdateFinishedCallback,
+            KORO_FirmwareUpdateProgressObserver_UnregisterUpdateFinishedCallback, Get(), &CallFinished,
+            std::move(function));
+    }
+    [[nodiscard]] Registration OnFailed(FailedFunction function) const
+    {
+        return detail::Register(
+            KORO_FirmwareUpdateProgressObserver_RegisterUpdateFailedCallback,
+            KORO_FirmwareUpdateProgressObserver_UnregisterUpdateFailedCallback, Get(), &CallFailed,
+            std::move(function));
+    }
+
+private:
+    static KORO_FirmwareUpdateProgressObserverHandle Construct()
+    {
+        KORO_FirmwareUpdateProgressObserverHandle observer{};
+        detail::Check(KORO_FirmwareUpdateProgressObserver_Construct(&observer));
+        return observer;
+    }
+
+    // Sizes of texts count the terminating zero.
+    static std::string TextOf(const char* text, size_t size) { return std::string(text, size > 0 ? size - 1 : 0); }
+
+    static void CallStarted(
+        KORO_FirmwareUpdateInformationHandle update, uint32_t expectedDuration_ms, void* context) noexcept
+    {
+        (*static_cast<StartedFunction*>(context))(FirmwareUpdateInformation(update), expectedDuration_ms);
+    }
+    static void CallStepStarted(
+        KORO_FirmwareUpdateStep step, uint32_t expectedDuration_ms, const char* description, size_t descriptionSize,
+        void* context) noexcept
+    {
+        (*static_cast<StepStartedFunction*>(context))(step, expectedDuration_ms, TextOf(description, descriptionSize));
+    }
+    static void CallStepProgress(KORO_FirmwareUpdateStep step, double percent, void* context) noexcept
+    {
+        (*static_cast<StepProgressFunction*>(context))(step, percent);
+    }
+    static void CallStepFinished(KORO_FirmwareUpdateStep step, void* context) noexcept
+    {
+        (*static_cast<StepFinishedFunction*>(context))(step);
+    }
+    static void CallFinished(void* context) noexcept { (*static_cast<FinishedFunction*>(context))(); }
+    static void CallFailed(const char* error, size_t errorSize, void* context) noexcept
+    {
+        (*static_cast<FailedFunction*>(context))(TextOf(error, errorSize));
+    }
+};
+
+// Reads update files and applies an update.
+class FirmwareUpdater : public detail::Owner<KORO_FirmwareUpdaterHandle, KORO_FirmwareUpdater_Destruct>
+{
+public:
+    using CameraView = detail::View<KORO_DeviceDescriptorHandle>; // a DeviceDescriptor
+
+    FirmwareUpdater() : Owner(Construct()) {}
+
+    // All updates of the file, and those that fit the camera. For the latter it must not be open.
+    std::vector<FirmwareUpdateInformation> Collect(const std::string& updateFilePath) const
+    {
+        detail::Check(KORO_FirmwareUpdater_CollectAllFirmwareUpdateInformation(
+            Get(), updateFilePath.c_str(), updateFilePath.size() + 1));
+        return Found();
+    }
+    std::vector<FirmwareUpdateInformation> Collect(const std::string& updateFilePath, const CameraView& camera) const
+    {
+        detail::Check(KORO_FirmwareUpdater_CollectFirmwareUpdateInformation(
+            Get(), updateFilePath.c_str(), updateFilePath.size() + 1, camera.Get()));
+        return Found();
+    }
+    // Of the latest collection that succeeded.
+    std::vector<FirmwareUpdateInformation> Found() const
+    {
+        return detail::Children<FirmwareUpdateInformation>(
+            KORO_FirmwareUpdater_GetNumFirmwareUpdateInformation, KORO_FirmwareUpdater_GetFirmwareUpdateInformation,
+            Get());
+    }
+
+    // Returns when the update is done; throws Error with KORO_RETURN_CODE_TIMEOUT when the camera does not come back
+    // from a reset in time. The camera must not be open; its descriptor may have ended afterwards, fetch it anew.
+    void Update(const CameraView& camera, FirmwareUpdateInformation update, uint64_t resetTimeout_ms = 60000) const
+    {
+        Update(camera, update, KORO_FirmwareUpdateProgressObserverHandle{}, resetTimeout_ms);
+    }
+    void Update(
+        const CameraView& camera, FirmwareUpdateInformation update, const FirmwareUpdateProgressObserver& observer,
+        uint64_t resetTimeout_ms = 60000) const
+    {
+        Update(camera, update, observer.Get(), resetTimeout_ms);
+    }
+
+private:
+    static KORO_FirmwareUpdaterHandle Construct()
+    {
+        KORO_FirmwareUpdaterHandle updater{};
+        detail::Check(KORO_FirmwareUpdater_Construct(&updater));
+        return updater;
+    }
+
+    void Update(
+        const CameraView& camera, FirmwareUpdateInformation update, KORO_FirmwareUpdateProgressObserverHandle observer,
+        uint64_t resetTimeout_ms) const
+    {
+        detail::Check(KORO_FirmwareUpdater_UpdateDeviceWithResetTimeout(
+            Get(), camera.Get(), update.Get(), observer, resetTimeout_ms));
+    }
+};
+
+} // namespace koro
+
+#endif
