@@ -17,10 +17,13 @@ namespace
 constexpr std::size_t calibrationBytes = 300'001;
 constexpr std::uint64_t firmwareBytes = std::uint64_t{1} << 26;
 
-std::vector<std::byte> FactoryData(const CameraSettings& settings)
+std::string FactoryData(const CameraSettings& settings)
 {
-    const std::string text =
-        "vendor=" + settings.vendor + "\nmodel=" + settings.model + "\nserial=" + settings.serial + "\n";
+    return "vendor=" + settings.vendor + "\nmodel=" + settings.model + "\nserial=" + settings.serial + "\n";
+}
+
+std::vector<std::byte> BytesOf(const std::string& text)
+{
     const auto bytes = std::as_bytes(std::span(text));
     return {bytes.begin(), bytes.end()};
 }
@@ -53,17 +56,16 @@ void RequireOffered(std::uint64_t offered, std::uint64_t number, std::size_t cou
 } // namespace
 
 DeviceFiles::DeviceFiles(const CameraSettings& settings, const std::vector<FileFault>& fileFaults)
-    : buffer(settings.fileBufferBytes)
+    : bufferBytes(settings.fileBufferBytes), factoryData(FactoryData(settings))
 {
-    registers.length = buffer.size();
+    registers.length = bufferBytes;
     Of(FileName::UserFile).capacity = settings.userFileBytes;
-    Of(FileName::FactoryData).content = FactoryData(settings);
-    Of(FileName::CalibrationData).content = CalibrationData();
+    Of(FileName::FactoryData).capacity = factoryData.size();
+    Of(FileName::CalibrationData).capacity = calibrationBytes;
     for (const FileName name : {FileName::FactoryData, FileName::CalibrationData})
     {
         Of(name).canWrite = false;
         Of(name).canDelete = false;
-        Of(name).capacity = Of(name).content.size();
     }
     Of(FileName::MemoryCard).isAvailable = settings.memoryCard;
     Of(FileName::MemoryCard).capacity = settings.userFileBytes;
@@ -82,6 +84,7 @@ DeviceFiles::DeviceFiles(const CameraSettings& settings, const std::vector<FileF
 std::uint64_t DeviceFiles::Size() const noexcept
 {
     const File& file = Selected();
+    if (!file.canWrite) return file.capacity;
     if (file.kept.Keeps() && !file.openFor) return std::min(file.kept.Size(), file.capacity);
     return file.content.size();
 }
@@ -154,19 +157,28 @@ void DeviceFiles::SetOffset(std::uint64_t offset)
 void DeviceFiles::SetLength(std::uint64_t length)
 {
     RequireIdle();
-    if (length > buffer.size()) RefuseValue("the buffer is shorter");
+    if (length > bufferBytes) RefuseValue("the buffer is shorter");
     registers.length = length;
 }
 
 void DeviceFiles::ReadBuffer(std::size_t at, std::span<std::byte> out) const
 {
-    std::memcpy(out.data(), buffer.data() + at, out.size());
+    if (buffer.empty())
+        std::memset(out.data(), 0, out.size());
+    else
+        std::memcpy(out.data(), buffer.data() + at, out.size());
 }
 
 void DeviceFiles::WriteBuffer(std::size_t at, std::span<const std::byte> in)
 {
     RequireIdle();
-    std::memcpy(buffer.data() + at, in.data(), in.size());
+    std::memcpy(Buffer().data() + at, in.data(), in.size());
+}
+
+std::span<std::byte> DeviceFiles::Buffer()
+{
+    if (buffer.empty()) buffer.resize(bufferBytes);
+    return buffer;
 }
 
 // The first fault that concerns this execution; all count it.
@@ -251,15 +263,21 @@ FileStatus DeviceFiles::Open()
 {
     File& file = Selected();
     if (file.openFor) return FileStatus::FileAlreadyOpen;
-    if (file.kept.Keeps())
-    {
-        auto content = file.kept.Load(file.capacity);
-        if (!content) return FileStatus::FileNotAvailable;
-        file.content = std::move(*content);
-        file.isChanged = false;
-    }
+    if (!Load(file)) return FileStatus::FileNotAvailable;
     file.openFor = registers.mode;
     return FileStatus::Success;
+}
+
+bool DeviceFiles::Load(File& file) const
+{
+    if (registers.file == FileName::FactoryData) file.content = BytesOf(factoryData);
+    if (registers.file == FileName::CalibrationData) file.content = CalibrationData();
+    if (!file.kept.Keeps()) return true;
+    auto content = file.kept.Load(file.capacity);
+    if (!content) return false;
+    file.content = std::move(*content);
+    file.isChanged = false;
+    return true;
 }
 
 FileStatus DeviceFiles::Close()
@@ -274,7 +292,7 @@ FileStatus DeviceFiles::Close()
 
 bool DeviceFiles::Save(File& file)
 {
-    if (!file.kept.Keeps()) return true;
+    if (file.canWrite && !file.kept.Keeps()) return true;
     if (file.isChanged && !file.kept.Save(file.content)) return false;
     file.isChanged = false;
     file.content = {};
@@ -300,7 +318,7 @@ FileStatus DeviceFiles::Read()
     if (!Allows(*file.openFor, FileOperation::Read)) return FileStatus::AccessDenied;
     const std::uint64_t rest = file.content.size() - std::min<std::uint64_t>(registers.offset, file.content.size());
     registers.result = std::min({registers.length, rest, pending->mostBytes});
-    if (registers.result > 0) std::memcpy(buffer.data(), file.content.data() + registers.offset, registers.result);
+    if (registers.result > 0) std::memcpy(Buffer().data(), file.content.data() + registers.offset, registers.result);
     return FileStatus::Success;
 }
 
@@ -317,7 +335,7 @@ FileStatus DeviceFiles::Write()
         const std::uint64_t end = registers.offset + moved;
         if (end > file.content.size()) file.content.resize(end);
         file.isChanged = true;
-        std::memcpy(file.content.data() + registers.offset, buffer.data(), moved);
+        std::memcpy(file.content.data() + registers.offset, Buffer().data(), moved);
     }
     registers.result = moved;
     return registers.length > room ? FileStatus::Overflow : FileStatus::Success;
@@ -346,8 +364,8 @@ void DeviceFiles::Restart()
 {
     CloseAll();
     registers = {};
-    registers.length = buffer.size();
-    std::fill(buffer.begin(), buffer.end(), std::byte{0});
+    registers.length = bufferBytes;
+    buffer = {};
 }
 
 } // namespace koro::simulator

@@ -65,7 +65,7 @@ public:
     std::uint64_t Modes() const noexcept;
     std::uint64_t AvailableFiles() const noexcept;
 
-    std::size_t BufferBytes() const noexcept { return buffer.size(); }
+    std::size_t BufferBytes() const noexcept { return bufferBytes; }
     void ReadBuffer(std::size_t at, std::span<std::byte> out) const;
     void WriteBuffer(std::size_t at, std::span<const std::byte> in);
 
@@ -85,7 +85,7 @@ private:
         bool canWrite = true;
         bool canDelete = true;
         std::uint64_t capacity = 0;
-        std::vector<std::byte> content; // of a kept file while it is open
+        std::vector<std::byte> content; // of a kept or read-only file while it is open
         bool isChanged = false;         // since it was opened
         KeptFile kept;
         std::optional<FileMode> openFor;
@@ -109,6 +109,8 @@ private:
     const FileFault* CountExecution();
     void Perform();
     FileStatus PerformSelected();
+    std::span<std::byte> Buffer();
+    bool Load(File& file) const;
     FileStatus Open();
     FileStatus Close();
     FileStatus Read();
@@ -117,8 +119,10 @@ private:
     FileStatus InstallFirmware();
     static bool Save(File& file);
 
+    const std::size_t bufferBytes;
+    const std::string factoryData;
     std::array<File, fileNames.size()> files;
-    std::vector<std::byte> buffer;
+    std::vector<std::byte> buffer; // empty until it is needed
     std::vector<CountedFault> faults;
     Registers registers;
     std::optional<Pending> pending;
