@@ -36,6 +36,11 @@ struct FillResult
     ImageShape shape{nullptr, 0, 0};
     std::size_t offsetX = 0;
     std::size_t offsetY = 0;
+    // Of its chunks; 0 where none came.
+    std::uint64_t chunkLayoutId = 0;
+    std::size_t chunkBytes = 0; // behind the image
+
+    bool HasChunks() const noexcept { return chunkLayoutId != 0; }
 };
 
 class Buffer final : public Module

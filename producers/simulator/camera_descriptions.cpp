@@ -37,6 +37,7 @@ const Description& OwnDescription(const std::string& tlType, bool zipped)
     if (tlType == "GEV") return zipped ? gevArchiveDescription : gevDescription;
     if (tlType == "CL") return zipped ? clArchiveDescription : clDescription;
     if (tlType == "U3V") return zipped ? u3vArchiveDescription : u3vDescription;
+    if (tlType == "IIDC") return zipped ? iidcArchiveDescription : iidcDescription;
     return zipped ? plainArchiveDescription : plainDescription;
 }
 

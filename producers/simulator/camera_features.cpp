@@ -25,7 +25,8 @@ std::shared_ptr<CameraMemory> MakeMemory(const CameraSettings& settings, const s
 CameraFeatures::CameraFeatures(
     const CameraSettings& cameraSettings, const CameraConnection& plug, const std::vector<FileFault>& fileFaults)
     : settings(cameraSettings), connection(plug), sensor(cameraSettings),
-      order(plug.tlType == "GEV" ? ByteOrder::Big : ByteOrder::Little), map(order),
+      order(plug.tlType == "GEV" ? ByteOrder::Big : ByteOrder::Little),
+      chunkForm(ChunkFormOf(plug.tlType, cameraSettings.chunkChecksum)), map(order),
       events({EventPackets::FormOf(plug.tlType), cameraSettings.extendedEventIds}, cameraSettings.eventsPerPacket),
       memory(MakeMemory(cameraSettings, plug.tlType)), files(cameraSettings, fileFaults), state(cameraSettings)
 {
@@ -39,6 +40,7 @@ CameraFeatures::CameraFeatures(
     AddUserSets();
     AddFileAccess();
     AddEvents();
+    AddChunks();
     AddTransportLayer();
     map.SetSnapshot([this]() -> RegisterMap::Action {
         return [this, before = state, filesBefore = files.TheRegisters()] {
@@ -111,10 +113,10 @@ std::string CameraFeatures::UserName() const
     return state.userName;
 }
 
-ImageShape CameraFeatures::Shape() const
+std::size_t CameraFeatures::PayloadBytes() const
 {
     const std::lock_guard lock(map.Lock());
-    return state.values.Shape();
+    return state.values.Chunks(chunkForm).PayloadBytes();
 }
 
 std::uint64_t CameraFeatures::NumResets() const
@@ -200,8 +202,13 @@ std::optional<Frame> CameraFeatures::TakeFrame(std::uint64_t run)
         return std::nullopt;
     RefreshPlan();
     const std::uint64_t id = acquisition.TakeFrame(state.values);
+    const Frame frame{
+        id,
+        plan,
+        (state.values.notifiedEvents & SetOf(CameraEvent::ExposureEnd)) != 0,
+        {acquisition.Counter(0), acquisition.Counter(1)}};
     map.Lock().Save();
-    return Frame{id, plan, (state.values.notifiedEvents & SetOf(CameraEvent::ExposureEnd)) != 0};
+    return frame;
 }
 
 void CameraFeatures::RefreshPlan()
@@ -209,7 +216,7 @@ void CameraFeatures::RefreshPlan()
     if (!wasWritten) return;
     wasWritten = false;
     if (plannedValues == state.values) return;
-    plan = std::make_shared<const FramePlan>(state.values.MakePlan(sensor));
+    plan = std::make_shared<const FramePlan>(state.values.MakePlan(sensor, chunkForm));
     plannedValues = state.values;
 }
 

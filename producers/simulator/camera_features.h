@@ -11,6 +11,7 @@
 #include "producers/simulator/port.h"
 #include "producers/simulator/transport.h"
 
+#include <array>
 #include <functional>
 #include <map>
 #include <memory>
@@ -48,6 +49,7 @@ struct Frame
     std::uint64_t id;
     std::shared_ptr<const FramePlan> plan;
     bool tellsExposureEnd;
+    std::array<std::uint64_t, 2> counters; // when it was taken
 };
 
 class CameraFeatures final : public RegisterSpace, private RegisterLock::Sharing
@@ -68,7 +70,9 @@ public:
     void Write(std::uint64_t address, std::span<const std::byte> in) override;
 
     std::string UserName() const;
-    ImageShape Shape() const;
+    // Of one frame, as things stand.
+    std::size_t PayloadBytes() const;
+    ChunkForm ChunksForm() const noexcept { return chunkForm; }
 
     // A stream starts and stops to listen. With `startWithStream` the camera starts and stops with it.
     void OnStreamStart();
@@ -121,6 +125,8 @@ private:
     // camera_event_registers.cpp
     void AddEvents();
     void TellEvents();
+    // camera_chunk_registers.cpp
+    void AddChunks();
     // camera_transport_registers.cpp
     void AddTransportLayer();
     void AddGigEVision();
@@ -165,6 +171,7 @@ private:
     const CameraConnection& connection;
     const Sensor sensor;
     const ByteOrder order;
+    const ChunkForm chunkForm;
     RegisterMap map;
 
     CameraEvents events;

@@ -25,7 +25,7 @@ constexpr std::uint64_t finalTransferStep = 1024;
 
 void CameraFeatures::AddTransportLayer()
 {
-    map.AddInteger(0x310, 8, [this] { return std::uint64_t{state.values.Shape().PayloadBytes()}; });
+    map.AddInteger(0x310, 8, [this] { return std::uint64_t{state.values.Chunks(chunkForm).PayloadBytes()}; });
     map.AddInteger(
         0x318, 4, [this]() -> std::uint64_t { return IsFormatLocked() ? 1 : 0; },
         [this](std::uint64_t wanted) {
@@ -65,7 +65,7 @@ void CameraFeatures::RefuseLongCommand(std::uint64_t address, std::size_t bytes)
 
 void CameraFeatures::AddUSB3Vision()
 {
-    const auto payload = [this] { return std::uint64_t{state.values.Shape().PayloadBytes()}; };
+    const auto payload = [this] { return std::uint64_t{state.values.Chunks(chunkForm).PayloadBytes()}; };
     const auto rest = [this, payload] { return payload() % state.values.transferSize; };
     map.AddInteger(0x904, 4, [this]() -> std::uint64_t { return state.isStreaming ? 1 : 0; });
     map.AddInteger(0x908, 8, payload);

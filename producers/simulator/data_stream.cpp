@@ -230,7 +230,7 @@ InfoValue DataStream::Info(STREAM_INFO_CMD command) const
     case STREAM_INFO_NUM_STARTED:
         return InfoValue::UInt64(queue.counters.started);
     case STREAM_INFO_PAYLOAD_SIZE:
-        return InfoValue::Size(camera->Features().Shape().PayloadBytes());
+        return InfoValue::Size(camera->Features().PayloadBytes());
     case STREAM_INFO_IS_GRABBING:
         return InfoValue::Bool(engine.IsGrabbing());
     case STREAM_INFO_DEFINES_PAYLOADSIZE:
@@ -238,7 +238,7 @@ InfoValue DataStream::Info(STREAM_INFO_CMD command) const
     case STREAM_INFO_TLTYPE:
         return InfoValue::Text(camera->TLType());
     case STREAM_INFO_NUM_CHUNKS_MAX:
-        return InfoValue::Size(0);
+        return InfoValue::Size(numChunks);
     case STREAM_INFO_BUF_ANNOUNCE_MIN:
         return InfoValue::Size(announceMinimum);
     case STREAM_INFO_BUF_ALIGNMENT:
@@ -323,8 +323,9 @@ InfoValue DataStream::FilledBufferInfo(const Buffer& buffer, BUFFER_INFO_CMD com
     case BUFFER_INFO_XPADDING:
     case BUFFER_INFO_YPADDING:
     case BUFFER_INFO_IMAGEOFFSET:
-    case BUFFER_INFO_DELIVERED_CHUNKPAYLOADSIZE:
         return InfoValue::Size(0);
+    case BUFFER_INFO_DELIVERED_CHUNKPAYLOADSIZE:
+        return InfoValue::Size(result.chunkBytes);
     case BUFFER_INFO_FRAMEID:
         return InfoValue::UInt64(result.frameId);
     case BUFFER_INFO_IMAGEPRESENT:
@@ -338,7 +339,7 @@ InfoValue DataStream::FilledBufferInfo(const Buffer& buffer, BUFFER_INFO_CMD com
     case BUFFER_INFO_DELIVERED_IMAGEHEIGHT:
         return InfoValue::Size(result.deliveredLines);
     case BUFFER_INFO_CHUNKLAYOUTID:
-        return InfoValue::UInt64(0);
+        return InfoValue::UInt64(result.chunkLayoutId);
     case BUFFER_INFO_PIXEL_ENDIANNESS:
         return InfoValue::Int32(PIXELENDIANNESS_LITTLE);
     case BUFFER_INFO_DATA_SIZE:
@@ -346,10 +347,19 @@ InfoValue DataStream::FilledBufferInfo(const Buffer& buffer, BUFFER_INFO_CMD com
     case BUFFER_INFO_DATA_LARGER_THAN_BUFFER:
         return InfoValue::Bool(result.largerThanBuffer);
     case BUFFER_INFO_CONTAINS_CHUNKDATA:
-        return InfoValue::Bool(false);
+        return InfoValue::Bool(result.HasChunks());
     default:
         throw Failure(GC_ERR_NO_DATA, "the buffer holds no file"); // BUFFER_INFO_FILENAME alone is left
     }
+}
+
+std::vector<SINGLE_CHUNK_DATA> DataStream::Chunks(const Buffer& buffer) const
+{
+    const std::lock_guard lock(mutex);
+    RequireBufferLocked(buffer);
+    if (buffer.place != Place::Idle) throw Failure(GC_ERR_NOT_AVAILABLE, "the buffer is queued");
+    if (!buffer.hasNewData || !buffer.result.HasChunks()) throw Failure(GC_ERR_NO_DATA, "the buffer holds no chunks");
+    return ParseChunks(camera->Features().ChunksForm(), buffer.Memory().first(buffer.result.sizeFilled));
 }
 
 void DataStream::RefuseContent(const Buffer& buffer, const char* what) const

@@ -12,6 +12,7 @@
 #include <atomic>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace koro::simulator
 {
@@ -42,7 +43,9 @@ public:
 
     // Throws GC_ERR_INVALID_HANDLE for a buffer of another stream.
     InfoValue BufferInfo(const Buffer& buffer, BUFFER_INFO_CMD command) const;
-    // What chunk and part queries answer, since the images of this producer have neither.
+    // As they lie in the buffer now; throws for a buffer without.
+    std::vector<SINGLE_CHUNK_DATA> Chunks(const Buffer& buffer) const;
+    // What part queries answer, since the images of this producer have none.
     [[noreturn]] void RefuseContent(const Buffer& buffer, const char* what) const;
     InfoValue SegmentInfo(const Buffer& buffer, std::uint32_t index, SEGMENT_INFO_CMD command) const;
     void RequireBuffer(const Buffer& buffer) const;

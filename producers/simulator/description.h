@@ -29,5 +29,7 @@ extern const Description clDescription;
 extern const Description clArchiveDescription;
 extern const Description plainDescription;
 extern const Description plainArchiveDescription;
+extern const Description iidcDescription;
+extern const Description iidcArchiveDescription;
 
 } // namespace koro::simulator

@@ -2,6 +2,9 @@
 #include "producers/simulator/call.h"
 #include "producers/simulator/data_stream.h"
 
+#include <algorithm>
+#include <string>
+
 namespace GenTL
 {
 
@@ -11,7 +14,6 @@ namespace
 {
 
 constexpr const char* noParts = "no parts: it is one image";
-constexpr const char* noChunks = "no chunks";
 
 struct StreamAndBuffer
 {
@@ -125,12 +127,16 @@ GC_ERROR DSGetBufferInfo(
 }
 
 GC_ERROR
-DSGetBufferChunkData(DS_HANDLE hDataStream, BUFFER_HANDLE hBuffer, SINGLE_CHUNK_DATA*, size_t* piNumChunks)
+DSGetBufferChunkData(DS_HANDLE hDataStream, BUFFER_HANDLE hBuffer, SINGLE_CHUNK_DATA* pChunkData, size_t* piNumChunks)
 {
     return Call(__func__, [=] {
         const auto [stream, buffer] = FindBuffer(hDataStream, hBuffer);
         RequirePointer(piNumChunks, "piNumChunks");
-        stream->RefuseContent(*buffer, noChunks);
+        const auto chunks = stream->Chunks(*buffer);
+        if (pChunkData != nullptr && *piNumChunks < chunks.size())
+            throw Failure(GC_ERR_BUFFER_TOO_SMALL, std::to_string(chunks.size()) + " entries are needed");
+        *piNumChunks = chunks.size();
+        if (pChunkData != nullptr) std::copy(chunks.begin(), chunks.end(), pChunkData);
     });
 }
 

@@ -4,6 +4,7 @@
 // One for each start of the library. Any thread.
 #pragma once
 
+#include "producers/simulator/chunks.h"
 #include "producers/simulator/file_access.h"
 #include "producers/simulator/gentl.h"
 #include "producers/simulator/info_value.h"
@@ -61,6 +62,7 @@ struct FrameFault
     Occurrences frames;
     std::optional<std::size_t> deliveredLines; // incomplete: so many lines arrive
     std::uint64_t late_ms = 0;
+    ChunkSpoil chunkSpoil = ChunkSpoil::None;
 };
 
 // When a camera is unplugged and plugged in again.

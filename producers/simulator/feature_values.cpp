@@ -29,7 +29,7 @@ bool IsTrueColour(Colours colours) noexcept
 
 void RequireBounded(const ImageShape& shape)
 {
-    if (shape.PayloadBytes() > maxPayloadBytes) RefuseValue("the image would be too large");
+    if (shape.ImageBytes() > maxPayloadBytes) RefuseValue("the image would be too large");
 }
 
 template <typename Number>
@@ -65,6 +65,9 @@ FeatureValues::FeatureValues(const CameraSettings& settings)
       rate(settings.rate > 0 ? settings.rate : usualRate), exposure_us(Sensor(settings).neutralExposure_us)
 {
     std::iota(table.begin(), table.end(), std::uint8_t{0});
+    if (!settings.chunks) return;
+    chunkModeActive = 1;
+    chunkSet = *settings.chunks | imageChunk;
 }
 
 std::uint64_t FeatureValues::StepOf(const PixelFormat& format) noexcept
@@ -172,7 +175,28 @@ std::uint64_t FeatureValues::LineLevels() const noexcept
     return input | output << 1;
 }
 
-FramePlan FeatureValues::MakePlan(const Sensor& sensor) const
+ChunkLayout FeatureValues::Chunks(ChunkForm form) const noexcept
+{
+    const std::size_t imageBytes = Shape().ImageBytes();
+    return chunkModeActive == 1 ? ChunkLayout(form, chunkSet, imageBytes) : ChunkLayout(imageBytes);
+}
+
+ChunkValues FeatureValues::MakeChunkValues(const Sensor& sensor) const noexcept
+{
+    ChunkValues told;
+    told.exposure_us = Exposure_us(sensor);
+    told.gain_dB = {gain[0] / 100.0, gain[1] / 100.0};
+    told.blackLevel = static_cast<double>(blackLevel) / 16;
+    told.offsetX = offsetX;
+    told.offsetY = offsetY;
+    told.width = width;
+    told.height = height;
+    told.format = format->code;
+    told.lineLevels = LineLevels();
+    return told;
+}
+
+FramePlan FeatureValues::MakePlan(const Sensor& sensor, ChunkForm form) const
 {
     FramePlan plan{
         Shape(),
@@ -181,7 +205,9 @@ FramePlan FeatureValues::MakePlan(const Sensor& sensor) const
         {WidthMax(sensor), offsetX, binningHorizontal, reverseX == 1},
         {HeightMax(sensor), offsetY, binningVertical, reverseY == 1},
         static_cast<TestPattern>(testPattern),
-        {}};
+        {},
+        Chunks(form),
+        MakeChunkValues(sensor)};
     const double light = Exposure_us(sensor) / sensor.neutralExposure_us * GainFactor();
     const std::uint8_t* const lookUp = tableEnabled == 1 ? table.data() : nullptr;
     const auto respond = [&](Component component, double ratio) {
@@ -207,8 +233,9 @@ bool FeatureValues::GeometryFits(const Sensor& sensor) const
     if (!IsWithin<std::uint64_t>(width, 1, WidthMax(sensor)) || width % WidthStep() != 0) return false;
     if (!IsWithin<std::uint64_t>(height, 1, HeightMax(sensor))) return false;
     return offsetX <= WidthMax(sensor) - width && offsetX % offsetStep == 0 && offsetY <= HeightMax(sensor) - height &&
-           offsetY % offsetStep == 0 && reverseX <= 1 && reverseY <= 1 && Shape().PayloadBytes() <= maxPayloadBytes &&
-           testPattern <= static_cast<std::uint64_t>(TestPattern::ColorBar);
+           offsetY % offsetStep == 0 && reverseX <= 1 && reverseY <= 1 && Shape().ImageBytes() <= maxPayloadBytes &&
+           testPattern <= static_cast<std::uint64_t>(TestPattern::ColorBar) && chunkModeActive <= 1 &&
+           (chunkSet & imageChunk) != 0 && chunkSet <= allChunks;
 }
 
 bool FeatureValues::AcquisitionFits() const noexcept

@@ -66,6 +66,8 @@ public:
     std::uint64_t reverseX = 0;
     std::uint64_t reverseY = 0;
     std::uint64_t testPattern = 0;
+    std::uint64_t chunkModeActive = 0;
+    ChunkSet chunkSet = imageChunk; // enabled, with or without the mode
 
     std::uint64_t acquisitionMode = 0;
     std::uint64_t frameCount = 1;
@@ -98,6 +100,7 @@ public:
     std::uint64_t transferSize = 65536;
 
     ImageShape Shape() const noexcept { return {format, width, height}; }
+    ChunkLayout Chunks(ChunkForm form) const noexcept;
     std::uint64_t WidthMax(const Sensor& sensor) const noexcept { return sensor.width / binningHorizontal; }
     std::uint64_t HeightMax(const Sensor& sensor) const noexcept { return sensor.height / binningVertical; }
     std::uint64_t WidthStep() const noexcept { return StepOf(*format); }
@@ -122,7 +125,7 @@ public:
     // Levels of line 0 (bit 0, wired to line 1) and line 1 (bit 1).
     std::uint64_t LineLevels() const noexcept;
 
-    FramePlan MakePlan(const Sensor& sensor) const;
+    FramePlan MakePlan(const Sensor& sensor, ChunkForm form) const;
 
     // Whether the setters could have left them so.
     bool Fits(const Sensor& sensor) const;
@@ -132,6 +135,7 @@ public:
 
 private:
     static std::uint64_t StepOf(const PixelFormat& format) noexcept;
+    ChunkValues MakeChunkValues(const Sensor& sensor) const noexcept;
     bool GeometryFits(const Sensor& sensor) const;
     bool AcquisitionFits() const noexcept;
     bool TransportFits() const noexcept;
@@ -153,6 +157,8 @@ void FeatureValues::ForEachField(Values& values, const Each& each)
     each(values.reverseX);
     each(values.reverseY);
     each(values.testPattern);
+    each(values.chunkModeActive);
+    each(values.chunkSet);
     each(values.acquisitionMode);
     each(values.frameCount);
     each(values.rateEnabled);

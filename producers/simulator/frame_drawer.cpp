@@ -15,7 +15,7 @@ constexpr std::size_t maxKeptBytes = std::size_t{1} << 29;
 void FrameDrawer::Draw(std::uint64_t n, const std::shared_ptr<const FramePlan>& plan, std::span<std::byte> memory)
 {
     const std::size_t numPictures = source.NumPictures();
-    const std::size_t payload = plan->shape.PayloadBytes();
+    const std::size_t payload = plan->shape.ImageBytes();
     const bool isMoving = plan->testPattern != TestPattern::Off;
     if (numPictures == 0 || isMoving || payload > maxKeptBytes / numPictures) return source.Draw(n, *plan, memory);
 

@@ -1,6 +1,7 @@
 // FramePlan: all that the features say about the pictures, worked out once after a change. Immutable.
 #pragma once
 
+#include "producers/simulator/chunks.h"
 #include "producers/simulator/pattern.h"
 #include "producers/simulator/pixel_format.h"
 
@@ -19,7 +20,7 @@ struct ImageShape
     std::size_t height;        // lines
 
     std::size_t LineBytes() const noexcept { return format->LineBytes(width); }
-    std::size_t PayloadBytes() const noexcept { return LineBytes() * height; }
+    std::size_t ImageBytes() const noexcept { return LineBytes() * height; }
 };
 
 // Which sensor pixels make up one side of the image.
@@ -48,6 +49,8 @@ struct FramePlan
     TestPattern testPattern;
     // By component, the sample that becomes of each sample; empty where none changes.
     std::array<std::vector<std::uint16_t>, 4> response;
+    ChunkLayout chunks;
+    ChunkValues chunkValues; // but those that each frame has of its own
 
     bool IsPlain() const noexcept
     {

@@ -1,5 +1,6 @@
 #include "producers/simulator/settings.h"
 
+#include "producers/simulator/chunk_settings.h"
 #include "producers/simulator/event_packet.h"
 #include "producers/simulator/failure.h"
 #include "producers/simulator/file_settings.h"
@@ -32,23 +33,6 @@ constexpr std::int64_t maxCommandBytes = 16384;
 constexpr std::size_t maxNameLength = 63; // with its terminator it fills a register of the camera
 
 using Json = nlohmann::json;
-
-CameraSettings Camera(
-    const char* serial, const char* model, const char* userName, const char* format, std::size_t width,
-    std::size_t height, double rate, SourceKind source, DescriptionForm form = DescriptionForm::Plain)
-{
-    CameraSettings camera;
-    camera.serial = serial;
-    camera.model = model;
-    camera.userName = userName;
-    camera.format = FindPixelFormat(format);
-    camera.width = width;
-    camera.height = height;
-    camera.rate = rate;
-    camera.source = source;
-    camera.descriptionForm = form;
-    return camera;
-}
 
 void ReadSource(JsonObject& object, CameraSettings& camera)
 {
@@ -108,6 +92,7 @@ void ReadCommon(JsonObject& object, CameraSettings& camera)
     if (camera.format == nullptr) object.Refuse("pixelFormat", "'" + format + "' is none of " + PixelFormatNames());
     ReadSource(object, camera);
     ReadDescription(object, camera);
+    ReadChunks(object, camera.chunks, camera.chunkChecksum);
     object.Read("startWithStream", camera.startWithStream);
     object.Read("extendedEventIds", camera.extendedEventIds);
     object.Read("eventsPerPacket", camera.eventsPerPacket, 1, EventPackets::maxItems);
@@ -123,7 +108,7 @@ void CheckShape(const JsonObject& object, const CameraSettings& camera)
 {
     if (!camera.format->FitsWidth(camera.width))
         object.Refuse("width", "a line of " + camera.format->name + " must end on a whole byte");
-    if (ImageShape{camera.format, camera.width, camera.height}.PayloadBytes() > maxPayloadBytes)
+    if (ImageShape{camera.format, camera.width, camera.height}.ImageBytes() > maxPayloadBytes)
         object.Refuse("height", "an image must have at most " + std::to_string(maxPayloadBytes) + " bytes");
 }
 
@@ -255,6 +240,7 @@ FrameFault ReadFrameFault(const Json& value, const std::string& place)
     ReadOccurrences(object, fault.frames);
     if (object.Has("deliveredLines")) object.Read("deliveredLines", fault.deliveredLines.emplace(), 0, maxSide);
     object.Read("late_ms", fault.late_ms, 0, maxDelay_ms);
+    fault.chunkSpoil = ReadChunkSpoil(object);
     object.RequireNothingElse();
     return fault;
 }
@@ -326,25 +312,6 @@ std::string ReadFile(const std::filesystem::path& file)
 }
 
 } // namespace
-
-Settings DefaultSettings()
-{
-    Settings settings;
-    settings.interfaces = {
-        {"SimGEV",
-         "Simulated GigE Vision",
-         "GEV",
-         {Camera("KS0001", "GevMono", "mono", "Mono8", 640, 480, 50, SourceKind::Pattern),
-          Camera(
-              "KS0002", "GevBayer", "bayer", "BayerRG12Packed", 640, 480, 25, SourceKind::Pattern,
-              DescriptionForm::Zipped)}},
-        {"SimU3V",
-         "Simulated USB3 Vision",
-         "U3V",
-         {Camera("KS0003", "UsbColour", "colour", "RGB8", 640, 480, 25, SourceKind::Pattern, DescriptionForm::TwoURLs),
-          Camera("KS0004", "UsbPlayer", "player", "Mono8", 640, 480, 25, SourceKind::Sequence)}}};
-    return settings;
-}
 
 Settings ParseSettings(std::string_view json, const std::filesystem::path& base)
 {

@@ -1,6 +1,7 @@
 // Settings: what the JSON file says, checked. Without a file: the cameras of docs/simulator.md.
 #pragma once
 
+#include "producers/simulator/chunks.h"
 #include "producers/simulator/connection_settings.h"
 #include "producers/simulator/fault_plan.h"
 #include "producers/simulator/pixel_format.h"
@@ -8,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -62,6 +64,9 @@ struct CameraSettings
     double rate = 25; // frames per second; 0 unpaced
     SourceKind source = SourceKind::Pattern;
     std::filesystem::path folder; // for SourceKind::Folder
+
+    std::optional<ChunkSet> chunks; // enabled from the start, with the mode; nothing: the mode is off
+    bool chunkChecksum = true;      // of IIDC cameras
 
     bool extendedEventIds = false; // of frames in event packets of GigE Vision: 64 bits
     std::size_t eventsPerPacket = 1;

@@ -237,7 +237,7 @@ bool StreamEngine::FillNext(Lock& lock, const Frame& frame, std::uint64_t timest
     FillResult result;
     result.frameId = frame.id;
     result.timestamp_ns = timestamp_ns;
-    result.dataSize = plan.shape.PayloadBytes();
+    result.dataSize = plan.chunks.PayloadBytes();
     result.shape = plan.shape;
     result.offsetX = plan.x.offset;
     result.offsetY = plan.y.offset;
@@ -266,13 +266,30 @@ void StreamEngine::Draw(const Buffer& buffer, const Frame& frame, FillResult& re
 {
     const ImageShape& shape = frame.plan->shape;
     const std::size_t fitting = buffer.Memory().size() / shape.LineBytes();
-    result.largerThanBuffer = fitting < shape.height;
+    result.largerThanBuffer = buffer.Memory().size() < result.dataSize;
     result.deliveredLines = std::min(fitting, shape.height);
     if (fault != nullptr && fault->deliveredLines)
         result.deliveredLines = std::min(result.deliveredLines, *fault->deliveredLines);
-    result.incomplete = result.deliveredLines < shape.height || (fault != nullptr && fault->deliveredLines);
+    result.incomplete = result.largerThanBuffer || (fault != nullptr && fault->deliveredLines);
     result.sizeFilled = result.deliveredLines * shape.LineBytes();
     drawer.Draw(frame.id, frame.plan, buffer.Memory().first(result.sizeFilled));
+    if (!result.incomplete) AddChunks(buffer.Memory().first(result.dataSize), frame, result, fault);
+}
+
+void StreamEngine::AddChunks(
+    std::span<std::byte> payload, const Frame& frame, FillResult& result, const FrameFault* fault)
+{
+    const ChunkLayout& chunks = frame.plan->chunks;
+    if (!chunks.HasChunks()) return;
+    ChunkValues values = frame.plan->chunkValues;
+    values.frameId = frame.id;
+    values.timestamp_ns = result.timestamp_ns;
+    values.counters = frame.counters;
+    const std::size_t arrived = chunks.Write(values, fault == nullptr ? ChunkSpoil::None : fault->chunkSpoil, payload);
+    result.chunkLayoutId = chunks.Id();
+    result.chunkBytes = chunks.ChunkBytes() - (payload.size() - arrived);
+    result.sizeFilled = arrived;
+    result.incomplete = arrived < payload.size();
 }
 
 // False when a kill, a flush or a pulled cable ended it.

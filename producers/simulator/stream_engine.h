@@ -73,6 +73,9 @@ private:
     // Whether a buffer went to the output queue.
     bool FillNext(Lock& lock, const Frame& frame, std::uint64_t timestamp_ns);
     void Draw(const Buffer& buffer, const Frame& frame, FillResult& result, const FrameFault* fault);
+    // What comes behind the image, unless something of that was lost already.
+    static void AddChunks(
+        std::span<std::byte> payload, const Frame& frame, FillResult& result, const FrameFault* fault);
     bool BeLate(Lock& lock, const FrameFault* fault);
 
     std::mutex& mutex; // the stream's

@@ -1,7 +1,7 @@
 # Puts a camera's description together: the parts into the frame, byte order and bit numbers into the registers. Bit n of the
 # parts counts from the least significant bit; in big-endian registers the schema counts from the other end.
 # Run by: cmake -DFRAME=... -DPARTS=a.xml,b.xml -DMODEL=... -DGUID=... -DORDER=BigEndian
-# -DEVENTORDER=LittleEndian -DOUTPUT=... -P
+# -DEVENTORDER=LittleEndian -DCHUNKTAIL=... -DOUTPUT=... -P
 cmake_minimum_required(VERSION 3.25) # which leaves @...@ alone
 string(REPLACE "," ";" files "${PARTS}")
 set(parts "")
@@ -16,6 +16,7 @@ string(REPLACE "@MODEL@" "${MODEL}" text "${text}")
 string(REPLACE "@GUID@" "${GUID}" text "${text}")
 string(REPLACE "@ENDIANESS@" "${ORDER}" text "${text}")
 string(REPLACE "@EVENTENDIANESS@" "${EVENTORDER}" text "${text}")
+string(REPLACE "@CHUNKTAIL@" "${CHUNKTAIL}" text "${text}")
 foreach(bit RANGE 31)
     set(number ${bit})
     if(ORDER STREQUAL "BigEndian")

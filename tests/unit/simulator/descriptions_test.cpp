@@ -183,7 +183,7 @@ TEST(SimulatorDescriptions, OfModulesFollowTheSchema)
 
 TEST(SimulatorDescriptions, OfCamerasFollowTheSchema)
 {
-    for (const char* const type : {"GEV", "U3V", "CL", "Custom"})
+    for (const char* const type : {"GEV", "U3V", "IIDC", "CL", "Custom"})
     {
         SCOPED_TRACE(type);
         const Producer producer(

@@ -2,14 +2,26 @@
 #include "tests/unit/simulator/producer.h"
 
 #include <gtest/gtest.h>
+#include <string>
+#include <vector>
 
 namespace koro::simulator::test
 {
 namespace
 {
 
-TEST(SimulatorTree, DefaultsAreTwoInterfacesWithTwoCamerasEach)
+TEST(SimulatorTree, DefaultsAreTheDocumentedCameras)
 {
+    struct Kind
+    {
+        const char* interface;
+        const char* tlType;
+        std::vector<std::string> cameras;
+    };
+    const std::vector<Kind> kinds = {
+        {"SimGEV", "GEV", {"GevMono_KS0001", "GevBayer_KS0002", "GevChunks_KS0005"}},
+        {"SimU3V", "U3V", {"UsbColour_KS0003", "UsbPlayer_KS0004"}},
+        {"SimIIDC", "IIDC", {"IidcChunks_KS0007"}}};
     const Producer producer;
     TL_HANDLE system = nullptr;
     ASSERT_EQ(producer.TLOpen(&system), GC_ERR_SUCCESS);
@@ -18,17 +30,24 @@ TEST(SimulatorTree, DefaultsAreTwoInterfacesWithTwoCamerasEach)
     EXPECT_EQ(changed, 1);
     std::uint32_t number = 0;
     ASSERT_EQ(producer.TLGetNumInterfaces(system, &number), GC_ERR_SUCCESS);
-    EXPECT_EQ(number, 2U);
-    EXPECT_EQ(producer.Get(producer.TLGetInterfaceInfo, system, "SimGEV", INTERFACE_INFO_TLTYPE), "GEV");
-    EXPECT_EQ(producer.Get(producer.TLGetInterfaceInfo, system, "SimU3V", INTERFACE_INFO_TLTYPE), "U3V");
+    EXPECT_EQ(number, kinds.size());
     EXPECT_EQ(producer.Get(producer.TLGetInfo, system, TL_INFO_TLTYPE), "Mixed");
-    for (const char* id : {"SimGEV", "SimU3V"})
+    for (const Kind& kind : kinds)
     {
+        EXPECT_EQ(
+            producer.Get(producer.TLGetInterfaceInfo, system, kind.interface, INTERFACE_INFO_TLTYPE), kind.tlType);
         IF_HANDLE interface = nullptr;
-        ASSERT_EQ(producer.TLOpenInterface(system, id, &interface), GC_ERR_SUCCESS);
+        ASSERT_EQ(producer.TLOpenInterface(system, kind.interface, &interface), GC_ERR_SUCCESS);
         ASSERT_EQ(producer.IFUpdateDeviceList(interface, nullptr, 0), GC_ERR_SUCCESS);
         ASSERT_EQ(producer.IFGetNumDevices(interface, &number), GC_ERR_SUCCESS);
-        EXPECT_EQ(number, 2U);
+        ASSERT_EQ(number, kind.cameras.size());
+        for (std::uint32_t index = 0; index < number; ++index)
+        {
+            char id[64] = {};
+            std::size_t size = sizeof id;
+            EXPECT_EQ(producer.IFGetDeviceID(interface, index, id, &size), GC_ERR_SUCCESS);
+            EXPECT_EQ(id, kind.cameras[index]);
+        }
     }
 }
 
