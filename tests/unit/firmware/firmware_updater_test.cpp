@@ -1,10 +1,12 @@
 // The updater by its class: empty references, which no handle can be, and what a collection leaves behind.
 #include "base/exceptions.h"
+#include "capi/handle_tables.h"
 #include "firmware/firmware_update_information.h"
 #include "firmware/firmware_updater.h"
 #include "tests/support/journal.h"
 #include "tests/support/scripted_firmware.h"
 #include "tests/support/throws_exactly.h"
+#include "tests/unit/firmware/scripted_clock.h"
 #include "tests/unit/modules/open_objects.h"
 
 #include <gtest/gtest.h>
@@ -49,6 +51,27 @@ TEST_F(FirmwareUpdaterClass, EmptyReferencesAreRefused)
         [&] { updater.UpdateDevice(objects.deviceDescriptor, nullptr, nullptr, 0); },
         ThrowsExactly<InvalidArgumentException>("UpdateInfo is an empty shared pointer!"));
     EXPECT_EQ(objects.producer->Journal(), std::vector<std::string>());
+}
+
+TEST_F(FirmwareUpdaterClass, WithoutATimeoutAMinuteIsGivenToEachReset)
+{
+    const KoroLibrary library;
+    const auto clock = std::make_shared<ScriptedClock>();
+    const auto searching = std::make_shared<FirmwareUpdater>(clock);
+    const UpdateFileOnDisk resetting = WithControl(Control(Procedure(firmware::ResetStep()) + Update()));
+    searching->CollectAllFirmwareUpdateInformation(resetting.path);
+    const auto information = searching->FirmwareUpdateInformation().at(0);
+    // It is never listed again.
+    objects.producer->Answer("IFUpdateDeviceList", GenTL::GC_ERR_IO);
+    EXPECT_EQ(
+        Outcome(KORO_FirmwareUpdater_UpdateDevice(
+            Table<FirmwareUpdater>().Add(searching),
+            Table<DeviceDescriptor>().Add(objects.deviceDescriptor, objects.interface),
+            Table<internal::FirmwareUpdateInformation>().Add(information, searching), nullptr)),
+        (Error{
+            KORO_RETURN_CODE_TIMEOUT, "Device could not be reopened within 60000 ms after reset (Device Key: " +
+                                          objects.deviceDescriptor->Key() + ")!"}));
+    EXPECT_EQ(clock->pauses, std::vector<std::uint64_t>(300, 200));
 }
 
 TEST_F(FirmwareUpdaterClass, InformationIsACopyOfTheList)
