@@ -24,7 +24,8 @@ const uint32_t patternMemory_KiB = 20 << 10;
 const uint32_t checkDuration_ms = 10;          // of the two steps that the control file does not name
 const uint32_t executionLimit_ms = 60000;      // of a command whose step names no limit
 const uint32_t fileOperationLimit_ms = 600000; // devices check a whole image while they close the file
-const uint32_t pollInterval_ms = 5;
+const uint32_t shortestPause_us = 50; // between two questions to a device that is at work; each is twice the former
+const uint32_t longestPause_us = 5000;
 const size_t uploadReportSize = 64u << 10; // an upload tells its progress each time that so much has gone
 const char* const unknownExceptionText = "Unknown exception";
 

@@ -18,10 +18,16 @@ void Find(INodeMap& map, const char* feature, Pointer& pointer)
     if (!pointer) throw LOGICAL_ERROR_EXCEPTION("The device has no feature '%s' to access its files with", feature);
 }
 
+// Asking instead of writing again: what the description lets be cached costs no transfer.
+bool Selects(IEnumeration& selector, const char* entry)
+{
+    return IsReadable(selector.GetAccessMode()) && selector.ToString() == entry;
+}
+
 } // namespace
 
 DeviceFile::DeviceFile(INodeMap& map, const std::string& fileName, uint32_t operationLimit_ms)
-    : name(fileName), limit_ms(operationLimit_ms)
+    : lock(map.GetLock()), name(fileName), limit_ms(operationLimit_ms)
 {
     Find(map, "FileSelector", fileSelector);
     Find(map, "FileOperationSelector", operationSelector);
@@ -37,6 +43,7 @@ DeviceFile::DeviceFile(INodeMap& map, const std::string& fileName, uint32_t oper
 // What can be selected depends on what was selected before: first the file, then the mode, then the operation.
 void DeviceFile::Open()
 {
+    const AutoLock held(lock);
     fileSelector->FromString(name.c_str());
     openMode->FromString("Write");
     Select("Open");
@@ -46,8 +53,11 @@ void DeviceFile::Open()
 
 void DeviceFile::Write(std::string_view bytes, const std::function<void(size_t)>& progress)
 {
-    fileSelector->FromString(name.c_str());
-    Select("Write");
+    {
+        const AutoLock held(lock);
+        fileSelector->FromString(name.c_str());
+        Select("Write");
+    }
     for (size_t done = 0; done < bytes.size();)
     {
         done += WriteBlock(bytes.substr(done), done);
@@ -57,6 +67,7 @@ void DeviceFile::Write(std::string_view bytes, const std::function<void(size_t)>
 
 void DeviceFile::Close()
 {
+    const AutoLock held(lock);
     fileSelector->FromString(name.c_str());
     Select("Close");
     Run();
@@ -81,6 +92,13 @@ void DeviceFile::Select(const char* selected)
     operationSelector->FromString(selected);
 }
 
+// For the next block: other threads could move both selectors since the last one.
+void DeviceFile::SelectAgain(const char* selected)
+{
+    if (!Selects(*fileSelector, name.c_str())) fileSelector->FromString(name.c_str());
+    if (!Selects(*operationSelector, selected)) Select(selected);
+}
+
 void DeviceFile::Run()
 {
     if (ExecuteAndWait(*execute, limit_ms)) return;
@@ -101,6 +119,8 @@ void DeviceFile::CheckStatus()
 // Gives how many bytes the device took.
 size_t DeviceFile::WriteBlock(std::string_view rest, size_t offset)
 {
+    const AutoLock held(lock);
+    SelectAgain("Write");
     const int64_t room = buffer->GetLength();
     if (room <= 0) throw RUNTIME_EXCEPTION("The feature 'FileAccessBuffer' has a length of %" FMT_I64 "d", room);
     const size_t length = static_cast<size_t>(std::min(static_cast<uint64_t>(room), uint64_t(rest.size())));

@@ -7,6 +7,7 @@
 #include <FirmwareUpdate/FirmwareUpdater.h>
 #include <GenICam.h>
 #include <algorithm>
+#include <functional>
 #include <memory>
 #include <sstream>
 #include <stdexcept>
@@ -76,7 +77,11 @@ public:
         journal.push_back(
             address == Buffer ? "write Buffer[" + std::to_string(size) + "]"
                               : "write " + NameOf(address) + "=" + std::to_string(Number(address)));
-        if (address == Execute) RunOperation();
+        if (address == Execute)
+        {
+            if (onExecute) onExecute();
+            RunOperation();
+        }
         if (address == Activate) pollsLeft = polls;
     }
     GENAPI_NAMESPACE::EAccessMode GetAccessMode() const override { return GENAPI_NAMESPACE::RW; }
@@ -132,6 +137,7 @@ public:
     uint32_t claims = 0;               // more taken than given
     int64_t failingRead = -1;
     int64_t failingWrite = -1;
+    std::function<void()> onExecute; // an operation on a file is starting
 
 private:
     static std::string Place(int64_t address, const std::string& mode, int size)

@@ -2,6 +2,7 @@
 #include "tests/unit/genicam/firmware_camera.h"
 #include "tests/unit/genicam/firmware_files.h"
 
+#include <atomic>
 #include <gtest/gtest.h>
 #include <thread>
 
@@ -40,6 +41,38 @@ TEST(FirmwareThreads, OneUpdateIsAppliedToTwoCamerasAtOnce)
     second.join();
     EXPECT_EQ(results[0], "nothing");
     EXPECT_EQ(results[1], "nothing");
+}
+
+TEST(FirmwareThreads, SelectorThatAnotherThreadMovesMisdirectsNoBlock)
+{
+    const std::string payload(64 * 200, 'x');
+    const UpdateFileOnDisk file = WithControl(
+        Control(
+            Procedure(Step("FileUpload", "<DeviceFileName>Firmware</DeviceFileName><FileName>a.bin</FileName>")) +
+            Update(neededEntries)),
+        {{"a.bin", payload}});
+    Journal journal;
+    FirmwareCamera camera(journal);
+    int misdirected = 0;
+    camera.onExecute = [&] { misdirected += camera.Number(FirmwareCamera::FileSelector) != 1; };
+    std::atomic<bool> done{false};
+    std::thread mover([&] {
+        const CEnumerationPtr fileSelector = camera.map->GetNode("FileSelector");
+        const CEnumerationPtr operation = camera.map->GetNode("FileOperationSelector");
+        while (!done)
+        {
+            fileSelector->FromString("UserFile");
+            operation->FromString("Read");
+            std::this_thread::yield();
+        }
+    });
+    UpdatableCamera device(camera);
+    const std::string result = Thrown([&] { CFirmwareUpdater().ApplyUpdate(&device, ReadAll(file).at(0), nullptr); });
+    done = true;
+    mover.join();
+    EXPECT_EQ(result, "nothing");
+    EXPECT_EQ(misdirected, 0);
+    EXPECT_EQ(camera.file, payload);
 }
 
 } // namespace
