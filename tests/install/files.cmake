@@ -6,7 +6,7 @@ file(READ_SYMLINK ${LIBDIR}/libzvr_koro.so.1 runtime)
 Expect(${development} "^libzvr_koro\\.so\\.1$")
 Expect(${runtime} "^libzvr_koro\\.so\\.${VERSION}$")
 
-foreach(file IN ITEMS include/koro/koro.h include/koro/koro.hpp include/koro/cpp/nodes.hpp include/koro/cpp/buffer_contents.hpp include/koro/cpp/firmware.hpp share/doc/zvr_koro/LICENSE share/doc/zvr_koro/abi.md)
+foreach(file IN ITEMS include/koro/koro.h include/koro/koro.hpp include/koro/cpp/nodes.hpp include/koro/cpp/buffer_contents.hpp include/koro/cpp/files.hpp include/koro/cpp/firmware.hpp share/doc/zvr_koro/LICENSE share/doc/zvr_koro/abi.md)
     if(NOT EXISTS ${PREFIX}/${file})
         message(FATAL_ERROR "not installed: ${file}")
     endif()

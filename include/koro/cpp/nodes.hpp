@@ -411,6 +411,17 @@ public:
     // Copies the event's data to its nodes and calls their callbacks.
     void UpdateEventNodes(const Event& event) const;
 
+    // The values of the features as a text file, and back. Paths are UTF-8. A load that fails has written all that
+    // could be written.
+    void StoreToFile(const std::string& path) const
+    {
+        detail::Check(KORO_NodeMap_StoreToFile(Get(), path.c_str(), path.size() + 1));
+    }
+    void LoadFromFile(const std::string& path) const
+    {
+        detail::Check(KORO_NodeMap_LoadFromFile(Get(), path.c_str(), path.size() + 1));
+    }
+
     void InvalidateNodes() const { detail::Check(KORO_NodeMap_InvalidateNodes(Get())); }
     // Tells the nodes that time has passed; the library has no thread that does.
     void PollNodes(int64_t elapsed_ms) const { detail::Check(KORO_NodeMap_PollNodes(Get(), elapsed_ms)); }
