@@ -3,11 +3,11 @@
 // Header-only, C++17, over the exported C functions alone; it has no binary interface of its own.
 //
 // Ownership. Library, ProducerLibrary, System, Interface, Device, DataStream, EventController, Event, BufferPart,
-// BufferChunk, FileAdapter, FirmwareUpdater and FirmwareUpdateProgressObserver own what they stand for: move-only, closed
-// by their destructor or by Close(). SystemDescriptor, InterfaceDescriptor, DeviceDescriptor, DataStreamDescriptor,
-// RemoteDevice, Buffer, Port, PortURL, NodeMap, all nodes and FirmwareUpdateInformation are views, free to copy: what they
-// name belongs to its parent, and after the parent's end every call on them throws Error with
-// KORO_RETURN_CODE_INVALID_HANDLE. Nothing here dangles.
+// BufferChunk, FileAdapter, FirmwareUpdater and FirmwareUpdateProgressObserver own what they stand for: move-only,
+// closed by their destructor or by Close(). SystemDescriptor, InterfaceDescriptor, DeviceDescriptor,
+// DataStreamDescriptor, RemoteDevice, Buffer, Port, PortURL, NodeMap, all nodes and FirmwareUpdateInformation are
+// views, free to copy: what they name belongs to its parent, and after the parent's end every call on them throws Error
+// with KORO_RETURN_CODE_INVALID_HANDLE. Nothing here dangles.
 //
 // Order of destruction. GenTL wants the leaves closed first: Event, EventController, DataStream, Device, Interface,
 // System, ProducerLibrary, Library. Variables declared from the library down end in this order by themselves. Another

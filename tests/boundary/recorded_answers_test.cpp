@@ -1,6 +1,7 @@
 // Descriptions with recorded answers of the reference runtime: the exports must tell the same about every node. They
 // lie in the folder that KORO_REFERENCE_DATA names.
 #include "tests/boundary/described_camera.h"
+#include "tests/boundary/recorded_files.h"
 #include "tests/boundary/recorded_nodes.h"
 
 #include <algorithm>
@@ -8,10 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <gmock/gmock.h>
-#include <iterator>
-#include <memory>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -394,22 +392,6 @@ private:
     std::size_t compared = 0;
 };
 
-std::string ContentOf(const fs::path& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
-
-std::string Unpacked(const fs::path& path)
-{
-    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(("xz -dc '" + path.string() + "'").c_str(), "r"), pclose);
-    std::string content;
-    char part[65536];
-    for (std::size_t size; pipe && (size = fread(part, 1, sizeof part, pipe.get())) > 0;)
-        content.append(part, size);
-    return content;
-}
-
 class RecordedAnswers : public DescribedCamera
 {
 protected:
@@ -490,8 +472,7 @@ TEST_F(RecordedAnswers, OfSmallDescriptionsAreThoseOfTheExports)
     {
         if (entry.path().extension() != ".xml") continue;
         SCOPED_TRACE(entry.path().filename().string());
-        auto dump = entry.path();
-        const Strings differences = CompareAll(entry.path(), ContentOf(dump.replace_extension(".nodes")));
+        const Strings differences = CompareAll(entry.path(), RecordedAnswer(entry.path(), ".nodes"));
         ++descriptions;
         // Accidents of the build that was recorded, and an order of elements that our runtime does not ask for.
         const std::string name = entry.path().filename().string();
@@ -508,8 +489,7 @@ TEST_F(RecordedAnswers, OfRealCamerasAreThoseOfTheExports)
     {
         if (entry.path().extension() != ".xml") continue;
         SCOPED_TRACE(entry.path().filename().string());
-        auto dump = entry.path();
-        EXPECT_THAT(CompareAll(entry.path(), Unpacked(dump.replace_extension(".nodes.xz"))), testing::IsEmpty());
+        EXPECT_THAT(CompareAll(entry.path(), RecordedAnswer(entry.path(), ".nodes")), testing::IsEmpty());
         ++descriptions;
     }
     std::cout << compared << " answers of " << descriptions << " descriptions compared\n";
