@@ -21,12 +21,23 @@ Instance::DestructionCallbackID Instance::AddDestructionCallback(DestructionCall
 
 void Instance::RemoveDestructionCallback(DestructionCallbackID id)
 {
-    std::unique_ptr<DestructionCallback> removed; // freed after the lock
+    Take(id);
+}
+
+void Instance::RunDestructionCallback(DestructionCallbackID id)
+{
+    if (const auto callback = Take(id)) (*callback)();
+}
+
+// Empty for an unknown id. To be run or freed outside the lock.
+std::unique_ptr<Instance::DestructionCallback> Instance::Take(DestructionCallbackID id)
+{
     const std::lock_guard lock(destructionMutex);
     const auto found = destructionCallbacks.find(id);
-    if (found == destructionCallbacks.end()) return;
-    removed = std::move(found->second);
+    if (found == destructionCallbacks.end()) return nullptr;
+    auto callback = std::move(found->second);
     destructionCallbacks.erase(found);
+    return callback;
 }
 
 void Instance::RunDestructionCallbacks()

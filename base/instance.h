@@ -31,12 +31,16 @@ public:
     DestructionCallbackID AddDestructionCallback(DestructionCallback callback);
     // An unknown id is ignored.
     void RemoveDestructionCallback(DestructionCallbackID id);
+    // Runs one before its time, and once. An unknown id is ignored.
+    void RunDestructionCallback(DestructionCallbackID id);
 
 protected:
     // For the class whose children's entries have to go before its own close call.
     void RunDestructionCallbacks();
 
 private:
+    std::unique_ptr<DestructionCallback> Take(DestructionCallbackID id);
+
     // Never held while a callback runs: callbacks take the locks of the handle tables, and the tables take this
     // one while they hold theirs.
     std::mutex destructionMutex;

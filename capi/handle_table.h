@@ -8,6 +8,7 @@
 #pragma once
 
 #include "base/exceptions.h"
+#include "base/instance.h"
 #include "capi/handle_kinds.h"
 
 #include <algorithm>
@@ -49,7 +50,7 @@ public:
     // Enters an object without a parent. An entry that exists stays, with its reference.
     Handle Add(const std::shared_ptr<T>& object)
     {
-        Insert(object, [] {});
+        Insert(object, [] { return Instance::DestructionCallbackID{0}; });
         return HandleFor(object);
     }
 
@@ -57,7 +58,7 @@ public:
     template <class Parent>
     Handle Add(const std::shared_ptr<T>& object, const std::shared_ptr<Parent>& parent, bool* isNew = nullptr)
     {
-        const bool inserted = Insert(object, [&] { TieToParent(object, parent); });
+        const bool inserted = Insert(object, [&] { return TieToParent(object, parent); });
         if (isNew) *isNew = inserted;
         return HandleFor(object);
     }
@@ -69,7 +70,7 @@ public:
         auto& shard = ShardOf(key);
         const std::lock_guard lock(shard.mutex);
         const auto entry = shard.entries.find(key);
-        return entry == shard.entries.end() ? nullptr : entry->second;
+        return entry == shard.entries.end() ? nullptr : entry->second.object;
     }
 
     void Remove(Handle handle)
@@ -92,7 +93,7 @@ public:
         return std::any_of(shards.begin(), shards.end(), [&](Shard& shard) {
             const std::lock_guard lock(shard.mutex);
             return std::any_of(shard.entries.begin(), shard.entries.end(), [&](const auto& entry) {
-                return predicate(*entry.second);
+                return predicate(*entry.second.object);
             });
         });
     }
@@ -136,7 +137,13 @@ private:
     {
         std::size_t operator()(const Key& key) const noexcept { return key.hash; }
     };
-    using Entries = std::unordered_map<Key, std::shared_ptr<T>, KeyHash>;
+
+    struct Entry
+    {
+        std::shared_ptr<T> object;
+        Instance::DestructionCallbackID untie; // at the object; 0 without a parent
+    };
+    using Entries = std::unordered_map<Key, Entry, KeyHash>;
 
     // One cache line at least, so that shards do not slow each other down.
     struct alignas(64) Shard
@@ -157,11 +164,11 @@ private:
         auto& shard = ShardOf(key);
         const std::lock_guard lock(shard.mutex);
         if (!shard.isOpen) throw NotInitializedException("The library has been closed meanwhile!");
-        const auto [entry, inserted] = shard.entries.try_emplace(key, object);
+        const auto [entry, inserted] = shard.entries.try_emplace(key, Entry{object, 0});
         if (!inserted) return false;
         try
         {
-            tie();
+            entry->second.untie = tie();
         }
         catch (...)
         {
@@ -172,9 +179,9 @@ private:
     }
 
     // The parent's end removes the entry, and the child's end takes back this arrangement. Neither link holds the
-    // other object strongly.
+    // other object strongly. Gives the child's callback.
     template <class Parent>
-    void TieToParent(const std::shared_ptr<T>& object, const std::shared_ptr<Parent>& parent)
+    Instance::DestructionCallbackID TieToParent(const std::shared_ptr<T>& object, const std::shared_ptr<Parent>& parent)
     {
         const auto id =
             parent->AddDestructionCallback([this, handle = HandleFor(object), weakObject = std::weak_ptr<T>(object)] {
@@ -185,7 +192,7 @@ private:
         };
         try
         {
-            object->AddDestructionCallback(untie);
+            return object->AddDestructionCallback(untie);
         }
         catch (...)
         {
@@ -199,9 +206,15 @@ private:
     {
         auto& shard = ShardOf(key);
         typename Entries::node_type removed; // dropped after the lock
-        const std::lock_guard lock(shard.mutex);
-        const auto entry = shard.entries.find(key);
-        if (entry != shard.entries.end() && condition(entry->second)) removed = shard.entries.extract(entry);
+        {
+            const std::lock_guard lock(shard.mutex);
+            const auto entry = shard.entries.find(key);
+            if (entry == shard.entries.end() || !condition(entry->second.object)) return;
+            removed = shard.entries.extract(entry);
+        }
+        // Not left to the end of the object, which may live on and be entered again any number of times.
+        const auto& [object, untie] = removed.mapped();
+        if (untie != 0) object->RunDestructionCallback(untie);
     }
 
     mutable std::array<Shard, std::size_t{1} << shardBits> shards;

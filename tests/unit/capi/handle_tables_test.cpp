@@ -111,25 +111,43 @@ TEST(HandleTables, ChildThatIsHeldElsewhereLosesItsEntryAlone)
     EXPECT_EQ(child.use_count(), 1);
 }
 
+struct CountingParent
+{
+    std::uint64_t AddDestructionCallback(Instance::DestructionCallback)
+    {
+        ++callbacks;
+        return 7;
+    }
+    void RemoveDestructionCallback(std::uint64_t id) { callbacks -= id == 7 ? 1 : 0; }
+    int callbacks = 0;
+};
+
 // The parent would otherwise gather a callback for each child that it ever had.
 TEST(HandleTables, EndOfAChildTakesItsCallbackFromTheLivingParent)
 {
-    struct CountingParent
-    {
-        std::uint64_t AddDestructionCallback(Instance::DestructionCallback)
-        {
-            ++callbacks;
-            return 7;
-        }
-        void RemoveDestructionCallback(std::uint64_t id) { callbacks -= id == 7 ? 1 : 0; }
-        int callbacks = 0;
-    };
     HandleTable<Child> table;
     const auto parent = std::make_shared<CountingParent>();
     const auto handle = table.Add(std::make_shared<Child>(), parent);
     EXPECT_EQ(parent->callbacks, 1);
     table.Remove(handle);
     EXPECT_EQ(parent->callbacks, 0);
+}
+
+// It may be entered again and again: both would gather callbacks.
+TEST(HandleTables, RemovedEntryOfAChildThatLivesOnLeavesNoCallbackAtEither)
+{
+    HandleTable<Child> table;
+    const auto parent = std::make_shared<CountingParent>();
+    auto child = std::make_shared<Child>();
+    for (int round = 0; round < 3; ++round)
+    {
+        const auto handle = table.Add(child, parent);
+        EXPECT_EQ(parent->callbacks, 1);
+        table.Remove(handle);
+        EXPECT_EQ(parent->callbacks, 0);
+    }
+    child.reset();
+    EXPECT_EQ(parent->callbacks, 0); // the child took nothing back a second time
 }
 
 TEST(HandleTables, ParentThatTakesNoCallbackLeavesNoEntry)
