@@ -12,6 +12,14 @@ void CheckedMutex::lock()
     owner.store(std::this_thread::get_id(), std::memory_order_relaxed);
 }
 
+bool CheckedMutex::try_lock()
+{
+    RefuseOwner();
+    if (!mutex.try_lock()) return false;
+    owner.store(std::this_thread::get_id(), std::memory_order_relaxed);
+    return true;
+}
+
 void CheckedMutex::unlock()
 {
     owner.store(std::thread::id(), std::memory_order_relaxed);

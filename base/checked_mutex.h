@@ -20,6 +20,8 @@ public:
 
     // Throws std::system_error (resource_deadlock_would_occur) on the owning thread.
     void lock();
+    // Throws as lock() does; false when another thread holds it.
+    bool try_lock();
     void unlock();
     // Throws as lock() does, and takes nothing.
     void RefuseOwner() const;

@@ -19,6 +19,7 @@
 #include <mutex>
 #include <unordered_map>
 #include <utility>
+#include <vector>
 
 namespace koro::internal
 {
@@ -96,6 +97,22 @@ public:
                 return predicate(*entry.second.object);
             });
         });
+    }
+
+    // References to the objects that the predicate picks; it is asked under the mutex, as above.
+    template <class Predicate>
+    std::vector<std::shared_ptr<T>> Select(Predicate&& predicate) const
+    {
+        std::vector<std::shared_ptr<T>> selected;
+        for (auto& shard : shards)
+        {
+            const std::lock_guard lock(shard.mutex);
+            for (const auto& [key, entry] : shard.entries)
+            {
+                if (predicate(*entry.object)) selected.push_back(entry.object);
+            }
+        }
+        return selected;
     }
 
     // Admits entries; a table is open from the start.

@@ -5,11 +5,23 @@
 #include "modules/system.h"
 #include <koro/interface.h>
 
+#include <cstddef>
+
 using namespace koro::internal;
+
+static_assert(offsetof(KORO_DEVICE_RECONNECT_INFORMATION, reconnectFlag2) == 1);
+static_assert(offsetof(KORO_DEVICE_RECONNECT_INFORMATION, reconnectValue) == 8);
 
 KORO_ReturnCode KORO_Interface_Destruct(KORO_InterfaceHandle interfaceHandle)
 {
-    return DestructModule(KORO_ARG(interfaceHandle));
+    return WithObject(KORO_ARG(interfaceHandle), [&](const auto& interface) {
+        // First, so that no callback runs any more when this has returned. A callback that tries gets the deadlock
+        // error, and its handle stays.
+        interface->EndConnectionChanges();
+        RemoveBaseEntries(interface);
+        Remove(interfaceHandle);
+        return success;
+    });
 }
 
 KORO_ReturnCode KORO_Interface_GetKey(KORO_InterfaceHandle interfaceHandle, char* key, size_t* keySize)
@@ -85,6 +97,71 @@ KORO_ReturnCode KORO_Interface_UnregisterDeviceLostCallback(
 {
     return Perform(
         KORO_ARG(interfaceHandle), [&](auto& interface) { interface.UnregisterLostCallback(callbackHandle); });
+}
+
+KORO_ReturnCode KORO_Interface_RegisterDeviceListChangedCallback(
+    KORO_InterfaceHandle interfaceHandle, KORO_DeviceListChangedCallback callback, void* callbackContext,
+    KORO_DeviceListChangedCallbackHandle* callbackHandle)
+{
+    return RegisterCallback(
+        KORO_ARG(interfaceHandle), KORO_ARG(callback), KORO_ARG(callbackHandle), [&](const auto& interface) {
+            return interface->ListChanged().RegisterCallback(
+                [callback, callbackContext] { callback(callbackContext); });
+        });
+}
+
+KORO_ReturnCode KORO_Interface_UnregisterDeviceListChangedCallback(
+    KORO_InterfaceHandle interfaceHandle, KORO_DeviceListChangedCallbackHandle callbackHandle)
+{
+    return Perform(KORO_ARG(interfaceHandle), [&](auto& interface) {
+        interface.ListChanged().UnregisterCallback(callbackHandle);
+    });
+}
+
+// Of both kinds the descriptor is not entered: a handle that the application has not fetched stays unknown.
+KORO_ReturnCode KORO_Interface_RegisterDeviceDisconnectedCallback(
+    KORO_InterfaceHandle interfaceHandle, KORO_DeviceDisconnectedCallback callback, void* callbackContext,
+    KORO_DeviceDisconnectedCallbackHandle* callbackHandle)
+{
+    return RegisterCallback(
+        KORO_ARG(interfaceHandle), KORO_ARG(callback), KORO_ARG(callbackHandle), [&](const auto& interface) {
+            return interface->Disconnected().RegisterCallback([callback, callbackContext](const auto& descriptor) {
+                callback(HandleFor(descriptor), callbackContext);
+            });
+        });
+}
+
+KORO_ReturnCode KORO_Interface_UnregisterDeviceDisconnectedCallback(
+    KORO_InterfaceHandle interfaceHandle, KORO_DeviceDisconnectedCallbackHandle callbackHandle)
+{
+    return Perform(KORO_ARG(interfaceHandle), [&](auto& interface) {
+        interface.Disconnected().UnregisterCallback(callbackHandle);
+    });
+}
+
+KORO_ReturnCode KORO_Interface_RegisterDeviceReconnectedCallback(
+    KORO_InterfaceHandle interfaceHandle, KORO_DeviceReconnectedCallback callback, void* callbackContext,
+    KORO_DeviceReconnectedCallbackHandle* callbackHandle)
+{
+    return RegisterCallback(
+        KORO_ARG(interfaceHandle), KORO_ARG(callback), KORO_ARG(callbackHandle), [&](const auto& interface) {
+            return interface->Reconnected().RegisterCallback(
+                [callback, callbackContext](const auto& descriptor, const ReconnectInformation& reported) {
+                    KORO_DEVICE_RECONNECT_INFORMATION information{};
+                    information.reconnectFlag1 = reported.reconnectFlag1;
+                    information.reconnectFlag2 = reported.reconnectFlag2;
+                    information.reconnectValue = reported.reconnectValue;
+                    callback(HandleFor(descriptor), &information, callbackContext);
+                });
+        });
+}
+
+KORO_ReturnCode KORO_Interface_UnregisterDeviceReconnectedCallback(
+    KORO_InterfaceHandle interfaceHandle, KORO_DeviceReconnectedCallbackHandle callbackHandle)
+{
+    return Perform(KORO_ARG(interfaceHandle), [&](auto& interface) {
+        interface.Reconnected().UnregisterCallback(callbackHandle);
+    });
 }
 
 KORO_ReturnCode KORO_Interface_GetParentSystem(KORO_InterfaceHandle interfaceHandle, KORO_SystemHandle* systemHandle)

@@ -2,10 +2,14 @@
 
 #include "base/checked_mutex.h"
 #include "capi/handle_tables.h"
+#include "modules/connection_change_event_listener.h"
+#include "modules/system.h"
 
 #include <atomic>
 #include <cstdint>
 #include <mutex>
+#include <system_error>
+#include <thread>
 #include <utility>
 
 namespace koro::internal
@@ -14,7 +18,8 @@ namespace koro::internal
 namespace
 {
 
-CheckedMutex stateMutex; // held for the whole of a start or a close
+CheckedMutex stateMutex;           // held for the whole of a start or a close
+std::atomic<bool> isEnding{false}; // during the last close
 std::atomic<std::uint64_t> initializations{0};
 
 // Published by the counter. Emptied at each close and kept, since a call may be running that has passed the
@@ -31,6 +36,27 @@ struct UnloadGuard
     }
 } unloadGuard;
 
+struct Ending
+{
+    Ending() { isEnding = true; }
+    ~Ending() { isEnding = false; }
+    Ending(const Ending&) = delete;
+    Ending& operator=(const Ending&) = delete;
+};
+
+// A callback of a producer's own reports must not wait for an end that waits for it.
+std::unique_lock<CheckedMutex> LockState()
+{
+    if (!ConnectionChangeEventListener::IsOnAThreadOfOne()) return std::unique_lock(stateMutex);
+    std::unique_lock lock(stateMutex, std::defer_lock);
+    while (!lock.try_lock())
+    {
+        if (isEnding) throw std::system_error(std::make_error_code(std::errc::resource_deadlock_would_occur));
+        std::this_thread::yield();
+    }
+    return lock;
+}
+
 } // namespace
 
 bool IsLibraryInitialized() noexcept
@@ -40,7 +66,7 @@ bool IsLibraryInitialized() noexcept
 
 void InitializeLibrary()
 {
-    const std::lock_guard lock(stateMutex);
+    const auto lock = LockState();
     if (!IsLibraryInitialized())
     {
         if (!tables) tables = new HandleTables;
@@ -51,10 +77,21 @@ void InitializeLibrary()
 
 void CloseLibrary()
 {
-    const std::lock_guard lock(stateMutex);
-    if (!IsLibraryInitialized()) return;
+    const auto lock = LockState();
+    const auto count = initializations.load(std::memory_order_acquire);
+    if (count == 0) return;
+    if (count > 1)
+    {
+        initializations.store(count - 1, std::memory_order_release);
+        return;
+    }
+    const Ending ending;
+    // While callbacks that are running may still call exports. One that comes here itself gets the deadlock error, and
+    // the library stays.
+    System::StopConnectionChanges(tables->Table<System>().Select([](const System&) { return true; }));
     // Before the tables go: from here on the frame refuses new calls.
-    if (initializations.fetch_sub(1, std::memory_order_acq_rel) == 1) tables->Close();
+    initializations.store(0, std::memory_order_release);
+    tables->Close();
 }
 
 HandleTables& Tables() noexcept

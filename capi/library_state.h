@@ -15,7 +15,7 @@ bool IsLibraryInitialized() noexcept;
 void InitializeLibrary();
 
 // Counts down; at 1 to 0 the tables are emptied, children before parents. Without an initialisation it does nothing.
-// A call from a callback of an object that dies in here gets the standard deadlock error.
+// A call from a callback of an object that dies in here, or that this waits for, gets the standard deadlock error.
 void CloseLibrary();
 
 // Valid from the first initialisation on, also for a call that overlaps the last close: it finds them empty.

@@ -1,6 +1,7 @@
 #include "modules/producer_library.h"
 
 #include "capi/arguments.h"
+#include "modules/system.h"
 #include "modules/system_descriptor.h"
 #include <koro/producer_library.h>
 
@@ -25,7 +26,13 @@ KORO_ReturnCode KORO_ProducerLibrary_Construct(
 
 KORO_ReturnCode KORO_ProducerLibrary_Destruct(KORO_ProducerLibraryHandle producerLibraryHandle)
 {
-    return Destruct(KORO_ARG(producerLibraryHandle));
+    return WithObject(KORO_ARG(producerLibraryHandle), [&](const auto& library) {
+        // As at the end of a system: no callback of its interfaces runs any more when this has returned.
+        System::StopConnectionChanges(
+            Table<System>().Select([&](const System& system) { return system.IsOf(library); }));
+        Remove(producerLibraryHandle);
+        return success;
+    });
 }
 
 KORO_ReturnCode KORO_ProducerLibrary_GetKey(

@@ -50,8 +50,7 @@ public:
     std::vector<std::shared_ptr<Descriptor>> Children() const
     {
         const auto parent = HoldParent();
-        const std::lock_guard lock(listMutex);
-        return children;
+        return ListedChildren();
     }
 
     typename FoundCallbacks::Handle RegisterFoundCallback(typename FoundCallbacks::Function function)
@@ -78,6 +77,13 @@ public:
 
 protected:
     explicit TGenTLChildManager(GenTLCaller genTLCaller) : caller(std::move(genTLCaller)) {}
+
+    // The same for the owner itself, who may be the last to hold its parent.
+    std::vector<std::shared_ptr<Descriptor>> ListedChildren() const
+    {
+        const std::lock_guard lock(listMutex);
+        return children;
+    }
 
     // What the owner supplies. The names stand in the messages of failures.
     virtual GenTL::GC_ERROR ProducerUpdateChildren(GenTL::bool8_t* changed, std::uint64_t timeout_ms) = 0;

@@ -50,7 +50,10 @@ public:
     // The same object at each call; a failure leaves the next call to try again.
     std::shared_ptr<RemoteDevice> GetRemoteDevice();
     // What the opening has fetched, also when the interface has gone; empty if nothing was.
-    const std::shared_ptr<RemoteDevice>& FetchedRemoteDevice() const { return remoteDevice; }
+    std::shared_ptr<RemoteDevice> FetchedRemoteDevice() const
+    {
+        return remoteDeviceOnce.IsDone() ? remoteDevice : nullptr;
+    }
 
     std::shared_ptr<Interface> ParentInterface() const;
     std::shared_ptr<Module> ParentModule() const override;

@@ -75,6 +75,12 @@ std::shared_ptr<Device> DeviceDescriptor::OpenDevice(std::uint32_t accessType)
     });
 }
 
+std::shared_ptr<Device> DeviceDescriptor::OpenedDevice()
+{
+    const std::lock_guard lock(openedDeviceMutex);
+    return openedDevice.lock();
+}
+
 GC_ERROR DeviceDescriptor::QueryInfo(
     std::int32_t command, INFO_DATATYPE* dataType, void* buffer, std::size_t* size) const
 {

@@ -49,6 +49,8 @@ public:
     // The access type goes to the producer unchanged. The GVCP command length test runs at once, so the remote device
     // and both descriptions are fetched: a device without a remote device does not open.
     std::shared_ptr<Device> OpenDevice(std::uint32_t accessType);
+    // The device that was opened last; empty when there is none or it has gone.
+    std::shared_ptr<Device> OpenedDevice();
 
     // Watches the information of the device. At first: access status, user defined name, frequency of the time stamp.
     using InformationMonitor = TRoleBasedPropertyMonitor<DeviceDescriptor, int, void*>;

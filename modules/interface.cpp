@@ -1,7 +1,14 @@
 #include "modules/interface.h"
 
 #include "base/expiring.h"
+#include "modules/device.h"
+#include "modules/gvcp_command_length.h"
+#include "modules/remote_device.h"
 #include "modules/system.h"
+#include "nodes/node_map.h"
+
+#include <algorithm>
+#include <cstring>
 
 namespace koro::internal
 {
@@ -18,6 +25,15 @@ Interface::Interface(
 
 Interface::~Interface()
 {
+    try
+    {
+        EndConnectionChanges();
+    }
+    catch (...)
+    {
+        // On the listener's own thread, when a callback was the last to hold this object: the subscription stays
+        // behind, and nothing is called by it.
+    }
     gentl.CallIgnoringFailures<&GenTLProxy::IFClose>(Handle());
 }
 
@@ -25,6 +41,94 @@ std::string Interface::ID() const
 {
     const auto system = ParentSystem();
     return id;
+}
+
+Interface::ListChangedCallbacks& Interface::ListChanged()
+{
+    const auto system = ParentSystem();
+    return listChangedCallbacks;
+}
+
+Interface::DisconnectedCallbacks& Interface::Disconnected()
+{
+    const auto system = ParentSystem();
+    return disconnectedCallbacks;
+}
+
+Interface::ReconnectedCallbacks& Interface::Reconnected()
+{
+    const auto system = ParentSystem();
+    return reconnectedCallbacks;
+}
+
+void Interface::SubscribeToConnectionChanges()
+{
+    // Weak: the interface may end while a record is on its way.
+    connectionChangeSubscription = ParentSystem()->SubscribeConnectionChange(
+        [self = std::weak_ptr<Interface>(SharedOwner())](const Record* record) {
+            if (const auto interface = self.lock()) interface->OnConnectionChange(*record);
+        });
+}
+
+void Interface::EndConnectionChanges()
+{
+    const auto subscription = connectionChangeSubscription.exchange(nullptr);
+    if (!subscription) return;
+    const auto system = parent.lock();
+    if (!system) return; // and its listener with it
+    try
+    {
+        system->UnsubscribeConnectionChange(subscription);
+    }
+    catch (...)
+    {
+        connectionChangeSubscription = subscription;
+        throw;
+    }
+}
+
+// Every interface of the system sees every record.
+void Interface::OnConnectionChange(const Record& record)
+{
+    constexpr std::uint16_t deviceCame = 1;
+    if (record.interface != Handle()) return;
+    if (record.deviceFlag == 0)
+    {
+        listChangedCallbacks.TriggerCallback();
+        return;
+    }
+    const auto descriptor = FindListed(std::string(record.deviceID, strnlen(record.deviceID, sizeof record.deviceID)));
+    if (!descriptor) return;
+    if (record.changeKind == deviceCame)
+        OnReconnect(descriptor, record);
+    else
+        disconnectedCallbacks.TriggerCallback(descriptor);
+}
+
+void Interface::OnReconnect(const std::shared_ptr<DeviceDescriptor>& descriptor, const Record& record)
+{
+    const auto device = descriptor->OpenedDevice();
+    if (device)
+    {
+        if (const auto remoteDevice = device->FetchedRemoteDevice())
+        {
+            for (const auto& nodeMap : remoteDevice->NodeMaps())
+                nodeMap->InvalidateNodes();
+        }
+        TestGVCPCommandLength(*device);
+    }
+    reconnectedCallbacks.TriggerCallback(
+        descriptor, {record.reconnectFlag1 != 0, record.reconnectFlag2 != 0, record.reconnectValue});
+}
+
+// By the key, which the descriptor tells without holding this interface's system.
+std::shared_ptr<DeviceDescriptor> Interface::FindListed(const std::string& deviceID) const
+{
+    const auto listed = ListedChildren();
+    const std::string deviceKey = ModuleKey(key, deviceID);
+    const auto found = std::find_if(
+        listed.begin(), listed.end(), [&](const auto& descriptor) { return descriptor->Key() == deviceKey; });
+    return found == listed.end() ? nullptr : *found;
 }
 
 std::shared_ptr<System> Interface::ParentSystem() const

@@ -1,15 +1,18 @@
 // Interface: an opened GenTL interface, with the list of its devices.
 //
 // Owned by the handle table; holds its System weakly. Everything but Key() throws InternalErrorException once that
-// has gone. Any thread; found and lost callbacks run on the thread of the update. The destructor closes the
-// producer's interface.
+// has gone. Any thread; found and lost callbacks run on the thread of the update, those of connection changes on the
+// system's own. The destructor ends the latter and closes the producer's interface.
 #pragma once
 
+#include "base/callback_registry.h"
 #include "gentl/child_manager.h"
+#include "modules/connection_change_event_listener.h"
 #include "modules/device_descriptor.h"
 #include "modules/event_supporting_module.h"
 #include "modules/interface_information.h"
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -18,6 +21,14 @@ namespace koro::internal
 {
 
 class System;
+
+// What a producer adds to the report that a device came back. Handed on; nothing is concluded from it.
+struct ReconnectInformation
+{
+    bool reconnectFlag1;
+    bool reconnectFlag2;
+    std::uint32_t reconnectValue;
+};
 
 class Interface final : public InterfaceInformation,
                         public TGenTLChildManager<DeviceDescriptor, std::string, std::uint32_t, Interface>,
@@ -31,6 +42,21 @@ public:
 
     const std::string& Key() const { return key; }
     std::string ID() const;
+
+    // Of connection changes, which the producer tells by itself: they come on the system's thread, one after the other,
+    // and change no list. A producer without that event never calls them.
+    using ListChangedCallbacks = TCallbackManager<>;
+    using DisconnectedCallbacks = TCallbackManager<std::shared_ptr<DeviceDescriptor>>;
+    using ReconnectedCallbacks = TCallbackManager<std::shared_ptr<DeviceDescriptor>, ReconnectInformation>;
+    ListChangedCallbacks& ListChanged();
+    DisconnectedCallbacks& Disconnected();
+    ReconnectedCallbacks& Reconnected();
+
+    // The last step of opening.
+    void SubscribeToConnectionChanges();
+    // Waits for a delivery that is under way; then there is none any more. Throws the standard deadlock error in a
+    // callback of a connection change, and the reports go on.
+    void EndConnectionChanges();
 
     std::shared_ptr<System> ParentSystem() const;
     std::shared_ptr<Module> ParentModule() const override;
@@ -49,9 +75,18 @@ private:
     std::shared_ptr<const void> HoldParent() const override;
     std::shared_ptr<Interface> SharedOwner() override;
 
+    using Record = ConnectionChangeEventListener::Record;
+    void OnConnectionChange(const Record& record);
+    void OnReconnect(const std::shared_ptr<DeviceDescriptor>& descriptor, const Record& record);
+    std::shared_ptr<DeviceDescriptor> FindListed(const std::string& deviceID) const;
+
     const std::weak_ptr<System> parent;
     const std::string key;
     const std::string id;
+    ListChangedCallbacks listChangedCallbacks;
+    DisconnectedCallbacks disconnectedCallbacks;
+    ReconnectedCallbacks reconnectedCallbacks;
+    std::atomic<ConnectionChangeEventListener::Subscribers::Handle> connectionChangeSubscription{nullptr};
 };
 
 } // namespace koro::internal

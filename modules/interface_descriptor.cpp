@@ -32,8 +32,10 @@ std::shared_ptr<Interface> InterfaceDescriptor::OpenInterface() const
         const auto system = ParentSystem();
         IF_HANDLE handle = GENTL_INVALID_HANDLE;
         gentl.Call<&GenTLProxy::TLOpenInterface>(system->Handle(), id.c_str(), &handle);
-        return MakeOwnerOf<&GenTLProxy::IFClose>(
+        auto interface = MakeOwnerOf<&GenTLProxy::IFClose>(
             handle, gentl, [&] { return std::make_shared<Interface>(handle, id, system, gentl.Proxy()); });
+        interface->SubscribeToConnectionChanges();
+        return interface;
     });
 }
 

@@ -18,6 +18,7 @@ System::System(
 
 System::~System()
 {
+    connectionChangeListener.reset();
     gentl.CallIgnoringFailures<&GenTLProxy::TLClose>(Handle());
 }
 
@@ -27,9 +28,42 @@ std::string System::ID() const
     return id;
 }
 
+System::ConnectionChanges::Handle System::SubscribeConnectionChange(ConnectionChanges::Function function)
+{
+    connectionChangeListenerOnce.Run([this] {
+        connectionChangeListener = std::make_unique<ConnectionChangeEventListener>(weak_from_this(), gentl.Proxy());
+    });
+    if (!connectionChangeListener->IsAvailable()) return nullptr;
+    return connectionChangeListener->Subscribe(std::move(function));
+}
+
+void System::UnsubscribeConnectionChange(ConnectionChanges::Handle handle)
+{
+    if (connectionChangeListenerOnce.IsDone()) connectionChangeListener->Unsubscribe(handle);
+}
+
+void System::StopConnectionChanges(const std::vector<std::shared_ptr<System>>& systems)
+{
+    std::vector<ConnectionChangeEventListener*> listeners;
+    for (const auto& system : systems)
+    {
+        if (system->connectionChangeListenerOnce.IsDone()) listeners.push_back(system->connectionChangeListener.get());
+    }
+    // All are asked first: a refusal leaves none of them stopped.
+    for (const auto* listener : listeners)
+        listener->RefuseInsideDelivery();
+    for (auto* listener : listeners)
+        listener->Stop();
+}
+
 std::shared_ptr<ProducerLibrary> System::ParentLibrary() const
 {
     return LockOrThrow(parent);
+}
+
+bool System::IsOf(const std::shared_ptr<ProducerLibrary>& library) const noexcept
+{
+    return !parent.owner_before(library) && !library.owner_before(parent);
 }
 
 GC_ERROR System::QueryInfo(std::int32_t command, INFO_DATATYPE* dataType, void* buffer, std::size_t* size) const

@@ -1,10 +1,13 @@
 // System: the opened system module of one producer, with the list of its interfaces.
 //
 // Owned by the handle table; holds its ProducerLibrary weakly. Everything but Key() throws InternalErrorException
-// once that has gone. Any thread. The destructor closes the producer's system.
+// once that has gone. Any thread. The destructor ends the thread of the connection reports and closes the producer's
+// system.
 #pragma once
 
+#include "base/once.h"
 #include "gentl/child_manager.h"
+#include "modules/connection_change_event_listener.h"
 #include "modules/event_supporting_module.h"
 #include "modules/interface_descriptor.h"
 #include "modules/system_information.h"
@@ -12,6 +15,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace koro::internal
 {
@@ -31,7 +35,18 @@ public:
     const std::string& Key() const { return key; }
     std::string ID() const;
 
+    // The producer's own reports that a device went or came, for the interfaces. The empty handle when the producer
+    // does not tell them. Each subscriber sees all records of the system. For the failures see the listener.
+    using ConnectionChanges = ConnectionChangeEventListener::Subscribers;
+    ConnectionChanges::Handle SubscribeConnectionChange(ConnectionChanges::Function function);
+    void UnsubscribeConnectionChange(ConnectionChanges::Handle handle);
+    // Of all of them: waits for deliveries that are under way; then there are none any more. Throws the standard
+    // deadlock error in a callback of a connection change of one of them, and all go on.
+    static void StopConnectionChanges(const std::vector<std::shared_ptr<System>>& systems);
+
     std::shared_ptr<ProducerLibrary> ParentLibrary() const;
+    // Takes no reference.
+    bool IsOf(const std::shared_ptr<ProducerLibrary>& library) const noexcept;
     std::shared_ptr<Module> ParentModule() const override { return nullptr; }
 
 private:
@@ -51,6 +66,8 @@ private:
     const std::weak_ptr<ProducerLibrary> parent;
     const std::string key;
     const std::string id;
+    Once connectionChangeListenerOnce;
+    std::unique_ptr<ConnectionChangeEventListener> connectionChangeListener; // empty until the first subscription
 };
 
 } // namespace koro::internal

@@ -17,7 +17,8 @@ extern "C" {
  * Registers an event of the module.
  * @param[in]  eventType             KORO_EVENT_... or a number of the producer's own; passed unchanged
  * @param[out] eventControllerHandle a new handle; end it with KORO_EventController_Destruct
- * @return KORO_RETURN_CODE_BAD_ACCESS when this event of the module is registered already
+ * @return KORO_RETURN_CODE_BAD_ACCESS when this event of the module is registered already; a system's event of type
+ * 1000 may be so by the library itself, for the reports of KORO_Interface_RegisterDevice...Callback
  */
 KORO_API KORO_ReturnCode KORO_EventSupportingModule_EnableEvents(
     KORO_EventSupportingModuleHandle eventSupportingModuleHandle, int32_t eventType,

@@ -3,6 +3,13 @@
  *
  * The handle ends with KORO_Interface_Destruct, or with its system. Every query but key and id asks the producer
  * anew. Found and lost reports come out of KORO_Interface_UpdateDevices alone. Any thread.
+ *
+ * Three more reports are the producer's own: that the list has changed, that a device of the list was disconnected, and
+ * that it was reconnected. They come on a thread of the library, one after the other for the whole system, and change
+ * no list. Their callbacks must not throw; they may call most functions, KORO_Interface_UpdateDevices among them, but
+ * must not register or unregister a callback of their own kind at this interface, nor open or destruct an interface of
+ * the system, nor end the system or what is above it: trying gives KORO_RETURN_CODE_ERROR. A callback that blocks holds
+ * up the reports of all interfaces of the system. A producer without the event for these reports never calls them.
  */
 #ifndef KORO_INTERFACE_H
 #define KORO_INTERFACE_H
@@ -17,7 +24,7 @@ extern "C" {
 
 /**
  * Ends the handle, with its Module and EventSupportingModule handles, and all handles below it. The interface is
- * closed when its last use ends.
+ * closed when its last use ends. Waits for a report of the producer's own that is under way; there is none after it.
  */
 KORO_API KORO_ReturnCode KORO_Interface_Destruct(KORO_InterfaceHandle interfaceHandle);
 
@@ -106,6 +113,64 @@ KORO_API KORO_ReturnCode KORO_Interface_RegisterDeviceLostCallback(
  */
 KORO_API KORO_ReturnCode KORO_Interface_UnregisterDeviceLostCallback(
     KORO_InterfaceHandle interfaceHandle, KORO_DeviceLostCallbackHandle callbackHandle);
+
+/**
+ * Calls the application when the producer says that the list of devices has changed. KORO_Interface_UpdateDevices then
+ * tells how.
+ * @param[in]  callback        called as callback(callbackContext)
+ * @param[in]  callbackContext passed to the callback as it is; may be null
+ * @param[out] callbackHandle  for unregistering; ends with the interface
+ */
+KORO_API KORO_ReturnCode KORO_Interface_RegisterDeviceListChangedCallback(
+    KORO_InterfaceHandle interfaceHandle, KORO_DeviceListChangedCallback callback, void* callbackContext,
+    KORO_DeviceListChangedCallbackHandle* callbackHandle);
+
+/**
+ * Ends the calls of a list changed callback. An unknown callback handle is ignored.
+ * Waits for a call that is under way on another thread.
+ * @param[in] callbackHandle from the registration
+ */
+KORO_API KORO_ReturnCode KORO_Interface_UnregisterDeviceListChangedCallback(
+    KORO_InterfaceHandle interfaceHandle, KORO_DeviceListChangedCallbackHandle callbackHandle);
+
+/**
+ * Calls the application when the producer says that a device of the list went. The device stays in the list, and its
+ * open objects stay open, until the application acts.
+ * @param[in]  callback        called as callback(deviceDescriptorHandle, callbackContext)
+ * @param[in]  callbackContext passed to the callback as it is; may be null
+ * @param[out] callbackHandle  for unregistering; ends with the interface
+ */
+KORO_API KORO_ReturnCode KORO_Interface_RegisterDeviceDisconnectedCallback(
+    KORO_InterfaceHandle interfaceHandle, KORO_DeviceDisconnectedCallback callback, void* callbackContext,
+    KORO_DeviceDisconnectedCallbackHandle* callbackHandle);
+
+/**
+ * Ends the calls of a disconnected callback. An unknown callback handle is ignored.
+ * Waits for a call that is under way on another thread.
+ * @param[in] callbackHandle from the registration
+ */
+KORO_API KORO_ReturnCode KORO_Interface_UnregisterDeviceDisconnectedCallback(
+    KORO_InterfaceHandle interfaceHandle, KORO_DeviceDisconnectedCallbackHandle callbackHandle);
+
+/**
+ * Calls the application when the producer says that a device of the list came back. If the device is open, the nodes of
+ * its remote device have been invalidated by then. A device that an update has lost meanwhile is not reported: the next
+ * update finds it.
+ * @param[in]  callback        called as callback(deviceDescriptorHandle, information, callbackContext)
+ * @param[in]  callbackContext passed to the callback as it is; may be null
+ * @param[out] callbackHandle  for unregistering; ends with the interface
+ */
+KORO_API KORO_ReturnCode KORO_Interface_RegisterDeviceReconnectedCallback(
+    KORO_InterfaceHandle interfaceHandle, KORO_DeviceReconnectedCallback callback, void* callbackContext,
+    KORO_DeviceReconnectedCallbackHandle* callbackHandle);
+
+/**
+ * Ends the calls of a reconnected callback. An unknown callback handle is ignored.
+ * Waits for a call that is under way on another thread.
+ * @param[in] callbackHandle from the registration
+ */
+KORO_API KORO_ReturnCode KORO_Interface_UnregisterDeviceReconnectedCallback(
+    KORO_InterfaceHandle interfaceHandle, KORO_DeviceReconnectedCallbackHandle callbackHandle);
 
 /**
  * Gives the system of the interface.

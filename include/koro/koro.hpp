@@ -574,6 +574,28 @@ public:
             KORO_Interface_RegisterDeviceLostCallback, KORO_Interface_UnregisterDeviceLostCallback, Get(),
             &detail::CallLost, std::move(lost));
     }
+    // The producer's own news, if it tells any; they change no list. See Registration for the thread.
+    [[nodiscard]] Registration OnDeviceListChanged(std::function<void()> changed) const
+    {
+        return detail::Register(
+            KORO_Interface_RegisterDeviceListChangedCallback, KORO_Interface_UnregisterDeviceListChangedCallback, Get(),
+            &detail::CallListChanged, std::move(changed));
+    }
+    // The descriptor is valid if it was fetched by Devices() or OnDeviceFound() before; else its calls throw Error with
+    // KORO_RETURN_CODE_INVALID_HANDLE. The same for the next.
+    [[nodiscard]] Registration OnDeviceDisconnected(std::function<void(DeviceDescriptor)> disconnected) const
+    {
+        return detail::Register(
+            KORO_Interface_RegisterDeviceDisconnectedCallback, KORO_Interface_UnregisterDeviceDisconnectedCallback,
+            Get(), &detail::CallFound<DeviceDescriptor, KORO_DeviceDescriptorHandle>, std::move(disconnected));
+    }
+    [[nodiscard]] Registration OnDeviceReconnected(
+        std::function<void(DeviceDescriptor, const KORO_DEVICE_RECONNECT_INFORMATION&)> reconnected) const
+    {
+        return detail::Register(
+            KORO_Interface_RegisterDeviceReconnectedCallback, KORO_Interface_UnregisterDeviceReconnectedCallback, Get(),
+            &detail::CallReconnected<DeviceDescriptor>, std::move(reconnected));
+    }
     koro::Port Port() const { return detail::PortOf(KORO_Interface_ToModule, Get()); }
     std::vector<koro::NodeMap> NodeMaps() const { return detail::NodeMapsOf(KORO_Interface_ToModule, Get()); }
     koro::NodeMap NodeMap(size_t index = 0) const { return detail::NodeMapOf(KORO_Interface_ToModule, Get(), index); }

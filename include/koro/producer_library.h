@@ -27,7 +27,8 @@ KORO_API KORO_ReturnCode KORO_ProducerLibrary_Construct(
 
 /**
  * Ends the handle and every handle below it, and unloads the producer. To have the modules closed in GenTL's order,
- * destruct from the leaves: streams, devices, interfaces, system, library.
+ * destruct from the leaves: streams, devices, interfaces, system, library. Waits for a report of the producer's own that
+ * is under way; there is none after it.
  */
 KORO_API KORO_ReturnCode KORO_ProducerLibrary_Destruct(KORO_ProducerLibraryHandle producerLibraryHandle);
 

@@ -18,7 +18,7 @@ extern "C" {
 
 /**
  * Ends the handle, with its Module and EventSupportingModule handles, and all handles below it. The system is
- * closed when its last use ends.
+ * closed when its last use ends. Waits for a report of its producer's own that is under way; there is none after it.
  */
 KORO_API KORO_ReturnCode KORO_System_Destruct(KORO_SystemHandle systemHandle);
 

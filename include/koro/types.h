@@ -103,6 +103,21 @@ typedef struct KORO_DeviceDescriptorInformationChangedCallback_st*
 /* a file on a device */
 typedef struct KORO_FileAdapter_st* KORO_FileAdapterHandle;
 
+/* What the producer adds to the report that a device came back: its meaning is the producer's. */
+typedef struct KORO_DEVICE_RECONNECT_INFORMATION
+{
+    KORO_Bool8 reconnectFlag1; /* 0 or 1, as the next */
+    KORO_Bool8 reconnectFlag2;
+    uint8_t reserved2[6]; /* zero, as all that is reserved */
+    uint32_t reconnectValue;
+    uint8_t reserved12[20];
+} KORO_DEVICE_RECONNECT_INFORMATION;
+#ifdef __cplusplus
+static_assert(sizeof(KORO_DEVICE_RECONNECT_INFORMATION) == 32, "its layout is fixed");
+#else
+_Static_assert(sizeof(KORO_DEVICE_RECONNECT_INFORMATION) == 32, "its layout is fixed");
+#endif
+
 /*
  * Callbacks. They run on the thread that each registration names, must not throw, and get the context of their
  * registration as the last argument. Texts that they are given live for the length of the call; their sizes count
@@ -113,6 +128,14 @@ typedef void (*KORO_InterfaceFoundCallback)(
 typedef void (*KORO_InterfaceLostCallback)(const char* interfaceId, size_t interfaceIdSize, void* callbackContext);
 typedef void (*KORO_DeviceFoundCallback)(KORO_DeviceDescriptorHandle deviceDescriptorHandle, void* callbackContext);
 typedef void (*KORO_DeviceLostCallback)(const char* deviceId, size_t deviceIdSize, void* callbackContext);
+typedef void (*KORO_DeviceListChangedCallback)(void* callbackContext);
+/* The descriptor's handle is valid if the application has fetched it, or got it by a found callback; not otherwise. */
+typedef void (*KORO_DeviceDisconnectedCallback)(
+    KORO_DeviceDescriptorHandle deviceDescriptorHandle, void* callbackContext);
+/* The same for the handle. `information` lives for the length of the call. */
+typedef void (*KORO_DeviceReconnectedCallback)(
+    KORO_DeviceDescriptorHandle deviceDescriptorHandle, const KORO_DEVICE_RECONNECT_INFORMATION* information,
+    void* callbackContext);
 /* `roles` lives for the length of the call. */
 typedef void (*KORO_DeviceDescriptorInformationChangedCallback)(
     const int32_t* roles, size_t numRoles, void* callbackContext);
@@ -124,6 +147,9 @@ typedef struct KORO_InterfaceFoundCallback_st* KORO_InterfaceFoundCallbackHandle
 typedef struct KORO_InterfaceLostCallback_st* KORO_InterfaceLostCallbackHandle;
 typedef struct KORO_DeviceFoundCallback_st* KORO_DeviceFoundCallbackHandle;
 typedef struct KORO_DeviceLostCallback_st* KORO_DeviceLostCallbackHandle;
+typedef struct KORO_DeviceListChangedCallback_st* KORO_DeviceListChangedCallbackHandle;
+typedef struct KORO_DeviceDisconnectedCallback_st* KORO_DeviceDisconnectedCallbackHandle;
+typedef struct KORO_DeviceReconnectedCallback_st* KORO_DeviceReconnectedCallbackHandle;
 
 #ifdef __cplusplus
 }

@@ -89,7 +89,7 @@ Module* Live::Find(Handle handle, Kind kind)
     return module && module->kind == kind ? module : nullptr;
 }
 
-Module* Live::FindByID(const std::string& id)
+Module* Live::FindByID(const std::string& id) const
 {
     for (const auto& [handle, module] : modules)
     {

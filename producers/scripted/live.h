@@ -107,7 +107,7 @@ public:
     // Null for a handle that is dead or of another kind.
     Module* Find(Handle handle, Kind kind);
     Module* FindModule(Handle handle);
-    Module* FindByID(const std::string& id);
+    Module* FindByID(const std::string& id) const;
     Module* FindOpen(Kind kind, const void* node);
     std::shared_ptr<Buffer> FindBuffer(Handle handle);
     std::shared_ptr<Event> FindEvent(Handle handle);

@@ -62,6 +62,8 @@ public:
     virtual bool Deliver(const std::string& streamID, const Frame& frame = Frame()) = 0;
     // Queues an entry, if the event is registered on the open module. Tells whether it is.
     virtual bool Fire(const std::string& moduleID, GenTL::EVENT_TYPE type, const std::string& block) = 0;
+    // The handle of an open module, for blocks that carry one; null when it is not open.
+    virtual void* HandleOf(const std::string& moduleID) const = 0;
     // Blocks until that many threads wait inside EventGetData.
     virtual void AwaitWaiters(std::size_t count) = 0;
 

@@ -140,6 +140,13 @@ bool State::Fire(const std::string& moduleID, EVENT_TYPE type, const std::string
     return true;
 }
 
+void* State::HandleOf(const std::string& moduleID) const
+{
+    const Lock lock(mutex);
+    const Module* const module = live.FindByID(moduleID);
+    return module ? module->handle : nullptr;
+}
+
 void State::AwaitWaiters(std::size_t count)
 {
     std::unique_lock lock(mutex);

@@ -38,6 +38,7 @@ public:
     void Edit(const std::function<void(Tree&)>& edit) override;
     bool Deliver(const std::string& streamID, const Frame& frame) override;
     bool Fire(const std::string& moduleID, GenTL::EVENT_TYPE type, const std::string& block) override;
+    void* HandleOf(const std::string& moduleID) const override;
     void AwaitWaiters(std::size_t count) override;
     std::vector<std::string> Journal() const override;
     void ClearJournal() override;

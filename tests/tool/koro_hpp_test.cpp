@@ -1,8 +1,11 @@
+#include "tests/boundary/connection_changes.h"
 #include "tests/support/scripted_producer.h"
 #include "tests/tool/koro_tree.h"
 #include "tests/tool/tool_run.h"
 #include <koro/koro.hpp>
 
+#include <atomic>
+#include <future>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <optional>
@@ -13,6 +16,8 @@ namespace
 {
 
 using koro::test::CodeOf;
+using koro::test::ConnectionRecord;
+using koro::test::ReportingProducer;
 using koro::test::ScriptedProducer;
 using koro::test::Tree;
 using testing::ElementsAre;
@@ -240,6 +245,60 @@ TEST(KoroCallbacks, InterfacesComeAndGoToo)
     producer->SetChanged("TLUpdateInterfaceList", true);
     tree.system.UpdateInterfaces(1000);
     EXPECT_THAT(news, ElementsAre("-if1", "+if9"));
+}
+
+TEST(KoroCallbacks, ProducersOwnReportsArriveByThemselvesUntilTheRegistrationEnds)
+{
+    const ReportingProducer producer;
+    const Tree tree(producer.Path());
+    const koro::DeviceDescriptor device = tree.firstInterface.Devices().at(0);
+    std::promise<std::thread::id> listChanged;
+    std::promise<koro::DeviceDescriptor> disconnected;
+    std::vector<std::promise<uint32_t>> reconnected(2);
+    size_t numReconnected = 0;
+    koro::Registration listNews =
+        tree.firstInterface.OnDeviceListChanged([&] { listChanged.set_value(std::this_thread::get_id()); });
+    koro::Registration disconnectNews =
+        tree.firstInterface.OnDeviceDisconnected([&](koro::DeviceDescriptor gone) { disconnected.set_value(gone); });
+    const koro::Registration reconnectNews = tree.firstInterface.OnDeviceReconnected(
+        [&](koro::DeviceDescriptor back, const KORO_DEVICE_RECONNECT_INFORMATION& information) {
+            EXPECT_EQ(back, device);
+            EXPECT_EQ(information.reconnectFlag1, 1);
+            EXPECT_EQ(information.reconnectFlag2, 0);
+            reconnected.at(numReconnected++).set_value(information.reconnectValue);
+        });
+    const ConnectionRecord reconnect{.id = "if0-dev0", .reconnectFlag1 = 9, .reconnectValue = 77};
+    ASSERT_TRUE(producer.Send({.deviceFlag = 0}));
+    ASSERT_TRUE(producer.Send({.id = "if0-dev0", .changeKind = 2}));
+    ASSERT_TRUE(producer.Send(reconnect));
+    EXPECT_NE(listChanged.get_future().get(), std::this_thread::get_id());
+    EXPECT_EQ(disconnected.get_future().get(), device);
+    EXPECT_EQ(reconnected.at(0).get_future().get(), 77u);
+
+    listNews.End();
+    disconnectNews.End();
+    ASSERT_TRUE(producer.Send({.deviceFlag = 0})); // a second set_value would end the program
+    ASSERT_TRUE(producer.Send({.id = "if0-dev0", .changeKind = 2}));
+    ASSERT_TRUE(producer.Send(reconnect));
+    EXPECT_EQ(reconnected.at(1).get_future().get(), 77u);
+}
+
+TEST(KoroCallbacks, InterfaceThatClosesWaitsForAReportThatIsUnderWay)
+{
+    const ReportingProducer producer;
+    Tree tree(producer.Path());
+    std::promise<void> entered;
+    std::atomic<bool> over{false};
+    const koro::Registration news = tree.firstInterface.OnDeviceListChanged([&] {
+        entered.set_value();
+        for (int turn = 0; turn < 1000; ++turn)
+            std::this_thread::yield();
+        over = true;
+    });
+    ASSERT_TRUE(producer.Send({.deviceFlag = 0}));
+    entered.get_future().wait();
+    EXPECT_EQ(tree.firstInterface.Close(), KORO_RETURN_CODE_SUCCESS);
+    EXPECT_TRUE(over);
 }
 
 TEST(KoroCallbacks, EmptyFunctionIsRefused)

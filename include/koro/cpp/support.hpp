@@ -232,8 +232,10 @@ private:
 } // namespace detail
 
 // A registered callback: ends with this object. The function runs on the thread that causes the news, with a lock held:
-// that of the registry for found and lost, that of the map for nodes. It must not throw (that ends the program). A
-// found or lost function must not end or make registrations of the same kind.
+// that of the registry for found and lost, that of the map for nodes. List changed, disconnected and reconnected come
+// by themselves, on a thread of the library that all interfaces of the system share, with the lock of their registry. A
+// function must not throw (that ends the program). But for those of nodes it must not end or make registrations of its
+// own kind; what comes by itself must not open or close an interface of its system, or what holds that, either.
 class Registration
 {
 public:
@@ -282,6 +284,20 @@ inline void CallLost(const char* id, size_t idSize, void* context) noexcept
 {
     const std::string text(id, idSize > 0 ? idSize - 1 : 0);
     (*static_cast<std::function<void(const std::string&)>*>(context))(text);
+}
+
+inline void CallListChanged(void* context) noexcept
+{
+    (*static_cast<std::function<void()>*>(context))();
+}
+
+template <typename Descriptor>
+void CallReconnected(
+    KORO_DeviceDescriptorHandle descriptor, const KORO_DEVICE_RECONNECT_INFORMATION* information,
+    void* context) noexcept
+{
+    using Function = std::function<void(Descriptor, const KORO_DEVICE_RECONNECT_INFORMATION&)>;
+    (*static_cast<Function*>(context))(Descriptor(descriptor), *information);
 }
 
 template <typename Function, typename Parent, typename Callback, typename CallbackHandle>

@@ -31,6 +31,19 @@ TEST(CheckedMutex, CanBeLockedAgainAfterItsRelease)
     mutex.unlock();
 }
 
+TEST(CheckedMutex, TryTakesItWhenItIsFreeAndThrowsOnTheOwningThread)
+{
+    CheckedMutex mutex;
+    ASSERT_TRUE(mutex.try_lock());
+    EXPECT_THROW(static_cast<void>(mutex.try_lock()), std::system_error);
+    std::thread([&] { EXPECT_FALSE(mutex.try_lock()); }).join();
+    mutex.unlock();
+    std::thread([&] {
+        EXPECT_TRUE(mutex.try_lock());
+        mutex.unlock();
+    }).join();
+}
+
 TEST(CheckedMutex, RefusedSecondLockLeavesTheFirstOneInPlace)
 {
     CheckedMutex mutex;

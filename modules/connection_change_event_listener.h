@@ -1,0 +1,69 @@
+// ConnectionChangeEventListener: waits for a producer's reports that a device went or came, and hands each one to all
+// subscribers.
+//
+// Owned by its System. A thread of its own waits and delivers; it runs exactly while there is a subscriber. Where the
+// producer lacks the event it is not available, which is no failure. Any thread. An end on its own thread, when a
+// subscriber was the last to hold the system, lets that thread run out.
+#pragma once
+
+#include "base/callback_registry.h"
+#include "modules/connection_change_record.h"
+
+#include <memory>
+#include <mutex>
+#include <thread>
+
+namespace koro::internal
+{
+
+class EventController;
+class EventSupportingModule;
+class GenTLProxy;
+
+class ConnectionChangeEventListener
+{
+public:
+    using Record = ZVR_GenTL::S_EVENT_DEVICE_CONNECTION_CHANGE_DATA;
+    // The record lives for the length of the call. Subscribers run under the registry's mutex, one record after the
+    // other; what one throws ends the round of its record.
+    using Subscribers = TCallbackManager<const Record*>;
+
+    // Registers the event; throws what the producer's failure gives unless that is the answer of one that does not
+    // know the event.
+    ConnectionChangeEventListener(
+        const std::weak_ptr<EventSupportingModule>& system, const std::shared_ptr<const GenTLProxy>& proxy);
+    ~ConnectionChangeEventListener();
+    ConnectionChangeEventListener(const ConnectionChangeEventListener&) = delete;
+    ConnectionChangeEventListener& operator=(const ConnectionChangeEventListener&) = delete;
+
+    // Whether the calling thread is that of any listener.
+    static bool IsOnAThreadOfOne() noexcept;
+
+    bool IsAvailable() const noexcept;
+
+    // The first subscriber starts the thread, which discards what is in the event's queue. Throws NotAvailableException
+    // without the event, std::system_error when no thread is to be had, what the discarding throws, and the standard
+    // deadlock error inside a delivery; nobody is subscribed then.
+    Subscribers::Handle Subscribe(Subscribers::Function function);
+    // Waits for a delivery that is under way; the last one ends the thread. Throws the standard deadlock error inside a
+    // delivery; the subscription stands then.
+    void Unsubscribe(Subscribers::Handle handle);
+    // Ends the thread and leaves the subscriptions, which the next one revives. Throws the standard deadlock error
+    // inside a delivery.
+    void Stop();
+    // That error alone.
+    void RefuseInsideDelivery() const;
+
+private:
+    struct Delivery;
+
+    void Start();
+    template <class Predicate>
+    void StopUnless(Predicate&& keep);
+
+    const std::shared_ptr<Delivery> delivery; // the thread's too
+    std::mutex threadMutex; // starting and stopping; not taken by the thread, nor while a registry's mutex is held
+    std::thread thread;
+};
+
+} // namespace koro::internal

@@ -1,0 +1,39 @@
+// The record that a producer's custom event 1000 delivers: a device went, or came.
+//
+// A format of its own beside the standard, fixed byte by byte; what the fields behind it mean to the producer is not
+// known here.
+#pragma once
+
+#include "gentl/api/gentl.h"
+
+#include <cstddef>
+#include <cstdint>
+
+namespace ZVR_GenTL
+{
+
+#pragma pack(push, 1)
+struct S_EVENT_DEVICE_CONNECTION_CHANGE_DATA
+{
+    GenTL::IF_HANDLE interface; // that the record is for
+    std::uint8_t notRead8[8];
+    char deviceID[256];       // as IFGetDeviceID tells it
+    std::uint16_t changeKind; // 1: came; all else: went
+    std::uint8_t deviceFlag;  // 0: the news is about the list only
+    std::uint8_t reconnectFlag1;
+    std::uint8_t reconnectFlag2;
+    std::uint8_t notRead277[6];
+    std::uint32_t reconnectValue;
+    std::uint8_t notRead287[64];
+};
+#pragma pack(pop)
+
+static_assert(sizeof(S_EVENT_DEVICE_CONNECTION_CHANGE_DATA) == 351);
+static_assert(offsetof(S_EVENT_DEVICE_CONNECTION_CHANGE_DATA, deviceID) == 16);
+static_assert(offsetof(S_EVENT_DEVICE_CONNECTION_CHANGE_DATA, changeKind) == 272);
+static_assert(offsetof(S_EVENT_DEVICE_CONNECTION_CHANGE_DATA, deviceFlag) == 274);
+static_assert(offsetof(S_EVENT_DEVICE_CONNECTION_CHANGE_DATA, reconnectFlag1) == 275);
+static_assert(offsetof(S_EVENT_DEVICE_CONNECTION_CHANGE_DATA, reconnectFlag2) == 276);
+static_assert(offsetof(S_EVENT_DEVICE_CONNECTION_CHANGE_DATA, reconnectValue) == 283);
+
+} // namespace ZVR_GenTL
