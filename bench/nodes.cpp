@@ -7,12 +7,12 @@
 #include "bench/genapi_descriptions.h"
 #include "bench/measure.h"
 #include "bench/producer_access.h"
+#include "bench/served_description.h"
 
 #include <GenApi/NodeMapFactory.h>
 #include <GenICam.h>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <expat.h>
 #include <filesystem>
 #include <fstream>
@@ -20,7 +20,6 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
-#include <unistd.h>
 #include <vector>
 
 using namespace koro::bench;
@@ -55,54 +54,6 @@ struct Destroyer
 {
     void operator()(INodeMap* map) const { CastToIDestroy(map)->Destroy(); }
 };
-
-// A description that the cameras serve from the next opening on, in a file of the bench's own.
-class ServedDescription
-{
-public:
-    explicit ServedDescription(const std::string& xml)
-        : path(std::filesystem::temp_directory_path() / ("koro_bench_" + std::to_string(getpid()) + "_" + Number()))
-    {
-        std::ofstream(path, std::ios::binary) << xml;
-        setenv("KORO_BENCH_DESCRIPTION", path.c_str(), 1);
-    }
-    ServedDescription(const ServedDescription&) = delete;
-    ServedDescription& operator=(const ServedDescription&) = delete;
-    ~ServedDescription()
-    {
-        std::error_code ignored;
-        std::filesystem::remove(path, ignored);
-    }
-
-private:
-    static std::string Number()
-    {
-        static int number = 0;
-        return std::to_string(++number);
-    }
-
-    const std::filesystem::path path;
-};
-
-KORO_NodeMapHandle NodeMapOf(KORO_DeviceHandle device)
-{
-    KORO_RemoteDeviceHandle remoteDevice = nullptr;
-    KORO_ModuleHandle module = nullptr;
-    KORO_NodeMapHandle map = nullptr;
-    Require(KORO_Device_GetRemoteDevice(device, &remoteDevice));
-    Require(KORO_RemoteDevice_ToModule(remoteDevice, &module));
-    std::size_t numNodeMaps = 0;
-    Require(KORO_Module_GetNumNodeMaps(module, &numNodeMaps));
-    Require(KORO_Module_GetNodeMap(module, 0, &map));
-    return map;
-}
-
-KORO_NodeHandle Find(KORO_NodeMapHandle map, const char* name)
-{
-    KORO_NodeHandle node = nullptr;
-    Require(KORO_NodeMap_FindNode(map, name, std::strlen(name) + 1, &node));
-    return node;
-}
 
 template <typename Handle>
 Handle Cast(KORO_ReturnCode (*cast)(KORO_NodeHandle, Handle*), KORO_NodeHandle node)

@@ -4,8 +4,10 @@
 // and no two threads may use one stream: this is a floor to measure against, not a model of a producer.
 //
 // The cameras have features when the environment variable KORO_BENCH_DESCRIPTION names a description file at the time
-// a device is opened: registers of plain memory, and the file beyond them.
+// a device is opened: registers of plain memory, and the file beyond them. Every buffer says that it has chunks of GigE
+// Vision; what lies in it is the bench's. Three registers mean something: see camera_registers.h.
 #define GENTL_PRODUCER
+#include "bench/camera_registers.h"
 #include "gentl/api/gentl.h"
 
 #include <array>
@@ -109,6 +111,19 @@ bool IsRemotePort(void* port)
 char* RegisterAt(std::uint64_t address)
 {
     return registers.data() + address % sharedBytes;
+}
+
+void CountAttachment()
+{
+    std::uint64_t count = 0;
+    std::memcpy(&count, RegisterAt(koro::bench::attachesRegister), sizeof count);
+    ++count;
+    std::memcpy(RegisterAt(koro::bench::attachesRegister), &count, sizeof count);
+}
+
+std::uint64_t ChunkLayoutOf(const Stream& stream)
+{
+    return *RegisterAt(koro::bench::layoutsChangeRegister) != 0 ? stream.frameID : 1;
 }
 
 Stream* AsStream(void* handle)
@@ -304,6 +319,14 @@ GC_ERROR DSGetBufferInfo(
     case BUFFER_INFO_FRAMEID:
     case BUFFER_INFO_TIMESTAMP:
         return DeliverValue(INFO_DATATYPE_UINT64, AsStream(stream)->frameID, type, out, size);
+    case BUFFER_INFO_SIZE:
+        return DeliverValue(INFO_DATATYPE_SIZET, static_cast<BufferRecord*>(buffer)->size, type, out, size);
+    case BUFFER_INFO_CONTAINS_CHUNKDATA:
+        return DeliverValue<bool8_t>(INFO_DATATYPE_BOOL8, 1, type, out, size);
+    case BUFFER_INFO_CHUNKLAYOUTID:
+        return DeliverValue(INFO_DATATYPE_UINT64, ChunkLayoutOf(*AsStream(stream)), type, out, size);
+    case BUFFER_INFO_TLTYPE:
+        return DeliverText("GEV", type, out, size);
     default:
         return DeliverValue<std::size_t>(INFO_DATATYPE_SIZET, 640, type, out, size);
     }
@@ -311,6 +334,7 @@ GC_ERROR DSGetBufferInfo(
 
 GC_ERROR GCReadPort(PORT_HANDLE, uint64_t address, void* buffer, size_t* size)
 {
+    if (address == koro::bench::chunkIDRegister) CountAttachment();
     const bool isDescription = address >= descriptionAddress;
     std::memcpy(
         buffer, isDescription ? description.data() + (address - descriptionAddress) : RegisterAt(address), *size);
