@@ -29,9 +29,9 @@ public:
     ChangedCallbackDelegate(const ChangedCallbackDelegate&) = delete;
     ChangedCallbackDelegate& operator=(const ChangedCallbackDelegate&) = delete;
 
-    void RegisterAt(INode* genApiNode)
+    void RegisterAt(INode* observedNode)
     {
-        genApiCallbackHandle = Register(genApiNode, *this, &ChangedCallbackDelegate::operator(), cbPostInsideLock);
+        genApiCallbackHandle = Register(observedNode, *this, &ChangedCallbackDelegate::operator(), cbPostInsideLock);
         isRegistered = true;
     }
     void Forget() { isRegistered = false; }
