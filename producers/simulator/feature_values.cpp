@@ -111,24 +111,24 @@ void FeatureValues::SetOffsetY(const Sensor& sensor, std::uint64_t value)
     offsetY = value;
 }
 
+// A region that does not fit any more loses what lies outside; one that fits stays, so that values can be written in any
+// order.
 void FeatureValues::SetBinningHorizontal(const Sensor& sensor, std::uint64_t value)
 {
     if (value < 1 || value > BinningMax(sensor.width, WidthStep())) RefuseValue("the binning is out of range");
-    const std::uint64_t whole = sensor.width / value / WidthStep() * WidthStep();
-    RequireBounded({format, whole, height});
+    const std::uint64_t columns = sensor.width / value;
     binningHorizontal = value;
-    offsetX = 0;
-    width = whole;
+    width = std::min(width, columns / WidthStep() * WidthStep());
+    offsetX = std::min(offsetX, (columns - width) / offsetStep * offsetStep);
 }
 
 void FeatureValues::SetBinningVertical(const Sensor& sensor, std::uint64_t value)
 {
     if (value < 1 || value > BinningMax(sensor.height, 1)) RefuseValue("the binning is out of range");
-    const std::uint64_t whole = sensor.height / value;
-    RequireBounded({format, width, whole});
+    const std::uint64_t lines = sensor.height / value;
     binningVertical = value;
-    offsetY = 0;
-    height = whole;
+    height = std::min(height, lines);
+    offsetY = std::min(offsetY, (lines - height) / offsetStep * offsetStep);
 }
 
 void FeatureValues::SetFormat(const Sensor& sensor, std::uint64_t code)

@@ -296,17 +296,34 @@ TEST(SimulatorImageFormat, AccessOverSeveralRegistersHappensAsAWhole)
     EXPECT_EQ(scene.map.Integer("Width").GetValue(false, true), 48);
 }
 
-TEST(SimulatorImageFormat, BinningSetsTheRegionBackToTheWhole)
+TEST(SimulatorImageFormat, BinningLeavesARegionThatFits)
 {
     const Scene scene;
     scene.map.Set("Width", "10");
-    scene.map.Set("OffsetX", "20");
+    scene.map.Set("OffsetX", "8");
     scene.map.Set("BinningHorizontal", "3");
     EXPECT_EQ(scene.map.Text("WidthMax"), "21");
-    EXPECT_EQ(scene.map.Text("Width"), "21");
-    EXPECT_EQ(scene.map.Text("OffsetX"), "0");
+    EXPECT_EQ(scene.map.Text("Width"), "10");
+    EXPECT_EQ(scene.map.Text("OffsetX"), "8");
     EXPECT_EQ(scene.map.Text("Height"), "32");
     EXPECT_EQ(scene.map.Text("SensorWidth"), "64");
+    scene.map.Set("BinningHorizontal", "1");
+    EXPECT_EQ(scene.map.Text("Width"), "10");
+}
+
+TEST(SimulatorImageFormat, BinningCutsARegionThatDoesNotFit)
+{
+    const Scene scene;
+    scene.map.Set("Width", "40");
+    scene.map.Set("OffsetX", "20");
+    scene.map.Set("Height", "10");
+    scene.map.Set("OffsetY", "20");
+    scene.map.Set("BinningHorizontal", "2");
+    EXPECT_EQ(scene.map.Text("Width"), "32");
+    EXPECT_EQ(scene.map.Text("OffsetX"), "0");
+    scene.map.Set("BinningVertical", "2");
+    EXPECT_EQ(scene.map.Text("Height"), "10");
+    EXPECT_EQ(scene.map.Text("OffsetY"), "6");
 }
 
 TEST(SimulatorImageFormat, FormatsAreThoseOfTheSensor)
@@ -369,9 +386,8 @@ TEST(SimulatorImageFormat, ImagesAreBoundedHoweverTheyGrow)
     scene.map.Set("BinningVertical", "2");
     scene.map.Set("PixelFormat", "Mono16");
     EXPECT_FALSE(refused("BinningVertical", 1));
-    EXPECT_TRUE(refused("BinningHorizontal", 1));
-    scene.map.Set("Height", "8192");
     EXPECT_FALSE(refused("BinningHorizontal", 1));
+    scene.map.Set("Width", "16384");
     EXPECT_TRUE(refused("Height", 8193));
     scene.map.Set("Width", "8192");
     scene.map.Set("Height", "16384");

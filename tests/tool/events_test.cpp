@@ -1,0 +1,97 @@
+#include "tests/tool/simulator_settings.h"
+#include "tests/tool/tool_run.h"
+
+#include <csignal>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+namespace
+{
+
+using namespace koro::test;
+using nlohmann::json;
+using testing::HasSubstr;
+
+constexpr int noSuchFeature = 6;
+constexpr int interrupted = 130;
+
+json EventCamera(const char* tlType = "GEV")
+{
+    json settings = OneCamera("Mono8", 64, 48);
+    settings["interfaces"][0]["tlType"] = tlType;
+    settings["interfaces"][0]["cameras"][0]["startWithStream"] = false;
+    settings["interfaces"][0]["cameras"][0]["rate"] = 100;
+    return settings;
+}
+
+ToolResult Events(const json& settings, const Arguments& more)
+{
+    const TemporaryFolder folder;
+    Arguments arguments = {"events", "cam", "--acquire"};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    return RunTool(arguments, SimulatorWith(folder, settings));
+}
+
+TEST(Events, ExposuresAreTold)
+{
+    for (const char* const type : {"GEV", "U3V"})
+    {
+        SCOPED_TRACE(type);
+        const ToolResult result = Events(EventCamera(type), {"--enable", "ExposureEnd", "--events", "3", "--json"});
+        ASSERT_EQ(result.status, 0) << result.err;
+        std::stringstream lines(result.out);
+        int numLines = 0;
+        for (std::string line; std::getline(lines, line); ++numLines)
+        {
+            const json event = json::parse(line);
+            EXPECT_EQ(event.at("event"), "ExposureEnd");
+            EXPECT_EQ(event.at("values").at("EventExposureEndFrameID"), std::to_string(numLines + 1));
+            EXPECT_TRUE(event.at("values").contains("EventExposureEndTimestamp"));
+        }
+        EXPECT_EQ(numLines, 3);
+    }
+}
+
+TEST(Events, LineNamesTheEventAndItsValues)
+{
+    const ToolResult result = Events(EventCamera(), {"--enable", "ExposureEnd", "--events", "1"});
+    ASSERT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.out, HasSubstr("  ExposureEnd EventExposureEnd="));
+    EXPECT_THAT(result.out, HasSubstr(" EventExposureEndFrameID=1"));
+}
+
+TEST(Events, WithoutNamesAllAreEnabled)
+{
+    const ToolResult result = Events(EventCamera(), {"--events", "2"});
+    ASSERT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.out, HasSubstr("ExposureEnd"));
+}
+
+TEST(Events, UnknownNameIsRefusedWithThoseThatAre)
+{
+    const ToolResult result = Events(EventCamera(), {"--enable", "Sunrise", "--events", "1"});
+    EXPECT_EQ(result.status, noSuchFeature);
+    EXPECT_THAT(result.err, HasSubstr("koro: EventSelector has no entry \"Sunrise\".\nhint: There are "));
+    EXPECT_THAT(result.err, HasSubstr("ExposureEnd"));
+}
+
+TEST(Events, DurationEndsTheWaitWithoutEvents)
+{
+    const TemporaryFolder folder;
+    const ToolResult result = RunTool({"events", "cam", "--duration", "50"}, SimulatorWith(folder, EventCamera()));
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(result.out, "");
+}
+
+TEST(Events, InterruptEndsTheWait)
+{
+    const TemporaryFolder folder;
+    ToolRun run({"events", "cam", "--acquire", "--enable", "ExposureEnd"}, SimulatorWith(folder, EventCamera()));
+    ASSERT_TRUE(run.AwaitOutput("ExposureEnd"));
+    run.Signal(SIGINT);
+    EXPECT_EQ(run.Finish().status, interrupted);
+}
+
+} // namespace

@@ -1,0 +1,89 @@
+#include "tests/tool/expected_pictures.h"
+#include "tests/tool/simulator_settings.h"
+#include "tests/tool/tool_run.h"
+#include "tests/unit/tool/image_files.h"
+
+#include <csignal>
+#include <filesystem>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+namespace
+{
+
+using namespace koro::test;
+using nlohmann::json;
+using testing::HasSubstr;
+
+constexpr int interrupted = 130;
+
+// The camera is lost at the fourth frame of each acquisition, for as many updates of the list.
+json VanishingCamera(int missingUpdates)
+{
+    json settings = OneCamera("Mono8", 64, 48);
+    settings["interfaces"][0]["cameras"][0]["startWithStream"] = false;
+    settings["misbehaviour"]["devices"].push_back(
+        {{"camera", "cam"}, {"vanishAtFrame", 4}, {"missingUpdates", missingUpdates}});
+    return settings;
+}
+
+Arguments GrabFrames(const TemporaryFolder& folder, const std::string& frames)
+{
+    return {"grab", "cam", "--frames", frames, "--output", folder.File("out"), "--reconnect", "--timeout", "20"};
+}
+
+TEST(GrabReconnect, CameraThatComesBackIsOpenedAnewAndGoesOn)
+{
+    const TemporaryFolder folder;
+    const ToolResult result = RunTool(GrabFrames(folder, "5"), SimulatorWith(folder, VanishingCamera(2)));
+    ASSERT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.out, HasSubstr("\ncamera lost after 3 pictures\ncamera back, "));
+    EXPECT_THAT(result.out, HasSubstr(" s without a frame\n4/5 "));
+    EXPECT_THAT(result.out, HasSubstr("\npictures        5\n"));
+    EXPECT_THAT(result.out, HasSubstr("\nreconnects      1\nlongest outage  "));
+    // The acquisition after the loss counts its frames anew.
+    EXPECT_EQ(DifferenceToPattern(ReadPNG(folder.File("out/cam-000003.png")), {"Mono8", "M", 8}, 3), "");
+    EXPECT_EQ(DifferenceToPattern(ReadPNG(folder.File("out/cam-000004.png")), {"Mono8", "M", 8}, 1), "");
+    EXPECT_FALSE(std::filesystem::exists(folder.File("out/cam-000006.png")));
+}
+
+TEST(GrabReconnect, CameraMayBeLostAgainAndAgain)
+{
+    const TemporaryFolder folder;
+    const ToolResult result = RunTool(GrabFrames(folder, "10"), SimulatorWith(folder, VanishingCamera(1)));
+    ASSERT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.out, HasSubstr("\nreconnects      3\n"));
+}
+
+TEST(GrabReconnect, SettingsAreWrittenAnew)
+{
+    const TemporaryFolder folder;
+    Arguments arguments = GrabFrames(folder, "4");
+    arguments.insert(arguments.end(), {"--set", "Width=32"});
+    ASSERT_EQ(RunTool(arguments, SimulatorWith(folder, VanishingCamera(1))).status, 0);
+    EXPECT_EQ(ReadPNG(folder.File("out/cam-000004.png")).width, 32u);
+}
+
+TEST(GrabReconnect, WaitForACameraThatStaysAwayEndsWithAnInterrupt)
+{
+    const TemporaryFolder folder;
+    ToolRun run(GrabFrames(folder, "5"), SimulatorWith(folder, VanishingCamera(0)));
+    ASSERT_TRUE(run.AwaitOutput("camera lost after 3 pictures\n"));
+    run.Signal(SIGINT);
+    const ToolResult result = run.Finish();
+    EXPECT_EQ(result.status, interrupted);
+    EXPECT_THAT(result.out, HasSubstr("\npictures    3\n"));
+}
+
+TEST(GrabReconnect, FailureOfACameraThatIsThereIsAFailure)
+{
+    const TemporaryFolder folder;
+    json settings = OneCamera("Mono8", 64, 48);
+    FailCall(settings, "DSQueueBuffer", "GC_ERR_ERROR")["at"] = 12;
+    const ToolResult result = RunTool(GrabFrames(folder, "20"), SimulatorWith(folder, settings));
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.err, HasSubstr("koro: [Function: DSQueueBuffer"));
+}
+
+} // namespace
