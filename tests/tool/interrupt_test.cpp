@@ -88,6 +88,8 @@ TEST(Interrupt, SecondOneEndsAtOnce)
     {
         json settings = OneCamera("Mono8", 64, 48);
         FailCall(settings, function, "GC_ERR_SUCCESS")["delay_ms"] = 60000;
+        // Without connection reports nobody waits for them, and the first kill is that of the stream.
+        settings["connection"]["recordBytes"] = 0;
         const TemporaryFolder folder;
         ToolRun run(GrabForEver("cam", folder.File("out")), SimulatorWith(folder, settings));
         ASSERT_TRUE(run.AwaitOutput("\n3/1000000 "));

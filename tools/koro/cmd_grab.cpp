@@ -1,8 +1,10 @@
 #include "tools/koro/assignments.h"
 #include "tools/koro/camera_connection.h"
+#include "tools/koro/camera_link.h"
 #include "tools/koro/commands.h"
 #include "tools/koro/discovery.h"
 #include "tools/koro/grab_session.h"
+#include "tools/koro/pause.h"
 #include "tools/koro/report.h"
 #include "tools/koro/tool_error.h"
 
@@ -10,7 +12,9 @@
 #include <cstdio>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <unistd.h>
+#include <utility>
 
 namespace koro::tool
 {
@@ -18,12 +22,15 @@ namespace koro::tool
 namespace
 {
 
+constexpr std::chrono::milliseconds searchInterval{200};
+
 struct GrabCommand
 {
     std::string camera;
     std::string producer;
     std::string output;
     GrabSettings settings;
+    bool reconnect = false;
 };
 
 void MakeFolder(const std::string& path)
@@ -60,15 +67,20 @@ void PrintStatistics(const GrabStatistics& statistics, uint64_t numSaved, uint64
                                                       : 0;
     Rows rows = {{"pictures", std::to_string(numSaved)}};
     if (numFiles != numSaved) rows.emplace_back("files", std::to_string(numFiles));
-    const Rows measured = {
-        {"frames", std::to_string(statistics.numFrames)},
-        {"rate", PerSecond(frames, statistics.seconds, "frames/s")},
-        {"throughput", PerSecond(megabytes, statistics.seconds, "MB/s")},
-        {"underruns", statistics.numUnderruns ? std::to_string(*statistics.numUnderruns) : "-"},
-        {"incomplete", std::to_string(statistics.numIncomplete)},
-        {"timeouts", std::to_string(statistics.numTimeouts)},
-    };
-    rows.insert(rows.end(), measured.begin(), measured.end());
+    const auto add = [&rows](const char* label, std::string value) { rows.emplace_back(label, std::move(value)); };
+    add("frames", std::to_string(statistics.numFrames));
+    add("rate", PerSecond(frames, statistics.Seconds(), "frames/s"));
+    add("throughput", PerSecond(megabytes, statistics.Seconds(), "MB/s"));
+    add("underruns", statistics.numUnderruns ? std::to_string(*statistics.numUnderruns) : "-");
+    add("incomplete", std::to_string(statistics.numIncomplete));
+    add("timeouts", std::to_string(statistics.numTimeouts));
+    if (statistics.numReconnects > 0)
+    {
+        char outage[32];
+        std::snprintf(outage, sizeof outage, "%.3f s", statistics.longestOutage_s);
+        add("reconnects", std::to_string(statistics.numReconnects));
+        add("longest outage", outage);
+    }
     PrintRows(rows);
 }
 
@@ -84,6 +96,37 @@ int ExitStatus(const GrabCommand& command, const Interrupt& interrupt, uint64_t 
     return exitFramesMissing;
 }
 
+// Looks for the camera until it can be opened and streams again. Empty after an interrupt.
+std::unique_ptr<GrabSession> OpenAgain(const GrabCommand& command, CameraLink& link, Interrupt& interrupt)
+{
+    Pause pause(interrupt);
+    while (!interrupt.IsRequested())
+    {
+        try
+        {
+            const std::optional<DeviceDescriptor> camera = link.Find();
+            if (camera) return std::make_unique<GrabSession>(*camera, command.settings);
+        }
+        catch (const Error&)
+        {
+            // Listed before it can be opened, or gone once more.
+        }
+        pause.Until(Pause::Clock::now() + searchInterval);
+    }
+    return nullptr;
+}
+
+void Stream(
+    const GrabCommand& command, std::unique_ptr<GrabSession> session, CameraLink* link, Interrupt& interrupt,
+    GrabOutput& output)
+{
+    while (session && session->Run(interrupt, output, link) == GrabEnd::Lost)
+    {
+        session.reset();
+        session = OpenAgain(command, *link, interrupt);
+    }
+}
+
 int Grab(const GrabCommand& command)
 {
     Interrupt interrupt;
@@ -93,21 +136,34 @@ int Grab(const GrabCommand& command)
     const CameraChoice choice = FindCamera(discovery, command.camera);
 
     const CameraConnection connection(choice);
-    GrabSession session(connection.Descriptor(), command.settings);
-    std::printf("%s, %s\n", Printable(DescribeCamera(choice)).c_str(), session.DescribeBuffers().c_str());
+    std::optional<CameraLink> link;
+    if (command.reconnect) link.emplace(connection, choice.camera->id, choice.camera->serialNumber.value_or(""));
+    auto session = std::make_unique<GrabSession>(connection.Descriptor(), command.settings);
+    std::printf("%s, %s\n", Printable(DescribeCamera(choice)).c_str(), session->DescribeBuffers().c_str());
     std::fflush(stdout);
-    uint64_t numSaved = 0;
-    uint64_t numFiles = 0;
+
+    const std::string prefix = PrefixFor(*choice.camera);
+    std::optional<ChunkTable> table;
+    if (command.settings.chunks) table.emplace(std::filesystem::path(command.output) / (prefix + "-chunks.csv"));
+    std::optional<Progress> progress(std::in_place, stdout, isatty(STDOUT_FILENO) != 0, command.settings.numPictures);
+    PictureSaver saver(command.output, prefix, *progress);
+    GrabOutput output{saver, *progress, table ? &*table : nullptr};
+    try
     {
-        Progress progress(stdout, isatty(STDOUT_FILENO) != 0, command.settings.numPictures);
-        PictureSaver saver(command.output, PrefixFor(*choice.camera), progress);
-        session.Run(interrupt, saver);
-        saver.Finish();
-        numSaved = saver.NumSaved();
-        numFiles = saver.NumFiles();
+        Stream(command, std::move(session), link ? &*link : nullptr, interrupt, output);
     }
-    PrintStatistics(session.Statistics(), numSaved, numFiles);
-    return ExitStatus(command, interrupt, numSaved);
+    catch (...)
+    {
+        // What was taken before stays, and so do its values.
+        const auto failure = std::current_exception();
+        if (table) table->Finish();
+        std::rethrow_exception(failure);
+    }
+    saver.Finish();
+    if (table) table->Finish();
+    progress.reset();
+    PrintStatistics(output.statistics, saver.NumSaved(), saver.NumFiles());
+    return ExitStatus(command, interrupt, saver.NumSaved());
 }
 
 } // namespace
@@ -131,6 +187,9 @@ Action DefineGrab(CLI::App& command)
         ->check(CLI::Range(uint64_t{1}, uint64_t{3600000}))
         ->capture_default_str();
     command.add_option("--payload-size", settings.payloadSize, "Bytes of a frame, if neither stream nor camera tells");
+    command.add_flag(
+        "--chunks", settings.chunks, "Switch the chunks on, print their values and write them into a table");
+    command.add_flag("--reconnect", options->reconnect, "Go on when the camera was unplugged and comes back");
     DefineSettings(command, settings.settings);
     command.add_option("--producer", options->producer, "Use this .cti file alone, not the environment");
     return [options] { return Grab(*options); };

@@ -1,19 +1,22 @@
 #include "tools/koro/camera_tree_json.h"
 #include "tools/koro/commands.h"
+#include "tools/koro/discovery.h"
 #include "tools/koro/feature_session.h"
 #include "tools/koro/feature_tree.h"
 #include "tools/koro/feature_value.h"
 #include "tools/koro/interrupt.h"
+#include "tools/koro/pause.h"
 #include "tools/koro/report.h"
+#include "tools/koro/tool_error.h"
+#include "tools/koro/tree_watch.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <atomic>
 #include <chrono>
-#include <condition_variable>
 #include <cstdio>
 #include <deque>
 #include <memory>
-#include <mutex>
 #include <nlohmann/json.hpp>
 
 namespace koro::tool
@@ -34,30 +37,6 @@ struct WatchCommand
     uint64_t numChanges = 0;  // 0: without end
     bool refresh = false;
     bool json = false;
-};
-
-// A pause that an interrupt ends.
-class Pause
-{
-public:
-    explicit Pause(Interrupt& watched)
-        : interrupt(watched), wakeUp(watched, [this] {
-              const std::lock_guard<std::mutex> lock(mutex);
-              changed.notify_all();
-          })
-    {}
-
-    void Until(Clock::time_point end)
-    {
-        std::unique_lock<std::mutex> lock(mutex);
-        changed.wait_until(lock, end, [this] { return interrupt.IsRequested(); });
-    }
-
-private:
-    Interrupt& interrupt;
-    std::mutex mutex; // guards nothing but the order of request and wait
-    std::condition_variable changed;
-    Interrupt::WakeUp wakeUp; // last: it uses everything above
 };
 
 // One feature: told of changes by its callback, read outside the lock of the map.
@@ -179,8 +158,71 @@ private:
     std::deque<Watched> watched; // each stays at its address
 };
 
+// Without a camera: what comes and goes.
+class ChangePrinter
+{
+public:
+    explicit ChangePrinter(const WatchCommand& wished) : command(wished) {}
+
+    // Called by one thread at a time.
+    void Print(const TreeChange& change)
+    {
+        const double seconds = std::chrono::duration<double>(Clock::now() - begin).count();
+        if (command.json)
+        {
+            const json line = {
+                {"seconds", seconds}, {"change", change.what}, {"place", change.place}, {"detail", change.detail}};
+            std::printf("%s\n", Dump(line).c_str());
+        }
+        else
+        {
+            std::printf(
+                "%9.3f  %-12s  %s%s%s\n", seconds, change.what, Printable(change.place).c_str(),
+                change.detail.empty() ? "" : "  ", Printable(change.detail).c_str());
+        }
+        std::fflush(stdout);
+        ++numPrinted;
+    }
+    bool IsOver() const
+    {
+        if (command.numChanges > 0 && numPrinted >= command.numChanges) return true;
+        return command.duration_ms > 0 && Clock::now() - begin >= std::chrono::milliseconds(command.duration_ms);
+    }
+
+private:
+    const WatchCommand& command;
+    const Clock::time_point begin = Clock::now();
+    std::atomic<uint64_t> numPrinted{0};
+};
+
+int WatchTree(const WatchCommand& command)
+{
+    if (command.refresh || !command.target.settings.empty() || command.target.module != ModuleKind::Remote)
+        throw ToolError("--refresh, --set and --module need a camera.", {}, exitUsage);
+    Interrupt interrupt;
+    const Discovery discovery = Discover(command.target.producer);
+    for (const ProbeResult& failed : discovery.failed)
+        std::fprintf(stderr, "koro: %s\n", DescribeFailure(failed).c_str());
+    std::vector<std::string> producers;
+    for (const ProducerRecord& producer : discovery.producers)
+        producers.push_back(producer.path);
+    if (producers.empty()) throw ToolError("There is no producer that works.", "`koro doctor` tells why.");
+
+    ChangePrinter printer(command);
+    TreeWatch watch(producers, [&printer](const TreeChange& change) { printer.Print(change); });
+    Pause pause(interrupt);
+    while (!interrupt.IsRequested() && !printer.IsOver())
+    {
+        watch.Update();
+        if (printer.IsOver()) break;
+        pause.Until(Clock::now() + std::chrono::milliseconds(command.interval_ms));
+    }
+    return interrupt.IsRequested() ? exitInterrupted : exitSuccess;
+}
+
 int WatchIt(const WatchCommand& command)
 {
+    if (command.target.camera.empty()) return WatchTree(command);
     Interrupt interrupt;
     const FeatureSession session(command.target, FeatureSession::Access::Read);
     Watch(command, session).Run(interrupt);
@@ -192,8 +234,10 @@ int WatchIt(const WatchCommand& command)
 Action DefineWatch(CLI::App& command)
 {
     const auto options = std::make_shared<WatchCommand>();
-    DefineTarget(command, options->target, true);
-    command.add_option("names", options->names, "Features; without a name all that can be read");
+    DefineTarget(command, options->target, true)->required(false);
+    command.add_option(
+        "names", options->names,
+        "Features; without a name all that can be read. Without a camera too: interfaces and cameras that come and go");
     command.add_option("--interval", options->interval_ms, "Milliseconds between two polls")
         ->check(CLI::Range(uint64_t{1}, uint64_t{3600000}))
         ->capture_default_str();

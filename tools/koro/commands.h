@@ -29,6 +29,9 @@ Action DefineRun(CLI::App& command);
 Action DefineDescribe(CLI::App& command);
 Action DefineXML(CLI::App& command);
 Action DefineWatch(CLI::App& command);
+Action DefineEvents(CLI::App& command);
+Action DefineSettingsFiles(CLI::App& command);
+Action DefineFiles(CLI::App& command);
 Action DefineProbe(CLI::App& command);
 
 } // namespace koro::tool

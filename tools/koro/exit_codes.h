@@ -11,6 +11,7 @@ constexpr int exitNoSuchCamera = 3;   // the name fits no camera, or more than o
 constexpr int exitNoUsableCamera = 4; // `koro doctor` found none
 constexpr int exitFramesMissing = 5;  // `koro grab` ended with fewer pictures than asked for
 constexpr int exitNoSuchFeature = 6;  // the module has no feature of that name
+constexpr int exitDifferent = 7;      // `koro settings diff` found differences
 constexpr int exitInterrupted = 130;  // Ctrl-C, as a shell reports it
 
 } // namespace koro::tool

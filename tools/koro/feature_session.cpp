@@ -43,7 +43,15 @@ std::string Suggestions(const NodeMap& nodes, const std::string& name)
 
 } // namespace
 
-void DefineTarget(CLI::App& command, FeatureTarget& target, bool offersSettings)
+CLI::Option* DefineCamera(CLI::App& command, FeatureTarget& target)
+{
+    command.add_option("--producer", target.producer, "Use this .cti file alone, not the environment");
+    return command
+        .add_option("camera", target.camera, "Serial number, user name, id, interface:id, or a pattern with *")
+        ->required();
+}
+
+CLI::Option* DefineTarget(CLI::App& command, FeatureTarget& target, bool offersSettings)
 {
     const std::map<std::string, ModuleKind> modules = {
         {"remote", ModuleKind::Remote},
@@ -51,12 +59,11 @@ void DefineTarget(CLI::App& command, FeatureTarget& target, bool offersSettings)
         {"stream", ModuleKind::Stream},
         {"interface", ModuleKind::Interface},
         {"system", ModuleKind::System}};
-    command.add_option("camera", target.camera, "Serial number, user name, id, interface:id, or a pattern with *")
-        ->required();
+    CLI::Option* const camera = DefineCamera(command, target);
     command.add_option("--module", target.module, "remote (the camera itself), device, stream, interface or system")
         ->transform(CLI::CheckedTransformer(modules));
-    command.add_option("--producer", target.producer, "Use this .cti file alone, not the environment");
     if (offersSettings) DefineSettings(command, target.settings);
+    return camera;
 }
 
 const char* NameOf(ModuleKind module)

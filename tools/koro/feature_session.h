@@ -13,7 +13,8 @@
 namespace CLI
 {
 class App;
-}
+class Option;
+} // namespace CLI
 
 namespace koro::tool
 {
@@ -36,8 +37,10 @@ struct FeatureTarget
     std::vector<std::string> settings; // NAME=VALUE, written before anything else
 };
 
-// Defines the camera and the options; with `offersSettings` also --set.
-void DefineTarget(CLI::App& command, FeatureTarget& target, bool offersSettings);
+// Defines the camera and --producer. Returns the camera's option, which is required.
+CLI::Option* DefineCamera(CLI::App& command, FeatureTarget& target);
+// The same with --module; with `offersSettings` also --set.
+CLI::Option* DefineTarget(CLI::App& command, FeatureTarget& target, bool offersSettings);
 
 // "remote device", "device", ...
 const char* NameOf(ModuleKind module);
@@ -64,6 +67,8 @@ public:
     // for. Throws koro::Error or ToolError.
     FeatureSession(const FeatureTarget& target, Access access, Wants wants = Wants::Nodes);
 
+    // Not open for the system and the interface.
+    const koro::Device& Device() const { return device; }
     koro::Port Port() const;
     const NodeMap& Nodes() const { return nodes; }
     // The feature of that name. Throws ToolError (exit status 6) with names that look alike.

@@ -18,9 +18,6 @@ constexpr size_t usualBuffers = 8;
 constexpr size_t maxBuffers = 256;
 constexpr size_t maxPayloadSize = size_t{1} << 30;
 constexpr size_t maxMemory = size_t{4} << 30;
-// A camera that is silent this often in a row, or sends this many useless frames in a row, is given up.
-constexpr int maxTimeoutsInRow = 3;
-constexpr int maxUselessInRow = 64;
 
 DataStream OpenFirstStream(const Device& device)
 {
@@ -64,6 +61,12 @@ GrabSession::GrabSession(const DeviceDescriptor& camera, const GrabSettings& wis
     FindNodes();
     if (!settings.settings.empty())
         Apply(nodes, device.RemoteDevice().Port(), ParseAssignments(settings.settings), "remote device");
+    if (settings.chunks)
+    {
+        chunkMode.emplace(nodes);
+        chunkMode->Switch("ChunkModeActive", "true");
+        chunkMode->SwitchAllEntries("ChunkSelector", "ChunkEnable", "true");
+    }
     geometry = ReadScan3D(nodes);
     AnnounceBuffers();
 }
@@ -80,7 +83,7 @@ void GrabSession::FindNodes()
     }
     catch (const std::runtime_error& error)
     {
-        if (!settings.settings.empty()) throw;
+        if (!settings.settings.empty() || settings.chunks) throw;
         std::fprintf(stderr, "koro: No features of the camera are used: %s\n", error.what());
     }
 }
@@ -103,104 +106,54 @@ std::string GrabSession::DescribeBuffers() const
     return std::to_string(memory.size()) + " buffers of " + std::to_string(memory.begin()->second.Size()) + " bytes";
 }
 
-void GrabSession::Run(Interrupt& interrupt, PictureSaver& saver)
+GrabEnd GrabSession::Run(Interrupt& interrupt, GrabOutput& output, CameraLink* link)
+{
+    if (output.table) output.table->FindChunks(nodes);
+    if (!link) return Stream(interrupt, output, link);
+    try
+    {
+        return Stream(interrupt, output, link);
+    }
+    catch (const Error& error)
+    {
+        if (output.numHanded >= settings.numPictures) return GrabEnd::Finished;
+        // What cannot be had from a camera that is there is no matter of its connection.
+        if (!output.cameraIsLost && !link->IsReportedLost() && link->Find()) throw;
+        output.NoteLoss();
+        return GrabEnd::Lost;
+    }
+}
+
+GrabEnd GrabSession::Stream(Interrupt& interrupt, GrabOutput& output, CameraLink* link)
 {
     const Interrupt::WakeUp wakeUp(interrupt, [this] {
         // The wait may have ended meanwhile; then there is nothing to wake.
         KORO_DataStream_KillWait(stream.Get());
     });
     Acquisition acquisition(stream, nodes);
+    GrabEnd end = GrabEnd::Finished;
     try
     {
-        TakeFrames(interrupt, saver);
+        end = FrameTaker({stream, nodes, memory, geometry}, settings, output, interrupt, link).Run();
     }
     catch (...)
     {
         const auto failure = std::current_exception();
-        IfKnown([&] { return Stop(acquisition), true; });
+        IfKnown([&] { return Stop(acquisition, output.statistics), true; });
         std::rethrow_exception(failure);
     }
-    Stop(acquisition);
+    if (end == GrabEnd::Finished)
+        Stop(acquisition, output.statistics);
+    else
+        IfKnown([&] { return Stop(acquisition, output.statistics), true; });
+    return end;
 }
 
-void GrabSession::TakeFrames(const Interrupt& interrupt, PictureSaver& saver)
-{
-    uint64_t numHanded = 0;
-    int timeoutsInRow = 0;
-    int uselessInRow = 0;
-    while (numHanded < settings.numPictures && !interrupt.IsRequested())
-    {
-        const std::optional<Buffer> buffer = Wait(interrupt);
-        if (interrupt.IsRequested()) return;
-        if (!buffer)
-        {
-            if (++timeoutsInRow == maxTimeoutsInRow) return;
-            continue;
-        }
-        timeoutsInRow = 0;
-        const bool useful = SaveFrame(*buffer, saver);
-        stream.QueueBuffer(*buffer);
-        numHanded += useful ? 1 : 0;
-        uselessInRow = useful ? 0 : uselessInRow + 1;
-        if (uselessInRow == maxUselessInRow) return;
-    }
-}
-
-// Empty after a time-out, and after an interrupt whatever the producer calls it.
-std::optional<Buffer> GrabSession::Wait(const Interrupt& interrupt)
-{
-    try
-    {
-        return stream.WaitForFinishedBuffer(settings.timeout_ms);
-    }
-    catch (const Error& error)
-    {
-        if (interrupt.IsRequested()) return std::nullopt;
-        if (error.Code() != KORO_RETURN_CODE_TIMEOUT) throw;
-        ++statistics.numTimeouts;
-        return std::nullopt;
-    }
-}
-
-// Hands the frame over to the saver; false when there is no picture in it.
-bool GrabSession::SaveFrame(const Buffer& buffer, PictureSaver& saver)
-{
-    const auto found = memory.find(buffer.Get());
-    if (found == memory.end()) throw ToolError("The producer delivered a buffer that it was not given.");
-    const size_t capacity = found->second.Size();
-    const size_t size = std::min(IfKnown([&] { return buffer.DeliveredDataSize(); }).value_or(capacity), capacity);
-
-    Count(size);
-    const bool incomplete = IfKnown([&] { return buffer.IsIncomplete(); }).value_or(false);
-    const bool filled = IfKnown([&] { return buffer.HasNewData(); }).value_or(true) && size > 0;
-    FrameFiles files;
-    if (filled) files = FilesOf(buffer, {found->second.Data(), size});
-    const bool useful = !files.empty();
-    if (useful) saver.Save(std::move(files));
-    if (incomplete || !useful) ++statistics.numIncomplete;
-    return useful;
-}
-
-FrameFiles GrabSession::FilesOf(const Buffer& buffer, const FrameBytes& bytes) const
-{
-    if (settings.format == FileFormat::Raw) return ToRawFile(bytes.data, bytes.size);
-    if (IsMultiPart(buffer)) return ToPartFiles(ReadParts(buffer, bytes), settings.format, geometry);
-    return ToPictureFiles(ReadImage(buffer, bytes), settings.format, geometry);
-}
-
-void GrabSession::Count(size_t size)
-{
-    const Clock::time_point now = Clock::now();
-    if (statistics.numFrames == 0) firstFrame = now;
-    ++statistics.numFrames;
-    statistics.numBytes += size;
-    statistics.seconds = std::chrono::duration<double>(now - firstFrame).count();
-}
-
-void GrabSession::Stop(Acquisition& acquisition)
+void GrabSession::Stop(Acquisition& acquisition, GrabStatistics& statistics)
 {
     acquisition.Stop();
-    statistics.numUnderruns = IfKnown([&] { return stream.NumUnderruns(); });
+    if (const auto underruns = IfKnown([&] { return stream.NumUnderruns(); }))
+        statistics.numUnderruns = statistics.numUnderruns.value_or(0) + *underruns;
     stream.Flush(FlushMode::AllDiscard);
 }
 

@@ -31,7 +31,10 @@ constexpr Command commands[] = {
     {"run", DefineRun, "Execute a command and wait until it is done"},
     {"describe", DefineDescribe, "Show all that is known of one feature, and why it cannot be written"},
     {"xml", DefineXML, "Write the description of the features as it was fetched"},
-    {"watch", DefineWatch, "Print changes of features as they come"},
+    {"watch", DefineWatch, "Print changes of features, or cameras that come and go, as they come"},
+    {"events", DefineEvents, "Print the events of a camera as they come"},
+    {"settings", DefineSettingsFiles, "Save, load, check and compare the settings of a camera"},
+    {"files", DefineFiles, "List, read, write and delete the files of a camera"},
     {"probe", DefineProbe, "Try one producer (used by the other commands)"},
 };
 
@@ -87,7 +90,9 @@ int main(int argc, char** argv)
     app.set_version_flag("--version", std::string(KORO_TOOL_VERSION));
     app.footer(
         "GENICAM_GENTL64_PATH names the directories of the producers. Exit status: 0 success, 1 failure, 2 wrong\n"
-        "command line, 3 no such camera, 4 no usable camera, 5 pictures missing, 6 no such feature, 130 interrupted.");
+        "command line, 3 no such camera, 4 no usable camera, 5 pictures missing, 6 no such feature, 7 settings "
+        "differ,\n"
+        "130 interrupted.");
 
     std::vector<std::pair<CLI::App*, Action>> actions;
     for (const Command& command : commands)

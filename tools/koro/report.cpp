@@ -31,4 +31,23 @@ void PrintRows(const Rows& rows, const std::string& indent)
     }
 }
 
+std::string CommaSeparated(const std::vector<std::string>& cells)
+{
+    std::string line;
+    for (const std::string& cell : cells)
+    {
+        if (&cell != &cells.front()) line += ',';
+        if (cell.find_first_of(",\"\r\n") == cell.npos)
+        {
+            line += cell;
+            continue;
+        }
+        line += '"';
+        for (const char c : cell)
+            line += c == '"' ? std::string("\"\"") : std::string(1, c);
+        line += '"';
+    }
+    return line;
+}
+
 } // namespace koro::tool

@@ -21,4 +21,7 @@ using Rows = std::vector<std::pair<std::string, std::string>>;
 // One row a line on standard output, the values aligned.
 void PrintRows(const Rows& rows, const std::string& indent = "");
 
+// One line of a table in a file: commas between the cells, quotation marks where a cell needs them.
+std::string CommaSeparated(const std::vector<std::string>& cells);
+
 } // namespace koro::tool

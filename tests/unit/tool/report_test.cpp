@@ -36,4 +36,13 @@ TEST(FileNamePrefix, CannotLeaveTheFolder)
     EXPECT_EQ(FileNamePrefix(std::string(300, 'a')), std::string(64, 'a'));
 }
 
+TEST(Report, CellsAreQuotedWhereTheyHaveTo)
+{
+    EXPECT_EQ(CommaSeparated({}), "");
+    EXPECT_EQ(CommaSeparated({"1", "", "a b"}), "1,,a b");
+    EXPECT_EQ(
+        CommaSeparated({"a,b", "say \"x\"", "two\nlines", "cr\r"}),
+        "\"a,b\",\"say \"\"x\"\"\",\"two\nlines\",\"cr\r\"");
+}
+
 } // namespace

@@ -1,0 +1,145 @@
+#include "tools/koro/background_stream.h"
+#include "tools/koro/camera_tree_json.h"
+#include "tools/koro/commands.h"
+#include "tools/koro/event_nodes.h"
+#include "tools/koro/feature_session.h"
+#include "tools/koro/interrupt.h"
+#include "tools/koro/report.h"
+#include "tools/koro/switched_features.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <optional>
+
+namespace koro::tool
+{
+
+namespace
+{
+
+using nlohmann::json;
+using Clock = std::chrono::steady_clock;
+
+struct EventsCommand
+{
+    FeatureTarget target;
+    std::vector<std::string> enabled;
+    bool acquire = false;
+    uint64_t duration_ms = 0; // 0: without end
+    uint64_t numEvents = 0;   // 0: without end
+    bool json = false;
+};
+
+class EventPrinter
+{
+public:
+    explicit EventPrinter(const EventsCommand& wished) : command(wished) {}
+
+    void Print(const Event& event, const std::vector<EventNews>& news)
+    {
+        if (news.empty()) PrintOne(event, {});
+        for (const EventNews& one : news)
+            PrintOne(event, one);
+        std::fflush(stdout);
+    }
+    bool IsOver() const { return (command.numEvents > 0 && numPrinted >= command.numEvents) || Left_ms() == 0; }
+    // Milliseconds to wait for the next event.
+    uint64_t Left_ms() const
+    {
+        if (command.duration_ms == 0) return infinite;
+        const auto gone = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - begin).count();
+        return command.duration_ms - std::min(command.duration_ms, static_cast<uint64_t>(gone));
+    }
+
+private:
+    void PrintOne(const Event& event, const EventNews& one)
+    {
+        ++numPrinted;
+        const double seconds = std::chrono::duration<double>(Clock::now() - begin).count();
+        if (command.json)
+        {
+            json line = {{"seconds", seconds}, {"event", one.name}, {"id", event.ID()}, {"values", json::object()}};
+            for (const auto& [name, value] : one.values)
+                line["values"][name] = value;
+            std::printf("%s\n", Dump(line).c_str());
+            return;
+        }
+        std::string text = one.name.empty() ? "event" : Printable(one.name);
+        if (one.values.empty())
+            text +=
+                " " + std::to_string(event.ID()) + ", " + std::to_string(event.RawData().size()) + " bytes, no feature";
+        for (const auto& [name, value] : one.values)
+            text += " " + name + "=" + Printable(value);
+        std::printf("%9.3f  %s\n", seconds, text.c_str());
+    }
+
+    const EventsCommand& command;
+    const Clock::time_point begin = Clock::now();
+    uint64_t numPrinted = 0;
+};
+
+// Empty after a time-out, and after an interrupt whatever the producer calls it.
+Event Wait(const EventController& controller, const Interrupt& interrupt, uint64_t timeout_ms)
+{
+    try
+    {
+        return controller.WaitForEvent(timeout_ms);
+    }
+    catch (const Error& error)
+    {
+        if (interrupt.IsRequested() || error.Code() == KORO_RETURN_CODE_TIMEOUT) return Event();
+        throw;
+    }
+}
+
+int Events(const EventsCommand& command)
+{
+    Interrupt interrupt;
+    const FeatureSession session(command.target, FeatureSession::Access::Write);
+    const NodeMap& nodes = session.Nodes();
+    SwitchedFeatures switched(nodes);
+    EventNodes eventNodes(nodes);
+    const EventController controller = session.Device().EnableEvents(KORO_EVENT_REMOTE_DEVICE);
+    if (command.enabled.empty())
+        switched.SwitchAllEntries("EventSelector", "EventNotification", "On");
+    else
+        switched.SwitchEntries("EventSelector", "EventNotification", "On", command.enabled);
+
+    EventPrinter printer(command);
+    const Interrupt::WakeUp wakeUp(interrupt, [&] {
+        // The wait may have ended meanwhile; then there is nothing to wake.
+        KORO_EventController_KillWait(controller.Get());
+    });
+    std::optional<BackgroundStream> pictures;
+    if (command.acquire) pictures.emplace(session.Device(), nodes);
+    while (!interrupt.IsRequested() && !printer.IsOver())
+    {
+        const Event event = Wait(controller, interrupt, printer.Left_ms());
+        if (event) printer.Print(event, eventNodes.Deliver(event));
+    }
+    return interrupt.IsRequested() ? exitInterrupted : exitSuccess;
+}
+
+} // namespace
+
+Action DefineEvents(CLI::App& command)
+{
+    const auto options = std::make_shared<EventsCommand>();
+    DefineCamera(command, options->target);
+    command.add_option("--enable", options->enabled, "An event of EventSelector; without it all of them")
+        ->type_name("NAME")
+        ->allow_extra_args(false);
+    command.add_flag("--acquire", options->acquire, "Let the camera take pictures meanwhile");
+    command.add_option("--duration", options->duration_ms, "Milliseconds after which to end")
+        ->check(CLI::Range(uint64_t{1}, uint64_t{86400000}));
+    command.add_option("--events", options->numEvents, "Number of events after which to end")
+        ->check(CLI::Range(uint64_t{1}, uint64_t{1000000000}));
+    command.add_flag("--json", options->json, "Write one JSON object a line");
+    return [options] { return Events(*options); };
+}
+
+} // namespace koro::tool

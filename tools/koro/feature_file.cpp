@@ -1,0 +1,142 @@
+#include "tools/koro/feature_file.h"
+
+#include "tools/koro/report.h"
+#include "tools/koro/tool_error.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <fstream>
+#include <iterator>
+#include <string_view>
+#include <system_error>
+
+namespace koro::tool
+{
+
+namespace
+{
+
+constexpr std::uintmax_t maxFileSize = std::uintmax_t{256} << 20;
+constexpr std::string_view magic = "{05D8C294-F295-4dfb-9D01-096BD04049F4}";
+constexpr std::string_view spaces = " \t\n\v\f\r";
+
+[[noreturn]] void Refuse(const std::string& name, size_t line, const std::string& what)
+{
+    throw ToolError(
+        name + ", line " + std::to_string(line) + ": " + what + ".", "`koro settings save` writes such files.");
+}
+
+std::string_view Trimmed(std::string_view text)
+{
+    const size_t begin = text.find_first_not_of(spaces);
+    if (begin == text.npos) return {};
+    return text.substr(begin, text.find_last_not_of(spaces) - begin + 1);
+}
+
+// Takes "{A=1<tab>B=2}" and the tab behind it off the front.
+std::vector<std::pair<std::string, std::string>> TakeSelectors(
+    std::string_view& rest, const std::string& name, size_t line)
+{
+    std::vector<std::pair<std::string, std::string>> selectors;
+    const size_t end = rest.find("}\t");
+    if (end == rest.npos) Refuse(name, line, "the selectors have no end");
+    std::string_view inside = rest.substr(1, end - 1);
+    rest.remove_prefix(end + 2);
+    while (!inside.empty())
+    {
+        const size_t next = std::min(inside.find('\t'), inside.size());
+        const std::string_view pair = inside.substr(0, next);
+        const size_t equals = pair.rfind('=');
+        if (equals == pair.npos) Refuse(name, line, "a selector has no value");
+        selectors.emplace_back(pair.substr(0, equals), pair.substr(equals + 1));
+        inside.remove_prefix(std::min(next + 1, inside.size()));
+    }
+    return selectors;
+}
+
+} // namespace
+
+std::string FeatureRecord::Title() const
+{
+    std::string title = name;
+    for (size_t i = 0; i < selectors.size(); ++i)
+        title += (i == 0 ? "[" : ", ") + selectors[i].first + "=" + selectors[i].second;
+    return selectors.empty() ? title : title + "]";
+}
+
+std::vector<FeatureRecord> ReadFeatureFile(const std::filesystem::path& path)
+{
+    std::error_code failure;
+    const std::uintmax_t size = std::filesystem::file_size(path, failure);
+    if (failure) throw ToolError("Cannot read " + path.string() + ": " + failure.message() + ".");
+    if (size > maxFileSize)
+        throw ToolError(path.string() + " has " + std::to_string(size) + " bytes, more than settings can be.");
+    std::ifstream file(path, std::ios::binary);
+    const std::string text{std::istreambuf_iterator<char>(file), {}};
+    if (!file.is_open() || file.bad())
+        throw ToolError("Cannot read " + path.string() + ": " + std::generic_category().message(errno) + ".");
+    return ParseFeatureFile(text, path.string());
+}
+
+std::vector<FeatureRecord> ParseFeatureFile(const std::string& source, const std::string& name)
+{
+    std::string text = source.substr(0, source.find('\0'));
+    text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
+
+    std::vector<FeatureRecord> records;
+    std::string_view left = text;
+    for (size_t line = 1; line == 1 || !left.empty(); ++line)
+    {
+        const size_t end = std::min(left.find('\n'), left.size());
+        std::string_view rest = left.substr(0, end);
+        left.remove_prefix(std::min(end + 1, left.size()));
+        if (line == 1)
+        {
+            if (rest.find(magic) == rest.npos) Refuse(name, line, "this is no file of settings");
+            continue;
+        }
+        if (rest.empty() || rest.front() == '#') continue;
+
+        const size_t tab = rest.find('\t');
+        if (tab == rest.npos) Refuse(name, line, "there is no tab behind the name of the feature");
+        FeatureRecord& record = records.emplace_back();
+        record.line = line;
+        record.name = Trimmed(rest.substr(0, tab));
+        rest.remove_prefix(tab + 1);
+        if (record.name.empty()) Refuse(name, line, "there is no name in front of the tab");
+        if (!rest.empty() && rest.front() == '{') record.selectors = TakeSelectors(rest, name, line);
+        record.value = rest;
+        if (record.value.empty()) Refuse(name, line, record.name + " has no value");
+    }
+    return records;
+}
+
+std::vector<FeatureDifference> Differences(
+    const std::vector<FeatureRecord>& left, const std::vector<FeatureRecord>& right)
+{
+    std::map<std::string, std::pair<const FeatureRecord*, const FeatureRecord*>> found;
+    std::vector<std::string> order;
+    for (const FeatureRecord& record : left)
+    {
+        auto [place, isNew] = found.try_emplace(record.Title());
+        if (isNew) order.push_back(place->first);
+        place->second.first = &record;
+    }
+    for (const FeatureRecord& record : right)
+    {
+        auto [place, isNew] = found.try_emplace(record.Title());
+        if (isNew) order.push_back(place->first);
+        place->second.second = &record;
+    }
+
+    std::vector<FeatureDifference> differences;
+    for (const std::string& title : order)
+    {
+        const auto& [first, second] = found.at(title);
+        if (first && second && first->value == second->value) continue;
+        differences.push_back({title, first, second});
+    }
+    return differences;
+}
+
+} // namespace koro::tool

@@ -1,0 +1,45 @@
+// Feature files: the text form of a camera's settings, read for people, with the lines that its records stand on.
+//
+// Values. Any thread.
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace koro::tool
+{
+
+struct FeatureRecord
+{
+    size_t line = 0; // from 1
+    std::string name;
+    std::vector<std::pair<std::string, std::string>> selectors; // name and value, in their order
+    std::string value;
+
+    // "Gain[GainSelector=All]"; what it is among the records of a file.
+    std::string Title() const;
+};
+
+// Throws ToolError, with the line, for a file that cannot be read or is no feature file. Files of other software may
+// have carriage returns and comments between the records.
+std::vector<FeatureRecord> ReadFeatureFile(const std::filesystem::path& path);
+// The same of a text; `name` is what messages call it.
+std::vector<FeatureRecord> ParseFeatureFile(const std::string& text, const std::string& name);
+
+struct FeatureDifference
+{
+    std::string title;
+    const FeatureRecord* left;  // null: not there
+    const FeatureRecord* right; // null: not there
+};
+
+// What two files have not in common, in the order of the left one, then of the right one. Points into the arguments. Of
+// records with one title the last counts.
+std::vector<FeatureDifference> Differences(
+    const std::vector<FeatureRecord>& left, const std::vector<FeatureRecord>& right);
+
+} // namespace koro::tool

@@ -1,0 +1,66 @@
+// FrameTaker: takes the finished buffers of a running stream until the grab is over.
+//
+// Lives while one stream runs, which outlives it like everything it is given; one thread.
+#pragma once
+
+#include "tools/koro/camera_link.h"
+#include "tools/koro/frame_files.h"
+#include "tools/koro/frame_memory.h"
+#include "tools/koro/frame_reader.h"
+#include "tools/koro/grab_output.h"
+#include "tools/koro/interrupt.h"
+#include <koro/koro.hpp>
+
+#include <cstdint>
+#include <map>
+#include <optional>
+
+namespace koro::tool
+{
+
+enum class GrabEnd
+{
+    Finished, // all pictures are taken, the camera is silent or useless, or the user interrupts
+    Lost,     // the camera has gone
+};
+
+struct RunningStream
+{
+    const DataStream& stream;
+    const NodeMap& nodes; // may be empty
+    const std::map<KORO_BufferHandle, FrameMemory>& memory;
+    const std::optional<Scan3D>& geometry;
+};
+
+class FrameTaker
+{
+public:
+    // `link` may be null: then a camera that is lost is a failure.
+    FrameTaker(
+        const RunningStream& from, const GrabSettings& settings, GrabOutput& output, const Interrupt& interrupt,
+        CameraLink* link);
+
+    // Throws koro::Error, and what saving failed with.
+    GrabEnd Run();
+
+private:
+    std::optional<Buffer> Wait();
+    bool IsLostForGood();
+    bool SaveFrame(const Buffer& buffer);
+    FrameFiles FilesOf(const Buffer& buffer, const FrameBytes& bytes) const;
+
+    const RunningStream source;
+    const GrabSettings& settings;
+    GrabOutput& output;
+    const Interrupt& interrupt;
+    CameraLink* const link;
+    const uint64_t wait_ms;
+
+    uint64_t silent_ms = 0; // since the last frame or time-out
+    int timeoutsInRow = 0;
+    int uselessInRow = 0;
+    bool hasVanished = false; // from the device list, since the last frame
+    uint64_t back_ms = 0;     // since a lost camera is back
+};
+
+} // namespace koro::tool

@@ -1,0 +1,198 @@
+#include "tools/koro/settings_plan.h"
+
+#include "tools/koro/access_reason.h"
+#include "tools/koro/feature_range.h"
+#include "tools/koro/feature_value.h"
+#include "tools/koro/if_known.h"
+#include "tools/koro/report.h"
+#include "tools/koro/tool_error.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cmath>
+#include <functional>
+#include <stdexcept>
+#include <utility>
+
+namespace koro::tool
+{
+
+namespace
+{
+
+// The selectors of one record at a time; those of the record before are set back, and the last ones at the end.
+class Selectors
+{
+public:
+    explicit Selectors(const NodeMap& map) : nodes(map) {}
+    Selectors(const Selectors&) = delete;
+    Selectors& operator=(const Selectors&) = delete;
+    ~Selectors() { SetBack(); }
+
+    void Set(const FeatureRecord& record)
+    {
+        if (record.selectors == current) return;
+        SetBack();
+        current = record.selectors;
+        for (const auto& [name, value] : current)
+        {
+            const Node selector = nodes.TryNode(name);
+            if (!selector) throw ToolError("the camera has no selector " + Printable(name));
+            CheckValue(selector, value);
+            const std::string now = ReadValue(selector);
+            if (now == value) continue;
+            before.emplace_back(name, now);
+            WriteValue(selector, value);
+        }
+    }
+
+private:
+    void SetBack()
+    {
+        for (auto changed = before.rbegin(); changed != before.rend(); ++changed)
+        {
+            try
+            {
+                WriteValue(nodes.Node(changed->first), changed->second);
+            }
+            catch (const std::runtime_error&)
+            {
+                // The camera may have gone.
+            }
+        }
+        before.clear();
+        current.clear();
+    }
+
+    const NodeMap nodes;
+    std::vector<std::pair<std::string, std::string>> current;
+    std::vector<std::pair<std::string, std::string>> before;
+};
+
+// What the limits of the moment say of the value; empty for nothing.
+std::string OutsideOfLimits(const Node& node, const std::string& value)
+{
+    switch (node.Type())
+    {
+    case KORO_NODE_TYPE_INTEGER: {
+        const IntegerNode number = node.ToInteger();
+        const int64_t wished = ParseNumber(value);
+        const int64_t low = number.Minimum();
+        const int64_t high = number.Maximum();
+        if (wished < low || wished > high) return RangeSentence(node);
+        const int64_t step = IfKnown([&] { return number.Increment(); }).value_or(1);
+        const uint64_t above = static_cast<uint64_t>(wished) - static_cast<uint64_t>(low);
+        return step > 1 && above % static_cast<uint64_t>(step) != 0 ? RangeSentence(node) : std::string();
+    }
+    case KORO_NODE_TYPE_FLOAT: {
+        const FloatNode number = node.ToFloat();
+        const double wished = std::stod(value);
+        return wished < number.Minimum() || wished > number.Maximum() ? RangeSentence(node) : std::string();
+    }
+    case KORO_NODE_TYPE_ENUMERATION: {
+        const EnumerationEntryNode entry = node.ToEnumeration().TryEntry(value);
+        return entry && entry.Node().IsAvailable() ? std::string() : RangeSentence(node);
+    }
+    default:
+        return {};
+    }
+}
+
+std::string LowerCase(std::string text)
+{
+    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return std::tolower(c); });
+    return text;
+}
+
+bool IsYes(const std::string& text)
+{
+    return text == "1" || text == "true";
+}
+
+// Files write values in forms of their own: numbers by the camera's description, real ones with few digits, yes as 1.
+bool IsSame(const Node& node, const std::string& left, const std::string& right)
+{
+    if (left == right) return true;
+    switch (node.Type())
+    {
+    case KORO_NODE_TYPE_INTEGER:
+        return ParseNumber(left) == ParseNumber(right);
+    case KORO_NODE_TYPE_FLOAT: {
+        const double one = std::stod(left);
+        const double other = std::stod(right);
+        return std::abs(one - other) <= 1e-6 * std::max(std::abs(one), std::abs(other));
+    }
+    case KORO_NODE_TYPE_BOOLEAN:
+        return IsYes(left) == IsYes(right);
+    case KORO_NODE_TYPE_REGISTER:
+        return LowerCase(left) == LowerCase(right);
+    default:
+        return false;
+    }
+}
+
+PlannedRecord Look(const NodeMap& nodes, const Port& port, const FeatureRecord& record)
+{
+    PlannedRecord plan{&record, {}, {}, false};
+    const Node node = nodes.TryNode(record.name);
+    if (!node)
+    {
+        plan.problem = "the camera has no such feature";
+        return plan;
+    }
+    CheckValue(node, record.value);
+    plan.before = IfKnown([&] { return ReadValue(node); }).value_or("");
+    plan.isSame = !plan.before.empty() && IsSame(node, plan.before, record.value);
+    if (plan.isSame) return plan;
+    if (!node.IsWritable())
+        plan.problem = "it cannot be written: " + SentencesOf(WhyNotWritable(nodes, port, node));
+    else
+        plan.problem = OutsideOfLimits(node, record.value);
+    return plan;
+}
+
+PlannedRecord Write(const NodeMap& nodes, const Port& port, const FeatureRecord& record)
+{
+    PlannedRecord plan = Look(nodes, port, record);
+    if (plan.isSame || !nodes.TryNode(record.name)) return plan;
+    plan.problem.clear();
+    WriteValue(nodes.Node(record.name), record.value);
+    return plan;
+}
+
+std::vector<PlannedRecord> ForEach(
+    const NodeMap& nodes, const std::vector<FeatureRecord>& records,
+    const std::function<PlannedRecord(const FeatureRecord&)>& treat)
+{
+    Selectors selectors(nodes);
+    std::vector<PlannedRecord> plans;
+    for (const FeatureRecord& record : records)
+    {
+        try
+        {
+            selectors.Set(record);
+            plans.push_back(treat(record));
+        }
+        catch (const std::exception& error)
+        {
+            plans.push_back({&record, {}, error.what(), false});
+        }
+    }
+    return plans;
+}
+
+} // namespace
+
+std::vector<PlannedRecord> PlanSettings(
+    const NodeMap& nodes, const Port& port, const std::vector<FeatureRecord>& records)
+{
+    return ForEach(nodes, records, [&](const FeatureRecord& record) { return Look(nodes, port, record); });
+}
+
+std::vector<PlannedRecord> WriteSettings(
+    const NodeMap& nodes, const Port& port, const std::vector<FeatureRecord>& records)
+{
+    return ForEach(nodes, records, [&](const FeatureRecord& record) { return Write(nodes, port, record); });
+}
+
+} // namespace koro::tool

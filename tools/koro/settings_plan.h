@@ -1,0 +1,32 @@
+// SettingsPlan: the records of a feature file beside a camera as it stands: what would change, and what cannot be
+// written and why. One thread at a time.
+#pragma once
+
+#include "tools/koro/feature_file.h"
+#include <koro/koro.hpp>
+
+#include <string>
+#include <vector>
+
+namespace koro::tool
+{
+
+struct PlannedRecord
+{
+    const FeatureRecord* record;
+    std::string before;  // the camera's value; empty if it cannot be read
+    std::string problem; // why it cannot be written; empty if it can, or has not to be
+    bool isSame = false; // the camera has the value
+};
+
+// Looks at each record, with its selectors set for that moment. Writes nothing else, and sets the selectors back.
+// Points into `records`.
+std::vector<PlannedRecord> PlanSettings(
+    const NodeMap& nodes, const Port& port, const std::vector<FeatureRecord>& records);
+
+// Writes each record that the camera has not, one by one, in their order; the problems are those of the writing. The
+// selectors are set back. Used to find out which lines of a file fail.
+std::vector<PlannedRecord> WriteSettings(
+    const NodeMap& nodes, const Port& port, const std::vector<FeatureRecord>& records);
+
+} // namespace koro::tool
