@@ -1,6 +1,10 @@
+// For the magics alone; the stream operators are those of node_map_settings.cpp.
+#define GENAPI_DONT_USE_DEFAULT_PERSISTENCE_FILE_FORMAT
+
 #include "nodes/feature_file.h"
 
 #include <Base/GCException.h>
+#include <GenApi/GenApiVersion.h>
 #include <GenApi/Persistence.h>
 #include <algorithm>
 #include <string>

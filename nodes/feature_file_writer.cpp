@@ -1,5 +1,9 @@
+// For the magics alone; the stream operators are those of node_map_settings.cpp.
+#define GENAPI_DONT_USE_DEFAULT_PERSISTENCE_FILE_FORMAT
+
 #include "nodes/feature_file.h"
 
+#include <GenApi/GenApiVersion.h>
 #include <GenApi/Persistence.h>
 #include <algorithm>
 #include <string_view>

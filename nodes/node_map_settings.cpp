@@ -8,6 +8,7 @@
 #include "nodes/node_map.h"
 #include "nodes/translate_genapi_exceptions.h"
 
+#include <GenApi/GenApiVersion.h>
 #include <GenApi/Persistence.h>
 #include <cerrno>
 #include <fstream>
