@@ -22,11 +22,11 @@ void SetDeviceId(ConnectionRecord& record, const std::string& id) noexcept
 std::string RecordBlock(ConnectionRecord record, const RecordChanges& changes, std::size_t bytes)
 {
     if (changes.id) SetDeviceId(record, *changes.id);
-    record.changeKind = changes.changeKind.value_or(record.changeKind);
-    record.deviceFlag = changes.deviceFlag.value_or(record.deviceFlag);
-    record.reconnectFlag1 = changes.reconnectFlag1.value_or(record.reconnectFlag1);
-    record.reconnectFlag2 = changes.reconnectFlag2.value_or(record.reconnectFlag2);
-    record.reconnectValue = changes.reconnectValue.value_or(record.reconnectValue);
+    if (changes.changeKind) record.changeKind = *changes.changeKind;
+    if (changes.deviceFlag) record.deviceFlag = *changes.deviceFlag;
+    if (changes.reconnectFlag1) record.reconnectFlag1 = *changes.reconnectFlag1;
+    if (changes.reconnectFlag2) record.reconnectFlag2 = *changes.reconnectFlag2;
+    if (changes.reconnectValue) record.reconnectValue = *changes.reconnectValue;
     if (changes.shape == RecordShape::Unterminated)
         std::replace(std::begin(record.deviceId), std::end(record.deviceId), '\0', 'x');
     if (changes.shape == RecordShape::OtherInterface) record.interface = nullptr;
