@@ -1,5 +1,6 @@
 // Buffers with chunks. The first byte chooses the layout, the rest is the buffer, in a heap block of its size. What an
-// adapter shows is compared with a second reading of the buffer, written after the layouts alone.
+// adapter shows is compared with a second reading of the buffer.
+#include "fuzz/chunk_reading.h"
 #include "fuzz/fuzz_target.h"
 
 #include <GenApi/ChunkAdapterDcam.h>
@@ -21,80 +22,7 @@ namespace
 
 using namespace GENAPI_NAMESPACE;
 using GENICAM_NAMESPACE::RuntimeException;
-using koro::fuzz::Require;
-
-using Bytes = std::vector<std::uint8_t>;
-
-// The id as the layout compares it: its digits, without zeros in front.
-struct FoundChunk
-{
-    std::string id;
-    std::size_t offset;
-    std::size_t length;
-};
-struct Reading
-{
-    bool good = false;
-    std::vector<FoundChunk> chunks; // the last of the buffer first
-};
-
-std::string Digits(const std::uint8_t* bytes, std::size_t size, bool reversed)
-{
-    std::string text;
-    for (std::size_t i = 0; i < size; ++i)
-    {
-        char pair[3];
-        std::snprintf(pair, sizeof pair, "%02x", bytes[reversed ? size - 1 - i : i]);
-        text += pair;
-    }
-    text.erase(0, std::min(text.find_first_not_of('0'), text.size()));
-    return text;
-}
-
-std::uint64_t NumberAt(const Bytes& bytes, std::size_t offset, std::size_t size, bool big)
-{
-    std::uint64_t number = 0;
-    for (std::size_t i = 0; i < size; ++i)
-        number = number << 8 | bytes[offset + (big ? i : size - 1 - i)];
-    return number;
-}
-
-Reading ReadTrailers(const Bytes& bytes, bool big)
-{
-    Reading reading;
-    for (std::size_t end = bytes.size(); end != 0;)
-    {
-        if (end < 8) return reading;
-        const std::uint64_t length = NumberAt(bytes, end - 4, 4, big);
-        if (length + 8 > end) return reading;
-        end -= 8 + length;
-        reading.chunks.push_back({Digits(bytes.data() + end + length, 4, !big), end, length});
-    }
-    reading.good = !bytes.empty();
-    return reading;
-}
-
-bool IsDcamTrailer(const Bytes& bytes, std::size_t end)
-{
-    return end >= 24 && (NumberAt(bytes, end - 8, 4, false) ^ NumberAt(bytes, end - 4, 4, false)) == 0xffffffff;
-}
-
-Reading ReadDcam(const Bytes& bytes)
-{
-    Reading reading;
-    std::size_t end = bytes.size();
-    if (!IsDcamTrailer(bytes, end) && end >= 28 && IsDcamTrailer(bytes, end - 4)) end -= 4;
-    while (end != 0)
-    {
-        if (!IsDcamTrailer(bytes, end)) return reading;
-        const std::uint64_t length = NumberAt(bytes, end - 8, 4, false);
-        if (length < 24 || length > end) return reading;
-        reading.chunks.push_back({Digits(bytes.data() + end - 24, 16, false), end - length, length - 24});
-        end -= length;
-    }
-    reading.good = !bytes.empty();
-    return reading;
-}
+using namespace koro::fuzz;
 
 enum Form
 {

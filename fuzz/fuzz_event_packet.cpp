@@ -1,5 +1,6 @@
 // Event messages. The first byte chooses the transport, the rest is the message, in a heap block of its size. What
-// reaches the nodes is compared with a second reading of the message, written after the layouts alone.
+// reaches the nodes is compared with a second reading of the message.
+#include "fuzz/event_reading.h"
 #include "fuzz/fuzz_target.h"
 
 #include <GenApi/EventAdapter1394.h>
@@ -23,87 +24,7 @@ namespace
 
 using namespace GENAPI_NAMESPACE;
 using GENICAM_NAMESPACE::RuntimeException;
-using koro::fuzz::Require;
-
-using Bytes = std::vector<std::uint8_t>;
-
-struct Event
-{
-    std::uint64_t id;
-    Bytes bytes;
-};
-using Events = std::optional<std::vector<Event>>; // nothing: malformed
-
-const std::uint64_t ids[] = {0, 1, 0x9001, 0x9002, 0xffff};
-
-bool IsKnown(std::uint64_t id)
-{
-    return std::find(std::begin(ids), std::end(ids), id) != std::end(ids);
-}
-
-std::uint64_t NumberAt(const Bytes& bytes, std::size_t offset, std::size_t size, bool big)
-{
-    std::uint64_t number = 0;
-    for (std::size_t i = 0; i < size; ++i)
-        number = number << 8 | bytes[offset + (big ? i : size - 1 - i)];
-    return number;
-}
-
-Bytes Part(const Bytes& bytes, std::size_t first, std::size_t last)
-{
-    return Bytes(bytes.begin() + static_cast<std::ptrdiff_t>(first), bytes.begin() + static_cast<std::ptrdiff_t>(last));
-}
-
-Events ReadGigEVision(const Bytes& message)
-{
-    if (message.size() < 8 || message.size() > 8 + 0xffff || message[0] != 0x42) return std::nullopt;
-    const std::uint64_t command = NumberAt(message, 2, 2, true);
-    if (command != 0xc0 && command != 0xc2) return std::nullopt;
-    const std::size_t end = 8 + NumberAt(message, 4, 2, true);
-    if (end > message.size()) return std::nullopt;
-    const std::size_t head = message[1] & 0x10 ? 24 : 16;
-    std::vector<Event> events;
-    for (std::size_t at = 8; at + head <= end;)
-    {
-        std::size_t size = NumberAt(message, at, 2, true);
-        if (size == 0) size = command == 0xc0 ? head : end - at;
-        if (size < head || at + size > end) break;
-        Event event = {NumberAt(message, at + 2, 2, true), Part(message, at, at + size)};
-        event.bytes[0] = static_cast<std::uint8_t>(size / 256);
-        event.bytes[1] = static_cast<std::uint8_t>(size % 256);
-        events.push_back(event);
-        at += size;
-    }
-    return events;
-}
-
-Events ReadUSB3Vision(const Bytes& message)
-{
-    if (message.size() < 12 || message.size() > 12 + 0xffff) return std::nullopt;
-    if (NumberAt(message, 0, 4, false) != 0x45563355 || NumberAt(message, 6, 2, false) != 0x0c00) return std::nullopt;
-    const std::size_t end = 12 + NumberAt(message, 8, 2, false);
-    if (end > message.size()) return std::nullopt;
-    if (end < 24) return std::vector<Event>();
-    return std::vector<Event>{{NumberAt(message, 14, 2, false), Part(message, 12, end)}};
-}
-
-Events ReadCameraLink(const Bytes& message)
-{
-    if (message.size() < 16 || message.size() > 16 + 0xffff) return std::nullopt;
-    if (NumberAt(message, 0, 2, true) != 0x0100 || NumberAt(message, 10, 2, true) != 0x0c00) return std::nullopt;
-    const std::size_t end = 16 + NumberAt(message, 12, 2, true);
-    if (end > message.size()) return std::nullopt;
-    std::vector<Event> events;
-    for (std::size_t at = 16; at + 12 <= end;)
-    {
-        std::size_t size = NumberAt(message, at, 2, true);
-        if (size == 0) size = end - at;
-        if (size < 12 || at + size > end) break;
-        events.push_back({NumberAt(message, at + 2, 2, true), Part(message, at, at + size)});
-        at += size;
-    }
-    return events;
-}
+using namespace koro::fuzz;
 
 // The node map with a port for each id, and what its callbacks have seen.
 class Watched
@@ -133,7 +54,7 @@ public:
     {
         expected.clear();
         if (!events) return;
-        for (const Event& event : *events)
+        for (const ReadEvent& event : *events)
         {
             if (IsKnown(event.id)) expected.push_back(event);
         }
@@ -147,7 +68,7 @@ private:
     void Changed(INode* node)
     {
         Require(seen < expected.size(), "no event is made up");
-        const Event& event = expected[seen++];
+        const ReadEvent& event = expected[seen++];
         const std::string id = node->GetEventID().c_str();
         Require(std::stoull(id, nullptr, 16) == event.id, "an event reaches the node of its id");
         IPort& port = *dynamic_cast<IPort*>(node);
@@ -167,13 +88,13 @@ private:
         Require(refused, "nothing is read behind the event");
     }
 
-    std::vector<Event> expected;
+    std::vector<ReadEvent> expected;
     std::size_t seen = 0;
 };
 
 void CheckDelivery(Watched& watched, const Events& events, const std::function<void()>& deliver)
 {
-    watched.Expect(events ? events : Events(std::vector<Event>()));
+    watched.Expect(events ? events : Events(std::vector<ReadEvent>()));
     bool refused = false;
     try
     {
@@ -221,14 +142,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     case 3: {
         CEventAdapter1394 adapter(watched.map);
         const bool good = !message.empty() && message[0] == 0;
-        check(adapter, good ? Events(std::vector<Event>()) : std::nullopt);
+        check(adapter, good ? Events(std::vector<ReadEvent>()) : std::nullopt);
         break;
     }
     default: {
         // The id as a number and as a text, then the bytes.
         CEventAdapterGeneric adapter(watched.map);
         const std::uint64_t id = data[0] / 5 % 2 ? 0x9001 : message.size();
-        const Events event = std::vector<Event>{{id, message}};
+        const Events event = std::vector<ReadEvent>{{id, message}};
         CheckDelivery(watched, event, [&] { adapter.DeliverMessage(block.get(), count, id); });
         char digits[20];
         std::snprintf(digits, sizeof digits, "%llX", static_cast<unsigned long long>(id));

@@ -1,0 +1,49 @@
+// CameraRoad: cameras of a scripted producer with descriptions of the target's, opened through the exports.
+//
+// Made once for the process and never closed: an input begins and ends with nothing announced.
+#pragma once
+
+#include "producers/scripted/script.h"
+#include <koro/koro.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace koro::fuzz
+{
+
+// Ends the process when a call that only prepares fails.
+void RequireSuccess(KORO_ReturnCode code);
+
+struct RoadCamera
+{
+    std::string id;
+    KORO_DeviceHandle device;
+    KORO_NodeMapHandle map;
+    KORO_DataStreamHandle stream;
+    KORO_EventControllerHandle controller; // of the events of the camera
+
+    KORO_IntegerNodeHandle Integer(const std::string& name) const;
+};
+
+class CameraRoad
+{
+public:
+    // One camera for each transport layer, four at most; the nodes stand in a description around them.
+    CameraRoad(const std::vector<std::string>& tlTypes, const std::string& nodes);
+
+    scripted::Script& Producer() const { return *script; }
+    const std::vector<RoadCamera>& Cameras() const { return cameras; }
+
+    // The next bytes of an input that is read from its front.
+    static std::size_t Number(const std::uint8_t*& data, std::size_t& size, std::size_t bytes);
+    static std::vector<std::uint8_t> Piece(const std::uint8_t*& data, std::size_t& size);
+
+private:
+    scripted::Script* script = nullptr;
+    std::vector<RoadCamera> cameras;
+};
+
+} // namespace koro::fuzz
