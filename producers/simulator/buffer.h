@@ -6,6 +6,7 @@
 #include "producers/simulator/frame_plan.h"
 #include "producers/simulator/module.h"
 
+#include <array>
 #include <cstddef>
 #include <memory>
 #include <span>
@@ -29,11 +30,13 @@ struct FillResult
     std::uint64_t timestamp_ns = 0;
     std::size_t sizeFilled = 0; // bytes
     std::size_t dataSize = 0;   // bytes that were meant to come
-    std::size_t deliveredLines = 0;
     bool incomplete = false;
     bool largerThanBuffer = false;
     // Of the image, as the features were when it was taken.
     ImageShape shape{nullptr, 0, 0};
+    PartLayout parts;
+    bool isMultiPart = false;
+    std::array<std::size_t, numPartKinds> partLines{}; // delivered
     std::size_t offsetX = 0;
     std::size_t offsetY = 0;
     // Of its chunks; 0 where none came.

@@ -18,6 +18,8 @@ std::unique_ptr<ImageSource> MakeSource(const CameraSettings& settings)
     {
     case SourceKind::Sequence:
         return MakeSequenceSource();
+    case SourceKind::Surface:
+        return MakeSurfaceSource();
     case SourceKind::Folder:
         return MakePictureSource(LoadFolder(settings.folder));
     case SourceKind::Pattern:

@@ -7,7 +7,7 @@ namespace koro::simulator
 void CameraFeatures::AddChunks()
 {
     AddNumber(0xC00, &FeatureValues::chunkModeActive, 0, 1, Lock::WithFormat);
-    map.AddInteger(0xC08, 8, [this] { return std::uint64_t{state.values.Shape().ImageBytes()}; });
+    map.AddInteger(0xC08, 8, [this] { return std::uint64_t{state.values.Parts().Bytes()}; });
     map.AddInteger(
         0xC40, 4, [] { return std::uint64_t{1}; },
         [](std::uint64_t wanted) {

@@ -41,6 +41,7 @@ CameraFeatures::CameraFeatures(
     AddFileAccess();
     AddEvents();
     AddChunks();
+    AddScan3d();
     AddTransportLayer();
     map.SetSnapshot([this]() -> RegisterMap::Action {
         return [this, before = state, filesBefore = files.TheRegisters()] {

@@ -127,6 +127,8 @@ private:
     void TellEvents();
     // camera_chunk_registers.cpp
     void AddChunks();
+    // camera_scan3d_registers.cpp
+    void AddScan3d();
     // camera_transport_registers.cpp
     void AddTransportLayer();
     void AddGigEVision();
@@ -166,6 +168,13 @@ private:
     double Temperature(std::size_t place) const;
     std::uint64_t ClockValue_ns() const;
     std::uint64_t StatusBits() const;
+    // From a number to a coordinate.
+    struct Line
+    {
+        double scale_mm;
+        double offset_mm;
+    };
+    Line Coordinate(std::size_t axis) const;
 
     const CameraSettings& settings;
     const CameraConnection& connection;

@@ -189,7 +189,7 @@ std::string IdentityOf(const CameraSettings& settings, const std::string& tlType
     std::string identity = tlType;
     for (const std::string& part :
          {settings.vendor, settings.model, settings.serial, settings.format->name, std::to_string(settings.width),
-          std::to_string(settings.height), std::to_string(settings.rate)})
+          std::to_string(settings.height), std::to_string(settings.rate), std::string(settings.scan3d ? "3D" : "2D")})
         identity += '\n' + part;
     return identity;
 }

@@ -11,6 +11,7 @@
 
 #include <atomic>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -45,8 +46,9 @@ public:
     InfoValue BufferInfo(const Buffer& buffer, BUFFER_INFO_CMD command) const;
     // As they lie in the buffer now; throws for a buffer without.
     std::vector<SINGLE_CHUNK_DATA> Chunks(const Buffer& buffer) const;
-    // What part queries answer, since the images of this producer have none.
-    [[noreturn]] void RefuseContent(const Buffer& buffer, const char* what) const;
+    // These throw for a buffer that is no multi-part one.
+    std::uint32_t NumParts(const Buffer& buffer) const;
+    InfoValue PartInfo(const Buffer& buffer, std::uint32_t index, BUFFER_PART_INFO_CMD command) const;
     InfoValue SegmentInfo(const Buffer& buffer, std::uint32_t index, SEGMENT_INFO_CMD command) const;
     void RequireBuffer(const Buffer& buffer) const;
 
@@ -60,6 +62,7 @@ private:
     void StopEngine(bool kill); // control held
     std::shared_ptr<Buffer> Add(std::shared_ptr<Buffer> buffer);
     void RequireBufferLocked(const Buffer& buffer) const;
+    std::span<const Part> PartsLocked(const Buffer& buffer) const;
     InfoValue FilledBufferInfo(const Buffer& buffer, BUFFER_INFO_CMD command) const;
 
     const std::shared_ptr<Device> parent;

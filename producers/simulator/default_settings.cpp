@@ -29,6 +29,12 @@ CameraSettings WithChunks(CameraSettings camera)
     return camera;
 }
 
+CameraSettings WithScan3d(CameraSettings camera)
+{
+    camera.scan3d = true;
+    return camera;
+}
+
 } // namespace
 
 Settings DefaultSettings()
@@ -47,7 +53,8 @@ Settings DefaultSettings()
          "Simulated USB3 Vision",
          "U3V",
          {Camera("KS0003", "UsbColour", "colour", "RGB8", 640, 480, 25, SourceKind::Pattern, DescriptionForm::TwoURLs),
-          Camera("KS0004", "UsbPlayer", "player", "Mono8", 640, 480, 25, SourceKind::Sequence)}},
+          Camera("KS0004", "UsbPlayer", "player", "Mono8", 640, 480, 25, SourceKind::Sequence),
+          WithScan3d(Camera("KS0006", "UsbDepth", "depth", "Mono8", 320, 240, 10, SourceKind::Surface))}},
         {"SimIIDC",
          "Simulated IIDC",
          "IIDC",

@@ -13,8 +13,6 @@ using namespace koro::simulator; // NOLINT(google-build-using-namespace): entry 
 namespace
 {
 
-constexpr const char* noParts = "no parts: it is one image";
-
 struct StreamAndBuffer
 {
     std::shared_ptr<DataStream> stream;
@@ -39,6 +37,25 @@ GC_ERROR ResultOf(const Query& query)
     catch (const Failure& failure)
     {
         return failure.Code();
+    }
+}
+
+// The entries are packed, so their members must not be pointed to.
+template <typename Entry, typename Info>
+void AnswerEach(Entry* entries, size_t number, const Info& info)
+{
+    for (size_t index = 0; index < number; ++index)
+    {
+        Entry entry = entries[index];
+        size_t size = entry.iSize;
+        INFO_DATATYPE type = INFO_DATATYPE_UNKNOWN;
+        entry.iResult = ResultOf([&] {
+            const InfoOutput output{&type, entry.pBuffer, &size};
+            output.Write(info(entry));
+        });
+        entry.iSize = size;
+        entry.iType = type;
+        entries[index] = entry;
     }
 }
 
@@ -145,19 +162,18 @@ GC_ERROR DSGetNumBufferParts(DS_HANDLE hDataStream, BUFFER_HANDLE hBuffer, uint3
     return Call(__func__, [=] {
         const auto [stream, buffer] = FindBuffer(hDataStream, hBuffer);
         RequirePointer(piNumParts, "piNumParts");
-        stream->RefuseContent(*buffer, noParts);
+        *piNumParts = stream->NumParts(*buffer);
     });
 }
 
 GC_ERROR DSGetBufferPartInfo(
-    DS_HANDLE hDataStream, BUFFER_HANDLE hBuffer, uint32_t, BUFFER_PART_INFO_CMD iInfoCmd, INFO_DATATYPE* piType,
-    void* pBuffer, size_t* piSize)
+    DS_HANDLE hDataStream, BUFFER_HANDLE hBuffer, uint32_t iPartIndex, BUFFER_PART_INFO_CMD iInfoCmd,
+    INFO_DATATYPE* piType, void* pBuffer, size_t* piSize)
 {
     return Call(__func__, [=, function = __func__] {
         const auto found = FindBuffer(hDataStream, hBuffer);
-        Answer(function, iInfoCmd, {piType, pBuffer, piSize}, [&]() -> InfoValue {
-            found.stream->RefuseContent(*found.buffer, noParts);
-        });
+        const auto info = [&] { return found.stream->PartInfo(*found.buffer, iPartIndex, iInfoCmd); };
+        Answer(function, iInfoCmd, {piType, pBuffer, piSize}, info);
     });
 }
 
@@ -182,20 +198,9 @@ GC_ERROR DSGetBufferInfoStacked(
         RequirePointer(pInfoStacked, "pInfoStacked");
         if (iNumInfos == 0) throw Failure(GC_ERR_INVALID_PARAMETER, "the number of queries must not be 0");
         found.stream->RequireBuffer(*found.buffer);
-        for (size_t index = 0; index < iNumInfos; ++index)
-        {
-            // The entries are packed, so their members must not be pointed to.
-            DS_BUFFER_INFO_STACKED entry = pInfoStacked[index];
-            size_t size = entry.iSize;
-            INFO_DATATYPE type = INFO_DATATYPE_UNKNOWN;
-            entry.iResult = ResultOf([&] {
-                const InfoOutput output{&type, entry.pBuffer, &size};
-                output.Write(found.stream->BufferInfo(*found.buffer, entry.iInfoCmd));
-            });
-            entry.iSize = size;
-            entry.iType = type;
-            pInfoStacked[index] = entry;
-        }
+        AnswerEach(pInfoStacked, iNumInfos, [&](const DS_BUFFER_INFO_STACKED& entry) {
+            return found.stream->BufferInfo(*found.buffer, entry.iInfoCmd);
+        });
     });
 }
 
@@ -206,7 +211,10 @@ GC_ERROR DSGetBufferPartInfoStacked(
         const auto found = FindBuffer(hDataStream, hBuffer);
         RequirePointer(pInfoStacked, "pInfoStacked");
         if (iNumInfos == 0) throw Failure(GC_ERR_INVALID_PARAMETER, "the number of queries must not be 0");
-        found.stream->RefuseContent(*found.buffer, noParts);
+        found.stream->NumParts(*found.buffer); // fails as a whole for a buffer without parts
+        AnswerEach(pInfoStacked, iNumInfos, [&](const DS_BUFFER_PART_INFO_STACKED& entry) {
+            return found.stream->PartInfo(*found.buffer, entry.iPartIndex, entry.iInfoCmd);
+        });
     });
 }
 

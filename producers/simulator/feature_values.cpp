@@ -27,11 +27,6 @@ bool IsTrueColour(Colours colours) noexcept
     return colours == Colours::RGB || colours == Colours::BGR;
 }
 
-void RequireBounded(const ImageShape& shape)
-{
-    if (shape.ImageBytes() > maxPayloadBytes) RefuseValue("the image would be too large");
-}
-
 template <typename Number>
 bool IsWithin(Number value, Number least, Number most) noexcept
 {
@@ -47,7 +42,8 @@ bool TriggerFits(const Trigger& trigger) noexcept
 
 Sensor::Sensor(const CameraSettings& settings)
     : width(settings.width), height(settings.height), colours(settings.format->colours),
-      neutralExposure_us(usualExposure_us), freeRate(settings.rate > 0 ? std::max(fastestRate, settings.rate) : 0)
+      neutralExposure_us(usualExposure_us), freeRate(settings.rate > 0 ? std::max(fastestRate, settings.rate) : 0),
+      measures(settings.scan3d)
 {
     if (settings.rate > 0)
         neutralExposure_us = std::clamp(microseconds / settings.rate, minExposure_us, usualExposure_us);
@@ -61,7 +57,8 @@ bool Sensor::CanSend(const PixelFormat& format) const noexcept
 }
 
 FeatureValues::FeatureValues(const CameraSettings& settings)
-    : format(settings.format), width(settings.width), height(settings.height), rateEnabled(settings.rate > 0 ? 1 : 0),
+    : format(settings.format), width(settings.width), height(settings.height),
+      partSet(settings.scan3d ? allParts : intensityPart), rateEnabled(settings.rate > 0 ? 1 : 0),
       rate(settings.rate > 0 ? settings.rate : usualRate), exposure_us(Sensor(settings).neutralExposure_us)
 {
     std::iota(table.begin(), table.end(), std::uint8_t{0});
@@ -82,6 +79,11 @@ std::uint64_t FeatureValues::BinningMax(std::size_t sensorSide, std::uint64_t le
 {
     if (IsBayer(format->colours)) return 1;
     return std::clamp<std::uint64_t>(sensorSide / least, 1, largestBinning);
+}
+
+void FeatureValues::RequireBounded(const ImageShape& shape) const
+{
+    if (PartLayout(partSet, shape).Bytes() > maxPayloadBytes) RefuseValue("the image would be too large");
 }
 
 void FeatureValues::SetWidth(const Sensor& sensor, std::uint64_t value)
@@ -175,9 +177,29 @@ std::uint64_t FeatureValues::LineLevels() const noexcept
     return input | output << 1;
 }
 
-ChunkLayout FeatureValues::Chunks(ChunkForm form) const noexcept
+void FeatureValues::SetPart(PartKind kind, std::uint64_t isSent)
 {
-    const std::size_t imageBytes = Shape().ImageBytes();
+    if (isSent > 1) RefuseValue("the value is out of range");
+    const PartSet bit = PartSet{1} << static_cast<std::uint32_t>(kind);
+    const PartSet wanted = isSent == 1 ? partSet | bit : partSet & ~bit;
+    if (wanted == 0) RefuseValue("one component at least is sent");
+    if (PartLayout(wanted, Shape()).Bytes() > maxPayloadBytes) RefuseValue("the payload would be too large");
+    partSet = wanted;
+}
+
+Axis FeatureValues::AxisX(const Sensor& sensor) const noexcept
+{
+    return {WidthMax(sensor), offsetX, binningHorizontal, reverseX == 1};
+}
+
+Axis FeatureValues::AxisY(const Sensor& sensor) const noexcept
+{
+    return {HeightMax(sensor), offsetY, binningVertical, reverseY == 1};
+}
+
+ChunkLayout FeatureValues::Chunks(ChunkForm form) const
+{
+    const std::size_t imageBytes = Parts().Bytes();
     return chunkModeActive == 1 ? ChunkLayout(form, chunkSet, imageBytes) : ChunkLayout(imageBytes);
 }
 
@@ -202,10 +224,12 @@ FramePlan FeatureValues::MakePlan(const Sensor& sensor, ChunkForm form) const
         Shape(),
         sensor.width,
         sensor.height,
-        {WidthMax(sensor), offsetX, binningHorizontal, reverseX == 1},
-        {HeightMax(sensor), offsetY, binningVertical, reverseY == 1},
+        AxisX(sensor),
+        AxisY(sensor),
         static_cast<TestPattern>(testPattern),
         {},
+        Parts(),
+        partSet != intensityPart,
         Chunks(form),
         MakeChunkValues(sensor)};
     const double light = Exposure_us(sensor) / sensor.neutralExposure_us * GainFactor();
@@ -233,9 +257,10 @@ bool FeatureValues::GeometryFits(const Sensor& sensor) const
     if (!IsWithin<std::uint64_t>(width, 1, WidthMax(sensor)) || width % WidthStep() != 0) return false;
     if (!IsWithin<std::uint64_t>(height, 1, HeightMax(sensor))) return false;
     return offsetX <= WidthMax(sensor) - width && offsetX % offsetStep == 0 && offsetY <= HeightMax(sensor) - height &&
-           offsetY % offsetStep == 0 && reverseX <= 1 && reverseY <= 1 && Shape().ImageBytes() <= maxPayloadBytes &&
+           offsetY % offsetStep == 0 && reverseX <= 1 && reverseY <= 1 && Parts().Bytes() <= maxPayloadBytes &&
            testPattern <= static_cast<std::uint64_t>(TestPattern::ColorBar) && chunkModeActive <= 1 &&
-           (chunkSet & imageChunk) != 0 && chunkSet <= allChunks;
+           (chunkSet & imageChunk) != 0 && chunkSet <= allChunks && partSet >= 1 &&
+           partSet <= (sensor.measures ? allParts : intensityPart) && scan3dMode <= 1;
 }
 
 bool FeatureValues::AcquisitionFits() const noexcept

@@ -45,6 +45,7 @@ struct Sensor
     Colours colours;
     double neutralExposure_us; // the pictures are as their formula says
     double freeRate;           // frames per second without a set rate; 0: unpaced
+    bool measures;             // distances
 
     // Whether the sensor can send that format at all.
     bool CanSend(const PixelFormat& format) const noexcept;
@@ -68,6 +69,8 @@ public:
     std::uint64_t testPattern = 0;
     std::uint64_t chunkModeActive = 0;
     ChunkSet chunkSet = imageChunk; // enabled, with or without the mode
+    PartSet partSet;
+    std::uint64_t scan3dMode = 1; // rectified
 
     std::uint64_t acquisitionMode = 0;
     std::uint64_t frameCount = 1;
@@ -100,7 +103,10 @@ public:
     std::uint64_t transferSize = 65536;
 
     ImageShape Shape() const noexcept { return {format, width, height}; }
-    ChunkLayout Chunks(ChunkForm form) const noexcept;
+    PartLayout Parts() const { return {partSet, Shape()}; }
+    ChunkLayout Chunks(ChunkForm form) const;
+    Axis AxisX(const Sensor& sensor) const noexcept;
+    Axis AxisY(const Sensor& sensor) const noexcept;
     std::uint64_t WidthMax(const Sensor& sensor) const noexcept { return sensor.width / binningHorizontal; }
     std::uint64_t HeightMax(const Sensor& sensor) const noexcept { return sensor.height / binningVertical; }
     std::uint64_t WidthStep() const noexcept { return StepOf(*format); }
@@ -115,6 +121,8 @@ public:
     void SetBinningVertical(const Sensor& sensor, std::uint64_t value);
     // The width goes down to the next that the format allows.
     void SetFormat(const Sensor& sensor, std::uint64_t code);
+    // One at least is sent.
+    void SetPart(PartKind kind, std::uint64_t isSent);
 
     // All gains but the balance.
     double GainFactor() const;
@@ -135,6 +143,7 @@ public:
 
 private:
     static std::uint64_t StepOf(const PixelFormat& format) noexcept;
+    void RequireBounded(const ImageShape& shape) const;
     ChunkValues MakeChunkValues(const Sensor& sensor) const noexcept;
     bool GeometryFits(const Sensor& sensor) const;
     bool AcquisitionFits() const noexcept;
@@ -159,6 +168,8 @@ void FeatureValues::ForEachField(Values& values, const Each& each)
     each(values.testPattern);
     each(values.chunkModeActive);
     each(values.chunkSet);
+    each(values.partSet);
+    each(values.scan3dMode);
     each(values.acquisitionMode);
     each(values.frameCount);
     each(values.rateEnabled);

@@ -1,5 +1,7 @@
 #include "producers/simulator/frame_drawer.h"
 
+#include "producers/simulator/surface_drawer.h"
+
 #include <algorithm>
 #include <cstring>
 
@@ -12,7 +14,14 @@ constexpr std::size_t maxKeptBytes = std::size_t{1} << 29;
 
 } // namespace
 
-void FrameDrawer::Draw(std::uint64_t n, const std::shared_ptr<const FramePlan>& plan, std::span<std::byte> memory)
+void FrameDrawer::Draw(
+    std::uint64_t n, const std::shared_ptr<const FramePlan>& plan, const Part& part, std::span<std::byte> memory)
+{
+    if (part.kind == PartKind::Intensity) return DrawImage(n, plan, memory);
+    DrawSurface(n, part, *plan, memory);
+}
+
+void FrameDrawer::DrawImage(std::uint64_t n, const std::shared_ptr<const FramePlan>& plan, std::span<std::byte> memory)
 {
     const std::size_t numPictures = source.NumPictures();
     const std::size_t payload = plan->shape.ImageBytes();

@@ -16,10 +16,13 @@ class FrameDrawer
 public:
     explicit FrameDrawer(const ImageSource& drawnSource) : source(drawnSource) {}
 
-    // Writes as many whole lines of frame n as `memory` takes.
-    void Draw(std::uint64_t n, const std::shared_ptr<const FramePlan>& plan, std::span<std::byte> memory);
+    // Writes as many whole lines of that part of frame n as `memory` takes.
+    void Draw(
+        std::uint64_t n, const std::shared_ptr<const FramePlan>& plan, const Part& part, std::span<std::byte> memory);
 
 private:
+    void DrawImage(std::uint64_t n, const std::shared_ptr<const FramePlan>& plan, std::span<std::byte> memory);
+
     const ImageSource& source;
     std::shared_ptr<const FramePlan> keptPlan; // of all that is kept
     std::vector<std::vector<std::byte>> kept;  // empty where not drawn yet

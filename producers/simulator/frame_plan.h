@@ -2,6 +2,8 @@
 #pragma once
 
 #include "producers/simulator/chunks.h"
+#include "producers/simulator/image_shape.h"
+#include "producers/simulator/parts.h"
 #include "producers/simulator/pattern.h"
 #include "producers/simulator/pixel_format.h"
 
@@ -12,16 +14,6 @@
 
 namespace koro::simulator
 {
-
-struct ImageShape
-{
-    const PixelFormat* format; // lives as long as the library
-    std::size_t width;         // pixels
-    std::size_t height;        // lines
-
-    std::size_t LineBytes() const noexcept { return format->LineBytes(width); }
-    std::size_t ImageBytes() const noexcept { return LineBytes() * height; }
-};
 
 // Which sensor pixels make up one side of the image.
 struct Axis
@@ -49,6 +41,8 @@ struct FramePlan
     TestPattern testPattern;
     // By component, the sample that becomes of each sample; empty where none changes.
     std::array<std::vector<std::uint16_t>, 4> response;
+    PartLayout parts;
+    bool isMultiPart = false;
     ChunkLayout chunks;
     ChunkValues chunkValues; // but those that each frame has of its own
 

@@ -1,5 +1,7 @@
 #include "producers/simulator/image_source.h"
 
+#include "producers/simulator/surface.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -92,6 +94,21 @@ private:
     }
 };
 
+class SurfaceSource final : public ImageSource
+{
+public:
+    std::size_t NumPictures() const noexcept override { return surfaceLength; }
+
+private:
+    void DrawScene(std::uint64_t n, const FramePlan& plan, std::span<std::byte> memory) const override
+    {
+        DrawLines(plan, memory, true, [n, &plan](Component, std::size_t x, std::size_t y) {
+            const auto value = SurfaceValue(x, y, n, plan.sensorWidth, plan.sensorHeight);
+            return Deepen(value, plan.shape.format->depth, x);
+        });
+    }
+};
+
 class PictureSource final : public ImageSource
 {
 public:
@@ -131,6 +148,11 @@ std::unique_ptr<ImageSource> MakePatternSource()
 std::unique_ptr<ImageSource> MakeSequenceSource()
 {
     return std::make_unique<SequenceSource>();
+}
+
+std::unique_ptr<ImageSource> MakeSurfaceSource()
+{
+    return std::make_unique<SurfaceSource>();
 }
 
 std::unique_ptr<ImageSource> MakePictureSource(std::vector<Picture> pictures)

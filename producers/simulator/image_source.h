@@ -37,6 +37,9 @@ std::unique_ptr<ImageSource> MakePatternSource();
 // The built-in ten images, SequenceValue.
 std::unique_ptr<ImageSource> MakeSequenceSource();
 
+// What 3D cameras measure as a picture, SurfaceValue.
+std::unique_ptr<ImageSource> MakeSurfaceSource();
+
 // Frame n shows picture (n - 1) modulo their number; the upper left corner is shown where it is larger, black where it
 // ends.
 std::unique_ptr<ImageSource> MakePictureSource(std::vector<Picture> pictures);

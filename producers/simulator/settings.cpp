@@ -46,8 +46,10 @@ void ReadSource(JsonObject& object, CameraSettings& camera)
         camera.source = SourceKind::Sequence;
     else if (source == "folder")
         camera.source = SourceKind::Folder;
+    else if (source == "surface")
+        camera.source = SourceKind::Surface;
     else if (!source.empty())
-        object.Refuse("source", "must be pattern, sequence or folder");
+        object.Refuse("source", "must be pattern, sequence, surface or folder");
     if (!folder.empty()) camera.folder = folder;
     // A folder camera without a folder plays the built-in sequence.
     if (camera.source == SourceKind::Folder && camera.folder.empty()) camera.source = SourceKind::Sequence;
@@ -93,6 +95,7 @@ void ReadCommon(JsonObject& object, CameraSettings& camera)
     ReadSource(object, camera);
     ReadDescription(object, camera);
     ReadChunks(object, camera.chunks, camera.chunkChecksum);
+    object.Read("scan3d", camera.scan3d);
     object.Read("startWithStream", camera.startWithStream);
     object.Read("extendedEventIds", camera.extendedEventIds);
     object.Read("eventsPerPacket", camera.eventsPerPacket, 1, EventPackets::maxItems);
@@ -108,7 +111,9 @@ void CheckShape(const JsonObject& object, const CameraSettings& camera)
 {
     if (!camera.format->FitsWidth(camera.width))
         object.Refuse("width", "a line of " + camera.format->name + " must end on a whole byte");
-    if (ImageShape{camera.format, camera.width, camera.height}.ImageBytes() > maxPayloadBytes)
+    const PartLayout parts(
+        camera.scan3d ? allParts : intensityPart, ImageShape{camera.format, camera.width, camera.height});
+    if (parts.Bytes() > maxPayloadBytes)
         object.Refuse("height", "an image must have at most " + std::to_string(maxPayloadBytes) + " bytes");
 }
 

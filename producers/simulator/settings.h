@@ -21,7 +21,8 @@ enum class SourceKind
 {
     Pattern,
     Sequence,
-    Folder
+    Folder,
+    Surface
 };
 
 // How a camera serves its description.
@@ -67,6 +68,7 @@ struct CameraSettings
 
     std::optional<ChunkSet> chunks; // enabled from the start, with the mode; nothing: the mode is off
     bool chunkChecksum = true;      // of IIDC cameras
+    bool scan3d = false;            // sends parts: the image, ranges and confidences
 
     bool extendedEventIds = false; // of frames in event packets of GigE Vision: 64 bits
     std::size_t eventsPerPacket = 1;

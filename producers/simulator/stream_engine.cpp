@@ -239,6 +239,8 @@ bool StreamEngine::FillNext(Lock& lock, const Frame& frame, std::uint64_t timest
     result.timestamp_ns = timestamp_ns;
     result.dataSize = plan.chunks.PayloadBytes();
     result.shape = plan.shape;
+    result.parts = plan.parts;
+    result.isMultiPart = plan.isMultiPart;
     result.offsetX = plan.x.offset;
     result.offsetY = plan.y.offset;
     const FrameFault* fault = camera->FaultOfFrame(frame.id);
@@ -264,16 +266,22 @@ bool StreamEngine::FillNext(Lock& lock, const Frame& frame, std::uint64_t timest
 
 void StreamEngine::Draw(const Buffer& buffer, const Frame& frame, FillResult& result, const FrameFault* fault)
 {
-    const ImageShape& shape = frame.plan->shape;
-    const std::size_t fitting = buffer.Memory().size() / shape.LineBytes();
-    result.largerThanBuffer = buffer.Memory().size() < result.dataSize;
-    result.deliveredLines = std::min(fitting, shape.height);
-    if (fault != nullptr && fault->deliveredLines)
-        result.deliveredLines = std::min(result.deliveredLines, *fault->deliveredLines);
-    result.incomplete = result.largerThanBuffer || (fault != nullptr && fault->deliveredLines);
-    result.sizeFilled = result.deliveredLines * shape.LineBytes();
-    drawer.Draw(frame.id, frame.plan, buffer.Memory().first(result.sizeFilled));
-    if (!result.incomplete) AddChunks(buffer.Memory().first(result.dataSize), frame, result, fault);
+    const std::span<std::byte> memory = buffer.Memory();
+    const bool losesLines = fault != nullptr && fault->deliveredLines;
+    result.largerThanBuffer = memory.size() < result.dataSize;
+    result.incomplete = result.largerThanBuffer || losesLines;
+    std::size_t index = 0;
+    for (const Part& part : result.parts.Parts())
+    {
+        const auto room = memory.subspan(std::min(part.offset, memory.size()));
+        const std::size_t lineBytes = part.shape.LineBytes();
+        std::size_t lines = std::min(room.size() / lineBytes, part.shape.height);
+        if (losesLines) lines = std::min(lines, *fault->deliveredLines);
+        drawer.Draw(frame.id, frame.plan, part, room.first(lines * lineBytes));
+        if (lines > 0) result.sizeFilled = part.offset + lines * lineBytes;
+        result.partLines[index++] = lines;
+    }
+    if (!result.incomplete) AddChunks(memory.first(result.dataSize), frame, result, fault);
 }
 
 void StreamEngine::AddChunks(

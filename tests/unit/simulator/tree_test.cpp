@@ -20,7 +20,7 @@ TEST(SimulatorTree, DefaultsAreTheDocumentedCameras)
     };
     const std::vector<Kind> kinds = {
         {"SimGEV", "GEV", {"GevMono_KS0001", "GevBayer_KS0002", "GevChunks_KS0005"}},
-        {"SimU3V", "U3V", {"UsbColour_KS0003", "UsbPlayer_KS0004"}},
+        {"SimU3V", "U3V", {"UsbColour_KS0003", "UsbPlayer_KS0004", "UsbDepth_KS0006"}},
         {"SimIIDC", "IIDC", {"IidcChunks_KS0007"}}};
     const Producer producer;
     TL_HANDLE system = nullptr;
