@@ -5,8 +5,8 @@
  * callback of a started update and ends with the observer. There is nothing to destruct. It is a copy: neither the
  * file nor what the updater collects later changes it. Any thread.
  *
- * Texts are as they stand in the file, in English where it has several languages; an entry that the file does not have
- * is an empty text.
+ * Texts are as they stand in the file; of several languages English, else the one without a language, else the first.
+ * An entry that the file does not have is an empty text.
  */
 #ifndef KORO_FIRMWARE_UPDATE_INFORMATION_H
 #define KORO_FIRMWARE_UPDATE_INFORMATION_H

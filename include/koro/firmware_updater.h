@@ -82,9 +82,10 @@ KORO_API KORO_ReturnCode KORO_FirmwareUpdater_UpdateDevice(
  * @param[in] firmwareUpdateInformationHandle      of any updater; one that does not fit the camera is refused before
  *                                                 anything is written
  * @param[in] firmwareUpdateProgressObserverHandle is told how it goes, on this thread; null for nobody
- * @param[in] resetTimeout_ms                      milliseconds from each reset to the end of the search, at least one
- * of which is made; KORO_INFINITE searches until the camera is found. The pause before the first search, for which the
- * file may ask, is made whatever the time-out is
+ * @param[in] resetTimeout_ms                      milliseconds from each reset to the end of the search;
+ *                                                 KORO_INFINITE searches until the camera is found. One search is made
+ *                                                 in any case, and so is the pause before it for which the file may
+ *                                                 ask: at most an hour, or as long as this time-out
  * @return KORO_RETURN_CODE_TIMEOUT when the camera does not come back after a reset;
  *         KORO_RETURN_CODE_BAD_ACCESS when it is open elsewhere, in this program too;
  *         KORO_RETURN_CODE_INVALID_ARGUMENT when the update does not fit it;
