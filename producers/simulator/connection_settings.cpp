@@ -29,6 +29,17 @@ RecordShape ReadShape(JsonObject& object)
     object.Refuse("record", "must be whole, unterminated, otherInterface or short");
 }
 
+void ReadRecord(JsonObject& object, RecordChanges& record)
+{
+    record.shape = ReadShape(object);
+    if (object.Has("id")) object.Read("id", record.id.emplace());
+    ReadNumber(object, "changeKind", record.changeKind);
+    ReadNumber(object, "deviceFlag", record.deviceFlag);
+    ReadNumber(object, "reconnectFlag1", record.reconnectFlag1);
+    ReadNumber(object, "reconnectFlag2", record.reconnectFlag2);
+    ReadNumber(object, "reconnectValue", record.reconnectValue);
+}
+
 ConnectionStep ReadStep(const nlohmann::json& value, const std::string& place)
 {
     JsonObject object(value, place);
@@ -42,16 +53,15 @@ ConnectionStep ReadStep(const nlohmann::json& value, const std::string& place)
         step.kind = ConnectionStep::Kind::Replug;
     else if (kind == "tell")
         step.kind = ConnectionStep::Kind::Tell;
+    else if (kind == "send")
+        step.kind = ConnectionStep::Kind::Send;
     else
-        object.Refuse("do", "must be unplug, replug or tell");
+        object.Refuse("do", "must be unplug, replug, tell or send");
     object.Read("after_ms", step.after_ms, 0, maxAfter_ms);
-    step.record.shape = ReadShape(object);
-    if (object.Has("id")) object.Read("id", step.record.id.emplace());
-    ReadNumber(object, "changeKind", step.record.changeKind);
-    ReadNumber(object, "deviceFlag", step.record.deviceFlag);
-    ReadNumber(object, "reconnectFlag1", step.record.reconnectFlag1);
-    ReadNumber(object, "reconnectFlag2", step.record.reconnectFlag2);
-    ReadNumber(object, "reconnectValue", step.record.reconnectValue);
+    if (step.kind == ConnectionStep::Kind::Send)
+        step.event = ReadEventRequest(object);
+    else
+        ReadRecord(object, step.record);
     object.RequireNothingElse();
     return step;
 }

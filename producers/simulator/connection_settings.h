@@ -2,6 +2,7 @@
 #pragma once
 
 #include "producers/simulator/connection_record.h"
+#include "producers/simulator/event_request.h"
 #include "producers/simulator/json_reader.h"
 
 #include <cstddef>
@@ -18,12 +19,14 @@ struct ConnectionStep
     {
         Unplug,
         Replug,
-        Tell // a record alone
+        Tell, // a record alone
+        Send  // an event of a module
     };
     std::string camera; // serial number
     Kind kind = Kind::Unplug;
     std::uint64_t after_ms = 0; // since the step before
-    RecordChanges record;
+    RecordChanges record;       // of the first three kinds
+    EventRequest event;         // of the last
 };
 
 struct ConnectionSettings

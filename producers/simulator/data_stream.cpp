@@ -74,6 +74,7 @@ PortRegisters DataStream::MakeRegisters()
     mirror(0x1B8, 8, STREAM_INFO_NUM_STARTED);
     mirror(0x1C0, 8, STREAM_INFO_NUM_DELIVERED);
     mirror(0x1C8, 8, STREAM_INFO_NUM_UNDERRUN);
+    AddEventRegisters(*map, camera->TLType());
     return {map, {LocalURL(streamDescription)}};
 }
 
@@ -169,6 +170,13 @@ void DataStream::Start(ACQ_START_FLAGS flags, std::uint64_t number)
         camera->Features().OnStreamStop();
         throw;
     }
+    TellLock("1");
+}
+
+// The standard's word to a consumer that it is time to lock the format, or to unlock it.
+void DataStream::TellLock(const char* value)
+{
+    parent->RaiseEvent(EVENT_FEATURE_CHANGE, FeatureBlock("TLParamsLocked") + FeatureBlock(value));
 }
 
 void DataStream::StopEngine(bool kill)
@@ -177,6 +185,7 @@ void DataStream::StopEngine(bool kill)
     engine.Stop(kill);
     // A camera that went has stopped by itself, and may be open again elsewhere.
     if (!parent->TheConnection()->IsLost()) camera->Features().OnStreamStop();
+    TellLock("0");
 }
 
 void DataStream::Stop(ACQ_STOP_FLAGS flags)

@@ -60,6 +60,7 @@ private:
 
     PortRegisters MakeRegisters();
     void StopEngine(bool kill); // control held
+    void TellLock(const char* value);
     std::shared_ptr<Buffer> Add(std::shared_ptr<Buffer> buffer);
     void RequireBufferLocked(const Buffer& buffer) const;
     std::span<const Part> PartsLocked(const Buffer& buffer) const;

@@ -148,6 +148,7 @@ PortRegisters Device::MakeRegisters()
     AddSetting(*map, 0x1B0, commandLength, 36, 65535);
     map->AddText(0x200, textRegisterBytes, DataStream::TheId());
     map->AddText(0x1100, 512, camera->DisplayNameUnder(id));
+    AddEventRegisters(*map, camera->TLType());
     return {map, {LocalURL(deviceDescription)}};
 }
 
@@ -204,7 +205,12 @@ void Device::RaiseCameraGone()
 
 void Device::SilenceStream()
 {
-    if (const auto stream = streams.Find(DataStream::TheId())) stream->CutOff();
+    if (const auto stream = FindOpenStream()) stream->CutOff();
+}
+
+std::shared_ptr<DataStream> Device::FindOpenStream() const
+{
+    return streams.Find(DataStream::TheId());
 }
 
 void Device::OnInterruption()

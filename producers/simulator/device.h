@@ -50,6 +50,8 @@ public:
 
     std::shared_ptr<DataStream> OpenStream(const std::string& id);
     void Forget(const DataStream& stream) { streams.Forget(stream); }
+    // Null when it is not open.
+    std::shared_ptr<DataStream> FindOpenStream() const;
 
     std::shared_ptr<const Connection> TheConnection() const noexcept { return connection; }
     void RequireConnection() const { connection->Require(); }

@@ -107,6 +107,11 @@ InfoValue ItemInfo(const ReceivedItem& item, EVENT_DATA_INFO_CMD command)
     }
 }
 
+std::string FeatureBlock(const std::string& text)
+{
+    return text.substr(0, maxTextBytes - 1) + '\0';
+}
+
 std::string ErrorBlock(GC_ERROR code, const std::string& text)
 {
     std::string block(reinterpret_cast<const char*>(&code), sizeof code);

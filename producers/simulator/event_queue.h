@@ -85,6 +85,9 @@ std::size_t UsualBlockBytes(EVENT_TYPE type) noexcept;
 // EventGetDataInfo of an event in a packet.
 InfoValue ItemInfo(const ReceivedItem& item, EVENT_DATA_INFO_CMD command);
 
+// A name or a value in the block of a feature event, with its terminator.
+std::string FeatureBlock(const std::string& text);
+
 // The block of EVENT_ERROR: code, then the text with its terminator.
 std::string ErrorBlock(GC_ERROR code, const std::string& text);
 

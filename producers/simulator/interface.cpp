@@ -71,6 +71,7 @@ PortRegisters Interface::MakeRegisters()
     map->AddInteger(0x18C, 4, model->network.ip);
     map->AddInteger(0x190, 4, model->network.mask);
     AddDeviceRegisters(*map);
+    AddEventRegisters(*map, model->tlType);
     return {map, {LocalURL(interfaceDescription)}};
 }
 
@@ -175,6 +176,11 @@ std::shared_ptr<Device> Interface::OpenDevice(const std::string& name, DEVICE_AC
         device->Connect();
         return device;
     });
+}
+
+std::shared_ptr<Device> Interface::FindOpenDevice(const std::string& id) const
+{
+    return devices.Find(id);
 }
 
 void Interface::OnUnplugged(const Camera& camera, bool mayResume)

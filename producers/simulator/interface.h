@@ -46,6 +46,8 @@ public:
     InfoValue DeviceInfoOf(const std::string& name, DEVICE_INFO_CMD command) const;
     std::shared_ptr<Device> OpenDevice(const std::string& name, DEVICE_ACCESS_FLAGS access);
     void Forget(const Device& device) { devices.Forget(device); }
+    // Null when it is not open.
+    std::shared_ptr<Device> FindOpenDevice(const std::string& id) const;
     // The camera's cable, when the camera is open.
     void OnUnplugged(const Camera& camera, bool mayResume);
     void OnReplugged(const Camera& camera);

@@ -34,11 +34,6 @@ std::size_t Module::MaxBlockBytes(EVENT_TYPE type) const noexcept
     return UsualBlockBytes(type);
 }
 
-InfoValue Module::PacketInfo(EVENT_TYPE, std::string_view, EVENT_DATA_INFO_CMD) const
-{
-    throw Failure(GC_ERR_INVALID_PARAMETER, "the module sends no such event");
-}
-
 std::shared_ptr<EventQueue>& Module::RegistrationOf(EVENT_TYPE type)
 {
     return registrations[type == EVENT_CUSTOM_ID ? numEventTypes - 1 : static_cast<std::size_t>(type)];

@@ -31,6 +31,9 @@ public:
     // Lost without trace while the type is not registered.
     void RaiseEvent(EVENT_TYPE type, std::string block);
 
+    // EVENT_MODULE, unless it is switched off.
+    void RaiseTestEvent();
+
     // EventGetDataInfo of packets. Throws GC_ERR_INVALID_PARAMETER for a block that is none.
     virtual InfoValue PacketInfo(EVENT_TYPE type, std::string_view block, EVENT_DATA_INFO_CMD command) const;
 
@@ -41,6 +44,8 @@ protected:
     virtual bool SupportsEvent(EVENT_TYPE type) const noexcept;
     // EVENT_SIZE_MAX.
     virtual std::size_t MaxBlockBytes(EVENT_TYPE type) const noexcept;
+    // EventSelector and what belongs to it; before anyone else sees the map.
+    void AddEventRegisters(RegisterMap& map, const std::string& tlType);
     // A new registration, or null when it went; called with `mutex` held.
     virtual void OnRegistration(EVENT_TYPE, EventQueue*) noexcept {}
     virtual BufferObserver* Observer() noexcept { return nullptr; }
@@ -60,6 +65,9 @@ private:
     std::shared_ptr<EventQueue> TakeRegistration(EVENT_TYPE type);
 
     std::atomic<bool> closed{false};
+    std::atomic<bool> isTestNotified{true};
+    std::atomic<std::uint64_t> numTestEvents{0};
+    EventPackets packets{EventForm::Item, false}; // of EVENT_MODULE; set once
     std::array<std::shared_ptr<EventQueue>, numEventTypes> registrations;
 };
 

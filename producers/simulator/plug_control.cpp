@@ -10,7 +10,7 @@ namespace koro::simulator
 {
 
 PlugControl::PlugControl(System& owningSystem, const Library& library)
-    : system(owningSystem), settings(library.Connection()),
+    : system(owningSystem), settings(library.Connection()), requests(system),
       script(settings, [this](const ConnectionStep& step) { Perform(step); })
 {
     for (const auto& interface : library.Interfaces())
@@ -35,6 +35,7 @@ void PlugControl::AddRegisters(RegisterMap& map)
     map.AddAction(0x1D8, [this] { script.Step(); });
     map.AddInteger(0x1DC, 4, [this]() -> std::uint64_t { return script.CanStep() ? 1 : 0; });
     map.AddInteger(0x1E0, 8, [this] { return script.StepsLeft(); });
+    requests.AddRegisters(map, [this](const EventRequest& request) { SendOfSelected(request); });
     map.AddText(0x1400, 256, [this] { return Selected().camera->Id(); });
 }
 
@@ -53,6 +54,14 @@ void PlugControl::PerformOnSelected(ConnectionStep::Kind kind)
     Perform(step);
 }
 
+void PlugControl::SendOfSelected(const EventRequest& request)
+{
+    const bool needsCamera = request.module != EventModule::System;
+    const bool isSent = needsCamera ? requests.Send(request, Selected().interface->id, Selected().camera->Id())
+                                    : requests.Send(request, {}, {});
+    if (!isSent) throw Failure(GC_ERR_NOT_AVAILABLE, "the module is not open");
+}
+
 void PlugControl::Perform(const ConnectionStep& step)
 {
     const std::lock_guard lock(mutex);
@@ -60,6 +69,11 @@ void PlugControl::Perform(const ConnectionStep& step)
         return candidate.camera->Settings().serial == step.camera;
     });
     if (place == places.end()) return;
+    if (step.kind == ConnectionStep::Kind::Send)
+    {
+        requests.Send(step.event, place->interface->id, place->camera->Id());
+        return;
+    }
     const auto open = system.FindOpenInterface(place->interface->id);
     bool isNews = true;
     if (step.kind == ConnectionStep::Kind::Unplug) isNews = Unplug(*place, open);

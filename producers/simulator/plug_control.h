@@ -1,10 +1,11 @@
 // PlugControl: pulls cameras out and plugs them in again, at the wish of features or of a script, and tells it by the
-// system's connection event.
+// system's connection event. Lets modules send events in the same way.
 //
 // Owned by its System. Any thread. One change at a time: its mutex comes before all others.
 #pragma once
 
 #include "producers/simulator/connection_script.h"
+#include "producers/simulator/event_requests.h"
 #include "producers/simulator/interface.h"
 
 #include <atomic>
@@ -46,6 +47,7 @@ private:
     const Place& Selected() const;
     void PerformOnSelected(ConnectionStep::Kind kind);
     void Perform(const ConnectionStep& step);
+    void SendOfSelected(const EventRequest& request);
     bool Unplug(const Place& place, const std::shared_ptr<Interface>& open);
     bool Replug(Place& place, const std::shared_ptr<Interface>& open);
     void Tell(const Place& place, const Interface& open, const ConnectionStep& step);
@@ -55,6 +57,7 @@ private:
     std::mutex mutex;
     std::vector<Place> places; // all cameras, in the order of the settings
     std::atomic<std::uint64_t> selector{0};
+    EventRequests requests;
     ConnectionScript script; // last: its thread uses the others
 };
 

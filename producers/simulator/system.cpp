@@ -39,6 +39,7 @@ PortRegisters System::MakeRegisters()
     map->AddText(0x2000, 4096, Library::PathName());
     AddInterfaceRegisters(*map);
     plugs.AddRegisters(*map);
+    AddEventRegisters(*map, library->TLType());
     return {map, {LocalURL(systemDescription)}};
 }
 
