@@ -253,7 +253,11 @@ public:
 private:
     void Enter(const std::string& call)
     {
-        camera.journal.push_back(call);
+        {
+            // The lock guards the journal where other threads write registers beside the update.
+            const GENAPI_NAMESPACE::AutoLock lock(camera.map->GetLock());
+            camera.journal.push_back(call);
+        }
         if (call == throwsAt) thrown();
     }
 };
