@@ -7,6 +7,7 @@
 #include "producers/simulator/function_names.h"
 #include "producers/simulator/image_source.h"
 #include "producers/simulator/json_reader.h"
+#include "producers/simulator/parts.h"
 #include "producers/simulator/reset_settings.h"
 #include "producers/simulator/settings_parts.h"
 
