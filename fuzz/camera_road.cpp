@@ -43,13 +43,15 @@ void RequireSuccess(KORO_ReturnCode code)
     Require(false, text);
 }
 
-KORO_IntegerNodeHandle RoadCamera::Integer(const std::string& name) const
+const RoadNode& RoadCamera::Node(const std::string& name) const
 {
-    KORO_NodeHandle node = nullptr;
-    KORO_IntegerNodeHandle integer = nullptr;
-    RequireSuccess(KORO_NodeMap_FindNode(map, name.c_str(), name.size() + 1, &node));
-    RequireSuccess(KORO_Node_ToIntegerNode(node, &integer));
-    return integer;
+    const auto [entry, isNew] = nodes.try_emplace(name);
+    if (isNew)
+    {
+        RequireSuccess(KORO_NodeMap_FindNode(map, name.c_str(), name.size() + 1, &entry->second.node));
+        RequireSuccess(KORO_Node_ToIntegerNode(entry->second.node, &entry->second.integer));
+    }
+    return entry->second;
 }
 
 CameraRoad::CameraRoad(const std::vector<std::string>& tlTypes, const std::string& nodes)

@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,12 @@ namespace koro::fuzz
 // Ends the process when a call that only prepares fails.
 void RequireSuccess(KORO_ReturnCode code);
 
+struct RoadNode
+{
+    KORO_NodeHandle node;
+    KORO_IntegerNodeHandle integer;
+};
+
 struct RoadCamera
 {
     std::string id;
@@ -25,7 +32,10 @@ struct RoadCamera
     KORO_DataStreamHandle stream;
     KORO_EventControllerHandle controller; // of the events of the camera
 
-    KORO_IntegerNodeHandle Integer(const std::string& name) const;
+    mutable std::map<std::string, RoadNode> nodes; // that were looked up
+
+    // An integer.
+    const RoadNode& Node(const std::string& name) const;
 };
 
 class CameraRoad

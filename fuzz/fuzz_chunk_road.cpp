@@ -112,6 +112,8 @@ private:
         scripted::Frame frame;
         frame.bytes.assign(buffer.bytes.begin(), buffer.bytes.end());
         frame.info = {
+            {GenTL::BUFFER_INFO_BASE, scripted::Pointer(buffer.block.get())},
+            {GenTL::BUFFER_INFO_SIZE, scripted::Size(buffer.bytes.size())},
             {GenTL::BUFFER_INFO_TLTYPE, scripted::Text(tlTypes[layer])},
             {GenTL::BUFFER_INFO_CONTAINS_CHUNKDATA, scripted::Bool8(true)},
             {GenTL::BUFFER_INFO_CHUNKLAYOUTID, options & withoutLayout
@@ -169,14 +171,14 @@ private:
         {
             if (chunk.id == port.id && (!first || chunk.offset < first->offset)) first = &chunk;
         }
+        const RoadNode& node = camera.Node(std::string(prefix) + port.name);
+        KORO_NodeAccessStatus status = KORO_NODE_ACCESS_STATUS_UNDEFINED;
+        RequireSuccess(KORO_Node_GetAccessStatus(node.node, &status));
+        const bool isShown = attached && first;
+        Require((status == KORO_NODE_ACCESS_STATUS_READ_WRITE) == isShown, "a node is there with its chunk");
+        if (!isShown) return;
         std::int64_t value = 0;
-        const KORO_ReturnCode code = KORO_IntegerNode_GetValue(
-            camera.Integer(std::string(prefix) + port.name), KORO_NODE_CACHE_POLICY_USE_CACHE, &value);
-        if (!attached || !first)
-        {
-            Require(code == KORO_RETURN_CODE_BAD_ACCESS, "a node without its chunk cannot be read");
-            return;
-        }
+        const KORO_ReturnCode code = KORO_IntegerNode_GetValue(node.integer, KORO_NODE_CACHE_POLICY_USE_CACHE, &value);
         if (first->length < length)
         {
             Require(code == KORO_RETURN_CODE_ERROR, "nothing is read behind the chunk");

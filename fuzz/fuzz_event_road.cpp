@@ -95,15 +95,15 @@ struct Receiver
     }
     void CheckNode(std::uint64_t id, std::size_t address) const
     {
-        std::int64_t value = 0;
-        const KORO_ReturnCode code =
-            KORO_IntegerNode_GetValue(camera.Integer(NameOf(id, address)), KORO_NODE_CACHE_POLICY_USE_CACHE, &value);
+        const RoadNode& node = camera.Node(NameOf(id, address));
+        KORO_NodeAccessStatus status = KORO_NODE_ACCESS_STATUS_UNDEFINED;
+        RequireSuccess(KORO_Node_GetAccessStatus(node.node, &status));
         const auto event = latest.find(id);
-        if (event == latest.end())
-        {
-            Require(code == KORO_RETURN_CODE_BAD_ACCESS, "a node without an event cannot be read");
-            return;
-        }
+        const bool isDelivered = event != latest.end();
+        Require((status == KORO_NODE_ACCESS_STATUS_READ_ONLY) == isDelivered, "a node is there with its event");
+        if (!isDelivered) return;
+        std::int64_t value = 0;
+        const KORO_ReturnCode code = KORO_IntegerNode_GetValue(node.integer, KORO_NODE_CACHE_POLICY_USE_CACHE, &value);
         const Bytes& bytes = event->second;
         if (bytes.size() < address + 2)
         {

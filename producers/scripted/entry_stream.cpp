@@ -283,7 +283,10 @@ GC_ERROR GenTL::DSGetBufferInfo(
     return CallOnBuffer(
         "DSGetBufferInfo", hDataStream, hBuffer,
         [&](State& state, Module&, const std::shared_ptr<Buffer>& buffer) {
-            const Info info = Choose(state, "DSGetBufferInfo", BufferInfos(*buffer), iInfoCmd);
+            // What the frame says itself needs no list of all answers, which long runs would feel.
+            const Infos& own = buffer->frame.info;
+            const Info info =
+                Choose(state, "DSGetBufferInfo", own.contains(iInfoCmd) ? own : BufferInfos(*buffer), iInfoCmd);
             return AnswerInfo(info, piType, pBuffer, piSize);
         },
         iInfoCmd, Half{pBuffer});
