@@ -62,4 +62,17 @@ TEST(ProcessEnd, ListOfProducersIsStillThere)
         testing::ExitedWithCode(0), "");
 }
 
+// A listener's thread waits inside the producer then, for ever.
+TEST(ProcessEnd, OpenInterfaceOfASimulatedCameraIsNoHindrance)
+{
+    const std::string simulator = BuiltProducer("zvr_koro_simulator");
+    EXPECT_EXIT(
+        {
+            Require(KORO_Library_Initialize());
+            const OpenTree tree(simulator);
+            std::exit(0);
+        },
+        testing::ExitedWithCode(0), "");
+}
+
 } // namespace
