@@ -81,7 +81,15 @@ void AwaitNumThreads(std::size_t count)
 class InformationMonitoring : public TreeTest
 {
 protected:
-    static void SetUpTestSuite() { idle = NumThreads(); }
+    // With a thread that has started: a race detector starts one of its own beside the first.
+    static void SetUpTestSuite()
+    {
+        std::promise<void> end;
+        std::thread first([waiting = end.get_future()] { waiting.wait(); });
+        idle = NumThreads() - 1;
+        end.set_value();
+        first.join();
+    }
 
     InformationMonitoring()
     {
