@@ -68,7 +68,7 @@ std::vector<CameraChoice> AllCameras(const std::vector<ProducerRecord>& producer
     return cameras;
 }
 
-CameraChoice SelectCamera(const std::vector<ProducerRecord>& producers, const std::string& name)
+std::vector<CameraChoice> SelectCameras(const std::vector<ProducerRecord>& producers, const std::string& name)
 {
     const std::vector<CameraChoice> all = AllCameras(producers);
     if (all.empty()) throw ToolError("There is no camera.", "`koro doctor` tells why.", exitNoSuchCamera);
@@ -79,13 +79,16 @@ CameraChoice SelectCamera(const std::vector<ProducerRecord>& producers, const st
         found = Matching(
             all, [&](const std::string& known) { return fnmatch(name.c_str(), known.c_str(), FNM_NOESCAPE) == 0; });
     }
+    if (!found.empty()) return found;
+    throw ToolError(
+        List("No camera is called \"" + name + "\". There are:", all), "`koro list` shows all of their names.",
+        exitNoSuchCamera);
+}
+
+CameraChoice SelectCamera(const std::vector<ProducerRecord>& producers, const std::string& name)
+{
+    const std::vector<CameraChoice> found = SelectCameras(producers, name);
     if (found.size() == 1) return found.front();
-    if (found.empty())
-    {
-        throw ToolError(
-            List("No camera is called \"" + name + "\". There are:", all), "`koro list` shows all of their names.",
-            exitNoSuchCamera);
-    }
     throw ToolError(
         List("\"" + name + "\" fits several cameras:", found),
         "Name it by its serial number or by interface:id, or choose a producer with --producer.", exitNoSuchCamera);

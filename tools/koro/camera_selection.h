@@ -19,6 +19,9 @@ struct CameraChoice
 
 std::vector<CameraChoice> AllCameras(const std::vector<ProducerRecord>& producers);
 
+// The cameras that a name or a pattern means, at least one. Throws ToolError (exit status 3) that lists the candidates.
+std::vector<CameraChoice> SelectCameras(const std::vector<ProducerRecord>& producers, const std::string& name);
+
 // `name` is a serial number, a user name, an id, "interface:id", or a glob over one of these. Exact matches come
 // before globs. Throws ToolError (exit status 3) that lists the candidates when it fits none or several.
 CameraChoice SelectCamera(const std::vector<ProducerRecord>& producers, const std::string& name);

@@ -32,6 +32,7 @@ Action DefineWatch(CLI::App& command);
 Action DefineEvents(CLI::App& command);
 Action DefineSettingsFiles(CLI::App& command);
 Action DefineFiles(CLI::App& command);
+Action DefineFirmware(CLI::App& command);
 Action DefineProbe(CLI::App& command);
 
 } // namespace koro::tool

@@ -35,6 +35,7 @@ constexpr Command commands[] = {
     {"events", DefineEvents, "Print the events of a camera as they come"},
     {"settings", DefineSettingsFiles, "Save, load, check and compare the settings of a camera"},
     {"files", DefineFiles, "List, read, write and delete the files of a camera"},
+    {"firmware", DefineFirmware, "Show, apply and make firmware updates"},
     {"probe", DefineProbe, "Try one producer (used by the other commands)"},
 };
 

@@ -1,0 +1,162 @@
+#include "tests/support/update_files.h"
+#include "tests/tool/simulator_settings.h"
+#include "tests/tool/tool_run.h"
+
+#include <filesystem>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+#include <zlib.h>
+
+namespace
+{
+
+using namespace koro::test;
+using nlohmann::json;
+using testing::HasSubstr;
+
+constexpr int failure = 1;
+constexpr int noSuchCamera = 3;
+
+// What the simulated camera takes as new firmware.
+std::string Image(const std::string& version)
+{
+    const std::string content = version + "\n" + std::string(100000, 'x');
+    std::string image = "KOROFWIM";
+    const auto sum = crc32(0, reinterpret_cast<const Bytef*>(content.data()), static_cast<uInt>(content.size()));
+    for (const uint32_t number : {static_cast<uint32_t>(content.size()), static_cast<uint32_t>(sum)})
+    {
+        for (unsigned shift = 0; shift < 32; shift += 8)
+            image.push_back(static_cast<char>(number >> shift & 0xFF));
+    }
+    return image + content;
+}
+
+std::string Steps()
+{
+    return Step("FileUpload", "<DeviceFileName>Firmware</DeviceFileName><FileName>image.bin</FileName>") +
+           Step("DeviceReset", "<DeviceDiscoveryDelayMs>1</DeviceDiscoveryDelayMs>");
+}
+
+class Firmware : public testing::Test
+{
+protected:
+    Firmware()
+    {
+        settings["interfaces"][0]["cameras"][0]["model"] = "Acme1";
+        settings["memory"] = folder.MakeFolder("memory");
+        control = folder.MakeFile(
+            "rules.xml",
+            Control(
+                Procedure(Steps()) + Update(neededEntries, "<Condition Feature=\"DeviceModelName\">Acme</Condition>")));
+        image = folder.MakeFile("image.bin", Image("2.0"));
+    }
+
+    ToolResult Koro(const Arguments& arguments)
+    {
+        if (environment.empty()) environment = SimulatorWith(folder, settings);
+        return RunTool(arguments, environment);
+    }
+    std::string Packed()
+    {
+        const std::string file = folder.File("update.guf");
+        const ToolResult packed = Koro({"firmware", "pack", file, control, image});
+        EXPECT_EQ(packed.status, 0) << packed.err;
+        return file;
+    }
+
+    TemporaryFolder folder;
+    json settings = OneCamera("Mono8", 64, 48);
+    Environment environment;
+    std::string control;
+    std::string image;
+};
+
+TEST_F(Firmware, PackedFileTellsWhatItOffers)
+{
+    const ToolResult result = Koro({"firmware", "info", Packed()});
+    ASSERT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(result.out, "update         Better pictures\nversion        2.0\nrelease notes  -\nmore           -\n");
+    EXPECT_EQ(Koro({"firmware", "info", Packed(), "--for", "cam"}).out, result.out);
+}
+
+TEST_F(Firmware, UpdateShowsItsStepsAndTheNewVersion)
+{
+    const ToolResult result = Koro({"firmware", "update", "cam", Packed()});
+    ASSERT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.out, HasSubstr(": Better pictures, version 2.0\n"));
+    EXPECT_THAT(result.out, HasSubstr("\nuploading: FileUpload\n"));
+    EXPECT_THAT(result.out, HasSubstr("\nresetting: DeviceReset\n"));
+    EXPECT_THAT(result.out, HasSubstr(" s, the camera reports version 2.0\n"));
+    EXPECT_EQ(Koro({"get", "cam", "DeviceFirmwareVersion"}).out, "2.0\n");
+}
+
+TEST_F(Firmware, CameraThatNeverReturnsEndsTheUpdate)
+{
+    settings["interfaces"][0]["cameras"][0]["resetReturns"] = false;
+    const ToolResult result = Koro({"firmware", "update", "cam", Packed(), "--reset-timeout", "10"});
+    EXPECT_EQ(result.status, failure);
+    EXPECT_THAT(result.err, HasSubstr("koro: Device could not be reopened within 10 ms after reset (Device Key: "));
+}
+
+TEST_F(Firmware, FileForAnotherCameraIsRefused)
+{
+    settings["interfaces"][0]["cameras"][0]["model"] = "Other";
+    const std::string file = Packed();
+    EXPECT_EQ(Koro({"firmware", "info", file}).status, 0);
+    EXPECT_EQ(Koro({"firmware", "info", file, "--for", "cam"}).status, failure);
+    const ToolResult result = Koro({"firmware", "update", "cam", file});
+    EXPECT_EQ(result.status, failure);
+    EXPECT_THAT(result.err, HasSubstr("koro: No update of " + file + " fits the camera.\n"));
+}
+
+TEST_F(Firmware, AllCamerasThatFitAreUpdated)
+{
+    json& cameras = settings["interfaces"][0]["cameras"];
+    for (const char* const serial : {"two", "three"})
+    {
+        json camera = cameras[0];
+        camera["serial"] = serial;
+        cameras.push_back(camera);
+    }
+    cameras[1]["model"] = "Other";
+    const ToolResult result = Koro({"firmware", "update", "*", Packed(), "--all"});
+    ASSERT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.out, HasSubstr("\n2 cameras updated, 0 failed\n"));
+    EXPECT_EQ(Koro({"get", "three", "DeviceFirmwareVersion"}).out, "2.0\n");
+    EXPECT_NE(Koro({"get", "two", "DeviceFirmwareVersion"}).out, "2.0\n");
+    EXPECT_EQ(Koro({"firmware", "update", "nobody*", Packed(), "--all"}).status, noSuchCamera);
+}
+
+TEST_F(Firmware, ImageThatTheCameraRefusesIsAFailure)
+{
+    image = folder.MakeFile("image.bin", "rubbish");
+    const ToolResult result = Koro({"firmware", "update", "cam", Packed()});
+    EXPECT_EQ(result.status, failure);
+    EXPECT_THAT(result.err, HasSubstr("koro: "));
+    EXPECT_NE(Koro({"get", "cam", "DeviceFirmwareVersion"}).out, "2.0\n");
+}
+
+TEST_F(Firmware, PackRefusesWhatTheLibraryCannotRead)
+{
+    const std::string file = folder.File("broken.guf");
+    const ToolResult broken = Koro({"firmware", "pack", file, folder.MakeFile("bad.xml", "<nothing/>")});
+    EXPECT_EQ(broken.status, failure);
+    EXPECT_FALSE(std::filesystem::exists(file));
+    EXPECT_EQ(Koro({"firmware", "pack", file, folder.File("missing.xml")}).status, failure);
+    const std::string twin = folder.MakeFolder("other") + "/image.bin";
+    std::filesystem::copy_file(image, twin);
+    const ToolResult twice = Koro({"firmware", "pack", file, control, image, twin});
+    EXPECT_EQ(twice.status, failure);
+    EXPECT_THAT(twice.err, HasSubstr("two files are called image.bin"));
+}
+
+TEST_F(Firmware, FileThatIsNoneIsRefused)
+{
+    const ToolResult result = Koro({"firmware", "info", image});
+    EXPECT_EQ(result.status, failure);
+    EXPECT_THAT(result.err, HasSubstr("koro: "));
+    EXPECT_EQ(Koro({"firmware", "info", folder.File("missing")}).status, failure);
+}
+
+} // namespace

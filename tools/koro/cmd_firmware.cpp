@@ -1,0 +1,270 @@
+#include "tools/koro/camera_connection.h"
+#include "tools/koro/commands.h"
+#include "tools/koro/discovery.h"
+#include "tools/koro/if_known.h"
+#include "tools/koro/progress.h"
+#include "tools/koro/read_producer.h"
+#include "tools/koro/report.h"
+#include "tools/koro/tool_error.h"
+#include "tools/koro/update_package.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <system_error>
+#include <unistd.h>
+
+namespace koro::tool
+{
+
+namespace
+{
+
+struct FirmwareCommand
+{
+    std::string camera;
+    std::string producer;
+    std::string file;
+    std::string control;
+    std::vector<std::string> contents;
+    bool all = false;
+    uint64_t resetTimeout_ms = 60000;
+};
+
+void PrintUpdate(const FirmwareUpdateInformation& update)
+{
+    const auto text = [](const std::string& value) { return value.empty() ? std::string("-") : Printable(value); };
+    PrintRows({
+        {"update", text(update.Description())},
+        {"version", text(update.Version())},
+        {"release notes", text(update.ReleaseNotes())},
+        {"more", text(update.ReleaseNotesURL())},
+    });
+}
+
+int Info(const FirmwareCommand& command)
+{
+    std::vector<FirmwareUpdateInformation> updates;
+    const Library library = Library::Initialize();
+    const FirmwareUpdater updater;
+    std::optional<CameraConnection> connection;
+    if (command.camera.empty())
+    {
+        updates = updater.Collect(command.file);
+    }
+    else
+    {
+        const Discovery discovery = Discover(command.producer);
+        connection.emplace(FindCamera(discovery, command.camera));
+        updates = updater.Collect(command.file, connection->Descriptor());
+    }
+    for (const FirmwareUpdateInformation& update : updates)
+        PrintUpdate(update);
+    if (!updates.empty()) return exitSuccess;
+    throw ToolError(
+        "No update of " + Printable(command.file) + " fits.", "Without --for all updates of the file are shown.");
+}
+
+const char* NameOf(KORO_FirmwareUpdateStep step)
+{
+    switch (step)
+    {
+    case KORO_FIRMWARE_UPDATE_STEP_CHECK_PRECONDITIONS:
+        return "checking";
+    case KORO_FIRMWARE_UPDATE_STEP_ACQUIRE_UPDATE_DATA:
+        return "unpacking";
+    case KORO_FIRMWARE_UPDATE_STEP_FEATURE_WRITE:
+        return "setting";
+    case KORO_FIRMWARE_UPDATE_STEP_FEATURE_EXECUTE:
+        return "executing";
+    case KORO_FIRMWARE_UPDATE_STEP_FEATURE_ASSERT:
+        return "asserting";
+    case KORO_FIRMWARE_UPDATE_STEP_FILE_UPLOAD:
+        return "uploading";
+    case KORO_FIRMWARE_UPDATE_STEP_DEVICE_RESET:
+        return "resetting";
+    default:
+        return "step";
+    }
+}
+
+// A line for each step; on a terminal with a bar while it runs.
+class StepPrinter
+{
+public:
+    explicit StepPrinter(const FirmwareUpdateProgressObserver& observer)
+        : started(
+              observer.OnStepStarted([this](KORO_FirmwareUpdateStep step, uint32_t, const std::string& description) {
+                  line = std::string(NameOf(step)) + (description.empty() ? "" : ": " + Printable(description));
+                  if (isTerminal) Draw(0);
+              })),
+          progress(observer.OnStepProgress([this](KORO_FirmwareUpdateStep, double percent) {
+              if (isTerminal) Draw(percent);
+          })),
+          finished(observer.OnStepFinished([this](KORO_FirmwareUpdateStep) {
+              std::printf("%s%s\n", isTerminal ? "\r\33[K" : "", line.c_str());
+              std::fflush(stdout);
+          }))
+    {}
+
+private:
+    void Draw(double percent) const
+    {
+        const auto done = static_cast<uint64_t>(std::clamp(percent, 0.0, 100.0));
+        std::printf("\r%s %s\33[K", ProgressBar(done, 100).c_str(), line.c_str());
+        std::fflush(stdout);
+    }
+
+    const bool isTerminal = isatty(STDOUT_FILENO) != 0;
+    std::string line;
+    Registration started;
+    Registration progress;
+    Registration finished;
+};
+
+std::string VersionOf(const CameraConnection& connection, const std::string& serialNumber)
+{
+    // The camera may have come back under another id.
+    const Interface& cameraInterface = connection.Interface();
+    IfKnown([&] { return cameraInterface.UpdateDevices(updateTimeout_ms), true; });
+    for (const DeviceDescriptor& camera : cameraInterface.Devices())
+    {
+        if (IfKnown([&] { return camera.SerialNumber(); }) != serialNumber) continue;
+        const auto version = IfKnown([&] {
+            const Device device = camera.OpenDevice(AccessType::Control);
+            return device.RemoteDevice().NodeMap().String("DeviceFirmwareVersion").Value();
+        });
+        if (version) return *version;
+    }
+    return "unknown";
+}
+
+void UpdateOne(const FirmwareCommand& command, const CameraChoice& choice)
+{
+    const CameraConnection connection(choice);
+    const FirmwareUpdater updater;
+    const auto updates = updater.Collect(command.file, connection.Descriptor());
+    if (updates.empty()) throw ToolError("No update of " + Printable(command.file) + " fits the camera.");
+    if (updates.size() > 1)
+    {
+        std::string versions;
+        for (const FirmwareUpdateInformation& update : updates)
+            versions += (versions.empty() ? "" : ", ") + Printable(update.Version());
+        throw ToolError(
+            std::to_string(updates.size()) + " updates of the file fit the camera: " + versions + ".",
+            "Ask the maker of the file for one update a camera.");
+    }
+    std::printf(
+        "%s: %s, version %s\n", Printable(DescribeCamera(choice)).c_str(),
+        Printable(updates.front().Description()).c_str(), Printable(updates.front().Version()).c_str());
+    std::fflush(stdout);
+
+    const auto begin = std::chrono::steady_clock::now();
+    const FirmwareUpdateProgressObserver observer;
+    {
+        const StepPrinter printer(observer);
+        updater.Update(connection.Descriptor(), updates.front(), observer, command.resetTimeout_ms);
+    }
+    const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+    std::printf(
+        "done in %.1f s, the camera reports version %s\n", seconds,
+        Printable(VersionOf(connection, choice.camera->serialNumber.value_or(""))).c_str());
+}
+
+bool Fits(const FirmwareCommand& command, const CameraChoice& choice)
+{
+    const CameraConnection connection(choice);
+    return !FirmwareUpdater().Collect(command.file, connection.Descriptor()).empty();
+}
+
+// Every camera that fits, one after the other; a failure of one does not keep the others from their update.
+int UpdateAll(const FirmwareCommand& command, const Discovery& discovery)
+{
+    size_t numUpdated = 0;
+    size_t numFailed = 0;
+    for (const CameraChoice& choice : SelectCameras(discovery.producers, command.camera))
+    {
+        try
+        {
+            if (!Fits(command, choice)) continue;
+            UpdateOne(command, choice);
+            ++numUpdated;
+        }
+        catch (const std::runtime_error& error)
+        {
+            ++numFailed;
+            std::fprintf(stderr, "koro: %s: %s\n", Printable(DescribeCamera(choice)).c_str(), error.what());
+        }
+    }
+    std::printf("%zu cameras updated, %zu failed\n", numUpdated, numFailed);
+    return numFailed == 0 && numUpdated > 0 ? exitSuccess : exitFailure;
+}
+
+int Update(const FirmwareCommand& command)
+{
+    const Library library = Library::Initialize();
+    const Discovery discovery = Discover(command.producer);
+    if (command.all) return UpdateAll(command, discovery);
+    UpdateOne(command, FindCamera(discovery, command.camera));
+    return exitSuccess;
+}
+
+int Pack(const FirmwareCommand& command)
+{
+    WriteUpdateFile(command.file, command.control, {command.contents.begin(), command.contents.end()});
+    const Library library = Library::Initialize();
+    const FirmwareUpdater updater;
+    try
+    {
+        for (const FirmwareUpdateInformation& update : updater.Collect(command.file))
+            PrintUpdate(update);
+    }
+    catch (const Error&)
+    {
+        // What the library cannot read must not leave the maker's house.
+        std::error_code ignored;
+        std::filesystem::remove(command.file, ignored);
+        throw;
+    }
+    return exitSuccess;
+}
+
+using Run = int (*)(const FirmwareCommand&);
+
+} // namespace
+
+Action DefineFirmware(CLI::App& command)
+{
+    const auto options = std::make_shared<FirmwareCommand>();
+    const auto chosen = std::make_shared<Run>(nullptr);
+    command.require_subcommand(1);
+    const auto define = [&](const char* name, const char* help, Run run) {
+        CLI::App* const part = command.add_subcommand(name, help);
+        part->callback([run, chosen] { *chosen = run; });
+        return part;
+    };
+    CLI::App* const info = define("info", "Show what an update file offers", Info);
+    info->add_option("file", options->file, "The update file")->required();
+    info->add_option("--for", options->camera, "Only what fits this camera");
+    CLI::App* const update = define("update", "Apply an update to a camera", Update);
+    update->add_option("camera", options->camera, "Serial number, user name, id, interface:id, or a pattern with *")
+        ->required();
+    update->add_option("file", options->file, "The update file")->required();
+    update->add_flag("--all", options->all, "Update every camera that the pattern and the file fit");
+    update->add_option("--reset-timeout", options->resetTimeout_ms, "Milliseconds that a camera may take to come back")
+        ->check(CLI::Range(uint64_t{0}, uint64_t{3600000}))
+        ->capture_default_str();
+    for (CLI::App* const part : {info, update})
+        part->add_option("--producer", options->producer, "Use this .cti file alone, not the environment");
+    CLI::App* const pack = define("pack", "Make an update file", Pack);
+    pack->add_option("file", options->file, "The update file to write")->required();
+    pack->add_option("control", options->control, "The control file (XML) with procedures and updates")->required();
+    pack->add_option("contents", options->contents, "The files that the procedures upload");
+    return [options, chosen] { return (*chosen)(*options); };
+}
+
+} // namespace koro::tool

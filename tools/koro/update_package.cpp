@@ -1,0 +1,127 @@
+#include "tools/koro/update_package.h"
+
+#include "tools/koro/image_writer.h"
+#include "tools/koro/tool_error.h"
+
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <set>
+#include <string>
+#include <system_error>
+#include <zip.h>
+
+namespace koro::tool
+{
+
+namespace
+{
+
+constexpr std::uintmax_t maxFileSize = std::uintmax_t{256} << 20;
+constexpr const char* controlName = "Control.xml";
+
+[[noreturn]] void Fail(const char* what, const std::string& why)
+{
+    throw ToolError(std::string("Cannot ") + what + ": " + why + ".");
+}
+
+// An archive that grows in memory.
+class Archive
+{
+public:
+    Archive()
+    {
+        zip_error_t error;
+        zip_error_init(&error);
+        source = zip_source_buffer_create(nullptr, 0, 0, &error);
+        if (source) archive = zip_open_from_source(source, ZIP_TRUNCATE, &error);
+        const std::string why = zip_error_strerror(&error);
+        zip_error_fini(&error);
+        if (archive)
+        {
+            zip_source_keep(source);
+            return;
+        }
+        if (source) zip_source_free(source);
+        Fail("make an archive", why);
+    }
+    Archive(const Archive&) = delete;
+    Archive& operator=(const Archive&) = delete;
+    ~Archive()
+    {
+        if (archive) zip_discard(archive);
+        zip_source_free(source);
+    }
+
+    // Takes over the data source, whatever becomes of it.
+    void Add(const std::string& name, zip_source_t* data, int method)
+    {
+        if (!data) Fail("pack", zip_strerror(archive));
+        const zip_int64_t index = zip_file_add(archive, name.c_str(), data, ZIP_FL_ENC_UTF_8);
+        if (index < 0)
+        {
+            zip_source_free(data);
+            Fail("pack", name + ": " + zip_strerror(archive));
+        }
+        if (zip_set_file_compression(archive, static_cast<zip_uint64_t>(index), method, 0) != 0)
+            Fail("pack", name + ": " + zip_strerror(archive));
+        // Nothing of the moment or the machine: equal contents give equal files.
+        zip_file_set_mtime(archive, static_cast<zip_uint64_t>(index), 315532800, 0);
+    }
+    void AddFile(const std::string& name, const std::filesystem::path& path)
+    {
+        std::error_code failure;
+        const std::uintmax_t size = std::filesystem::file_size(path, failure);
+        if (failure) Fail("read", path.string() + ": " + failure.message());
+        if (size > maxFileSize) Fail("pack", path.string() + " has " + std::to_string(size) + " bytes");
+        Add(name, zip_source_file(archive, path.c_str(), 0, -1), ZIP_CM_DEFLATE);
+    }
+    void AddBytes(const std::string& name, const std::vector<uint8_t>& bytes)
+    {
+        Add(name, zip_source_buffer(archive, bytes.data(), bytes.size(), 0), ZIP_CM_STORE);
+    }
+
+    std::vector<uint8_t> Finish()
+    {
+        if (zip_close(archive) != 0) Fail("pack", zip_strerror(archive));
+        archive = nullptr;
+        zip_stat_t state;
+        zip_stat_init(&state);
+        std::vector<uint8_t> bytes;
+        const bool opened = zip_source_stat(source, &state) == 0 && zip_source_open(source) == 0;
+        if (opened) bytes.resize(state.size);
+        const bool read =
+            opened && zip_source_read(source, bytes.data(), bytes.size()) == static_cast<zip_int64_t>(bytes.size());
+        if (opened) zip_source_close(source);
+        if (!read) Fail("pack", "the archive cannot be read back");
+        return bytes;
+    }
+
+private:
+    zip_source_t* source = nullptr;
+    zip_t* archive = nullptr;
+};
+
+} // namespace
+
+void WriteUpdateFile(
+    const std::filesystem::path& output, const std::filesystem::path& control,
+    const std::vector<std::filesystem::path>& files)
+{
+    Archive package;
+    package.AddFile(controlName, control);
+    std::set<std::string> names = {controlName};
+    for (const std::filesystem::path& file : files)
+    {
+        const std::string name = file.filename().string();
+        if (!names.insert(name).second) Fail("pack", "two files are called " + name);
+        package.AddFile(name, file);
+    }
+    const std::vector<uint8_t> packed = package.Finish();
+    Archive container;
+    container.AddBytes("package.zip", packed);
+    const std::vector<uint8_t> bytes = container.Finish();
+    WriteRaw(bytes.data(), bytes.size(), output);
+}
+
+} // namespace koro::tool
