@@ -62,6 +62,17 @@ TEST(Events, LineNamesTheEventAndItsValues)
     EXPECT_THAT(result.out, HasSubstr(" EventExposureEndFrameID=1"));
 }
 
+TEST(Events, NumberThatTheProducerDoesNotTellIsLeftOut)
+{
+    json settings = EventCamera();
+    ForgetInfo(settings, "EventGetDataInfo", 2); // EVENT_DATA_NUMID
+    const ToolResult result = Events(settings, {"--enable", "ExposureEnd", "--events", "1", "--json"});
+    ASSERT_EQ(result.status, 0) << result.err;
+    const json event = json::parse(result.out);
+    EXPECT_TRUE(event.at("id").is_null());
+    EXPECT_EQ(event.at("values").at("EventExposureEndFrameID"), "1");
+}
+
 TEST(Events, WithoutNamesAllAreEnabled)
 {
     const ToolResult result = Events(EventCamera(), {"--events", "2"});

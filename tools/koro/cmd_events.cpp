@@ -3,6 +3,7 @@
 #include "tools/koro/commands.h"
 #include "tools/koro/event_nodes.h"
 #include "tools/koro/feature_session.h"
+#include "tools/koro/if_known.h"
 #include "tools/koro/interrupt.h"
 #include "tools/koro/report.h"
 #include "tools/koro/switched_features.h"
@@ -60,9 +61,11 @@ private:
     {
         ++numPrinted;
         const double seconds = std::chrono::duration<double>(Clock::now() - begin).count();
+        const auto id = IfKnown([&] { return event.ID(); });
         if (command.json)
         {
-            json line = {{"seconds", seconds}, {"event", one.name}, {"id", event.ID()}, {"values", json::object()}};
+            json line = {
+                {"seconds", seconds}, {"event", one.name}, {"id", id ? json(*id) : json()}, {"values", json::object()}};
             for (const auto& [name, value] : one.values)
                 line["values"][name] = value;
             std::printf("%s\n", Dump(line).c_str());
@@ -70,8 +73,8 @@ private:
         }
         std::string text = one.name.empty() ? "event" : Printable(one.name);
         if (one.values.empty())
-            text +=
-                " " + std::to_string(event.ID()) + ", " + std::to_string(event.RawData().size()) + " bytes, no feature";
+            text += (id ? " " + std::to_string(*id) : "") + ", " + std::to_string(event.RawData().size()) +
+                    " bytes, no feature";
         for (const auto& [name, value] : one.values)
             text += " " + name + "=" + Printable(value);
         std::printf("%9.3f  %s\n", seconds, text.c_str());
