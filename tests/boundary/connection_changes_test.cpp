@@ -164,6 +164,19 @@ TEST_F(ConnectionChanges, RecordIsForItsInterfaceAlone)
     Require(KORO_Interface_Destruct(second));
 }
 
+TEST_F(ConnectionChanges, InterfaceThatAnUpdateLostIsReportedToWhileItIsOpen)
+{
+    const ConnectionRecord record{.interface = producer->HandleOf("if0"), .id = "if0-dev1", .changeKind = 2};
+    producer->Edit([](scripted::Tree& edited) { edited.interfaces.erase(edited.interfaces.begin()); });
+    for (int round = 0; round < 2; ++round)
+    {
+        Require(KORO_System_UpdateInterfaces(tree.system, 0));
+        EXPECT_EQ(Get<std::size_t>(KORO_System_GetNumInterfaces, tree.system), 1u);
+        ASSERT_TRUE(producer.SendBytes(record.Bytes()));
+        EXPECT_EQ(reports.Next(), ConnectionReports::Disconnected(Descriptor(1)));
+    }
+}
+
 TEST_F(ConnectionChanges, BlockOfAnotherSizeIsPassedOver)
 {
     const std::string record = ConnectionRecord{.interface = producer->HandleOf("if0"), .deviceFlag = 0}.Bytes();
