@@ -96,6 +96,14 @@ TEST(Events, DurationEndsTheWaitWithoutEvents)
     EXPECT_EQ(result.out, "");
 }
 
+TEST(Events, PicturesThatDoNotComeDoNotHoldUpTheEnd)
+{
+    json settings = EventCamera();
+    settings["interfaces"][0]["cameras"][0]["rate"] = 0.001;
+    FailCall(settings, "EventKill", "GC_ERR_ERROR");
+    EXPECT_EQ(Events(settings, {"--duration", "50"}).status, 0);
+}
+
 TEST(Events, InterruptEndsTheWait)
 {
     const TemporaryFolder folder;

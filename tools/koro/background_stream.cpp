@@ -13,6 +13,8 @@ namespace
 
 constexpr size_t usualBuffers = 4;
 constexpr size_t maxBuffers = 256;
+// A wait ends by itself too, for a producer that refuses to end it.
+constexpr uint64_t longestWait_ms = 500;
 
 DataStream OpenFirstStream(const Device& device)
 {
@@ -47,7 +49,8 @@ void BackgroundStream::GiveBack() noexcept
     while (!ending)
     {
         KORO_BufferHandle buffer{};
-        const KORO_ReturnCode code = KORO_DataStream_WaitForFinishedBuffer(stream.Get(), infinite, &buffer);
+        const KORO_ReturnCode code = KORO_DataStream_WaitForFinishedBuffer(stream.Get(), longestWait_ms, &buffer);
+        if (code == KORO_RETURN_CODE_TIMEOUT) continue;
         // What ends the stream also ends the wait for its events, where it is told.
         if (code != KORO_RETURN_CODE_SUCCESS) return;
         if (KORO_DataStream_QueueBuffer(stream.Get(), buffer) != KORO_RETURN_CODE_SUCCESS) return;
