@@ -171,7 +171,7 @@ PortFacts Camera::FactsUnder(const std::string& id, const char* module, const ch
     return {id, settings.vendor, settings.model, connection.tlType, module, portName, producerVersion};
 }
 
-bool Camera::OnListUpdate()
+Camera::Finding Camera::OnListUpdate()
 {
     const std::lock_guard lock(mutex);
     if (++numUpdates == deviceFault.vanishAtUpdate) Leave(AbsenceOf(deviceFault));
@@ -180,7 +180,8 @@ bool Camera::OnListUpdate()
         present = true;
         if (absence.changesId) ++numIds;
     }
-    return present && !unplugged;
+    if (unplugged) return Finding::Unplugged;
+    return present ? Finding::Here : Finding::Gone;
 }
 
 } // namespace koro::simulator

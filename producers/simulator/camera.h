@@ -20,6 +20,13 @@ namespace koro::simulator
 class Camera
 {
 public:
+    enum class Finding
+    {
+        Here,
+        Unplugged,
+        Gone
+    };
+
     // Loads the folder, if it plays one. Takes from the misbehaviour what concerns this camera.
     Camera(const CameraSettings& cameraSettings, CameraConnection plug, const Misbehaviour& misbehaviour);
 
@@ -58,8 +65,8 @@ public:
     void Vanish();
     // Goes after each DeviceReset when the settings want it.
     void VanishAfterReset();
-    // Counts one list update; whether the camera is found by it.
-    bool OnListUpdate();
+    // Counts one list update; what it finds.
+    Finding OnListUpdate();
 
 private:
     PortFacts FactsUnder(const std::string& id, const char* module, const char* portName) const;

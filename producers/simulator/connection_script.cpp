@@ -2,6 +2,7 @@
 
 #include "producers/simulator/failure.h"
 
+#include <algorithm>
 #include <chrono>
 #include <utility>
 
@@ -9,7 +10,10 @@ namespace koro::simulator
 {
 
 ConnectionScript::ConnectionScript(const ConnectionSettings& connectionSettings, Perform performStep)
-    : settings(connectionSettings), perform(std::move(performStep)), numSteps(settings.script.size() * settings.repeat)
+    : settings(connectionSettings), perform(std::move(performStep)), numSteps(settings.script.size() * settings.repeat),
+      hasOccasions(std::any_of(settings.script.begin(), settings.script.end(), [](const ConnectionStep& step) {
+          return step.WaitsForOccasion();
+      }))
 {}
 
 void ConnectionScript::Start()
@@ -25,18 +29,43 @@ void ConnectionScript::Stop()
     {
         const std::lock_guard lock(mutex);
         stopping = true;
-        stop.notify_all();
+        changed.notify_all();
         ending.swap(thread);
     }
     if (ending.joinable()) ending.join();
 }
 
-const ConnectionStep& ConnectionScript::Next()
+bool ConnectionScript::OnFrame(const std::string& camera, std::uint64_t frame)
 {
-    return settings.script[numDone++ % settings.script.size()];
+    if (!hasOccasions) return false;
+    const std::lock_guard lock(mutex);
+    if (!NextWaits(camera) || Next().atFrame != frame) return false;
+    isOccasion = true;
+    changed.notify_all();
+    return true;
 }
 
-// Each step is due by the sum of the times before it, however long those took.
+void ConnectionScript::OnMissed(const std::string& camera)
+{
+    const std::lock_guard lock(mutex);
+    if (!NextWaits(camera) || Next().missingUpdates == 0) return;
+    isOccasion = ++numMissed >= Next().missingUpdates;
+    changed.notify_all();
+}
+
+bool ConnectionScript::NextWaits(const std::string& camera) const
+{
+    return thread.joinable() && numDone < numSteps && Next().camera == camera && Next().WaitsForOccasion();
+}
+
+void ConnectionScript::Advance()
+{
+    ++numDone;
+    isOccasion = false;
+    numMissed = 0;
+}
+
+// Each step is due by the sum of the times before it, however long those took. The times begin anew with an occasion.
 void ConnectionScript::Run()
 {
     auto due = std::chrono::steady_clock::now();
@@ -44,8 +73,18 @@ void ConnectionScript::Run()
     while (numDone < numSteps)
     {
         const ConnectionStep& step = Next();
-        due += std::chrono::milliseconds(step.after_ms);
-        if (stop.wait_until(lock, due, [this] { return stopping; })) return;
+        if (step.WaitsForOccasion())
+        {
+            changed.wait(lock, [this] { return stopping || isOccasion; });
+            due = std::chrono::steady_clock::now();
+        }
+        else
+        {
+            due += std::chrono::milliseconds(step.after_ms);
+            changed.wait_until(lock, due, [this] { return stopping; });
+        }
+        if (stopping) return;
+        Advance();
         lock.unlock();
         perform(step);
         lock.lock();
@@ -66,6 +105,7 @@ void ConnectionScript::Step()
         if (!settings.isStepwise) throw Failure(GC_ERR_NOT_AVAILABLE, "the script is not stepwise");
         if (numDone == numSteps) throw Failure(GC_ERR_NOT_AVAILABLE, "the script has no step left");
         step = &Next();
+        Advance();
     }
     perform(*step);
 }

@@ -11,6 +11,7 @@ constexpr std::size_t maxSteps = 1024;
 constexpr std::int64_t maxRecordBytes = 4096;
 constexpr std::int64_t maxAfter_ms = 86'400'000;
 constexpr std::int64_t maxRepeat = 1'000'000'000;
+constexpr std::int64_t maxOccasion = 1'000'000'000;
 
 template <typename T>
 void ReadNumber(JsonObject& object, const char* key, std::optional<T>& value)
@@ -57,7 +58,9 @@ ConnectionStep ReadStep(const nlohmann::json& value, const std::string& place)
         step.kind = ConnectionStep::Kind::Send;
     else
         object.Refuse("do", "must be unplug, replug, tell or send");
-    object.Read("after_ms", step.after_ms, 0, maxAfter_ms);
+    if (step.kind == ConnectionStep::Kind::Unplug) object.Read("atFrame", step.atFrame, 1, maxOccasion);
+    if (step.kind == ConnectionStep::Kind::Replug) object.Read("missingUpdates", step.missingUpdates, 1, maxOccasion);
+    if (!step.WaitsForOccasion()) object.Read("after_ms", step.after_ms, 0, maxAfter_ms);
     if (step.kind == ConnectionStep::Kind::Send)
         step.event = ReadEventRequest(object);
     else

@@ -24,9 +24,14 @@ struct ConnectionStep
     };
     std::string camera; // serial number
     Kind kind = Kind::Unplug;
-    std::uint64_t after_ms = 0; // since the step before
-    RecordChanges record;       // of the first three kinds
-    EventRequest event;         // of the last
+    std::uint64_t after_ms = 0;       // since the step before
+    std::uint64_t atFrame = 0;        // the frame of an acquisition that an unplugging waits for, and loses; 0: none
+    std::uint64_t missingUpdates = 0; // of the list, that miss the camera, which a replugging waits for; 0: none
+    RecordChanges record;             // of the first three kinds
+    EventRequest event;               // of the last
+
+    // In place of its time.
+    bool WaitsForOccasion() const noexcept { return atFrame != 0 || missingUpdates != 0; }
 };
 
 struct ConnectionSettings

@@ -2,6 +2,7 @@
 
 #include "producers/simulator/device.h"
 #include "producers/simulator/producer_facts.h"
+#include "producers/simulator/system.h"
 
 #include <algorithm>
 #include <cstring>
@@ -51,7 +52,8 @@ DataStream::DataStream(std::shared_ptr<Device> parentDevice)
           {[this] { parent->OnCameraLost(); },
            [this] {
                RaiseEvent(EVENT_ERROR, ErrorBlock(GC_ERR_BUFFER_TOO_SMALL, "the buffer is too small for the image"));
-           }})
+           },
+           [this](std::uint64_t frame) { return parent->Parent()->Parent()->Plugs().IsUnpluggedAt(*camera, frame); }})
 {}
 
 PortRegisters DataStream::MakeRegisters()

@@ -120,11 +120,19 @@ bool Interface::UpdateDevices()
     std::vector<std::shared_ptr<Camera>> found;
     for (const auto& camera : model->cameras)
     {
-        const bool isFound = camera->OnListUpdate();
-        if (isFound || (staysListed && camera->IsUnplugged()))
+        switch (camera->OnListUpdate())
+        {
+        case Camera::Finding::Here:
             found.push_back(camera);
-        else if (const auto device = devices.Find(camera->Id()); device && !camera->IsUnplugged())
-            device->OnCameraLost();
+            break;
+        case Camera::Finding::Unplugged:
+            if (staysListed) found.push_back(camera);
+            parent->Plugs().OnMissed(*camera);
+            break;
+        case Camera::Finding::Gone:
+            if (const auto device = devices.Find(camera->Id())) device->OnCameraLost();
+            break;
+        }
     }
     const std::lock_guard lock(mutex);
     const bool changed = found != listed;

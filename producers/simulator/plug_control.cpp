@@ -39,6 +39,16 @@ void PlugControl::AddRegisters(RegisterMap& map)
     map.AddText(0x1400, 256, [this] { return Selected().camera->Id(); });
 }
 
+bool PlugControl::IsUnpluggedAt(const Camera& camera, std::uint64_t frame)
+{
+    return script.OnFrame(camera.Settings().serial, frame);
+}
+
+void PlugControl::OnMissed(const Camera& camera)
+{
+    script.OnMissed(camera.Settings().serial);
+}
+
 const PlugControl::Place& PlugControl::Selected() const
 {
     const std::uint64_t index = selector;

@@ -31,6 +31,10 @@ public:
     // Between these two the script runs, if it has times.
     void Start() { script.Start(); }
     void Stop() { script.Stop(); }
+    // What the script may wait for. Whether the camera is unplugged in place of this frame of an acquisition.
+    bool IsUnpluggedAt(const Camera& camera, std::uint64_t frame);
+    // An update of the list has missed the camera, which is unplugged.
+    void OnMissed(const Camera& camera);
 
     // EVENT_SIZE_MAX; 0: the system has no connection event.
     std::size_t RecordBytes() const noexcept { return settings.recordBytes; }

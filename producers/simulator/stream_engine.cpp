@@ -108,6 +108,7 @@ void StreamEngine::CutOff()
 {
     Lock lock(mutex);
     cutOff = true;
+    ++numCutOffs;
     wake.notify_all();
     fillEnded.wait(lock, [this] { return !filling; });
     cutOff = false;
@@ -145,6 +146,11 @@ void StreamEngine::Run(std::uint64_t number)
             lock.unlock();
             reports.cameraLost();
             return;
+        }
+        if (reports.isUnpluggedAt(frame->id))
+        {
+            AwaitCutOff(lock);
+            continue;
         }
         const std::uint64_t timestamp_ns = Timestamp_ns(request);
         if (!TellExposureEnd(lock, *frame, timestamp_ns)) continue;
@@ -199,6 +205,12 @@ bool StreamEngine::AwaitDue(Lock& lock, double rate)
     if (stopping || (isCalled && Clock::now() < due)) return false;
     lastDue = due;
     return true;
+}
+
+void StreamEngine::AwaitCutOff(Lock& lock)
+{
+    const std::uint64_t before = numCutOffs;
+    wake.wait(lock, [this, before] { return stopping || numCutOffs != before || !connection->IsUp(); });
 }
 
 // Waking a sleeper costs more than a small image: for a consumer that keeps up the thread stays awake a little.

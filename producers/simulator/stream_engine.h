@@ -25,11 +25,13 @@ namespace koro::simulator
 class StreamEngine
 {
 public:
-    // What the stream does about an event on the engine's thread; called without any lock.
+    // What the stream does about an event on the engine's thread; called without any lock but for the last.
     struct Reports
     {
         std::function<void()> cameraLost;
         std::function<void()> bufferTooSmall;
+        // With the mutex held: whether the cable is pulled in place of this frame.
+        std::function<bool(std::uint64_t)> isUnpluggedAt;
     };
 
     StreamEngine(
@@ -66,6 +68,7 @@ private:
     bool AwaitTurn(Lock& lock, const FrameRequest& request);
     bool AwaitDue(Lock& lock, double rate);
     bool AwaitInput(Lock& lock);
+    void AwaitCutOff(Lock& lock);
     void LookOut(Lock& lock);
     // Whether the camera is still in reach afterwards.
     bool TellExposureEnd(Lock& lock, const Frame& frame, std::uint64_t timestamp_ns);
@@ -98,6 +101,7 @@ private:
     bool filling = false;
     bool paused = false; // somebody is in WithoutFill
     bool cutOff = false; // somebody is in CutOff
+    std::uint64_t numCutOffs = 0;
     bool waitsForInput = false;
     bool written = false; // the camera, since it was looked at
     std::uint64_t run = 0;

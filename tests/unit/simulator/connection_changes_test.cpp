@@ -342,6 +342,66 @@ TEST(SimulatorConnection, ScriptWithTimesRunsByItselfFromTheOpeningOfTheSystemOn
     EXPECT_EQ(cameras.producer.GCWritePort(cameras.tree.system, 0x1D8, &one, &size), GC_ERR_NOT_AVAILABLE);
 }
 
+TEST(SimulatorConnection, StepsCanWaitForAFrameAndForUpdatesThatMissTheCamera)
+{
+    const PluggedCameras cameras(PluggedSettings(R"("repeat": 2, "script": [
+        {"camera": "A", "do": "unplug", "atFrame": 3}, {"camera": "A", "do": "replug", "missingUpdates": 2}])"));
+    const Tree& tree = cameras.tree;
+    for (int number = 0; number < 8; ++number)
+        tree.Announce();
+    tree.Start();
+    const auto unplugged = cameras.TakeRecord(true);
+    ASSERT_TRUE(unplugged);
+    EXPECT_EQ(unplugged->ChangeKind(), 2);
+    EXPECT_EQ(tree.StreamInfo<std::size_t>(STREAM_INFO_NUM_AWAIT_DELIVERY), 2U);
+    EXPECT_EQ(cameras.system.Text("SimulatedScriptStepsLeft"), "3");
+
+    EXPECT_FALSE(cameras.IsListed(tree.interface));
+    EXPECT_EQ(cameras.ReadWidth(), GC_ERR_IO);
+    EXPECT_FALSE(cameras.TakeRecord());
+    EXPECT_FALSE(cameras.IsListed(tree.interface));
+    const auto replugged = cameras.TakeRecord(true);
+    ASSERT_TRUE(replugged);
+    EXPECT_EQ(replugged->ChangeKind(), 1);
+
+    // The stream goes on behind the frame that was lost. The next round waits for the next acquisition.
+    EXPECT_TRUE(Eventually([&] { return tree.StreamInfo<std::size_t>(STREAM_INFO_NUM_AWAIT_DELIVERY) == 8; }));
+    EXPECT_EQ(cameras.system.Text("SimulatedScriptStepsLeft"), "2");
+    EXPECT_EQ(cameras.producer.DSStopAcquisition(tree.stream, ACQ_STOP_FLAGS_DEFAULT), GC_ERR_SUCCESS);
+}
+
+TEST(SimulatorConnection, UpdateBesideAReplugLosesNoCamera)
+{
+    constexpr int numRounds = 100;
+    std::string steps = R"({"camera": "A", "do": "unplug", "atFrame": 1})"; // when all is open
+    const std::string replug = R"(, {"camera": "A", "do": "replug", "missingUpdates": 1})";
+    for (int round = 1; round < numRounds; ++round)
+        steps += replug + R"(, {"camera": "A", "do": "unplug"})";
+    const PluggedCameras cameras(PluggedSettings(R"("script": [)" + steps + replug + "]"));
+    cameras.tree.Announce();
+    cameras.tree.Start();
+    int numRecords = 0;
+    EXPECT_TRUE(Eventually([&] {
+        cameras.IsListed(cameras.tree.interface);
+        while (cameras.TakeRecord())
+            ++numRecords;
+        return numRecords == 2 * numRounds;
+    }));
+    EXPECT_EQ(cameras.ReadWidth(), GC_ERR_SUCCESS);
+    EXPECT_EQ(cameras.producer.DSStopAcquisition(cameras.tree.stream, ACQ_STOP_FLAGS_DEFAULT), GC_ERR_SUCCESS);
+}
+
+TEST(SimulatorConnection, StreamThatIsHeldForAnUnpluggingCanBeClosed)
+{
+    for (int round = 0; round < 20; ++round)
+    {
+        const PluggedCameras cameras(PluggedSettings(R"("script": [{"camera": "A", "do": "unplug", "atFrame": 1}])"));
+        cameras.tree.Announce();
+        cameras.tree.Start();
+        EXPECT_EQ(cameras.producer.TLClose(cameras.tree.system), GC_ERR_SUCCESS);
+    }
+}
+
 TEST(SimulatorConnection, ClosingTheSystemEndsAScriptThatStillWaits)
 {
     const PluggedCameras cameras(
