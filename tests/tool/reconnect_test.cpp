@@ -28,9 +28,27 @@ json VanishingCamera(int missingUpdates)
     return settings;
 }
 
+// The camera is unplugged in place of its fourth frame, once, and plugged in again under these conditions.
+json ReplugedCamera(const char* afterReplug, const json& conditions = json::object())
+{
+    json settings = OneCamera("Mono8", 64, 48);
+    json& connection = settings["connection"];
+    connection["afterReplug"] = afterReplug;
+    connection["script"].push_back({{"camera", "cam"}, {"do", "unplug"}, {"atFrame", 4}});
+    connection["script"].push_back({{"camera", "cam"}, {"do", "replug"}});
+    connection["script"].back().update(conditions);
+    return settings;
+}
+
 Arguments GrabFrames(const TemporaryFolder& folder, const std::string& frames)
 {
     return {"grab", "cam", "--frames", frames, "--output", folder.File("out"), "--reconnect", "--timeout", "20"};
+}
+
+// A camera that takes its time is not given up.
+Arguments GrabPatiently(const TemporaryFolder& folder, const std::string& frames)
+{
+    return {"grab", "cam", "--frames", frames, "--output", folder.File("out"), "--reconnect", "--timeout", "5000"};
 }
 
 TEST(GrabReconnect, CameraThatComesBackIsOpenedAnewAndGoesOn)
@@ -54,6 +72,42 @@ TEST(GrabReconnect, CameraMayBeLostAgainAndAgain)
     const ToolResult result = RunTool(GrabFrames(folder, "10"), SimulatorWith(folder, VanishingCamera(1)));
     ASSERT_EQ(result.status, 0) << result.err;
     EXPECT_THAT(result.out, HasSubstr("\nreconnects      3\n"));
+}
+
+TEST(GrabReconnect, StreamThatGoesOnByItselfIsNotOpenedAnew)
+{
+    const TemporaryFolder folder;
+    const json settings = ReplugedCamera("resume", {{"missingUpdates", 2}});
+    const ToolResult result = RunTool(GrabPatiently(folder, "6"), SimulatorWith(folder, settings));
+    ASSERT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.out, HasSubstr("\ncamera lost after 3 pictures\ncamera back, "));
+    EXPECT_THAT(result.out, HasSubstr("\npictures        6\n"));
+    EXPECT_THAT(result.out, HasSubstr("\nreconnects      1\n"));
+    EXPECT_THAT(result.out, HasSubstr("\ntimeouts        0\n"));
+    // The fourth frame was lost with the cable, and the acquisition counts on.
+    EXPECT_EQ(DifferenceToPattern(ReadPNG(folder.File("out/cam-000003.png")), {"Mono8", "M", 8}, 3), "");
+    EXPECT_EQ(DifferenceToPattern(ReadPNG(folder.File("out/cam-000004.png")), {"Mono8", "M", 8}, 5), "");
+    EXPECT_EQ(DifferenceToPattern(ReadPNG(folder.File("out/cam-000006.png")), {"Mono8", "M", 8}, 7), "");
+}
+
+TEST(GrabReconnect, CameraThatWasAwayBetweenTwoLooksIsOpenedAnew)
+{
+    const TemporaryFolder folder;
+    const ToolResult result = RunTool(GrabPatiently(folder, "5"), SimulatorWith(folder, ReplugedCamera("reopen")));
+    ASSERT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.out, HasSubstr("\ncamera lost after 3 pictures\ncamera back, "));
+    EXPECT_THAT(result.out, HasSubstr("\nreconnects      1\n"));
+    EXPECT_EQ(DifferenceToPattern(ReadPNG(folder.File("out/cam-000004.png")), {"Mono8", "M", 8}, 1), "");
+}
+
+TEST(GrabReconnect, CameraThatIsOpenedAnewIsNotTakenForLostWhenItIsSlow)
+{
+    const TemporaryFolder folder;
+    json settings = ReplugedCamera("reopen", {{"missingUpdates", 1}});
+    settings["interfaces"][0]["cameras"][0]["rate"] = 2; // slower than the tool looks for it
+    const ToolResult result = RunTool(GrabPatiently(folder, "5"), SimulatorWith(folder, settings));
+    ASSERT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.out, HasSubstr("\nreconnects      1\n"));
 }
 
 TEST(GrabReconnect, SettingsAreWrittenAnew)

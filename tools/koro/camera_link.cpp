@@ -18,7 +18,9 @@ constexpr uint64_t searchTimeout_ms = 200;
 CameraLink::CameraLink(const CameraConnection& connection, std::string cameraID, std::string cameraSerialNumber)
     : cameraInterface(connection.Interface()), id(std::move(cameraID)), serialNumber(std::move(cameraSerialNumber)),
       disconnected(cameraInterface.OnDeviceDisconnected([this](const DeviceDescriptor& device) {
-          if (IsTheCamera(device)) reportedLost = true;
+          if (!IsTheCamera(device)) return;
+          reportedLost = true;
+          ++numReportedLosses;
       })),
       reconnected(cameraInterface.OnDeviceReconnected(
           [this](const DeviceDescriptor& device, const KORO_DEVICE_RECONNECT_INFORMATION&) {

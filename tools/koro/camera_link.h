@@ -7,6 +7,7 @@
 #include <koro/koro.hpp>
 
 #include <atomic>
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -21,6 +22,8 @@ public:
 
     // The producer has told that the camera was disconnected, and not yet that it came back. Asks nobody.
     bool IsReportedLost() const noexcept { return reportedLost; }
+    // How often it has told that. Asks nobody.
+    uint64_t NumReportedLosses() const noexcept { return numReportedLosses; }
     // Reads the device list anew and looks for the camera, by its serial number before its id.
     std::optional<DeviceDescriptor> Find();
 
@@ -31,6 +34,7 @@ private:
     const std::string id;
     const std::string serialNumber;
     std::atomic<bool> reportedLost{false};
+    std::atomic<uint64_t> numReportedLosses{0};
     // Last: they use everything above.
     Registration disconnected;
     Registration reconnected;

@@ -105,7 +105,7 @@ std::unique_ptr<GrabSession> OpenAgain(const GrabCommand& command, CameraLink& l
         try
         {
             const std::optional<DeviceDescriptor> camera = link.Find();
-            if (camera) return std::make_unique<GrabSession>(*camera, command.settings);
+            if (camera) return std::make_unique<GrabSession>(*camera, command.settings, &link);
         }
         catch (const Error&)
         {
@@ -120,7 +120,7 @@ void Stream(
     const GrabCommand& command, std::unique_ptr<GrabSession> session, CameraLink* link, Interrupt& interrupt,
     GrabOutput& output)
 {
-    while (session && session->Run(interrupt, output, link) == GrabEnd::Lost)
+    while (session && session->Run(interrupt, output) == GrabEnd::Lost)
     {
         session.reset();
         session = OpenAgain(command, *link, interrupt);
@@ -138,7 +138,7 @@ int Grab(const GrabCommand& command)
     const CameraConnection connection(choice);
     std::optional<CameraLink> link;
     if (command.reconnect) link.emplace(connection, choice.camera->id, choice.camera->serialNumber.value_or(""));
-    auto session = std::make_unique<GrabSession>(connection.Descriptor(), command.settings);
+    auto session = std::make_unique<GrabSession>(connection.Descriptor(), command.settings, link ? &*link : nullptr);
     std::printf("%s, %s\n", Printable(DescribeCamera(choice)).c_str(), session->DescribeBuffers().c_str());
     std::fflush(stdout);
 

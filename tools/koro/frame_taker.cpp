@@ -27,7 +27,8 @@ FrameTaker::FrameTaker(
     const RunningStream& from, const GrabSettings& wished, GrabOutput& target, const Interrupt& asked,
     CameraLink* cameraLink)
     : source(from), settings(wished), output(target), interrupt(asked), link(cameraLink),
-      wait_ms(link ? std::min(wished.timeout_ms, lookInterval_ms) : wished.timeout_ms)
+      wait_ms(link ? std::min(wished.timeout_ms, lookInterval_ms) : wished.timeout_ms),
+      numLossesSeen(from.numLossesBefore)
 {}
 
 GrabEnd FrameTaker::Run()
@@ -41,6 +42,7 @@ GrabEnd FrameTaker::Run()
             silent_ms = 0;
             timeoutsInRow = 0;
             hasVanished = false;
+            if (link && output.cameraIsLost) numLossesSeen = link->NumReportedLosses();
             const bool useful = SaveFrame(*buffer);
             source.stream.QueueBuffer(*buffer);
             uselessInRow = useful ? 0 : uselessInRow + 1;
@@ -77,13 +79,23 @@ std::optional<Buffer> FrameTaker::Wait()
 bool FrameTaker::IsLostForGood()
 {
     const bool isListed = link->Find().has_value();
-    const bool isAway = !isListed || (link->IsReportedLost() && !hasVanished);
-    if (isAway)
+    const uint64_t numLosses = link->NumReportedLosses();
+    // Of a camera that the list has lost nobody reports that it came back.
+    const bool isReportedLost = link->IsReportedLost() && numLosses != source.numLossesBefore && !hasVanished;
+    if (!isListed || isReportedLost)
     {
+        numLossesSeen = numLosses;
         output.NoteLoss();
         hasVanished = hasVanished || !isListed;
         back_ms = 0;
         return false;
+    }
+    if (numLossesSeen != numLosses)
+    {
+        // It came back between two looks.
+        numLossesSeen = numLosses;
+        output.NoteLoss();
+        back_ms = 0;
     }
     if (!output.cameraIsLost) return false;
     back_ms += wait_ms;

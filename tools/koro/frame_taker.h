@@ -30,6 +30,7 @@ struct RunningStream
     const NodeMap& nodes; // may be empty
     const std::map<KORO_BufferHandle, FrameMemory>& memory;
     const std::optional<Scan3D>& geometry;
+    uint64_t numLossesBefore; // that the link had heard of when the camera was opened
 };
 
 class FrameTaker
@@ -59,6 +60,7 @@ private:
     uint64_t silent_ms = 0; // since the last frame or time-out
     int timeoutsInRow = 0;
     int uselessInRow = 0;
+    uint64_t numLossesSeen;
     bool hasVanished = false; // from the device list, since the last frame
     uint64_t back_ms = 0;     // since a lost camera is back
 };

@@ -55,8 +55,9 @@ size_t NumBuffers(const DataStream& stream, size_t payloadSize)
 
 } // namespace
 
-GrabSession::GrabSession(const DeviceDescriptor& camera, const GrabSettings& wished)
-    : settings(wished), device(camera.OpenDevice(AccessType::Control)), stream(OpenFirstStream(device))
+GrabSession::GrabSession(const DeviceDescriptor& camera, const GrabSettings& wished, CameraLink* cameraLink)
+    : settings(wished), link(cameraLink), numLossesBefore(link ? link->NumReportedLosses() : 0),
+      device(camera.OpenDevice(AccessType::Control)), stream(OpenFirstStream(device))
 {
     FindNodes();
     if (!settings.settings.empty())
@@ -106,25 +107,26 @@ std::string GrabSession::DescribeBuffers() const
     return std::to_string(memory.size()) + " buffers of " + std::to_string(memory.begin()->second.Size()) + " bytes";
 }
 
-GrabEnd GrabSession::Run(Interrupt& interrupt, GrabOutput& output, CameraLink* link)
+GrabEnd GrabSession::Run(Interrupt& interrupt, GrabOutput& output)
 {
     if (output.table) output.table->FindChunks(nodes);
-    if (!link) return Stream(interrupt, output, link);
+    if (!link) return Stream(interrupt, output);
     try
     {
-        return Stream(interrupt, output, link);
+        return Stream(interrupt, output);
     }
     catch (const Error& error)
     {
         if (output.numHanded >= settings.numPictures) return GrabEnd::Finished;
-        // What cannot be had from a camera that is there is no matter of its connection.
-        if (!output.cameraIsLost && !link->IsReportedLost() && link->Find()) throw;
+        // What cannot be had from a camera that was there all the time is no matter of its connection.
+        const bool wasLost = output.cameraIsLost || link->NumReportedLosses() != numLossesBefore;
+        if (!wasLost && link->Find()) throw;
         output.NoteLoss();
         return GrabEnd::Lost;
     }
 }
 
-GrabEnd GrabSession::Stream(Interrupt& interrupt, GrabOutput& output, CameraLink* link)
+GrabEnd GrabSession::Stream(Interrupt& interrupt, GrabOutput& output)
 {
     const Interrupt::WakeUp wakeUp(interrupt, [this] {
         // The wait may have ended meanwhile; then there is nothing to wake.
@@ -134,7 +136,7 @@ GrabEnd GrabSession::Stream(Interrupt& interrupt, GrabOutput& output, CameraLink
     GrabEnd end = GrabEnd::Finished;
     try
     {
-        end = FrameTaker({stream, nodes, memory, geometry}, settings, output, interrupt, link).Run();
+        end = FrameTaker({stream, nodes, memory, geometry, numLossesBefore}, settings, output, interrupt, link).Run();
     }
     catch (...)
     {

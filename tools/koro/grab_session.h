@@ -23,22 +23,25 @@ class GrabSession
 {
 public:
     // Opens device and stream and announces the buffers. Throws koro::Error, or ToolError for what the tool refuses.
-    GrabSession(const DeviceDescriptor& camera, const GrabSettings& settings);
+    // `link` may be null.
+    GrabSession(const DeviceDescriptor& camera, const GrabSettings& settings, CameraLink* link);
 
     // Streams until the output has got all pictures, the camera stays silent or delivers nothing useful, or the user
     // interrupts. Stops the camera in every case. Throws what waiting or saving failed with. With a `link` a camera may
     // come and go: when it comes back by itself the stream goes on, and a failure of the camera is the end Lost.
-    GrabEnd Run(Interrupt& interrupt, GrabOutput& output, CameraLink* link);
+    GrabEnd Run(Interrupt& interrupt, GrabOutput& output);
     // "8 buffers of 307200 bytes".
     std::string DescribeBuffers() const;
 
 private:
     void FindNodes();
     void AnnounceBuffers();
-    GrabEnd Stream(Interrupt& interrupt, GrabOutput& output, CameraLink* link);
+    GrabEnd Stream(Interrupt& interrupt, GrabOutput& output);
     void Stop(Acquisition& acquisition, GrabStatistics& statistics);
 
     const GrabSettings settings;
+    CameraLink* const link;
+    const uint64_t numLossesBefore; // that the link has heard of; what was opened after them knows nothing of them
     Device device;
     NodeMap nodes;                                   // the camera's features; empty when it has no usable description
     std::optional<Scan3D> geometry;                  // of a 3D camera
