@@ -235,18 +235,34 @@ TEST(SimulatorReset, TimeAndUpdatesHaveToPassBoth)
     EXPECT_GE(missed, 3U);
 }
 
+// A second camera, which is reset later and returns, tells when the first one would have come back.
 TEST(SimulatorReset, MayTakeTheCameraAwayForGood)
 {
-    Updated camera(R"(, "resetReturns": false, "resetAbsence_ms": 1, "resetMissingUpdates": 1)");
+    const std::string absence = R"(, "resetAbsence_ms": 1, "resetMissingUpdates": 1)";
+    Updated camera(
+        absence + R"(, "resetReturns": false}, {"serial": "B", "model": "M", "width": 16, "height": 4, "rate": 0)" +
+        absence);
+    const auto& producer = camera.producer;
+    DEV_HANDLE returning = GENTL_INVALID_HANDLE;
+    PORT_HANDLE returningPort = GENTL_INVALID_HANDLE;
+    ASSERT_EQ(producer.IFOpenDevice(camera.tree.interface, "B", DEVICE_ACCESS_CONTROL, &returning), GC_ERR_SUCCESS);
+    ASSERT_EQ(producer.DevGetPort(returning, &returningPort), GC_ERR_SUCCESS);
+
     camera.map->Execute("DeviceReset");
     std::uint32_t width = 0;
     std::size_t size = sizeof width;
-    EXPECT_EQ(camera.producer.GCReadPort(camera.tree.remote, 0x300, &width, &size), GC_ERR_IO);
+    EXPECT_EQ(producer.GCReadPort(camera.tree.remote, 0x300, &width, &size), GC_ERR_IO);
     camera.Close();
-    const auto later = std::chrono::steady_clock::now() + std::chrono::milliseconds(20);
-    for (int update = 0; update < 5 || std::chrono::steady_clock::now() < later; ++update)
-        ASSERT_EQ(camera.ListedId(), "");
+    FeatureMap(producer, returningPort).Execute("DeviceReset");
+    ASSERT_EQ(producer.DevClose(returning), GC_ERR_SUCCESS);
+
+    ASSERT_TRUE(Eventually([&] { return !camera.ListedId().empty(); }));
+    EXPECT_EQ(camera.FirstId(), "M_B");
+    std::uint32_t number = 0;
+    EXPECT_EQ(producer.IFGetNumDevices(camera.tree.interface, &number), GC_ERR_SUCCESS);
+    EXPECT_EQ(number, 1U);
     EXPECT_EQ(camera.TryOpen(), GC_ERR_INVALID_ID);
+    ASSERT_EQ(camera.TryOpen("B"), GC_ERR_SUCCESS);
 }
 
 TEST(SimulatorReset, CameraMayReturnUnderAnotherId)
