@@ -161,11 +161,12 @@ protected:
             updater, tree.deviceDescriptor, Found(), observer.handle, resetTimeout_ms));
     }
 
-    std::uint32_t Gain() const
+    std::uint32_t Gain(std::size_t camera = 0) const
     {
         std::uint32_t gain = 0;
-        EditDevices(
-            [&](Devices& devices) { gain = firmware::RegisterOf(devices.at(0)->remotePort, firmware::gainAddress); });
+        EditDevices([&](Devices& devices) {
+            gain = firmware::RegisterOf(devices.at(camera)->remotePort, firmware::gainAddress);
+        });
         return gain;
     }
     Strings Calls(const Strings& functions) const { return CallsOf(producer->Journal(), functions); }

@@ -48,6 +48,16 @@ TEST_F(FirmwareUpdateInformation, AbsentEntriesAreEmptyTexts)
     ExpectTextOut("releaseNotesUrl", "", KORO_FirmwareUpdateInformation_GetReleaseNotesURL, information);
 }
 
+TEST_F(FirmwareUpdateInformation, TextsAreThoseInEnglishIfThereAreSome)
+{
+    const auto information = With(
+        Entry("ReleaseNotes", "Anmerkungen", "de") + Entry("ReleaseNotes", "Notes", "en") +
+        Entry("ReleaseNotesURL", "https://example.com/de", "de") + Entry("ReleaseNotesURL", "https://example.com"));
+    ExpectTextOut("releaseNotes", "Notes", KORO_FirmwareUpdateInformation_GetReleaseNotes, information);
+    ExpectTextOut(
+        "releaseNotesUrl", "https://example.com", KORO_FirmwareUpdateInformation_GetReleaseNotesURL, information);
+}
+
 TEST_F(FirmwareUpdateInformation, NumbersAreZeroForEveryFile)
 {
     for (const std::string style : {"dotted", "semver"})

@@ -59,6 +59,19 @@ protected:
         return bytes;
     }
 
+    // The second of two steps fails, since `end` has come between them. Nothing stays open.
+    void ExpectFailureWhen(const std::function<void()>& end, GenTL::GC_ERROR code)
+    {
+        observer.onReport = [&](const std::string& report) {
+            if (report == "step 2 finished") end();
+        };
+        const Error gone = CallFailure("GCWritePort", ProducerErrorOf(code));
+        EXPECT_EQ(Apply(FileWithSteps(WriteGain("7") + WriteGain("8"))), gone);
+        EXPECT_EQ(observer.reports.back(), "failed: " + gone.text);
+        EXPECT_EQ(Gain(), 7u);
+        EXPECT_EQ(producer->Open(), Strings{});
+    }
+
     const std::string key = GetText(KORO_DeviceDescriptor_GetKey, tree.deviceDescriptor);
     const Strings nothingOpen = {"if0", "system"};
     std::shared_ptr<scripted::Device> away;
@@ -97,6 +110,15 @@ TEST_F(FirmwareUpdate, StepsRunInTheirOrderAndAreTold)
             Written(lengthAddress), Written(bufferAddress, bufferLength), Written(executeAddress),
             Written(offsetAddress), Written(lengthAddress), Written(bufferAddress, 4), Written(executeAddress),
             Written(selectorAddress), Written(operationAddress), Written(executeAddress), Written(resetAddress)}));
+}
+
+TEST_F(FirmwareUpdate, DescriptionsAreToldInEnglishIfThereIsSome)
+{
+    const std::string step = "<FeatureWrite><Description Lang=\"de\">Verstärken</Description>"
+                             "<Description>Gain</Description><Description Lang=\"en\">Amplify</Description>"
+                             "<FeatureName>Gain</FeatureName><Value>7</Value></FeatureWrite>";
+    EXPECT_EQ(Apply(FileWithSteps(step)), Error{});
+    EXPECT_THAT(observer.reports, Contains("step 2, 0 ms: 'Amplify'"));
 }
 
 TEST_F(FirmwareUpdate, WithoutAnObserverRunsWithoutReports)
@@ -143,6 +165,38 @@ TEST_F(FirmwareUpdate, InformationOfAnotherUpdaterOrOfAnotherTimeWillDo)
     EXPECT_EQ(
         Outcome(KORO_FirmwareUpdater_UpdateDevice(another, tree.deviceDescriptor, information, nullptr)), Error{});
     EXPECT_EQ(Gain(), 7u);
+}
+
+TEST_F(FirmwareUpdate, UpdaterIsFreeWhileItUpdates)
+{
+    EditDevices([](Devices& devices) { MakeUpdatable(*devices[1]); });
+    const auto second = Get<KORO_DeviceDescriptorHandle>(KORO_Interface_GetDevice, tree.interface, std::size_t{1});
+    const UpdateFileOnDisk another = FileWithSteps(WriteGain("8") + ResetStep());
+    observer.onReport = [&](const std::string& report) {
+        if (report != "step 2 finished") return;
+        Require(CollectAll(another.path));
+        EXPECT_EQ(Outcome(KORO_FirmwareUpdater_UpdateDevice(updater, second, Found(), nullptr)), Error{});
+    };
+    EXPECT_EQ(Apply(FileWithSteps(WriteGain("7") + ResetStep())), Error{});
+    EXPECT_EQ(observer.reports.back(), "finished");
+    EXPECT_EQ(Gain(), 7u);
+    EXPECT_EQ(Gain(1), 8u);
+    EXPECT_EQ(producer->Open(), nothingOpen);
+}
+
+TEST_F(FirmwareUpdate, CameraTakesOneUpdateAtATime)
+{
+    const UpdateFileOnDisk file = FileWithSteps(WriteGain("7"));
+    Error second;
+    observer.onReport = [&](const std::string& report) {
+        if (report != "step 2 finished") return;
+        producer->AnswerOnce("IFOpenDevice", GenTL::GC_ERR_RESOURCE_IN_USE);
+        second = Outcome(KORO_FirmwareUpdater_UpdateDevice(updater, tree.deviceDescriptor, Found(), nullptr));
+    };
+    EXPECT_EQ(Apply(file), Error{});
+    EXPECT_EQ(second, CallFailure("IFOpenDevice", ProducerErrorOf(GenTL::GC_ERR_RESOURCE_IN_USE)));
+    EXPECT_EQ(observer.reports.back(), "finished");
+    EXPECT_EQ(producer->Open(), nothingOpen);
 }
 
 TEST_F(FirmwareUpdate, MatchIsNotRepeatedHereButByTheRuntime)
@@ -249,6 +303,29 @@ TEST_F(FirmwareUpdate, CameraThatNeverReturnsEndsWithItsKey)
         ElementsAre("IFOpenDevice(if0, if0-dev0, 3)", "IFUpdateDeviceList(if0, 200)"));
     EXPECT_EQ(producer->Open(), nothingOpen);
     EXPECT_FALSE(IsDescriptorValid());
+}
+
+TEST_F(FirmwareUpdate, InterfacesEndMeanwhileIsNoEndOfIt)
+{
+    observer.onReport = [&](const std::string& report) {
+        if (report == "step 1 finished") Require(KORO_Interface_Destruct(tree.interface));
+    };
+    EXPECT_EQ(Apply(FileWithSteps(WriteGain("7") + ResetStep() + WriteGain("8"))), Error{});
+    EXPECT_EQ(Gain(), 8u);
+    EXPECT_EQ(observer.reports.back(), "finished");
+    EXPECT_FALSE(IsDescriptorValid());
+    EXPECT_EQ(producer->Open(), Strings{"system"});
+}
+
+TEST_F(FirmwareUpdate, EndOfTheSystemMeanwhileFailsIt)
+{
+    ExpectFailureWhen([this] { Require(KORO_System_Destruct(tree.system)); }, GenTL::GC_ERR_INVALID_HANDLE);
+}
+
+TEST_F(FirmwareUpdate, EndOfTheProducerMeanwhileFailsIt)
+{
+    ExpectFailureWhen(
+        [this] { Require(KORO_ProducerLibrary_Destruct(tree.producerLibrary)); }, GenTL::GC_ERR_NOT_INITIALIZED);
 }
 
 TEST_F(FirmwareUpdate, FoundAndLostCallbacksRunDuringTheSearch)

@@ -1,5 +1,6 @@
 // Collecting updates: what is found, how it is listed, and what a failure leaves.
 #include "tests/boundary/firmware_test.h"
+#include "tests/support/in_thread.h"
 
 #include <filesystem>
 #include <gmock/gmock.h>
@@ -89,6 +90,17 @@ TEST_F(FirmwareUpdater, FailureTellsTheRuntimesWholeText)
     EXPECT_EQ(outcome.code, KORO_RETURN_CODE_ERROR);
     EXPECT_THAT(outcome.text, HasSubstr("The update file '/nowhere/update.guf' does not exist"));
     EXPECT_THAT(outcome.text, HasSubstr("(file '"));
+}
+
+TEST_F(FirmwareUpdater, ListIsFreeWhileAFileIsRead)
+{
+    Require(CollectAll(WithControl(Control(Procedure("") + UpdateOf("1") + UpdateOf("2"))).path));
+    std::vector<std::size_t> found;
+    // The camera is asked whether the updates fit it, in the middle of the file.
+    producer->OnEntry("GCReadPort", [&] { found.push_back(InThread([&] { return NumFound(); })); });
+    Require(Collect(WithControl(Control(Procedure("") + UpdateOf("3"))).path));
+    EXPECT_THAT(found, testing::AllOf(testing::Not(testing::IsEmpty()), testing::Each(2)));
+    EXPECT_THAT(VersionsFound(), ElementsAre("3"));
 }
 
 TEST_F(FirmwareUpdater, CameraThatCannotBeOpenedFailsTheCollection)

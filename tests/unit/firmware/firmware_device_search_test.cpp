@@ -128,6 +128,15 @@ TEST_F(UpdatableDeviceSearch, SearchEndsWhenTheTimeoutIsExceeded)
     EXPECT_THAT(Calls({"DevClose"}), ElementsAre("DevClose(if0-dev0)"));
 }
 
+TEST_F(UpdatableDeviceSearch, TimeoutThatIsJustReachedIsNotExceeded)
+{
+    clock.tick_ns = 0;
+    Prepared(400);
+    GoAwayUntilUpdate(1000);
+    EXPECT_THAT([&] { Reset(); }, NotReopened(400, Key()));
+    EXPECT_THAT(clock.pauses, ElementsAre(200, 200, 200));
+}
+
 TEST_F(UpdatableDeviceSearch, LargeTimeoutsAreNoShortOnes)
 {
     for (const std::uint64_t timeout_ms :

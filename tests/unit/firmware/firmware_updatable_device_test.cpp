@@ -64,6 +64,16 @@ TEST_F(UpdatableDeviceOpening, IsOpenedForControlAndClosedAtItsEnd)
     EXPECT_THAT(Calls({"IFOpenDevice", "DevClose"}), ElementsAre(openFirst, "DevClose(if0-dev0)"));
 }
 
+TEST_F(UpdatableDeviceOpening, EndGivesUpTheInterfaceBeforeTheDevice)
+{
+    Prepared();
+    objects.interface.reset();
+    EXPECT_THAT(Calls({"IFClose", "DevClose"}), ElementsAre());
+    device.reset();
+    // The interface took its devices along.
+    EXPECT_THAT(Calls({"IFClose", "DevClose"}), ElementsAre("IFClose(if0)", "DevClose(dead)"));
+}
+
 TEST_F(UpdatableDeviceOpening, RefusedOpeningGoesUp)
 {
     objects.producer->Answer("IFOpenDevice", GenTL::GC_ERR_ACCESS_DENIED);

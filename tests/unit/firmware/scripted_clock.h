@@ -10,11 +10,11 @@
 namespace koro::test
 {
 
-// Goes on by its pauses, and by a nanosecond each time it is read.
+// Goes on by its pauses, and by a tick each time it is read.
 class ScriptedClock : public internal::SearchClock
 {
 public:
-    std::uint64_t Now_ns() const override { return ++now_ns; }
+    std::uint64_t Now_ns() const override { return now_ns += tick_ns; }
     void Sleep(std::uint64_t pause_ms) override
     {
         pauses.push_back(pause_ms);
@@ -22,6 +22,7 @@ public:
         if (onPause) onPause();
     }
 
+    std::uint64_t tick_ns = 1;
     std::vector<std::uint64_t> pauses;
     std::function<void()> onPause;
 

@@ -73,6 +73,18 @@ TEST_F(ApplyUpdate, WithoutObserverTheSameCallsAreMade)
     EXPECT_THAT(journal, ElementsAre("GetDisplayName", "Prepare", "GetNodeMap", "write Gain=7", "Cleanup"));
 }
 
+TEST_F(ApplyUpdate, InfoMayChangeWhileItIsApplied)
+{
+    const UpdateFileOnDisk file = WithControl(Control(Procedure(WriteGain("7")) + update));
+    auto info = ReadAll(file).at(0);
+    device.throwsAt = "Prepare";
+    device.thrown = [&] { info = CFirmwareUpdateInfo(); };
+    CFirmwareUpdater().ApplyUpdate(&device, info, told);
+    EXPECT_FALSE(info.IsValid());
+    EXPECT_THAT(journal, Contains("begin 2.0 20"));
+    EXPECT_THAT(StepsOfJournal(), Contains("write Gain=7"));
+}
+
 TEST_F(ApplyUpdate, UnknownProcedureRunsNoSteps)
 {
     update = Update(neededEntries, "<Condition Feature=\"DeviceVendorName\"/>", "Other");
@@ -542,9 +554,11 @@ TEST_F(ApplyUpdate, FailuresOfTheDeviceGoThroughUnchanged)
     device.thrown = [] { throw TIMEOUT_EXCEPTION("not found again"); };
     EXPECT_EQ(Apply(""), "another GenericException: not found again");
     EXPECT_EQ(observer.errorText, "not found again");
+    EXPECT_EQ(journal.back(), "error");
     device.thrown = [] { throw 5; };
     EXPECT_EQ(Apply(""), "something else");
     EXPECT_EQ(observer.errorText, "Unknown exception");
+    EXPECT_EQ(journal.back(), "error");
 }
 
 TEST_F(ApplyUpdate, FailureWithoutObserverGoesUp)
