@@ -371,6 +371,25 @@ TEST_F(ApplyUpdate, UploadGoesOnBehindWhatTheDeviceTook)
     EXPECT_THAT(journal, Contains("write Offset=20"));
 }
 
+// Descriptions that let the answers of an operation be cached are wrong, and in the field.
+TEST_F(ApplyUpdate, UploadAsksForEachAnswerAnew)
+{
+    std::string elements = camera.Elements();
+    for (const char* const answer : {"FileOperationStatusReg", "FileOperationResult"})
+    {
+        const std::string uncached = "NoCache";
+        const size_t node = elements.find("Name=\"" + std::string(answer) + "\"");
+        elements.replace(elements.find(uncached, node), uncached.size(), "WriteThrough");
+    }
+    camera.Describe(elements);
+    camera.takes = 10;
+    const std::string content = "0123456789abcdefghijklmnop";
+    EXPECT_EQ(Apply(Upload("a.bin"), {{"a.bin", content}}), "nothing");
+    EXPECT_EQ(camera.file, content);
+    camera.refusesFrom = 20;
+    EXPECT_THAT(Apply(Upload("a.bin"), {{"a.bin", content}}), HasSubstr("The device answered 'Failure'"));
+}
+
 TEST_F(ApplyUpdate, UploadWaitsForEachOperation)
 {
     camera.polls = 2;

@@ -90,6 +90,19 @@ TEST(Pattern, PatternCannotRaiseItsOwnLimit)
         "RuntimeException: The pattern '(*LIMIT_MATCH=4000000000)^(a+)+$' cannot be matched: match limit exceeded");
 }
 
+// Each step keeps the places of all groups.
+TEST(Pattern, GroupsAndStepsTogetherEndByTheirMemory)
+{
+    std::string groups;
+    for (int group = 0; group < 1300; ++group)
+        groups += "()";
+    const std::string text(1200, 'a');
+    EXPECT_TRUE(Pattern("^(?:a|b)*$").Matches(text));
+    EXPECT_THAT(
+        Thrown([&] { Pattern("^" + groups + "(?:a|b)*$").Matches(text); }),
+        testing::EndsWith("' cannot be matched: heap limit exceeded"));
+}
+
 TEST(Pattern, TooLongTextIsNotMatched)
 {
     EXPECT_TRUE(Pattern("a").Matches(std::string(maxMatchedTextSize, 'a')));
