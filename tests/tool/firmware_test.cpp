@@ -3,8 +3,10 @@
 #include "tests/tool/tool_run.h"
 
 #include <filesystem>
+#include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <zlib.h>
 
@@ -13,15 +15,16 @@ namespace
 
 using namespace koro::test;
 using nlohmann::json;
+using testing::EndsWith;
 using testing::HasSubstr;
 
 constexpr int failure = 1;
 constexpr int noSuchCamera = 3;
 
 // What the simulated camera takes as new firmware.
-std::string Image(const std::string& version)
+std::string Image(const std::string& version, size_t size = 100'000)
 {
-    const std::string content = version + "\n" + std::string(100000, 'x');
+    const std::string content = version + "\n" + std::string(size, 'x');
     std::string image = "KOROFWIM";
     const auto sum = crc32(0, reinterpret_cast<const Bytef*>(content.data()), static_cast<uInt>(content.size()));
     for (const uint32_t number : {static_cast<uint32_t>(content.size()), static_cast<uint32_t>(sum)})
@@ -30,6 +33,12 @@ std::string Image(const std::string& version)
             image.push_back(static_cast<char>(number >> shift & 0xFF));
     }
     return image + content;
+}
+
+std::string BytesOf(const std::string& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 std::string Steps()
@@ -80,14 +89,21 @@ TEST_F(Firmware, PackedFileTellsWhatItOffers)
     EXPECT_EQ(Koro({"firmware", "info", Packed(), "--for", "cam"}).out, result.out);
 }
 
+TEST_F(Firmware, CameraWithoutANameIsNoCamera)
+{
+    const ToolResult result = Koro({"firmware", "info", Packed(), "--for", ""});
+    EXPECT_EQ(result.status, noSuchCamera);
+    EXPECT_EQ(result.out, "");
+}
+
 TEST_F(Firmware, UpdateShowsItsStepsAndTheNewVersion)
 {
     const ToolResult result = Koro({"firmware", "update", "cam", Packed()});
     ASSERT_EQ(result.status, 0) << result.err;
     EXPECT_THAT(result.out, HasSubstr(": Better pictures, version 2.0\n"));
-    EXPECT_THAT(result.out, HasSubstr("\nuploading: FileUpload\n"));
-    EXPECT_THAT(result.out, HasSubstr("\nresetting: DeviceReset\n"));
-    EXPECT_THAT(result.out, HasSubstr(" s, the camera reports version 2.0\n"));
+    EXPECT_THAT(
+        result.out, HasSubstr("\nchecking\nunpacking\nuploading: FileUpload\nresetting: DeviceReset\ndone in "));
+    EXPECT_THAT(result.out, EndsWith(" s, the camera reports version 2.0\n"));
     EXPECT_EQ(Koro({"get", "cam", "DeviceFirmwareVersion"}).out, "2.0\n");
 }
 
@@ -97,6 +113,8 @@ TEST_F(Firmware, CameraThatNeverReturnsEndsTheUpdate)
     const ToolResult result = Koro({"firmware", "update", "cam", Packed(), "--reset-timeout", "10"});
     EXPECT_EQ(result.status, failure);
     EXPECT_THAT(result.err, HasSubstr("koro: Device could not be reopened within 10 ms after reset (Device Key: "));
+    EXPECT_THAT(result.err, HasSubstr("\nhint: Look at the camera; update it again once `koro list` shows it."));
+    EXPECT_THAT(result.out, EndsWith("\nuploading: FileUpload\nresetting: DeviceReset (not finished)\n"));
 }
 
 TEST_F(Firmware, FileForAnotherCameraIsRefused)
@@ -151,12 +169,62 @@ TEST_F(Firmware, PackRefusesWhatTheLibraryCannotRead)
     EXPECT_THAT(twice.err, HasSubstr("two files are called image.bin"));
 }
 
-TEST_F(Firmware, FileThatIsNoneIsRefused)
+TEST_F(Firmware, PackThatFailsLeavesAnOlderFile)
 {
-    const ToolResult result = Koro({"firmware", "info", image});
-    EXPECT_EQ(result.status, failure);
-    EXPECT_THAT(result.err, HasSubstr("koro: "));
-    EXPECT_EQ(Koro({"firmware", "info", folder.File("missing")}).status, failure);
+    const std::string file = Packed();
+    const std::string bytes = BytesOf(file);
+    const ToolResult broken = Koro({"firmware", "pack", file, image});
+    EXPECT_EQ(broken.status, failure);
+    EXPECT_THAT(broken.err, HasSubstr("\nhint: Nothing was written"));
+    EXPECT_EQ(BytesOf(file), bytes);
+    // A forgotten name would make the control file the one to write.
+    const std::string rules = BytesOf(control);
+    EXPECT_EQ(Koro({"firmware", "pack", control, image}).status, failure);
+    EXPECT_EQ(BytesOf(control), rules);
+    for (const std::string& content : {control, image})
+    {
+        const ToolResult own = Koro({"firmware", "pack", content, control, image});
+        EXPECT_EQ(own.status, failure);
+        EXPECT_THAT(own.err, HasSubstr("koro: Cannot pack: " + content + " is the update file to write.\n"));
+    }
+    EXPECT_EQ(BytesOf(control), rules);
+    EXPECT_EQ(BytesOf(image), Image("2.0"));
+    for (const auto& entry : std::filesystem::directory_iterator(std::filesystem::path(file).parent_path()))
+        EXPECT_NE(entry.path().extension(), ".part");
+}
+
+TEST_F(Firmware, ImageThatIsMostlyPaddingIsPackedSoThatItCanBeRead)
+{
+    image = folder.MakeFile("image.bin", Image("2.0", 8'000'000));
+    const std::string file = Packed();
+    EXPECT_GT(std::filesystem::file_size(file), 8'000'000U);
+    EXPECT_EQ(Koro({"firmware", "update", "cam", file}).status, 0);
+    EXPECT_EQ(Koro({"get", "cam", "DeviceFirmwareVersion"}).out, "2.0\n");
+}
+
+TEST_F(Firmware, OtherImagesArePackedSmallerThanTheyAre)
+{
+    std::string numbers;
+    for (int number = 0; number < 10'000; ++number)
+        numbers += std::to_string(number);
+    image = folder.MakeFile("image.bin", numbers);
+    EXPECT_LT(std::filesystem::file_size(Packed()), std::filesystem::file_size(image));
+}
+
+TEST_F(Firmware, FileThatIsNoneIsRefusedBeforeAnyCamera)
+{
+    for (const std::string& file : {image, folder.File("missing")})
+    {
+        const ToolResult result = Koro({"firmware", "info", file});
+        EXPECT_EQ(result.status, failure);
+        EXPECT_THAT(result.err, HasSubstr("koro: The update file '" + file + "'"));
+        EXPECT_THAT(result.err, HasSubstr("\nhint: Update files are whole .guf files"));
+        EXPECT_EQ(Koro({"firmware", "update", "nobody", file}).err, result.err);
+        const ToolResult all = Koro({"firmware", "update", "*", file, "--all"});
+        EXPECT_EQ(all.status, failure);
+        EXPECT_EQ(all.err, result.err);
+        EXPECT_EQ(all.out, "");
+    }
 }
 
 } // namespace

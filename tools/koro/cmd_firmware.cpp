@@ -2,14 +2,15 @@
 #include "tools/koro/commands.h"
 #include "tools/koro/discovery.h"
 #include "tools/koro/if_known.h"
-#include "tools/koro/progress.h"
+#include "tools/koro/pending_file.h"
 #include "tools/koro/read_producer.h"
 #include "tools/koro/report.h"
+#include "tools/koro/step_progress.h"
 #include "tools/koro/tool_error.h"
 #include "tools/koro/update_package.h"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
@@ -27,6 +28,7 @@ namespace
 struct FirmwareCommand
 {
     std::string camera;
+    std::optional<std::string> onlyFor; // a camera
     std::string producer;
     std::string file;
     std::string control;
@@ -46,20 +48,29 @@ void PrintUpdate(const FirmwareUpdateInformation& update)
     });
 }
 
+// All updates of the file, before any camera is asked for.
+std::vector<FirmwareUpdateInformation> ReadUpdates(const FirmwareUpdater& updater, const std::string& file)
+{
+    try
+    {
+        return updater.Collect(file);
+    }
+    catch (const Error& error)
+    {
+        throw ToolError(error.what(), "Update files are whole .guf files, from the maker of the camera.");
+    }
+}
+
 int Info(const FirmwareCommand& command)
 {
-    std::vector<FirmwareUpdateInformation> updates;
     const Library library = Library::Initialize();
     const FirmwareUpdater updater;
+    auto updates = ReadUpdates(updater, command.file);
     std::optional<CameraConnection> connection;
-    if (command.camera.empty())
-    {
-        updates = updater.Collect(command.file);
-    }
-    else
+    if (command.onlyFor)
     {
         const Discovery discovery = Discover(command.producer);
-        connection.emplace(FindCamera(discovery, command.camera));
+        connection.emplace(FindCamera(discovery, *command.onlyFor));
         updates = updater.Collect(command.file, connection->Descriptor());
     }
     for (const FirmwareUpdateInformation& update : updates)
@@ -92,35 +103,22 @@ const char* NameOf(KORO_FirmwareUpdateStep step)
     }
 }
 
-// A line for each step; on a terminal with a bar while it runs.
+// Shows the steps of an update as its observer is told of them.
 class StepPrinter
 {
 public:
     explicit StepPrinter(const FirmwareUpdateProgressObserver& observer)
         : started(
               observer.OnStepStarted([this](KORO_FirmwareUpdateStep step, uint32_t, const std::string& description) {
-                  line = std::string(NameOf(step)) + (description.empty() ? "" : ": " + Printable(description));
-                  if (isTerminal) Draw(0);
+                  shown.Begin(std::string(NameOf(step)) + (description.empty() ? "" : ": " + Printable(description)));
               })),
-          progress(observer.OnStepProgress([this](KORO_FirmwareUpdateStep, double percent) {
-              if (isTerminal) Draw(percent);
-          })),
-          finished(observer.OnStepFinished([this](KORO_FirmwareUpdateStep) {
-              std::printf("%s%s\n", isTerminal ? "\r\33[K" : "", line.c_str());
-              std::fflush(stdout);
-          }))
+          progress(
+              observer.OnStepProgress([this](KORO_FirmwareUpdateStep, double percent) { shown.Reached(percent); })),
+          finished(observer.OnStepFinished([this](KORO_FirmwareUpdateStep) { shown.Finish(); }))
     {}
 
 private:
-    void Draw(double percent) const
-    {
-        const auto done = static_cast<uint64_t>(std::clamp(percent, 0.0, 100.0));
-        std::printf("\r%s %s\33[K", ProgressBar(done, 100).c_str(), line.c_str());
-        std::fflush(stdout);
-    }
-
-    const bool isTerminal = isatty(STDOUT_FILENO) != 0;
-    std::string line;
+    StepProgress shown{stdout, isatty(STDOUT_FILENO) != 0};
     Registration started;
     Registration progress;
     Registration finished;
@@ -165,9 +163,17 @@ void UpdateOne(const FirmwareCommand& command, const CameraChoice& choice)
 
     const auto begin = std::chrono::steady_clock::now();
     const FirmwareUpdateProgressObserver observer;
+    try
     {
         const StepPrinter printer(observer);
         updater.Update(connection.Descriptor(), updates.front(), observer, command.resetTimeout_ms);
+    }
+    catch (const Error& error)
+    {
+        if (error.Code() != KORO_RETURN_CODE_TIMEOUT) throw;
+        throw ToolError(
+            error.what(),
+            "Look at the camera; update it again once `koro list` shows it. --reset-timeout gives it more time.");
     }
     const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
     std::printf(
@@ -207,29 +213,49 @@ int UpdateAll(const FirmwareCommand& command, const Discovery& discovery)
 int Update(const FirmwareCommand& command)
 {
     const Library library = Library::Initialize();
+    ReadUpdates(FirmwareUpdater(), command.file);
     const Discovery discovery = Discover(command.producer);
     if (command.all) return UpdateAll(command, discovery);
     UpdateOne(command, FindCamera(discovery, command.camera));
     return exitSuccess;
 }
 
+void RefuseOwnContent(const FirmwareCommand& command)
+{
+    std::vector<std::string> contents = command.contents;
+    contents.push_back(command.control);
+    for (const std::string& content : contents)
+    {
+        std::error_code none;
+        if (std::filesystem::equivalent(command.file, content, none))
+            throw ToolError(
+                "Cannot pack: " + content + " is the update file to write.", "The update file comes first.");
+    }
+}
+
+// What the library cannot read must not leave the maker's house, nor take the place of an older file.
 int Pack(const FirmwareCommand& command)
 {
-    WriteUpdateFile(command.file, command.control, {command.contents.begin(), command.contents.end()});
+    RefuseOwnContent(command);
+    const auto bytes = PackUpdateFile(command.control, {command.contents.begin(), command.contents.end()});
+    PendingFile file(command.file);
+    if (std::fwrite(bytes.data(), 1, bytes.size(), file.Stream()) != bytes.size() || std::fflush(file.Stream()) != 0)
+        throw ToolError("Cannot write " + command.file + ": " + std::generic_category().message(errno) + ".");
+
     const Library library = Library::Initialize();
     const FirmwareUpdater updater;
+    std::vector<FirmwareUpdateInformation> updates;
     try
     {
-        for (const FirmwareUpdateInformation& update : updater.Collect(command.file))
-            PrintUpdate(update);
+        updates = updater.Collect(file.Path().string());
     }
-    catch (const Error&)
+    catch (const Error& error)
     {
-        // What the library cannot read must not leave the maker's house.
-        std::error_code ignored;
-        std::filesystem::remove(command.file, ignored);
-        throw;
+        throw ToolError(error.what(), "Nothing was written: no camera could be updated with it.");
     }
+    file.Commit();
+    for (const FirmwareUpdateInformation& update : updates)
+        PrintUpdate(update);
     return exitSuccess;
 }
 
@@ -249,7 +275,7 @@ Action DefineFirmware(CLI::App& command)
     };
     CLI::App* const info = define("info", "Show what an update file offers", Info);
     info->add_option("file", options->file, "The update file")->required();
-    info->add_option("--for", options->camera, "Only what fits this camera");
+    info->add_option("--for", options->onlyFor, "Only what fits this camera");
     CLI::App* const update = define("update", "Apply an update to a camera", Update);
     update->add_option("camera", options->camera, "Serial number, user name, id, interface:id, or a pattern with *")
         ->required();

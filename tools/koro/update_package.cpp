@@ -1,10 +1,8 @@
 #include "tools/koro/update_package.h"
 
-#include "tools/koro/image_writer.h"
 #include "tools/koro/tool_error.h"
 
-#include <cstdint>
-#include <cstring>
+#include <map>
 #include <memory>
 #include <set>
 #include <string>
@@ -19,6 +17,8 @@ namespace
 
 constexpr std::uintmax_t maxFileSize = std::uintmax_t{256} << 20;
 constexpr const char* controlName = "Control.xml";
+// What expands more is taken for an attack by those who read update files.
+constexpr zip_uint64_t mostExpansion = 100;
 
 [[noreturn]] void Fail(const char* what, const std::string& why)
 {
@@ -68,13 +68,13 @@ public:
         // Nothing of the moment or the machine: equal contents give equal files.
         zip_file_set_mtime(archive, static_cast<zip_uint64_t>(index), 315532800, 0);
     }
-    void AddFile(const std::string& name, const std::filesystem::path& path)
+    void AddFile(const std::string& name, const std::filesystem::path& path, int method)
     {
         std::error_code failure;
         const std::uintmax_t size = std::filesystem::file_size(path, failure);
         if (failure) Fail("read", path.string() + ": " + failure.message());
         if (size > maxFileSize) Fail("pack", path.string() + " has " + std::to_string(size) + " bytes");
-        Add(name, zip_source_file(archive, path.c_str(), 0, -1), ZIP_CM_DEFLATE);
+        Add(name, zip_source_file(archive, path.c_str(), 0, -1), method);
     }
     void AddBytes(const std::string& name, const std::vector<uint8_t>& bytes)
     {
@@ -102,26 +102,53 @@ private:
     zip_t* archive = nullptr;
 };
 
-} // namespace
+using Contents = std::map<std::string, std::filesystem::path>; // by the name in the package
 
-void WriteUpdateFile(
-    const std::filesystem::path& output, const std::filesystem::path& control,
-    const std::vector<std::filesystem::path>& files)
+std::vector<uint8_t> Pack(const Contents& contents, const std::set<std::string>& stored)
 {
     Archive package;
-    package.AddFile(controlName, control);
-    std::set<std::string> names = {controlName};
+    for (const auto& [name, path] : contents)
+        package.AddFile(name, path, stored.count(name) > 0 ? ZIP_CM_STORE : ZIP_CM_DEFLATE);
+    return package.Finish();
+}
+
+// The entries that deflating has made too small.
+std::set<std::string> ExpandingTooMuch(const std::vector<uint8_t>& package)
+{
+    zip_error_t ignored;
+    zip_error_init(&ignored);
+    zip_source_t* const source = zip_source_buffer_create(package.data(), package.size(), 0, &ignored);
+    zip_t* const opened = source ? zip_open_from_source(source, ZIP_RDONLY, &ignored) : nullptr;
+    zip_error_fini(&ignored);
+    if (source && !opened) zip_source_free(source);
+    const std::unique_ptr<zip_t, void (*)(zip_t*)> archive(opened, zip_discard);
+    if (!archive) Fail("pack", "the package cannot be read back");
+    std::set<std::string> names;
+    for (zip_uint64_t index = 0; index < static_cast<zip_uint64_t>(zip_get_num_entries(archive.get(), 0)); ++index)
+    {
+        zip_stat_t state;
+        if (zip_stat_index(archive.get(), index, 0, &state) != 0) Fail("pack", zip_strerror(archive.get()));
+        if (state.size / mostExpansion > state.comp_size) names.insert(state.name);
+    }
+    return names;
+}
+
+} // namespace
+
+std::vector<uint8_t> PackUpdateFile(
+    const std::filesystem::path& control, const std::vector<std::filesystem::path>& files)
+{
+    Contents contents = {{controlName, control}};
     for (const std::filesystem::path& file : files)
     {
         const std::string name = file.filename().string();
-        if (!names.insert(name).second) Fail("pack", "two files are called " + name);
-        package.AddFile(name, file);
+        if (!contents.emplace(name, file).second) Fail("pack", "two files are called " + name);
     }
-    const std::vector<uint8_t> packed = package.Finish();
+    std::vector<uint8_t> package = Pack(contents, {});
+    if (const auto names = ExpandingTooMuch(package); !names.empty()) package = Pack(contents, names);
     Archive container;
-    container.AddBytes("package.zip", packed);
-    const std::vector<uint8_t> bytes = container.Finish();
-    WriteRaw(bytes.data(), bytes.size(), output);
+    container.AddBytes("package.zip", package);
+    return container.Finish();
 }
 
 } // namespace koro::tool

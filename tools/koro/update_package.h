@@ -3,16 +3,16 @@
 // Any thread.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <vector>
 
 namespace koro::tool
 {
 
-// Writes an update file with `control` as its Control.xml and the files beside it under their own names. The file shows
-// up when it is whole. Throws ToolError for files that cannot be read, two of one name, and what the disk refuses.
-void WriteUpdateFile(
-    const std::filesystem::path& output, const std::filesystem::path& control,
-    const std::vector<std::filesystem::path>& files);
+// The bytes of an update file with `control` as its Control.xml and the files beside it under their own names. Throws
+// ToolError for files that cannot be read, and for two of one name.
+std::vector<uint8_t> PackUpdateFile(
+    const std::filesystem::path& control, const std::vector<std::filesystem::path>& files);
 
 } // namespace koro::tool
