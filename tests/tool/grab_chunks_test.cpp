@@ -120,6 +120,18 @@ TEST(GrabChunks, BrokenChunksAreToldAndThePictureIsSaved)
     EXPECT_THAT(grab.Column("ChunkFrameID"), ElementsAre("", "2", "3"));
 }
 
+TEST(GrabChunks, TableThatFailsTooDoesNotHideWhyTheGrabFailed)
+{
+    json settings = ChunkCamera();
+    FailCall(settings, "DSQueueBuffer", "GC_ERR_IO")["at"] = 12;
+    const ChunkGrab grab(settings);
+    std::filesystem::create_directories(grab.folder.File("out/cam-chunks.csv"));
+    const ToolResult result = grab.Run({}, "20");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.err, HasSubstr("koro: Cannot rename "));
+    EXPECT_THAT(result.err, HasSubstr("koro: [Function: DSQueueBuffer"));
+}
+
 TEST(GrabChunks, CameraWithoutChunksIsRefused)
 {
     json settings = ChunkCamera();

@@ -67,7 +67,10 @@ std::string ChunkTable::Add(const NodeMap& nodes, const Buffer& buffer, uint64_t
     {
         shown = std::string("chunks cannot be read: ") + error.what();
     }
-    WriteLine(std::move(cells));
+    if (hasHeader)
+        WriteLine(std::move(cells));
+    else
+        waiting.push_back(number);
     return shown.empty() ? "no chunks" : shown;
 }
 
@@ -86,8 +89,8 @@ void ChunkTable::WriteHeader()
     std::vector<std::string> header = {"frame"};
     header.insert(header.end(), names.begin(), names.end());
     WriteLine(std::move(header));
-    for (std::vector<std::string>& line : std::exchange(waiting, {}))
-        WriteLine(std::move(line));
+    for (const uint64_t number : std::exchange(waiting, {}))
+        WriteLine({std::to_string(number)});
 }
 
 void ChunkTable::Finish()
@@ -99,11 +102,6 @@ void ChunkTable::Finish()
 
 void ChunkTable::WriteLine(std::vector<std::string> cells)
 {
-    if (!hasHeader)
-    {
-        waiting.push_back(std::move(cells));
-        return;
-    }
     cells.resize(names.size() + 1);
     const std::string line = CommaSeparated(cells) + "\n";
     if (std::fwrite(line.data(), 1, line.size(), file.Stream()) == line.size()) return;

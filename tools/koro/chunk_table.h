@@ -36,7 +36,7 @@ private:
     PendingFile file;
     std::vector<std::string> names; // features that may hold chunks; since the header, the columns
     bool hasHeader = false;
-    std::vector<std::vector<std::string>> waiting; // lines that came before the header
+    std::vector<uint64_t> waiting; // frames that came before the header
 };
 
 } // namespace koro::tool

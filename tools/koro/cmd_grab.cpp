@@ -127,6 +127,19 @@ void Stream(
     }
 }
 
+// For a grab that has failed: what was taken before stays, and so do its values. That failure is the one to tell.
+void FinishAfterFailure(ChunkTable& table)
+{
+    try
+    {
+        table.Finish();
+    }
+    catch (const ToolError& error)
+    {
+        std::fprintf(stderr, "koro: %s\n", error.what());
+    }
+}
+
 int Grab(const GrabCommand& command)
 {
     Interrupt interrupt;
@@ -154,9 +167,8 @@ int Grab(const GrabCommand& command)
     }
     catch (...)
     {
-        // What was taken before stays, and so do its values.
         const auto failure = std::current_exception();
-        if (table) table->Finish();
+        if (table) FinishAfterFailure(*table);
         std::rethrow_exception(failure);
     }
     saver.Finish();
