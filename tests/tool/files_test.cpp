@@ -15,6 +15,7 @@ using namespace koro::test;
 using nlohmann::json;
 using testing::HasSubstr;
 
+constexpr int success = 0;
 constexpr int failure = 1;
 constexpr int noSuchFeature = 6;
 
@@ -32,6 +33,18 @@ protected:
         std::ifstream file(File(name), std::ios::binary);
         return {std::istreambuf_iterator<char>(file), {}};
     }
+
+    // What reading CalibrationData ends with, over an older copy that stays as it is.
+    ToolResult ReadOverOlderCopy()
+    {
+        folder.MakeFile("copy", "older");
+        const ToolResult result = Koro({"files", "read", "cam", "CalibrationData", File("copy")});
+        EXPECT_EQ(result.status, failure);
+        EXPECT_EQ(Content("copy"), "older");
+        EXPECT_FALSE(std::filesystem::exists(File(".copy.part")));
+        return result;
+    }
+    void AddFault(const json& fault) { settings["misbehaviour"]["files"].push_back(fault); }
 
     TemporaryFolder folder;
     json settings = OneCamera("Mono8", 64, 48);
@@ -98,6 +111,83 @@ TEST_F(Files, ThatCannotBeDeletedStay)
     const ToolResult result = Koro({"files", "delete", "cam", "CalibrationData"});
     EXPECT_EQ(result.status, failure);
     EXPECT_THAT(result.err, HasSubstr("koro: "));
+}
+
+TEST_F(Files, ThatAreNotAvailableAreToldAtEveryCommand)
+{
+    const std::string told = "koro: The file MemoryCard is not available now.\n";
+    const std::string file = folder.MakeFile("new", "new");
+    EXPECT_EQ(Koro({"files", "read", "cam", "MemoryCard", File("copy")}).err, told);
+    EXPECT_EQ(Koro({"files", "write", "cam", "MemoryCard", file}).err, told);
+    const ToolResult result = Koro({"files", "delete", "cam", "MemoryCard"});
+    EXPECT_EQ(result.status, failure);
+    EXPECT_EQ(result.err, told);
+    EXPECT_EQ(result.out, "");
+}
+
+TEST_F(Files, ThatDoNotOfferItAreRefusedByTheirModes)
+{
+    const ToolResult read = Koro({"files", "read", "cam", "Firmware", File("copy")});
+    EXPECT_EQ(read.status, failure);
+    EXPECT_EQ(read.err, "koro: The file Firmware cannot be read.\nhint: It can be opened for Write.\n");
+    EXPECT_FALSE(std::filesystem::exists(File("copy")));
+    const ToolResult written = Koro({"files", "write", "cam", "FactoryData", folder.MakeFile("new", "new")});
+    EXPECT_EQ(written.status, failure);
+    EXPECT_EQ(written.err, "koro: The file FactoryData cannot be written.\nhint: It can be opened for Read.\n");
+    for (const std::string name : {"FactoryData", "Firmware"})
+    {
+        const ToolResult result = Koro({"files", "delete", "cam", name});
+        EXPECT_EQ(result.status, failure);
+        EXPECT_EQ(result.err, "koro: The file " + name + " cannot be deleted.\n");
+    }
+}
+
+TEST_F(Files, ThatTheCameraDoesNotKeepAreNoSuccess)
+{
+    const std::string file = folder.MakeFile("new", "new");
+    const ToolResult refused = Koro({"files", "write", "cam", "Firmware", file});
+    EXPECT_EQ(refused.status, failure);
+    EXPECT_EQ(refused.err, "koro: The camera did not keep Firmware: FileOperationStatus is FileNotValid.\n");
+}
+
+TEST_F(Files, ThatCannotBeClosedAreNoSuccess)
+{
+    const std::string file = folder.MakeFile("new", "new");
+    AddFault({{"camera", "cam"}, {"operation", "Close"}, {"status", "Failure"}});
+    const ToolResult lost = Koro({"files", "write", "cam", "UserFile", file});
+    EXPECT_EQ(lost.status, failure);
+    EXPECT_EQ(lost.err, "koro: The camera did not keep UserFile: FileOperationStatus is Failure.\n");
+    EXPECT_EQ(Koro({"files", "read", "cam", "FactoryData", File("copy")}).status, success) << "reading keeps nothing";
+}
+
+TEST_F(Files, ThatAreNotDeletedAreToldByTheStatus)
+{
+    AddFault({{"camera", "cam"}, {"operation", "Delete"}, {"status", "AccessDenied"}});
+    const ToolResult result = Koro({"files", "delete", "cam", "UserFile"});
+    EXPECT_EQ(result.status, failure);
+    EXPECT_EQ(result.err, "koro: UserFile was not deleted: FileOperationStatus is AccessDenied.\n");
+}
+
+TEST_F(Files, ThatEndAtABlockLeaveNoCopy)
+{
+    AddFault({{"camera", "cam"}, {"operation", "Read"}, {"at", 3}, {"status", "Failure"}});
+    EXPECT_THAT(ReadOverOlderCopy().err, HasSubstr("koro: An unknown error occurred reading the specified file!\n"));
+}
+
+TEST_F(Files, OfACameraThatIsLostMeanwhileLeaveNoCopy)
+{
+    settings["interfaces"][0]["cameras"][0]["fileBufferBytes"] = 1000;
+    // In the middle of the blocks, of which there are 301.
+    settings["misbehaviour"]["calls"].push_back(
+        {{"function", "GCWritePort"}, {"at", 400}, {"count", "every"}, {"error", "GC_ERR_IO"}});
+    EXPECT_THAT(ReadOverOlderCopy().err, HasSubstr("GC_ERR_IO"));
+}
+
+TEST_F(Files, ThatDoNotFitOnTheDiskLeaveNoCopy)
+{
+    if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "there is no /dev/full";
+    folder.MakeLink("/dev/full", ".copy.part");
+    EXPECT_THAT(ReadOverOlderCopy().err, HasSubstr("No space left on device."));
 }
 
 TEST_F(Files, ThatAreNotThereAreRefusedWithThoseThatAre)

@@ -8,14 +8,17 @@
 #include "tools/koro/transfer_progress.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <memory>
+#include <string>
 #include <system_error>
 #include <unistd.h>
+#include <vector>
 
 namespace koro::tool
 {
@@ -40,13 +43,20 @@ EnumerationNode FilesOf(const FeatureSession& session)
     throw ToolError(std::string("The camera has no files that can be reached."), {}, exitNoSuchFeature);
 }
 
+// The file, selected.
 FileAdapter Open(const FeatureSession& session, const std::string& name)
 {
     const EnumerationNode files = FilesOf(session);
-    if (files.HasEntry(name)) return FileAdapter(session.Nodes(), name);
+    const EnumerationEntryNode entry = files.TryEntry(name);
+    if (entry)
+    {
+        if (!entry.Node().IsAvailable()) throw ToolError("The file " + Printable(name) + " is not available now.");
+        files.SetCurrentEntry(entry);
+        return FileAdapter(session.Nodes(), name);
+    }
     std::string names;
-    for (const EnumerationEntryNode& entry : files.Entries())
-        names += (names.empty() ? "" : ", ") + Printable(entry.SymbolicValue());
+    for (const EnumerationEntryNode& known : files.Entries())
+        names += (names.empty() ? "" : ", ") + Printable(known.SymbolicValue());
     throw ToolError(
         "The camera has no file \"" + Printable(name) + "\".", "There are " + names + ".", exitNoSuchFeature);
 }
@@ -74,17 +84,50 @@ std::string SizeText(const std::optional<uint64_t>& size)
     return size ? std::to_string(*size) : "-";
 }
 
-// What the selected file can be opened for, as far as the camera tells.
-std::string ModesOf(const NodeMap& nodes)
+// The available entries of what the selected file offers; empty when the camera does not tell.
+std::vector<std::string> Offered(const NodeMap& nodes, const char* choice)
 {
-    const Node node = nodes.TryNode("FileOpenMode");
-    if (!node || node.Type() != KORO_NODE_TYPE_ENUMERATION) return "-";
-    std::string modes;
+    const Node node = nodes.TryNode(choice);
+    if (!node || node.Type() != KORO_NODE_TYPE_ENUMERATION) return {};
+    std::vector<std::string> names;
     for (const EnumerationEntryNode& entry : node.ToEnumeration().Entries())
     {
-        if (entry.Node().IsAvailable()) modes += (modes.empty() ? "" : ", ") + Printable(entry.SymbolicValue());
+        if (entry.Node().IsAvailable()) names.push_back(entry.SymbolicValue());
     }
-    return modes.empty() ? "-" : modes;
+    return names;
+}
+
+std::string Joined(const std::vector<std::string>& names)
+{
+    std::string text;
+    for (const std::string& name : names)
+        text += (text.empty() ? "" : ", ") + Printable(name);
+    return text.empty() ? "-" : text;
+}
+
+bool IsAmong(const std::vector<std::string>& names, const char* name)
+{
+    return std::find(names.begin(), names.end(), name) != names.end();
+}
+
+// The library tells neither what refuses to be opened nor what refuses to be deleted.
+void RequireMode(const FeatureSession& session, const FilesCommand& command, const char* mode, const char* done)
+{
+    // What a file can be opened for may depend on the operation.
+    IfKnown([&] { return session.Nodes().Enumeration("FileOperationSelector").SetCurrentEntry("Open"), true; });
+    const auto modes = Offered(session.Nodes(), "FileOpenMode");
+    if (modes.empty() || IsAmong(modes, mode)) return;
+    throw ToolError(
+        "The file " + Printable(command.name) + " cannot be " + done + ".",
+        "It can be opened for " + Joined(modes) + ".");
+}
+
+// Of the last operation; empty for success, and for a camera that does not tell.
+std::string FailureOf(const FeatureSession& session)
+{
+    const auto status =
+        IfKnown([&] { return ReadValue(session.Nodes().Node("FileOperationStatus"), CachePolicy::IgnoreCache); });
+    return status && *status != "Success" ? *status : std::string();
 }
 
 int List(const FilesCommand& command)
@@ -99,7 +142,7 @@ int List(const FilesCommand& command)
         const FileAdapter file(session.Nodes(), name);
         const auto size = IfKnown([&] { return file.Size(); });
         const auto maxSize = IfKnown([&] { return file.MaxSize(); });
-        const std::string modes = size ? ModesOf(session.Nodes()) : "not available";
+        const std::string modes = size ? Joined(Offered(session.Nodes(), "FileOpenMode")) : "not available";
         std::printf(
             "%-24s %12s %12s  %s\n", Printable(name).c_str(), SizeText(size).c_str(), SizeText(maxSize).c_str(),
             modes.c_str());
@@ -113,6 +156,7 @@ int Read(const FilesCommand& command)
     const FeatureSession session(command.target, FeatureSession::Access::Write);
     const FileAdapter file = Open(session, command.name);
     const uint64_t size = file.Size();
+    RequireMode(session, command, "Read", "read");
     TransferProgress progress(stderr, isatty(STDERR_FILENO) != 0, size);
     const BlockWatch blocks(session.Nodes(), progress);
     const std::vector<uint8_t> bytes = file.Read(size);
@@ -141,14 +185,22 @@ int Write(const FilesCommand& command)
     const std::vector<uint8_t> bytes = ReadLocal(command.path);
     const FeatureSession session(command.target, FeatureSession::Access::Write);
     const FileAdapter file = Open(session, command.name);
+    RequireMode(session, command, "Write", "written");
     TransferProgress progress(stderr, isatty(STDERR_FILENO) != 0, bytes.size());
     const BlockWatch blocks(session.Nodes(), progress);
     // Writing need not shorten a file.
     if (IfKnown([&] { return file.Size(); }).value_or(0) > bytes.size()) IfKnown([&] { return file.Delete(), true; });
     file.Write(bytes);
+    // The last operation was the closing, whose answer the library does not tell.
+    const std::string failure = FailureOf(session);
+    if (!failure.empty())
+        throw ToolError(
+            "The camera did not keep " + Printable(command.name) + ": FileOperationStatus is " + Printable(failure) +
+            ".");
     progress.Finish();
+    // What cannot be read need not tell how long it has become.
     const auto size = IfKnown([&] { return file.Size(); });
-    if (size && *size != bytes.size())
+    if (size && *size != bytes.size() && IsAmong(Offered(session.Nodes(), "FileOpenMode"), "Read"))
         throw ToolError(Printable(command.name) + " has " + std::to_string(*size) + " bytes after the writing.");
     return exitSuccess;
 }
@@ -157,15 +209,19 @@ int Delete(const FilesCommand& command)
 {
     const FeatureSession session(command.target, FeatureSession::Access::Write);
     const FileAdapter file = Open(session, command.name);
+    const std::string name = Printable(command.name);
+    const auto operations = Offered(session.Nodes(), "FileOperationSelector");
+    if (!operations.empty() && !IsAmong(operations, "Delete"))
+        throw ToolError("The file " + name + " cannot be deleted.");
     file.Delete();
     // The library does not tell the camera's answer; what is deleted has no bytes left.
+    const std::string failure = FailureOf(session);
     const auto left = IfKnown([&] { return file.Size(); });
-    const auto status = IfKnown([&] { return ReadValue(session.Nodes().Node("FileOperationStatus")); });
-    if ((left && *left > 0) || (status && *status != "Success"))
-        throw ToolError(
-            Printable(command.name) + " was not deleted" +
-            (status ? ": FileOperationStatus is " + Printable(*status) : std::string()) + ".");
-    std::printf("%s deleted\n", Printable(command.name).c_str());
+    if (!failure.empty())
+        throw ToolError(name + " was not deleted: FileOperationStatus is " + Printable(failure) + ".");
+    if (left.value_or(0) > 0)
+        throw ToolError(name + " was not deleted: it still has " + std::to_string(*left) + " bytes.");
+    std::printf("%s deleted\n", name.c_str());
     return exitSuccess;
 }
 
