@@ -1,3 +1,4 @@
+#include "tests/tool/described_camera.h"
 #include "tests/tool/simulator_settings.h"
 #include "tests/tool/tool_run.h"
 
@@ -30,6 +31,8 @@ protected:
         environment = SimulatorWith(folder, settings);
     }
 
+    // From the next run on.
+    void Use(const json& settings) const { folder.MakeFile("simulator.json", settings.dump()); }
     ToolResult Koro(const Arguments& arguments) const { return RunTool(arguments, environment); }
     std::string File(const std::string& name) const { return folder.File(name); }
     std::string Content(const std::string& name) const
@@ -71,6 +74,179 @@ TEST_F(Settings, SaveReplacesAFileAsAWhole)
     EXPECT_THAT(Content("file"), testing::StartsWith(head));
     EXPECT_FALSE(std::filesystem::exists(File(".file.part")));
     EXPECT_EQ(Koro({"settings", "save", "cam", File("missing/file")}).status, failure);
+}
+
+TEST_F(Settings, SaveOnAFullDiskLeavesTheOlderFile)
+{
+    if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "there is no /dev/full";
+    // The pending file of "file" is ".file.part": a link to a device that is always full.
+    Written("file", "older content");
+    folder.MakeLink("/dev/full", ".file.part");
+    const ToolResult result = Koro({"settings", "save", "cam", File("file")});
+    EXPECT_EQ(result.status, failure);
+    EXPECT_THAT(
+        result.err, testing::StartsWith("koro: Cannot write " + File("file") + ": No space left on device.\nhint: "));
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(Content("file"), "older content");
+    EXPECT_FALSE(std::filesystem::is_symlink(File(".file.part")));
+
+    folder.MakeLink("/dev/full", ".new.part");
+    EXPECT_EQ(Koro({"settings", "save", "cam", File("new")}).status, failure);
+    EXPECT_FALSE(std::filesystem::exists(File("new")));
+}
+
+TEST_F(Settings, SaveThatLosesTheCameraLeavesTheOlderFile)
+{
+    Written("file", "older content");
+    json settings = OneCamera("Mono8", 64, 48);
+    FailCall(settings, "GCReadPort", "GC_ERR_IO") = {
+        {"function", "GCReadPort"}, {"at", 200}, {"count", "every"}, {"error", "GC_ERR_IO"}};
+    Use(settings);
+    const ToolResult result = Koro({"settings", "save", "cam", File("file")});
+    EXPECT_EQ(result.status, failure);
+    EXPECT_THAT(result.err, HasSubstr("GC_ERR_IO"));
+    EXPECT_EQ(Content("file"), "older content");
+    EXPECT_FALSE(std::filesystem::exists(File(".file.part")));
+}
+
+// A camera of a test's own, whose values begin anew at each run.
+class SettingsOfDescribed : public Settings
+{
+protected:
+    SettingsOfDescribed()
+    {
+        json settings = OneCamera("Mono8", 64, 48);
+        Describe(
+            folder, settings, "Width Coarse Limited Gain Channel Name Nothing Brace",
+            IntRegisterAt("Width", 0, streamable) + "<IntConverter Name=\"Coarse\">" + streamable +
+                "<FormulaTo>FROM/10</FormulaTo><FormulaFrom>TO*10</FormulaFrom><pValue>CoarseReg</pValue>"
+                "</IntConverter>" +
+                IntRegisterAt("CoarseReg", 4) + "<Integer Name=\"Limited\">" + streamable +
+                "<pValue>LimitedReg</pValue><Min>0</Min><Max>100</Max></Integer>" + IntRegisterAt("LimitedReg", 8) +
+                "<Enumeration Name=\"Channel\"><EnumEntry Name=\"Red\"><Value>0</Value></EnumEntry>"
+                "<EnumEntry Name=\"Blue\"><Value>4</Value></EnumEntry><pValue>ChannelReg</pValue>"
+                "<pSelected>Gain</pSelected></Enumeration>" +
+                IntRegisterAt("ChannelReg", 12) +
+                IntRegisterAt("Gain", 16, streamable + "<pAddress>ChannelReg</pAddress>") + Text("Name", "a b") +
+                Text("Nothing", "") + Text("Brace", "{b}"));
+        Use(settings);
+    }
+
+    static std::string Text(const std::string& name, const std::string& value)
+    {
+        return "<String Name=\"" + name + "\">" + streamable + "<Value>" + value + "</Value></String>";
+    }
+
+    static inline const std::string streamable = "<Streamable>Yes</Streamable>";
+};
+
+TEST_F(SettingsOfDescribed, SavedWithoutTheTextsThatNoFileHoldsTheyLoad)
+{
+    const ToolResult saved = Koro({"settings", "save", "cam", File("file")});
+    EXPECT_EQ(saved.status, 0);
+    EXPECT_EQ(
+        saved.err, "Nothing is left out: a file holds no text that is empty or begins with a brace\n"
+                   "Brace is left out: a file holds no text that is empty or begins with a brace\n");
+    EXPECT_EQ(saved.out, "7 values in " + File("file") + "\n");
+    EXPECT_THAT(
+        Content("file"), testing::EndsWith("\nWidth\t0\nCoarse\t0\nLimited\t0\nGain\t{Channel=Red}\t0\n"
+                                           "Gain\t{Channel=Blue}\t0\nChannel\tRed\nName\ta b\n"));
+    const ToolResult loaded = Koro({"settings", "load", "cam", File("file")});
+    EXPECT_EQ(loaded.status, 0) << loaded.err;
+    EXPECT_EQ(loaded.out, "7 values written\n");
+    const ToolResult compared = Koro({"settings", "diff", "cam", File("file")});
+    EXPECT_EQ(compared.status, 0) << compared.err;
+    EXPECT_EQ(compared.out, "");
+}
+
+TEST_F(SettingsOfDescribed, LoadNamesTheLinesThatTheCameraTookOtherwise)
+{
+    const std::string file = Written("file", head + "Width\t5\nCoarse\t57\nLimited\t300\nCoarse\t60\n");
+    const ToolResult result = Koro({"settings", "load", "cam", file});
+    EXPECT_EQ(result.status, failure);
+    EXPECT_THAT(result.err, HasSubstr("line 3: Coarse=57: the camera has made 50 of it\n"));
+    EXPECT_THAT(result.err, HasSubstr("line 4: Limited=300: Limited takes 0 to 100.\n"));
+    EXPECT_THAT(result.err, testing::Not(HasSubstr("line 5")));
+    EXPECT_THAT(result.err, HasSubstr("koro: 2 of 4 values could not be written: "));
+}
+
+TEST_F(SettingsOfDescribed, SelectorThatTheCameraDoesNotHaveIsPassedOver)
+{
+    const std::string file = Written("file", head + "Gain\t{Nowhere=1}\t5\n");
+    const ToolResult checked = Koro({"settings", "check", "cam", file});
+    EXPECT_EQ(checked.status, 0) << checked.err;
+    EXPECT_EQ(
+        checked.out, "line 2: Gain[Nowhere=1]: 0 -> 5, without the selector Nowhere, which the camera does not have\n"
+                     "1 values would change, 0 cannot be written, 0 are the same\n");
+    EXPECT_EQ(Koro({"settings", "load", "cam", file}).out, "1 values written\n");
+
+    const std::string other = Written("other", head + "Depth\t1\nGain\t{Nowhere=1}\t5\nGain\t{Channel=Blue}\t6\n");
+    const ToolResult loaded = Koro({"settings", "load", "cam", other});
+    EXPECT_THAT(loaded.err, testing::StartsWith("line 2: Depth=1: the camera has no such feature\nkoro: 1 of 3 "));
+}
+
+TEST_F(SettingsOfDescribed, LineOf64MegabytesIsToldInAFewWords)
+{
+    const std::string file = Written("file", head + "Width\t" + std::string(64 << 20, '7') + "\n");
+    for (const std::string part : {"load", "check"})
+    {
+        const ToolResult result = Koro({"settings", part, "cam", file});
+        EXPECT_EQ(result.status, failure);
+        EXPECT_THAT(result.err + result.out, HasSubstr("... (67108864 bytes): "));
+        EXPECT_LT(result.err.size() + result.out.size(), 2000u);
+    }
+}
+
+TEST_F(Settings, SaveRefusesTextsThatAreLines)
+{
+    json settings = OneCamera("Mono8", 64, 48);
+    Describe(
+        folder, settings, "Name", "<String Name=\"Name\"><Streamable>Yes</Streamable><Value>a&#10;b</Value></String>");
+    Use(settings);
+    const ToolResult result = Koro({"settings", "save", "cam", File("file")});
+    EXPECT_EQ(result.status, failure);
+    EXPECT_EQ(
+        result.err, "koro: The camera's settings, line 5: there is no tab behind the name of the feature.\n"
+                    "hint: A text with line feeds in it cannot be kept in such a file.\n");
+    EXPECT_FALSE(std::filesystem::exists(File("file")));
+}
+
+TEST_F(Settings, ZeroByteWithTextBehindItIsRefusedWithItsLine)
+{
+    using namespace std::string_literals;
+    const std::string file = Written("file", head + "Width\t32\n\0Height\t24\n"s);
+    for (const std::string part : {"load", "check", "diff"})
+    {
+        const ToolResult result = Koro({"settings", part, "cam", file});
+        EXPECT_EQ(result.status, failure);
+        EXPECT_THAT(result.err, HasSubstr(", line 3: there is a zero byte, and text behind it."));
+    }
+    EXPECT_EQ(Koro({"get", "cam", "Width"}).out, "64\n");
+}
+
+TEST_F(Settings, FileOfOtherSoftwareLoads)
+{
+    const std::string file = Written(
+        "file", "# {05D8C294-F295-4dfb-9D01-096BD04049F4}\r\n# GenApi persistence file (version 2.4.0)\r\n"
+                "# of a camera\r\n# ----\r\nWidth\t32\r\n#\r\nLineInverter\t{LineSelector=Line1}\t1\r\n");
+    const ToolResult result = Koro({"settings", "load", "cam", file});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(result.out, "2 values written\n");
+    EXPECT_EQ(Koro({"get", "cam", "Width"}).out, "32\n");
+}
+
+TEST_F(Settings, LoadThatLosesTheCameraFails)
+{
+    const std::string file = Written("file", head + "Width\t32\nHeight\t24\nGain\t1\n");
+    json settings = OneCamera("Mono8", 64, 48);
+    FailCall(settings, "GCWritePort", "GC_ERR_IO") = {
+        {"function", "GCWritePort"}, {"at", 2}, {"count", "every"}, {"error", "GC_ERR_IO"}};
+    Use(settings);
+    const ToolResult result = Koro({"settings", "load", "cam", file});
+    EXPECT_EQ(result.status, failure);
+    EXPECT_THAT(result.err, HasSubstr("line 3: Height=24: "));
+    EXPECT_THAT(result.err, HasSubstr("line 4: Gain=1: "));
+    EXPECT_THAT(result.err, HasSubstr("koro: 2 of 3 values could not be written: "));
 }
 
 TEST_F(Settings, LoadNamesEveryLineThatFails)

@@ -7,12 +7,15 @@
 #include "tools/koro/tool_error.h"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
+#include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <memory>
+#include <string>
+#include <sys/mman.h>
+#include <system_error>
 #include <unistd.h>
+#include <vector>
 
 namespace koro::tool
 {
@@ -27,43 +30,63 @@ struct SettingsCommand
     std::string otherFile;
 };
 
-// The library opens and truncates what it is told, so it writes a neighbour that takes the file's place when whole.
-void Save(const NodeMap& nodes, const std::filesystem::path& path)
-{
-    PendingFile file(path);
-    nodes.StoreToFile(file.Path().string());
-    file.Commit();
-}
-
-// A folder of this process alone, gone at the end.
-class ScratchFolder
+// A file without a place on any disk.
+class MemoryFile
 {
 public:
-    ScratchFolder()
+    MemoryFile() : file(memfd_create("settings", MFD_CLOEXEC))
     {
-        std::string pattern = (std::filesystem::temp_directory_path() / "koro-XXXXXX").string();
-        if (!mkdtemp(pattern.data())) throw ToolError("Cannot make a folder for a moment: " + pattern + ".");
-        path = pattern;
+        if (file < 0) Fail();
     }
-    ScratchFolder(const ScratchFolder&) = delete;
-    ScratchFolder& operator=(const ScratchFolder&) = delete;
-    ~ScratchFolder()
+    MemoryFile(const MemoryFile&) = delete;
+    MemoryFile& operator=(const MemoryFile&) = delete;
+    ~MemoryFile() { close(file); }
+
+    std::string Path() const { return "/proc/self/fd/" + std::to_string(file); }
+    std::string Content() const
     {
-        std::error_code ignored;
-        std::filesystem::remove_all(path, ignored);
+        std::string content(static_cast<size_t>(lseek(file, 0, SEEK_END)), '\0');
+        for (size_t size = 0; size < content.size();)
+        {
+            const ssize_t part = pread(file, &content[size], content.size() - size, static_cast<off_t>(size));
+            if (part <= 0) Fail();
+            size += static_cast<size_t>(part);
+        }
+        return content;
     }
-    const std::filesystem::path& Path() const { return path; }
 
 private:
-    std::filesystem::path path;
+    [[noreturn]] static void Fail()
+    {
+        throw ToolError("Cannot keep settings in memory: " + std::generic_category().message(errno) + ".");
+    }
+
+    const int file;
 };
 
-std::vector<FeatureRecord> SettingsOf(const NodeMap& nodes)
+struct CameraSettings
 {
-    const ScratchFolder folder;
-    const std::filesystem::path path = folder.Path() / "settings";
-    nodes.StoreToFile(path.string());
-    return ReadFeatureFile(path);
+    std::string text;
+    std::vector<FeatureRecord> records;
+    std::vector<std::string> leftOut; // titles of what no file can hold
+};
+
+CameraSettings Store(const NodeMap& nodes)
+{
+    const MemoryFile file;
+    nodes.StoreToFile(file.Path());
+    CameraSettings settings;
+    settings.text = file.Content();
+    try
+    {
+        settings.records = ParseFeatureFile(settings.text, "The camera's settings", SettingsOf::Camera);
+    }
+    catch (const ToolError& error)
+    {
+        throw ToolError(error.what(), "A text with line feeds in it cannot be kept in such a file.");
+    }
+    settings.leftOut = TakeOutWhatNoFileHolds(settings.text, settings.records);
+    return settings;
 }
 
 std::string Count(size_t number, const char* what)
@@ -73,7 +96,7 @@ std::string Count(size_t number, const char* what)
 
 std::string LineOf(const PlannedRecord& plan)
 {
-    return "line " + std::to_string(plan.record->line) + ": " + Printable(plan.record->Title());
+    return "line " + std::to_string(plan.record->line) + ": " + PrintableStart(plan.record->Title());
 }
 
 size_t PrintProblems(const std::vector<PlannedRecord>& plans, std::FILE* stream)
@@ -84,8 +107,8 @@ size_t PrintProblems(const std::vector<PlannedRecord>& plans, std::FILE* stream)
         if (plan.problem.empty()) continue;
         ++number;
         std::fprintf(
-            stream, "%s=%s: %s\n", LineOf(plan).c_str(), Printable(plan.record->value).c_str(),
-            Printable(plan.problem).c_str());
+            stream, "%s=%s: %s\n", LineOf(plan).c_str(), PrintableStart(plan.record->value).c_str(),
+            PrintableStart(plan.problem).c_str());
     }
     return number;
 }
@@ -93,9 +116,15 @@ size_t PrintProblems(const std::vector<PlannedRecord>& plans, std::FILE* stream)
 int SaveSettings(const SettingsCommand& command)
 {
     const FeatureSession session(command.target, FeatureSession::Access::WriteOrRead);
-    Save(session.Nodes(), command.file);
-    std::printf(
-        "%s in %s\n", Count(ReadFeatureFile(command.file).size(), "values").c_str(), Printable(command.file).c_str());
+    PendingFile file(command.file);
+    const CameraSettings settings = Store(session.Nodes());
+    std::fwrite(settings.text.data(), 1, settings.text.size(), file.Stream());
+    file.Commit();
+    for (const std::string& title : settings.leftOut)
+        std::fprintf(
+            stderr, "%s is left out: a file holds no text that is empty or begins with a brace\n",
+            PrintableStart(title).c_str());
+    std::printf("%s in %s\n", Count(settings.records.size(), "values").c_str(), Printable(command.file).c_str());
     return exitSuccess;
 }
 
@@ -133,14 +162,22 @@ int CheckSettings(const SettingsCommand& command)
         if (plan.isSame || !plan.problem.empty()) continue;
         ++numChanges;
         std::printf(
-            "%s: %s -> %s\n", LineOf(plan).c_str(), plan.before.empty() ? "?" : Printable(plan.before).c_str(),
-            Printable(plan.record->value).c_str());
+            "%s: %s -> %s%s\n", LineOf(plan).c_str(), plan.before.empty() ? "?" : PrintableStart(plan.before).c_str(),
+            PrintableStart(plan.record->value).c_str(),
+            plan.missingSelector.empty()
+                ? ""
+                : (", without the selector " + PrintableStart(plan.missingSelector) + ", which the camera does not have").c_str());
     }
     const size_t numProblems = PrintProblems(plans, stdout);
     std::printf(
         "%zu values would change, %zu cannot be written, %zu are the same\n", numChanges, numProblems,
         plans.size() - numChanges - numProblems);
     return numProblems == 0 ? exitSuccess : exitFailure;
+}
+
+void PrintDifference(char sign, const std::string& title, const FeatureRecord& record)
+{
+    std::printf("%c %s=%s\n", sign, PrintableStart(title).c_str(), PrintableStart(record.value).c_str());
 }
 
 int DiffSettings(const SettingsCommand& command)
@@ -151,15 +188,13 @@ int DiffSettings(const SettingsCommand& command)
     if (!command.otherFile.empty())
         right = ReadFeatureFile(command.otherFile);
     else
-        right = SettingsOf(FeatureSession(command.target, FeatureSession::Access::WriteOrRead).Nodes());
+        right = Store(FeatureSession(command.target, FeatureSession::Access::WriteOrRead).Nodes()).records;
 
     const auto differences = Differences(left, right);
     for (const FeatureDifference& difference : differences)
     {
-        if (difference.left)
-            std::printf("- %s=%s\n", Printable(difference.title).c_str(), Printable(difference.left->value).c_str());
-        if (difference.right)
-            std::printf("+ %s=%s\n", Printable(difference.title).c_str(), Printable(difference.right->value).c_str());
+        if (difference.left) PrintDifference('-', difference.title, *difference.left);
+        if (difference.right) PrintDifference('+', difference.title, *difference.right);
     }
     return differences.empty() ? exitSuccess : exitDifferent;
 }

@@ -54,6 +54,24 @@ std::vector<std::pair<std::string, std::string>> TakeSelectors(
     return selectors;
 }
 
+// The library takes nothing behind a zero byte; what stands there would be lost without a word.
+std::string TextOf(const std::string& source, const std::string& name)
+{
+    const size_t end = source.find('\0');
+    if (end == source.npos) return source;
+    if (source.find_first_not_of('\0', end) != source.npos)
+    {
+        const auto line = 1 + std::count(source.begin(), source.begin() + static_cast<std::ptrdiff_t>(end), '\n');
+        Refuse(name, static_cast<size_t>(line), "there is a zero byte, and text behind it");
+    }
+    return source.substr(0, end);
+}
+
+bool IsLostInAFile(const std::string& value)
+{
+    return value.empty() || value.front() == '{';
+}
+
 } // namespace
 
 std::string FeatureRecord::Title() const
@@ -78,9 +96,9 @@ std::vector<FeatureRecord> ReadFeatureFile(const std::filesystem::path& path)
     return ParseFeatureFile(text, path.string());
 }
 
-std::vector<FeatureRecord> ParseFeatureFile(const std::string& source, const std::string& name)
+std::vector<FeatureRecord> ParseFeatureFile(const std::string& source, const std::string& name, SettingsOf origin)
 {
-    std::string text = source.substr(0, source.find('\0'));
+    std::string text = TextOf(source, name);
     text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
 
     std::vector<FeatureRecord> records;
@@ -104,11 +122,33 @@ std::vector<FeatureRecord> ParseFeatureFile(const std::string& source, const std
         record.name = Trimmed(rest.substr(0, tab));
         rest.remove_prefix(tab + 1);
         if (record.name.empty()) Refuse(name, line, "there is no name in front of the tab");
-        if (!rest.empty() && rest.front() == '{') record.selectors = TakeSelectors(rest, name, line);
+        const bool isText = origin == SettingsOf::Camera && rest.find("}\t") == rest.npos;
+        if (!rest.empty() && rest.front() == '{' && !isText) record.selectors = TakeSelectors(rest, name, line);
         record.value = rest;
-        if (record.value.empty()) Refuse(name, line, record.name + " has no value");
+        if (record.value.empty() && origin == SettingsOf::File)
+            Refuse(name, line, PrintableStart(record.name) + " has no value");
     }
     return records;
+}
+
+std::vector<std::string> TakeOutWhatNoFileHolds(std::string& text, std::vector<FeatureRecord>& records)
+{
+    std::vector<std::string> titles;
+    std::string kept;
+    auto record = records.begin();
+    for (size_t line = 1, begin = 0, end = 0; begin < text.size(); ++line, begin = end)
+    {
+        end = std::min(text.find('\n', begin), text.size() - 1) + 1;
+        const bool isRecord = record != records.end() && record->line == line;
+        if (isRecord && IsLostInAFile(record->value))
+            titles.push_back(record->Title());
+        else
+            kept.append(text, begin, end - begin);
+        if (isRecord) ++record;
+    }
+    text = std::move(kept);
+    std::erase_if(records, [](const FeatureRecord& read) { return IsLostInAFile(read.value); });
+    return titles;
 }
 
 std::vector<FeatureDifference> Differences(

@@ -25,10 +25,20 @@ struct FeatureRecord
 };
 
 // Throws ToolError, with the line, for a file that cannot be read or is no feature file. Files of other software may
-// have carriage returns and comments between the records.
+// have carriage returns and comments between the records. Of zero bytes only those at the end are taken.
 std::vector<FeatureRecord> ReadFeatureFile(const std::filesystem::path& path);
+// The library stores texts that it does not read back as they were: empty ones, and those with a brace in front.
+enum class SettingsOf
+{
+    File,   // which is refused when a value is missing
+    Camera, // just stored
+};
+
 // The same of a text; `name` is what messages call it.
-std::vector<FeatureRecord> ParseFeatureFile(const std::string& text, const std::string& name);
+std::vector<FeatureRecord> ParseFeatureFile(
+    const std::string& text, const std::string& name, SettingsOf origin = SettingsOf::File);
+// Takes the records of such texts out, and their lines out of the camera's text that was parsed. Returns their titles.
+std::vector<std::string> TakeOutWhatNoFileHolds(std::string& text, std::vector<FeatureRecord>& records);
 
 struct FeatureDifference
 {

@@ -8,8 +8,24 @@
 namespace koro::tool
 {
 
+namespace
+{
+
+// A link stays one. What is no regular file, such as a device, is nothing that another file could replace.
+std::filesystem::path PlaceOf(const std::filesystem::path& path)
+{
+    std::error_code failure;
+    const auto status = std::filesystem::status(path, failure);
+    if (!std::filesystem::exists(status)) return path;
+    if (!std::filesystem::is_regular_file(status))
+        throw ToolError("Cannot write " + path.string() + ": it is there, and no regular file.");
+    return std::filesystem::is_symlink(path) ? std::filesystem::canonical(path) : path;
+}
+
+} // namespace
+
 PendingFile::PendingFile(const std::filesystem::path& path)
-    : finalPath(path), pendingPath(path.parent_path() / ("." + path.filename().string() + ".part")),
+    : finalPath(PlaceOf(path)), pendingPath(finalPath.parent_path() / ("." + finalPath.filename().string() + ".part")),
       stream(std::fopen(pendingPath.c_str(), "w+b"))
 {
     if (!stream) Fail("create", errno);

@@ -13,15 +13,14 @@ namespace koro::tool
 class PendingFile
 {
 public:
-    // Opens a hidden neighbour of `path` for writing. Throws ToolError with the system's reason.
+    // Opens a hidden neighbour of `path`, or of what it links to, for writing. Throws ToolError with the system's
+    // reason, and when a folder, a device or a pipe is there.
     explicit PendingFile(const std::filesystem::path& path);
     PendingFile(const PendingFile&) = delete;
     PendingFile& operator=(const PendingFile&) = delete;
     ~PendingFile();
 
     std::FILE* Stream() const noexcept { return stream; }
-    // The neighbour, for what opens its files itself.
-    const std::filesystem::path& Path() const noexcept { return pendingPath; }
     // Writes out and renames; an older file of that name is replaced. Throws ToolError with the system's reason.
     void Commit();
 

@@ -15,6 +15,13 @@ std::string Printable(const std::string& text)
     return printable;
 }
 
+std::string PrintableStart(const std::string& text)
+{
+    constexpr size_t most = 200;
+    if (text.size() <= most) return Printable(text);
+    return Printable(text.substr(0, most)) + "... (" + std::to_string(text.size()) + " bytes)";
+}
+
 std::string OrDash(const OptionalText& text)
 {
     return text && !text->empty() ? Printable(*text) : "-";

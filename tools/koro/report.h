@@ -12,6 +12,8 @@ namespace koro::tool
 
 // Texts of producers end up on a terminal: control characters become "?".
 std::string Printable(const std::string& text);
+// The same of a text of any length: of a long one the beginning, and how many bytes there are.
+std::string PrintableStart(const std::string& text);
 
 // "-" for what the producer does not know or left empty.
 std::string OrDash(const OptionalText& text);

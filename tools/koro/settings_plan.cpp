@@ -37,7 +37,11 @@ public:
         for (const auto& [name, value] : current)
         {
             const Node selector = nodes.TryNode(name);
-            if (!selector) throw ToolError("the camera has no selector " + Printable(name));
+            if (!selector)
+            {
+                missing = name;
+                continue;
+            }
             CheckValue(selector, value);
             const std::string now = ReadValue(selector);
             if (now == value) continue;
@@ -45,6 +49,9 @@ public:
             WriteValue(selector, value);
         }
     }
+
+    // Of the present ones; empty if the camera has all.
+    const std::string& Missing() const { return missing; }
 
 private:
     void SetBack()
@@ -62,11 +69,13 @@ private:
         }
         before.clear();
         current.clear();
+        missing.clear();
     }
 
     const NodeMap nodes;
     std::vector<std::pair<std::string, std::string>> current;
     std::vector<std::pair<std::string, std::string>> before;
+    std::string missing;
 };
 
 // What the limits of the moment say of the value; empty for nothing.
@@ -133,7 +142,7 @@ bool IsSame(const Node& node, const std::string& left, const std::string& right)
 
 PlannedRecord Look(const NodeMap& nodes, const Port& port, const FeatureRecord& record)
 {
-    PlannedRecord plan{&record, {}, {}, false};
+    PlannedRecord plan{&record, {}, {}, false, {}};
     const Node node = nodes.TryNode(record.name);
     if (!node)
     {
@@ -143,20 +152,22 @@ PlannedRecord Look(const NodeMap& nodes, const Port& port, const FeatureRecord& 
     CheckValue(node, record.value);
     plan.before = IfKnown([&] { return ReadValue(node); }).value_or("");
     plan.isSame = !plan.before.empty() && IsSame(node, plan.before, record.value);
-    if (plan.isSame) return plan;
-    if (!node.IsWritable())
+    if (!plan.isSame && !node.IsWritable())
         plan.problem = "it cannot be written: " + SentencesOf(WhyNotWritable(nodes, port, node));
     else
-        plan.problem = OutsideOfLimits(node, record.value);
+        plan.problem = OutsideOfLimits(node, record.value); // the library writes, and then refuses to read it
     return plan;
 }
 
 PlannedRecord Write(const NodeMap& nodes, const Port& port, const FeatureRecord& record)
 {
     PlannedRecord plan = Look(nodes, port, record);
-    if (plan.isSame || !nodes.TryNode(record.name)) return plan;
+    const Node node = nodes.TryNode(record.name);
+    if (plan.isSame || !node) return plan;
     plan.problem.clear();
-    WriteValue(nodes.Node(record.name), record.value);
+    WriteValue(node, record.value);
+    const auto now = IfKnown([&] { return ReadValue(node, CachePolicy::IgnoreCache); });
+    if (now && !IsSame(node, *now, record.value)) plan.problem = "the camera has made " + *now + " of it";
     return plan;
 }
 
@@ -172,10 +183,11 @@ std::vector<PlannedRecord> ForEach(
         {
             selectors.Set(record);
             plans.push_back(treat(record));
+            plans.back().missingSelector = selectors.Missing();
         }
         catch (const std::exception& error)
         {
-            plans.push_back({&record, {}, error.what(), false});
+            plans.push_back({&record, {}, error.what(), false, {}});
         }
     }
     return plans;

@@ -14,9 +14,10 @@ namespace koro::tool
 struct PlannedRecord
 {
     const FeatureRecord* record;
-    std::string before;  // the camera's value; empty if it cannot be read
-    std::string problem; // why it cannot be written; empty if it can, or has not to be
-    bool isSame = false; // the camera has the value
+    std::string before;          // the camera's value; empty if it cannot be read
+    std::string problem;         // why it cannot be written; empty if it can, or has not to be
+    bool isSame = false;         // the camera has the value
+    std::string missingSelector; // one that the camera has not, and that the library passes over
 };
 
 // Looks at each record, with its selectors set for that moment. Writes nothing else, and sets the selectors back.
@@ -24,8 +25,8 @@ struct PlannedRecord
 std::vector<PlannedRecord> PlanSettings(
     const NodeMap& nodes, const Port& port, const std::vector<FeatureRecord>& records);
 
-// Writes each record that the camera has not, one by one, in their order; the problems are those of the writing. The
-// selectors are set back. Used to find out which lines of a file fail.
+// Writes each record that the camera has not, one by one, in their order; the problems are those of the writing and of
+// what the camera has made of it. The selectors are set back. Used to find out which lines of a file fail.
 std::vector<PlannedRecord> WriteSettings(
     const NodeMap& nodes, const Port& port, const std::vector<FeatureRecord>& records);
 

@@ -65,10 +65,29 @@ TEST(FeatureFile, WhatIsWrongIsToldWithItsLine)
     EXPECT_EQ(Refusal(head), "none");
 }
 
-TEST(FeatureFile, NothingIsReadBehindAZeroByte)
+TEST(FeatureFile, ZeroBytesAreTakenAtTheEndAlone)
 {
     using namespace std::string_literals;
-    EXPECT_EQ(ParseFeatureFile(head + "Width\t640\n\0rubbish"s, "f").size(), 1u);
+    EXPECT_EQ(ParseFeatureFile(head + "Width\t640\n\0\0"s, "f").size(), 1u);
+    EXPECT_EQ(Refusal(head + "Width\t640\n\0rubbish"s), "f, line 3: there is a zero byte, and text behind it.");
+    EXPECT_EQ(Refusal(head + "Width\t64\0\n"s), "f, line 2: there is a zero byte, and text behind it.");
+    EXPECT_EQ(Refusal("\0"s + head), "f, line 1: there is a zero byte, and text behind it.");
+}
+
+TEST(FeatureFile, LongNameIsNotRepeatedInItsRefusal)
+{
+    EXPECT_LT(Refusal(head + std::string(1 << 20, 'n') + "\t\n").size(), 1000u);
+}
+
+TEST(FeatureFile, TextsOfTheCameraThatNoFileHoldsAreTakenOut)
+{
+    std::string text = head + "#\t\nA\t1\nText\t\nGain\t{S=1}\t\nName\t{x}\nB\t{S=1}\t2\nTab\t \t\nLast\t";
+    EXPECT_EQ(Refusal(text), "f, line 4: Text has no value.");
+    auto records = ParseFeatureFile(text, "f", SettingsOf::Camera);
+    EXPECT_THAT(TakeOutWhatNoFileHolds(text, records), ElementsAre("Text", "Gain[S=1]", "Name", "Last"));
+    EXPECT_EQ(text, head + "#\t\nA\t1\nB\t{S=1}\t2\nTab\t \t\n");
+    EXPECT_EQ(records.size(), 3u);
+    EXPECT_TRUE(Differences(records, ParseFeatureFile(text, "f")).empty());
 }
 
 TEST(FeatureFile, FileThatCannotBeReadIsAnError)

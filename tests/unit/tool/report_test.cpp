@@ -14,6 +14,12 @@ TEST(Report, ControlCharactersOfAProducerDoNotReachTheTerminal)
     EXPECT_EQ(Printable("K\xC3\xB6ro"), "K\xC3\xB6ro");
 }
 
+TEST(Report, LongTextsAreCut)
+{
+    EXPECT_EQ(PrintableStart(std::string(199, 'a') + "\n"), std::string(199, 'a') + "?");
+    EXPECT_EQ(PrintableStart(std::string(200, 'a') + "b"), std::string(200, 'a') + "... (201 bytes)");
+}
+
 TEST(Report, MissingAndEmptyTextsAreDashes)
 {
     EXPECT_EQ(OrDash(std::nullopt), "-");
