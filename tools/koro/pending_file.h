@@ -21,6 +21,8 @@ public:
     ~PendingFile();
 
     std::FILE* Stream() const noexcept { return stream; }
+    // The neighbour, for what reads or writes its files itself.
+    const std::filesystem::path& Path() const noexcept { return pendingPath; }
     // Writes out and renames; an older file of that name is replaced. Throws ToolError with the system's reason.
     void Commit();
 
