@@ -1,5 +1,6 @@
 // A feature file: what is read reads the same when it was written again, and can be loaded whatever it says.
 #include "fuzz/fuzz_target.h"
+#include "fuzz/stored_features.h"
 
 #include <GenApi/NodeMapFactory.h>
 #include <GenICam.h>
@@ -32,21 +33,6 @@ private:
     std::map<int64_t, uint8_t> bytes;
 };
 
-const char* const description =
-    R"(<RegisterDescription ModelName="M" VendorName="V" StandardNameSpace="None" SchemaMajorVersion="1"
-    SchemaMinorVersion="1" SchemaSubMinorVersion="0" MajorVersion="1" MinorVersion="0" SubMinorVersion="0"
-    ProductGuid="p" VersionGuid="v" xmlns="http://www.genicam.org/GenApi/Version_1_1">
-  <Category Name="Root"><pFeature>G</pFeature><pFeature>F</pFeature><pFeature>T</pFeature></Category>
-  <Enumeration Name="S"><EnumEntry Name="A"><Value>0</Value></EnumEntry><EnumEntry Name="B"><Value>1</Value></EnumEntry>
-    <Value>0</Value><pSelected>G</pSelected></Enumeration>
-  <Integer Name="I"><Value>0</Value><Min>0</Min><Max>3</Max><pSelected>S</pSelected></Integer>
-  <IntReg Name="G"><Streamable>Yes</Streamable><Address>0</Address><pIndex Offset="1">S</pIndex>
-    <pIndex Offset="2">I</pIndex><Length>1</Length><AccessMode>RW</AccessMode><pPort>Device</pPort>
-    <Sign>Unsigned</Sign><Endianess>LittleEndian</Endianess></IntReg>
-  <Float Name="F"><Streamable>Yes</Streamable><Value>1</Value></Float>
-  <String Name="T"><Streamable>Yes</Streamable><Value>x</Value></String>
-  <Port Name="Device"/></RegisterDescription>)";
-
 // What the runtime throws says what is wrong; anything else ends the process.
 template <class Act>
 bool Succeeds(const Act& act)
@@ -64,7 +50,7 @@ bool Succeeds(const Act& act)
 
 void Load(CFeatureBag& bag)
 {
-    static CNodeMapFactory factory(description);
+    static CNodeMapFactory factory(koro::fuzz::storedFeatures);
     Memory memory;
     INodeMap* const map = factory.CreateNodeMap();
     map->Connect(&memory);
