@@ -11,15 +11,16 @@ namespace koro::tool
 namespace
 {
 
-// A link stays one. What is no regular file, such as a device, is nothing that another file could replace.
+// A link stays one. A device or a pipe is nothing that a file could replace; a folder the system refuses in renaming.
 std::filesystem::path PlaceOf(const std::filesystem::path& path)
 {
     std::error_code failure;
     const auto status = std::filesystem::status(path, failure);
-    if (!std::filesystem::exists(status)) return path;
+    const bool isLink = std::filesystem::is_symlink(path, failure);
+    if (!std::filesystem::exists(status) || (std::filesystem::is_directory(status) && !isLink)) return path;
     if (!std::filesystem::is_regular_file(status))
         throw ToolError("Cannot write " + path.string() + ": it is there, and no regular file.");
-    return std::filesystem::is_symlink(path) ? std::filesystem::canonical(path) : path;
+    return isLink ? std::filesystem::canonical(path) : path;
 }
 
 } // namespace

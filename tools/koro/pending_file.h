@@ -14,7 +14,7 @@ class PendingFile
 {
 public:
     // Opens a hidden neighbour of `path`, or of what it links to, for writing. Throws ToolError with the system's
-    // reason, and when a folder, a device or a pipe is there.
+    // reason, and when a device or a pipe is there.
     explicit PendingFile(const std::filesystem::path& path);
     PendingFile(const PendingFile&) = delete;
     PendingFile& operator=(const PendingFile&) = delete;

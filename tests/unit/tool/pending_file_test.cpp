@@ -76,9 +76,10 @@ TEST(PendingFile, ReplacesNoFolderNoDeviceAndNoPipe)
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     EXPECT_EQ(Refusal(pipe), "Cannot write " + pipe + ": it is there, and no regular file.");
     EXPECT_TRUE(fs::is_fifo(pipe));
-    EXPECT_EQ(Refusal(folder.MakeFolder("folder")).find("Cannot write "), 0u);
+    EXPECT_THROW(Write(folder.MakeFolder("folder"), "text"), ToolError);
+    EXPECT_EQ(Refusal(folder.MakeLink("folder", "elsewhere")).find("Cannot write "), 0u);
     EXPECT_EQ(Refusal(folder.MakeLink("/dev/null", "device")).find("Cannot write "), 0u);
-    EXPECT_EQ(std::distance(fs::directory_iterator(folder.Path()), {}), 3);
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder.Path()), {}), 4);
 }
 
 } // namespace
