@@ -1,3 +1,4 @@
+#include "gentl/api/function_names.h"
 #include "tools/koro/camera_tree_json.h"
 #include "tools/koro/commands.h"
 #include "tools/koro/producer_probe.h"
@@ -17,57 +18,6 @@ namespace
 {
 
 using nlohmann::json;
-
-// The functions of GenTL 1.0, which every producer has.
-const char* const mandatoryFunctions[] = {
-    "GCGetInfo",
-    "GCGetLastError",
-    "GCInitLib",
-    "GCCloseLib",
-    "GCReadPort",
-    "GCWritePort",
-    "GCGetPortURL",
-    "GCGetPortInfo",
-    "GCRegisterEvent",
-    "GCUnregisterEvent",
-    "EventGetData",
-    "EventGetDataInfo",
-    "EventGetInfo",
-    "EventFlush",
-    "EventKill",
-    "TLOpen",
-    "TLClose",
-    "TLGetInfo",
-    "TLGetNumInterfaces",
-    "TLGetInterfaceID",
-    "TLGetInterfaceInfo",
-    "TLOpenInterface",
-    "TLUpdateInterfaceList",
-    "IFClose",
-    "IFGetInfo",
-    "IFGetNumDevices",
-    "IFGetDeviceID",
-    "IFUpdateDeviceList",
-    "IFGetDeviceInfo",
-    "IFOpenDevice",
-    "DevGetPort",
-    "DevGetNumDataStreams",
-    "DevGetDataStreamID",
-    "DevOpenDataStream",
-    "DevGetInfo",
-    "DevClose",
-    "DSAnnounceBuffer",
-    "DSAllocAndAnnounceBuffer",
-    "DSFlushQueue",
-    "DSStartAcquisition",
-    "DSStopAcquisition",
-    "DSGetInfo",
-    "DSGetBufferID",
-    "DSClose",
-    "DSRevokeBuffer",
-    "DSQueueBuffer",
-    "DSGetBufferInfo",
-};
 
 void Send(const json& line)
 {
@@ -96,7 +46,7 @@ std::vector<std::string> AskLoader(const std::string& path)
     if (!file) return {LoaderText()};
 
     std::vector<std::string> texts;
-    for (const char* name : mandatoryFunctions)
+    for (const char* name : GenTL::mandatoryFunctions)
     {
         if (!dlsym(file, name)) texts.push_back(LoaderText());
     }
