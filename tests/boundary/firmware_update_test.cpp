@@ -190,7 +190,6 @@ TEST_F(FirmwareUpdate, CameraTakesOneUpdateAtATime)
     Error second;
     observer.onReport = [&](const std::string& report) {
         if (report != "step 2 finished") return;
-        producer->AnswerOnce("IFOpenDevice", GenTL::GC_ERR_RESOURCE_IN_USE);
         second = Outcome(KORO_FirmwareUpdater_UpdateDevice(updater, tree.deviceDescriptor, Found(), nullptr));
     };
     EXPECT_EQ(Apply(file), Error{});
@@ -220,6 +219,18 @@ TEST_F(FirmwareUpdate, CameraThatIsOpenElsewhereIsRefused)
     const Error refusal = CallFailure("IFOpenDevice", ProducerErrorOf(GenTL::GC_ERR_RESOURCE_IN_USE));
     EXPECT_EQ(Apply(FileWithSteps("")), refusal);
     EXPECT_THAT(observer.reports, ElementsAre("failed: " + refusal.text));
+}
+
+TEST_F(FirmwareUpdate, CameraWithoutASerialNumberIsRefusedBeforeItIsOpened)
+{
+    EditDevices([](Devices& devices) {
+        devices[0]->info[GenTL::DEVICE_INFO_SERIAL_NUMBER] = scripted::Failing(GenTL::GC_ERR_NOT_AVAILABLE);
+    });
+    const Error outcome = Apply(FileWithSteps(WriteGain("7")));
+    EXPECT_NE(outcome.code, KORO_RETURN_CODE_SUCCESS);
+    EXPECT_THAT(outcome.text, HasSubstr("GC_ERR_NOT_AVAILABLE"));
+    EXPECT_THAT(observer.reports, ElementsAre());
+    EXPECT_THAT(Calls({"IFOpenDevice"}), ElementsAre());
 }
 
 TEST_F(FirmwareUpdate, CameraThatIsLostDuringTheTransferEndsIt)
