@@ -3,11 +3,10 @@
 #include "bench/camera_registers.h"
 #include "bench/measure.h"
 #include "bench/producer_access.h"
+#include "bench/runtime_map.h"
 #include "bench/served_description.h"
 
 #include <GenApi/ChunkAdapterGEV.h>
-#include <GenApi/NodeMapFactory.h>
-#include <GenICam.h>
 #include <array>
 #include <cstdio>
 #include <cstring>
@@ -123,11 +122,6 @@ private:
     std::array<KORO_IntegerNodeHandle, numChunks> nodes{};
 };
 
-struct Destroyer
-{
-    void operator()(INodeMap* map) const { CastToIDestroy(map)->Destroy(); }
-};
-
 // The runtime's road over the same bytes. Its port stands for the camera's register of the chunk id.
 class RuntimeChunks : public IPort
 {
@@ -168,7 +162,7 @@ private:
 
     std::vector<Memory> memory;
     std::size_t next = 0;
-    std::unique_ptr<INodeMap, Destroyer> map;
+    OwnedNodeMap map;
     std::unique_ptr<CChunkAdapterGEV> adapter;
     std::array<CIntegerPtr, numChunks> nodes;
 };

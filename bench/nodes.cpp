@@ -7,17 +7,16 @@
 #include "bench/genapi_descriptions.h"
 #include "bench/measure.h"
 #include "bench/producer_access.h"
+#include "bench/runtime_map.h"
 #include "bench/served_description.h"
+#include "bench/three_roads.h"
 
-#include <GenApi/NodeMapFactory.h>
-#include <GenICam.h>
 #include <cstdio>
 #include <cstdlib>
 #include <expat.h>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <memory>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -28,33 +27,6 @@ using namespace GENAPI_NAMESPACE;
 namespace
 {
 
-using Step = std::function<void()>;
-
-// The runtime's road to the producer: the same calls that the library makes at the end of its own.
-class ProducerPort : public IPort
-{
-public:
-    explicit ProducerPort(const DirectPort& called) : port(called) {}
-
-    void Read(void* buffer, std::int64_t address, std::int64_t length) override
-    {
-        port.Read(static_cast<std::uint64_t>(address), buffer, static_cast<std::size_t>(length));
-    }
-    void Write(const void* buffer, std::int64_t address, std::int64_t length) override
-    {
-        port.Write(static_cast<std::uint64_t>(address), buffer, static_cast<std::size_t>(length));
-    }
-    EAccessMode GetAccessMode() const override { return RW; }
-
-private:
-    const DirectPort& port;
-};
-
-struct Destroyer
-{
-    void operator()(INodeMap* map) const { CastToIDestroy(map)->Destroy(); }
-};
-
 template <typename Handle>
 Handle Cast(KORO_ReturnCode (*cast)(KORO_NodeHandle, Handle*), KORO_NodeHandle node)
 {
@@ -63,31 +35,12 @@ Handle Cast(KORO_ReturnCode (*cast)(KORO_NodeHandle, Handle*), KORO_NodeHandle n
     return typed;
 }
 
-// All columns take turns.
-void PrintRow(const Effort& effort, const char* name, const Step& producer, const Step& runtime, const Step& exported)
-{
-    std::vector<double> columns[3];
-    for (std::size_t round = 0; round < effort.rounds; ++round)
-    {
-        columns[0].push_back(NanosecondsPerCall(effort.iterations, producer));
-        columns[1].push_back(NanosecondsPerCall(effort.iterations, runtime));
-        columns[2].push_back(NanosecondsPerCall(effort.iterations, exported));
-    }
-    const double bare = Median(columns[0]);
-    const double below = Median(columns[1]);
-    const double whole = Median(columns[2]);
-    std::printf("%-34s %10.1f %10.1f %10.1f %10.1f %7.2f\n", name, bare, below, whole, whole - below, whole / below);
-}
-
 void PrintOperations(const Effort& effort)
 {
     const std::string xml = DescriptionOfSingleNodes();
     const ServedDescription served(xml);
     const DirectPort port;
-    ProducerPort runtimePort(port);
-    CNodeMapFactory factory(ContentType_Xml, xml.data(), xml.size());
-    const std::unique_ptr<INodeMap, Destroyer> runtime(factory.CreateNodeMap());
-    runtime->Connect(&runtimePort);
+    const RuntimeMap runtime(xml, port);
     Tree tree;
     const KORO_NodeMapHandle map = NodeMapOf(tree.OpenDevice(0));
 
@@ -104,18 +57,18 @@ void PrintOperations(const Effort& effort)
         PrintRow(effort, name, producer, below, exported);
     };
 
-    std::printf("%-34s %10s %10s %10s %10s %7s\n", "ns per call", "producer", "runtime", "export", "above", "ratio");
+    PrintRoads("ns per call");
     row(
-        "find a node by name", nothing, [&] { runtime->GetNode("Dependant100"); }, [&] { Find(map, "Dependant100"); });
+        "find a node by name", nothing, [&] { runtime.Node("Dependant100"); }, [&] { Find(map, "Dependant100"); });
 
     std::int64_t number = 0;
-    const CIntegerPtr cached = runtime->GetNode("Cached");
+    const CIntegerPtr cached = runtime.Node("Cached");
     const auto cachedHandle = Cast(KORO_Node_ToIntegerNode, Find(map, "Cached"));
     row(
         "integer read, cached", nothing, [&] { cached->GetValue(); },
         [&] { KORO_IntegerNode_GetValue(cachedHandle, KORO_NODE_CACHE_POLICY_USE_CACHE, &number); });
 
-    const CIntegerPtr uncached = runtime->GetNode("Uncached");
+    const CIntegerPtr uncached = runtime.Node("Uncached");
     const auto uncachedHandle = Cast(KORO_Node_ToIntegerNode, Find(map, "Uncached"));
     row(
         "integer read, uncached", read, [&] { uncached->GetValue(); },
@@ -124,13 +77,13 @@ void PrintOperations(const Effort& effort)
         "integer write", write, [&] { uncached->SetValue(5); }, [&] { KORO_IntegerNode_SetValue(uncachedHandle, 5); });
 
     double real = 0;
-    const CFloatPtr scaled = runtime->GetNode("Scaled");
+    const CFloatPtr scaled = runtime.Node("Scaled");
     const auto scaledHandle = Cast(KORO_Node_ToFloatNode, Find(map, "Scaled"));
     row(
         "float read through two converters", read, [&] { scaled->GetValue(); },
         [&] { KORO_FloatNode_GetValue(scaledHandle, KORO_NODE_CACHE_POLICY_USE_CACHE, &real); });
 
-    const CEnumerationPtr format = runtime->GetNode("Format");
+    const CEnumerationPtr format = runtime.Node("Format");
     const auto formatHandle = Cast(KORO_Node_ToEnumerationNode, Find(map, "Format"));
     row(
         "enumeration read as text, cached", nothing, [&] { format->ToString(); },
