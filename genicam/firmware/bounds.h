@@ -13,6 +13,7 @@ const size_t maxUpdateFileSize = 512u << 20; // bytes, as all sizes here
 const size_t maxControlFileSize = 16u << 20;
 const size_t maxControlTextSize = 32u << 20; // all texts and attributes, entities expanded
 const size_t maxControlElements = 100000;
+const size_t maxControlPatterns = 5000;  // each search with one may take some 10 ms
 const size_t maxUploadSize = 512u << 20; // of all files of one procedure together, in a verification of all procedures
 const size_t maxExpansion = 200;         // times, for entries that are not small
 const size_t smallEntrySize = 1u << 20;  // expands at any rate

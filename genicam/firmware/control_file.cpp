@@ -165,6 +165,7 @@ private:
 
     std::vector<OpenElement> open;
     size_t elements = 0;
+    size_t patterns = 0;                        // of conditions and assertions
     size_t textSize = 0;                        // of all texts and attributes
     const XML_Char** startAttributes = nullptr; // of the element that begins
     std::string text;                           // of the open element
@@ -184,6 +185,10 @@ void Parser::Start(std::string_view name, const XML_Char** attributes)
     const Tag tag = known ? FindTag(name.substr(elementPrefix.size())) : Tag::None;
     const bool misplaced = open.empty() && tag != Tag::GufRuleSet;
     if (tag == Tag::None || misplaced) throw Error("unexpected element encountered: " + Quoted(name));
+
+    const bool hasPattern = tag == Tag::Condition || tag == Tag::AssertPattern;
+    if (hasPattern && ++patterns > maxControlPatterns)
+        throw Error("there are more than " + std::to_string(maxControlPatterns) + " patterns");
 
     const ElementRule& rule = RuleOf(tag);
     if (!open.empty()) EnterChild(rule);

@@ -265,6 +265,22 @@ TEST(ControlFile, TooManyElementsAreRefused)
     EXPECT_EQ(Fault(ReadRules(many)), "'there are more than 100000 elements'");
 }
 
+TEST(ControlFile, TooManyPatternsAreRefused)
+{
+    const std::string assertion =
+        Step("FeatureAssert", "<FeatureName>Gain</FeatureName><AssertPattern>.</AssertPattern>");
+    std::string conditions;
+    for (size_t i = 1; i < GENAPI_NAMESPACE::runtime::maxControlPatterns; ++i)
+        conditions += "<Condition Feature=\"Gain\"/>";
+    EXPECT_EQ(ReadAll(WithControl(Control(Procedure(assertion) + Update(neededEntries, conditions)))).size(), 1u);
+    EXPECT_EQ(
+        Fault(ReadRules(Procedure(assertion) + Update(neededEntries, conditions) + Update())),
+        "'there are more than 5000 patterns'");
+    EXPECT_EQ(
+        Fault(ReadRules(Procedure(assertion + assertion) + Update(neededEntries, conditions))),
+        "'there are more than 5000 patterns'");
+}
+
 TEST(ControlFile, EntitiesOfItsOwnAreExpanded)
 {
     const std::string xml =
