@@ -146,6 +146,50 @@ TEST_F(Firmware, AllCamerasThatFitAreUpdated)
     EXPECT_EQ(Koro({"firmware", "update", "nobody*", Packed(), "--all"}).status, noSuchCamera);
 }
 
+TEST_F(Firmware, CameraThatFailsDoesNotKeepTheOthersFromTheirUpdate)
+{
+    json& cameras = settings["interfaces"][0]["cameras"];
+    json camera = cameras[0];
+    camera["serial"] = "lost";
+    camera["resetReturns"] = false;
+    cameras.insert(cameras.begin(), camera);
+    const ToolResult result = Koro({"firmware", "update", "*", Packed(), "--all", "--reset-timeout", "10"});
+    EXPECT_EQ(result.status, failure);
+    EXPECT_THAT(result.out, EndsWith("\n1 cameras updated, 1 failed\n"));
+    EXPECT_THAT(result.err, HasSubstr("serial number lost: Device could not be reopened within 10 ms"));
+    EXPECT_EQ(Koro({"get", "cam", "DeviceFirmwareVersion"}).out, "2.0\n");
+}
+
+TEST_F(Firmware, FileThatFitsNoCameraUpdatesNone)
+{
+    settings["interfaces"][0]["cameras"][0]["model"] = "Other";
+    const ToolResult result = Koro({"firmware", "update", "*", Packed(), "--all"});
+    EXPECT_EQ(result.status, failure);
+    EXPECT_EQ(result.out, "0 cameras updated, 0 failed\n");
+}
+
+TEST_F(Firmware, CameraThatReturnsUnderAnotherIdIsAskedForItsVersion)
+{
+    settings["interfaces"][0]["cameras"][0]["resetChangesId"] = true;
+    settings["interfaces"][0]["cameras"][0]["resetMissingUpdates"] = 1;
+    const ToolResult result = Koro({"firmware", "update", "cam", Packed()});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.out, EndsWith(" s, the camera reports version 2.0\n"));
+}
+
+TEST_F(Firmware, OneOfSeveralUpdatesForACameraIsNotChosen)
+{
+    const std::string condition = "<Condition Feature=\"DeviceModelName\">Acme</Condition>";
+    control = folder.MakeFile(
+        "rules.xml", Control(
+                         Procedure(Steps()) + Update(neededEntries, condition) +
+                         Update(Entry("Version", "3.0") + Entry("Description", "More"), condition)));
+    const ToolResult result = Koro({"firmware", "update", "cam", Packed()});
+    EXPECT_EQ(result.status, failure);
+    EXPECT_THAT(result.err, HasSubstr("koro: 2 updates of the file fit the camera: 2.0, 3.0.\nhint: "));
+    EXPECT_NE(Koro({"get", "cam", "DeviceFirmwareVersion"}).out, "2.0\n");
+}
+
 TEST_F(Firmware, ImageThatTheCameraRefusesIsAFailure)
 {
     image = folder.MakeFile("image.bin", "rubbish");
@@ -169,6 +213,14 @@ TEST_F(Firmware, PackRefusesWhatTheLibraryCannotRead)
     EXPECT_THAT(twice.err, HasSubstr("two files are called image.bin"));
 }
 
+TEST_F(Firmware, EqualContentsArePackedToEqualFiles)
+{
+    const std::string first = BytesOf(Packed());
+    std::filesystem::last_write_time(image, std::filesystem::file_time_type{});
+    std::filesystem::permissions(image, std::filesystem::perms::owner_read);
+    EXPECT_TRUE(BytesOf(Packed()) == first);
+}
+
 TEST_F(Firmware, PackThatFailsLeavesAnOlderFile)
 {
     const std::string file = Packed();
@@ -176,7 +228,7 @@ TEST_F(Firmware, PackThatFailsLeavesAnOlderFile)
     const ToolResult broken = Koro({"firmware", "pack", file, image});
     EXPECT_EQ(broken.status, failure);
     EXPECT_THAT(broken.err, HasSubstr("\nhint: Nothing was written"));
-    EXPECT_EQ(BytesOf(file), bytes);
+    EXPECT_TRUE(BytesOf(file) == bytes);
     // A forgotten name would make the control file the one to write.
     const std::string rules = BytesOf(control);
     EXPECT_EQ(Koro({"firmware", "pack", control, image}).status, failure);
@@ -188,7 +240,7 @@ TEST_F(Firmware, PackThatFailsLeavesAnOlderFile)
         EXPECT_THAT(own.err, HasSubstr("koro: Cannot pack: " + content + " is the update file to write.\n"));
     }
     EXPECT_EQ(BytesOf(control), rules);
-    EXPECT_EQ(BytesOf(image), Image("2.0"));
+    EXPECT_TRUE(BytesOf(image) == Image("2.0"));
     for (const auto& entry : std::filesystem::directory_iterator(std::filesystem::path(file).parent_path()))
         EXPECT_NE(entry.path().extension(), ".part");
 }

@@ -65,8 +65,10 @@ public:
         }
         if (zip_set_file_compression(archive, static_cast<zip_uint64_t>(index), method, 0) != 0)
             Fail("pack", name + ": " + zip_strerror(archive));
-        // Nothing of the moment or the machine: equal contents give equal files.
+        // Nothing of the moment, the machine or the permissions: equal contents give equal files.
         zip_file_set_mtime(archive, static_cast<zip_uint64_t>(index), 315532800, 0);
+        zip_file_set_external_attributes(
+            archive, static_cast<zip_uint64_t>(index), 0, ZIP_OPSYS_UNIX, zip_uint32_t{0100644} << 16);
     }
     void AddFile(const std::string& name, const std::filesystem::path& path, int method)
     {
