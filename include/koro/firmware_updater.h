@@ -89,7 +89,10 @@ KORO_API KORO_ReturnCode KORO_FirmwareUpdater_UpdateDevice(
  * @return KORO_RETURN_CODE_TIMEOUT when the camera does not come back after a reset;
  *         KORO_RETURN_CODE_BAD_ACCESS when it is open elsewhere, in this program too;
  *         KORO_RETURN_CODE_INVALID_ARGUMENT when the update does not fit it;
- *         KORO_RETURN_CODE_ERROR when the file was changed, or a step fails
+ *         KORO_RETURN_CODE_IO_ERROR when it is lost meanwhile;
+ *         KORO_RETURN_CODE_ERROR when the file was changed, a feature is missing, or the camera refuses an upload, does
+ *         not end a command or does not hold what is asserted; for a feature that cannot be written the code that
+ *         its own export would give
  */
 KORO_API KORO_ReturnCode KORO_FirmwareUpdater_UpdateDeviceWithResetTimeout(
     KORO_FirmwareUpdaterHandle firmwareUpdaterHandle, KORO_DeviceDescriptorHandle deviceDescriptorHandle,

@@ -263,6 +263,24 @@ TEST_F(FirmwareUpdate, CameraThatIsLostDuringTheTransferEndsIt)
     EXPECT_EQ(Gain(), 7u);
 }
 
+TEST_F(FirmwareUpdate, FailingStepHasTheCodeOfItsCause)
+{
+    const auto outcomeOf = [&](const std::string& feature, const std::string& value) {
+        const std::string content = "<FeatureName>" + feature + "</FeatureName><Value>" + value + "</Value>";
+        const Error outcome = Apply(FileWithSteps(Step("FeatureWrite", content) + WriteGain("7")));
+        EXPECT_THAT(observer.reports.back(), StartsWith("failed: "));
+        EXPECT_THAT(observer.reports, Not(Contains("step 2 finished")));
+        return outcome;
+    };
+    EXPECT_EQ(outcomeOf("Gain", "much").code, KORO_RETURN_CODE_INVALID_ARGUMENT);
+    EXPECT_EQ(outcomeOf("Gain", "4294967296").code, KORO_RETURN_CODE_OUT_OF_RANGE);
+    EXPECT_EQ(outcomeOf("DeviceVendorName", "Other").code, KORO_RETURN_CODE_BAD_ACCESS);
+    const Error missing = outcomeOf("Nothing", "1");
+    EXPECT_EQ(missing.code, KORO_RETURN_CODE_ERROR);
+    EXPECT_THAT(missing.text, HasSubstr("The device has no feature 'Nothing'"));
+    EXPECT_EQ(Gain(), 0u);
+}
+
 TEST_F(FirmwareUpdate, StepThatFailsHalfWayClosesTheFileAndEndsIt)
 {
     // The third operation is the second block.
