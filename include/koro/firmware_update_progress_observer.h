@@ -8,7 +8,8 @@
  * A callback may call any export but those that register and unregister its own kind of report at this observer: they
  * answer KORO_RETURN_CODE_ERROR there. Other threads that call them wait until the report is over. An update that
  * starts inside a callback needs another observer: this one cannot be given the report that is under way, which for a
- * start and an end is KORO_RETURN_CODE_ERROR. A callback must not throw, and must not close the library.
+ * start and an end is KORO_RETURN_CODE_ERROR, and two threads that try could wait for each other without end. A
+ * callback must not throw, and must not close the library.
  *
  * Any thread.
  */
