@@ -2,6 +2,7 @@
 #pragma once
 
 #include "tests/boundary/described_camera.h"
+#include "tests/support/file_nodes.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -44,7 +45,7 @@ public:
     std::size_t mostBytes = blockLength;              // of one block, whatever is asked for
     std::int64_t lie = 0;                             // added to the result of each block
     std::uint64_t failingAddress = ~std::uint64_t{0}; // writes there fail
-    std::function<void()> whileExecuting;
+    std::function<void()> whileExecuting;             // must not use the script
 
     static std::string Registers()
     {
@@ -129,50 +130,29 @@ private:
 // The nodes by their names, so that a test can leave one out or put another in its place.
 inline std::map<std::string, std::string> FileNodes()
 {
-    const auto reg = [](const std::string& name, std::uint64_t address, const std::string& mode) {
-        return "<IntReg Name=\"" + name + "\"><Address>" + std::to_string(address) +
-               "</Address><Length>8</Length><AccessMode>" + mode +
-               "</AccessMode><pPort>Device</pPort><Cachable>NoCache</Cachable><Sign>Signed</Sign>"
-               "<Endianess>LittleEndian</Endianess></IntReg>";
-    };
-    const auto choice = [&](const std::string& name, std::uint64_t address, const std::vector<std::string>& entries,
-                            const std::string& mode) {
-        std::string text = "<Enumeration Name=\"" + name + "\">";
-        for (std::size_t number = 0; number < entries.size(); ++number)
-        {
-            const std::string& entry = entries[number];
-            const std::string condition = entry == "Locked"   ? "<pIsAvailable>LockedReg</pIsAvailable>"
-                                          : entry == "Absent" ? "<pIsImplemented>No</pIsImplemented>"
-                                                              : "";
-            text += "<EnumEntry Name=\"" + entry + "\">" + condition + "<Value>" + std::to_string(number) +
-                    "</Value></EnumEntry>";
-        }
-        return text + "<pValue>" + name + "Reg</pValue></Enumeration>" + reg(name + "Reg", address, mode);
-    };
-    const auto number = [&](const std::string& name, std::uint64_t address, const std::string& mode,
-                            const std::string& limits) {
-        return "<Integer Name=\"" + name + "\"><pValue>" + name + "Reg</pValue>" + limits + "</Integer>" +
-               reg(name + "Reg", address, mode);
-    };
     using Files = DeviceFiles;
     return {
-        {"FileSelector", choice("FileSelector", Files::File, {"User", "Table", "Locked", "Absent"}, "RW") +
-                             reg("LockedReg", Files::LockedStatus, "RO") +
+        {"FileSelector", FileChoice(
+                             "FileSelector", Files::File,
+                             {"User",
+                              "Table",
+                              {"Locked", "<pIsAvailable>LockedReg</pIsAvailable>"},
+                              {"Absent", "<pIsImplemented>No</pIsImplemented>"}},
+                             "RW") +
+                             FileRegister("LockedReg", Files::LockedStatus, "RO") +
                              "<Integer Name=\"No\"><Value>0</Value></Integer>"},
         {"FileOperationSelector",
-         choice("FileOperationSelector", Files::Operation, {"Open", "Close", "Read", "Write", "Delete"}, "RW")},
-        {"FileOpenMode", choice("FileOpenMode", Files::OpenMode, {"Read", "Write", "ReadWrite"}, "RW")},
-        {"FileAccessOffset", number("FileAccessOffset", Files::Offset, "RW", "<Min>0</Min><pMax>MaxOffset</pMax>") +
-                                 reg("MaxOffset", Files::MaxOffset, "RO")},
-        {"FileAccessLength", number("FileAccessLength", Files::Length, "RW", "<Min>0</Min><pMax>MaxLength</pMax>") +
-                                 reg("MaxLength", Files::MaxLength, "RO")},
-        {"FileOperationExecute",
-         "<Command Name=\"FileOperationExecute\"><pValue>ExecuteReg</pValue><CommandValue>1</CommandValue></Command>" +
-             reg("ExecuteReg", Files::Execute, "RW")},
-        {"FileOperationStatus", choice("FileOperationStatus", Files::Status, {"Success", "Failure"}, "RO")},
-        {"FileOperationResult", number("FileOperationResult", Files::Result, "RO", "")},
-        {"FileSize",
-         number("FileSize", Files::Size, "RO", "<pMax>MaxSize</pMax>") + reg("MaxSize", Files::MaxSize, "RO")},
+         FileChoice("FileOperationSelector", Files::Operation, {"Open", "Close", "Read", "Write", "Delete"}, "RW")},
+        {"FileOpenMode", FileChoice("FileOpenMode", Files::OpenMode, {"Read", "Write", "ReadWrite"}, "RW")},
+        {"FileAccessOffset", FileNumber("FileAccessOffset", Files::Offset, "RW", "<Min>0</Min><pMax>MaxOffset</pMax>") +
+                                 FileRegister("MaxOffset", Files::MaxOffset, "RO")},
+        {"FileAccessLength", FileNumber("FileAccessLength", Files::Length, "RW", "<Min>0</Min><pMax>MaxLength</pMax>") +
+                                 FileRegister("MaxLength", Files::MaxLength, "RO")},
+        {"FileOperationExecute", FileCommand("FileOperationExecute", Files::Execute)},
+        {"FileOperationStatus", FileChoice("FileOperationStatus", Files::Status, {"Success", "Failure"}, "RO")},
+        {"FileOperationResult", FileNumber("FileOperationResult", Files::Result, "RO")},
+        {"FileSize", FileNumber("FileSize", Files::Size, "RO", "<pMax>MaxSize</pMax>") +
+                         FileRegister("MaxSize", Files::MaxSize, "RO")},
         {"FileAccessBuffer",
          "<Register Name=\"FileAccessBuffer\"><Address>" + std::to_string(Files::Block) + "</Address><Length>" +
              std::to_string(Files::blockLength) +

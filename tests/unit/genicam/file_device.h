@@ -1,6 +1,7 @@
 // FileDevice: a port that plays a device with files, and a description of it. What it was told stands in its journal.
 #pragma once
 
+#include "tests/support/file_nodes.h"
 #include "tests/unit/genicam/small_map.h"
 
 #include <algorithm>
@@ -140,49 +141,21 @@ private:
 // The nodes by their names, so that a test can leave one out or put another in its place.
 inline std::map<std::string, std::string> FileNodes()
 {
-    const auto reg = [](const std::string& name, int64_t address, const std::string& mode) {
-        return "<IntReg Name=\"" + name + "\"><Address>" + std::to_string(address) +
-               "</Address><Length>8</Length><AccessMode>" + mode +
-               "</AccessMode><pPort>Device</pPort><Cachable>NoCache</Cachable><Sign>Signed</Sign>"
-               "<Endianess>LittleEndian</Endianess></IntReg>";
-    };
-    const auto choice = [&](const std::string& name, int64_t address, const std::string& entries,
-                            const std::string& mode) {
-        std::string text = "<Enumeration Name=\"" + name + "\">", word;
-        int number = 0;
-        for (const char letter : entries + " ")
-        {
-            if (letter != ' ')
-            {
-                word += letter;
-                continue;
-            }
-            text += "<EnumEntry Name=\"" + word + "\"><Value>" + std::to_string(number++) + "</Value></EnumEntry>";
-            word.clear();
-        }
-        return text + "<pValue>" + name + "Reg</pValue></Enumeration>" + reg(name + "Reg", address, mode);
-    };
-    const auto number = [&](const std::string& name, int64_t address, const std::string& mode,
-                            const std::string& limits) {
-        return "<Integer Name=\"" + name + "\"><pValue>" + name + "Reg</pValue>" + limits + "</Integer>" +
-               reg(name + "Reg", address, mode);
-    };
     return {
-        {"FileSelector", choice("FileSelector", FileDevice::File, "User Firmware", "RW")},
+        {"FileSelector", FileChoice("FileSelector", FileDevice::File, {"User", "Firmware"}, "RW")},
         {"FileOperationSelector",
-         choice("FileOperationSelector", FileDevice::Operation, "Open Close Read Write Delete", "RW")},
-        {"FileOpenMode", choice("FileOpenMode", FileDevice::OpenMode, "Read Write ReadWrite", "RW")},
-        {"FileAccessOffset", number("FileAccessOffset", FileDevice::Offset, "RW", "<Min>0</Min>")},
-        {"FileAccessLength", number("FileAccessLength", FileDevice::Length, "RW", "<Min>0</Min>")},
-        {"FileOperationExecute", "<Command Name=\"FileOperationExecute\"><pValue>ExecuteReg</pValue>"
-                                 "<CommandValue>1</CommandValue></Command>" +
-                                     reg("ExecuteReg", FileDevice::Execute, "RW")},
-        {"FileOperationStatus", choice("FileOperationStatus", FileDevice::Status, "Success Failure", "RO")},
-        {"FileOperationResult", number("FileOperationResult", FileDevice::Result, "RO", "")},
+         FileChoice(
+             "FileOperationSelector", FileDevice::Operation, {"Open", "Close", "Read", "Write", "Delete"}, "RW")},
+        {"FileOpenMode", FileChoice("FileOpenMode", FileDevice::OpenMode, {"Read", "Write", "ReadWrite"}, "RW")},
+        {"FileAccessOffset", FileNumber("FileAccessOffset", FileDevice::Offset, "RW", "<Min>0</Min>")},
+        {"FileAccessLength", FileNumber("FileAccessLength", FileDevice::Length, "RW", "<Min>0</Min>")},
+        {"FileOperationExecute", FileCommand("FileOperationExecute", FileDevice::Execute)},
+        {"FileOperationStatus", FileChoice("FileOperationStatus", FileDevice::Status, {"Success", "Failure"}, "RO")},
+        {"FileOperationResult", FileNumber("FileOperationResult", FileDevice::Result, "RO")},
         {"FileAccessBuffer",
          "<Register Name=\"FileAccessBuffer\"><Address>4096</Address><pLength>BufferLength</pLength>"
          "<AccessMode>RW</AccessMode><pPort>Device</pPort><Cachable>NoCache</Cachable></Register>" +
-             reg("BufferLength", FileDevice::BufferLength, "RO")}};
+             FileRegister("BufferLength", FileDevice::BufferLength, "RO")}};
 }
 
 // A device and the map over it.
