@@ -172,6 +172,18 @@ TEST_F(FileAdapter, SizesAreThoseOfTheSelectedFile)
     ExpectLockFree();
 }
 
+TEST_F(FileAdapter, SizesMayComeOutOfACache)
+{
+    auto nodes = FileNodes();
+    std::string& text = nodes["FileSize"];
+    for (auto place = text.find("NoCache"); place != std::string::npos; place = text.find("NoCache"))
+        text.replace(place, 7, "WriteThrough");
+    OpenFiles(nodes);
+    EXPECT_EQ(Get<std::uint64_t>(KORO_FileAdapter_GetSize, Adapter()), 20u);
+    SetDevice(DeviceFiles::Size, 7);
+    EXPECT_EQ(Get<std::uint64_t>(KORO_FileAdapter_GetSize, Adapter()), 20u);
+}
+
 TEST_F(FileAdapter, NegativeSizeIsAnError)
 {
     OpenFiles();
@@ -401,6 +413,55 @@ TEST_F(FileAdapter, FailureInSelectingIsToldAndNothingIsOpened)
     ExpectLockFree();
 }
 
+TEST_F(FileAdapter, FailureInSelectingForTheOpeningIsToldAndNothingIsOpened)
+{
+    OpenFiles();
+    const auto adapter = Adapter();
+    producer->AnswerAtCall("GCWritePort", 2, GenTL::GC_ERR_IO);
+    EXPECT_EQ(Read(adapter, 4).outcome.code, KORO_RETURN_CODE_IO_ERROR);
+    EXPECT_THAT(LastError().text, HasSubstr("GC_ERR_IO"));
+    EXPECT_EQ(files->diary, "file 0");
+    ExpectClosedAndFree();
+    producer->AnswerAtCall("GCWritePort", 2, GenTL::GC_ERR_IO);
+    EXPECT_EQ(Write(adapter, "data"), KORO_RETURN_CODE_IO_ERROR);
+    EXPECT_EQ(files->diary, "file 0, file 0");
+    ExpectClosedAndFree();
+    EXPECT_EQ(Read(adapter, 4), (Reading{{}, "0123"}));
+}
+
+TEST_F(FileAdapter, DeviceThatIsLostDuringATransferIsToldBehindWhatArrived)
+{
+    OpenFiles();
+    const auto adapter = Adapter();
+    const auto loseBehind = [&](const std::string& operation) {
+        producer->AnswerAsUsual("GCReadPort");
+        producer->AnswerAsUsual("GCWritePort");
+        files->diary.clear();
+        producer->OnEntry("GCWritePort", [this, operation] {
+            if (files->diary.find(operation) == std::string::npos) return;
+            producer->Answer("GCReadPort", GenTL::GC_ERR_IO);
+            producer->Answer("GCWritePort", GenTL::GC_ERR_IO);
+        });
+    };
+    loseBehind("Read");
+    const Reading read = Read(adapter, 20);
+    EXPECT_EQ(read.outcome.code, KORO_RETURN_CODE_IO_ERROR);
+    EXPECT_THAT(read.outcome.text, HasSubstr("GC_ERR_IO"));
+    EXPECT_EQ(read.bytes, "01234567");
+    ExpectLockFree();
+
+    loseBehind("Write");
+    EXPECT_EQ(Write(adapter, "ABCDEFGHIJ"), KORO_RETURN_CODE_IO_ERROR);
+    EXPECT_EQ(files->content, "ABCDEFGH89abcdefghij");
+    ExpectLockFree();
+    std::uint64_t size = 99;
+    EXPECT_EQ(KORO_FileAdapter_GetSize(adapter, &size), KORO_RETURN_CODE_IO_ERROR);
+    EXPECT_EQ(KORO_FileAdapter_GetMaxSize(adapter, &size), KORO_RETURN_CODE_IO_ERROR);
+    EXPECT_EQ(size, 99u);
+    EXPECT_EQ(Outcome(KORO_FileAdapter_Delete(adapter)), Error{}) << "whose answer is not examined";
+    EXPECT_EQ(Outcome(KORO_FileAdapter_Destruct(adapter)), Error{});
+}
+
 TEST_F(FileAdapter, FailedReadLeavesTheCountOfTheCallerAsItWas)
 {
     OpenFilesWith("FileAccessLength", "RO");
@@ -437,6 +498,19 @@ TEST_F(FileAdapter, OffsetThatIsNotReadableIsToldAndTheFileIsClosed)
     }
 }
 
+TEST_F(FileAdapter, LengthIsPreparedBeforeTheOffsetIsChecked)
+{
+    auto nodes = FileNodes();
+    for (const auto& [name, mode] : {std::pair("FileAccessLength", "RO"), std::pair("FileAccessOffset", "WO")})
+    {
+        const std::string begin = "<Integer Name=\"" + std::string(name) + "\">";
+        nodes[name].insert(begin.size(), "<ImposedAccessMode>" + std::string(mode) + "</ImposedAccessMode>");
+    }
+    OpenFiles(nodes);
+    EXPECT_EQ(Outcome(Write(Adapter(), "data")), BadAccess("FileAccessLength node was not writable!"));
+    ExpectClosedAndFree();
+}
+
 TEST_F(FileAdapter, WritingBeyondTheMaximumIsOutOfRangeBehindWhatFits)
 {
     OpenFiles();
@@ -458,6 +532,9 @@ TEST_F(FileAdapter, WriteThatFailsWithinTheFileRecordsNoText)
     EXPECT_EQ(LastError(), InvalidHandle("fileAdapter"));
     EXPECT_EQ(files->content, "ABCDEFGH89abcdefghij");
     ExpectClosedAndFree();
+    // Nor beyond what the file has at the moment.
+    EXPECT_EQ(Write(Adapter(), std::string(64, 'x')), KORO_RETURN_CODE_ERROR);
+    EXPECT_EQ(LastError(), InvalidHandle("fileAdapter"));
 }
 
 TEST_F(FileAdapter, DeletingAsksTheDeviceAndDoesNotExamineItsAnswer)

@@ -206,6 +206,8 @@ TEST_F(Settings, BrokenDescriptionIsToldBeforeTheFileIsOpened)
     EXPECT_EQ(Store(map, path), KORO_RETURN_CODE_ERROR);
     EXPECT_EQ(Load(map, path), KORO_RETURN_CODE_ERROR);
     EXPECT_EQ(ContentOf(path), "kept");
+    EXPECT_EQ(Store(map, folder.File("nowhere/settings.txt")), KORO_RETURN_CODE_ERROR);
+    EXPECT_EQ(Load(map, folder.File("none.txt")), KORO_RETURN_CODE_ERROR);
 }
 
 TEST_F(Settings, StoringReplacesWhatWasInTheFile)
@@ -256,6 +258,39 @@ TEST_F(Settings, CarriageReturnsOfAFileAreNoDifference)
     EXPECT_EQ(Outcome(LoadText(map, head + "Width\t1\r\n# comment\r\nHeight\t2\r\n")), Error{});
     EXPECT_EQ(Register(0), 1u);
     EXPECT_EQ(Register(4), 2u);
+}
+
+TEST_F(Settings, FileOfOtherSoftwareLoads)
+{
+    const auto map = UsedCamera();
+    EXPECT_EQ(
+        Outcome(LoadText(
+            map, "# {05D8C294-F295-4dfb-9D01-096BD04049F4}\r\n# GenApi persistence file (version 2.4.0)\r\n"
+                 "# Device = Other::Camera\r\n#\r\n# ----\r\nWidth \t1\r\n# in between\r\n"
+                 "Gain\t{Channel=Blue}\t7\r\nChannel\tRed")),
+        Error{});
+    EXPECT_EQ(Register(0), 1u);
+    EXPECT_EQ(Register(4), 480u);
+    EXPECT_EQ(Register(8), 0u);
+    EXPECT_EQ(Register(16), 1u);
+    EXPECT_EQ(Register(20), 7u);
+}
+
+TEST_F(Settings, DeviceThatIsLostMeanwhileLeavesTheRestOfBothSides)
+{
+    const auto map = UsedCamera();
+    Require(Store(map, path));
+    producer->OnEntry("GCWritePort", [this] {
+        producer->Answer("GCReadPort", GenTL::GC_ERR_IO);
+        producer->Answer("GCWritePort", GenTL::GC_ERR_IO);
+    });
+    EXPECT_EQ(Load(map, path), KORO_RETURN_CODE_IO_ERROR);
+    EXPECT_FALSE(IsLocked(map));
+    const std::string other = folder.File("other.txt");
+    EXPECT_EQ(Store(map, other), KORO_RETURN_CODE_IO_ERROR);
+    EXPECT_EQ(ContentOf(other), "");
+    EXPECT_EQ(ContentOf(path), cameraFile);
+    EXPECT_FALSE(IsLocked(map));
 }
 
 TEST_F(Settings, FilesThatAreNoneAreRefusedByWordsAndNothingIsWritten)

@@ -3,6 +3,7 @@
 #include "tests/support/temporary_folder.h"
 #include "tests/threads/threads.h"
 
+#include <atomic>
 #include <gtest/gtest.h>
 #include <string>
 #include <vector>
@@ -69,6 +70,40 @@ TEST_F(FilesInThreads, TransfersOfSeveralThreadsDoNotMeet)
     threads.Add(2, [&](std::size_t number) { KeepSettings(number); });
     threads.Join();
     EXPECT_FALSE(files->IsOpen());
+}
+
+// Who asks again and again finds the lock as soon as a transfer gives it away in between.
+TEST_F(FilesInThreads, TransferHoldsTheLockFromItsOpeningToItsClosing)
+{
+    const auto adapter = Adapter();
+    std::atomic<bool> isTransferring = false;
+    std::atomic<bool> isOver = false;
+    files->whileExecuting = [&] { isTransferring = !files->diary.ends_with("Close"); };
+    std::atomic<int> locks = 0;
+    int locksWithin = 0;
+    Threads threads;
+    threads.Add(1, [&](std::size_t) {
+        for (int round = 0; round < 20 * rounds || locks == 0; ++round)
+        {
+            std::vector<std::uint8_t> bytes(20);
+            std::uint64_t count = 0;
+            EXPECT_EQ(Outcome(KORO_FileAdapter_Read(adapter, bytes.size(), 0, bytes.data(), &count)), Error{});
+            EXPECT_EQ(Outcome(KORO_FileAdapter_Write(adapter, bytes.data(), bytes.size(), 0)), Error{});
+            files->diary.clear();
+        }
+        isOver = true;
+    });
+    threads.Add(1, [&](std::size_t) {
+        while (!isOver)
+        {
+            if (Get<KORO_Bool8>(KORO_NodeMap_TryLock, map) != 1) continue;
+            ++locks;
+            locksWithin += isTransferring;
+            Require(KORO_NodeMap_Unlock(map));
+        }
+    });
+    threads.Join();
+    EXPECT_EQ(locksWithin, 0);
 }
 
 TEST_F(FilesInThreads, AdapterMayEndWhileAnotherThreadReads)

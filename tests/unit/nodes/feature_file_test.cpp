@@ -44,11 +44,15 @@ public:
     {
         text += name;
         for (bool more = state->SetFirst(); more; more = state->SetNext())
+        {
+            selectorNames += std::string(state->GetNodeName().c_str()) + ";";
             text += std::string("{") + state->GetNodeName().c_str() + "=" + state->GetNodeValue().c_str() + "}";
+        }
         text += std::string("=") + value + ";";
     }
 
     std::string text;
+    std::string selectorNames;
     int clears = 0;
     int deletions = 0;
     bool refusesSelectors = false;
@@ -287,9 +291,17 @@ TEST(FeatureFileReader, SelectorFieldWithoutSignAddsNone)
     EXPECT_EQ(ReadRecords("Gain\t{A=1\tChannel\tB=2}\t1.5\n"), "Gain{A=1}=B=2}\t1.5;") << "and ends the selectors";
 }
 
-TEST(FeatureFileReader, LastSignAndLastBraceOfASelectorFieldCount)
+TEST(FeatureFileReader, NameOfASelectorGoesToTheLastSign)
 {
-    EXPECT_EQ(ReadRecords("Gain\t{A=B=1}\t2\n"), "Gain{A=B=1}=2;");
+    std::istringstream stream(head + "Gain\t{A=B=1\tC==2}\t3\n");
+    Records records;
+    ReadFeatureFile(stream, records);
+    EXPECT_EQ(records.selectorNames, "A=B;C=;");
+    EXPECT_EQ(records.text, "Gain{A=B=1}{C==2}=3;");
+}
+
+TEST(FeatureFileReader, LastBraceOfASelectorFieldEndsItsValue)
+{
     EXPECT_EQ(ReadRecords("Gain\t{A=1}}\t2\n"), "Gain{A=1}}=2;");
     EXPECT_EQ(ReadRecords("Gain\t{A=1}x\t2\n"), "Gain{A=1}=2;");
     EXPECT_EQ(ReadRecords("Gain\t{A}=1\t2\n"), "Gain{A}=1}=2;") << "a brace in front of the sign ends the selectors";
@@ -371,6 +383,15 @@ TEST(FeatureFileWriter, RecordsHaveOneTabBetweenTheirParts)
     WriteFeatureRecord(stream, "Gain", "1.5", two);
     EXPECT_EQ(stream.str(), "Width\t640\nGain\t{A=1\tB=2}\t1.5\n");
     EXPECT_EQ(ReadRecords(stream.str()), "Width=640;Gain{A=1}{B=2}=1.5;");
+}
+
+TEST(FeatureFileWriter, NothingIsQuotedOrEscaped)
+{
+    std::ostringstream stream;
+    CSelectorState state;
+    state.AddSelector("A}", "1\t2");
+    WriteFeatureRecord(stream, "#Na\tme", " a\nb\\\"} ", state);
+    EXPECT_EQ(stream.str(), "#Na\tme\t{A}=1\t2}\t a\nb\\\"} \n");
 }
 
 TEST(RefusedLoad, IsToldByTheFirstOfItsErrorsAlone)
