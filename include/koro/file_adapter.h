@@ -46,9 +46,10 @@ KORO_API KORO_ReturnCode KORO_FileAdapter_GetMaxSize(KORO_FileAdapterHandle file
  * @param[in]  size     bytes to be read
  * @param[in]  offset   of the first byte in the file
  * @param[out] data     room for `size` bytes
- * @param[out] dataSize bytes that were read, also after a code that is not 0
+ * @param[out] dataSize bytes that were read, also when these are too few; left as it is when nothing could be tried
  * @return KORO_RETURN_CODE_OUT_OF_RANGE when the file ends earlier, KORO_RETURN_CODE_ERROR when the device gave less
- *         than it has, or refused to open the file; in both cases what was read is there
+ *         than it has, or refused to open the file; in both cases what was read is there, and also when the size of the
+ *         file, which then decides, cannot be told
  */
 KORO_API KORO_ReturnCode KORO_FileAdapter_Read(
     KORO_FileAdapterHandle fileAdapter, uint64_t size, uint64_t offset, uint8_t* data, uint64_t* dataSize);

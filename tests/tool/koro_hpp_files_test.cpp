@@ -80,6 +80,26 @@ TEST_F(KoroFiles, WriteThatRecordsNoTextGetsOne)
     EXPECT_STREQ(error.what(), "The device did not take all bytes of the file!");
 }
 
+TEST_F(KoroFiles, WriteThatFailsAsTheCallBeforeIsToldByItsOwnText)
+{
+    const koro::FileAdapter file(Features(), "User");
+    Require(KORO_Device_Destruct(tree.device));
+    for (int time = 0; time < 2; ++time)
+        EXPECT_STREQ(ErrorOf([&] { file.Write(BytesOf("data")); }).what(), "Pointer has expired!");
+}
+
+TEST_F(KoroFiles, WriteWithoutATextIsKnownBehindAnotherFailure)
+{
+    const koro::FileAdapter file(Features(), "User");
+    files->failingBlock = 0;
+    for (int time = 0; time < 2; ++time)
+    {
+        EXPECT_EQ(ErrorOf([&] { (void)file.Read(4); }).Code(), KORO_RETURN_CODE_ERROR);
+        EXPECT_STREQ(
+            ErrorOf([&] { file.Write(BytesOf("data")); }).what(), "The device did not take all bytes of the file!");
+    }
+}
+
 TEST_F(KoroFiles, AdapterOwnsItsHandle)
 {
     koro::FileAdapter file(Features(), "User");

@@ -60,6 +60,15 @@ inline std::string LastErrorText()
     return text;
 }
 
+// Of this thread's latest failure that was recorded; success before the first one.
+inline KORO_ReturnCode LastErrorCode()
+{
+    KORO_ReturnCode code = KORO_RETURN_CODE_SUCCESS;
+    size_t size = 0;
+    KORO_Library_GetLastError(&code, nullptr, &size);
+    return code;
+}
+
 // The text belongs to this thread's latest failure: nothing may be called in between.
 inline void Check(KORO_ReturnCode code)
 {
