@@ -359,6 +359,9 @@ TEST(FileProtocolAdapter, AnswersAreAskedAnewWhateverTheDescriptionCaches)
     EXPECT_EQ(map.Read(0, 20), "0123456789abcdefghij");
     map.device.failingBlock = 3;
     EXPECT_EQ(map.Read(0, 20), "");
+    EXPECT_TRUE(map.adapter.closeFile("User"));
+    map.device.refused.insert("Close");
+    EXPECT_FALSE(map.adapter.closeFile("User"));
 }
 
 TEST(FileProtocolAdapter, WaitsUntilAnOperationIsDone)
@@ -405,19 +408,40 @@ TEST(FileProtocolAdapter, BufferSizeIsTheLengthOfTheRegister)
 TEST(FileProtocolAdapter, HoldsTheLockOfTheMapForAWholeOperation)
 {
     Opened map;
-    bool free = true;
-    Register(
-        map.map->GetNode("FileAccessOffset"), std::function<void(INode*)>([&](INode*) {
-            std::thread([&] {
-                free = map.map->GetLock().TryLock();
-                if (free) map.map->GetLock().Unlock();
-            }).join();
-        }),
-        cbPostOutsideLock);
+    bool free = false;
+    int calls = 0;
+    for (const char* const node : {"FileSelector", "FileAccessOffset"})
+    {
+        Register(
+            map.map->GetNode(node), std::function<void(INode*)>([&](INode*) {
+                ++calls;
+                std::thread([&] {
+                    if (!map.map->GetLock().TryLock()) return;
+                    free = true;
+                    map.map->GetLock().Unlock();
+                }).join();
+            }),
+            cbPostOutsideLock);
+    }
+    const auto expectHeld = [&](const char* operation) {
+        EXPECT_GT(calls, 0) << operation;
+        EXPECT_FALSE(free) << operation;
+        EXPECT_TRUE(map.map->GetLock().TryLock()) << operation;
+        map.map->GetLock().Unlock();
+        calls = 0;
+    };
     EXPECT_EQ(map.Read(0, 4), "0123");
-    EXPECT_FALSE(free);
-    EXPECT_TRUE(map.map->GetLock().TryLock());
-    map.map->GetLock().Unlock();
+    expectHeld("read");
+    EXPECT_EQ(map.adapter.write("ab", 0, 2, "User"), 2);
+    expectHeld("write");
+    EXPECT_GT(map.adapter.getBufSize("User", std::ios_base::in), 0);
+    expectHeld("getBufSize");
+    EXPECT_TRUE(map.adapter.closeFile("User"));
+    expectHeld("close");
+    EXPECT_TRUE(map.adapter.openFile("User", std::ios_base::in));
+    expectHeld("open");
+    EXPECT_TRUE(map.adapter.deleteFile("User"));
+    expectHeld("delete");
 }
 
 } // namespace

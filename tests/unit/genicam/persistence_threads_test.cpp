@@ -72,10 +72,11 @@ TEST(PersistenceThreads, WalksOverOneSelectorDoNotMeet)
             if (!filled.LoadFromBag(map.map)) ++wrong;
         }
     };
-    std::thread first(store), second(store), third(load);
+    std::thread first(store), second(store), third(load), fourth(load);
     first.join();
     second.join();
     third.join();
+    fourth.join();
     EXPECT_EQ(wrong, 0);
     EXPECT_EQ(map.Integer("S")->GetValue(), 2);
 }
