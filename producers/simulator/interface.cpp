@@ -134,9 +134,14 @@ bool Interface::UpdateDevices()
             break;
         }
     }
+    // A camera that has come back under another id is another device to those who read the list.
+    std::vector<std::string> ids;
+    for (const auto& camera : found)
+        ids.push_back(camera->Id());
     const std::lock_guard lock(mutex);
-    const bool changed = found != listed;
+    const bool changed = ids != listedIds;
     listed = std::move(found);
+    listedIds = std::move(ids);
     return changed;
 }
 

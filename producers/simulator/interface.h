@@ -69,6 +69,7 @@ private:
     Port port;
     ChildList<Device> devices;
     std::vector<std::shared_ptr<Camera>> listed; // guarded by mutex; as of the last update
+    std::vector<std::string> listedIds;          // guarded by mutex; theirs
 
     // Of the description; guarded by the lock of the registers.
     std::uint64_t deviceSelector = 0;

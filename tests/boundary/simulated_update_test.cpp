@@ -151,6 +151,13 @@ TEST_F(SimulatedUpdate, KnowsTheCameraUnderAnotherIDByItsSerialNumber)
     EXPECT_NE(GetText(KORO_DeviceDescriptor_GetKey, tree->deviceDescriptor), key);
 }
 
+TEST_F(SimulatedUpdate, KnowsTheCameraThatOneUpdateOfTheListGivesAnotherID)
+{
+    Begin(R"(, "resetChangesId": true)");
+    EXPECT_EQ(Apply(FileWith(ImageOf("2.1.0")), 0), Error{});
+    EXPECT_EQ(VersionOfTheCamera(), "2.1.0");
+}
+
 TEST_F(SimulatedUpdate, CameraThatNeverReturnsEndsIt)
 {
     Begin(R"(, "resetReturns": false)");

@@ -299,7 +299,12 @@ TEST(SimulatorReset, AnotherIdTakesOneUpdateOfTheList)
     Updated camera(R"(, "resetChangesId": true)");
     camera.map->Execute("DeviceReset");
     EXPECT_THROW(camera.Version(), PortFailure);
-    EXPECT_EQ(camera.ListedId(), "M_A_2");
+    bool8_t changed = 0;
+    EXPECT_EQ(camera.producer.IFUpdateDeviceList(camera.tree.interface, &changed, 0), GC_ERR_SUCCESS);
+    EXPECT_EQ(changed, 1);
+    EXPECT_EQ(camera.FirstId(), "M_A_2");
+    EXPECT_EQ(camera.producer.IFUpdateDeviceList(camera.tree.interface, &changed, 0), GC_ERR_SUCCESS);
+    EXPECT_EQ(changed, 0);
 }
 
 TEST(SimulatorRetries, AreLimitedAsTheSettingsSay)
