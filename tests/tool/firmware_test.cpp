@@ -177,6 +177,31 @@ TEST_F(Firmware, CameraThatReturnsUnderAnotherIdIsAskedForItsVersion)
     EXPECT_THAT(result.out, EndsWith(" s, the camera reports version 2.0\n"));
 }
 
+TEST_F(Firmware, CameraThatIsResetByItsLastStepIsListedAnew)
+{
+    settings["interfaces"][0]["cameras"][0]["resetChangesId"] = true;
+    control = folder.MakeFile(
+        "rules.xml",
+        Control(
+            Procedure(
+                Step("FileUpload", "<DeviceFileName>Firmware</DeviceFileName><FileName>image.bin</FileName>") +
+                Step("FeatureWrite", "<FeatureName>DeviceReset</FeatureName><Value>1</Value>")) +
+            Update(neededEntries, "<Condition Feature=\"DeviceModelName\">Acme</Condition>")));
+    const ToolResult result = Koro({"firmware", "update", "cam", Packed()});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.out, EndsWith(" s, the camera reports version 2.0\n"));
+}
+
+TEST_F(Firmware, VersionIsThatOfTheCameraWithTheSerialNumber)
+{
+    json& cameras = settings["interfaces"][0]["cameras"];
+    json other = cameras[0];
+    other["serial"] = "other";
+    other["firmwareVersion"] = "9.9";
+    cameras.insert(cameras.begin(), other);
+    EXPECT_THAT(Koro({"firmware", "update", "cam", Packed()}).out, EndsWith(" s, the camera reports version 2.0\n"));
+}
+
 TEST_F(Firmware, OneOfSeveralUpdatesForACameraIsNotChosen)
 {
     const std::string condition = "<Condition Feature=\"DeviceModelName\">Acme</Condition>";
@@ -211,6 +236,14 @@ TEST_F(Firmware, PackRefusesWhatTheLibraryCannotRead)
     const ToolResult twice = Koro({"firmware", "pack", file, control, image, twin});
     EXPECT_EQ(twice.status, failure);
     EXPECT_THAT(twice.err, HasSubstr("two files are called image.bin"));
+}
+
+TEST_F(Firmware, ContentBeyondTheBoundIsRefused)
+{
+    std::filesystem::resize_file(image, (256U << 20) + 1);
+    const ToolResult result = Koro({"firmware", "pack", folder.File("update.guf"), control, image});
+    EXPECT_EQ(result.status, failure);
+    EXPECT_THAT(result.err, HasSubstr("image.bin has 268435457 bytes"));
 }
 
 TEST_F(Firmware, EqualContentsArePackedToEqualFiles)
