@@ -3,6 +3,7 @@
 #include "tools/koro/feature_value.h"
 #include "tools/koro/if_known.h"
 #include "tools/koro/image_writer.h"
+#include "tools/koro/local_file.h"
 #include "tools/koro/report.h"
 #include "tools/koro/tool_error.h"
 #include "tools/koro/transfer_progress.h"
@@ -11,9 +12,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <memory>
 #include <string>
 #include <system_error>
@@ -26,7 +24,6 @@ namespace koro::tool
 namespace
 {
 
-constexpr uint64_t maxFileSize = uint64_t{256} << 20;
 constexpr const char* standardStream = "-";
 
 struct FilesCommand
@@ -168,21 +165,9 @@ int Read(const FilesCommand& command)
     return exitSuccess;
 }
 
-std::vector<uint8_t> ReadLocal(const std::string& path)
-{
-    std::error_code failure;
-    const std::uintmax_t size = std::filesystem::file_size(path, failure);
-    if (failure) throw ToolError("Cannot read " + path + ": " + failure.message() + ".");
-    if (size > maxFileSize) throw ToolError(path + " has " + std::to_string(size) + " bytes, which is too much.");
-    std::ifstream file(path, std::ios::binary);
-    std::vector<uint8_t> bytes{std::istreambuf_iterator<char>(file), {}};
-    if (!file.is_open() || file.bad() || bytes.size() != size) throw ToolError("Cannot read " + path + ".");
-    return bytes;
-}
-
 int Write(const FilesCommand& command)
 {
-    const std::vector<uint8_t> bytes = ReadLocal(command.path);
+    const std::string bytes = ReadLocalFile(command.path);
     const FeatureSession session(command.target, FeatureSession::Access::Write);
     const FileAdapter file = Open(session, command.name);
     RequireMode(session, command, "Write", "written");
@@ -190,7 +175,7 @@ int Write(const FilesCommand& command)
     const BlockWatch blocks(session.Nodes(), progress);
     // Writing need not shorten a file.
     if (IfKnown([&] { return file.Size(); }).value_or(0) > bytes.size()) IfKnown([&] { return file.Delete(), true; });
-    file.Write(bytes);
+    file.Write(bytes.data(), bytes.size());
     // The last operation was the closing, whose answer the library does not tell.
     const std::string failure = FailureOf(session);
     if (!failure.empty())

@@ -1,14 +1,11 @@
 #include "tools/koro/feature_file.h"
 
+#include "tools/koro/local_file.h"
 #include "tools/koro/report.h"
 #include "tools/koro/tool_error.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <fstream>
-#include <iterator>
 #include <string_view>
-#include <system_error>
 
 namespace koro::tool
 {
@@ -16,7 +13,6 @@ namespace koro::tool
 namespace
 {
 
-constexpr std::uintmax_t maxFileSize = std::uintmax_t{256} << 20;
 constexpr std::string_view magic = "{05D8C294-F295-4dfb-9D01-096BD04049F4}";
 constexpr std::string_view spaces = " \t\n\v\f\r";
 
@@ -84,16 +80,7 @@ std::string FeatureRecord::Title() const
 
 std::vector<FeatureRecord> ReadFeatureFile(const std::filesystem::path& path)
 {
-    std::error_code failure;
-    const std::uintmax_t size = std::filesystem::file_size(path, failure);
-    if (failure) throw ToolError("Cannot read " + path.string() + ": " + failure.message() + ".");
-    if (size > maxFileSize)
-        throw ToolError(path.string() + " has " + std::to_string(size) + " bytes, more than settings can be.");
-    std::ifstream file(path, std::ios::binary);
-    const std::string text{std::istreambuf_iterator<char>(file), {}};
-    if (!file.is_open() || file.bad())
-        throw ToolError("Cannot read " + path.string() + ": " + std::generic_category().message(errno) + ".");
-    return ParseFeatureFile(text, path.string());
+    return ParseFeatureFile(ReadLocalFile(path), path.string());
 }
 
 std::vector<FeatureRecord> ParseFeatureFile(const std::string& source, const std::string& name, SettingsOf origin)
