@@ -587,6 +587,20 @@ TEST(SimulatorUserSets, KeepAllSettingsButTheDefaultSetCannotBeSaved)
     EXPECT_EQ(scene.map.Text("LUTValue"), "77");
 }
 
+TEST(SimulatorUserSets, AreNotLoadedWhileTheFormatIsLocked)
+{
+    const Scene scene;
+    scene.map.Set("Width", "48");
+    scene.map.Set("TLParamsLocked", "1");
+    const std::uint32_t one = __builtin_bswap32(1);
+    std::size_t size = sizeof one;
+    EXPECT_EQ(scene.producer.GCWritePort(scene.tree.remote, 0x780, &one, &size), GC_ERR_ACCESS_DENIED);
+    EXPECT_EQ(scene.map.Text("Width"), "48");
+    scene.map.Set("TLParamsLocked", "0");
+    scene.map.Execute("UserSetLoad");
+    EXPECT_EQ(scene.map.Text("Width"), "64");
+}
+
 TEST(SimulatorUserSets, OutliveAResetThatLoadsTheDefault)
 {
     const Scene scene;
