@@ -2,6 +2,7 @@
 #include "tests/tool/simulator_settings.h"
 #include "tests/tool/tool_run.h"
 
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
@@ -20,6 +21,7 @@ using testing::HasSubstr;
 
 constexpr int failure = 1;
 constexpr int noSuchCamera = 3;
+constexpr int interrupted = 130;
 
 // What the simulated camera takes as new firmware.
 std::string Image(const std::string& version, size_t size = 100'000)
@@ -144,6 +146,25 @@ TEST_F(Firmware, AllCamerasThatFitAreUpdated)
     EXPECT_EQ(Koro({"get", "three", "DeviceFirmwareVersion"}).out, "2.0\n");
     EXPECT_NE(Koro({"get", "two", "DeviceFirmwareVersion"}).out, "2.0\n");
     EXPECT_EQ(Koro({"firmware", "update", "nobody*", Packed(), "--all"}).status, noSuchCamera);
+}
+
+TEST_F(Firmware, InterruptLetsTheCameraFinishAndSparesTheOthers)
+{
+    json& cameras = settings["interfaces"][0]["cameras"];
+    cameras[0]["resetMissingUpdates"] = 1;
+    cameras[0]["resetAbsence_ms"] = 1000;
+    cameras.push_back(cameras[0]);
+    cameras[1]["serial"] = "two";
+    const std::string file = Packed();
+    ToolRun run({"firmware", "update", "--all", "*", file}, environment);
+    ASSERT_TRUE(run.AwaitOutput("\nuploading: FileUpload\n"));
+    run.Signal(SIGINT);
+    const ToolResult result = run.Finish();
+    EXPECT_EQ(result.status, interrupted);
+    EXPECT_EQ(result.err, "koro: the update of a camera is not cut off; once more ends at once\n");
+    EXPECT_THAT(result.out, EndsWith(" s, the camera reports version 2.0\n1 cameras updated, 0 failed\n"));
+    EXPECT_EQ(Koro({"get", "cam", "DeviceFirmwareVersion"}).out, "2.0\n");
+    EXPECT_EQ(Koro({"get", "two", "DeviceFirmwareVersion"}).out, "1.0.0\n");
 }
 
 TEST_F(Firmware, CameraThatFailsDoesNotKeepTheOthersFromTheirUpdate)

@@ -2,6 +2,7 @@
 #include "tools/koro/commands.h"
 #include "tools/koro/discovery.h"
 #include "tools/koro/if_known.h"
+#include "tools/koro/interrupt.h"
 #include "tools/koro/pending_file.h"
 #include "tools/koro/read_producer.h"
 #include "tools/koro/report.h"
@@ -188,12 +189,15 @@ bool Fits(const FirmwareCommand& command, const CameraChoice& choice)
 }
 
 // Every camera that fits, one after the other; a failure of one does not keep the others from their update.
-int UpdateAll(const FirmwareCommand& command, const Discovery& discovery)
+int UpdateAll(const FirmwareCommand& command, const Discovery& discovery, const Interrupt& interrupt)
 {
     size_t numUpdated = 0;
     size_t numFailed = 0;
+    bool cutShort = false;
     for (const CameraChoice& choice : SelectCameras(discovery.producers, command.camera))
     {
+        cutShort = interrupt.IsRequested();
+        if (cutShort) break;
         try
         {
             if (!Fits(command, choice)) continue;
@@ -207,15 +211,19 @@ int UpdateAll(const FirmwareCommand& command, const Discovery& discovery)
         }
     }
     std::printf("%zu cameras updated, %zu failed\n", numUpdated, numFailed);
+    if (cutShort) return exitInterrupted;
     return numFailed == 0 && numUpdated > 0 ? exitSuccess : exitFailure;
 }
 
 int Update(const FirmwareCommand& command)
 {
+    // Half an update may leave a camera that never starts again.
+    const Interrupt interrupt("the update of a camera is not cut off");
     const Library library = Library::Initialize();
     ReadUpdates(FirmwareUpdater(), command.file);
     const Discovery discovery = Discover(command.producer);
-    if (command.all) return UpdateAll(command, discovery);
+    if (interrupt.IsRequested()) return exitInterrupted;
+    if (command.all) return UpdateAll(command, discovery, interrupt);
     UpdateOne(command, FindCamera(discovery, command.camera));
     return exitSuccess;
 }

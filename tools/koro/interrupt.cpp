@@ -38,7 +38,7 @@ void EndAtNextSignal()
 
 } // namespace
 
-Interrupt::Interrupt()
+Interrupt::Interrupt(const char* answered) : answer(answered)
 {
     sigemptyset(&watched);
     sigaddset(&watched, SIGINT);
@@ -63,7 +63,7 @@ void Interrupt::WatchSignals()
     requested = true;
     // Before the wake, which calls a producer and may never come back.
     EndAtNextSignal();
-    std::fputs("koro: stopping; once more ends at once\n", stderr);
+    std::fprintf(stderr, "koro: %s; once more ends at once\n", answer);
     {
         const std::lock_guard<std::mutex> lock(wakeMutex);
         if (wake) wake();

@@ -16,7 +16,8 @@ namespace koro::tool
 class Interrupt
 {
 public:
-    Interrupt();
+    // `answer` is what a person reads who has asked for an end.
+    explicit Interrupt(const char* answer = "stopping");
     Interrupt(const Interrupt&) = delete;
     Interrupt& operator=(const Interrupt&) = delete;
     ~Interrupt();
@@ -39,6 +40,7 @@ public:
 private:
     void WatchSignals();
 
+    const char* const answer;
     std::atomic<bool> requested{false};
     std::mutex wakeMutex; // guards wake, held while it runs
     std::function<void()> wake;
