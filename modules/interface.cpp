@@ -107,8 +107,8 @@ void Interface::OnConnectionChange(const Record& record)
 
 void Interface::OnReconnect(const std::shared_ptr<DeviceDescriptor>& descriptor, const Record& record)
 {
-    const auto device = descriptor->OpenedDevice();
-    if (device)
+    // Not held any longer: a callback may close the device and open it anew.
+    if (const auto device = descriptor->OpenedDevice())
     {
         if (const auto remoteDevice = device->FetchedRemoteDevice())
         {

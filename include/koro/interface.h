@@ -154,8 +154,9 @@ KORO_API KORO_ReturnCode KORO_Interface_UnregisterDeviceDisconnectedCallback(
 
 /**
  * Calls the application when the producer says that a device of the list came back. If the device is open, the nodes of
- * its remote device have been invalidated by then. A device that an update has lost meanwhile is not reported: the next
- * update finds it.
+ * its remote device have been invalidated by then; until then the library holds it open, so a device that comes back is
+ * best closed and opened anew in this callback or after it. A device that an update has lost meanwhile is not reported:
+ * the next update finds it.
  * @param[in]  callback        called as callback(deviceDescriptorHandle, information, callbackContext)
  * @param[in]  callbackContext passed to the callback as it is; may be null
  * @param[out] callbackHandle  for unregistering; ends with the interface

@@ -330,6 +330,21 @@ TEST_F(ConnectionChanges, CallbackMayUpdateAndChangeOtherKindsAndOtherInterfaces
     Require(KORO_Interface_Destruct(second));
 }
 
+TEST_F(ConnectionChanges, CallbackMayOpenTheReconnectedDeviceAnew)
+{
+    Strings calls;
+    reports.onReport = [&](KORO_DeviceDescriptorHandle reconnected) {
+        producer->ClearJournal();
+        EXPECT_EQ(Outcome(KORO_Device_Destruct(tree.device)), Error{});
+        EXPECT_EQ(
+            Outcome(KORO_DeviceDescriptor_OpenDevice(reconnected, OpenTree::exclusiveAccess, &tree.device)), Error{});
+        calls = CallsOf(producer->Journal(), {"DevClose", "IFOpenDevice"});
+    };
+    ASSERT_TRUE(producer.Send({.id = "if0-dev0", .changeKind = 1}));
+    EXPECT_EQ(reports.Next(), ConnectionReports::Reconnected(descriptor));
+    EXPECT_EQ(calls, (Strings{"DevClose(if0-dev0)", "IFOpenDevice(if0, if0-dev0, 4)"}));
+}
+
 TEST_F(ConnectionChanges, CallbackThatBlocksHoldsUpAllInterfacesAndNothingElse)
 {
     const auto second = OpenSecondInterface();

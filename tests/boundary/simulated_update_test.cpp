@@ -1,4 +1,5 @@
 // Updates of the simulated cameras, which take new firmware, vanish with their reset and come back with it.
+#include "tests/boundary/connection_changes.h"
 #include "tests/boundary/firmware_test.h"
 #include "tests/support/environment_variable.h"
 
@@ -12,6 +13,7 @@ namespace koro::test
 using testing::Contains;
 using testing::HasSubstr;
 using testing::Not;
+using testing::StartsWith;
 
 namespace
 {
@@ -172,6 +174,7 @@ TEST_F(SimulatedUpdate, CameraThatNeverReturnsEndsIt)
 TEST_F(SimulatedUpdate, CameraThatIsLostDuringTheUploadEndsItAndCanBeUpdatedLater)
 {
     Begin();
+    ConnectionReports reports(tree->interface);
     observer->onReport = [&](const std::string& report) {
         if (report.rfind("step 5 at", 0) != 0) return;
         observer->onReport = nullptr;
@@ -184,7 +187,10 @@ TEST_F(SimulatedUpdate, CameraThatIsLostDuringTheUploadEndsItAndCanBeUpdatedLate
     EXPECT_EQ(observer->reports.back(), "failed: " + outcome.text);
     EXPECT_THAT(observer->reports, Not(Contains("step 5 finished")));
 
+    EXPECT_THAT(reports.Next(), StartsWith("disconnected "));
     ExecuteAtTheSystem("SimulatedCameraReplug");
+    // The library looks at a camera that has come back, which keeps it open until the report.
+    EXPECT_THAT(reports.Next(), StartsWith("reconnected "));
     EXPECT_EQ(VersionOfTheCamera(), "1.0.0");
     EXPECT_EQ(Apply(file), Error{});
     EXPECT_EQ(VersionOfTheCamera(), "2.1.0");
