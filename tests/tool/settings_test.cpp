@@ -235,6 +235,21 @@ TEST_F(Settings, FileOfOtherSoftwareLoads)
     EXPECT_EQ(Koro({"get", "cam", "Width"}).out, "32\n");
 }
 
+TEST_F(Settings, BlankLinesAndLongCommentsAreNoDifference)
+{
+    const std::string file = Written(
+        "file",
+        head + "\n  \r\nWidth\t32\n#" + std::string(3000, '-') + "\nLineInverter\t{LineSelector=Line1}\t1\n\n\n");
+    for (const std::string part : {"check", "load"})
+    {
+        const ToolResult result = Koro({"settings", part, "cam", file});
+        EXPECT_EQ(result.status, 0) << result.err;
+        EXPECT_EQ(result.err, "");
+    }
+    EXPECT_EQ(Koro({"get", "cam", "Width"}).out, "32\n");
+    EXPECT_EQ(Koro({"get", "cam", "LineInverter", "--set", "LineSelector=Line1"}).out, "true\n");
+}
+
 TEST_F(Settings, LoadThatLosesTheCameraFails)
 {
     const std::string file = Written("file", head + "Width\t32\nHeight\t24\nGain\t1\n");

@@ -38,6 +38,15 @@ public:
     {
         if (file < 0) Fail();
     }
+    explicit MemoryFile(const std::string& content) : MemoryFile()
+    {
+        for (size_t size = 0; size < content.size();)
+        {
+            const ssize_t part = write(file, content.data() + size, content.size() - size);
+            if (part <= 0) Fail();
+            size += static_cast<size_t>(part);
+        }
+    }
     MemoryFile(const MemoryFile&) = delete;
     MemoryFile& operator=(const MemoryFile&) = delete;
     ~MemoryFile() { close(file); }
@@ -134,7 +143,7 @@ int LoadSettings(const SettingsCommand& command)
     const FeatureSession session(command.target, FeatureSession::Access::Write);
     try
     {
-        session.Nodes().LoadFromFile(command.file);
+        session.Nodes().LoadFromFile(MemoryFile(FeatureFileOf(records)).Path());
     }
     catch (const Error& error)
     {
@@ -164,9 +173,10 @@ int CheckSettings(const SettingsCommand& command)
         std::printf(
             "%s: %s -> %s%s\n", LineOf(plan).c_str(), plan.before.empty() ? "?" : PrintableStart(plan.before).c_str(),
             PrintableStart(plan.record->value).c_str(),
-            plan.missingSelector.empty()
-                ? ""
-                : (", without the selector " + PrintableStart(plan.missingSelector) + ", which the camera does not have").c_str());
+            plan.missingSelector.empty() ? ""
+                                         : (", without the selector " + PrintableStart(plan.missingSelector) +
+                                            ", which the camera does not have")
+                                               .c_str());
     }
     const size_t numProblems = PrintProblems(plans, stdout);
     std::printf(

@@ -100,9 +100,10 @@ std::vector<FeatureRecord> ParseFeatureFile(const std::string& source, const std
             if (rest.find(magic) == rest.npos) Refuse(name, line, "this is no file of settings");
             continue;
         }
-        if (rest.empty() || rest.front() == '#') continue;
-
         const size_t tab = rest.find('\t');
+        const bool isBlank = tab == rest.npos && Trimmed(rest).empty();
+        if (isBlank || rest.front() == '#') continue;
+
         if (tab == rest.npos) Refuse(name, line, "there is no tab behind the name of the feature");
         FeatureRecord& record = records.emplace_back();
         record.line = line;
@@ -116,6 +117,19 @@ std::vector<FeatureRecord> ParseFeatureFile(const std::string& source, const std
             Refuse(name, line, PrintableStart(record.name) + " has no value");
     }
     return records;
+}
+
+std::string FeatureFileOf(const std::vector<FeatureRecord>& records)
+{
+    std::string text = "# " + std::string(magic) + "\n";
+    for (const FeatureRecord& record : records)
+    {
+        text += record.name + "\t";
+        for (const auto& [name, value] : record.selectors)
+            text += (&name == &record.selectors.front().first ? "{" : "\t") + name + "=" + value;
+        text += (record.selectors.empty() ? "" : "}\t") + record.value + "\n";
+    }
+    return text;
 }
 
 std::vector<std::string> TakeOutWhatNoFileHolds(std::string& text, std::vector<FeatureRecord>& records)

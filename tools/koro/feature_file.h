@@ -24,8 +24,9 @@ struct FeatureRecord
     std::string Title() const;
 };
 
-// Throws ToolError, with the line, for a file that cannot be read or is no feature file. Files of other software may
-// have carriage returns and comments between the records. Of zero bytes only those at the end are taken.
+// Throws ToolError, with the line, for a file that cannot be read or is no feature file. Files of other software and
+// those that people have edited may have carriage returns, comments and blank lines between the records. Of zero bytes
+// only those at the end are taken.
 std::vector<FeatureRecord> ReadFeatureFile(const std::filesystem::path& path);
 // The library stores texts that it does not read back as they were: empty ones, and those with a brace in front.
 enum class SettingsOf
@@ -37,6 +38,8 @@ enum class SettingsOf
 // The same of a text; `name` is what messages call it.
 std::vector<FeatureRecord> ParseFeatureFile(
     const std::string& text, const std::string& name, SettingsOf origin = SettingsOf::File);
+// The text that the library reads as these records, where it is stricter with a file than ReadFeatureFile.
+std::string FeatureFileOf(const std::vector<FeatureRecord>& records);
 // Takes the records of such texts out, and their lines out of the camera's text that was parsed. Returns their titles.
 std::vector<std::string> TakeOutWhatNoFileHolds(std::string& text, std::vector<FeatureRecord>& records);
 

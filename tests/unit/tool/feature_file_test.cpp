@@ -90,6 +90,16 @@ TEST(FeatureFile, TextsOfTheCameraThatNoFileHoldsAreTakenOut)
     EXPECT_TRUE(Differences(records, ParseFeatureFile(text, "f")).empty());
 }
 
+TEST(FeatureFile, RecordsBecomeAFileWithoutAnythingElse)
+{
+    const auto records =
+        ParseFeatureFile(head + "#\n\n  \nA\t1\nGain \t{S=a=b\tOther=2}\t{1}\t \n" + std::string(9, ' '), "f");
+    const std::string text = FeatureFileOf(records);
+    EXPECT_EQ(text, head + "A\t1\nGain\t{S=a=b\tOther=2}\t{1}\t \n");
+    EXPECT_TRUE(Differences(records, ParseFeatureFile(text, "f")).empty());
+    EXPECT_EQ(FeatureFileOf({}), head);
+}
+
 TEST(FeatureFile, FileThatCannotBeReadIsAnError)
 {
     EXPECT_THROW(ReadFeatureFile("/nonexistent/file"), ToolError);
