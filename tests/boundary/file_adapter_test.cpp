@@ -413,6 +413,30 @@ TEST_F(FileAdapter, FailureInSelectingIsToldAndNothingIsOpened)
     ExpectLockFree();
 }
 
+TEST_F(FileAdapter, RefusalsOfTheNodesAreTranslated)
+{
+    auto nodes = FileNodes();
+    const std::string selector = "<Enumeration Name=\"FileSelector\">";
+    nodes["FileSelector"].insert(selector.size(), "<ImposedAccessMode>RO</ImposedAccessMode>");
+    OpenFiles(nodes);
+    EXPECT_EQ(Read(Adapter(), 4).outcome.code, KORO_RETURN_CODE_BAD_ACCESS);
+    EXPECT_THAT(LastError().text, HasSubstr("AccessException thrown in node 'FileSelector'"));
+    EXPECT_EQ(Write(Adapter(), "data"), KORO_RETURN_CODE_BAD_ACCESS);
+    EXPECT_EQ(files->diary, "");
+
+    nodes = FileNodes();
+    std::string& length = nodes["FileAccessLength"];
+    length.replace(length.find("<Min>0"), 6, "<Min>2");
+    OpenFiles(nodes);
+    EXPECT_EQ(Read(Adapter(), 4).outcome.code, KORO_RETURN_CODE_OUT_OF_RANGE);
+    EXPECT_THAT(LastError().text, HasSubstr("OutOfRangeException thrown in node 'FileAccessLength'"));
+    ExpectClosedAndFree();
+    EXPECT_EQ(Write(Adapter(), "data"), KORO_RETURN_CODE_OUT_OF_RANGE);
+    EXPECT_NE(files->diary.find("Close"), std::string::npos);
+    EXPECT_EQ(files->content, "0123456789abcdefghij");
+    ExpectClosedAndFree();
+}
+
 TEST_F(FileAdapter, FailureInSelectingForTheOpeningIsToldAndNothingIsOpened)
 {
     OpenFiles();
