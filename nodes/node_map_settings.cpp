@@ -83,6 +83,8 @@ void WriteAll(std::ofstream& file, const CFeatureBag& bag, const std::string& pa
     file.close();
     if (file) return;
     const std::string reason = errno ? ": " + std::generic_category().message(errno) : "!";
+    std::error_code ignored;
+    fs::resize_file(path, 0, ignored); // some of the features would pass for all
     throw IOException("The features could not be written to the file (" + path + ")" + reason);
 }
 

@@ -3,12 +3,14 @@
 #include "tests/support/in_thread.h"
 #include "tests/support/temporary_folder.h"
 
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <future>
 #include <gmock/gmock.h>
 #include <iterator>
 #include <string>
+#include <sys/resource.h>
 #include <vector>
 
 namespace koro::test
@@ -250,6 +252,33 @@ TEST_F(Settings, FullDiskIsToldInTheMiddleOfStoring)
                  "<AccessMode>RW</AccessMode><pPort>Device</pPort></StringReg>");
     producer->Edit([&](scripted::Tree& edited) { RemotePort(edited).registers[0] = std::string(200'000, 't'); });
     EXPECT_EQ(Store(map, "/dev/full"), KORO_RETURN_CODE_IO_ERROR);
+}
+
+TEST_F(Settings, FileThatHasRoomForSomeOfTheFeaturesIsLeftEmpty)
+{
+    std::string names;
+    std::string features;
+    for (int number = 0; number < 200; ++number)
+    {
+        const std::string name = "Text" + std::to_string(number);
+        names += "<pFeature>" + name + "</pFeature>";
+        features += "<String Name=\"" + name + "\"><Streamable>Yes</Streamable><Value>" + std::string(200, 't') +
+                    "</Value></String>";
+    }
+    const auto map = Describe("<Category Name=\"Root\">" + names + "</Category>" + features);
+    // As on a disk that gets full: what lies beyond is refused.
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit before{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+    const rlimit room{20'000, before.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &room), 0);
+    const Error outcome = Outcome(Store(map, path));
+    setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, handler);
+    EXPECT_EQ(outcome.code, KORO_RETURN_CODE_IO_ERROR);
+    EXPECT_THAT(outcome.text, HasSubstr("File too large"));
+    EXPECT_EQ(ContentOf(path), "");
+    EXPECT_EQ(Outcome(Store(map, path)), Error{});
 }
 
 TEST_F(Settings, CarriageReturnsOfAFileAreNoDifference)
