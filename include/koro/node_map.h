@@ -118,13 +118,14 @@ KORO_NodeMap_StoreToFile(KORO_NodeMapHandle nodeMapHandle, const char* filePath,
 
 /**
  * Writes the values of such a file back to the device, in the order of the file, and then compares what can be read
- * with the file. All that can be written is written, whatever else fails; nothing is set back after a failure. Takes
- * the lock; the file is read before that. Changed callbacks run within, on this thread.
+ * with the file. All that can be written is written, whatever values are refused; a failed transfer ends the loading.
+ * Nothing is set back after a failure. Takes the lock; the file is read before that. Changed callbacks run within, on
+ * this thread.
  * @param[in] filePath     in UTF-8; need not be terminated
  * @param[in] filePathSize its size in bytes, with a terminating zero counted
  * @return KORO_RETURN_CODE_INVALID_ARGUMENT when the file cannot be opened, KORO_RETURN_CODE_ERROR when it is no
  * feature file, then nothing is written, and when a value was refused or is read back as another one: the text is that
- *         of the first such feature
+ *         of the first such feature; the code of a failed transfer
  */
 KORO_API KORO_ReturnCode
 KORO_NodeMap_LoadFromFile(KORO_NodeMapHandle nodeMapHandle, const char* filePath, size_t filePathSize);

@@ -411,8 +411,8 @@ public:
     // Copies the event's data to its nodes and calls their callbacks.
     void UpdateEventNodes(const Event& event) const;
 
-    // The values of the features as a text file, and back. Paths are UTF-8. A load that fails has written all that
-    // could be written.
+    // The values of the features as a text file, and back. Paths are UTF-8. A load that fails by values has written all
+    // others; one that fails by a transfer ends there.
     void StoreToFile(const std::string& path) const
     {
         detail::Check(KORO_NodeMap_StoreToFile(Get(), path.c_str(), path.size() + 1));
