@@ -124,8 +124,8 @@ KORO_NodeMap_StoreToFile(KORO_NodeMapHandle nodeMapHandle, const char* filePath,
  * @param[in] filePath     in UTF-8; need not be terminated
  * @param[in] filePathSize its size in bytes, with a terminating zero counted
  * @return KORO_RETURN_CODE_INVALID_ARGUMENT when the file cannot be opened, KORO_RETURN_CODE_ERROR when it is no
- * feature file, then nothing is written, and when a value was refused or is read back as another one: the text is that
- *         of the first such feature; the code of a failed transfer
+ *         feature file, then nothing is written, and when a value was refused or is read back as another one: the text
+ *         is that of the first such feature; the code of a failed transfer
  */
 KORO_API KORO_ReturnCode
 KORO_NodeMap_LoadFromFile(KORO_NodeMapHandle nodeMapHandle, const char* filePath, size_t filePathSize);
