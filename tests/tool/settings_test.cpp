@@ -185,6 +185,19 @@ TEST_F(SettingsOfDescribed, SelectorThatTheCameraDoesNotHaveIsPassedOver)
     EXPECT_THAT(loaded.err, testing::StartsWith("line 2: Depth=1: the camera has no such feature\nkoro: 1 of 3 "));
 }
 
+TEST_F(SettingsOfDescribed, NoValueIsWrittenWhereItsSelectorCannotBeSet)
+{
+    const std::string file = Written("file", head + "Gain\t{Channel=Green}\t5\nGain\t{Channel=Green}\t6\nDepth\t1\n");
+    const ToolResult loaded = Koro({"settings", "load", "cam", file});
+    EXPECT_EQ(loaded.status, failure);
+    EXPECT_THAT(loaded.err, HasSubstr("line 2: Gain[Channel=Green]=5: "));
+    EXPECT_THAT(loaded.err, HasSubstr("line 3: Gain[Channel=Green]=6: "));
+    EXPECT_THAT(loaded.err, HasSubstr("koro: 3 of 3 values "));
+    EXPECT_THAT(
+        Koro({"settings", "check", "cam", file}).out, testing::EndsWith("0 values would change, 3 cannot be written, "
+                                                                        "0 are the same\n"));
+}
+
 TEST_F(SettingsOfDescribed, LineOf64MegabytesIsToldInAFewWords)
 {
     const std::string file = Written("file", head + "Width\t" + std::string(64 << 20, '7') + "\n");

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cmath>
+#include <exception>
 #include <functional>
 #include <stdexcept>
 #include <utility>
@@ -33,27 +34,39 @@ public:
     {
         if (record.selectors == current) return;
         SetBack();
-        current = record.selectors;
-        for (const auto& [name, value] : current)
+        try
         {
-            const Node selector = nodes.TryNode(name);
-            if (!selector)
-            {
-                missing = name;
-                continue;
-            }
-            CheckValue(selector, value);
-            const std::string now = ReadValue(selector);
-            if (now == value) continue;
-            before.emplace_back(name, now);
-            WriteValue(selector, value);
+            for (const auto& [name, value] : record.selectors)
+                SetOne(name, value);
         }
+        catch (...)
+        {
+            const auto failure = std::current_exception();
+            SetBack();
+            std::rethrow_exception(failure);
+        }
+        current = record.selectors;
     }
 
     // Of the present ones; empty if the camera has all.
     const std::string& Missing() const { return missing; }
 
 private:
+    void SetOne(const std::string& name, const std::string& value)
+    {
+        const Node selector = nodes.TryNode(name);
+        if (!selector)
+        {
+            missing = name;
+            return;
+        }
+        CheckValue(selector, value);
+        const std::string now = ReadValue(selector);
+        if (now == value) return;
+        before.emplace_back(name, now);
+        WriteValue(selector, value);
+    }
+
     void SetBack()
     {
         for (auto changed = before.rbegin(); changed != before.rend(); ++changed)
