@@ -2,8 +2,8 @@
  * A file on a device: firmware, user data, tables. Which files there are tell the entries of the node "FileSelector".
  *
  * A handle belongs to the application, which ends it by KORO_FileAdapter_Destruct. It does not keep its node map: once
- * that has gone every function but the destruction answers KORO_RETURN_CODE_ERROR. Any thread. Each function selects the
- * file and takes the lock of the map for its own length, so other threads that work on the map wait for a whole
+ * that has gone every function but the destruction answers KORO_RETURN_CODE_ERROR. Any thread. Each function selects
+ * the file and takes the lock of the map for its own length, so other threads that work on the map wait for a whole
  * transfer; one file should be used at a time. Files move in blocks of the device's choice, through registers: they are
  * slow.
  *
