@@ -8,6 +8,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <memory>
 #include <optional>
 #include <type_traits>
 
@@ -256,6 +257,28 @@ TEST(KoroNode, ChangesArriveUntilTheRegistrationEnds)
     EXPECT_THAT(changed, ElementsAre("Size"));
     EXPECT_EQ(
         CodeOf([&] { static_cast<void>(map.Node("Size").OnChanged(nullptr)); }), KORO_RETURN_CODE_INVALID_ARGUMENT);
+}
+
+TEST(KoroNode, FunctionThatEndsItsRegistrationLivesUntilItReturns)
+{
+    const CameraOf producer(IntRegister("Size", 0));
+    const Tree tree(producer.Path());
+    const koro::NodeMap map = tree.device.RemoteDevice().NodeMap();
+    auto captured = std::make_shared<int>(0);
+    const std::weak_ptr<int> watched = captured;
+    koro::Registration news;
+    std::vector<bool> lived;
+    news = map.Node("Size").OnChanged([&, captured = std::move(captured)](koro::Node) {
+        const auto& watchedHere = watched;
+        auto& livedHere = lived;
+        news.End();
+        livedHere.push_back(!watchedHere.expired());
+    });
+    map.Integer("Size").SetValue(3);
+    EXPECT_THAT(lived, ElementsAre(true));
+    EXPECT_TRUE(watched.expired());
+    map.Integer("Size").SetValue(4);
+    EXPECT_THAT(lived, ElementsAre(true));
 }
 
 TEST(KoroIntegerNode, ValueAndItsLimits)

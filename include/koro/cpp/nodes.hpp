@@ -11,6 +11,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
@@ -128,9 +129,17 @@ public:
     // uses the map.
     [[nodiscard]] Registration OnChanged(std::function<void(Node)> changed) const
     {
+        std::function<void(Node)> called;
+        if (changed)
+        {
+            called = [function = std::make_shared<std::function<void(Node)>>(std::move(changed))](Node node) {
+                const auto running = function; // the registration may end within
+                (*running)(node);
+            };
+        }
         return detail::Register(
             KORO_Node_RegisterChangedCallback, KORO_Node_UnregisterChangedCallback, Get(),
-            &detail::CallFound<Node, KORO_NodeHandle>, std::move(changed));
+            &detail::CallFound<Node, KORO_NodeHandle>, std::move(called));
     }
 };
 
