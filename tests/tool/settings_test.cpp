@@ -128,7 +128,10 @@ protected:
                 "<pSelected>Gain</pSelected></Enumeration>" +
                 IntRegisterAt("ChannelReg", 12) +
                 IntRegisterAt("Gain", 16, streamable + "<pAddress>ChannelReg</pAddress>") + Text("Name", "a b") +
-                Text("Nothing", "") + Text("Brace", "{b}"));
+                Text("Nothing", "") + Text("Brace", "{b}") +
+                "<Boolean Name=\"Flag\"><Value>false</Value></Boolean><Float Name=\"Tiny\"><Value>0</Value></Float>"
+                "<Register Name=\"Block\"><Address>20</Address><Length>2</Length><AccessMode>RW</AccessMode>"
+                "<pPort>Device</pPort></Register>");
         Use(settings);
     }
 
@@ -196,6 +199,16 @@ TEST_F(SettingsOfDescribed, NoValueIsWrittenWhereItsSelectorCannotBeSet)
     EXPECT_THAT(
         Koro({"settings", "check", "cam", file}).out, testing::EndsWith("0 values would change, 3 cannot be written, "
                                                                         "0 are the same\n"));
+}
+
+TEST_F(SettingsOfDescribed, CheckComparesValuesAsTheyAreParsed)
+{
+    const std::string file = Written("file", head + "Flag\tyes\nTiny\t1e-310\nFlag\tOFF\nTiny\t+0.0\nBlock\t0000\n");
+    const ToolResult checked = Koro({"settings", "check", "cam", file});
+    EXPECT_EQ(checked.status, 0);
+    EXPECT_EQ(
+        checked.out, "line 2: Flag: false -> yes\nline 3: Tiny: 0 -> 1e-310\n"
+                     "2 values would change, 0 cannot be written, 3 are the same\n");
 }
 
 TEST_F(SettingsOfDescribed, LineOf64MegabytesIsToldInAFewWords)

@@ -11,7 +11,6 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <optional>
 #include <stdexcept>
 
 namespace koro::tool
@@ -60,30 +59,6 @@ std::vector<uint8_t> ParseHex(const std::string& text)
         bytes.push_back(byte);
     }
     return bytes;
-}
-
-std::optional<bool> ParseBoolean(std::string text)
-{
-    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return std::tolower(c); });
-    for (const char* const word : {"1", "true", "on", "yes"})
-    {
-        if (text == word) return true;
-    }
-    for (const char* const word : {"0", "false", "off", "no"})
-    {
-        if (text == word) return false;
-    }
-    return std::nullopt;
-}
-
-double ParseReal(const std::string& text)
-{
-    double number = 0;
-    const char* const end = text.data() + text.size();
-    const char* const start = !text.empty() && text.front() == '+' ? text.data() + 1 : text.data();
-    const auto result = std::from_chars(start, end, number);
-    if (text.empty() || result.ec != std::errc() || result.ptr != end) throw std::invalid_argument("no number");
-    return number;
 }
 
 // Groups of digits between separators, as in 10.0.0.1.
@@ -235,6 +210,30 @@ int64_t ParseNumber(const std::string& text)
     const auto result = std::from_chars(start, end, number);
     if (result.ec != std::errc() || result.ptr != end) throw std::invalid_argument("no number");
     return number;
+}
+
+double ParseReal(const std::string& text)
+{
+    double number = 0;
+    const char* const end = text.data() + text.size();
+    const char* const start = !text.empty() && text.front() == '+' ? text.data() + 1 : text.data();
+    const auto result = std::from_chars(start, end, number);
+    if (text.empty() || result.ec != std::errc() || result.ptr != end) throw std::invalid_argument("no number");
+    return number;
+}
+
+std::optional<bool> ParseBoolean(std::string text)
+{
+    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return std::tolower(c); });
+    for (const char* const word : {"1", "true", "on", "yes"})
+    {
+        if (text == word) return true;
+    }
+    for (const char* const word : {"0", "false", "off", "no"})
+    {
+        if (text == word) return false;
+    }
+    return std::nullopt;
 }
 
 std::string ReadValue(const Node& node, CachePolicy policy)

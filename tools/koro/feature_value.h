@@ -3,6 +3,7 @@
 
 #include <koro/koro.hpp>
 
+#include <optional>
 #include <string>
 
 namespace koro::tool
@@ -30,5 +31,9 @@ std::string NumberText(int64_t number, KORO_NodeRepresentation representation);
 std::string NumberText(double number);
 // Decimal, hexadecimal after 0x, four numbers with dots, or six groups with colons. Throws std::invalid_argument.
 int64_t ParseNumber(const std::string& text);
+// Throws std::invalid_argument.
+double ParseReal(const std::string& text);
+// 1, true, on, yes or 0, false, off, no, in any case; empty for all else.
+std::optional<bool> ParseBoolean(std::string text);
 
 } // namespace koro::tool

@@ -108,7 +108,7 @@ std::string OutsideOfLimits(const Node& node, const std::string& value)
     }
     case KORO_NODE_TYPE_FLOAT: {
         const FloatNode number = node.ToFloat();
-        const double wished = std::stod(value);
+        const double wished = ParseReal(value);
         return wished < number.Minimum() || wished > number.Maximum() ? RangeSentence(node) : std::string();
     }
     case KORO_NODE_TYPE_ENUMERATION: {
@@ -120,15 +120,11 @@ std::string OutsideOfLimits(const Node& node, const std::string& value)
     }
 }
 
-std::string LowerCase(std::string text)
+// Of bytes in hexadecimal, which need no 0x in front.
+std::string Digits(std::string text)
 {
     std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return std::tolower(c); });
-    return text;
-}
-
-bool IsYes(const std::string& text)
-{
-    return text == "1" || text == "true";
+    return text.rfind("0x", 0) == 0 ? text.substr(2) : text;
 }
 
 // Files write values in forms of their own: numbers by the camera's description, real ones with few digits, yes as 1.
@@ -140,14 +136,14 @@ bool IsSame(const Node& node, const std::string& left, const std::string& right)
     case KORO_NODE_TYPE_INTEGER:
         return ParseNumber(left) == ParseNumber(right);
     case KORO_NODE_TYPE_FLOAT: {
-        const double one = std::stod(left);
-        const double other = std::stod(right);
+        const double one = ParseReal(left);
+        const double other = ParseReal(right);
         return std::abs(one - other) <= 1e-6 * std::max(std::abs(one), std::abs(other));
     }
     case KORO_NODE_TYPE_BOOLEAN:
-        return IsYes(left) == IsYes(right);
+        return ParseBoolean(left) == ParseBoolean(right);
     case KORO_NODE_TYPE_REGISTER:
-        return LowerCase(left) == LowerCase(right);
+        return Digits(left) == Digits(right);
     default:
         return false;
     }
