@@ -237,6 +237,24 @@ TEST_F(Settings, SaveRefusesTextsThatAreLines)
     EXPECT_FALSE(std::filesystem::exists(File("file")));
 }
 
+TEST_F(Settings, SaveRefusesTextsWhoseLinesWouldBePassedOver)
+{
+    for (const std::string text : {"a&#10;#b", "a&#10;", "a&#10;# b&#9;c", "a&#10;&#10;"})
+    {
+        json settings = OneCamera("Mono8", 64, 48);
+        Describe(
+            folder, settings, "Name",
+            "<String Name=\"Name\"><Streamable>Yes</Streamable><Value>" + text + "</Value></String>");
+        Use(settings);
+        const ToolResult result = Koro({"settings", "save", "cam", File("file")});
+        EXPECT_EQ(result.status, failure) << text;
+        EXPECT_EQ(
+            result.err, "koro: The camera's settings, line 5: the text of Name goes on here.\n"
+                        "hint: A text with line feeds in it cannot be kept in such a file.\n");
+        EXPECT_FALSE(std::filesystem::exists(File("file")));
+    }
+}
+
 TEST_F(Settings, ZeroByteWithTextBehindItIsRefusedWithItsLine)
 {
     using namespace std::string_literals;

@@ -102,7 +102,13 @@ std::vector<FeatureRecord> ParseFeatureFile(const std::string& source, const std
         }
         const size_t tab = rest.find('\t');
         const bool isBlank = tab == rest.npos && Trimmed(rest).empty();
-        if (isBlank || rest.front() == '#') continue;
+        if (isBlank || rest.front() == '#')
+        {
+            // The library writes comments at the head alone.
+            if (origin == SettingsOf::Camera && !records.empty())
+                Refuse(name, line, "the text of " + PrintableStart(records.back().name) + " goes on here");
+            continue;
+        }
 
         if (tab == rest.npos) Refuse(name, line, "there is no tab behind the name of the feature");
         FeatureRecord& record = records.emplace_back();
