@@ -55,6 +55,15 @@ TEST(WatchTree, WhatIsThereIsFound)
     EXPECT_THAT(result.out, HasSubstr("serial number cam"));
 }
 
+TEST(WatchTree, EndsWithinAListThatHasMore)
+{
+    const TemporaryFolder folder;
+    const ToolResult result =
+        RunTool({"watch", "--changes", "1", "--json"}, SimulatorWith(folder, OneCamera("Mono8", 64, 48)));
+    ASSERT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(ChangesOf(result), ElementsAre("found if"));
+}
+
 TEST(WatchTree, CameraThatGoesAndComesIsReportedByItself)
 {
     const TemporaryFolder folder;

@@ -164,9 +164,10 @@ class ChangePrinter
 public:
     explicit ChangePrinter(const WatchCommand& wished) : command(wished) {}
 
-    // Called by one thread at a time.
+    // Called by one thread at a time. A list may bring more than is wished.
     void Print(const TreeChange& change)
     {
+        if (HasPrintedAll()) return;
         const double seconds = std::chrono::duration<double>(Clock::now() - begin).count();
         if (command.json)
         {
@@ -185,11 +186,13 @@ public:
     }
     bool IsOver() const
     {
-        if (command.numChanges > 0 && numPrinted >= command.numChanges) return true;
+        if (HasPrintedAll()) return true;
         return command.duration_ms > 0 && Clock::now() - begin >= std::chrono::milliseconds(command.duration_ms);
     }
 
 private:
+    bool HasPrintedAll() const { return command.numChanges > 0 && numPrinted >= command.numChanges; }
+
     const WatchCommand& command;
     const Clock::time_point begin = Clock::now();
     std::atomic<uint64_t> numPrinted{0};
