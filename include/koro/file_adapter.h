@@ -8,7 +8,8 @@
  * slow.
  *
  * What may not be used now is answered with KORO_RETURN_CODE_BAD_ACCESS, a missing node and an entry that is not
- * available included. Pointers are tested before handles, unlike elsewhere.
+ * available included. Pointers are tested before handles, unlike elsewhere, and the node map of the construction counts
+ * as one: null is KORO_RETURN_CODE_INVALID_ARGUMENT.
  */
 #ifndef KORO_FILE_ADAPTER_H
 #define KORO_FILE_ADAPTER_H

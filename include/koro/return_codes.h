@@ -46,7 +46,7 @@ enum KORO_ReturnCodes
     KORO_RETURN_CODE_NOT_IMPLEMENTED = 15,
     /* the producer file cannot be loaded */
     KORO_RETURN_CODE_CTI_LOADING_ERROR = 16,
-    /* the connection failed or is lost */
+    /* the connection failed or is lost, or a file cannot be written to its end */
     KORO_RETURN_CODE_IO_ERROR = 17,
     /* nothing to work on for this request */
     KORO_RETURN_CODE_NO_DATA = 18
