@@ -273,6 +273,11 @@ TEST_F(Firmware, EqualContentsArePackedToEqualFiles)
     std::filesystem::last_write_time(image, std::filesystem::file_time_type{});
     std::filesystem::permissions(image, std::filesystem::perms::owner_read);
     EXPECT_TRUE(BytesOf(Packed()) == first);
+    for (const char* const zone : {"East-9", "West9"})
+    {
+        environment["TZ"] = zone;
+        EXPECT_TRUE(BytesOf(Packed()) == first) << zone;
+    }
 }
 
 TEST_F(Firmware, PackThatFailsLeavesAnOlderFile)

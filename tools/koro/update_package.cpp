@@ -19,6 +19,7 @@ constexpr std::uintmax_t maxFileSize = std::uintmax_t{256} << 20;
 constexpr const char* controlName = "Control.xml";
 // What expands more is taken for an attack by those who read update files.
 constexpr zip_uint64_t mostExpansion = 100;
+constexpr zip_uint16_t firstDay = 1 << 5 | 1; // 1 January 1980, which archives count from
 
 [[noreturn]] void Fail(const char* what, const std::string& why)
 {
@@ -65,8 +66,8 @@ public:
         }
         if (zip_set_file_compression(archive, static_cast<zip_uint64_t>(index), method, 0) != 0)
             Fail("pack", name + ": " + zip_strerror(archive));
-        // Nothing of the moment, the machine or the permissions: equal contents give equal files.
-        zip_file_set_mtime(archive, static_cast<zip_uint64_t>(index), 315532800, 0);
+        // Nothing of the moment, the machine, its time zone or the permissions: equal contents give equal files.
+        zip_file_set_dostime(archive, static_cast<zip_uint64_t>(index), 0, firstDay, 0);
         zip_file_set_external_attributes(
             archive, static_cast<zip_uint64_t>(index), 0, ZIP_OPSYS_UNIX, zip_uint32_t{0100644} << 16);
     }
