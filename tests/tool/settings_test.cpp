@@ -17,6 +17,7 @@ using nlohmann::json;
 using testing::HasSubstr;
 
 constexpr int failure = 1;
+constexpr int noSuchCamera = 3;
 constexpr int different = 7;
 const std::string head = "# {05D8C294-F295-4dfb-9D01-096BD04049F4}\n";
 
@@ -379,6 +380,13 @@ TEST_F(Settings, DiffComparesAFileWithTheCamera)
     const ToolResult changed = Koro({"settings", "diff", "cam", File("file")});
     EXPECT_EQ(changed.status, different);
     EXPECT_THAT(changed.out, HasSubstr("- Width=64\n+ Width=32\n"));
+}
+
+TEST_F(Settings, DiffTakesANameThatNoFileCanHaveForACamera)
+{
+    const ToolResult result = Koro({"settings", "diff", std::string(1000, 'x'), Written("file", head)});
+    EXPECT_EQ(result.status, noSuchCamera);
+    EXPECT_THAT(result.err, HasSubstr("koro: No camera is called "));
 }
 
 TEST_F(Settings, DiffComparesTwoFiles)

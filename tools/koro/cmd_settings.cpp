@@ -213,7 +213,8 @@ int DiffSettings(const SettingsCommand& command)
 int Diff(const SettingsCommand& command)
 {
     SettingsCommand ordered = command;
-    if (!std::filesystem::is_regular_file(command.target.camera)) return DiffSettings(ordered);
+    std::error_code none;
+    if (!std::filesystem::is_regular_file(command.target.camera, none)) return DiffSettings(ordered);
     ordered.file = command.target.camera;
     ordered.otherFile = command.file;
     return DiffSettings(ordered);
