@@ -73,9 +73,10 @@ KORO_API KORO_ReturnCode KORO_FirmwareUpdater_UpdateDevice(
  * that was collected. Keep it, the camera's interface and everything above it until the call returns.
  *
  * After a reset the devices of the interface are listed anew, every 200 ms, until one with the same serial number can
- * be opened; a camera that has none is not updated, and its observer is told nothing. These are updates of the list as
- * KORO_Interface_UpdateDevices makes them: found and lost callbacks run, on this thread, and the handle of the device
- * descriptor ends when the camera is lost meanwhile. Fetch a new one by KORO_Interface_GetDevice.
+ * be opened; a camera that has none is not updated, with the answer of KORO_DeviceDescriptor_GetSerialNumber, and its
+ * observer is told nothing. These are updates of the list as KORO_Interface_UpdateDevices makes them: found and lost
+ * callbacks run, on this thread, and the handle of the device descriptor ends when the camera is lost meanwhile. Fetch
+ * a new one by KORO_Interface_GetDevice.
  *
  * A failure may leave the camera half updated; updating it again is the way out.
  *
