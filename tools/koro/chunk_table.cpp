@@ -28,7 +28,8 @@ bool MayHoldAChunk(const Node& node)
 std::optional<std::string> ReadChunk(const NodeMap& nodes, const std::string& name)
 {
     const Node node = nodes.Node(name);
-    return node.IsReadable() ? IfKnown([&] { return ReadValue(node); }) : std::nullopt;
+    const bool isReadable = IfKnown([&] { return node.IsReadable(); }).value_or(false);
+    return isReadable ? IfKnown([&] { return ReadValue(node); }) : std::nullopt;
 }
 
 } // namespace
