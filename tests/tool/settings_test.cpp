@@ -50,7 +50,7 @@ protected:
     Environment environment;
 };
 
-TEST_F(Settings, SavedAndLoadedTheyAreTheSame)
+TEST_F(Settings, SavedAndLoadedAfterAResetTheyAreTheSame)
 {
     ASSERT_EQ(Koro({"set", "cam", "Width=32", "Height=24", "ExposureTime=5000", "Gain=3"}).status, 0);
     const ToolResult saved = Koro({"settings", "save", "cam", File("first")});
@@ -59,7 +59,9 @@ TEST_F(Settings, SavedAndLoadedTheyAreTheSame)
     EXPECT_THAT(Content("first"), testing::StartsWith(head));
     EXPECT_THAT(Content("first"), HasSubstr("\nWidth\t32\n"));
 
-    ASSERT_EQ(Koro({"set", "cam", "Width=64", "Height=48", "ExposureTime=7000", "Gain=0"}).status, 0);
+    ASSERT_EQ(Koro({"run", "cam", "DeviceReset"}).status, 0);
+    ASSERT_EQ(Koro({"get", "cam", "Width"}).out, "64\n");
+    ASSERT_EQ(Koro({"settings", "diff", "cam", File("first")}).status, different);
     const ToolResult loaded = Koro({"settings", "load", "cam", File("first")});
     ASSERT_EQ(loaded.status, 0) << loaded.err;
     EXPECT_THAT(loaded.out, HasSubstr(" values written\n"));
