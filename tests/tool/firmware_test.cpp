@@ -152,7 +152,7 @@ TEST_F(Firmware, InterruptLetsTheCameraFinishAndSparesTheOthers)
 {
     json& cameras = settings["interfaces"][0]["cameras"];
     cameras[0]["resetMissingUpdates"] = 1;
-    cameras[0]["resetAbsence_ms"] = 1000;
+    cameras[0]["resetAbsence_ms"] = 2000; // in which the interrupt comes
     cameras.push_back(cameras[0]);
     cameras[1]["serial"] = "two";
     const std::string file = Packed();
