@@ -9,10 +9,13 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <iostream>
+#include <regex>
 #include <sstream>
 #include <string>
+#include <utility>
 
 namespace koro::test
 {
@@ -27,6 +30,7 @@ struct RecordedSettings
 {
     explicit RecordedSettings(const std::string& answer, const std::string& nodes)
     {
+        if (answer.rfind("FAILED ", 0) == 0) failure = answer.substr(7, answer.find('\n') - 7);
         const std::string load = "== load ";
         const auto loaded = answer.find("\n" + load);
         isStored = answer.rfind("== store ", 0) == 0 && loaded != std::string::npos;
@@ -39,10 +43,34 @@ struct RecordedSettings
         std::istringstream lines(nodes);
         for (std::string line; std::getline(lines, line);)
         {
+            if (line.rfind("FAILED ", 0) == 0) failureOfTheMap = line.substr(7, line.find(':') - 7);
             if (line.rfind("connect ", 0) != 0) continue;
             ++ports;
             hasDevicePort = hasDevicePort || line.rfind("connect Device ", 0) == 0;
         }
+    }
+
+    // Of a storing that failed the words alone were recorded.
+    std::string ClassOfTheFailure() const
+    {
+        if (!failureOfTheMap.empty()) return failureOfTheMap;
+        const std::pair<const char*, const char*> classes[] = {
+            {"Failed to evaluate formula", "LogicalErrorException"},
+            {"Node is not writable", "AccessException"},
+            {"cannot convert value", "InvalidArgumentException"},
+            {"must be equal or", "OutOfRangeException"}};
+        for (const auto& [words, name] : classes)
+        {
+            if (failure.find(words) != std::string::npos) return name;
+        }
+        return "unknown";
+    }
+    // "Feature 'A' : ..." and "A : ..." name it; empty for all else.
+    std::string NodeOfTheFailure() const
+    {
+        std::smatch found;
+        const bool isNamed = std::regex_search(failure, found, std::regex("^(?:Feature ('\\w+')|(\\w+)) : "));
+        return isNamed && failureOfTheMap.empty() ? found.str(found[1].matched ? 1 : 2) : "";
     }
 
     // The recorded bag did not go through a file, which has no empty values.
@@ -50,6 +78,8 @@ struct RecordedSettings
 
     bool isStored = false;
     bool isLoaded = false;
+    std::string failure;         // the text why it is not stored
+    std::string failureOfTheMap; // the class, of a description that makes none
     std::string file;
     std::string again; // stored by the camera that was loaded
     std::size_t ports = 0;
@@ -128,9 +158,10 @@ private:
         std::string bytes = ContentOf(description);
         if (bytes.empty()) return; // no camera serves that
         // The runtime connects maps with this port alone. What the answers knew of others cannot be known here.
+        const bool hasDevicePort = recorded.hasDevicePort || bytes.find("<Port Name=\"Device\"") != std::string::npos;
         const auto end = bytes.rfind("</RegisterDescription>");
-        if (!recorded.hasDevicePort && end == std::string::npos && recorded.isStored) return;
-        if (!recorded.hasDevicePort && end != std::string::npos) bytes.insert(end, "<Port Name=\"Device\"/>");
+        if (!hasDevicePort && end == std::string::npos && recorded.isStored) return;
+        if (!hasDevicePort && end != std::string::npos) bytes.insert(end, "<Port Name=\"Device\"/>");
         const std::string path = folder.MakeFile("camera.xml", bytes);
         const EnvironmentVariable settings(
             "KORO_SIMULATOR_CONFIG",
@@ -142,7 +173,7 @@ private:
         if (recorded.isStored)
             TryStored(recorded, first);
         else
-            TryRefused(description, first);
+            TryRefused(description, recorded, first);
     }
 
     void TryStored(const RecordedSettings& recorded, const std::string& first)
@@ -171,7 +202,7 @@ private:
         roundTrips += ContentOf(again) == ContentOf(first);
     }
 
-    void TryRefused(const fs::path& description, const std::string& first)
+    void TryRefused(const fs::path& description, const RecordedSettings& recorded, const std::string& first)
     {
         // Accidents of the build that was recorded, and what our runtime takes more leniently on purpose.
         for (const std::string lenient :
@@ -181,7 +212,9 @@ private:
         }
         const Error storing = NewCamera().Store(first);
         EXPECT_NE(storing.code, KORO_RETURN_CODE_SUCCESS);
-        EXPECT_NE(storing.text, "");
+        EXPECT_THAT(storing.text, testing::HasSubstr(" : " + recorded.ClassOfTheFailure() + " thrown"))
+            << recorded.failure;
+        EXPECT_THAT(storing.text, testing::HasSubstr(recorded.NodeOfTheFailure())) << recorded.failure;
         ++refused;
     }
 
