@@ -1,7 +1,7 @@
 #include "tools/koro/background_stream.h"
 
+#include "tools/koro/first_stream.h"
 #include "tools/koro/if_known.h"
-#include "tools/koro/tool_error.h"
 
 #include <algorithm>
 
@@ -15,13 +15,6 @@ constexpr size_t usualBuffers = 4;
 constexpr size_t maxBuffers = 256;
 // A wait ends by itself too, for a producer that refuses to end it.
 constexpr uint64_t longestWait_ms = 500;
-
-DataStream OpenFirstStream(const Device& device)
-{
-    const auto streams = device.DataStreams();
-    if (streams.empty()) throw ToolError("The camera has no data stream.");
-    return streams.front().OpenDataStream();
-}
 
 } // namespace
 

@@ -1,6 +1,7 @@
 #include "tools/koro/grab_session.h"
 
 #include "tools/koro/assignments.h"
+#include "tools/koro/first_stream.h"
 #include "tools/koro/if_known.h"
 #include "tools/koro/tool_error.h"
 
@@ -18,13 +19,6 @@ constexpr size_t usualBuffers = 8;
 constexpr size_t maxBuffers = 256;
 constexpr size_t maxPayloadSize = size_t{1} << 30;
 constexpr size_t maxMemory = size_t{4} << 30;
-
-DataStream OpenFirstStream(const Device& device)
-{
-    const auto streams = device.DataStreams();
-    if (streams.empty()) throw ToolError("The camera has no data stream.");
-    return streams.front().OpenDataStream();
-}
 
 size_t PayloadSize(const DataStream& stream, const NodeMap& nodes, size_t wished)
 {
