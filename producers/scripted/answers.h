@@ -6,9 +6,11 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <tuple>
+#include <vector>
 
 namespace scripted
 {
@@ -28,6 +30,8 @@ struct Answers
     std::map<std::string, std::uint32_t> counts;
     std::map<std::string, std::optional<GenTL::bool8_t>> changed;
     std::map<std::string, std::function<void()>> hooks;
+    std::map<std::string, std::vector<Interceptor>> interceptors;
+    std::vector<std::shared_ptr<void>> kept;
     std::optional<LastError> lastError;
     bool strictInit = false;
 

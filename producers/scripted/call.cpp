@@ -14,6 +14,23 @@ namespace
 
 thread_local Failure failure;
 
+template <class Map>
+typename Map::mapped_type FindOr(const Map& map, const std::string& function)
+{
+    const auto found = map.find(function);
+    return found == map.end() ? typename Map::mapped_type() : found->second;
+}
+
+std::optional<GC_ERROR> FirstAnswer(
+    const std::vector<Interceptor>& interceptors, const std::vector<std::string>& arguments)
+{
+    for (const Interceptor& interceptor : interceptors)
+    {
+        if (const auto answer = interceptor(arguments)) return answer;
+    }
+    return std::nullopt;
+}
+
 bool NeedsInitialisation(std::string_view function)
 {
     return function != "GCInitLib" && function != "GCGetLastError";
@@ -51,15 +68,19 @@ std::string Say(Half half)
     return half.buffer ? "data" : "size";
 }
 
-void Enter(State& state, Lock& lock, const char* function, std::initializer_list<std::string> arguments)
+std::optional<GC_ERROR> Enter(
+    State& state, Lock& lock, const char* function, std::initializer_list<std::string> arguments)
 {
     state.Record(function, arguments);
-    const auto found = state.answers.hooks.find(function);
-    if (found == state.answers.hooks.end()) return;
-    const auto hook = found->second; // a copy: the hook may replace itself
+    // Copies: a hook may replace itself.
+    const auto hook = FindOr(state.answers.hooks, function);
+    const auto interceptors = FindOr(state.answers.interceptors, function);
+    if (!hook && interceptors.empty()) return std::nullopt;
     lock.unlock();
     if (hook) hook();
+    const auto answer = FirstAnswer(interceptors, arguments);
     lock.lock();
+    return answer;
 }
 
 std::optional<GC_ERROR> SetResult(State& state, const char* function)

@@ -26,8 +26,9 @@ struct Half
 };
 std::string Say(Half half);
 
-// Records the call, then runs the hook with the lock given up.
-void Enter(State& state, Lock& lock, const char* function, std::initializer_list<std::string> arguments);
+// Records the call, then runs hook and interceptors with the lock given up. Empty when none of them has answered.
+std::optional<GenTL::GC_ERROR> Enter(
+    State& state, Lock& lock, const char* function, std::initializer_list<std::string> arguments);
 // Empty when the producer is to act.
 std::optional<GenTL::GC_ERROR> SetResult(State& state, const char* function);
 // Keeps a failure as the thread's last one.
@@ -39,8 +40,8 @@ GenTL::GC_ERROR Call(const char* function, const Behaviour& behaviour, const Arg
 {
     State& state = State::Get();
     Lock lock(state.mutex);
-    Enter(state, lock, function, {Say(arguments)...});
-    const auto set = SetResult(state, function);
+    auto set = Enter(state, lock, function, {Say(arguments)...});
+    if (!set) set = SetResult(state, function);
     return Leave(function, set ? *set : behaviour(state, lock));
 }
 

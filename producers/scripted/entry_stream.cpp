@@ -91,6 +91,14 @@ Infos BufferInfos(const Buffer& buffer)
     return infos;
 }
 
+Infos PartInfos(const Buffer& buffer, std::size_t index)
+{
+    const auto& offsets = buffer.frame.partOffsets;
+    Infos infos = buffer.frame.parts[index];
+    if (index < offsets.size()) infos.try_emplace(BUFFER_PART_INFO_BASE, Pointer(buffer.base + offsets[index]));
+    return infos;
+}
+
 void Queue(Module& stream, const std::shared_ptr<Buffer>& buffer)
 {
     buffer->place = Place::Input;
@@ -331,7 +339,8 @@ GC_ERROR GenTL::DSGetBufferPartInfo(
             const auto& parts = buffer->frame.parts;
             if (parts.empty()) return GC_ERR_NO_DATA;
             if (iPartIndex >= parts.size()) return GC_ERR_INVALID_INDEX;
-            const Info info = Choose(state, "DSGetBufferPartInfo", parts[iPartIndex], iInfoCmd, iPartIndex);
+            const Info info =
+                Choose(state, "DSGetBufferPartInfo", PartInfos(*buffer, iPartIndex), iInfoCmd, iPartIndex);
             return AnswerInfo(info, piType, pBuffer, piSize);
         },
         iPartIndex, iInfoCmd, Half{pBuffer});

@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -26,6 +27,8 @@ struct LastError
     bool writesCode = true;
     std::optional<std::size_t> claimedSize{}; // of the size query
 };
+
+using Interceptor = std::function<std::optional<GenTL::GC_ERROR>(const std::vector<std::string>& arguments)>;
 
 class Script
 {
@@ -53,6 +56,11 @@ public:
 
     // Runs at each entry of the function on the caller's thread, with no lock held; it may block or throw.
     virtual void OnEntry(const std::string& function, std::function<void()> hook) = 0;
+    // The same, behind those that are there, with the arguments as the journal has them; the first answer that is not
+    // empty is given without acting.
+    virtual void Intercept(const std::string& function, Interceptor interceptor) = 0;
+    // Holds what hooks refer to until Reset(), or until the file's static destructors.
+    virtual void Keep(std::shared_ptr<void> object) = 0;
 
     // The modules that the producer has. Open ones live on when they leave the tree.
     virtual void Edit(const std::function<void(Tree&)>& edit) = 0;

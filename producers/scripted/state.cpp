@@ -21,16 +21,23 @@ State& State::Get()
 
 void State::Reset()
 {
+    const Answers gone = Forget(); // ends without the lock, which threads of what was kept may wait for
+    if (variant.behave) variant.behave(*this);
+}
+
+Answers State::Forget()
+{
     const Lock lock(mutex);
     live.CloseAll();
     live.tree = MakeTree();
     live.initCount = 0;
-    answers = Answers();
+    Answers gone = std::exchange(answers, Answers());
     if (variant.initResult) answers.plans["GCInitLib"].always = variant.initResult;
     if (variant.closeResult) answers.plans["GCCloseLib"].always = variant.closeResult;
     journal.clear();
     keepJournal = true;
     happened.notify_all();
+    return gone;
 }
 
 void State::Answer(const std::string& function, GC_ERROR result)
@@ -87,6 +94,18 @@ void State::OnEntry(const std::string& function, std::function<void()> hook)
 {
     const Lock lock(mutex);
     answers.hooks[function] = std::move(hook);
+}
+
+void State::Intercept(const std::string& function, Interceptor interceptor)
+{
+    const Lock lock(mutex);
+    answers.interceptors[function].push_back(std::move(interceptor));
+}
+
+void State::Keep(std::shared_ptr<void> object)
+{
+    const Lock lock(mutex);
+    answers.kept.push_back(std::move(object));
 }
 
 void State::Edit(const std::function<void(Tree&)>& edit)

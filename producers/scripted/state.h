@@ -22,6 +22,8 @@ public:
     static State& Get();
 
     State() { Reset(); }
+    // What is kept may have threads that use the rest.
+    ~State() { answers = Answers(); }
 
     void Reset() override;
     void Answer(const std::string& function, GenTL::GC_ERROR result) override;
@@ -35,6 +37,8 @@ public:
     void SetCount(const std::string& function, std::uint32_t count) override;
     void SetChanged(const std::string& function, std::optional<GenTL::bool8_t> changed) override;
     void OnEntry(const std::string& function, std::function<void()> hook) override;
+    void Intercept(const std::string& function, Interceptor interceptor) override;
+    void Keep(std::shared_ptr<void> object) override;
     void Edit(const std::function<void(Tree&)>& edit) override;
     bool Deliver(const std::string& streamID, const Frame& frame) override;
     bool Fire(const std::string& moduleID, GenTL::EVENT_TYPE type, const std::string& block) override;
@@ -58,6 +62,9 @@ public:
     void HandOut(Module& stream, const std::shared_ptr<Buffer>& buffer);
 
 private:
+    // Brings back the producer that no test has spoken to; gives the answers that it had.
+    Answers Forget();
+
     bool keepJournal = true;
     std::vector<std::string> journal;
 };

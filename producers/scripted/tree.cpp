@@ -12,16 +12,15 @@ namespace
 
 constexpr std::uint64_t descriptionAddress = 0x10000;
 
-std::string Description(const std::string& portName)
+std::string Description(const std::string& nodes, const std::string& portName)
 {
     return "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n"
            "<RegisterDescription ModelName=\"Scripted\" VendorName=\"ZVR\" ToolTip=\"\" StandardNameSpace=\"None\" "
            "SchemaMajorVersion=\"1\" SchemaMinorVersion=\"1\" SchemaSubMinorVersion=\"0\" MajorVersion=\"1\" "
            "MinorVersion=\"0\" SubMinorVersion=\"0\" ProductGuid=\"\" VersionGuid=\"\" "
            "xmlns=\"http://www.genicam.org/GenApi/Version_1_1\">\n"
-           "  <Category Name=\"Root\"/>\n"
-           "  <Port Name=\"" +
-           portName + "\"/>\n</RegisterDescription>\n";
+           "  " +
+           nodes + "\n  <Port Name=\"" + portName + "\"/>\n</RegisterDescription>\n";
 }
 
 std::string LocalURL(std::size_t size)
@@ -33,7 +32,6 @@ std::string LocalURL(std::size_t size)
 
 Port MakePort(const std::string& id, const std::string& module, const std::string& portName)
 {
-    const std::string description = Description(portName);
     Port port;
     port.info = {
         {PORT_INFO_ID, Text(id)},
@@ -50,24 +48,33 @@ Port MakePort(const std::string& id, const std::string& module, const std::strin
         {PORT_INFO_VERSION, Text("1.0.0")},
         {PORT_INFO_PORTNAME, Text(portName)},
     };
-    port.urls.push_back({
-        {URL_INFO_URL, Text(LocalURL(description.size()))},
-        {URL_INFO_SCHEMA_VER_MAJOR, Int32(1)},
-        {URL_INFO_SCHEMA_VER_MINOR, Int32(1)},
-        {URL_INFO_FILE_VER_MAJOR, Int32(1)},
-        {URL_INFO_FILE_VER_MINOR, Int32(0)},
-        {URL_INFO_FILE_VER_SUBMINOR, Int32(0)},
-        {URL_INFO_FILE_SHA1_HASH, Bytes(INFO_DATATYPE_BUFFER, std::string(20, '\x5a'))},
-        {URL_INFO_FILE_REGISTER_ADDRESS, UInt64(descriptionAddress)},
-        {URL_INFO_FILE_SIZE, UInt64(description.size())},
-        {URL_INFO_SCHEME, Int32(URL_SCHEME_LOCAL)},
-        {URL_INFO_FILENAME, Text("scripted.xml")},
-    });
-    port.registers = {{0, std::string(64, '\0')}, {descriptionAddress, description}};
+    port.registers = {{0, std::string(64, '\0')}};
+    Describe(port, "<Category Name=\"Root\"/>");
     return port;
 }
 
 } // namespace
+
+void Describe(Port& port, const std::string& nodes)
+{
+    const std::string portName = port.info.at(PORT_INFO_PORTNAME).bytes.c_str();
+    const std::string description = Description(nodes, portName);
+    port.urls.assign(
+        1, {
+               {URL_INFO_URL, Text(LocalURL(description.size()))},
+               {URL_INFO_SCHEMA_VER_MAJOR, Int32(1)},
+               {URL_INFO_SCHEMA_VER_MINOR, Int32(1)},
+               {URL_INFO_FILE_VER_MAJOR, Int32(1)},
+               {URL_INFO_FILE_VER_MINOR, Int32(0)},
+               {URL_INFO_FILE_VER_SUBMINOR, Int32(0)},
+               {URL_INFO_FILE_SHA1_HASH, Bytes(INFO_DATATYPE_BUFFER, std::string(20, '\x5a'))},
+               {URL_INFO_FILE_REGISTER_ADDRESS, UInt64(descriptionAddress)},
+               {URL_INFO_FILE_SIZE, UInt64(description.size())},
+               {URL_INFO_SCHEME, Int32(URL_SCHEME_LOCAL)},
+               {URL_INFO_FILENAME, Text("scripted.xml")},
+           });
+    port.registers[descriptionAddress] = description;
+}
 
 std::shared_ptr<Stream> MakeStream(const std::string& id)
 {

@@ -129,6 +129,9 @@ struct Tree
     std::vector<std::shared_ptr<Interface>> interfaces;
 };
 
+// Gives the port a description of these nodes in place of the one that it had.
+void Describe(Port& port, const std::string& nodes);
+
 // Building blocks of the default tree.
 std::shared_ptr<Stream> MakeStream(const std::string& id);
 std::shared_ptr<Device> MakeDevice(const std::string& id);
@@ -142,6 +145,7 @@ struct Frame
     Infos info{};                                           // beside or in place of the default answers
     bool incomplete = false;
     std::vector<Infos> parts{};
+    std::vector<std::size_t> partOffsets{}; // from the buffer's start: the base of a part that does not give it itself
     std::vector<GenTL::SINGLE_CHUNK_DATA> chunks{};
 };
 

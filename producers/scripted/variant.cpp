@@ -17,8 +17,24 @@
 #define SCRIPTED_CLOSE_RESULT GC_ERR_SUCCESS
 #endif
 
+#ifdef SCRIPTED_BEHAVIOUR
+#include "producers/scripted/wild/producer.h"
+#define SCRIPTED_BEHAVE [](Script& script) { wild::Behave(script, wild::SCRIPTED_BEHAVIOUR); }
+#else
+#define SCRIPTED_BEHAVE nullptr
+#endif
+
 namespace scripted
 {
+
+#ifdef SCRIPTED_BEHAVIOUR
+namespace wild
+{
+
+void SCRIPTED_BEHAVIOUR(Producer& producer);
+
+}
+#endif
 
 using namespace GenTL;
 
@@ -28,6 +44,7 @@ const Variant variant = {
     .versionResult = SCRIPTED_VERSION_RESULT,
     .initResult = SCRIPTED_INIT_RESULT,
     .closeResult = SCRIPTED_CLOSE_RESULT,
+    .behave = SCRIPTED_BEHAVE,
 };
 
 } // namespace scripted

@@ -8,6 +8,8 @@
 namespace scripted
 {
 
+class Script;
+
 struct Variant
 {
     std::uint32_t versionMajor;
@@ -15,6 +17,7 @@ struct Variant
     GenTL::GC_ERROR versionResult; // of the queries of both numbers
     GenTL::GC_ERROR initResult;
     GenTL::GC_ERROR closeResult;
+    void (*behave)(Script& script); // run at load and at each Reset(); may be null
 };
 
 extern const Variant variant;
