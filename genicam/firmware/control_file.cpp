@@ -2,12 +2,10 @@
 
 #include "firmware/bounds.h"
 #include "firmware/control_grammar.h"
+#include "xml/xml_reader.h"
 
 #include <Base/GCException.h>
 #include <algorithm>
-#include <exception>
-#include <expat.h>
-#include <string.h>
 
 namespace GENAPI_NAMESPACE::runtime
 {
@@ -15,7 +13,6 @@ namespace GENAPI_NAMESPACE::runtime
 namespace
 {
 
-const char nameSpaceSeparator = '|';
 const std::string_view elementPrefix = "http://www.genicam.org/GenFwUpdate/Version_1_0|";
 const std::string_view instancePrefix = "http://www.w3.org/2001/XMLSchema-instance|"; // hints for schema checkers
 const std::string_view blanks = " \t\r\n";
@@ -60,15 +57,6 @@ bool ReadNumber(std::string_view text, uint32_t& number)
     return true;
 }
 
-const XML_Char* FindAttribute(const XML_Char** attributes, const char* name)
-{
-    for (; *attributes; attributes += 2)
-    {
-        if (strcmp(*attributes, name) == 0) return attributes[1];
-    }
-    return nullptr;
-}
-
 // An element that has begun and not ended.
 struct OpenElement
 {
@@ -77,78 +65,30 @@ struct OpenElement
     bool childSeen = false; // at least once
 };
 
-class Parser
+class Parser final : private XmlHandler
 {
 public:
-    explicit Parser(const OnUpdateRules& callback)
-        : expat(XML_ParserCreateNS(nullptr, nameSpaceSeparator)), onUpdate(callback)
-    {
-        if (!expat) throw BAD_ALLOC_EXCEPTION("Error while creating the XML parser");
-        XML_SetUserData(expat, this);
-        XML_SetElementHandler(expat, OnStart, OnEnd);
-        XML_SetCharacterDataHandler(expat, OnText);
-        XML_SetExternalEntityRefHandler(expat, OnExternalEntity);
-    }
-    ~Parser() { XML_ParserFree(expat); }
+    Parser(std::string_view xml, const OnUpdateRules& callback) : reader(xml, *this), onUpdate(callback) {}
     Parser(const Parser&) = delete;
     Parser& operator=(const Parser&) = delete;
 
-    Procedures Run(std::string_view xml)
+    Procedures Run()
     {
-        const XML_Status status = XML_Parse(expat, xml.data(), static_cast<int>(xml.size()), XML_TRUE);
-        if (failure) std::rethrow_exception(failure);
-        if (status != XML_STATUS_OK && !stopped) throw Error(XML_ErrorString(XML_GetErrorCode(expat)));
+        reader.Run();
         return std::move(procedures);
     }
 
 private:
-    static void OnStart(void* self, const XML_Char* name, const XML_Char** attributes)
-    {
-        static_cast<Parser*>(self)->Guard([&](Parser& parser) { parser.Start(name, attributes); });
-    }
-    static void OnEnd(void* self, const XML_Char*)
-    {
-        static_cast<Parser*>(self)->Guard([](Parser& parser) { parser.End(); });
-    }
-    static void OnText(void* self, const XML_Char* text, int length)
-    {
-        static_cast<Parser*>(self)->Guard([&](Parser& parser) { parser.Text({text, static_cast<size_t>(length)}); });
-    }
-    static int OnExternalEntity(XML_Parser, const XML_Char*, const XML_Char*, const XML_Char*, const XML_Char*)
-    {
-        return XML_STATUS_ERROR; // a control file never reaches beyond itself
-    }
+    void Start(std::string_view name, const XmlAttributes& attributes) override;
+    void End() override;
+    void Text(std::string_view part) override;
+    std::string Where() const override { return {}; }
 
-    // No exception may travel through expat: it is kept, and the parsing stopped.
-    template <class Act>
-    void Guard(const Act& act) noexcept
-    {
-        if (failure || stopped) return;
-        try
-        {
-            act(*this);
-        }
-        catch (...)
-        {
-            failure = std::current_exception();
-        }
-        if (failure || stopped) XML_StopParser(expat, XML_FALSE);
-    }
-
-    GENICAM_NAMESPACE::RuntimeException Error(const std::string& what) const
-    {
-        return RUNTIME_EXCEPTION(
-            "Error while parsing XML stream at line %lu and column %lu : '%.1000s'", XML_GetCurrentLineNumber(expat),
-            XML_GetCurrentColumnNumber(expat) + 1, what.c_str());
-    }
-
-    void Start(std::string_view name, const XML_Char** attributes);
-    void End();
-    void Text(std::string_view part);
+    GENICAM_NAMESPACE::RuntimeException Error(const std::string& what) const { return reader.Error(what); }
 
     void EnterChild(const ElementRule& rule);
     void RequireSeen(const OpenElement& element) const;
-    void CheckAttributes(const ElementRule& rule, const XML_Char** attributes);
+    void CheckAttributes(const ElementRule& rule, const XmlAttributes& attributes);
     void Begin(Tag tag);
     void Finish(Tag tag);
     void CountText(size_t size);
@@ -158,26 +98,24 @@ private:
     uint32_t Number(std::string_view text) const;
     Step& CurrentStep() { return procedure->steps.back(); }
 
-    XML_Parser expat;
-    const OnUpdateRules& onUpdate;
-    std::exception_ptr failure;
-    bool stopped = false; // by the callback
+    XmlReader reader;
+    const OnUpdateRules& onUpdate; // false ends the reading
 
     std::vector<OpenElement> open;
     size_t elements = 0;
-    size_t patterns = 0;                        // of conditions and assertions
-    size_t textSize = 0;                        // of all texts and attributes
-    const XML_Char** startAttributes = nullptr; // of the element that begins
-    std::string text;                           // of the open element
-    LanguageText languageText;                  // its language
-    std::string key;                            // of the open entry
+    size_t patterns = 0;                            // of conditions and assertions
+    size_t textSize = 0;                            // of all texts and attributes
+    const XmlAttributes* startAttributes = nullptr; // of the element that begins
+    std::string text;                               // of the open element
+    LanguageText languageText;                      // its language
+    std::string key;                                // of the open entry
 
     Procedures procedures;
     Procedure* procedure = nullptr; // the open one, or the last
     UpdateRules update;
 };
 
-void Parser::Start(std::string_view name, const XML_Char** attributes)
+void Parser::Start(std::string_view name, const XmlAttributes& attributes)
 {
     if (++elements > maxControlElements)
         throw Error("there are more than " + std::to_string(maxControlElements) + " elements");
@@ -195,7 +133,7 @@ void Parser::Start(std::string_view name, const XML_Char** attributes)
     CheckAttributes(rule, attributes);
     open.push_back({&rule});
     text.clear();
-    startAttributes = attributes;
+    startAttributes = &attributes;
     Begin(tag);
 }
 
@@ -232,22 +170,20 @@ void Parser::RequireSeen(const OpenElement& element) const
     throw Error("expected element not encountered: " + Quoted(RuleOf(child.tag).name));
 }
 
-void Parser::CheckAttributes(const ElementRule& rule, const XML_Char** attributes)
+void Parser::CheckAttributes(const ElementRule& rule, const XmlAttributes& attributes)
 {
-    for (const XML_Char** attribute = attributes; *attribute; attribute += 2)
-    {
-        const std::string_view name(attribute[0]);
-        CountText(name.size() + strlen(attribute[1]));
+    attributes.ForEach([&](std::string_view name, std::string_view value) {
+        CountText(name.size() + value.size());
         const bool known =
             std::any_of(std::begin(rule.attributes), std::end(rule.attributes), [name](const AttributeRule& taken) {
                 return taken.name && name == taken.name;
             });
         const bool hint = name.substr(0, instancePrefix.size()) == instancePrefix;
         if (!known && !hint) throw Error("unexpected attribute encountered: " + Quoted(name));
-    }
+    });
     for (const AttributeRule& attribute : rule.attributes)
     {
-        if (!attribute.required || FindAttribute(attributes, attribute.name)) continue;
+        if (!attribute.required || attributes.Find(attribute.name)) continue;
         throw Error("expected attribute not encountered: " + Quoted(attribute.name));
     }
 }
@@ -255,7 +191,7 @@ void Parser::CheckAttributes(const ElementRule& rule, const XML_Char** attribute
 // Empty when absent.
 std::string Parser::Attribute(const char* name) const
 {
-    const XML_Char* const value = FindAttribute(startAttributes, name);
+    const char* const value = startAttributes->Find(name);
     return value ? value : "";
 }
 
@@ -387,7 +323,7 @@ void Parser::Finish(Tag tag)
         update.conditions.back().pattern = text;
         break;
     case Tag::Update:
-        stopped = !onUpdate(update, procedures);
+        if (!onUpdate(update, procedures)) reader.Stop();
         break;
     default:
         break;
@@ -403,7 +339,7 @@ Procedures ParseControlFile(std::string_view xml, const OnUpdateRules& onUpdate)
         throw RUNTIME_EXCEPTION(
             "The control file has %zu bytes; at most %zu are taken", xml.size(), maxControlFileSize);
     }
-    return Parser(onUpdate).Run(xml);
+    return Parser(xml, onUpdate).Run();
 }
 
 } // namespace GENAPI_NAMESPACE::runtime

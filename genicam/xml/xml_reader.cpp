@@ -37,7 +37,13 @@ void XmlReader::Run()
 {
     const XML_Status status = XML_Parse(expat, xml.data(), static_cast<int>(xml.size()), XML_TRUE);
     if (failure) std::rethrow_exception(failure);
-    if (status != XML_STATUS_OK) throw Error(XML_ErrorString(XML_GetErrorCode(expat)));
+    if (status != XML_STATUS_OK && !stopped) throw Error(XML_ErrorString(XML_GetErrorCode(expat)));
+}
+
+void XmlReader::Stop()
+{
+    stopped = true;
+    XML_StopParser(expat, XML_FALSE);
 }
 
 uint32_t XmlReader::Offset() const
@@ -61,7 +67,7 @@ GENICAM_NAMESPACE::RuntimeException XmlReader::Error(const std::string& what) co
 template <class Act>
 void XmlReader::Guard(const Act& act) noexcept
 {
-    if (failure) return;
+    if (failure || stopped) return;
     try
     {
         act();
@@ -101,7 +107,7 @@ void XmlReader::OnEntity(
     });
 }
 
-// A description never reaches beyond itself.
+// A text never reaches beyond itself.
 int XmlReader::OnExternalEntity(XML_ParserStruct*, const char*, const char*, const char*, const char*)
 {
     return XML_STATUS_ERROR;

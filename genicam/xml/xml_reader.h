@@ -1,4 +1,5 @@
-// XmlReader: an XML text as a row of events, over expat, with the places for messages.
+// XmlReader: an XML text as a row of events, over expat, with the places for messages. Descriptions and control files
+// of firmware updates are read by it, so that one set of bounds holds for both.
 //
 // Lives for one text. What comes from outside the text is refused; what the text declares itself is bounded.
 #pragma once
@@ -25,6 +26,12 @@ public:
     explicit XmlAttributes(const char** pairs) : list(pairs) {}
     // Null when absent.
     const char* Find(std::string_view name) const;
+    template <class Act>
+    void ForEach(const Act& act) const
+    {
+        for (const char** pair = list; *pair; pair += 2)
+            act(std::string_view(pair[0]), std::string_view(pair[1]));
+    }
 
 private:
     const char** list; // name, value, ..., null
@@ -57,6 +64,8 @@ public:
 
     // Throws what the handler throws, or an Error.
     void Run();
+    // No event follows, and Run returns. Called by the handler.
+    void Stop();
 
     // Of the event that is being told.
     uint32_t Offset() const; // in bytes
@@ -81,6 +90,7 @@ private:
     XmlHandler& handler;
     XML_ParserStruct* expat;
     std::exception_ptr failure;
+    bool stopped = false;
     unsigned entities = 0;
 };
 
