@@ -158,7 +158,6 @@ void FormulaCompiler<Number>::Expression(bool mayBranch)
         else if (Is(TokenKind::Question) && mayBranch)
         {
             Advance();
-            RefuseSign();
             Expression(false);
             Expect(TokenKind::Colon, ":");
             Sum();

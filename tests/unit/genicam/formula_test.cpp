@@ -233,7 +233,9 @@ TEST(Formula, SignsMayFollowAnOperatorButNotASign)
     EXPECT_EQ(Whole("A*-B"), 21);
     EXPECT_EQ(Whole("-~A"), 8);
     EXPECT_EQ(Whole("A=7?1:-1"), 1);
-    for (const char* text : {"A--B", "A+-B", "--A", "~~A", "A?-1:2", "ABS -3"})
+    EXPECT_EQ(Whole("A?-1:2"), -1);
+    EXPECT_EQ(Whole("A?-A:2"), -7);
+    for (const char* text : {"A--B", "A+-B", "--A", "~~A", "A?--1:2", "ABS -3"})
     {
         EXPECT_THROW(Whole(text), FormulaError) << text;
     }
