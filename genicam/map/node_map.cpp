@@ -10,6 +10,7 @@
 #include <Base/GCException.h>
 #include <GenApi/GenApiVersion.h>
 #include <GenApi/IPortStacked.h>
+#include <set>
 #include <utility>
 
 namespace GENAPI_NAMESPACE::runtime
@@ -316,10 +317,25 @@ void NodeMap::DropDependents(const Node& node)
         dependent->DropCaches();
 }
 
-void NodeMap::DropChanged()
+void NodeMap::DropInvalidatedBy(const Node& node)
+{
+    dropped.clear();
+    NewMark();
+    for (const NodeIndex dependent : description->dependents.Of(node.Index()))
+    {
+        ForEachLink(*description, dependent, [&](NodeIndex target, Property link) {
+            if (link == Property::pInvalidator && target == node.Index()) Meet(*At(dependent), dropped);
+        });
+    }
+    Walk(dropped, 0);
+    for (Node* const invalidated : dropped)
+        invalidated->DropCaches();
+}
+
+void NodeMap::DropChanged(bool written)
 {
     for (Node* const node : changed)
-        node->DropCaches();
+        written ? node->DropCaches() : node->DropValue();
 }
 
 CallbackList NodeMap::CollectCallbacks()
@@ -360,12 +376,10 @@ void NodeMap::InvalidateNodes() const
 void NodeMap::Poll(int64_t ElapsedTime)
 {
     Operate(nullptr, "Poll", [&] {
-        // Blockers first: when one cannot be read, no counter has run yet.
+        // All blockers first: reading one may poll by itself, through its port.
+        std::set<const Node*> unreadable;
         for (PollState& state : polled)
-        {
-            Node* const blocker = state.node->Linked(Property::pBlockPolling);
-            state.running = state.node->IsPolled() && (!blocker || blocker->PlainNumber() == 0);
-        }
+            state.running = state.node->IsPolled() && !state.node->IsPollingBlocked(unreadable);
         std::vector<Node*> due;
         for (PollState& state : polled)
         {

@@ -66,6 +66,11 @@ public:
     bool IsUnrestricted() const { return unrestricted; }
     // Operations that began inside of others: a port may use the nodes of its own map.
     uint64_t NestedEntries() const { return nestedEntries; }
+    // Reads that a port has refused so far, and writes that went to a port or into a node.
+    uint64_t RefusedReads() const { return refusedReads; }
+    void CountRefusedRead() { ++refusedReads; }
+    uint64_t Writes() const { return writes; }
+    void CountWrite() { ++writes; }
     // "Gain.SetValue()"; empty outside of an operation.
     std::string EntryPoint() const;
     // Starts a list that has each node once: Meet adds the node unless that was done since.
@@ -87,8 +92,11 @@ public:
     void AddDependents(std::vector<Node*>& list);
     // Drops the caches of everything that depends on the node.
     void DropDependents(const Node& node);
-    // Drops the caches of all remembered nodes: a write among them failed.
-    void DropChanged();
+    // Drops the caches of the nodes that name this one as pInvalidator, and of what depends on those.
+    void DropInvalidatedBy(const Node& node);
+    // Drops the values of all remembered nodes, since a write among them failed; and all their caches if something had
+    // been written.
+    void DropChanged(bool written);
     // Runs `act`, which changes nodes and remembers them, as an operation of the application; then calls the callbacks
     // of what it changed. An operation that a port starts inside of another one leaves them to that. `node` may be
     // null.
@@ -128,6 +136,8 @@ private:
     const char* entryOperation = "";
     unsigned entryDepth = 0;
     uint64_t nestedEntries = 0;
+    uint64_t refusedReads = 0;
+    uint64_t writes = 0;
     unsigned descent = 0;
     size_t descents = 0;      // since it was 0
     const size_t maxDescents; // before "Too many nodes are read for one value"

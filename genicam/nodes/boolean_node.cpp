@@ -21,6 +21,7 @@ void BooleanNode::Resolve()
 void BooleanNode::SetValue(bool Value, bool Verify)
 {
     Change("SetValue", [&] {
+        const Unrestricted unrestricted(map, !Verify);
         CheckWritable();
         WriteAnnounced([&] { Write(Value, Verify); });
     });

@@ -27,7 +27,7 @@ public:
 protected:
     GENICAM_NAMESPACE::gcstring ValueText(ReadOptions options) override;
     void SetText(const GENICAM_NAMESPACE::gcstring& text, bool verify) override;
-    EAccessMode NaturalMode() const override { return source.Mode(); }
+    EAccessMode LinkedMode() const override { return source.Mode(); }
     ECachingMode NaturalCaching() const override { return source.Caching(WriteThrough); }
 
 private:

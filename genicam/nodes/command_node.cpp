@@ -15,7 +15,7 @@ void CommandNode::Resolve()
     commandNode = Linked(Property::pCommandValue);
 }
 
-EAccessMode CommandNode::NaturalMode() const
+EAccessMode CommandNode::LinkedMode() const
 {
     const EAccessMode mode = source.Mode();
     if (!commandNode || IsReadable(commandNode->AccessMode())) return mode;
@@ -47,22 +47,33 @@ void CommandNode::Run(bool verify)
     if (verify && !busy) CheckErrors();
 }
 
-// The reading that sees the end tells all that depends on the command.
 bool CommandNode::IsDone(bool Verify)
 {
     bool done = true;
     Change("IsDone", [&] {
         if (AccessMode() == NI) throw AccessError(*this, "Node is not implemented.");
         if (Verify) CheckErrors();
-        if (!busy || StillBusy())
-        {
-            done = !busy;
-            return;
-        }
-        busy = false;
-        map.AnnounceWrite(*this);
+        done = !Look();
     });
     return done;
+}
+
+gcstring CommandNode::ToString(bool Verify, bool IgnoreCache)
+{
+    gcstring text;
+    Change("ToString", [&] {
+        CheckReadable();
+        text = ValueText({Verify, IgnoreCache});
+    });
+    return text;
+}
+
+bool CommandNode::Look()
+{
+    if (!busy || StillBusy()) return busy;
+    busy = false;
+    map.AnnounceWrite(*this);
+    return false;
 }
 
 bool CommandNode::StillBusy()
@@ -74,7 +85,7 @@ bool CommandNode::StillBusy()
 
 gcstring CommandNode::ValueText(ReadOptions)
 {
-    return busy && StillBusy() ? "1" : "0";
+    return Look() ? "1" : "0";
 }
 
 void CommandNode::SetText(const gcstring& text, bool verify)

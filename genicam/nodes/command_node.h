@@ -18,19 +18,22 @@ public:
     void Execute(bool Verify = true) override;
     void operator()() override { Execute(); }
     bool IsDone(bool Verify = true) override;
+    GENICAM_NAMESPACE::gcstring ToString(bool Verify = false, bool IgnoreCache = false) override;
 
     bool IsPolled() override { return busy; }
 
 protected:
     GENICAM_NAMESPACE::gcstring ValueText(ReadOptions options) override;
     void SetText(const GENICAM_NAMESPACE::gcstring& text, bool verify) override;
-    EAccessMode NaturalMode() const override;
+    EAccessMode LinkedMode() const override;
     ECachingMode NaturalCaching() const override { return source.Caching(WriteThrough); }
 
 private:
     int64_t CommandValue();
     void Run(bool verify);
     bool StillBusy();
+    // Whether the command is at work. The reading that sees its end announces that to all that depends on the command.
+    bool Look();
 
     ValueSource<int64_t> source;
     Node* commandNode = nullptr;

@@ -49,7 +49,7 @@ Number ConverterNode<Base, Number>::LimitThroughFormula(bool upper)
 }
 
 template <class Base, class Number>
-EAccessMode ConverterNode<Base, Number>::NaturalMode() const
+EAccessMode ConverterNode<Base, Number>::LinkedMode() const
 {
     EAccessMode mode = value->AccessMode();
     for (const Node* const formula : {to, from})

@@ -18,7 +18,7 @@ public:
 protected:
     Number Read(ReadOptions options) override;
     void Write(Number written, bool verify) override;
-    EAccessMode NaturalMode() const override;
+    EAccessMode LinkedMode() const override;
     ECachingMode NaturalCaching() const override;
 
     Number Limit(bool upper);

@@ -3,16 +3,28 @@
 #include "nodes/errors.h"
 #include "nodes/node_inline.h"
 
+#include <algorithm>
 #include <cmath>
+#include <iterator>
 
 namespace GENAPI_NAMESPACE::runtime
 {
 
 using GENICAM_NAMESPACE::gcstring;
 
-void EnumEntryNode::Resolve()
+namespace
 {
-    ValueNode::Resolve();
+
+std::string NoEntry(int64_t number)
+{
+    return "There is no entry with the number " + std::to_string(number) + ".";
+}
+
+} // namespace
+
+// Known from the beginning: enumerations sort their entries by it.
+EnumEntryNode::EnumEntryNode(NodeMap& owner, NodeIndex index) : ValueNode(owner, index)
+{
     number = NumberOf(Property::Value, 0);
     const PropertyRecord* const own = Find(Property::NumericValue);
     numeric = own ? own->real : static_cast<double>(number);
@@ -55,9 +67,16 @@ void EnumerationNode::Resolve()
     ValueNode::Resolve();
     source.Resolve(*this);
     ForEachLinked(Property::pEntry, [this](Node& node) { entries.push_back(dynamic_cast<EnumEntryNode*>(&node)); });
+    byNumber = bySymbolic = entries;
+    std::stable_sort(byNumber.begin(), byNumber.end(), [](const EnumEntryNode* left, const EnumEntryNode* right) {
+        return left->Number() < right->Number();
+    });
+    std::stable_sort(bySymbolic.begin(), bySymbolic.end(), [](const EnumEntryNode* left, const EnumEntryNode* right) {
+        return left->Symbolic() < right->Symbolic();
+    });
 }
 
-EAccessMode EnumerationNode::NaturalMode() const
+EAccessMode EnumerationNode::LinkedMode() const
 {
     bool implementedEntry = false;
     bool availableEntry = false;
@@ -96,9 +115,10 @@ IEnumeration& EnumerationNode::operator=(const gcstring& ValueStr)
 void EnumerationNode::SetIntValue(int64_t Value, bool Verify)
 {
     Change("SetIntValue", [&] {
+        const Unrestricted unrestricted(map, !Verify);
         CheckWritable();
         const EnumEntryNode* const entry = EntryFor(Value);
-        if (!entry) throw ArgumentError(*this, "There is no entry with the number " + std::to_string(Value) + ".");
+        if (!entry) throw ArgumentError(*this, NoEntry(Value));
         SetEntry(*entry, Verify);
     });
 }
@@ -130,29 +150,34 @@ IEnumEntry* EnumerationNode::GetCurrentEntry(bool Verify, bool IgnoreCache)
     return entry;
 }
 
+// Of two entries with one text the first counts.
 const EnumEntryNode* EnumerationNode::EntryNamed(std::string_view symbolic) const
 {
-    for (const EnumEntryNode* const entry : entries)
-    {
-        if (entry->Symbolic() == symbolic) return entry;
-    }
-    return nullptr;
+    const auto found = std::lower_bound(
+        bySymbolic.begin(), bySymbolic.end(), symbolic,
+        [](const EnumEntryNode* entry, std::string_view wanted) { return entry->Symbolic() < wanted; });
+    return found != bySymbolic.end() && (*found)->Symbolic() == symbolic ? *found : nullptr;
 }
 
 // Of two entries with one number the later counts.
 EnumEntryNode* EnumerationNode::EntryFor(int64_t number) const
 {
-    for (size_t i = entries.size(); i-- > 0;)
-    {
-        if (entries[i]->Number() == number) return entries[i];
-    }
-    return nullptr;
+    const auto behind =
+        std::upper_bound(byNumber.begin(), byNumber.end(), number, [](int64_t wanted, const EnumEntryNode* entry) {
+            return wanted < entry->Number();
+        });
+    if (behind == byNumber.begin()) return nullptr;
+    EnumEntryNode* const entry = *std::prev(behind);
+    return entry->Number() == number ? entry : nullptr;
 }
 
 EnumEntryNode* EnumerationNode::Current(ReadOptions options)
 {
-    EnumEntryNode* const entry = EntryFor(Read(options));
-    if (entry && options.verify) CheckEntry(*entry);
+    const int64_t number = Read(options);
+    EnumEntryNode* const entry = EntryFor(number);
+    if (!options.verify) return entry;
+    if (!entry) throw RangeError(*this, NoEntry(number));
+    CheckEntry(*entry);
     return entry;
 }
 
@@ -192,9 +217,8 @@ double EnumerationNode::ReadReal(ReadOptions options)
     const EnumEntryNode* const entry = EntryFor(number);
     if (entry && options.verify) CheckEntry(*entry);
     if (entry) return entry->Numeric();
-    const std::string text = "There is no entry with the number " + std::to_string(number) + ".";
-    if (options.verify) throw RangeError(*this, text);
-    throw LogicalError(*this, text);
+    if (options.verify) throw RangeError(*this, NoEntry(number));
+    throw LogicalError(*this, NoEntry(number));
 }
 
 void EnumerationNode::WriteNearest(double value, bool verify)
@@ -225,18 +249,20 @@ void EnumerationNode::ThrowIfError()
     const int64_t number = Read({});
     if (number == 0) return;
     const EnumEntryNode* const entry = EntryFor(number);
-    if (!entry) throw LogicalError(*this, "There is no entry with the number " + std::to_string(number) + ".");
+    if (!entry) throw LogicalError(*this, NoEntry(number));
     throw RuntimeError(*this, std::string(entry->GetDisplayName()) + " : " + std::string(entry->GetToolTip()));
 }
 
 gcstring EnumerationNode::ValueText(ReadOptions options)
 {
-    const EnumEntryNode* const entry = Current(options);
-    if (!entry)
+    const int64_t number = Read(options);
+    const EnumEntryNode* const entry = EntryFor(number);
+    if (!entry) throw ArgumentError(*this, NoEntry(number)); // no text stands for it
+    if (options.verify)
     {
-        throw ArgumentError(*this, "There is no entry with the number " + std::to_string(cachedNumber) + ".");
+        CheckEntry(*entry);
+        CheckErrors();
     }
-    if (options.verify) CheckErrors();
     return entry->GetSymbolic();
 }
 

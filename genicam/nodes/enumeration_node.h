@@ -13,8 +13,7 @@ namespace GENAPI_NAMESPACE::runtime
 class EnumEntryNode : public ValueNode, public IEnumEntry
 {
 public:
-    using ValueNode::ValueNode;
-    void Resolve() override;
+    EnumEntryNode(NodeMap& owner, NodeIndex index);
 
     GENICAM_NAMESPACE::gcstring GetDisplayName() const override;
     int64_t GetValue() override { return Number(); }
@@ -30,7 +29,7 @@ public:
 protected:
     GENICAM_NAMESPACE::gcstring ValueText(ReadOptions options) override;
     void SetText(const GENICAM_NAMESPACE::gcstring& text, bool verify) override;
-    EAccessMode NaturalMode() const override { return RO; }
+    EAccessMode KindMode() const override { return RO; }
 
 private:
     int64_t number = 0;
@@ -60,6 +59,8 @@ public:
     void WriteReal(double value, bool verify) override { WriteNearest(value, verify); }
     int64_t PlainNumber() override { return Read({}); }
     bool IsPolled() override { return selfClearing; }
+    // The unit of the number behind is none of the entries.
+    GENICAM_NAMESPACE::gcstring UnitText() const override { return {}; }
     void ThrowIfError() override;
 
     const EnumEntryNode* EntryNamed(std::string_view symbolic) const;
@@ -67,7 +68,7 @@ public:
 protected:
     GENICAM_NAMESPACE::gcstring ValueText(ReadOptions options) override;
     void SetText(const GENICAM_NAMESPACE::gcstring& text, bool verify) override;
-    EAccessMode NaturalMode() const override;
+    EAccessMode LinkedMode() const override;
     ECachingMode NaturalCaching() const override { return source.Caching(WriteThrough); }
 
 private:
@@ -81,7 +82,9 @@ private:
     void CheckEntry(const EnumEntryNode& entry) const;
 
     ValueSource<int64_t> source;
-    std::vector<EnumEntryNode*> entries;
+    std::vector<EnumEntryNode*> entries;    // in the order of the description
+    std::vector<EnumEntryNode*> byNumber;   // sorted, equal ones in that order
+    std::vector<EnumEntryNode*> bySymbolic; // likewise
     int64_t cachedNumber = 0;
     bool selfClearing = false; // the last written entry leaves by itself and was not seen to have left
 };

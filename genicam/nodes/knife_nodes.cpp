@@ -148,7 +148,7 @@ Number KnifeFormula<Number>::ReadVariable(const Node& owner, const Variable& var
 template <class Number>
 EAccessMode KnifeFormula<Number>::Mode() const
 {
-    EAccessMode mode = RO;
+    EAccessMode mode = RW;
     for (const Variable& variable : variables)
     {
         const EAccessMode own = variable.node->AccessMode();

@@ -20,6 +20,7 @@ public:
     Number Evaluate(const Node& owner, Number input, ReadOptions options);
     // Compiles if that has not happened yet. Throws LogicalErrorException.
     const Formula<Number>& Compiled(const Node& owner);
+    // What the variables leave of the access mode.
     EAccessMode Mode() const;
     bool Cachable() const;
 
@@ -76,7 +77,8 @@ public:
 protected:
     Number Read(ReadOptions options) override { return Compute(0, options); }
     void Write(Number value, bool verify) override;
-    EAccessMode NaturalMode() const override { return formula.Mode(); }
+    EAccessMode LinkedMode() const override { return formula.Mode(); }
+    EAccessMode KindMode() const override { return RO; }
     ECachingMode NaturalCaching() const override;
 
 private:

@@ -6,6 +6,7 @@
 
 #include <GenApi/NodeCallback.h>
 #include <algorithm>
+#include <cxxabi.h>
 #include <limits>
 #include <utility>
 
@@ -62,7 +63,8 @@ void Node::Resolve()
     implemented = Linked(Property::pIsImplemented);
     available = Linked(Property::pIsAvailable);
     locked = Linked(Property::pIsLocked);
-    xmlMode = static_cast<uint8_t>(NumberOf(Property::ImposedAccessMode, RW));
+    blocker = Linked(Property::pBlockPolling);
+    imposedMode = static_cast<uint8_t>(NumberOf(Property::ImposedAccessMode, RW));
     hasErrorNodes = Find(Property::pError) != nullptr;
 }
 
@@ -121,26 +123,25 @@ EAccessMode Node::ComputedMode() const
     // Entries may depend on their own enumeration: whoever is asked again meanwhile does not restrict.
     if (modeInWork) return RW;
     const Descent descent(*this);
+    const uint64_t refusals = map.RefusedReads();
     modeInWork = true;
     EAccessMode mode = RW;
     try
     {
-        mode =
-            Combine(Combine(NaturalMode(), static_cast<EAccessMode>(xmlMode)), static_cast<EAccessMode>(imposedMode));
-        mode = Combine(mode, ConditionMode());
-        if (hasErrorNodes)
-        {
-            ForEachLinked(Property::pError, [&](const Node& node) {
-                const EAccessMode error = node.AccessMode();
-                if (!IsAvailable(error)) mode = Combine(mode, error);
-            });
-        }
+        mode = Combine(Combine(ModeOfLinksAndConditions(), KindMode()), ImposedMode());
     }
     catch (...)
     {
         modeInWork = false;
-        // A condition that cannot be read is told once; then nothing restricts the node until its caches are dropped.
-        if (cached && AccessCacheable()) cachedMode = RW;
+        // A condition that cannot be read is reported once; then only what is imposed restricts the node until its
+        // caches are dropped. One that is not cached is asked again, unless the device itself refused: a device that
+        // does not answer would cost a time-out at each question.
+        if (cached && (map.RefusedReads() != refusals || AccessCacheable()))
+        {
+            const EAccessMode most = Kind() == Element::Category ? RO : RW;
+            cachedMode = static_cast<uint8_t>(Combine(most, ImposedMode()));
+            conditionFailed = true;
+        }
         throw;
     }
     modeInWork = false;
@@ -148,20 +149,55 @@ EAccessMode Node::ComputedMode() const
     return mode;
 }
 
-EAccessMode Node::ConditionMode() const
+EAccessMode Node::ModeOfLinksAndConditions() const
+{
+    EAccessMode mode = Combine(LinkedMode(), ModeOfErrorNodes());
+    for (const Node* const condition : {implemented, available, locked})
+    {
+        const EAccessMode own = condition ? condition->AccessMode() : RW;
+        if (!IsReadable(own)) mode = Combine(mode, own == NI ? NI : NA);
+    }
+    if (blocker && !IsAvailable(blocker->AccessMode())) mode = Combine(mode, blocker->AccessMode());
+    return Conditioned(mode);
+}
+
+EAccessMode Node::ModeOfErrorNodes() const
 {
     EAccessMode mode = RW;
-    const auto unreadable = [&mode](const Node* condition) {
-        if (!condition) return true;
-        const EAccessMode own = condition->AccessMode();
-        if (!IsReadable(own)) mode = Combine(mode, own == NI ? NI : NA);
-        return !IsReadable(own);
-    };
-    if (!unreadable(implemented) && implemented->PlainNumber() == 0) mode = NI;
-    if (map.IsUnrestricted()) return mode;
-    if (!unreadable(available) && available->PlainNumber() == 0) mode = Combine(mode, NA);
-    if (!unreadable(locked) && locked->PlainNumber() != 0) mode = Combine(mode, RO);
+    if (!hasErrorNodes) return mode;
+    ForEachLinked(Property::pError, [&](const Node& node) {
+        const EAccessMode error = node.AccessMode();
+        if (!IsAvailable(error)) mode = Combine(mode, error);
+    });
     return mode;
+}
+
+EAccessMode Node::Conditioned(EAccessMode mode) const
+{
+    const auto isRead = [](const Node* condition) { return condition && IsReadable(condition->AccessMode()); };
+    if (mode != NI && isRead(implemented) && implemented->PlainNumber() == 0) mode = NI;
+    if (map.IsUnrestricted()) return mode;
+    if (IsAvailable(mode) && isRead(available) && available->PlainNumber() == 0) mode = NA;
+    if (IsWritable(mode) && isRead(locked) && locked->PlainNumber() != 0) mode = Combine(mode, RO);
+    return mode;
+}
+
+bool Node::IsPollingBlocked(std::set<const Node*>& unreadable) const
+{
+    if (!blocker || unreadable.count(blocker) != 0) return false;
+    try
+    {
+        return IsReadable(blocker->AccessMode()) && blocker->PlainNumber() != 0;
+    }
+    catch (const abi::__forced_unwind&) // of a thread that is cancelled
+    {
+        throw;
+    }
+    catch (...) // a port may throw anything
+    {
+        unreadable.insert(blocker);
+        return false;
+    }
 }
 
 // Limits need to be there; whether they can be read shows when they are asked for.
@@ -180,12 +216,15 @@ EAccessMode Node::LimitMode() const
 
 void Node::CheckReadable() const
 {
-    if (!IsReadable(AccessMode())) throw AccessError(*this, "Node is not readable.");
+    const bool readable = IsReadable(AccessMode()) && (!conditionFailed || IsReadable(KindMode()));
+    if (!readable) throw AccessError(*this, "Node is not readable.");
 }
 
 void Node::CheckWritable() const
 {
-    if (!IsWritable(AccessMode())) throw AccessError(*this, "Node is not writable.");
+    const bool writable =
+        IsWritable(AccessMode()) && (!conditionFailed || IsWritable(Combine(KindMode(), LinkedMode())));
+    if (!writable) throw AccessError(*this, "Node is not writable.");
 }
 
 Node& Node::Available()
@@ -275,7 +314,7 @@ bool Node::AccessCacheable() const
 
 bool Node::ReadsForAccess(Property link) const
 {
-    return (IsReadLink(link) && link != Property::pBlockPolling) || link == Property::pEntry;
+    return IsReadLink(link) || link == Property::pEntry;
 }
 
 ECachingMode Node::GetCachingMode() const
@@ -297,6 +336,7 @@ ECachingMode Node::CachingMode() const
 void Node::DropCaches()
 {
     cachedMode = _UndefinedAccesMode;
+    conditionFailed = false;
 }
 
 int64_t Node::GetPollingTime() const
@@ -452,8 +492,10 @@ void Node::ImposeAccessMode(EAccessMode ImposedAccessMode)
 
 void Node::ImposeVisibility(EVisibility ImposedVisibility)
 {
-    const Entry entry(*this, "ImposeVisibility");
-    imposedVisibility = static_cast<uint8_t>(ImposedVisibility);
+    Change("ImposeVisibility", [&] {
+        imposedVisibility = static_cast<uint8_t>(ImposedVisibility);
+        map.Announce(*this);
+    });
 }
 
 INode* Node::GetAlias() const
@@ -528,6 +570,12 @@ void Node::GetSelectingFeatures(FeatureList_t& Features) const
     {
         if (IValue* const value = dynamic_cast<IValue*>(map.At(node))) Features.push_back(value);
     }
+}
+
+bool Node::IsNamedBy(const Node& selector) const
+{
+    const Span<NodeIndex> selectors = Source().namedBy.Of(index);
+    return std::find(selectors.begin(), selectors.end(), selector.index) != selectors.end();
 }
 
 UserData_t Node::SetUserData(UserData_t data)

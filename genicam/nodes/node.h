@@ -12,6 +12,7 @@
 #include <GenApi/ISelector.h>
 #include <GenApi/IUserData.h>
 #include <memory>
+#include <set>
 #include <vector>
 
 namespace GENAPI_NAMESPACE::runtime
@@ -100,6 +101,9 @@ public:
     // Numbers of the valid value set, own or inherited.
     virtual std::vector<int64_t> ValidValues() const;
 
+    // Whether that selector itself names this node, and not one that this node reads.
+    bool IsNamedBy(const Node& selector) const;
+
     EAccessMode AccessMode() const;
     // Throws AccessException; the node itself otherwise, to ask it for limits.
     Node& Available();
@@ -116,14 +120,22 @@ public:
     virtual void ThrowIfError();
     // Takes part in polling at this moment.
     virtual bool IsPolled() { return true; }
+    // A node that cannot be read blocks nothing; it joins `unreadable` and is not asked again.
+    bool IsPollingBlocked(std::set<const Node*>& unreadable) const;
     // Drops value, range and access caches.
     virtual void DropCaches();
+    // Drops the value that was made of other nodes or of bytes; the bytes of a register stay.
+    virtual void DropValue() {}
 
 protected:
-    virtual EAccessMode NaturalMode() const { return RW; }
+    // What the nodes that this one reads and writes leave of the access mode.
+    virtual EAccessMode LinkedMode() const { return RW; }
+    // What the kind of node, or a register's own AccessMode, leaves of it.
+    virtual EAccessMode KindMode() const { return RW; }
     virtual ECachingMode NaturalCaching() const { return WriteThrough; }
-    // The own conditions: implemented, available, locked.
-    virtual EAccessMode ConditionMode() const;
+    // What linked nodes, error nodes and the conditions (implemented, available, locked) leave of the access mode.
+    virtual EAccessMode ModeOfLinksAndConditions() const;
+    EAccessMode ModeOfErrorNodes() const;
 
     // What pMin, pMax and pInc leave of the access mode.
     EAccessMode LimitMode() const;
@@ -160,6 +172,9 @@ private:
     friend class NodeMap;
 
     EAccessMode ComputedMode() const;
+    // A condition that cannot change the result any more is not read.
+    EAccessMode Conditioned(EAccessMode mode) const;
+    EAccessMode ImposedMode() const { return static_cast<EAccessMode>(imposedMode); }
     bool ReadsForAccess(Property link) const;
     void AddChildren(std::vector<Node*>& children, ELinkType type) const;
     Registrations::const_iterator FindCallback(const CNodeCallback* callback) const;
@@ -168,6 +183,7 @@ private:
     Node* implemented = nullptr;
     Node* available = nullptr;
     Node* locked = nullptr;
+    Node* blocker = nullptr; // of the polling
     Registrations callbacks;
     UserData_t userData = nullptr;
     uint32_t mark = 0; // of the last walk of the map that met this node
@@ -175,8 +191,8 @@ private:
     mutable bool modeInWork = false;
     mutable uint8_t cachedCaching = _UndefinedCachingMode;
     mutable uint8_t cachedAccessCacheable = _UndefinedYesNo;
-    uint8_t xmlMode = RW;
-    uint8_t imposedMode = RW;
+    mutable bool conditionFailed = false; // the cached mode is all that is known
+    uint8_t imposedMode = RW;             // by the description until the application imposes another
     uint8_t imposedVisibility = Beginner;
     bool hasErrorNodes = false;
 };

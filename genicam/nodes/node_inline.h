@@ -42,13 +42,15 @@ template <class Act>
 void Node::WriteAnnounced(const Act& act)
 {
     map.AnnounceWrite(*this);
+    const uint64_t before = map.Writes();
     try
     {
         act();
     }
     catch (...)
     {
-        map.DropChanged();
+        // What was refused before anything was written leaves the bytes of registers as they are known.
+        map.DropChanged(map.Writes() != before);
         throw;
     }
 }

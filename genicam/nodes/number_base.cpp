@@ -15,20 +15,21 @@ using GENICAM_NAMESPACE::gcstring;
 namespace
 {
 
-// With an increment above 1 the nearest step within the limits, the lower one of two; with 1 the value itself, wherever
-// it lies.
-int64_t NearestStep(int64_t value, int64_t min, int64_t max, int64_t inc)
+// With an increment above 1 the nearest step counted from the minimum, of two the one towards it; with 1 the value
+// itself. No limit holds the step: one outside of them is refused afterwards.
+int64_t NearestStep(int64_t value, int64_t min, int64_t inc)
 {
     if (inc <= 1) return value;
-    if (value <= min || max <= min) return min;
-    value = std::min(value, max);
     const uint64_t step = static_cast<uint64_t>(inc);
-    const uint64_t distance = static_cast<uint64_t>(value) - static_cast<uint64_t>(min);
-    const uint64_t range = static_cast<uint64_t>(max) - static_cast<uint64_t>(min);
-    uint64_t steps = distance / step;
-    const uint64_t rest = distance % step;
-    if (rest > step - rest && steps < range / step) ++steps;
-    return static_cast<int64_t>(static_cast<uint64_t>(min) + steps * step);
+    const bool below = value < min;
+    const uint64_t from = static_cast<uint64_t>(below ? value : min);
+    const uint64_t rest = (static_cast<uint64_t>(below ? min : value) - from) % step;
+    const bool towards = rest <= step - rest;
+    const int64_t change = static_cast<int64_t>(towards ? rest : step - rest);
+    int64_t stepped = value;
+    const bool beyond = below == towards ? __builtin_add_overflow(value, change, &stepped)
+                                         : __builtin_sub_overflow(value, change, &stepped);
+    return beyond ? value : stepped;
 }
 
 // Half away from zero; false outside of 64 bits.
@@ -52,6 +53,7 @@ template <class Number, class Interface, class List>
 void NumberBase<Number, Interface, List>::SetValue(Number Value, bool Verify)
 {
     Change("SetValue", [&] {
+        const Unrestricted unrestricted(map, !Verify);
         CheckWritable();
         WriteAnnounced([&] { WriteNumber(Value, Verify); });
     });
@@ -95,8 +97,8 @@ void NumberBase<Number, Interface, List>::WriteNumber(Number value, bool verify)
 template <class Number, class Interface, class List>
 void NumberBase<Number, Interface, List>::CheckRange(Number value)
 {
-    const Number min = MinOf<Number>(*this);
-    const Number max = MaxOf<Number>(*this);
+    const Number min = MinOfWrites();
+    const Number max = MaxOfWrites();
     const auto refuse = [&](const char* relation, Number limit) {
         return RangeError(*this, ValueIs(value) + relation + PlainText(limit) + ".");
     };
@@ -172,7 +174,9 @@ ERepresentation NumberBase<Number, Interface, List>::Representation() const
     if (Find(Property::Representation)) return static_cast<ERepresentation>(NumberOf(Property::Representation, 0));
     const Descent descent(*this);
     const Node* const value = ValueTarget();
-    return value ? value->Representation() : PureNumber;
+    // That of a float does not suit an integer.
+    if (!value || (isInteger<Number> && IsFloatKind(value->Kind()))) return PureNumber;
+    return value->Representation();
 }
 
 template <class Number, class Interface, class List>
@@ -218,7 +222,7 @@ void IntegerBase::WriteReal(double value, bool verify)
     {
         throw RangeError(*this, ValueIs(value) + " does not fit an integer.");
     }
-    WriteInteger(NearestStep(rounded, IntegerMin(), IntegerMax(), IntegerInc()), verify);
+    WriteInteger(NearestStep(rounded, IntegerMin(), IntegerInc()), verify);
 }
 
 void IntegerBase::CheckStep(int64_t value, int64_t min)
@@ -257,6 +261,16 @@ int64_t FloatBase::Rounded(double value) const
         throw RuntimeError(*this, ValueIs(value) + " does not fit an integer.");
     }
     return rounded;
+}
+
+// Only a whole number of at least 1 is an increment of integers.
+int64_t FloatBase::IntegerInc()
+{
+    const Descent descent(*this);
+    if (!HasRealInc()) return 1;
+    const double inc = RealInc();
+    int64_t whole = 1;
+    return inc >= 1 && std::trunc(inc) == inc && ToInteger(inc, whole) ? whole : 1;
 }
 
 bool FloatBase::HasInc()
@@ -301,7 +315,7 @@ int64_t FloatBase::GetDisplayPrecision() const
 
 std::string FloatBase::Shown(double value)
 {
-    return RealText(value, RealMin(), RealMax(), Notation(), Precision());
+    return RealText(value, MinOfWrites(), MaxOfWrites(), Notation(), Precision());
 }
 
 bool FloatBase::Parse(std::string_view text, double& value) const

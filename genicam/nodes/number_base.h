@@ -42,6 +42,9 @@ protected:
     // The value itself, past the cache of this node.
     virtual Number Read(ReadOptions options) = 0;
     virtual void Write(Number value, bool verify) = 0;
+    // The limits that values of the node itself are checked against; other nodes see IntegerMin, RealMin and so on.
+    virtual Number MinOfWrites() { return MinOf<Number>(*this); }
+    virtual Number MaxOfWrites() { return MaxOf<Number>(*this); }
     // Throws OutOfRangeException for a value that is off the grid; the limits are checked before.
     virtual void CheckStep(Number, Number) {}
     virtual std::string Shown(Number value) = 0;
@@ -54,14 +57,16 @@ protected:
     GENICAM_NAMESPACE::gcstring ValueText(ReadOptions options) override;
     void SetText(const GENICAM_NAMESPACE::gcstring& text, bool verify) override;
 
+    static constexpr Number infinity = std::numeric_limits<Number>::infinity();
+
+    // By the application.
+    Number imposedMin = isInteger<Number> ? std::numeric_limits<Number>::lowest() : -infinity;
+    Number imposedMax = isInteger<Number> ? std::numeric_limits<Number>::max() : infinity;
+
 private:
     void CheckRange(Number value);
 
-    static constexpr Number infinity = std::numeric_limits<Number>::infinity();
-
     Number cachedValue = 0;
-    Number imposedMin = isInteger<Number> ? std::numeric_limits<Number>::lowest() : -infinity;
-    Number imposedMax = isInteger<Number> ? std::numeric_limits<Number>::max() : infinity;
 };
 
 class IntegerBase : public NumberBase<int64_t, IInteger, int64_autovector_t>
@@ -105,6 +110,7 @@ public:
     void WriteReal(double value, bool verify) override { WriteNumber(value, verify); }
     int64_t IntegerMin() override { return Rounded(RealMin()); }
     int64_t IntegerMax() override { return Rounded(RealMax()); }
+    int64_t IntegerInc() override;
     EDisplayNotation Notation() const override;
     int64_t Precision() const override;
 

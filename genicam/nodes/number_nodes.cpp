@@ -41,7 +41,7 @@ void IntegerNode::Resolve()
     source.Resolve(*this);
 }
 
-EAccessMode IntegerNode::NaturalMode() const
+EAccessMode IntegerNode::LinkedMode() const
 {
     return Combine(source.Mode(), LimitMode());
 }
@@ -77,7 +77,7 @@ void FloatNode::Resolve()
     source.Resolve(*this);
 }
 
-EAccessMode FloatNode::NaturalMode() const
+EAccessMode FloatNode::LinkedMode() const
 {
     return Combine(source.Mode(), LimitMode());
 }

@@ -21,7 +21,7 @@ public:
 protected:
     int64_t Read(ReadOptions options) override { return source.Read(options); }
     void Write(int64_t value, bool verify) override { source.Write(value, verify); }
-    EAccessMode NaturalMode() const override;
+    EAccessMode LinkedMode() const override;
     ECachingMode NaturalCaching() const override { return source.Caching(WriteThrough); }
 
 private:
@@ -42,7 +42,7 @@ public:
 protected:
     double Read(ReadOptions options) override { return source.Read(options); }
     void Write(double value, bool verify) override { source.Write(value, verify); }
-    EAccessMode NaturalMode() const override;
+    EAccessMode LinkedMode() const override;
     ECachingMode NaturalCaching() const override;
 
 private:

@@ -33,7 +33,7 @@ public:
     void Release(const IPort& served, EAccessMode mode);
 
 protected:
-    EAccessMode NaturalMode() const override { return port ? port->GetAccessMode() : idleMode; }
+    EAccessMode LinkedMode() const override { return port ? port->GetAccessMode() : idleMode; }
 
 private:
     IPort* port = nullptr; // the application's or an adapter's

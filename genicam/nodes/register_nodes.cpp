@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <stdexcept>
 #include <string.h>
 
 namespace GENAPI_NAMESPACE::runtime
@@ -37,11 +36,12 @@ void FromWord(uint64_t word, uint8_t* bytes, unsigned length, bool big)
         bytes[big ? length - 1 - i : i] = static_cast<uint8_t>(word >> 8 * i);
 }
 
-// The standard exception, as of any text that is too long.
-size_t CheckedTextLength(int64_t length)
+size_t CheckedTextLength(const Node& node, int64_t length)
 {
-    if (length > maxTextLength) throw std::length_error("basic_string::_S_create");
-    return static_cast<size_t>(length);
+    if (length <= maxTextLength) return static_cast<size_t>(length);
+    throw RuntimeError(
+        node, "Length = " + std::to_string(length) + " is more than a text may have: " + std::to_string(maxTextLength) +
+                  " bytes.");
 }
 
 } // namespace
@@ -90,14 +90,14 @@ IntegerRegister::Field IntegerRegister::LimitField()
     return Find(Property::pLength) ? Field{0, 8 * length} : FieldIn(length);
 }
 
-int64_t IntegerRegister::IntegerMin()
+int64_t IntegerRegister::MinOfWrites()
 {
     const Field field = LimitField();
     return isSigned ? -static_cast<int64_t>(Mask(field.width - 1)) - 1 : 0;
 }
 
 // Of 64 unsigned bits a whole register stays within the signed numbers; a field of so many tells -1 and takes nothing.
-int64_t IntegerRegister::IntegerMax()
+int64_t IntegerRegister::MaxOfWrites()
 {
     const Field field = LimitField();
     if (isSigned) return static_cast<int64_t>(Mask(field.width - 1));
@@ -144,7 +144,7 @@ int64_t FloatRegister::CheckedLength()
     return length;
 }
 
-double FloatRegister::RealMax()
+double FloatRegister::MaxOfWrites()
 {
     return CheckedLength() == 4 ? static_cast<double>(std::numeric_limits<float>::max())
                                 : std::numeric_limits<double>::max();
@@ -189,10 +189,20 @@ void FloatRegister::Write(double value, bool verify)
     place.WriteBytes(bytes, length, verify);
 }
 
+// The length three times: with the questions of the transfer that is how often recorded devices were asked for a length
+// that is not cached. A cached one costs nothing.
+int64_t StringRegister::LengthOfText()
+{
+    int64_t length = 0;
+    for (int question = 0; question < 3; ++question)
+        length = place.Length();
+    return length;
+}
+
 // Up to the first zero byte; without one the full length.
 gcstring StringRegister::Read(ReadOptions options)
 {
-    std::vector<uint8_t> bytes(CheckedTextLength(place.Length()));
+    std::vector<uint8_t> bytes(CheckedTextLength(*this, LengthOfText()));
     place.ReadBytes(bytes.data(), static_cast<int64_t>(bytes.size()), options);
     const auto end = std::find(bytes.begin(), bytes.end(), uint8_t(0));
     return gcstring(reinterpret_cast<const char*>(bytes.data()), static_cast<size_t>(end - bytes.begin()));
@@ -200,14 +210,14 @@ gcstring StringRegister::Read(ReadOptions options)
 
 void StringRegister::Write(const gcstring& value, bool verify)
 {
-    std::vector<uint8_t> bytes(CheckedTextLength(place.Length()));
+    std::vector<uint8_t> bytes(CheckedTextLength(*this, place.Length()));
     std::copy_n(value.c_str(), std::min(value.size(), bytes.size()), bytes.begin());
     place.WriteBytes(bytes.data(), static_cast<int64_t>(bytes.size()), verify);
 }
 
 gcstring RegisterNode::ValueText(ReadOptions options)
 {
-    std::vector<uint8_t> bytes(CheckedTextLength(place.Length()));
+    std::vector<uint8_t> bytes(CheckedTextLength(*this, place.Length()));
     place.ReadBytes(bytes.data(), static_cast<int64_t>(bytes.size()), options);
     if (options.verify) CheckErrors();
     const std::string text = HexText(bytes.data(), bytes.size());

@@ -15,10 +15,13 @@ class IntegerRegister : public RegisterOf<IntegerBase>
 public:
     using RegisterOf<IntegerBase>::RegisterOf;
     void Resolve() override;
-    int64_t IntegerMin() override;
-    int64_t IntegerMax() override;
+    // Other nodes also see what is imposed.
+    int64_t IntegerMin() override { return std::max(MinOfWrites(), imposedMin); }
+    int64_t IntegerMax() override { return std::min(MaxOfWrites(), imposedMax); }
 
 protected:
+    int64_t MinOfWrites() override;
+    int64_t MaxOfWrites() override;
     int64_t Read(ReadOptions options) override;
     void Write(int64_t value, bool verify) override;
     int64_t CheckedLength() override;
@@ -46,10 +49,12 @@ class FloatRegister : public RegisterOf<FloatBase>
 {
 public:
     using RegisterOf<FloatBase>::RegisterOf;
-    double RealMin() override { return -RealMax(); }
-    double RealMax() override;
+    double RealMin() override { return std::max(MinOfWrites(), imposedMin); }
+    double RealMax() override { return std::min(MaxOfWrites(), imposedMax); }
 
 protected:
+    double MinOfWrites() override { return -MaxOfWrites(); }
+    double MaxOfWrites() override;
     double Read(ReadOptions options) override;
     void Write(double value, bool verify) override;
     ECachingMode NaturalCaching() const override { return place.Caching(WriteAround); }
@@ -65,6 +70,9 @@ protected:
     GENICAM_NAMESPACE::gcstring Read(ReadOptions options) override;
     void Write(const GENICAM_NAMESPACE::gcstring& value, bool verify) override;
     int64_t Capacity() override { return place.Length(); }
+
+private:
+    int64_t LengthOfText();
 };
 
 class RegisterNode : public RegisterOf<ValueNode>
@@ -87,7 +95,7 @@ protected:
     int64_t Capacity() override { return 0; }
     GENICAM_NAMESPACE::gcstring Read(ReadOptions options) override;
     void Write(const GENICAM_NAMESPACE::gcstring& value, bool verify) override;
-    EAccessMode NaturalMode() const override { return RO; }
+    EAccessMode KindMode() const override { return RO; }
 };
 
 class RomNumber : public IntegerBase
@@ -98,7 +106,7 @@ public:
 protected:
     int64_t Read(ReadOptions options) override;
     void Write(int64_t value, bool verify) override;
-    EAccessMode NaturalMode() const override { return RO; }
+    EAccessMode KindMode() const override { return RO; }
 };
 
 // Both read-only integers: AdvFeatureLock tells 1, SmartFeature the address at its end.
@@ -112,7 +120,8 @@ public:
 protected:
     int64_t Read(ReadOptions options) override;
     void Write(int64_t value, bool verify) override;
-    EAccessMode NaturalMode() const override { return Combine(RO, place.Mode() == WO ? RO : place.Mode()); }
+    EAccessMode LinkedMode() const override { return place.LinkedMode() == WO ? RO : place.LinkedMode(); }
+    EAccessMode KindMode() const override { return RO; }
 };
 
 } // namespace GENAPI_NAMESPACE::runtime

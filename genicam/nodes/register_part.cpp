@@ -64,6 +64,7 @@ void RegisterPart::Resolve()
         if (record.property == Property::pLength) lengthNode = node.Map().At(record.node);
         if (record.property == Property::Length) fixedLength = record.number;
         addressTold = addressTold || IsPlace(record.property);
+        lengthIsOffset = lengthIsOffset || (record.property == Property::pIndex && !OffsetBehind(&record));
     }
     // A smart feature has no length of its own.
     if (node.Kind() == Element::SmartFeature) fixedLength = 24;
@@ -89,32 +90,43 @@ int64_t RegisterPart::Address(ReadOptions options)
         if (record->property == Property::Address) sum = Sum(sum, record->number);
         if (record->property == Property::pAddress) sum = Sum(sum, node.Map().At(record->node)->ReadInteger(options));
         if (record->property == Property::pIndex) sum = Sum(sum, IndexPart(record, options));
-        if (IsPlace(record->property) && node.Map().At(record->node)->CachingMode() == NoCache) cachable = false;
+        if (!IsPlace(record->property) || node.Map().At(record->node)->CachingMode() != NoCache) continue;
+        // The length is asked for at each reading. It is a part of the address only as an offset.
+        cachable = cachable && record->property == Property::pLength && !lengthIsOffset;
     }
     address = sum;
     addressKnown = cachable;
     return address;
 }
 
-// Index times offset; the offset stands behind its index, without one it is the length.
-int64_t RegisterPart::IndexPart(const PropertyRecord* record, ReadOptions options)
+// The offset stands behind its index; null without one.
+const PropertyRecord* RegisterPart::OffsetBehind(const PropertyRecord* index) const
 {
-    const Description& source = node.Source();
-    const int64_t index = node.Map().At(record->node)->ReadInteger(options);
-    const bool last = record + 1 == source.PropertiesOf(node.Index()).end();
-    if (!last && record[1].property == Property::Offset) return Product(index, record[1].number);
-    if (!last && record[1].property == Property::pOffset)
-    {
-        return Product(index, node.Map().At(record[1].node)->ReadInteger(options));
-    }
-    return Product(index, Length(options.verify));
+    if (index + 1 == node.Source().PropertiesOf(node.Index()).end()) return nullptr;
+    const Property next = index[1].property;
+    return next == Property::Offset || next == Property::pOffset ? index + 1 : nullptr;
 }
 
-EAccessMode RegisterPart::Mode() const
+// Index times offset; without an offset the length counts.
+int64_t RegisterPart::IndexPart(const PropertyRecord* record, ReadOptions options)
+{
+    const int64_t index = node.Map().At(record->node)->ReadInteger(options);
+    const PropertyRecord* const offset = OffsetBehind(record);
+    if (!offset) return Product(index, Length(options.verify));
+    if (offset->property == Property::Offset) return Product(index, offset->number);
+    return Product(index, node.Map().At(offset->node)->ReadInteger(options));
+}
+
+EAccessMode RegisterPart::OwnMode() const
+{
+    const PropertyRecord* const own = node.Source().Find(node.Index(), Property::AccessMode);
+    return own ? static_cast<EAccessMode>(own->number) : RW;
+}
+
+EAccessMode RegisterPart::LinkedMode() const
 {
     if (!port) return NI;
-    const PropertyRecord* const own = node.Source().Find(node.Index(), Property::AccessMode);
-    EAccessMode mode = Combine(own ? static_cast<EAccessMode>(own->number) : RW, port->AccessMode());
+    EAccessMode mode = port->AccessMode();
     for (const PropertyRecord& record : node.Source().PropertiesOf(node.Index()))
     {
         if (!IsPlace(record.property)) continue;
@@ -130,7 +142,8 @@ ECachingMode RegisterPart::Caching(ECachingMode absent) const
     ECachingMode mode = own ? static_cast<ECachingMode>(own->number) : absent;
     for (const PropertyRecord& record : node.Source().PropertiesOf(node.Index()))
     {
-        if (IsPlace(record.property)) mode = Combine(mode, node.Map().At(record.node)->CachingMode());
+        if (!IsPlace(record.property) || record.property == Property::pLength) continue;
+        mode = Combine(mode, node.Map().At(record.node)->CachingMode());
     }
     return mode;
 }
@@ -154,12 +167,26 @@ int64_t RegisterPart::LengthFor(int64_t count, bool verify)
         node, "Length = " + std::to_string(length) + " must be at least " + std::to_string(count) + " by now.");
 }
 
+void RegisterPart::ReadPort(uint8_t* bytes, int64_t start, int64_t count)
+{
+    IPort& connected = port->Connected();
+    try
+    {
+        connected.Read(bytes, start, count);
+    }
+    catch (...)
+    {
+        node.Map().CountRefusedRead();
+        throw;
+    }
+}
+
 void RegisterPart::ReadBytes(uint8_t* bytes, int64_t count, ReadOptions options)
 {
     if (count == 0) return;
     const int64_t start = Address(options);
     const int64_t length = LengthFor(count, options.verify);
-    IPort& connected = port->Connected();
+    if (options.ignoreCache) node.Map().DropInvalidatedBy(node);
     RegisterCache::Block* cache = Block(start, length);
     if (cache && cache->valid && !options.ignoreCache)
     {
@@ -168,13 +195,16 @@ void RegisterPart::ReadBytes(uint8_t* bytes, int64_t count, ReadOptions options)
     }
     if (!cache || count < length)
     {
-        connected.Read(bytes, start, count);
+        ReadPort(bytes, start, count);
         return;
     }
     cache->valid = false;
     const uint64_t before = node.Map().NestedEntries();
-    connected.Read(bytes, start, length);
+    ReadPort(bytes, start, length);
     if (node.Map().NestedEntries() != before) cache = Block(start, length); // the port may have moved the register
+    if (options.ignoreCache) return;
+    // The length may have changed while the device answered.
+    if (Length(options.verify) != length) return;
     cache->bytes.assign(bytes, bytes + length);
     cache->valid = true;
 }
@@ -195,6 +225,7 @@ void RegisterPart::WriteBytes(const uint8_t* bytes, int64_t count, bool verify)
     };
     outdate();
     const uint64_t before = node.Map().NestedEntries();
+    node.Map().CountWrite();
     connected.Write(bytes, start, count);
     if (node.Map().NestedEntries() != before)
     { // so is what the port itself has asked for; it may also have moved the register

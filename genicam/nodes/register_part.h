@@ -24,7 +24,10 @@ public:
     // The sum of all address parts. Verified: each part is checked against its limits.
     int64_t Address(ReadOptions options = {});
     int64_t Length(bool verify = false);
-    EAccessMode Mode() const;
+    // What the port and the nodes that give the place leave of the access mode.
+    EAccessMode LinkedMode() const;
+    // The AccessMode of the description.
+    EAccessMode OwnMode() const;
     ECachingMode Caching(ECachingMode absent) const;
     // The first `count` bytes; those of the cache unless that is ignored, off or empty.
     void ReadBytes(uint8_t* bytes, int64_t count, ReadOptions options);
@@ -34,11 +37,13 @@ public:
     void DropBytes();
 
 private:
+    void ReadPort(uint8_t* bytes, int64_t address, int64_t count);
     RegisterCache::Block* Block(int64_t address, int64_t length);
     void Release();
     // The length; RangeError when `count` bytes are more.
     int64_t LengthFor(int64_t count, bool verify);
     void DropOverlapping(const RegisterCache::Place& place);
+    const PropertyRecord* OffsetBehind(const PropertyRecord* index) const;
     int64_t IndexPart(const PropertyRecord* record, ReadOptions options);
 
     Node& node;
@@ -47,7 +52,8 @@ private:
     int64_t fixedLength = 0;
     int64_t address = 0;
     bool addressKnown = false;
-    bool addressTold = false; // by other nodes
+    bool addressTold = false;    // by other nodes
+    bool lengthIsOffset = false; // of an index without its own
     RegisterCache::Block* block = nullptr;
 };
 
@@ -74,7 +80,8 @@ public:
     int64_t GetAddress(bool Verify = false) override;
 
 protected:
-    EAccessMode NaturalMode() const override { return place.Mode(); }
+    EAccessMode LinkedMode() const override { return place.LinkedMode(); }
+    EAccessMode KindMode() const override { return place.OwnMode(); }
     ECachingMode NaturalCaching() const override { return place.Caching(WriteThrough); }
     // RangeError for a length that the kind cannot have.
     virtual int64_t CheckedLength() { return place.Length(); }

@@ -100,6 +100,7 @@ void StringNode::Write(const gcstring& written, bool verify)
     }
     else
     {
+        map.CountWrite();
         constant = written;
     }
 }

@@ -48,7 +48,7 @@ protected:
     int64_t TextLength() override;
     GENICAM_NAMESPACE::gcstring Read(ReadOptions options) override;
     void Write(const GENICAM_NAMESPACE::gcstring& written, bool verify) override;
-    EAccessMode NaturalMode() const override { return target ? target->AccessMode() : RW; }
+    EAccessMode LinkedMode() const override { return target ? target->AccessMode() : RW; }
     ECachingMode NaturalCaching() const override { return target ? target->CachingMode() : WriteThrough; }
 
 private:

@@ -16,20 +16,21 @@ void CategoryNode::GetFeatures(FeatureList_t& Features) const
 }
 
 // Not implemented when nothing in it is; what is merely not available leaves it as it is.
-EAccessMode CategoryNode::NaturalMode() const
+EAccessMode CategoryNode::LinkedMode() const
 {
     bool any = false;
     ForEachLinked(Property::pFeature, [&](const Node& node) { any = any || IsImplemented(node.AccessMode()); });
-    return any ? RO : NI;
+    return any ? RW : NI;
 }
 
-// Of the own conditions only "implemented" counts.
-EAccessMode CategoryNode::ConditionMode() const
+// Of the conditions only "implemented" counts.
+EAccessMode CategoryNode::ModeOfLinksAndConditions() const
 {
+    const EAccessMode mode = Combine(LinkedMode(), ModeOfErrorNodes());
     Node* const condition = Linked(Property::pIsImplemented);
-    if (!condition) return RW;
-    if (!IsReadable(condition->AccessMode())) return condition->AccessMode() == NI ? NI : NA;
-    return condition->PlainNumber() == 0 ? NI : RW;
+    if (!condition || mode == NI) return mode;
+    if (!IsReadable(condition->AccessMode())) return Combine(mode, condition->AccessMode() == NI ? NI : NA);
+    return condition->PlainNumber() == 0 ? NI : mode;
 }
 
 gcstring CategoryNode::ValueText(ReadOptions)

@@ -17,8 +17,9 @@ public:
 protected:
     GENICAM_NAMESPACE::gcstring ValueText(ReadOptions options) override;
     void SetText(const GENICAM_NAMESPACE::gcstring& text, bool verify) override;
-    EAccessMode NaturalMode() const override;
-    EAccessMode ConditionMode() const override;
+    EAccessMode LinkedMode() const override;
+    EAccessMode KindMode() const override { return RO; }
+    EAccessMode ModeOfLinksAndConditions() const override;
 };
 
 class PlainNode : public ValueNode

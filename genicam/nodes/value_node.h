@@ -19,6 +19,7 @@ public:
     void FromString(const GENICAM_NAMESPACE::gcstring& ValueStr, bool Verify = true) override;
     bool IsValueCacheValid() const override;
     void DropCaches() override;
+    void DropValue() override { valueCached = false; }
 
 protected:
     // The text behind ToString; the node is known to be readable.
@@ -26,7 +27,8 @@ protected:
     // Writes the value that the text stands for; ArgumentError for a text that stands for none.
     virtual void SetText(const GENICAM_NAMESPACE::gcstring& text, bool verify) = 0;
 
-    // The value of the cache while that is valid and wanted, else what `read` gives.
+    // The value of the cache while that is valid and wanted, else what `read` gives. A reading past the caches leaves
+    // nothing in them, so that the next one goes to the port as well.
     template <class Value, class Act>
     Value ReadCached(Value& cached, ReadOptions options, const Act& read)
     {
@@ -34,7 +36,7 @@ protected:
         if (valueCached && !options.verify && !options.ignoreCache) return cached;
         const Descent descent(*this);
         cached = read();
-        valueCached = CachingMode() != NoCache;
+        valueCached = !options.ignoreCache && CachingMode() != NoCache;
         return cached;
     }
 

@@ -119,6 +119,7 @@ void ValueSource<Number>::Write(Number value, bool verify)
     else
     {
         owner->Map().DropDependents(*owner);
+        owner->Map().CountWrite();
         choice.constant = value;
     }
 }

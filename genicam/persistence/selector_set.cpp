@@ -1,3 +1,5 @@
+#include "nodes/node.h"
+
 #include <Base/GCException.h>
 #include <GenApi/Pointer.h>
 #include <GenApi/SelectorSet.h>
@@ -158,6 +160,14 @@ bool Holds(const FeatureList_t& list, const IValue* value)
     return std::find(list.begin(), list.end(), value) != list.end();
 }
 
+// Whether the selector itself names the node as selected.
+bool Names(IValue& selector, IBase* base)
+{
+    const runtime::Node* const selected = dynamic_cast<const runtime::Node*>(base);
+    const runtime::Node* const selecting = dynamic_cast<const runtime::Node*>(&selector);
+    return !selected || !selecting || selected->IsNamedBy(*selecting);
+}
+
 // All selectors, the direct ones first, and for each those that select it.
 struct Selectors
 {
@@ -167,6 +177,7 @@ struct Selectors
         {
             if (list.size() > maxSelectors) throw RUNTIME_EXCEPTION("A node must not have more than 256 selectors");
             selecting.push_back(SelectingFeatures(list[i]));
+            names.push_back(Names(*list[i], base));
             for (IValue* const outer : selecting.back())
             {
                 if (!Holds(list, outer)) list.push_back(outer);
@@ -174,7 +185,8 @@ struct Selectors
         }
     }
 
-    // No selector stands outside of one that selects it; of two that know nothing of each other the later one does.
+    // No selector stands outside of one that selects it. Of two that know nothing of each other the one that names the
+    // node stands outside of one that reaches it through other nodes, and else the later one outside of the earlier.
     std::vector<IValue*> InnermostFirst()
     {
         std::vector<IValue*> ordered;
@@ -191,9 +203,12 @@ struct Selectors
 private:
     size_t NextInnermost(const std::vector<bool>& taken) const
     {
-        for (size_t i = 0; i < list.size(); ++i)
+        for (const bool named : {false, true})
         {
-            if (!taken[i] && !SelectsAnother(i, taken)) return i;
+            for (size_t i = 0; i < list.size(); ++i)
+            {
+                if (!taken[i] && names[i] == named && !SelectsAnother(i, taken)) return i;
+            }
         }
         throw LOGICAL_ERROR_EXCEPTION("Selectors select each other"); // a description that does so is not loaded
     }
@@ -209,6 +224,7 @@ private:
 
     FeatureList_t list;
     std::vector<FeatureList_t> selecting;
+    std::vector<bool> names; // the node itself as selected
 };
 
 } // namespace

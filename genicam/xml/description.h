@@ -113,6 +113,7 @@ public:
     NodeLists dependents; // parents, nodes with this one as pInvalidator, and what this one selects
     NodeLists selected;   // by pSelected, and what depends on a selected selector
     NodeLists selecting;  // the reverse, nearest selector first
+    NodeLists namedBy;    // the selectors among those that name the node in pSelected
 };
 
 } // namespace GENAPI_NAMESPACE::runtime

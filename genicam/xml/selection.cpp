@@ -66,12 +66,16 @@ void Selection::Fill()
     for (NodeIndex node = 0; node < Count(); ++node)
         selected.firsts[node + 1] += selected.firsts[node];
 
-    GatherEdges(description.selecting, Count(), [&](const auto& add) {
+    const auto addDirect = [this](const auto& add) {
         for (const Selector& selector : selectors)
         {
             for (const NodeIndex target : selector.direct)
                 add(target, selector.node);
         }
+    };
+    GatherEdges(description.namedBy, Count(), addDirect);
+    GatherEdges(description.selecting, Count(), [&](const auto& add) {
+        addDirect(add);
         for (const Selector& selector : selectors)
         {
             for (const NodeIndex target : selector.further)

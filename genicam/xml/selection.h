@@ -9,7 +9,7 @@ namespace GENAPI_NAMESPACE::runtime
 // Bound of the links that are followed, over all selectors.
 const size_t maxSelectionSteps = 1u << 24;
 
-// Fills `selected` and `selecting`. The parents must be there; pSelected must have no circles. Throws RuntimeException.
+// Fills `selected`, `selecting` and `namedBy`. The parents must be there; pSelected must have no circles. Throws RuntimeException.
 void FillSelection(Description& description, const SourceTexts& sources);
 
 } // namespace GENAPI_NAMESPACE::runtime

@@ -140,13 +140,14 @@ TEST(Caches, VerifyUsesTheBytesAndIgnoreCacheDoesNot)
     EXPECT_EQ(map.Integer("A")->GetValue(false, true), 9);
     EXPECT_EQ(map.port.reads, 2);
     EXPECT_EQ(map.Integer("Through")->GetValue(), 9) << "the reading passed through it";
+    EXPECT_EQ(map.port.reads, 3) << "and left nothing in the cache";
 
     uint8_t bytes[4] = {};
     CRegisterPtr(map.Node("Raw"))->Get(bytes, 4);
     CRegisterPtr(map.Node("Raw"))->Get(bytes, 4, true);
-    EXPECT_EQ(map.port.reads, 3);
-    CRegisterPtr(map.Node("Raw"))->Get(bytes, 4, false, true);
     EXPECT_EQ(map.port.reads, 4);
+    CRegisterPtr(map.Node("Raw"))->Get(bytes, 4, false, true);
+    EXPECT_EQ(map.port.reads, 5);
 }
 
 TEST(Caches, FailedWriteDropsTheValue)

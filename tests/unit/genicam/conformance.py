@@ -3,8 +3,8 @@
 with the rule.
 
 The folder that the environment variable KORO_REFERENCE_DATA names holds conformance/ (small descriptions, the programs that
-read them, compare.py) and camera-descriptions/. The programs are compiled here, unchanged. Without the variable the test is
-skipped (status 77).
+read them, compare.py), conformance-second/ (more of them, and sequences of calls with the program that runs them) and
+camera-descriptions/. The programs are compiled here, unchanged. Without the variable the test is skipped (status 77).
 
     conformance.py --compiler g++ --flag=-I... --library libkoro_genicam.a --library -lexpat
 """
@@ -28,13 +28,16 @@ LENIENT = re.compile(r"quirk-|refused-child-order|refused-unknown-|malformed-no-
 # Program, its arguments behind the description, and the suffix of its recorded answers.
 PROGRAMS = (("node_dump", ["hash"], ".nodes"), ("node_write", [], ".writes"), ("node_persist", [], ".persist"))
 
+# Runs the calls of one file and prints what they return, the callbacks that fire and the traffic of the port.
+SEQUENCE_PROGRAM, SEQUENCE_SUFFIX, SEQUENCE_ANSWERS = "seq", ".seq", ".answers"
+
 # Seconds for one program over one description.
 TIME_LIMIT = 300
 
 
-def compile_programs(tools, options, folder):
-    for name, _, _ in PROGRAMS:
-        source, built = str(tools / f"{name}.cpp"), str(folder / f"{name}.o")
+def compile_programs(sources, options, folder):
+    for path in sources:
+        name, source, built = path.stem, str(path), str(folder / f"{path.stem}.o")
         subprocess.run([options.compiler, "-std=c++17", "-O1", *options.flag, "-c", source, "-o", built], check=True)
         # Sanitizers watch the runtime, not the programs: these subtract numbers that do not fit.
         subprocess.run([options.compiler, built, *options.link_flag, *options.library, "-lpthread", "-o",
@@ -53,6 +56,12 @@ def output_of(program, *arguments):
     # The programs leave their map behind when a step throws; a report of that would take their output along.
     return subprocess.run([program, *arguments], stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, timeout=TIME_LIMIT,
                           env={**os.environ, "ASAN_OPTIONS": "detect_leaks=0"}, check=False).stdout
+
+
+def ordered(answers):
+    """The lines of a sequence; the callbacks of one call may come in any order."""
+    lines = answers.decode("latin-1").splitlines()
+    return [" ".join(["  fired"] + sorted(line.split()[1:])) if line.startswith("  fired") else line for line in lines]
 
 
 class Comparison:
@@ -86,6 +95,16 @@ class Comparison:
                    result.returncode != 0)
         return not expected.startswith(b"FAILED")
 
+    def sequence(self, description):
+        calls = description.with_suffix(SEQUENCE_SUFFIX)
+        if not calls.exists():
+            return
+        expected = ordered(description.with_suffix(SEQUENCE_ANSWERS).read_bytes())
+        actual = ordered(output_of(self.folder / SEQUENCE_PROGRAM, description, calls, "p"))
+        wrong = [f"line {place + 1}: expected {a}, actual {b}"
+                 for place, (a, b) in enumerate(itertools.zip_longest(expected, actual)) if a != b]
+        self.count(f"{description.name}{SEQUENCE_SUFFIX}", len(expected), "\n".join(wrong[:5]), bool(wrong))
+
     def order(self, description):
         expected = node_order(description)
         actual = output_of(self.folder / "node_dump", description, "--order").decode("latin-1").splitlines()
@@ -117,12 +136,15 @@ def main():
 
     root = pathlib.Path(data)
     tools = root / "conformance" / "tools"
-    descriptions = sorted([*(root / "conformance").glob("*.xml"), *(root / "camera-descriptions").glob("*.xml")])
+    second = root / "conformance-second"
+    descriptions = sorted(path for folder in (root / "conformance", second, root / "camera-descriptions")
+                          for path in folder.glob("*.xml"))
     left_out = [description.name for description in descriptions if LENIENT.match(description.name)]
     with tempfile.TemporaryDirectory() as name:
         folder = pathlib.Path(name)
-        compile_programs(tools, options, folder)
-        answers, order = Comparison(folder, tools), Comparison(folder, tools)
+        sources = [tools / f"{program}.cpp" for program, _, _ in PROGRAMS]
+        compile_programs(sources + [*(second / "tools").glob(f"{SEQUENCE_PROGRAM}.cpp")], options, folder)
+        answers, order, sequences = (Comparison(folder, tools) for _ in range(3))
         for description in descriptions:
             if description.name in left_out:
                 continue
@@ -130,11 +152,14 @@ def main():
                 loads = answers.answers(description, program, arguments, suffix)
                 if loads and suffix == ".nodes":
                     order.order(description)
+            sequences.sequence(description)
     print(answers.summary("recorded answers"))
+    print(sequences.summary("sequences of calls"))
     print(order.summary("order of nodes"))
     print(f"left out: {' '.join(left_out)}")
-    print("\n".join(answers.differences + order.differences))
-    return 1 if answers.differences or order.differences or not answers.files or not order.files else 0
+    differences = answers.differences + sequences.differences + order.differences
+    print("\n".join(differences))
+    return 1 if differences or not answers.files or not order.files else 0
 
 
 if __name__ == "__main__":

@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 #include <limits>
-#include <stdexcept>
 #include <string>
 
 namespace
@@ -131,23 +130,6 @@ TEST(Polling, OfAnEnumerationLastsWhileASelfClearingEntryStands)
     EXPECT_STREQ(map.Value("E")->ToString().c_str(), "Idle");
     map.map->Poll(10);
     EXPECT_EQ(listener.Take(), "");
-}
-
-TEST(Polling, BlockerThatCannotBeReadTakesNoTurnAway)
-{
-    SmallMap map(
-        Polled("First", "0", "10") + IntReg("Block", "4", "<Cachable>NoCache</Cachable>") +
-        Polled("Second", "8", "10", "<pBlockPolling>Block</pBlockPolling>"));
-    Listener listener;
-    ListenToAll(map, listener);
-    map.port.onRead = [] { throw std::domain_error("the wire is cut"); };
-    EXPECT_THROW(map.map->Poll(10), std::domain_error);
-    EXPECT_EQ(listener.Take(), "");
-    map.port.onRead = nullptr;
-    map.map->Poll(9);
-    EXPECT_EQ(listener.Take(), "") << "the failed poll counts for nobody";
-    map.map->Poll(1);
-    EXPECT_EQ(listener.Take(), "First Second");
 }
 
 } // namespace
