@@ -13,7 +13,8 @@ namespace koro::tool
 class PendingFile
 {
 public:
-    // Opens a hidden neighbour of `path`, or of what it links to, for writing. Throws ToolError with the system's
+    // Opens a hidden neighbour of `path`, or of what it links to, for writing. Its name is its own: another program may
+    // save to the same path. Throws ToolError with the system's
     // reason, and when a device or a pipe is there.
     explicit PendingFile(const std::filesystem::path& path);
     PendingFile(const PendingFile&) = delete;
@@ -23,7 +24,8 @@ public:
     std::FILE* Stream() const noexcept { return stream; }
     // The neighbour, for what reads or writes its files itself.
     const std::filesystem::path& Path() const noexcept { return pendingPath; }
-    // Writes out and renames; an older file of that name is replaced. Throws ToolError with the system's reason.
+    // Writes out and renames; an older file of that name is replaced. What replaces one is on the disk afterwards, file
+    // and folder. Throws ToolError with the system's reason.
     void Commit();
 
 private:
