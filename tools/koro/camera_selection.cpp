@@ -1,9 +1,10 @@
 #include "tools/koro/camera_selection.h"
 
+#include "tools/koro/name_pattern.h"
+#include "tools/koro/report.h"
 #include "tools/koro/tool_error.h"
 
 #include <algorithm>
-#include <fnmatch.h>
 #include <functional>
 
 namespace koro::tool
@@ -47,7 +48,7 @@ std::string List(const std::string& title, const std::vector<CameraChoice>& came
     for (const CameraChoice& camera : cameras)
     {
         text += "\n  " + DescribeCamera(camera);
-        if (severalProducers) text += ", of " + camera.producer->path;
+        if (severalProducers) text += ", of " + Printable(camera.producer->path);
     }
     return text;
 }
@@ -76,13 +77,13 @@ std::vector<CameraChoice> SelectCameras(const std::vector<ProducerRecord>& produ
     std::vector<CameraChoice> found = Matching(all, [&](const std::string& known) { return known == name; });
     if (found.empty())
     {
-        found = Matching(
-            all, [&](const std::string& known) { return fnmatch(name.c_str(), known.c_str(), FNM_NOESCAPE) == 0; });
+        const NamePattern pattern(name);
+        found = Matching(all, [&](const std::string& known) { return pattern.Matches(known); });
     }
     if (!found.empty()) return found;
     throw ToolError(
-        List("No camera is called \"" + name + "\". There are:", all), "`koro list` shows all of their names.",
-        exitNoSuchCamera);
+        List("No camera is called \"" + PrintableStart(name) + "\". There are:", all),
+        "`koro list` shows all of their names.", exitNoSuchCamera);
 }
 
 CameraChoice SelectCamera(const std::vector<ProducerRecord>& producers, const std::string& name)
@@ -90,16 +91,44 @@ CameraChoice SelectCamera(const std::vector<ProducerRecord>& producers, const st
     const std::vector<CameraChoice> found = SelectCameras(producers, name);
     if (found.size() == 1) return found.front();
     throw ToolError(
-        List("\"" + name + "\" fits several cameras:", found),
+        List("\"" + PrintableStart(name) + "\" fits several cameras:", found),
         "Name it by its serial number or by interface:id, or choose a producer with --producer.", exitNoSuchCamera);
+}
+
+InterfaceChoice SelectInterface(const std::vector<ProducerRecord>& producers, const std::string& name)
+{
+    const NamePattern pattern(name);
+    std::vector<InterfaceChoice> exact;
+    std::vector<InterfaceChoice> fitting;
+    std::string all;
+    for (const ProducerRecord& producer : producers)
+    {
+        for (const InterfaceRecord& record : producer.interfaces)
+        {
+            all += "\n  " + PrintableStart(record.id) + "  " + OrDash(record.displayName) + ", of " +
+                   Printable(producer.path);
+            const std::string display = record.displayName.value_or("");
+            if (record.id == name || display == name) exact.push_back({&producer, &record});
+            if (pattern.Matches(record.id) || pattern.Matches(display)) fitting.push_back({&producer, &record});
+        }
+    }
+    const auto& found = exact.empty() ? fitting : exact;
+    if (found.size() == 1) return found.front();
+    if (all.empty()) throw ToolError("There is no interface.", "`koro doctor` shows why.", exitNoSuchCamera);
+    const bool isNone = found.empty();
+    throw ToolError(
+        (isNone ? "No interface is called \"" : "Several interfaces fit \"") + PrintableStart(name) +
+            "\". There are:" + all,
+        isNone ? "`koro list` shows the interfaces." : "Choose a producer with --producer.", exitNoSuchCamera);
 }
 
 std::string DescribeCamera(const CameraChoice& choice)
 {
     const CameraRecord& camera = *choice.camera;
-    std::string text = choice.interfaceRecord->id + ":" + camera.id + "  " + camera.vendor.value_or("-") + " " +
-                       camera.model.value_or("-") + ", serial number " + camera.serialNumber.value_or("-");
-    if (camera.userName && !camera.userName->empty()) text += ", \"" + *camera.userName + "\"";
+    std::string text = PrintableStart(choice.interfaceRecord->id) + ":" + PrintableStart(camera.id) + "  " +
+                       OrDash(camera.vendor) + " " + OrDash(camera.model) + ", serial number " +
+                       OrDash(camera.serialNumber);
+    if (camera.userName && !camera.userName->empty()) text += ", \"" + PrintableStart(*camera.userName) + "\"";
     return text;
 }
 

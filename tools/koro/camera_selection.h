@@ -26,6 +26,17 @@ std::vector<CameraChoice> SelectCameras(const std::vector<ProducerRecord>& produ
 // before globs. Throws ToolError (exit status 3) that lists the candidates when it fits none or several.
 CameraChoice SelectCamera(const std::vector<ProducerRecord>& producers, const std::string& name);
 
+// An interface and the way to it.
+struct InterfaceChoice
+{
+    const ProducerRecord* producer;
+    const InterfaceRecord* interfaceRecord;
+};
+
+// The interface of that id or display name, or the only one that a pattern over these fits. Throws ToolError (exit
+// status 3) that lists the candidates when it fits none or several.
+InterfaceChoice SelectInterface(const std::vector<ProducerRecord>& producers, const std::string& name);
+
 // One line for a person: "interface:id  vendor model, serial number, user name".
 std::string DescribeCamera(const CameraChoice& choice);
 

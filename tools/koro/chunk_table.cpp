@@ -60,7 +60,7 @@ std::string ChunkTable::Add(const NodeMap& nodes, const Buffer& buffer, uint64_t
             {
                 const auto value = ReadChunk(nodes, name);
                 cells.push_back(value.value_or(""));
-                if (value) shown += (shown.empty() ? "" : " ") + name + "=" + Printable(*value);
+                if (value) shown += (shown.empty() ? "" : " ") + name + "=" + PrintableStart(*value);
             }
         }
     }

@@ -158,8 +158,8 @@ void UpdateOne(const FirmwareCommand& command, const CameraChoice& choice)
             "Ask the maker of the file for one update a camera.");
     }
     std::printf(
-        "%s: %s, version %s\n", Printable(DescribeCamera(choice)).c_str(),
-        Printable(updates.front().Description()).c_str(), Printable(updates.front().Version()).c_str());
+        "%s: %s, version %s\n", DescribeCamera(choice).c_str(), Printable(updates.front().Description()).c_str(),
+        Printable(updates.front().Version()).c_str());
     std::fflush(stdout);
 
     const auto begin = std::chrono::steady_clock::now();
@@ -207,7 +207,8 @@ int UpdateAll(const FirmwareCommand& command, const Discovery& discovery, const 
         catch (const std::runtime_error& error)
         {
             ++numFailed;
-            std::fprintf(stderr, "koro: %s: %s\n", Printable(DescribeCamera(choice)).c_str(), error.what());
+            std::fprintf(
+                stderr, "koro: %s: %s\n", DescribeCamera(choice).c_str(), PrintableLines(error.what()).c_str());
         }
     }
     std::printf("%zu cameras updated, %zu failed\n", numUpdated, numFailed);

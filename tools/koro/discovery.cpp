@@ -46,7 +46,7 @@ CameraChoice FindCamera(const Discovery& discovery, const std::string& name)
 
 std::string DescribeFailure(const ProbeResult& failed)
 {
-    return Printable(failed.path + " is left out: " + failed.text);
+    return PrintableStart(failed.path + " is left out: " + failed.text, 4096);
 }
 
 } // namespace koro::tool

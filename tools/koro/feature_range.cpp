@@ -69,7 +69,7 @@ std::string AvailableEntries(const json& feature, const char* separator)
     for (const json& entry : feature.at("entries"))
     {
         if (!entry.at("available").get<bool>()) continue;
-        text += (text.empty() ? "" : separator) + Printable(entry.at("name").get<std::string>());
+        text += (text.empty() ? "" : separator) + PrintableStart(entry.at("name").get<std::string>());
     }
     return text;
 }
@@ -151,7 +151,7 @@ std::string RangeSentence(const Node& node)
                        NumberOf(feature.at("maximum"), representation);
     if (feature.contains("increment") && feature.at("increment") != 1)
         text += " in steps of " + NumberOf(feature.at("increment"), KORO_NODE_REPRESENTATION_LINEAR);
-    if (feature.contains("unit")) text += " " + Printable(feature.at("unit").get<std::string>());
+    if (feature.contains("unit")) text += " " + PrintableStart(feature.at("unit").get<std::string>());
     return text + ".";
 }
 

@@ -3,6 +3,7 @@
 
 #include "tools/koro/camera_tree.h"
 
+#include <cstddef>
 #include <string>
 #include <utility>
 #include <vector>
@@ -10,10 +11,13 @@
 namespace koro::tool
 {
 
-// Texts of producers end up on a terminal: control characters become "?".
+// Texts of cameras and producers end up on a terminal. Control characters become "?", those of 8 bits and bytes that
+// are no UTF-8 included.
 std::string Printable(const std::string& text);
-// The same of a text of any length: of a long one the beginning, and how many bytes there are.
-std::string PrintableStart(const std::string& text);
+// The same of a text of any length: of a long one the first `most` bytes, and how many bytes there are.
+std::string PrintableStart(const std::string& text, size_t most = 200);
+// A whole message, in which line feeds are the tool's: they stay. At most 16 KiB are shown.
+std::string PrintableLines(const std::string& text);
 
 // "-" for what the producer does not know or left empty.
 std::string OrDash(const OptionalText& text);

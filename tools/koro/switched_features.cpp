@@ -20,7 +20,7 @@ std::string EntryNames(const EnumerationNode& node)
 {
     std::string names;
     for (const EnumerationEntryNode& entry : node.Entries())
-        names += (names.empty() ? "" : ", ") + Printable(entry.SymbolicValue());
+        names += (names.empty() ? "" : ", ") + PrintableStart(entry.SymbolicValue());
     return names;
 }
 
@@ -60,7 +60,7 @@ void SwitchedFeatures::SwitchEntries(
         if (!chosen.HasEntry(entry))
         {
             throw ToolError(
-                selector + " has no entry \"" + Printable(entry) + "\".", "There are " + EntryNames(chosen) + ".",
+                selector + " has no entry \"" + PrintableStart(entry) + "\".", "There are " + EntryNames(chosen) + ".",
                 exitNoSuchFeature);
         }
     }
