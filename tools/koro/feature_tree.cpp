@@ -80,6 +80,16 @@ private:
     std::set<KORO_NodeHandle> seen;
 };
 
+void AddNamesBelow(const CategoryNode& category, int depth, std::set<std::string>& names)
+{
+    for (const Node& node : category.SubNodes())
+    {
+        const bool isNew = names.insert(node.Name()).second;
+        if (isNew && depth < maxDepth && node.Type() == KORO_NODE_TYPE_CATEGORY)
+            AddNamesBelow(node.ToCategory(), depth + 1, names);
+    }
+}
+
 } // namespace
 
 std::string AccessText(KORO_NodeAccessStatus status)
@@ -130,6 +140,20 @@ json BriefOf(const Node& node)
     const bool readable = status == KORO_NODE_ACCESS_STATUS_READ_ONLY || status == KORO_NODE_ACCESS_STATUS_READ_WRITE;
     if (readable) AddValue(feature, node);
     return feature;
+}
+
+json NodesInNoCategory(const NodeMap& nodes)
+{
+    std::set<std::string> names = {"Root"};
+    const Node root = nodes.TryNode("Root");
+    if (root && root.Type() == KORO_NODE_TYPE_CATEGORY) AddNamesBelow(root.ToCategory(), 0, names);
+    json others = json::array();
+    for (const Node& node : nodes.Nodes())
+    {
+        std::string name = node.Name();
+        if (names.count(name) == 0) others.push_back({{"name", std::move(name)}, {"type", TypeName(node.Type())}});
+    }
+    return others;
 }
 
 json FeatureTree(const NodeMap& nodes, KORO_NodeVisibility visibility, const std::function<bool()>& isEnded)

@@ -24,4 +24,7 @@ nlohmann::json BriefOf(const Node& node);
 // has the key "seen". Ends early, with what it has, when `isEnded` says so.
 nlohmann::json FeatureTree(const NodeMap& nodes, KORO_NodeVisibility visibility, const std::function<bool()>& isEnded);
 
+// Name and type of each node that the tree does not reach at any visibility. Reads nothing of the camera.
+nlohmann::json NodesInNoCategory(const NodeMap& nodes);
+
 } // namespace koro::tool
