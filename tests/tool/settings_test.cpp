@@ -1,3 +1,4 @@
+#include "tests/support/file_size_limit.h"
 #include "tests/tool/described_camera.h"
 #include "tests/tool/simulator_settings.h"
 #include "tests/tool/tool_run.h"
@@ -41,6 +42,14 @@ protected:
         std::ifstream file(File(name), std::ios::binary);
         return {std::istreambuf_iterator<char>(file), {}};
     }
+    bool HasPendingFile() const
+    {
+        for (const auto& entry : std::filesystem::directory_iterator(folder.Path()))
+        {
+            if (entry.path().extension() == ".part") return true;
+        }
+        return false;
+    }
     std::string Written(const std::string& name, const std::string& content) const
     {
         return folder.MakeFile(name, content);
@@ -75,27 +84,24 @@ TEST_F(Settings, SaveReplacesAFileAsAWhole)
     Written("file", "older content");
     ASSERT_EQ(Koro({"settings", "save", "cam", File("file")}).status, 0);
     EXPECT_THAT(Content("file"), testing::StartsWith(head));
-    EXPECT_FALSE(std::filesystem::exists(File(".file.part")));
+    EXPECT_FALSE(HasPendingFile());
     EXPECT_EQ(Koro({"settings", "save", "cam", File("missing/file")}).status, failure);
 }
 
 TEST_F(Settings, SaveOnAFullDiskLeavesTheOlderFile)
 {
-    if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "there is no /dev/full";
-    // The pending file of "file" is ".file.part": a link to a device that is always full.
     Written("file", "older content");
-    folder.MakeLink("/dev/full", ".file.part");
-    const ToolResult result = Koro({"settings", "save", "cam", File("file")});
-    EXPECT_EQ(result.status, failure);
-    EXPECT_THAT(
-        result.err, testing::StartsWith("koro: Cannot write " + File("file") + ": No space left on device.\nhint: "));
-    EXPECT_EQ(result.out, "");
+    Use(OneCamera("Mono8", 64, 48)); // whose own file would be too long as well
+    {
+        const FileSizeLimit disk(500);
+        const ToolResult result = Koro({"settings", "save", "cam", File("file")});
+        EXPECT_EQ(result.status, failure);
+        EXPECT_EQ(result.out, "");
+        EXPECT_EQ(Koro({"settings", "save", "cam", File("new")}).status, failure);
+    }
     EXPECT_EQ(Content("file"), "older content");
-    EXPECT_FALSE(std::filesystem::is_symlink(File(".file.part")));
-
-    folder.MakeLink("/dev/full", ".new.part");
-    EXPECT_EQ(Koro({"settings", "save", "cam", File("new")}).status, failure);
     EXPECT_FALSE(std::filesystem::exists(File("new")));
+    EXPECT_FALSE(HasPendingFile());
 }
 
 TEST_F(Settings, SaveThatLosesTheCameraLeavesTheOlderFile)
@@ -109,7 +115,7 @@ TEST_F(Settings, SaveThatLosesTheCameraLeavesTheOlderFile)
     EXPECT_EQ(result.status, failure);
     EXPECT_THAT(result.err, HasSubstr("GC_ERR_IO"));
     EXPECT_EQ(Content("file"), "older content");
-    EXPECT_FALSE(std::filesystem::exists(File(".file.part")));
+    EXPECT_FALSE(HasPendingFile());
 }
 
 // A camera of a test's own, whose values begin anew at each run.
@@ -151,8 +157,8 @@ TEST_F(SettingsOfDescribed, SavedWithoutTheTextsThatNoFileHoldsTheyLoad)
     const ToolResult saved = Koro({"settings", "save", "cam", File("file")});
     EXPECT_EQ(saved.status, 0);
     EXPECT_EQ(
-        saved.err, "Nothing is left out: a file holds no text that is empty or begins with a brace\n"
-                   "Brace is left out: a file holds no text that is empty or begins with a brace\n");
+        saved.err, "Nothing is left out: a file holds no text that is empty, begins with a brace or has several lines\n"
+                   "Brace is left out: a file holds no text that is empty, begins with a brace or has several lines\n");
     EXPECT_EQ(saved.out, "7 values in " + File("file") + "\n");
     EXPECT_THAT(
         Content("file"), testing::EndsWith("\nWidth\t0\nCoarse\t0\nLimited\t0\nGain\t{Channel=Red}\t0\n"
@@ -224,6 +230,107 @@ TEST_F(SettingsOfDescribed, LineOf64MegabytesIsToldInAFewWords)
         EXPECT_THAT(result.err + result.out, HasSubstr("... (67108864 bytes): "));
         EXPECT_LT(result.err.size() + result.out.size(), 2000u);
     }
+}
+
+// In the file Width stands in front of the offset that is in its way.
+TEST_F(Settings, LoadTriesAgainWhatALaterLineMakesPossible)
+{
+    ASSERT_EQ(Koro({"set", "cam", "Width=32", "OffsetX=32"}).status, 0);
+    const std::string file = Written("file", head + "Width\t64\nOffsetX\t0\n");
+    const ToolResult result = Koro({"settings", "load", "cam", file});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(result.out, "2 values written\n");
+    EXPECT_EQ(Koro({"get", "cam", "Width", "OffsetX"}).out, "Width=64\nOffsetX=0\n");
+}
+
+TEST_F(Settings, LoadNamesWhatIsLeftWhenNothingChangesAnyMore)
+{
+    ASSERT_EQ(Koro({"set", "cam", "Width=32", "OffsetX=32"}).status, 0);
+    const std::string file = Written("file", head + "Width\t64\nOffsetX\t16\nGain\t2\n");
+    const ToolResult result = Koro({"settings", "load", "cam", file});
+    EXPECT_EQ(result.status, failure);
+    EXPECT_THAT(result.err, testing::StartsWith("line 2: Width=64: "));
+    EXPECT_THAT(result.err, HasSubstr("koro: 1 of 3 values could not be written: "));
+    EXPECT_EQ(Koro({"get", "cam", "Width", "OffsetX", "Gain"}).out, "Width=32\nOffsetX=16\nGain=2\n");
+}
+
+TEST_F(Settings, LastOfSeveralLinesForOneValueCounts)
+{
+    const std::string file = Written("file", head + "Width\t32\nNothing\t1\nWidth\t16\n");
+    const ToolResult result = Koro({"settings", "load", "cam", file});
+    EXPECT_THAT(result.err, testing::StartsWith("line 3: Nothing=1: the camera has no such feature\nkoro: 1 of 3 "));
+    EXPECT_EQ(Koro({"get", "cam", "Width"}).out, "16\n");
+}
+
+TEST_F(Settings, OfADescriptionThatMarksNoneAreMissedWithAHint)
+{
+    json settings = OneCamera("Mono8", 64, 48);
+    Describe(folder, settings, "Width", IntRegisterAt("Width", 0));
+    Use(settings);
+    const ToolResult saved = Koro({"settings", "save", "cam", File("file")});
+    EXPECT_EQ(saved.status, 0);
+    EXPECT_EQ(
+        saved.err, "koro: The description marks no feature as a part of the settings, so the file has no values.\n"
+                   "hint: --all-writable saves every feature that can be read and written.\n");
+    const ToolResult loaded = Koro({"settings", "load", "cam", File("file")});
+    EXPECT_EQ(loaded.status, 0);
+    EXPECT_THAT(loaded.err, HasSubstr(" has no values, so nothing is written.\nhint: "));
+
+    const ToolResult all = Koro({"settings", "save", "cam", File("all"), "--all-writable"});
+    EXPECT_EQ(all.err, "");
+    EXPECT_EQ(all.out, "1 values in " + File("all") + "\n");
+    EXPECT_EQ(Content("all"), head + "Width\t0\n");
+    EXPECT_EQ(Koro({"settings", "diff", "cam", File("all"), "--all-writable"}).status, 0);
+}
+
+TEST_F(Settings, OfAllWritableFeaturesLoadAfterAReset)
+{
+    ASSERT_EQ(
+        Koro({"set", "cam", "Width=32", "OffsetX=16", "ExposureTime=5000", "LineSelector=Line1", "LineInverter=1"})
+            .status,
+        0);
+    const ToolResult saved = Koro({"settings", "save", "cam", File("all"), "--all-writable"});
+    ASSERT_EQ(saved.status, 0) << saved.err;
+    EXPECT_THAT(Content("all"), HasSubstr("\nLineInverter\t{LineSelector=Line1}\t1\n"));
+    EXPECT_THAT(Content("all"), testing::Not(HasSubstr("TLParamsLocked")));
+    EXPECT_THAT(Content("all"), HasSubstr("\nLineSelector\tLine0\n")); // set back before it was stored
+
+    ASSERT_EQ(Koro({"run", "cam", "DeviceReset"}).status, 0);
+    const ToolResult loaded = Koro({"settings", "load", "cam", File("all")});
+    EXPECT_EQ(loaded.status, 0) << loaded.err;
+    EXPECT_EQ(
+        Koro({"get", "cam", "Width", "OffsetX", "ExposureTime", "LineInverter", "--set", "LineSelector=Line1"}).out,
+        "Width=32\nOffsetX=16\nExposureTime=5000\nLineInverter=true\n");
+    EXPECT_EQ(Koro({"settings", "diff", "cam", File("all"), "--all-writable"}).out, "");
+}
+
+// The entry Y can be chosen only while Outer is B, and Value depends on Switch, which is listed behind it.
+TEST_F(Settings, OfAllWritableFeaturesHaveEveryCombinationOfSelectorsAndComeInOrder)
+{
+    json settings = OneCamera("Mono8", 64, 48);
+    Describe(
+        folder, settings, "Value Guarded Outer Inner Switch",
+        "<Enumeration Name=\"Outer\"><EnumEntry Name=\"A\"><Value>0</Value></EnumEntry><EnumEntry Name=\"B\"><Value>4"
+        "</Value></EnumEntry><pValue>OuterReg</pValue><pSelected>Inner</pSelected></Enumeration>" +
+            IntRegisterAt("OuterReg", 0) +
+            "<Enumeration Name=\"Inner\"><EnumEntry Name=\"X\"><Value>0</Value></EnumEntry><EnumEntry Name=\"Y\">"
+            "<pIsAvailable>IsB</pIsAvailable><Value>8</Value></EnumEntry><pValue>InnerReg</pValue>"
+            "<pSelected>Value</pSelected></Enumeration>" +
+            IntRegisterAt("InnerReg", 4) +
+            "<IntSwissKnife Name=\"IsB\"><pVariable Name=\"O\">OuterReg</pVariable><Formula>O = 4</Formula>"
+            "</IntSwissKnife>" +
+            IntRegisterAt("Value", 16, "<pAddress>OuterReg</pAddress><pAddress>InnerReg</pAddress>") +
+            "<Integer Name=\"Guarded\"><pIsLocked>Switch</pIsLocked><pValue>GuardedReg</pValue></Integer>" +
+            IntRegisterAt("GuardedReg", 40) + IntRegisterAt("Switch", 44));
+    Use(settings);
+    const ToolResult saved = Koro({"settings", "save", "cam", File("all"), "--all-writable"});
+    ASSERT_EQ(saved.status, 0) << saved.err;
+    EXPECT_THAT(
+        Content("all"), HasSubstr("Value\t{Outer=A\tInner=X}\t0\nValue\t{Outer=B\tInner=X}\t0\n"
+                                  "Value\t{Outer=B\tInner=Y}\t0\n"));
+    EXPECT_THAT(Content("all"), testing::ContainsRegex("\nSwitch\t0\n(.*\n)*Guarded\t0\n"));
+    EXPECT_THAT(Content("all"), testing::EndsWith("\nOuter\tA\nInner\tX\n"));
+    EXPECT_EQ(Koro({"settings", "load", "cam", File("all")}).status, 0);
 }
 
 TEST_F(Settings, SaveRefusesTextsThatAreLines)

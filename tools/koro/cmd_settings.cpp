@@ -5,6 +5,7 @@
 #include "tools/koro/report.h"
 #include "tools/koro/settings_plan.h"
 #include "tools/koro/tool_error.h"
+#include "tools/koro/writable_features.h"
 
 #include <CLI/CLI.hpp>
 #include <cerrno>
@@ -15,6 +16,7 @@
 #include <sys/mman.h>
 #include <system_error>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace koro::tool
@@ -28,6 +30,7 @@ struct SettingsCommand
     FeatureTarget target;
     std::string file;
     std::string otherFile;
+    bool allWritable = false;
 };
 
 // A file without a place on any disk.
@@ -98,6 +101,32 @@ CameraSettings Store(const NodeMap& nodes)
     return settings;
 }
 
+// The same of all features, streamable or not.
+CameraSettings StoreAllWritable(const NodeMap& nodes)
+{
+    CameraSettings settings;
+    for (FeatureRecord& record : WritableFeatures(nodes))
+    {
+        if (IsKeptByAFile(record))
+            settings.records.push_back(std::move(record));
+        else
+            settings.leftOut.push_back(record.Title());
+    }
+    settings.text = FeatureFileOf(settings.records);
+    return settings;
+}
+
+CameraSettings SettingsOf(const SettingsCommand& command, const NodeMap& nodes)
+{
+    return command.allWritable ? StoreAllWritable(nodes) : Store(nodes);
+}
+
+// Nothing is a strange thing to save, and stranger to load.
+void WarnOfNoValues(const std::string& what, const std::string& hint)
+{
+    std::fprintf(stderr, "koro: %s\nhint: %s\n", what.c_str(), hint.c_str());
+}
+
 std::string Count(size_t number, const char* what)
 {
     return std::to_string(number) + " " + what;
@@ -126,13 +155,17 @@ int SaveSettings(const SettingsCommand& command)
 {
     const FeatureSession session(command.target, FeatureSession::Access::WriteOrRead);
     PendingFile file(command.file);
-    const CameraSettings settings = Store(session.Nodes());
+    const CameraSettings settings = SettingsOf(command, session.Nodes());
     std::fwrite(settings.text.data(), 1, settings.text.size(), file.Stream());
     file.Commit();
     for (const std::string& title : settings.leftOut)
         std::fprintf(
-            stderr, "%s is left out: a file holds no text that is empty or begins with a brace\n",
+            stderr, "%s is left out: a file holds no text that is empty, begins with a brace or has several lines\n",
             PrintableStart(title).c_str());
+    if (settings.records.empty() && !command.allWritable)
+        WarnOfNoValues(
+            "The description marks no feature as a part of the settings, so the file has no values.",
+            "--all-writable saves every feature that can be read and written.");
     std::printf("%s in %s\n", Count(settings.records.size(), "values").c_str(), Printable(command.file).c_str());
     return exitSuccess;
 }
@@ -141,20 +174,24 @@ int LoadSettings(const SettingsCommand& command)
 {
     const std::vector<FeatureRecord> records = ReadFeatureFile(command.file);
     const FeatureSession session(command.target, FeatureSession::Access::Write);
+    if (records.empty())
+        WarnOfNoValues(
+            Printable(command.file) + " has no values, so nothing is written.",
+            "`koro settings save --all-writable` saves every feature that can be read and written.");
     try
     {
         session.Nodes().LoadFromFile(MemoryFile(FeatureFileOf(records)).Path());
     }
     catch (const Error& error)
     {
-        // The library tells the first failure only; what can be written has been.
+        // The library ends at some failures and reports one. A value may only be possible when a later line is written.
         const auto plans = WriteSettings(session.Nodes(), session.Port(), records);
         const size_t numProblems = PrintProblems(plans, stderr);
-        if (numProblems == 0) throw ToolError(error.what(), "Written line by line, all values were taken.");
-        throw ToolError(
-            std::to_string(numProblems) + " of " + Count(records.size(), "values") +
-                " could not be written: " + error.what(),
-            "`koro settings check` tells what a file would change.");
+        if (numProblems > 0)
+            throw ToolError(
+                std::to_string(numProblems) + " of " + Count(records.size(), "values") +
+                    " could not be written: " + error.what(),
+                "The others are written; `koro settings check` shows what a file would change.");
     }
     std::printf("%s written\n", Count(records.size(), "values").c_str());
     return exitSuccess;
@@ -198,7 +235,8 @@ int DiffSettings(const SettingsCommand& command)
     if (!command.otherFile.empty())
         right = ReadFeatureFile(command.otherFile);
     else
-        right = Store(FeatureSession(command.target, FeatureSession::Access::WriteOrRead).Nodes()).records;
+        right =
+            SettingsOf(command, FeatureSession(command.target, FeatureSession::Access::WriteOrRead).Nodes()).records;
 
     const auto differences = Differences(left, right);
     for (const FeatureDifference& difference : differences)
@@ -222,7 +260,7 @@ int Diff(const SettingsCommand& command)
 
 using Run = int (*)(const SettingsCommand&);
 
-void DefinePart(
+CLI::App* DefinePart(
     CLI::App& parent, const char* name, const char* help, const char* fileHelp, Run run,
     const std::shared_ptr<Run>& chosen, const std::shared_ptr<SettingsCommand>& options)
 {
@@ -230,6 +268,7 @@ void DefinePart(
     DefineTarget(*part, options->target, false);
     part->add_option("file", options->file, fileHelp)->required();
     part->callback([run, chosen] { *chosen = run; });
+    return part;
 }
 
 } // namespace
@@ -239,18 +278,21 @@ Action DefineSettingsFiles(CLI::App& command)
     const auto options = std::make_shared<SettingsCommand>();
     const auto chosen = std::make_shared<Run>(nullptr);
     command.require_subcommand(1);
-    DefinePart(
+    CLI::App* const save = DefinePart(
         command, "save", "Write the settings of a camera into a file", "Replaced if it is there", SaveSettings, chosen,
         options);
     DefinePart(
         command, "load", "Write the settings of a file to a camera", "A file of settings", LoadSettings, chosen,
         options);
     DefinePart(
-        command, "check", "Tell what load would change, and what would fail", "A file of settings", CheckSettings,
+        command, "check", "Show what load would change, and what would fail", "A file of settings", CheckSettings,
         chosen, options);
-    DefinePart(
+    CLI::App* const diff = DefinePart(
         command, "diff", "Compare a file with a camera, or, in place of the camera, with another file",
         "A file of settings", Diff, chosen, options);
+    for (CLI::App* const part : {save, diff})
+        part->add_flag(
+            "--all-writable", options->allWritable, "All features that can be read and written, not the settings only");
     return [options, chosen] { return (*chosen)(*options); };
 }
 

@@ -138,6 +138,12 @@ std::string FeatureFileOf(const std::vector<FeatureRecord>& records)
     return text;
 }
 
+bool IsKeptByAFile(const FeatureRecord& record)
+{
+    constexpr std::string_view ends("\n\r\0", 3);
+    return !IsLostInAFile(record.value) && record.value.find_first_of(ends) == record.value.npos;
+}
+
 std::vector<std::string> TakeOutWhatNoFileHolds(std::string& text, std::vector<FeatureRecord>& records)
 {
     std::vector<std::string> titles;

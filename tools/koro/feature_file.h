@@ -40,6 +40,9 @@ std::vector<FeatureRecord> ParseFeatureFile(
     const std::string& text, const std::string& name, SettingsOf origin = SettingsOf::File);
 // The text that the library reads as these records, where it is stricter with a file than ReadFeatureFile.
 std::string FeatureFileOf(const std::vector<FeatureRecord>& records);
+// Whether a file can hold the record's value: texts of several lines, empty ones and those with a brace in front are
+// lost or read back as something else.
+bool IsKeptByAFile(const FeatureRecord& record);
 // Takes the records of such texts out, and their lines out of the camera's text that was parsed. Returns their titles.
 std::vector<std::string> TakeOutWhatNoFileHolds(std::string& text, std::vector<FeatureRecord>& records);
 

@@ -13,6 +13,7 @@
 #include <exception>
 #include <functional>
 #include <stdexcept>
+#include <unordered_map>
 #include <utility>
 
 namespace koro::tool
@@ -151,7 +152,7 @@ bool IsSame(const Node& node, const std::string& left, const std::string& right)
 
 PlannedRecord Look(const NodeMap& nodes, const Port& port, const FeatureRecord& record)
 {
-    PlannedRecord plan{&record, {}, {}, false, {}};
+    PlannedRecord plan{&record, {}, {}, false, {}, false};
     const Node node = nodes.TryNode(record.name);
     if (!node)
     {
@@ -168,15 +169,24 @@ PlannedRecord Look(const NodeMap& nodes, const Port& port, const FeatureRecord& 
     return plan;
 }
 
-PlannedRecord Write(const NodeMap& nodes, const Port& port, const FeatureRecord& record)
+// One record, unless the camera has its value. What cannot be read back is not written a second time.
+PlannedRecord Write(const NodeMap& nodes, const Port& port, const FeatureRecord& record, const PlannedRecord* earlier)
 {
     PlannedRecord plan = Look(nodes, port, record);
     const Node node = nodes.TryNode(record.name);
     if (plan.isSame || !node) return plan;
+    const bool wasTaken = earlier && earlier->isSame;
+    if (wasTaken && plan.before.empty())
+    {
+        plan.problem.clear();
+        plan.isSame = true;
+        return plan;
+    }
     plan.problem.clear();
     WriteValue(node, record.value);
     const auto now = IfKnown([&] { return ReadValue(node, CachePolicy::IgnoreCache); });
-    if (now && !IsSame(node, *now, record.value)) plan.problem = "the camera has made " + *now + " of it";
+    plan.isSame = plan.isWritten = !now || IsSame(node, *now, record.value);
+    if (!plan.isSame) plan.problem = "the camera has made " + *now + " of it";
     return plan;
 }
 
@@ -196,10 +206,47 @@ std::vector<PlannedRecord> ForEach(
         }
         catch (const std::exception& error)
         {
-            plans.push_back({&record, {}, error.what(), false, {}});
+            plans.push_back({&record, {}, error.what(), false, {}, false});
         }
     }
     return plans;
+}
+
+// A line that was taken may change what an earlier one has written.
+void NoteLaterChanges(
+    const NodeMap& nodes, const Port& port, const std::vector<FeatureRecord>& records,
+    const std::vector<bool>& isSuperseded, std::vector<PlannedRecord>& plans)
+{
+    const auto now = ForEach(nodes, records, [&](const FeatureRecord& record) { return Look(nodes, port, record); });
+    for (size_t i = 0; i < plans.size(); ++i)
+    {
+        // Without one of its selectors a value lands where others land too.
+        if (isSuperseded[i] || !now[i].missingSelector.empty() || !plans[i].problem.empty()) continue;
+        if (now[i].isSame || now[i].before.empty()) continue;
+        plans[i].problem = "another line of the file has made " + now[i].before + " of it";
+        plans[i].isSame = false;
+    }
+}
+
+// Of lines for one value the last one counts.
+std::vector<bool> Superseded(const std::vector<FeatureRecord>& records)
+{
+    std::vector<bool> superseded(records.size(), false);
+    std::unordered_map<std::string, size_t> last;
+    for (size_t i = 0; i < records.size(); ++i)
+    {
+        const auto [known, isFirst] = last.try_emplace(records[i].Title(), i);
+        if (!isFirst) superseded[std::exchange(known->second, i)] = true;
+    }
+    return superseded;
+}
+
+std::vector<bool> Failed(const std::vector<PlannedRecord>& plans)
+{
+    std::vector<bool> failed;
+    for (const PlannedRecord& plan : plans)
+        failed.push_back(!plan.problem.empty());
+    return failed;
 }
 
 } // namespace
@@ -213,7 +260,34 @@ std::vector<PlannedRecord> PlanSettings(
 std::vector<PlannedRecord> WriteSettings(
     const NodeMap& nodes, const Port& port, const std::vector<FeatureRecord>& records)
 {
-    return ForEach(nodes, records, [&](const FeatureRecord& record) { return Write(nodes, port, record); });
+    // A few are enough for any camera that comes to rest.
+    constexpr int maxRounds = 20;
+    const std::vector<bool> isSuperseded = Superseded(records);
+    std::vector<PlannedRecord> plans;
+    std::vector<bool> failedBefore;
+    for (int round = 0; round < maxRounds; ++round)
+    {
+        const auto earlier = std::exchange(plans, {});
+        plans = ForEach(nodes, records, [&](const FeatureRecord& record) {
+            const auto index = static_cast<size_t>(&record - records.data());
+            if (!earlier.empty() && isSuperseded[index])
+            {
+                PlannedRecord kept = earlier[index];
+                kept.isWritten = false;
+                return kept;
+            }
+            return Write(nodes, port, record, earlier.empty() ? nullptr : &earlier[index]);
+        });
+        const bool hasChanged =
+            std::any_of(plans.begin(), plans.end(), [](const PlannedRecord& plan) { return plan.isWritten; });
+        if (!hasChanged) break;
+        NoteLaterChanges(nodes, port, records, isSuperseded, plans);
+        const std::vector<bool> failed = Failed(plans);
+        const bool isDone = std::find(failed.begin(), failed.end(), true) == failed.end();
+        if (isDone || failed == failedBefore) break;
+        failedBefore = failed;
+    }
+    return plans;
 }
 
 } // namespace koro::tool

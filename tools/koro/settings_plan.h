@@ -18,6 +18,7 @@ struct PlannedRecord
     std::string problem;         // why it cannot be written; empty if it can, or has not to be
     bool isSame = false;         // the camera has the value
     std::string missingSelector; // one that the camera has not, and that the library passes over
+    bool isWritten = false;      // just now, and taken as it stands in the file
 };
 
 // Looks at each record, with its selectors set for that moment. Writes nothing else, and sets the selectors back.
@@ -25,8 +26,9 @@ struct PlannedRecord
 std::vector<PlannedRecord> PlanSettings(
     const NodeMap& nodes, const Port& port, const std::vector<FeatureRecord>& records);
 
-// Writes each record that the camera has not, one by one, in their order; the problems are those of the writing and of
-// what the camera has made of it. The selectors are set back. Used to find out which lines of a file fail.
+// Writes each record that the camera has not, one by one, in their order, and again as long as that brings the camera
+// nearer to the file: one value may be possible only when another one, later in the file, is written. The problems are
+// those of the last writing and of what the camera has made of it. The selectors are set back.
 std::vector<PlannedRecord> WriteSettings(
     const NodeMap& nodes, const Port& port, const std::vector<FeatureRecord>& records);
 
