@@ -1,3 +1,4 @@
+#include "tests/tool/described_camera.h"
 #include "tests/tool/simulator_settings.h"
 #include "tests/tool/tool_run.h"
 
@@ -111,6 +112,16 @@ TEST(Events, InterruptEndsTheWait)
     ASSERT_TRUE(run.AwaitOutput("ExposureEnd"));
     run.Signal(SIGINT);
     EXPECT_EQ(run.Finish().status, interrupted);
+}
+
+TEST(Events, OfAProducerWithoutThemAreMissedInPlainWords)
+{
+    json settings = OneCamera("Mono8", 64, 48);
+    FailCall(settings, "GCRegisterEvent", "GC_ERR_NOT_IMPLEMENTED")["count"] = "every";
+    const ToolResult result = Camera(settings).Run({"events", "cam"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.err, HasSubstr("koro: The producer delivers no events of this camera: "));
+    EXPECT_THAT(result.err, HasSubstr("\nhint: `koro watch` "));
 }
 
 } // namespace

@@ -244,8 +244,76 @@ TEST(Get, UnknownFeatureSuggestsOthers)
     EXPECT_THAT(result.err, HasSubstr("koro: The remote device has no feature \"exposure\".\nhint: There are "));
     EXPECT_THAT(result.err, HasSubstr("ExposureTime"));
     EXPECT_EQ(
-        camera.Run({"get", "cam", "xyzzy"}).err,
-        "koro: The remote device has no feature \"xyzzy\".\nhint: `koro features` lists all of them.\n");
+        camera.Run({"get", "cam", "xyzzy"}).err, "koro: The remote device has no feature \"xyzzy\".\nhint: `koro "
+                                                 "features --all` lists all names that can be given.\n");
+}
+
+TEST(Get, SlipOfThePenIsRecognised)
+{
+    const Camera camera;
+    const ToolResult swapped = camera.Run({"get", "cam", "Widht"});
+    EXPECT_EQ(swapped.status, noSuchFeature);
+    EXPECT_THAT(swapped.err, HasSubstr("hint: There are Width"));
+    EXPECT_THAT(camera.Run({"get", "cam", "ExposureTme"}).err, HasSubstr("hint: There are ExposureTime"));
+}
+
+TEST(Get, NodeInNoCategoryIsAmongTheNamesThatLookAlike)
+{
+    json settings = OneCamera("Mono8", 64, 48);
+    const TemporaryFolder folder;
+    Describe(folder, settings, "Width", IntRegisterAt("Width", 0) + IntRegisterAt("HiddenRegister", 4));
+    const Camera camera(settings);
+    EXPECT_THAT(camera.Run({"get", "cam", "HidenRegister"}).err, HasSubstr("hint: There are HiddenRegister.\n"));
+    EXPECT_EQ(camera.Run({"get", "cam", "HiddenRegister"}).out, "0\n");
+}
+
+TEST(Features, InNoCategoryAreListedWhenAskedFor)
+{
+    json settings = OneCamera("Mono8", 64, 48);
+    const TemporaryFolder folder;
+    Describe(folder, settings, "Width", IntRegisterAt("Width", 0) + IntRegisterAt("HiddenRegister", 4));
+    const Camera camera(settings);
+    EXPECT_THAT(camera.Run({"features", "cam"}).out, Not(HasSubstr("HiddenRegister")));
+    const ToolResult all = camera.Run({"features", "cam", "--all"});
+    EXPECT_EQ(all.status, 0) << all.err;
+    EXPECT_THAT(all.out, testing::StartsWith("Width  rw  0"));
+    EXPECT_THAT(all.out, ContainsRegex("\n\\(in no category\\)\n(.*\n)*  HiddenRegister +Integer\n"));
+    const json tree = json::parse(camera.Run({"features", "cam", "--all", "--json"}).out);
+    EXPECT_THAT(tree.at("inNoCategory"), testing::Contains(json({{"name", "HiddenRegister"}, {"type", "Integer"}})));
+    EXPECT_THAT(tree.at("inNoCategory"), Not(testing::Contains(json({{"name", "Width"}, {"type", "Integer"}}))));
+}
+
+TEST(Features, OfADescriptionWithoutRootAreListedAsNodes)
+{
+    json settings = OneCamera("Mono8", 64, 48);
+    const TemporaryFolder folder;
+    DescribeWhole(folder, settings, IntRegisterAt("Width", 0));
+    const Camera camera(settings);
+    EXPECT_EQ(camera.Run({"features", "cam"}).status, failure);
+    const ToolResult all = camera.Run({"features", "cam", "--all"});
+    EXPECT_EQ(all.status, 0) << all.err;
+    EXPECT_THAT(all.out, ContainsRegex("  Width +Integer\n"));
+}
+
+TEST(Features, LongTextOfACameraIsCut)
+{
+    json settings = OneCamera("Mono8", 64, 48);
+    const TemporaryFolder folder;
+    const std::string text(5 << 20, 'x');
+    Describe(
+        folder, settings, "Name",
+        "<String Name=\"Name\"><ToolTip>" + text + "</ToolTip><Value>" + text + "</Value></String>");
+    const Camera camera(settings);
+    const Arguments commands[] = {
+        {"features", "cam"}, {"describe", "cam", "Name"}, {"watch", "cam", "Name", "--changes", "1"}};
+    for (const Arguments& arguments : commands)
+    {
+        const ToolResult result = camera.Run(arguments);
+        EXPECT_EQ(result.status, 0) << result.err;
+        EXPECT_THAT(result.out, HasSubstr("xxx..."));
+        EXPECT_LT(result.out.size(), 20000u) << arguments.front();
+    }
+    EXPECT_EQ(camera.Run({"get", "cam", "Name"}).out, text + "\n"); // exact for a program
 }
 
 TEST(Get, WhatHasNoValueIsNamed)

@@ -33,8 +33,12 @@ std::string HintFor(const Error& error, const NodeMap& nodes, const Port& port, 
 
 void DefineSettings(CLI::App& command, std::vector<std::string>& settings)
 {
-    command.add_option("--set", settings, "NAME=VALUE, written first; may be given several times, in order")
-        ->type_name("NAME=VALUE")
+    command
+        .add_option(
+            "--set", settings,
+            "Written first; may be given several times, in order. MODULE is system, interface, device, stream or "
+            "remote")
+        ->type_name("[MODULE:]NAME=VALUE")
         ->allow_extra_args(false)
         ->check(CLI::Validator(CheckAssignment, ""));
 }
@@ -42,17 +46,26 @@ void DefineSettings(CLI::App& command, std::vector<std::string>& settings)
 std::string CheckAssignment(const std::string& text)
 {
     const size_t end = text.find('=');
-    if (end != text.npos && end > 0) return {};
-    return "\"" + Printable(text) + "\" is not of the form NAME=VALUE";
+    const size_t colon = text.substr(0, end).find(':');
+    const bool hasModule = colon != text.npos;
+    if (hasModule && !ModuleOfWord(text.substr(0, colon)))
+        return "\"" + PrintableStart(text.substr(0, colon)) +
+               "\" is no module: there are system, interface, device, stream and remote";
+    if (end != text.npos && end > (hasModule ? colon + 1 : 0)) return {};
+    return "\"" + PrintableStart(text) + "\" is not of the form NAME=VALUE or MODULE:NAME=VALUE";
 }
 
-std::vector<Assignment> ParseAssignments(const std::vector<std::string>& texts)
+std::vector<Assignment> ParseAssignments(const std::vector<std::string>& texts, ModuleKind ofOthers)
 {
     std::vector<Assignment> assignments;
     for (const std::string& text : texts)
     {
         const size_t end = text.find('=');
-        assignments.push_back({text.substr(0, end), text.substr(end + 1)});
+        const std::string left = text.substr(0, end);
+        const size_t colon = left.find(':');
+        const auto module = colon == left.npos ? std::nullopt : ModuleOfWord(left.substr(0, colon));
+        assignments.push_back(
+            {module.value_or(ofOthers), module ? left.substr(colon + 1) : left, text.substr(end + 1)});
     }
     return assignments;
 }
@@ -76,7 +89,7 @@ void Apply(
         catch (const Error& error)
         {
             throw ToolError(
-                assignment.name + " was not set to " + Printable(assignment.value) + ": " + error.what() +
+                assignment.name + " was not set to " + PrintableStart(assignment.value) + ": " + error.what() +
                     (before.empty() ? "" : "\nWritten before it: " + before),
                 HintFor(error, nodes, port, node));
         }

@@ -1,6 +1,7 @@
 // Assignments: NAME=VALUE from the command line, written to features in their order. One thread at a time.
 #pragma once
 
+#include "tools/koro/module_kind.h"
 #include <koro/koro.hpp>
 
 #include <functional>
@@ -17,17 +18,18 @@ namespace koro::tool
 
 struct Assignment
 {
+    ModuleKind module;
     std::string name;
     std::string value; // may be empty and may hold "="
 };
 
-// Defines --set, which takes one NAME=VALUE each time.
+// Defines --set, which takes one NAME=VALUE or MODULE:NAME=VALUE each time.
 void DefineSettings(CLI::App& command, std::vector<std::string>& settings);
 // Empty for a text of that form, else what is wrong with it; as CLI11 wants it.
 std::string CheckAssignment(const std::string& text);
 
-// Every text has been checked.
-std::vector<Assignment> ParseAssignments(const std::vector<std::string>& texts);
+// Every text has been checked. `ofOthers` is the module of those that name none.
+std::vector<Assignment> ParseAssignments(const std::vector<std::string>& texts, ModuleKind ofOthers);
 
 // Writes one after the other. Before the first is written, all names are looked up and all values compared with the
 // type of their feature; the first that fails throws ToolError which names it, says why, and what was written before.

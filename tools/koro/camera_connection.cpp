@@ -22,11 +22,13 @@ Descriptor FindByID(const std::vector<Descriptor>& descriptors, const std::strin
 
 } // namespace
 
-CameraConnection::CameraConnection(const CameraChoice& choice)
+CameraConnection::CameraConnection(const CameraChoice& choice, const ModuleSettings& settings)
     : library(Library::Initialize()), producer(choice.producer->path), system(producer.System().OpenSystem())
 {
+    settings.ApplyTo(system);
     system.UpdateInterfaces(updateTimeout_ms);
     cameraInterface = FindByID(system.Interfaces(), choice.interfaceRecord->id).OpenInterface();
+    settings.ApplyTo(cameraInterface);
     cameraInterface.UpdateDevices(updateTimeout_ms);
     descriptor = FindByID(cameraInterface.Devices(), choice.camera->id);
 }

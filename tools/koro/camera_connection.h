@@ -4,6 +4,7 @@
 #pragma once
 
 #include "tools/koro/camera_selection.h"
+#include "tools/koro/module_settings.h"
 #include <koro/koro.hpp>
 
 namespace koro::tool
@@ -12,8 +13,9 @@ namespace koro::tool
 class CameraConnection
 {
 public:
-    // Loads the choice's producer alone. Throws koro::Error, or ToolError when the camera has gone meanwhile.
-    explicit CameraConnection(const CameraChoice& choice);
+    // Loads the choice's producer and no other. System and interface get their settings as soon as they are open.
+    // Throws koro::Error, or ToolError when the camera has gone meanwhile.
+    explicit CameraConnection(const CameraChoice& choice, const ModuleSettings& settings = {});
 
     const koro::System& System() const { return system; }
     const koro::Interface& Interface() const { return cameraInterface; }

@@ -23,6 +23,8 @@ struct CameraRecord
     OptionalText serialNumber;
     OptionalText userName;
     OptionalText tlType;
+    OptionalText ipAddress; // these two only where they were asked for and the interface knows them
+    OptionalText macAddress;
     std::optional<int32_t> accessStatus; // DEVICE_ACCESS_STATUS
 
     // Nothing speaks against opening it: readable and writable, or the producer does not tell.

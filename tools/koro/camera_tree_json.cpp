@@ -48,6 +48,8 @@ CameraRecord CameraFromJSON(const json& object)
     camera.serialNumber = Optional<std::string>(object, "serialNumber");
     camera.userName = Optional<std::string>(object, "userName");
     camera.tlType = Optional<std::string>(object, "tlType");
+    camera.ipAddress = Optional<std::string>(object, "ipAddress");
+    camera.macAddress = Optional<std::string>(object, "macAddress");
     camera.accessStatus = Optional<int32_t>(object, "accessStatus");
     return camera;
 }
@@ -77,6 +79,8 @@ json ToJSON(const CameraRecord& camera)
         {"serialNumber", OrNull(camera.serialNumber)},
         {"userName", OrNull(camera.userName)},
         {"tlType", OrNull(camera.tlType)},
+        {"ipAddress", OrNull(camera.ipAddress)},
+        {"macAddress", OrNull(camera.macAddress)},
         {"accessStatus", OrNull(camera.accessStatus)},
         {"access", camera.accessStatus ? json(AccessStatusName(*camera.accessStatus)) : json()},
     };

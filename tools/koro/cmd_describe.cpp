@@ -37,6 +37,9 @@ const char* WordFor(const std::array<const char*, size>& words, int32_t number)
     return number >= 0 && static_cast<size_t>(number) < size ? words[static_cast<size_t>(number)] : "undefined";
 }
 
+// Tool tips and descriptions are longer than names.
+constexpr size_t mostOfAText = 4096;
+
 constexpr std::array<const char*, 2> nameSpaces = {"custom", "standard"};
 constexpr std::array<const char*, 3> cachingModes = {"no cache", "write through", "write around"};
 constexpr std::array<const char*, 7> representations = {
@@ -113,17 +116,22 @@ std::string ListText(const json& names)
 {
     std::string text;
     for (const json& name : names)
-        text += (text.empty() ? "" : ", ") + Printable(name.get<std::string>());
+        text += (text.empty() ? "" : ", ") + PrintableStart(name.get<std::string>());
     return text;
 }
 
-std::string EntriesText(const json& entries)
+// The codes of pixel formats are known by their hexadecimal digits.
+std::string EntriesText(const json& entries, bool arePixelFormats)
 {
     std::string text;
     for (const json& entry : entries)
     {
-        text += (text.empty() ? "" : ", ") + Printable(entry.at("name").get<std::string>()) + " (" +
-                entry.at("value").dump() + (entry.at("available").get<bool>() ? ")" : ", not available)");
+        const int64_t value = entry.at("value").get<int64_t>();
+        char code[24];
+        std::snprintf(code, sizeof code, "0x%08llX", static_cast<unsigned long long>(value));
+        text += (text.empty() ? "" : ", ") + PrintableStart(entry.at("name").get<std::string>()) + " (" +
+                (arePixelFormats ? code : std::to_string(value)) +
+                (entry.at("available").get<bool>() ? ")" : ", not available)");
     }
     return text;
 }
@@ -142,7 +150,7 @@ void PrintText(const json& feature)
         if (!text.empty()) rows.emplace_back(label, text);
     };
     const auto addText = [&](const char* label, const char* key) {
-        if (feature.contains(key)) add(label, Printable(feature.at(key).get<std::string>()));
+        if (feature.contains(key)) add(label, PrintableStart(feature.at(key).get<std::string>(), mostOfAText));
     };
     addText("name", "name");
     addText("display name", "displayName");
@@ -156,7 +164,8 @@ void PrintText(const json& feature)
     addText("not readable", "problem");
     addText("unit", "unit");
     if (feature.contains("entries"))
-        add("entries", EntriesText(feature.at("entries")));
+        add("entries",
+            EntriesText(feature.at("entries"), feature.at("name").get<std::string>().rfind("PixelFormat", 0) == 0));
     else
         add("range", RangeText(feature));
     if (feature.contains("maximumLength")) add("longest text", feature.at("maximumLength").dump() + " bytes");
@@ -174,12 +183,17 @@ void PrintText(const json& feature)
     add("invalidated by", ListText(feature.at("invalidatedBy")));
     add("invalidates", ListText(feature.at("invalidates")));
     for (const json& reason : feature.at("notWritable"))
-        add("not writable", Printable(reason.get<std::string>()));
+        add("not writable", PrintableStart(reason.get<std::string>(), mostOfAText));
     PrintRows(rows);
 }
 
-int DescribeIt(const DescribeCommand& command)
+int DescribeIt(DescribeCommand command)
 {
+    std::vector<std::string> words;
+    if (!command.name.empty()) words.push_back(command.name);
+    CompleteTarget(command.target, words);
+    RequireWords(words, 1, 1, "name of a feature");
+    command.name = words.front();
     const FeatureSession session(command.target, FeatureSession::Access::WriteOrRead);
     const json feature = Describe(session, session.Feature(command.name));
     if (command.json)
@@ -194,8 +208,8 @@ int DescribeIt(const DescribeCommand& command)
 Action DefineDescribe(CLI::App& command)
 {
     const auto options = std::make_shared<DescribeCommand>();
-    DefineTarget(command, options->target, true);
-    command.add_option("feature", options->name, "Name of the feature")->required();
+    DefineAnyModule(command, options->target, true);
+    command.add_option("feature", options->name, "Name of the feature");
     command.add_flag("--json", options->json, "Write JSON");
     return [options] { return DescribeIt(*options); };
 }

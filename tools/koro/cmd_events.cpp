@@ -5,8 +5,10 @@
 #include "tools/koro/feature_session.h"
 #include "tools/koro/if_known.h"
 #include "tools/koro/interrupt.h"
+#include "tools/koro/output.h"
 #include "tools/koro/report.h"
 #include "tools/koro/switched_features.h"
+#include "tools/koro/tool_error.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -45,9 +47,12 @@ public:
         if (news.empty()) PrintOne(event, {});
         for (const EventNews& one : news)
             PrintOne(event, one);
-        std::fflush(stdout);
+        isOutputLost = !WriteOut();
     }
-    bool IsOver() const { return (command.numEvents > 0 && numPrinted >= command.numEvents) || Left_ms() == 0; }
+    bool IsOver() const
+    {
+        return isOutputLost || (command.numEvents > 0 && numPrinted >= command.numEvents) || Left_ms() == 0;
+    }
     // Milliseconds to wait for the next event.
     uint64_t Left_ms() const
     {
@@ -71,18 +76,19 @@ private:
             std::printf("%s\n", Dump(line).c_str());
             return;
         }
-        std::string text = one.name.empty() ? "event" : Printable(one.name);
+        std::string text = one.name.empty() ? "event" : PrintableStart(one.name);
         if (one.values.empty())
             text += (id ? " " + std::to_string(*id) : "") + ", " + std::to_string(event.RawData().size()) +
                     " bytes, no feature";
         for (const auto& [name, value] : one.values)
-            text += " " + name + "=" + Printable(value);
+            text += " " + PrintableStart(name) + "=" + PrintableStart(value);
         std::printf("%9.3f  %s\n", seconds, text.c_str());
     }
 
     const EventsCommand& command;
     const Clock::time_point begin = Clock::now();
     uint64_t numPrinted = 0;
+    bool isOutputLost = false;
 };
 
 // Empty after a time-out, and after an interrupt whatever the producer calls it.
@@ -99,6 +105,21 @@ Event Wait(const EventController& controller, const Interrupt& interrupt, uint64
     }
 }
 
+// Many producers have no events of cameras, and some say so with no more than a number.
+EventController EnableEvents(const Device& device)
+{
+    try
+    {
+        return device.EnableEvents(KORO_EVENT_REMOTE_DEVICE);
+    }
+    catch (const Error& error)
+    {
+        throw ToolError(
+            std::string("The producer delivers no events of this camera: ") + error.what(),
+            "`koro watch` can read features again and again.");
+    }
+}
+
 int Events(const EventsCommand& command)
 {
     Interrupt interrupt;
@@ -106,7 +127,7 @@ int Events(const EventsCommand& command)
     const NodeMap& nodes = session.Nodes();
     SwitchedFeatures switched(nodes);
     EventNodes eventNodes(nodes);
-    const EventController controller = session.Device().EnableEvents(KORO_EVENT_REMOTE_DEVICE);
+    const EventController controller = EnableEvents(session.Device());
     if (command.enabled.empty())
         switched.SwitchAllEntries("EventSelector", "EventNotification", "On");
     else

@@ -23,6 +23,7 @@ struct FeaturesCommand
 {
     FeatureTarget target;
     KORO_NodeVisibility visibility = KORO_NODE_VISIBILITY_GURU;
+    bool all = false;
     bool json = false;
 };
 
@@ -40,14 +41,14 @@ std::string ValueText(const json& feature)
     if (feature.at("type") == "Command") return "(command)";
     if (feature.contains("problem")) return "?";
     const std::string value = feature.value("text", "-");
-    return feature.contains("unit") ? value + " " + Printable(feature.at("unit").get<std::string>()) : value;
+    return feature.contains("unit") ? value + " " + PrintableStart(feature.at("unit").get<std::string>()) : value;
 }
 
 void AddLines(const json& features, size_t depth, std::vector<Line>& lines)
 {
     for (const json& feature : features)
     {
-        const std::string name = std::string(2 * depth, ' ') + Printable(feature.at("name").get<std::string>());
+        const std::string name = std::string(2 * depth, ' ') + PrintableStart(feature.at("name").get<std::string>());
         if (feature.contains("features"))
         {
             lines.push_back({name + (feature.contains("seen") ? "  (above)" : ""), "", "", ""});
@@ -89,27 +90,45 @@ void PrintLines(const std::vector<Line>& lines)
     }
 }
 
-int Features(const FeaturesCommand& command)
+void PrintNodesInNoCategory(const NodeMap& nodes)
+{
+    const json others = NodesInNoCategory(nodes);
+    Rows rows;
+    for (const json& node : others)
+        rows.emplace_back(PrintableStart(node.at("name").get<std::string>()), node.at("type").get<std::string>());
+    std::printf("(in no category)\n");
+    PrintRows(rows, "  ");
+}
+
+int Features(FeaturesCommand command)
 {
     const Interrupt interrupt;
+    std::vector<std::string> words;
+    CompleteTarget(command.target, words);
+    RequireWords(words, 0, 0, "");
     // For control, since a camera that is open for reading shows nothing as writable.
     const FeatureSession session(command.target, FeatureSession::Access::WriteOrRead);
     if (session.WhyReadOnly())
     {
         std::fprintf(
             stderr, "koro: The camera could be opened for reading only, so nothing is writable: %s\n",
-            session.WhyReadOnly()->c_str());
+            PrintableStart(*session.WhyReadOnly(), 4096).c_str());
     }
-    const json features = FeatureTree(session.Nodes(), command.visibility, [&] { return interrupt.IsRequested(); });
+    const bool isTree = !command.all || session.Nodes().TryNode("Root");
+    json features = json::array();
+    if (isTree) features = FeatureTree(session.Nodes(), command.visibility, [&] { return interrupt.IsRequested(); });
     if (interrupt.IsRequested()) return exitInterrupted;
     if (command.json)
     {
-        std::printf("%s\n", Dump({{"module", NameOf(command.target.module)}, {"features", features}}, 2).c_str());
+        nlohmann::json whole = {{"module", NameOf(command.target.module)}, {"features", features}};
+        if (command.all) whole["inNoCategory"] = NodesInNoCategory(session.Nodes());
+        std::printf("%s\n", Dump(whole, 2).c_str());
         return exitSuccess;
     }
     std::vector<Line> lines;
     AddLines(features, 0, lines);
     PrintLines(lines);
+    if (command.all) PrintNodesInNoCategory(session.Nodes());
     return exitSuccess;
 }
 
@@ -123,9 +142,10 @@ Action DefineFeatures(CLI::App& command)
         {"expert", KORO_NODE_VISIBILITY_EXPERT},
         {"guru", KORO_NODE_VISIBILITY_GURU},
         {"invisible", KORO_NODE_VISIBILITY_INVISIBLE}};
-    DefineTarget(command, options->target, true);
+    DefineAnyModule(command, options->target, true);
     command.add_option("--visibility", options->visibility, "beginner, expert, guru (the default) or invisible")
         ->transform(CLI::CheckedTransformer(levels, CLI::ignore_case));
+    command.add_flag("--all", options->all, "Also name the nodes that are in no category");
     command.add_flag("--json", options->json, "Write JSON");
     return [options] { return Features(*options); };
 }

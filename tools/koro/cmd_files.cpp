@@ -4,17 +4,16 @@
 #include "tools/koro/if_known.h"
 #include "tools/koro/image_writer.h"
 #include "tools/koro/local_file.h"
+#include "tools/koro/output.h"
 #include "tools/koro/report.h"
 #include "tools/koro/tool_error.h"
 #include "tools/koro/transfer_progress.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cerrno>
 #include <cstdio>
 #include <memory>
 #include <string>
-#include <system_error>
 #include <unistd.h>
 #include <vector>
 
@@ -47,15 +46,15 @@ FileAdapter Open(const FeatureSession& session, const std::string& name)
     const EnumerationEntryNode entry = files.TryEntry(name);
     if (entry)
     {
-        if (!entry.Node().IsAvailable()) throw ToolError("The file " + Printable(name) + " is not available now.");
+        if (!entry.Node().IsAvailable()) throw ToolError("The file " + PrintableStart(name) + " is not available now.");
         files.SetCurrentEntry(entry);
         return FileAdapter(session.Nodes(), name);
     }
     std::string names;
     for (const EnumerationEntryNode& known : files.Entries())
-        names += (names.empty() ? "" : ", ") + Printable(known.SymbolicValue());
+        names += (names.empty() ? "" : ", ") + PrintableStart(known.SymbolicValue());
     throw ToolError(
-        "The camera has no file \"" + Printable(name) + "\".", "There are " + names + ".", exitNoSuchFeature);
+        "The camera has no file \"" + PrintableStart(name) + "\".", "There are " + names + ".", exitNoSuchFeature);
 }
 
 // Tells of each block: the offset is written in front of it, and its callback runs within.
@@ -98,7 +97,7 @@ std::string Joined(const std::vector<std::string>& names)
 {
     std::string text;
     for (const std::string& name : names)
-        text += (text.empty() ? "" : ", ") + Printable(name);
+        text += (text.empty() ? "" : ", ") + PrintableStart(name);
     return text.empty() ? "-" : text;
 }
 
@@ -115,7 +114,7 @@ void RequireMode(const FeatureSession& session, const FilesCommand& command, con
     const auto modes = Offered(session.Nodes(), "FileOpenMode");
     if (modes.empty() || IsAmong(modes, mode)) return;
     throw ToolError(
-        "The file " + Printable(command.name) + " cannot be " + done + ".",
+        "The file " + PrintableStart(command.name) + " cannot be " + done + ".",
         "It can be opened for " + Joined(modes) + ".");
 }
 
@@ -141,7 +140,7 @@ int List(const FilesCommand& command)
         const auto maxSize = IfKnown([&] { return file.MaxSize(); });
         const std::string modes = size ? Joined(Offered(session.Nodes(), "FileOpenMode")) : "not available";
         std::printf(
-            "%-24s %12s %12s  %s\n", Printable(name).c_str(), SizeText(size).c_str(), SizeText(maxSize).c_str(),
+            "%-24s %12s %12s  %s\n", PrintableStart(name).c_str(), SizeText(size).c_str(), SizeText(maxSize).c_str(),
             modes.c_str());
     }
     if (before) IfKnown([&] { return files.SetCurrentEntry(*before), true; });
@@ -159,9 +158,9 @@ int Read(const FilesCommand& command)
     const std::vector<uint8_t> bytes = file.Read(size);
     if (command.path != standardStream)
         WriteRaw(bytes.data(), bytes.size(), command.path);
-    else if (std::fwrite(bytes.data(), 1, bytes.size(), stdout) != bytes.size() || std::fflush(stdout) != 0)
-        throw ToolError("Cannot write: " + std::generic_category().message(errno) + ".");
-    progress.Finish();
+    else
+        std::fwrite(bytes.data(), 1, bytes.size(), stdout);
+    if (WriteOut()) progress.Finish();
     return exitSuccess;
 }
 
@@ -180,13 +179,13 @@ int Write(const FilesCommand& command)
     const std::string failure = FailureOf(session);
     if (!failure.empty())
         throw ToolError(
-            "The camera did not keep " + Printable(command.name) + ": FileOperationStatus is " + Printable(failure) +
-            ".");
+            "The camera did not keep " + PrintableStart(command.name) + ": FileOperationStatus is " +
+            PrintableStart(failure) + ".");
     progress.Finish();
     // What cannot be read need not tell how long it has become.
     const auto size = IfKnown([&] { return file.Size(); });
     if (size && *size != bytes.size() && IsAmong(Offered(session.Nodes(), "FileOpenMode"), "Read"))
-        throw ToolError(Printable(command.name) + " has " + std::to_string(*size) + " bytes after the writing.");
+        throw ToolError(PrintableStart(command.name) + " has " + std::to_string(*size) + " bytes after the writing.");
     return exitSuccess;
 }
 
@@ -194,7 +193,7 @@ int Delete(const FilesCommand& command)
 {
     const FeatureSession session(command.target, FeatureSession::Access::Write);
     const FileAdapter file = Open(session, command.name);
-    const std::string name = Printable(command.name);
+    const std::string name = PrintableStart(command.name);
     const auto operations = Offered(session.Nodes(), "FileOperationSelector");
     if (!operations.empty() && !IsAmong(operations, "Delete"))
         throw ToolError("The file " + name + " cannot be deleted.");
@@ -203,7 +202,7 @@ int Delete(const FilesCommand& command)
     const std::string failure = FailureOf(session);
     const auto left = IfKnown([&] { return file.Size(); });
     if (!failure.empty())
-        throw ToolError(name + " was not deleted: FileOperationStatus is " + Printable(failure) + ".");
+        throw ToolError(name + " was not deleted: FileOperationStatus is " + PrintableStart(failure) + ".");
     if (left.value_or(0) > 0)
         throw ToolError(name + " was not deleted: it still has " + std::to_string(*left) + " bytes.");
     std::printf("%s deleted\n", name.c_str());

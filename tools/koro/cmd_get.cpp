@@ -53,8 +53,10 @@ int PrintJSON(const std::vector<Node>& nodes)
     return whole ? exitSuccess : exitFailure;
 }
 
-int Get(const GetCommand& command)
+int Get(GetCommand command)
 {
+    CompleteTarget(command.target, command.names);
+    RequireWords(command.names, 1, command.names.size(), "name of a feature");
     // As JSON the access is told too, and a camera that is open for reading shows nothing as writable.
     const FeatureSession session(
         command.target, command.json ? FeatureSession::Access::WriteOrRead : FeatureSession::Access::Read);
@@ -77,10 +79,9 @@ int Get(const GetCommand& command)
 Action DefineGet(CLI::App& command)
 {
     const auto options = std::make_shared<GetCommand>();
-    DefineTarget(command, options->target, true);
-    command
-        .add_option("names", options->names, "Features; the value of one comes alone, those of several as NAME=VALUE")
-        ->required();
+    DefineAnyModule(command, options->target, true);
+    command.add_option(
+        "names", options->names, "Features; the value of one comes alone, those of several as NAME=VALUE");
     command.add_flag("--json", options->json, "Write JSON");
     return [options] { return Get(*options); };
 }

@@ -148,7 +148,7 @@ int Grab(const GrabCommand& command)
     if (interrupt.IsRequested()) return exitInterrupted;
     const CameraChoice choice = FindCamera(discovery, command.camera);
 
-    const CameraConnection connection(choice);
+    const CameraConnection connection(choice, ModuleSettings(command.settings.settings, ModuleKind::Remote));
     std::optional<CameraLink> link;
     if (command.reconnect) link.emplace(connection, choice.camera->id, choice.camera->serialNumber.value_or(""));
     auto session = std::make_unique<GrabSession>(connection.Descriptor(), command.settings, link ? &*link : nullptr);

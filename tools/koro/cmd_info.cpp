@@ -1,3 +1,4 @@
+#include "tools/koro/camera_addresses.h"
 #include "tools/koro/camera_connection.h"
 #include "tools/koro/camera_tree_json.h"
 #include "tools/koro/commands.h"
@@ -106,11 +107,11 @@ void PrintStreams(const json& opened)
     }
 }
 
-void PrintText(const CameraChoice& choice, const json& opened)
+void PrintText(const CameraChoice& choice, const CameraAddresses& addresses, const json& opened)
 {
     const CameraRecord& camera = *choice.camera;
     PrintRows({
-        {"camera", Printable(camera.id)},
+        {"camera", PrintableStart(camera.id)},
         {"display name", OrDash(camera.displayName)},
         {"vendor", OrDash(camera.vendor)},
         {"model", OrDash(camera.model)},
@@ -118,9 +119,11 @@ void PrintText(const CameraChoice& choice, const json& opened)
         {"serial number", OrDash(camera.serialNumber)},
         {"user name", OrDash(camera.userName)},
         {"transport", OrDash(camera.tlType)},
+        {"IP address", OrDash(addresses.ip)},
+        {"MAC address", OrDash(addresses.mac)},
         {"access", camera.accessStatus ? AccessStatusName(*camera.accessStatus) : "-"},
         {"time stamp ticks per second", TextOf(opened.at("timestampTickFrequency"))},
-        {"interface", Printable(choice.interfaceRecord->id) + "  " + OrDash(choice.interfaceRecord->displayName)},
+        {"interface", PrintableStart(choice.interfaceRecord->id) + "  " + OrDash(choice.interfaceRecord->displayName)},
         {"producer", Printable(choice.producer->path)},
         {"producer version", OrDash(choice.producer->version) + ", GenTL " + OrDash(choice.producer->genTLVersion)},
     });
@@ -140,14 +143,19 @@ int Info(const InfoSettings& settings)
     const Discovery discovery = Discover(settings.producer);
     const CameraChoice choice = FindCamera(discovery, settings.camera);
     const CameraConnection connection(choice);
+    // While the camera is closed: some interfaces do not answer for one that is in use.
+    const CameraAddresses addresses = ReadAddresses(connection.Interface())[choice.camera->id];
     const json opened = ReadOpened(connection.Descriptor());
     if (!settings.json)
     {
-        PrintText(choice, opened);
+        PrintText(choice, addresses, opened);
         return exitSuccess;
     }
 
-    json all = ToJSON(*choice.camera);
+    CameraRecord camera = *choice.camera;
+    camera.ipAddress = addresses.ip;
+    camera.macAddress = addresses.mac;
+    json all = ToJSON(camera);
     all["interface"] = choice.interfaceRecord->id;
     all["producer"] = choice.producer->path;
     all["opened"] = opened;

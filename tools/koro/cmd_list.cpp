@@ -1,6 +1,10 @@
+#include "tools/koro/camera_addresses.h"
 #include "tools/koro/camera_tree_json.h"
 #include "tools/koro/commands.h"
 #include "tools/koro/discovery.h"
+#include "tools/koro/if_known.h"
+#include "tools/koro/module_connection.h"
+#include "tools/koro/read_producer.h"
 #include "tools/koro/report.h"
 
 #include <CLI/CLI.hpp>
@@ -18,46 +22,76 @@ struct ListSettings
 {
     std::string producer;
     bool json = false;
+    bool verbose = false;
 };
 
-void PrintCamera(const CameraRecord& camera)
+// Asked in this process, of producers that have just worked in theirs. What does not answer stays unknown.
+void AddAddresses(Discovery& discovery)
 {
-    std::printf("    camera %s\n", Printable(camera.id).c_str());
-    PrintRows(
+    for (ProducerRecord& producer : discovery.producers)
+    {
+        for (InterfaceRecord& record : producer.interfaces)
         {
-            {"model", OrDash(camera.vendor) + " " + OrDash(camera.model)},
-            {"serial number", OrDash(camera.serialNumber)},
-            {"user name", OrDash(camera.userName)},
-            {"access", camera.accessStatus ? AccessStatusName(*camera.accessStatus) : "-"},
-        },
-        "      ");
+            if (record.cameras.empty()) continue;
+            auto addresses = IfKnown([&] {
+                const ModuleConnection connection(producer.path, record.id, {});
+                connection.Interface().UpdateDevices(updateTimeout_ms);
+                return ReadAddresses(connection.Interface());
+            });
+            for (CameraRecord& camera : record.cameras)
+            {
+                if (!addresses) continue;
+                camera.ipAddress = (*addresses)[camera.id].ip;
+                camera.macAddress = (*addresses)[camera.id].mac;
+            }
+        }
+    }
 }
 
-void PrintInterface(const InterfaceRecord& record)
+void PrintCamera(const CameraRecord& camera, bool verbose)
+{
+    std::printf("    camera %s\n", PrintableStart(camera.id).c_str());
+    Rows rows = {
+        {"model", OrDash(camera.vendor) + " " + OrDash(camera.model)},
+        {"serial number", OrDash(camera.serialNumber)},
+        {"user name", OrDash(camera.userName)},
+        {"access", camera.accessStatus ? AccessStatusName(*camera.accessStatus) : "-"},
+    };
+    if (verbose)
+    {
+        rows.emplace_back("version", OrDash(camera.version));
+        rows.emplace_back("transport", OrDash(camera.tlType));
+        rows.emplace_back("IP address", OrDash(camera.ipAddress));
+        rows.emplace_back("MAC address", OrDash(camera.macAddress));
+    }
+    PrintRows(rows, "      ");
+}
+
+void PrintInterface(const InterfaceRecord& record, bool verbose)
 {
     std::printf(
-        "  interface %s  %s, %s\n", Printable(record.id).c_str(), OrDash(record.displayName).c_str(),
+        "  interface %s  %s, %s\n", PrintableStart(record.id).c_str(), OrDash(record.displayName).c_str(),
         OrDash(record.tlType).c_str());
-    if (record.problem) std::printf("    %s\n", Printable(*record.problem).c_str());
+    if (record.problem) std::printf("    %s\n", PrintableStart(*record.problem, 4096).c_str());
     for (const CameraRecord& camera : record.cameras)
-        PrintCamera(camera);
+        PrintCamera(camera, verbose);
 }
 
-void PrintProducer(const ProducerRecord& producer)
+void PrintProducer(const ProducerRecord& producer, bool verbose)
 {
     std::printf(
         "%s\n  %s %s %s, GenTL %s, %s\n", Printable(producer.path).c_str(), OrDash(producer.vendor).c_str(),
         OrDash(producer.model).c_str(), OrDash(producer.version).c_str(), OrDash(producer.genTLVersion).c_str(),
         OrDash(producer.tlType).c_str());
-    if (producer.problem) std::printf("  %s\n", Printable(*producer.problem).c_str());
+    if (producer.problem) std::printf("  %s\n", PrintableStart(*producer.problem, 4096).c_str());
     for (const InterfaceRecord& record : producer.interfaces)
-        PrintInterface(record);
+        PrintInterface(record, verbose);
 }
 
-void PrintText(const Discovery& discovery)
+void PrintText(const Discovery& discovery, bool verbose)
 {
     for (const ProducerRecord& producer : discovery.producers)
-        PrintProducer(producer);
+        PrintProducer(producer, verbose);
     for (const ProbeResult& failed : discovery.failed)
         std::printf("%s\n", DescribeFailure(failed).c_str());
     const size_t numCameras = AllCameras(discovery.producers).size();
@@ -80,14 +114,15 @@ void PrintJSON(const Discovery& discovery)
 
 int List(const ListSettings& settings)
 {
-    const Discovery discovery = Discover(settings.producer);
+    Discovery discovery = Discover(settings.producer);
+    if (settings.verbose) AddAddresses(discovery);
     if (settings.json)
     {
         PrintJSON(discovery);
     }
     else
     {
-        PrintText(discovery);
+        PrintText(discovery, settings.verbose);
     }
     return exitSuccess;
 }
@@ -98,6 +133,7 @@ Action DefineList(CLI::App& command)
 {
     const auto settings = std::make_shared<ListSettings>();
     command.add_option("--producer", settings->producer, "Use this .cti file alone, not the environment");
+    command.add_flag("--verbose", settings->verbose, "Also version, transport and addresses of each camera");
     command.add_flag("--json", settings->json, "Write JSON");
     return [settings] { return List(*settings); };
 }

@@ -67,8 +67,13 @@ bool WaitUntilDone(const CommandNode& node, uint64_t timeout_ms, const Interrupt
     }
 }
 
-int RunIt(const RunCommand& command)
+int RunIt(RunCommand command)
 {
+    std::vector<std::string> words;
+    if (!command.name.empty()) words.push_back(command.name);
+    CompleteTarget(command.target, words);
+    RequireWords(words, 1, 1, "name of a command");
+    command.name = words.front();
     const Interrupt interrupt;
     const FeatureSession session(command.target, FeatureSession::Access::Write);
     const Node node = session.Feature(command.name);
@@ -96,8 +101,8 @@ int RunIt(const RunCommand& command)
 Action DefineRun(CLI::App& command)
 {
     const auto options = std::make_shared<RunCommand>();
-    DefineTarget(command, options->target, true);
-    command.add_option("command", options->name, "Name of the command")->required();
+    DefineAnyModule(command, options->target, true);
+    command.add_option("command", options->name, "Name of the command");
     command.add_option("--timeout", options->timeout_ms, "Milliseconds to wait for its end")
         ->check(CLI::Range(uint64_t{0}, uint64_t{3600000}))
         ->capture_default_str();

@@ -5,6 +5,7 @@
 #include "tools/koro/if_known.h"
 #include "tools/koro/interrupt.h"
 #include "tools/koro/report.h"
+#include "tools/koro/tool_error.h"
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
@@ -22,18 +23,25 @@ struct SetCommand
     std::vector<std::string> assignments;
 };
 
-int Set(const SetCommand& command)
+int Set(SetCommand command)
 {
     const Interrupt interrupt;
-    const FeatureSession session(command.target, FeatureSession::Access::Write);
+    CompleteTarget(command.target, command.assignments);
+    RequireWords(command.assignments, 1, command.assignments.size(), "NAME=VALUE");
+    for (const std::string& text : command.assignments)
+    {
+        const std::string fault = CheckAssignment(text);
+        if (!fault.empty()) throw ToolError(fault + ".", {}, exitUsage);
+    }
+    command.target.settings = command.assignments;
     // What the camera has made of it, which need not be what was written.
-    const auto print = [&](const Node& node) {
+    command.target.written = [&](const Node& node) {
         const auto value = IfKnown([&] { return ReadValue(node); });
-        std::printf("%s=%s\n", node.Name().c_str(), Printable(value.value_or("-")).c_str());
+        std::printf("%s=%s\n", PrintableStart(node.Name()).c_str(), PrintableStart(value.value_or("-"), 4096).c_str());
         std::fflush(stdout);
         return !interrupt.IsRequested();
     };
-    Apply(session.Nodes(), session.Port(), ParseAssignments(command.assignments), NameOf(command.target.module), print);
+    const FeatureSession session(command.target, FeatureSession::Access::Write, FeatureSession::Wants::Port);
     return interrupt.IsRequested() ? exitInterrupted : exitSuccess;
 }
 
@@ -42,11 +50,9 @@ int Set(const SetCommand& command)
 Action DefineSet(CLI::App& command)
 {
     const auto options = std::make_shared<SetCommand>();
-    DefineTarget(command, options->target, false);
-    command.add_option("assignments", options->assignments, "NAME=VALUE, written in this order")
-        ->required()
-        ->type_name("NAME=VALUE ...")
-        ->check(CLI::Validator(CheckAssignment, ""));
+    DefineAnyModule(command, options->target, false);
+    command.add_option("assignments", options->assignments, "Written in this order; MODULE goes before --module")
+        ->type_name("[MODULE:]NAME=VALUE ...");
     return [options] { return Set(*options); };
 }
 

@@ -5,6 +5,7 @@
 #include "tools/koro/feature_tree.h"
 #include "tools/koro/feature_value.h"
 #include "tools/koro/interrupt.h"
+#include "tools/koro/output.h"
 #include "tools/koro/pause.h"
 #include "tools/koro/report.h"
 #include "tools/koro/tool_error.h"
@@ -133,9 +134,10 @@ private:
         }
         else
         {
-            std::printf("%9.3f  %s=%s\n", seconds, feature.name.c_str(), Printable(feature.last).c_str());
+            std::printf(
+                "%9.3f  %s=%s\n", seconds, PrintableStart(feature.name).c_str(), PrintableStart(feature.last).c_str());
         }
-        std::fflush(stdout);
+        if (!WriteOut()) isOutputLost = true;
         ++numPrinted;
     }
     Clock::time_point NextPoll() const
@@ -146,7 +148,7 @@ private:
     }
     bool IsOver() const
     {
-        if (command.numChanges > 0 && numPrinted >= command.numChanges) return true;
+        if (isOutputLost || (command.numChanges > 0 && numPrinted >= command.numChanges)) return true;
         return command.duration_ms > 0 && Clock::now() - begin >= std::chrono::milliseconds(command.duration_ms);
     }
 
@@ -155,6 +157,7 @@ private:
     const Clock::time_point begin = Clock::now();
     Clock::time_point polled = begin;
     uint64_t numPrinted = 0;
+    bool isOutputLost = false;
     std::deque<Watched> watched; // each stays at its address
 };
 
@@ -178,10 +181,10 @@ public:
         else
         {
             std::printf(
-                "%9.3f  %-12s  %s%s%s\n", seconds, change.what, Printable(change.place).c_str(),
-                change.detail.empty() ? "" : "  ", Printable(change.detail).c_str());
+                "%9.3f  %-12s  %s%s%s\n", seconds, change.what, PrintableStart(change.place).c_str(),
+                change.detail.empty() ? "" : "  ", PrintableStart(change.detail).c_str());
         }
-        std::fflush(stdout);
+        if (!WriteOut()) isOutputLost = true;
         ++numPrinted;
     }
     bool IsOver() const
@@ -191,11 +194,12 @@ public:
     }
 
 private:
-    bool HasPrintedAll() const { return command.numChanges > 0 && numPrinted >= command.numChanges; }
+    bool HasPrintedAll() const { return isOutputLost || (command.numChanges > 0 && numPrinted >= command.numChanges); }
 
     const WatchCommand& command;
     const Clock::time_point begin = Clock::now();
     std::atomic<uint64_t> numPrinted{0};
+    std::atomic<bool> isOutputLost{false};
 };
 
 int WatchTree(const WatchCommand& command)

@@ -26,6 +26,8 @@ Action DefineFeatures(CLI::App& command);
 Action DefineGet(CLI::App& command);
 Action DefineSet(CLI::App& command);
 Action DefineRun(CLI::App& command);
+Action DefineRead(CLI::App& command);
+Action DefineWrite(CLI::App& command);
 Action DefineDescribe(CLI::App& command);
 Action DefineXML(CLI::App& command);
 Action DefineWatch(CLI::App& command);

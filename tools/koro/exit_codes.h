@@ -1,4 +1,4 @@
-// Exit statuses of the tool; docs/tool.md tells them to the user.
+// Exit statuses of the tool; docs/tool.md lists them for the user.
 #pragma once
 
 namespace koro::tool
@@ -13,5 +13,6 @@ constexpr int exitFramesMissing = 5;  // `koro grab` ended with fewer pictures t
 constexpr int exitNoSuchFeature = 6;  // the module has no feature of that name
 constexpr int exitDifferent = 7;      // `koro settings diff` found differences
 constexpr int exitInterrupted = 130;  // Ctrl-C, as a shell reports it
+constexpr int exitBrokenPipe = 141;   // the reader of standard output has gone, as a shell reports it
 
 } // namespace koro::tool

@@ -2,12 +2,14 @@
 
 #include "tools/koro/assignments.h"
 #include "tools/koro/discovery.h"
+#include "tools/koro/first_stream.h"
 #include "tools/koro/report.h"
+#include "tools/koro/similar_names.h"
 #include "tools/koro/tool_error.h"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
-#include <cctype>
+#include <cstdio>
+#include <utility>
 
 namespace koro::tool
 {
@@ -17,27 +19,17 @@ namespace
 
 constexpr size_t maxSuggestions = 8;
 
-std::string LowerCase(std::string text)
-{
-    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return std::tolower(c); });
-    return text;
-}
-
-// Features whose name holds the wish, or is held by it, whatever the case of letters.
+// Among all nodes, since any of them can be named. Features come first where several are equally near.
 std::string Suggestions(const NodeMap& nodes, const std::string& name)
 {
-    const std::string wish = LowerCase(name);
-    std::string text;
-    size_t number = 0;
+    std::vector<std::string> names;
+    std::vector<std::string> others;
     for (const Node& node : nodes.Nodes())
-    {
-        const std::string known = node.Name();
-        const std::string lower = LowerCase(known);
-        const bool alike = lower.find(wish) != lower.npos || (lower.size() > 3 && wish.find(lower) != wish.npos);
-        if (!alike || !node.IsFeature()) continue;
-        text += (text.empty() ? "" : ", ") + Printable(known);
-        if (++number == maxSuggestions) break;
-    }
+        (node.IsFeature() ? names : others).push_back(node.Name());
+    names.insert(names.end(), others.begin(), others.end());
+    std::string text;
+    for (const std::string& similar : SimilarNames(names, name, maxSuggestions))
+        text += (text.empty() ? "" : ", ") + PrintableStart(similar);
     return text;
 }
 
@@ -66,38 +58,91 @@ CLI::Option* DefineTarget(CLI::App& command, FeatureTarget& target, bool offersS
     return camera;
 }
 
-const char* NameOf(ModuleKind module)
+void DefineAnyModule(CLI::App& command, FeatureTarget& target, bool offersSettings)
 {
-    switch (module)
+    CLI::Option* const camera = DefineTarget(command, target, offersSettings);
+    camera->required(false);
+    command.add_option(
+        "--interface", target.interfaceName, "In place of a camera: the id of an interface, or a pattern");
+    command.add_option("--system", target.systemFile, "In place of a camera: the .cti file of a producer");
+}
+
+void CompleteTarget(FeatureTarget& target, std::vector<std::string>& words)
+{
+    if (!target.IsAboveCameras())
     {
-    case ModuleKind::Device:
-        return "device";
-    case ModuleKind::Stream:
-        return "stream";
-    case ModuleKind::Interface:
-        return "interface";
-    case ModuleKind::System:
-        return "system";
-    default:
-        return "remote device";
+        if (!target.camera.empty()) return;
+        throw ToolError(
+            "No camera is named.", "Name a camera, or a module above with --interface or --system.", exitUsage);
     }
+    if (!target.camera.empty()) words.insert(words.begin(), std::exchange(target.camera, {}));
+    const ModuleKind lowest = target.interfaceName.empty() ? ModuleKind::System : ModuleKind::Interface;
+    if (target.module == ModuleKind::Remote) target.module = lowest;
+    if (target.module != lowest && target.module != ModuleKind::System)
+        throw ToolError(
+            std::string("The module ") + NameOf(target.module) + " needs a" +
+                (target.module == ModuleKind::Interface ? "n interface." : " camera."),
+            "Name it in place of --system or --interface.", exitUsage);
+    if (ModuleSettings(target.settings, target.module).NeedCamera())
+        throw ToolError("--set of a device, a stream or a remote device needs a camera.", {}, exitUsage);
+}
+
+void RequireWords(const std::vector<std::string>& words, size_t least, size_t most, const char* what)
+{
+    if (words.size() < least) throw ToolError(std::string("There is no ") + what + ".", "See --help.", exitUsage);
+    if (words.size() > most)
+        throw ToolError("\"" + PrintableStart(words[most]) + "\" is one word too many.", "See --help.", exitUsage);
 }
 
 FeatureSession::FeatureSession(const FeatureTarget& target, Access access, Wants wants) : module(target.module)
 {
+    const ModuleSettings settings(target.settings, module, target.written);
+    if (target.IsAboveCameras())
+        OpenAboveCameras(target, settings);
+    else
+        OpenCamera(target, settings, access);
+    if (wants == Wants::Nodes) nodes = OpenNodes();
+}
+
+void FeatureSession::OpenCamera(const FeatureTarget& target, const ModuleSettings& settings, Access access)
+{
     const Discovery discovery = Discover(target.producer);
-    connection.emplace(FindCamera(discovery, target.camera));
-    const bool aboveDevice = module == ModuleKind::System || module == ModuleKind::Interface;
-    if (!aboveDevice) OpenDevice(target.settings.empty() ? access : Access::Write);
-    if (module == ModuleKind::Stream)
+    connection.emplace(FindCamera(discovery, target.camera), settings);
+    const bool isAbove = module == ModuleKind::System || module == ModuleKind::Interface;
+    if (isAbove && !settings.NeedCamera()) return;
+    OpenDevice(settings.NeedCamera() ? Access::Write : access);
+    settings.ApplyTo(device, [this]() -> const DataStream& { return OpenStream(); });
+    if (module == ModuleKind::Stream) OpenStream();
+}
+
+void FeatureSession::OpenAboveCameras(const FeatureTarget& target, const ModuleSettings& settings)
+{
+    if (target.interfaceName.empty())
     {
-        const auto streams = device.DataStreams();
-        if (streams.empty()) throw ToolError("The camera has no data stream.");
-        stream = streams.front().OpenDataStream();
+        aboveCameras.emplace(target.systemFile, "", settings);
+        return;
     }
-    if (wants == Wants::Port) return;
-    nodes = OpenNodes();
-    if (!target.settings.empty()) Apply(nodes, Port(), ParseAssignments(target.settings), NameOf(module));
+    const Discovery discovery = Discover(target.systemFile.empty() ? target.producer : target.systemFile);
+    for (const ProbeResult& failed : discovery.failed)
+        std::fprintf(stderr, "koro: %s\n", DescribeFailure(failed).c_str());
+    const InterfaceChoice choice = SelectInterface(discovery.producers, target.interfaceName);
+    aboveCameras.emplace(choice.producer->path, choice.interfaceRecord->id, settings);
+}
+
+const DataStream& FeatureSession::OpenStream()
+{
+    if (!stream) stream = OpenFirstStream(device);
+    return stream;
+}
+
+const koro::System& FeatureSession::System() const
+{
+    return connection ? connection->System() : aboveCameras->System();
+}
+
+const koro::Interface& FeatureSession::Interface() const
+{
+    return connection ? connection->Interface() : aboveCameras->Interface();
 }
 
 void FeatureSession::OpenDevice(Access access)
@@ -121,9 +166,9 @@ koro::Port FeatureSession::Port() const
     switch (module)
     {
     case ModuleKind::System:
-        return connection->System().Port();
+        return System().Port();
     case ModuleKind::Interface:
-        return connection->Interface().Port();
+        return Interface().Port();
     case ModuleKind::Device:
         return device.Port();
     case ModuleKind::Stream:
@@ -135,28 +180,19 @@ koro::Port FeatureSession::Port() const
 
 NodeMap FeatureSession::OpenNodes() const
 {
-    std::vector<NodeMap> maps;
     switch (module)
     {
     case ModuleKind::System:
-        maps = connection->System().NodeMaps();
-        break;
+        return FirstNodes(System(), module);
     case ModuleKind::Interface:
-        maps = connection->Interface().NodeMaps();
-        break;
+        return FirstNodes(Interface(), module);
     case ModuleKind::Device:
-        maps = device.NodeMaps();
-        break;
+        return FirstNodes(device, module);
     case ModuleKind::Stream:
-        maps = stream.NodeMaps();
-        break;
+        return FirstNodes(stream, module);
     default:
-        maps = device.RemoteDevice().NodeMaps();
+        return FirstNodes(device.RemoteDevice(), module);
     }
-    if (!maps.empty()) return maps.front();
-    throw ToolError(
-        std::string("The ") + NameOf(module) + " has no description that can be fetched.",
-        "`koro info` shows where its descriptions lie.");
 }
 
 Node FeatureSession::Feature(const std::string& name) const
@@ -170,8 +206,9 @@ Node FindFeature(const NodeMap& nodes, const std::string& name, const std::strin
     if (node) return node;
     const std::string alike = Suggestions(nodes, name);
     throw ToolError(
-        "The " + owner + " has no feature \"" + Printable(name) + "\".",
-        alike.empty() ? "`koro features` lists all of them." : "There are " + alike + ".", exitNoSuchFeature);
+        "The " + owner + " has no feature \"" + PrintableStart(name) + "\".",
+        alike.empty() ? "`koro features --all` lists all names that can be given." : "There are " + alike + ".",
+        exitNoSuchFeature);
 }
 
 } // namespace koro::tool

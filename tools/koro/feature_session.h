@@ -4,8 +4,13 @@
 #pragma once
 
 #include "tools/koro/camera_connection.h"
+#include "tools/koro/module_connection.h"
+#include "tools/koro/module_kind.h"
+#include "tools/koro/module_settings.h"
 #include <koro/koro.hpp>
 
+#include <cstddef>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -19,31 +24,32 @@ class Option;
 namespace koro::tool
 {
 
-enum class ModuleKind
-{
-    Remote,
-    Device,
-    Stream,
-    Interface,
-    System,
-};
-
 // What the commands for features have in common on the command line.
 struct FeatureTarget
 {
     std::string camera;
     std::string producer;
+    std::string interfaceName; // a module above the cameras, when no camera is named
+    std::string systemFile;    // likewise
     ModuleKind module = ModuleKind::Remote;
-    std::vector<std::string> settings; // NAME=VALUE, written before anything else
+    std::vector<std::string> settings; // [MODULE:]NAME=VALUE, written before anything else
+    // Called after each that was written; false ends the rest.
+    std::function<bool(const Node&)> written;
+
+    bool IsAboveCameras() const { return !interfaceName.empty() || !systemFile.empty(); }
 };
 
 // Defines the camera and --producer. Returns the camera's option, which is required.
 CLI::Option* DefineCamera(CLI::App& command, FeatureTarget& target);
 // The same with --module; with `offersSettings` also --set.
 CLI::Option* DefineTarget(CLI::App& command, FeatureTarget& target, bool offersSettings);
-
-// "remote device", "device", ...
-const char* NameOf(ModuleKind module);
+// The same with --interface and --system, which take the place of the camera. The action begins with CompleteTarget.
+void DefineAnyModule(CLI::App& command, FeatureTarget& target, bool offersSettings);
+// Behind --interface and --system the first word is no camera but belongs to the others. Throws ToolError (exit status
+// 2) when there is no camera, and for a module that needs one.
+void CompleteTarget(FeatureTarget& target, std::vector<std::string>& words);
+// Throws ToolError (exit status 2) unless there are so many words; `what` says what is missing.
+void RequireWords(const std::vector<std::string>& words, size_t least, size_t most, const char* what);
 
 class FeatureSession
 {
@@ -63,8 +69,8 @@ public:
         Port,
     };
 
-    // Finds and opens the module; applies the target's settings, for which it needs Access::Write whatever is asked
-    // for. Throws koro::Error or ToolError.
+    // Finds and opens the module. Each module of its branch gets its settings before the one below is opened; those of
+    // the camera need Access::Write, which is taken then. Throws koro::Error or ToolError.
     FeatureSession(const FeatureTarget& target, Access access, Wants wants = Wants::Nodes);
 
     // Not open for the system and the interface.
@@ -77,11 +83,17 @@ public:
     const std::optional<std::string>& WhyReadOnly() const { return whyReadOnly; }
 
 private:
+    void OpenCamera(const FeatureTarget& target, const ModuleSettings& settings, Access access);
+    void OpenAboveCameras(const FeatureTarget& target, const ModuleSettings& settings);
     void OpenDevice(Access access);
+    const DataStream& OpenStream();
+    const koro::System& System() const;
+    const koro::Interface& Interface() const;
     NodeMap OpenNodes() const;
 
     ModuleKind module;
     std::optional<CameraConnection> connection;
+    std::optional<ModuleConnection> aboveCameras; // when no camera is named
     koro::Device device;
     DataStream stream;
     std::optional<std::string> whyReadOnly;

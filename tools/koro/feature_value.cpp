@@ -31,34 +31,7 @@ ToolError NoValue(const Node& node)
 
 ToolError WrongText(const Node& node, const std::string& text, const std::string& wanted)
 {
-    return ToolError("\"" + Printable(text) + "\" is no value for " + node.Name() + ", which is " + wanted + ".");
-}
-
-std::string Hex(const std::vector<uint8_t>& bytes)
-{
-    constexpr char digits[] = "0123456789abcdef";
-    std::string text = "0x";
-    for (const uint8_t byte : bytes)
-    {
-        text += digits[byte >> 4];
-        text += digits[byte & 0xF];
-    }
-    return text;
-}
-
-std::vector<uint8_t> ParseHex(const std::string& text)
-{
-    const size_t start = text.rfind("0x", 0) == 0 || text.rfind("0X", 0) == 0 ? 2 : 0;
-    if ((text.size() - start) % 2 != 0) throw std::invalid_argument("half a byte");
-    std::vector<uint8_t> bytes;
-    for (size_t i = start; i < text.size(); i += 2)
-    {
-        uint8_t byte = 0;
-        const auto [end, failure] = std::from_chars(&text[i], &text[i] + 2, byte, 16);
-        if (failure != std::errc() || end != &text[i] + 2) throw std::invalid_argument("no hexadecimal digit");
-        bytes.push_back(byte);
-    }
-    return bytes;
+    return ToolError("\"" + PrintableStart(text) + "\" is no value for " + node.Name() + ", which is " + wanted + ".");
 }
 
 // Groups of digits between separators, as in 10.0.0.1.
@@ -135,6 +108,33 @@ void Parse(
 }
 
 } // namespace
+
+std::string Hex(const std::vector<uint8_t>& bytes)
+{
+    constexpr char digits[] = "0123456789abcdef";
+    std::string text = "0x";
+    for (const uint8_t byte : bytes)
+    {
+        text += digits[byte >> 4];
+        text += digits[byte & 0xF];
+    }
+    return text;
+}
+
+std::vector<uint8_t> ParseHex(const std::string& text)
+{
+    const size_t start = text.rfind("0x", 0) == 0 || text.rfind("0X", 0) == 0 ? 2 : 0;
+    if ((text.size() - start) % 2 != 0) throw std::invalid_argument("half a byte");
+    std::vector<uint8_t> bytes;
+    for (size_t i = start; i < text.size(); i += 2)
+    {
+        uint8_t byte = 0;
+        const auto [end, failure] = std::from_chars(&text[i], &text[i] + 2, byte, 16);
+        if (failure != std::errc() || end != &text[i] + 2) throw std::invalid_argument("no hexadecimal digit");
+        bytes.push_back(byte);
+    }
+    return bytes;
+}
 
 bool HasValue(KORO_NodeType type)
 {
@@ -270,9 +270,10 @@ std::string ShowValue(const Node& node)
     }
     else
     {
-        text = Printable(ReadValue(node));
+        text = ReadValue(node);
+        const bool isLong = text.size() > maxShown;
+        text = isLong ? Printable(text.substr(0, maxShown)) + "..." : Printable(text);
     }
-    if (text.size() > maxShown) text = text.substr(0, maxShown) + "...";
     return node.Type() == KORO_NODE_TYPE_STRING ? "\"" + text + "\"" : text;
 }
 
@@ -284,10 +285,11 @@ void CheckValue(const Node& node, const std::string& text)
         std::string names;
         for (const EnumerationEntryNode& known : node.ToEnumeration().Entries())
         {
-            if (known.Node().IsAvailable()) names += (names.empty() ? "" : ", ") + known.SymbolicValue();
+            if (known.Node().IsAvailable())
+                names += (names.empty() ? "" : ", ") + PrintableStart(known.SymbolicValue());
         }
         throw ToolError(
-            "\"" + Printable(text) + "\" is no value for " + node.Name() + ".",
+            "\"" + PrintableStart(text) + "\" is no value for " + node.Name() + ".",
             names.empty() ? "None can be chosen at this time." : "It can be " + names + ".");
     };
     const auto fits = [&](const std::vector<uint8_t>& bytes) {

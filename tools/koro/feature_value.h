@@ -3,8 +3,10 @@
 
 #include <koro/koro.hpp>
 
+#include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace koro::tool
 {
@@ -33,6 +35,9 @@ std::string NumberText(double number);
 int64_t ParseNumber(const std::string& text);
 // Throws std::invalid_argument.
 double ParseReal(const std::string& text);
+// Bytes in hexadecimal after 0x, and back, with or without 0x. The latter throws std::invalid_argument.
+std::string Hex(const std::vector<uint8_t>& bytes);
+std::vector<uint8_t> ParseHex(const std::string& text);
 // 1, true, on, yes or 0, false, off, no, in any case; empty for all else.
 std::optional<bool> ParseBoolean(std::string text);
 

@@ -1,6 +1,5 @@
 #include "tools/koro/grab_session.h"
 
-#include "tools/koro/assignments.h"
 #include "tools/koro/first_stream.h"
 #include "tools/koro/if_known.h"
 #include "tools/koro/tool_error.h"
@@ -51,11 +50,16 @@ size_t NumBuffers(const DataStream& stream, size_t payloadSize)
 
 GrabSession::GrabSession(const DeviceDescriptor& camera, const GrabSettings& wished, CameraLink* cameraLink)
     : settings(wished), link(cameraLink), numLossesBefore(link ? link->NumReportedLosses() : 0),
-      device(camera.OpenDevice(AccessType::Control)), stream(OpenFirstStream(device))
+      modules(settings.settings, ModuleKind::Remote), device(camera.OpenDevice(AccessType::Control))
 {
     FindNodes();
-    if (!settings.settings.empty())
-        Apply(nodes, device.RemoteDevice().Port(), ParseAssignments(settings.settings), "remote device");
+    const auto openStream = [this]() -> const DataStream& {
+        if (!stream) stream = OpenFirstStream(device);
+        return stream;
+    };
+    // Those above the camera were written when these modules were opened.
+    modules.ApplyTo(device, openStream);
+    openStream();
     if (settings.chunks)
     {
         chunkMode.emplace(nodes);
@@ -78,7 +82,7 @@ void GrabSession::FindNodes()
     }
     catch (const std::runtime_error& error)
     {
-        if (!settings.settings.empty() || settings.chunks) throw;
+        if (modules.NeedCamera() || settings.chunks) throw;
         std::fprintf(stderr, "koro: No features of the camera are used: %s\n", error.what());
     }
 }

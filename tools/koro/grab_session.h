@@ -8,6 +8,7 @@
 #include "tools/koro/frame_taker.h"
 #include "tools/koro/grab_output.h"
 #include "tools/koro/interrupt.h"
+#include "tools/koro/module_settings.h"
 #include "tools/koro/point_cloud.h"
 #include "tools/koro/switched_features.h"
 #include <koro/koro.hpp>
@@ -42,6 +43,7 @@ private:
     const GrabSettings settings;
     CameraLink* const link;
     const uint64_t numLossesBefore; // that the link has heard of; what was opened after them knows nothing of them
+    const ModuleSettings modules;
     Device device;
     NodeMap nodes;                                   // the camera's features; empty when it has no usable description
     std::optional<Scan3D> geometry;                  // of a 3D camera

@@ -1,4 +1,6 @@
 #include "tools/koro/commands.h"
+#include "tools/koro/output.h"
+#include "tools/koro/report.h"
 #include "tools/koro/tool_error.h"
 #include <koro/koro.hpp>
 
@@ -29,6 +31,8 @@ constexpr Command commands[] = {
     {"get", DefineGet, "Print the values of features"},
     {"set", DefineSet, "Change features, in the order given"},
     {"run", DefineRun, "Execute a command and wait until it is done"},
+    {"read", DefineRead, "Print bytes of the registers of a module"},
+    {"write", DefineWrite, "Write bytes to the registers of a module"},
     {"describe", DefineDescribe, "Show all that is known of one feature, and why it cannot be written"},
     {"xml", DefineXML, "Write the description of the features as it was fetched"},
     {"watch", DefineWatch, "Print changes of features, or cameras that come and go, as they come"},
@@ -41,8 +45,8 @@ constexpr Command commands[] = {
 
 int Fail(const char* text, const std::string& hint, int status)
 {
-    std::fprintf(stderr, "koro: %s\n", text);
-    if (!hint.empty()) std::fprintf(stderr, "hint: %s\n", hint.c_str());
+    std::fprintf(stderr, "koro: %s\n", PrintableLines(text).c_str());
+    if (!hint.empty()) std::fprintf(stderr, "hint: %s\n", PrintableLines(hint).c_str());
     return status;
 }
 
@@ -86,6 +90,7 @@ int Run(const Action& action)
 
 int main(int argc, char** argv)
 {
+    IgnoreLostReaders();
     CLI::App app("Find cameras and take pictures through GenICam GenTL producers.", "koro");
     app.require_subcommand(1);
     app.set_version_flag("--version", std::string(KORO_TOOL_VERSION));
@@ -93,7 +98,7 @@ int main(int argc, char** argv)
         "GENICAM_GENTL64_PATH names the directories of the producers. Exit status: 0 success, 1 failure, 2 wrong\n"
         "command line, 3 no such camera, 4 no usable camera, 5 pictures missing, 6 no such feature, 7 settings "
         "differ,\n"
-        "130 interrupted.");
+        "130 interrupted, 141 nobody reads the output any more.");
 
     std::vector<std::pair<CLI::App*, Action>> actions;
     for (const Command& command : commands)
@@ -108,11 +113,11 @@ int main(int argc, char** argv)
     }
     catch (const CLI::ParseError& error)
     {
-        return app.exit(error) == 0 ? exitSuccess : exitUsage;
+        return app.exit(error) == 0 ? FinishOutput(exitSuccess) : exitUsage;
     }
     for (const auto& [part, action] : actions)
     {
-        if (part->parsed()) return Run(action);
+        if (part->parsed()) return FinishOutput(Run(action));
     }
     return exitUsage;
 }

@@ -1,0 +1,189 @@
+// What becomes of the tool's output where it cannot be written, and what a camera's texts may do to a terminal.
+#include "tests/tool/described_camera.h"
+#include "tests/tool/simulator_settings.h"
+#include "tests/tool/tool_run.h"
+
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+namespace
+{
+
+using namespace koro::test;
+using nlohmann::json;
+using testing::HasSubstr;
+using testing::Not;
+
+constexpr int failure = 1;
+constexpr int brokenPipe = 141;
+
+// The simulator's camera "cam", and runs of the tool through a shell, which sends its output elsewhere.
+class Output : public testing::Test
+{
+protected:
+    Output() : environment(SimulatorWith(folder, OneCamera("Mono8", 64, 48))) {}
+
+    // `redirection` in the words of a shell. Standard output of the result stays empty.
+    ToolResult RunInto(const std::string& redirection, const std::string& arguments) const
+    {
+        std::string command = "env";
+        for (const auto& [name, value] : environment)
+            command += " " + name + "='" + *value + "'";
+        const std::string errors = folder.File("errors");
+        command += " \"$KORO_TEST_TOOL\" " + arguments + " 2>'" + errors + "' " + redirection;
+        const int status = std::system(command.c_str());
+        std::ifstream file(errors);
+        ToolResult result;
+        result.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+        result.err = {std::istreambuf_iterator<char>(file), {}};
+        return result;
+    }
+
+    TemporaryFolder folder;
+    Environment environment;
+    const std::vector<std::string> commands = {
+        "list",
+        "list --json",
+        "info cam",
+        "doctor",
+        "features cam",
+        "features cam --json",
+        "get cam Width",
+        "set cam Width=32",
+        "run cam AcquisitionStop",
+        "describe cam Width",
+        "xml cam",
+        "watch cam Width --changes 3",
+        "watch --changes 3",
+        "settings save cam '" + folder.File("settings") + "'",
+        "files list cam",
+        "files read cam UserFile -",
+        "grab cam --frames 1 --output '" + folder.File("pictures") + "'",
+        "--help",
+        "--version",
+    };
+};
+
+// A pipe of which nobody reads, under a number that a shell knows.
+class PipeWithoutReader
+{
+public:
+    PipeWithoutReader()
+    {
+        int ends[2];
+        if (pipe(ends) != 0) std::abort();
+        dup2(ends[1], number);
+        close(ends[0]);
+        if (ends[1] != number) close(ends[1]);
+    }
+    PipeWithoutReader(const PipeWithoutReader&) = delete;
+    PipeWithoutReader& operator=(const PipeWithoutReader&) = delete;
+    ~PipeWithoutReader() { close(number); }
+
+    static constexpr int number = 9;
+};
+
+TEST_F(Output, ThatDoesNotFitOnTheDiskIsAFailureOfEveryCommand)
+{
+    if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "there is no /dev/full";
+    for (const std::string& arguments : commands)
+    {
+        if (arguments == "files read cam UserFile -") continue; // has no bytes
+        const ToolResult result = RunInto(">/dev/full", arguments);
+        EXPECT_EQ(result.status, failure) << arguments;
+        EXPECT_THAT(result.err, HasSubstr("koro: Cannot write the output: No space left on device.\nhint: "))
+            << arguments;
+    }
+}
+
+TEST_F(Output, IntoAClosedDescriptorIsAFailureOfEveryCommand)
+{
+    for (const std::string& arguments : commands)
+    {
+        if (arguments == "files read cam UserFile -") continue; // has no bytes
+        const ToolResult result = RunInto(">&-", arguments);
+        EXPECT_EQ(result.status, failure) << arguments;
+        EXPECT_THAT(result.err, HasSubstr("koro: Cannot write the output: ")) << arguments;
+    }
+}
+
+TEST_F(Output, IntoAPipeWithoutReaderEndsQuietly)
+{
+    const PipeWithoutReader pipe;
+    for (const std::string& arguments : commands)
+    {
+        if (arguments == "files read cam UserFile -") continue; // has no bytes
+        const ToolResult result = RunInto(">&" + std::to_string(PipeWithoutReader::number), arguments);
+        EXPECT_EQ(result.status, brokenPipe) << arguments;
+        EXPECT_EQ(result.err, "") << arguments;
+    }
+}
+
+TEST_F(Output, OfACommandWithoutEndEndsItWhenNobodyReads)
+{
+    json settings = OneCamera("Mono8", 64, 48);
+    settings["interfaces"][0]["tlType"] = "GEV"; // such cameras send events
+    folder.MakeFile("simulator.json", settings.dump());
+    const PipeWithoutReader pipe;
+    const std::string into = ">&" + std::to_string(PipeWithoutReader::number);
+    for (const char* const arguments :
+         {"watch", "watch cam DeviceTemperature --refresh", "events cam --enable ExposureEnd --acquire"})
+    {
+        EXPECT_EQ(RunInto(into, arguments).status, brokenPipe) << arguments;
+    }
+}
+
+// What a terminal would take for an order: as an escape and as one character of 8 bits.
+const std::string orders = "a\x1B[2J\xC2\x9B"
+                           "31mb";
+
+TEST(Texts, OfACameraGiveNoOrdersToTheTerminal)
+{
+    json settings = OneCamera("Mono8", 64, 48);
+    settings["interfaces"][0]["cameras"][0]["userName"] = orders;
+    const Camera camera(settings);
+    const Arguments runs[] = {
+        {"list"},
+        {"info", "cam"},
+        {"get", "nobody", "Width"},
+        {"watch", "--changes", "2"},
+        {"doctor"},
+        {"get", orders + "x", "Width"},
+        {"get", "cam", orders},
+    };
+    for (const Arguments& arguments : runs)
+    {
+        const ToolResult result = camera.Run(arguments);
+        for (const std::string& text : {result.out, result.err})
+        {
+            EXPECT_THAT(text, Not(HasSubstr("\x1B"))) << arguments.front();
+            EXPECT_THAT(text, Not(HasSubstr("\xC2\x9B"))) << arguments.front();
+        }
+    }
+    EXPECT_THAT(camera.Run({"get", "nobody", "Width"}).err, HasSubstr("\"a?[2J?31mb\""));
+}
+
+TEST(Texts, ThatAreSetAndWatchedGiveNoOrdersToTheTerminal)
+{
+    const Camera camera;
+    const ToolResult written = camera.Run({"set", "cam", "DeviceUserID=" + orders});
+    EXPECT_EQ(written.status, 0) << written.err;
+    EXPECT_EQ(written.out, "DeviceUserID=a?[2J?31mb\n");
+    const ToolResult watched =
+        camera.Run({"watch", "cam", "DeviceUserID", "--changes", "1", "--set", "DeviceUserID=" + orders});
+    EXPECT_THAT(watched.out, HasSubstr("DeviceUserID=a?[2J?31mb\n"));
+    // A program gets the bytes as they are.
+    EXPECT_EQ(camera.Run({"get", "cam", "DeviceUserID", "--set", "DeviceUserID=" + orders}).out, orders + "\n");
+}
+
+} // namespace

@@ -1,0 +1,29 @@
+#include "tools/koro/module_connection.h"
+
+#include "tools/koro/read_producer.h"
+#include "tools/koro/report.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace koro::tool
+{
+
+ModuleConnection::ModuleConnection(
+    const std::string& path, const std::string& interfaceID, const ModuleSettings& settings)
+    : library(Library::Initialize()), producer(path), system(producer.System().OpenSystem())
+{
+    settings.ApplyTo(system);
+    if (interfaceID.empty()) return;
+    system.UpdateInterfaces(updateTimeout_ms);
+    const std::vector<InterfaceDescriptor> known = system.Interfaces();
+    const auto found = std::find_if(
+        known.begin(), known.end(), [&](const InterfaceDescriptor& one) { return one.ID() == interfaceID; });
+    if (found == known.end())
+        throw ToolError(
+            PrintableStart(interfaceID) + " has gone since it was listed.", "`koro list` shows what is there.");
+    opened = found->OpenInterface();
+    settings.ApplyTo(opened);
+}
+
+} // namespace koro::tool

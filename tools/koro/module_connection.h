@@ -1,0 +1,31 @@
+// ModuleConnection: a producer's system, and one of its interfaces if one is asked for, open without a camera.
+//
+// Owned by one command; its destructor closes from the interface up. One thread at a time.
+#pragma once
+
+#include "tools/koro/module_settings.h"
+#include <koro/koro.hpp>
+
+#include <string>
+
+namespace koro::tool
+{
+
+class ModuleConnection
+{
+public:
+    // Loads the producer at `path`. An empty `interfaceID` opens no interface. Each module gets its settings as soon as
+    // it is open. Throws koro::Error, or ToolError when the interface has gone meanwhile.
+    ModuleConnection(const std::string& path, const std::string& interfaceID, const ModuleSettings& settings);
+
+    const koro::System& System() const { return system; }
+    const koro::Interface& Interface() const { return opened; }
+
+private:
+    Library library;
+    ProducerLibrary producer;
+    koro::System system;
+    koro::Interface opened;
+};
+
+} // namespace koro::tool

@@ -1,0 +1,67 @@
+#include "tools/koro/output.h"
+
+#include "tools/koro/exit_codes.h"
+
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <poll.h>
+#include <string>
+#include <system_error>
+#include <unistd.h>
+
+namespace koro::tool
+{
+
+namespace
+{
+
+// Asked of the system, since the reason of an earlier failure is not kept.
+bool HasLostItsReader(int descriptor)
+{
+    pollfd pipe{descriptor, POLLOUT, 0};
+    return poll(&pipe, 1, 0) == 1 && (pipe.revents & POLLERR) != 0;
+}
+
+// Some file systems report a full disk only in a close. Of a copy, since what a producer left running may still print.
+bool CloseCopy(int descriptor)
+{
+    const int copy = dup(descriptor);
+    return copy < 0 || close(copy) == 0; // what was closed before is missed when something is written
+}
+
+// The stream only keeps that something failed. The output is broken anyway, so one more byte does no harm.
+int ReasonOfEarlierFailure()
+{
+    std::clearerr(stdout);
+    errno = 0;
+    return std::fputc('\n', stdout) == EOF || std::fflush(stdout) != 0 ? errno : 0;
+}
+
+} // namespace
+
+void IgnoreLostReaders()
+{
+    std::signal(SIGPIPE, SIG_IGN);
+}
+
+bool WriteOut()
+{
+    return std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+}
+
+int FinishOutput(int status)
+{
+    errno = 0;
+    const bool written = WriteOut() && CloseCopy(fileno(stdout));
+    if (written) return status;
+    const int reason = errno != 0 ? errno : ReasonOfEarlierFailure();
+    if (reason == EPIPE || HasLostItsReader(fileno(stdout))) return status == exitSuccess ? exitBrokenPipe : status;
+    const std::string text = reason == 0 ? "a part is lost" : std::generic_category().message(reason);
+    std::fprintf(
+        stderr, "koro: Cannot write the output: %s.\nhint: Check that the disk has room and the output is open.\n",
+        text.c_str());
+    return status == exitSuccess ? exitFailure : status;
+}
+
+} // namespace koro::tool
