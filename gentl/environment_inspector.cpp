@@ -62,14 +62,13 @@ __attribute__((noinline, no_sanitize("null"))) bool PassesTest(
     }
 }
 
-// At namespace scope, where it outlives the static objects and exit handlers of an application.
-EnvironmentInspector sharedInspector;
-
 } // namespace
 
 EnvironmentInspector& EnvironmentInspector::Shared()
 {
-    return sharedInspector;
+    // Never destroyed: exit handlers that were registered before the library was loaded run after its destructors.
+    static auto* const shared = new EnvironmentInspector;
+    return *shared;
 }
 
 void EnvironmentInspector::UpdateCTIPaths(const UsabilityTest& isUsable)
