@@ -127,6 +127,7 @@ void GenTLProxy::DetermineVersion()
     {
         throw std::runtime_error("Initializing " + ctiPath + " failed! Code: " + std::to_string(result) + ".");
     }
+    library.KeepMapped();
     try
     {
         genTLVersionMajor = QueryVersionNumber(GenTL::TL_INFO_GENTL_VER_MAJOR, "TL_INFO_GENTL_VER_MAJOR");

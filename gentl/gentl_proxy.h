@@ -1,7 +1,8 @@
 // GenTLProxy: one loaded GenTL producer with the table of its entry points.
 //
 // Held by shared reference by everything that belongs to the producer, so that the file stays loaded while any of
-// it lives. Constant after construction: all threads call through it without a lock.
+// it lives; one that has started stays mapped to the end of the process. Constant after construction: all threads call
+// through it without a lock.
 #pragma once
 
 #include "gentl/api/gentl.h"
@@ -19,7 +20,7 @@ class GenTLProxy
 public:
     // Loads the file, asks for the version that the producer claims and binds what that claim promises.
     // Throws CTILoadingException when the file cannot be loaded, std::runtime_error when it breaks its claim; the
-    // file is unloaded again in either case.
+    // file is closed again in either case, and unloaded if its GCInitLib has not succeeded.
     explicit GenTLProxy(const std::string& path);
     GenTLProxy(const GenTLProxy&) = delete;
     GenTLProxy& operator=(const GenTLProxy&) = delete;

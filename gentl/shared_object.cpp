@@ -9,6 +9,7 @@
 #include <dlfcn.h>
 #include <elf.h>
 #include <fstream>
+#include <link.h>
 #include <sys/stat.h>
 #include <vector>
 
@@ -91,6 +92,15 @@ SharedObject::FoundSymbol SharedObject::Symbol(const char* name) const
     const int number = errno;
     if (address) return {address, {}};
     return {nullptr, ErrorNumberText(number)};
+}
+
+// The file is named as the loader knows it, so that one that was replaced on the disk meanwhile is not taken for it.
+void SharedObject::KeepMapped() const noexcept
+{
+    const link_map* loaded = nullptr;
+    if (dlinfo(handle, RTLD_DI_LINKMAP, &loaded) != 0) return;
+    void* const same = dlopen(loaded->l_name, RTLD_NOW | RTLD_LOCAL | RTLD_NOLOAD | RTLD_NODELETE);
+    if (same) dlclose(same);
 }
 
 } // namespace koro::internal

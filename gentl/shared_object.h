@@ -1,6 +1,6 @@
-// SharedObject: one loaded .cti file, from load to unload.
+// SharedObject: one loaded .cti file.
 //
-// Owned by GenTLProxy alone; the destructor unloads. Thread-safe once constructed: nothing changes any more.
+// Owned by GenTLProxy only. The destructor unloads the file, unless KeepMapped was called. Any thread once constructed.
 #pragma once
 
 #include <string>
@@ -26,6 +26,10 @@ public:
 
     // No exception when absent: whether that matters depends on the GenTL version that the producer claims.
     FoundSymbol Symbol(const char* name) const;
+
+    // The file's code stays in the process to its end. For a producer that has started: it may have left threads
+    // behind, and they would go on in unmapped code.
+    void KeepMapped() const noexcept;
 
 private:
     void* handle;

@@ -21,7 +21,7 @@ class ProducerLibrary final : public Instance,
                               public std::enable_shared_from_this<ProducerLibrary>
 {
 public:
-    // Loads and initialises the producer; the file is unloaded again when that fails. Throws CTILoadingException,
+    // Loads and initialises the producer; the file is closed again when that fails. Throws CTILoadingException,
     // std::runtime_error (GenTLProxy) or InternalErrorException.
     explicit ProducerLibrary(const std::string& ctiPath);
     ~ProducerLibrary() override;

@@ -1,6 +1,7 @@
 // Entry points of the library itself.
 #define GENTL_PRODUCER
 #include "producers/scripted/call.h"
+#include "producers/scripted/lingering_thread.h"
 #include "producers/scripted/variant.h"
 
 #include <dlfcn.h>
@@ -49,6 +50,7 @@ GC_ERROR GenTL::GCInitLib()
     return Call("GCInitLib", [](State& state, Lock&) {
         if (state.answers.strictInit && state.live.initCount > 0) return GC_ERR_RESOURCE_IN_USE;
         ++state.live.initCount;
+        if (variant.leavesThreads) StartLingeringThread();
         return GC_ERR_SUCCESS;
     });
 }

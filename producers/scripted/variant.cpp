@@ -16,6 +16,9 @@
 #ifndef SCRIPTED_CLOSE_RESULT
 #define SCRIPTED_CLOSE_RESULT GC_ERR_SUCCESS
 #endif
+#ifndef SCRIPTED_LEAVES_THREADS
+#define SCRIPTED_LEAVES_THREADS false
+#endif
 
 #ifdef SCRIPTED_BEHAVIOUR
 #include "producers/scripted/wild/producer.h"
@@ -44,6 +47,7 @@ const Variant variant = {
     .versionResult = SCRIPTED_VERSION_RESULT,
     .initResult = SCRIPTED_INIT_RESULT,
     .closeResult = SCRIPTED_CLOSE_RESULT,
+    .leavesThreads = SCRIPTED_LEAVES_THREADS,
     .behave = SCRIPTED_BEHAVE,
 };
 

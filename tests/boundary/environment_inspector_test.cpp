@@ -238,7 +238,7 @@ TEST_F(EnvironmentInspector, DeletedFileGoesAndTheOthersKeepTheirOrder)
     EXPECT_EQ(PathsAfterUpdate(here), (Strings{b, a, c}));
 }
 
-TEST_F(EnvironmentInspector, UpdateLoadsANewProducerOnceAndUnloadsItAgain)
+TEST_F(EnvironmentInspector, UpdateLoadsANewProducerOnceAndKeepsItMapped)
 {
     ScriptedProducer producer;
     const auto producerFolder = producer.Folder().Path().string();
@@ -251,7 +251,24 @@ TEST_F(EnvironmentInspector, UpdateLoadsANewProducerOnceAndUnloadsItAgain)
 
     EXPECT_EQ(PathsAfterUpdate(producerFolder), Strings{producer.Path()});
     EXPECT_EQ(LoadTrials(producer), 1u);
-    EXPECT_FALSE(producer.IsLoadedByOthers());
+    EXPECT_TRUE(producer.IsLoadedByOthers());
+}
+
+// Without the mapping each of the threads goes on in code that is no longer there.
+TEST_F(EnvironmentInspector, ThreadsThatAProducerLeavesBehindKeepTheirCode)
+{
+    const auto path = CopyProducer("a.cti", "scripted_lingering_threads");
+
+    EXPECT_EQ(PathsAfterUpdate(here), Strings{path});
+    EXPECT_TRUE(IsMapped(path));
+}
+
+TEST_F(EnvironmentInspector, FileThatFailsBeforeItsStartIsUnloaded)
+{
+    const auto path = CopyProducer("a.cti", "scripted_init_fails");
+
+    EXPECT_EQ(PathsAfterUpdate(here), Strings{});
+    EXPECT_FALSE(IsMapped(path));
 }
 
 TEST_F(EnvironmentInspector, ProducerThatFailedIsTriedAgainAtTheNextUpdate)

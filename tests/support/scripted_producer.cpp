@@ -16,6 +16,13 @@ std::string BuiltProducer(const std::string& variant)
     return std::string(folder) + "/" + variant + ".cti";
 }
 
+bool IsMapped(const std::string& path)
+{
+    void* const loaded = dlopen(path.c_str(), RTLD_NOW | RTLD_NOLOAD);
+    if (loaded) dlclose(loaded);
+    return loaded != nullptr;
+}
+
 ScriptedProducer::ScriptedProducer(const std::string& variant, std::initializer_list<std::string> lacking)
     : path(folder.MakeCopy(BuiltProducer(variant), variant + ".cti"))
 {
@@ -36,9 +43,7 @@ ScriptedProducer::~ScriptedProducer()
 bool ScriptedProducer::IsLoadedByOthers()
 {
     Unload();
-    void* other = dlopen(path.c_str(), RTLD_NOW | RTLD_NOLOAD);
-    if (other) dlclose(other);
-    return other != nullptr;
+    return IsMapped(path);
 }
 
 void ScriptedProducer::Unload()

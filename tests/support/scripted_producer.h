@@ -16,6 +16,9 @@ namespace koro::test
 // The built file of a variant: "scripted_1_5".
 std::string BuiltProducer(const std::string& variant);
 
+// Tells whether the process has the file loaded.
+bool IsMapped(const std::string& path);
+
 class ScriptedProducer
 {
 public:
@@ -32,8 +35,8 @@ public:
     scripted::Script* operator->() const { return script; }
     scripted::Script& operator*() const { return *script; }
 
-    // Gives up this object's own hold and tells whether somebody else still has the file loaded. The script is not to
-    // be used any more.
+    // Gives up this object's hold and reports whether the file stays in the process, be it that somebody else has it
+    // loaded or that it was fixed there. The script is not to be used any more.
     bool IsLoadedByOthers();
 
 private:

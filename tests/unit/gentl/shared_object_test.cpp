@@ -16,6 +16,7 @@
 using koro::internal::CTILoadingException;
 using koro::internal::SharedObject;
 using koro::test::BuiltProducer;
+using koro::test::IsMapped;
 using koro::test::ScriptedProducer;
 using koro::test::TemporaryFolder;
 using testing::ContainsRegex;
@@ -174,6 +175,28 @@ TEST(SharedObject, FileStaysLoadedWhileTheObjectLives)
     ScriptedProducer producer;
     const SharedObject library(producer.Path());
     EXPECT_TRUE(producer.IsLoadedByOthers());
+}
+
+TEST(SharedObject, FileThatIsKeptMappedOutlivesTheObject)
+{
+    ScriptedProducer producer;
+    std::optional<SharedObject> library(producer.Path());
+    library->KeepMapped();
+    library.reset();
+    EXPECT_TRUE(producer.IsLoadedByOthers());
+}
+
+TEST(SharedObject, FileOfARelativePathIsKeptMappedFromAnotherWorkingDirectoryToo)
+{
+    const TemporaryFolder folder;
+    const std::string path = folder.MakeCopy(BuiltProducer("scripted_1_5"), "here.cti");
+    {
+        std::optional<WorkingDirectory> inside(folder.Path());
+        const SharedObject library("here.cti");
+        inside.reset();
+        library.KeepMapped();
+    }
+    EXPECT_TRUE(IsMapped(path));
 }
 
 TEST(SharedObject, ProducersDoNotSeeEachOthersSymbols)
