@@ -77,7 +77,7 @@ void DataStream::StopAndReleaseAll()
             announced = buffers;
         }
         for (const auto& buffer : announced)
-            RevokeBuffer(buffer);
+            Release(buffer);
     });
 }
 
@@ -225,13 +225,19 @@ void DataStream::RevokeBuffer(const std::shared_ptr<Buffer>& buffer)
 {
     WithDevice([&] {
         CheckNotEmpty(buffer);
-        buffer->Revoke(Handle());
-        const std::lock_guard lock(buffersLock);
-        std::erase(buffers, buffer);
-        // The producer may have given the handle to a newer buffer, which its revocation callback announced.
-        const auto entry = buffersByHandle.find(buffer->Handle());
-        if (entry != buffersByHandle.end() && entry->second == buffer) buffersByHandle.erase(entry);
+        const auto owner = buffer->ParentStream();
+        owner->WithDevice([&] { owner->Release(buffer); });
     });
+}
+
+void DataStream::Release(const std::shared_ptr<Buffer>& buffer)
+{
+    buffer->Revoke(Handle());
+    const std::lock_guard lock(buffersLock);
+    std::erase(buffers, buffer);
+    // The producer may have given the handle to a newer buffer, which its revocation callback announced.
+    const auto entry = buffersByHandle.find(buffer->Handle());
+    if (entry != buffersByHandle.end() && entry->second == buffer) buffersByHandle.erase(entry);
 }
 
 std::shared_ptr<Buffer> DataStream::WaitForFinishedBuffer(std::uint64_t timeout_ms)

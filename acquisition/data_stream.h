@@ -60,7 +60,7 @@ public:
         void* buffer, std::size_t bufferSize, void* userPtr, RevocationCallback onRevocation);
     std::shared_ptr<Buffer> AllocAndAnnounceBuffer(std::size_t bufferSize, void* userPtr);
     void QueueBuffer(const std::shared_ptr<Buffer>& buffer);
-    // A refusal of the producer leaves the buffer announced.
+    // Goes to the stream that the buffer was announced to. A refusal of the producer leaves the buffer announced.
     void RevokeBuffer(const std::shared_ptr<Buffer>& buffer);
 
     // The announced buffer that the producer finished. For one that was announced behind the library's back a new
@@ -92,6 +92,8 @@ private:
     template <class Announce>
     std::shared_ptr<Buffer> Announced(Announce&& announce);
     std::shared_ptr<Buffer> FindOrWrap(GenTL::BUFFER_HANDLE handle);
+    // Of a buffer of this stream.
+    void Release(const std::shared_ptr<Buffer>& buffer);
     void StopAndReleaseAll();
 
     const std::weak_ptr<Device> parent;

@@ -244,13 +244,27 @@ TEST_F(DataStream, ProducersMemoryIsRevokedWithoutACallback)
     EXPECT_EQ(Get<std::size_t>(KORO_DataStream_GetNumBuffersAnnounced, tree.stream), 0u);
 }
 
-TEST_F(DataStream, BufferOfAnotherStreamIsTheProducersToRefuse)
+TEST_F(DataStream, QueueingOnAnotherStreamIsTheProducersToRefuse)
 {
     const auto buffer = tree.QueueBuffers(1).front();
     const auto other = OpenSecondStream();
     EXPECT_EQ(Outcome(KORO_DataStream_QueueBuffer(other, buffer)), Failure("DSQueueBuffer", GC_ERR_INVALID_HANDLE));
-    EXPECT_EQ(Outcome(KORO_DataStream_RevokeBuffer(other, buffer)), Failure("DSRevokeBuffer", GC_ERR_INVALID_HANDLE));
     EXPECT_TRUE(IsAlive(buffer));
+}
+
+TEST_F(DataStream, RevokeGoesToTheStreamThatOwnsTheBuffer)
+{
+    const auto buffer = tree.QueueBuffers(1).front();
+    Require(KORO_DataStream_Flush(tree.stream, KORO_ACQ_QUEUE_ALL_DISCARD));
+    const auto other = OpenSecondStream();
+    EXPECT_EQ(Outcome(KORO_DataStream_RevokeBuffer(other, buffer)), Error{});
+    EXPECT_FALSE(IsAlive(buffer));
+    EXPECT_EQ(Get<std::size_t>(KORO_DataStream_GetNumBuffersAnnounced, tree.stream), 0u);
+
+    // It is not revoked again, which would leave the stream open.
+    Require(KORO_DataStream_Destruct(tree.stream));
+    EXPECT_EQ(CallsOf({"DSRevokeBuffer"}).size(), 1u);
+    EXPECT_EQ(CallsOf({"DSClose"}).size(), 1u);
 }
 
 TEST_F(DataStream, RevokeEndsTheHandleAndWhatItWasCastTo)
