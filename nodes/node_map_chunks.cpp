@@ -36,12 +36,30 @@ std::unique_ptr<CChunkAdapter> MakeChunkAdapter(const std::string& tlType, INode
 struct Memory
 {
     std::uint8_t* base;
-    std::size_t size; // bytes, as announced
+    std::size_t size; // bytes in which the chunks lie
 };
 
+// 0 for a producer that does not know.
+std::size_t FilledSizeOf(const Buffer& buffer)
+{
+    try
+    {
+        return buffer.DeliveredDataSize();
+    }
+    catch (const Exception&)
+    {
+        return 0;
+    }
+}
+
+// The chunks end where the frame ends. In a buffer that is larger than the frame the last trailer of an older, larger
+// frame may still lie at the end of the memory.
 Memory MemoryOf(const Buffer& buffer)
 {
-    return {static_cast<std::uint8_t*>(buffer.BasePtr()), buffer.Size()};
+    const std::size_t size = buffer.Size();
+    const std::size_t filled = FilledSizeOf(buffer);
+    const bool isPlausible = filled >= 1 && filled <= size;
+    return {static_cast<std::uint8_t*>(buffer.BasePtr()), isPlausible ? filled : size};
 }
 
 std::int64_t Length(const Memory& memory)
@@ -111,7 +129,7 @@ CChunkAdapter& NodeMap::EnsureChunkAdapter(const Buffer& buffer)
 void NodeMap::ShowChunks(const Buffer& buffer, std::uint8_t* base, std::size_t size)
 {
     const auto layoutId = ChunkLayoutIdOf(buffer);
-    // In a smaller buffer chunks of the same layout might end behind its memory: it has to be looked at.
+    // In fewer bytes chunks of the same layout might end behind them: the buffer has to be looked at.
     const bool hasSameLayout = hasAttachedBuffer && layoutId == attachedChunkLayoutId && size >= attachedSize;
 
     const auto former = std::tuple(attachedChunkLayoutId, attachedSize, hasAttachedBuffer);

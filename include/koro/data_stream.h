@@ -27,7 +27,10 @@ KORO_API KORO_ReturnCode KORO_DataStream_Destruct(KORO_DataStreamHandle dataStre
 /**
  * Makes memory of the application known to the stream. It is not queued by this.
  * @param[in]  buffer             the memory; it must stay valid until the buffer is revoked or the device is closed
- * @param[in]  bufferSize         its size in bytes, at least the payload size
+ * @param[in]  bufferSize         its size in bytes: what the producer may write. At least the payload size, or frames
+ *                                come back incomplete; it may be larger, as when buffers are kept while the frames get
+ *                                smaller. How many bytes of it a frame filled is KORO_Buffer_GetDeliveredDataSize; the
+ *                                chunks end there, and at the end of the buffer for a producer that does not know
  * @param[in]  userPtr            kept by the producer and given back by KORO_Buffer_GetUserPtr; may be null
  * @param[in]  revocationCallback called once, when the buffer is revoked, on the thread that does it; null for
  *                                none. It must not revoke the same buffer. Not called for a buffer that is never
@@ -42,7 +45,7 @@ KORO_API KORO_ReturnCode KORO_DataStream_AnnounceBuffer(
 
 /**
  * Lets the producer allocate a buffer and announce it. It is not queued by this.
- * @param[in]  bufferSize   bytes, at least the payload size
+ * @param[in]  bufferSize   bytes, as for KORO_DataStream_AnnounceBuffer
  * @param[in]  userPtr      kept by the producer and given back by KORO_Buffer_GetUserPtr; may be null
  * @param[out] bufferHandle a new handle; ends with KORO_DataStream_RevokeBuffer or the stream, and the memory with
  *                          it
@@ -59,7 +62,8 @@ KORO_API KORO_ReturnCode
 KORO_DataStream_QueueBuffer(KORO_DataStreamHandle dataStreamHandle, KORO_BufferHandle bufferHandle);
 
 /**
- * Takes a buffer back from the stream. On success its handle and its Module and EventSupportingModule handles end;
+ * Takes a buffer back from the stream that it was announced to, regardless of which stream of the device is named. On
+ * success its handle and its Module and EventSupportingModule handles end;
  * if the producer refuses, everything stays as it was.
  * @param[in] bufferHandle from the announcement
  */
@@ -81,6 +85,7 @@ KORO_API KORO_ReturnCode KORO_DataStream_KillWait(KORO_DataStreamHandle dataStre
 /**
  * Drops kills that found no waiter, and the finished buffers that nobody has taken. Not while another thread waits,
  * and not before the first start, wait or kill of the stream.
+ * @return KORO_RETURN_CODE_ERROR before the first start, wait or kill
  */
 KORO_API KORO_ReturnCode KORO_DataStream_FlushPendingKillWaits(KORO_DataStreamHandle dataStreamHandle);
 

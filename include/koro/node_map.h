@@ -60,10 +60,11 @@ KORO_API KORO_ReturnCode
 KORO_NodeMap_GetNode(KORO_NodeMapHandle nodeMapHandle, size_t index, KORO_NodeHandle* nodeHandle);
 
 /**
- * Tells whether the chunks of a buffer can be read as nodes of this map: whether the bytes of the buffer, all that were
- * announced, are a whole chain of chunks in the form of the transport layer. Takes the lock. A buffer without chunks
- * has none that are supported. The first buffer with chunks that a map is asked about decides the form, by its
- * transport layer type, for the life of the map: "GEV", "U3V" and "IIDC" have one.
+ * Tells whether the chunks of a buffer can be read as nodes of this map: whether the bytes of the buffer are a
+ * whole chain of chunks in the form of the transport layer: those that the frame filled
+ * (KORO_Buffer_GetDeliveredDataSize), or all that were announced where the producer does not know. Takes the lock. A
+ * buffer without chunks has none that are supported. The first buffer with chunks that a map is asked about decides the
+ * form, by its transport layer type, for the life of the map: "GEV", "U3V" and "IIDC" have one.
  * @param[out] hasSupportedChunks 1 when KORO_NodeMap_UpdateChunkNodes can take the buffer
  * @return KORO_RETURN_CODE_ERROR for a transport layer type without a form of chunks
  */

@@ -191,6 +191,7 @@ TEST_F(ChunkFaults, SizeBeyondAllMemoryIsRefused)
     OpenAs("GEV");
     auto frame = FrameOf(Good(9), "GEV", 99);
     frame.info[GenTL::BUFFER_INFO_SIZE] = scripted::Size(SIZE_MAX);
+    frame.info[GenTL::BUFFER_INFO_SIZE_FILLED] = scripted::Failing(GenTL::GC_ERR_NOT_AVAILABLE);
     const auto buffer = Deliver(frame);
     EXPECT_FALSE(IsSupported(buffer));
     EXPECT_THAT(Update(buffer).text, StartsWith("The chunk layout of the buffer is broken at 0: the buffer is empty"));

@@ -113,6 +113,55 @@ TEST_F(ChunkNodes, ChunksOfEachTransportLayerWithAnAdapterAreRead)
     }
 }
 
+// A buffer that was kept while the frames got smaller: the end of the larger frame still lies in its memory.
+TEST_F(ChunkNodes, ChunksOfASmallerFrameInALargerBufferAreThoseOfThatFrame)
+{
+    const auto chunksOf = [](const std::string& tlType, std::size_t image, std::uint64_t value) {
+        const std::string pixels(image, 'x');
+        const std::string counter = LittleEndian(value, 4);
+        if (tlType == "IIDC")
+            return WithChecksum(IIDCChunk(std::string(16, 'x'), pixels) + IIDCChunk(idBytes, counter));
+        if (tlType == "U3V") return U3VChunk(1, pixels) + U3VChunk(0xa1, counter);
+        return GEVChunk(1, pixels) + GEVChunk(0xa1, counter);
+    };
+    for (const std::string tlType : {"GEV", "U3V", "IIDC"})
+    {
+        SCOPED_TRACE(tlType);
+        Open(chunkFeatures);
+        const auto buffer = Deliver(FrameOf(chunksOf(tlType, 64, 4), tlType, 1));
+        EXPECT_EQ(Update(buffer), Error{});
+        EXPECT_EQ(Value(FeatureOf(tlType)), 4);
+
+        Fill(buffer, FrameOf(chunksOf(tlType, 32, 5), tlType, 2));
+        EXPECT_TRUE(IsSupported(buffer));
+        EXPECT_EQ(Update(buffer), Error{});
+        EXPECT_EQ(Value(FeatureOf(tlType)), 5);
+
+        const auto fresh = Announce(500);
+        Fill(fresh, FrameOf(chunksOf(tlType, 48, 6), tlType, 3));
+        EXPECT_TRUE(IsSupported(fresh));
+        EXPECT_EQ(Update(fresh), Error{});
+        EXPECT_EQ(Value(FeatureOf(tlType)), 6);
+    }
+}
+
+TEST_F(ChunkNodes, BufferCountsWholeWhereTheFilledSizeIsUnknownOrImplausible)
+{
+    const std::string chunks = Chunks(7, 8);
+    for (const auto& filled :
+         {scripted::Failing(GC_ERR_NOT_IMPLEMENTED), scripted::Failing(GC_ERR_NOT_AVAILABLE),
+          scripted::Failing(GC_ERR_IO), scripted::Size(0), scripted::Size(chunks.size() + 1)})
+    {
+        auto frame = FrameOf(chunks);
+        frame.info[BUFFER_INFO_SIZE_FILLED] = filled;
+        const auto buffer = Deliver(frame);
+        EXPECT_TRUE(IsSupported(buffer));
+        EXPECT_EQ(Update(buffer), Error{});
+        EXPECT_EQ(Value("Counter"), 7);
+        Revoke(buffer);
+    }
+}
+
 TEST_F(ChunkNodes, EveryOtherTransportLayerIsRefusedByItsText)
 {
     for (const std::string tlType : {"CL", "1394", "CXP", "CLHS", "UVC", "Mixed", "Custom", "gev", "GEV ", "U3", ""})
