@@ -11,10 +11,14 @@ using namespace koro::internal;
 namespace
 {
 
-// A producer in use is accepted as it is; any other one is loaded, started, ended and unloaded again.
+// A producer in use is accepted as it is, regardless of the path by which it was opened; any other one is loaded,
+// started and ended again.
 bool IsUsable(const std::string& ctiPath)
 {
-    if (Table<ProducerLibrary>().AnyOf([&](const auto& library) { return library.Key() == ctiPath; })) return true;
+    const auto isOfThisFile = [&](const ProducerLibrary& library) {
+        return library.Key() == ctiPath || StoredPathForm(library.CanonicalPath()) == ctiPath;
+    };
+    if (Table<ProducerLibrary>().AnyOf(isOfThisFile)) return true;
 
     const ProducerLibrary trial(ctiPath);
     return true;

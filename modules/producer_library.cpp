@@ -1,14 +1,33 @@
 #include "modules/producer_library.h"
 
+#include "base/filesystem.h"
 #include "modules/system_descriptor.h"
+
+#include <system_error>
+#include <utility>
 
 namespace koro::internal
 {
 
 using namespace GenTL;
 
-ProducerLibrary::ProducerLibrary(const std::string& ctiPath)
-    : TGenTLInfoAccessor(GenTLCaller(std::make_shared<const GenTLProxy>(ctiPath))), key(ctiPath)
+namespace
+{
+
+std::string CanonicalPathOf(const std::string& path)
+{
+    std::error_code failure;
+    return fs::canonical(path, failure).string();
+}
+
+} // namespace
+
+// The file is looked up before it is loaded: a producer may change the working directory.
+ProducerLibrary::ProducerLibrary(const std::string& ctiPath) : ProducerLibrary(ctiPath, CanonicalPathOf(ctiPath)) {}
+
+ProducerLibrary::ProducerLibrary(const std::string& ctiPath, std::string pathOfFile)
+    : TGenTLInfoAccessor(GenTLCaller(std::make_shared<const GenTLProxy>(ctiPath))), key(ctiPath),
+      canonicalPath(std::move(pathOfFile))
 {
     const auto result = gentl.Result<&GenTLProxy::GCInitLib>();
     if (result == GC_ERR_SUCCESS) return;

@@ -28,18 +28,23 @@ public:
 
     // The path as it was given.
     const std::string& Key() const { return key; }
+    // The canonical path that it led to at the construction; empty when there was none any more.
+    const std::string& CanonicalPath() const { return canonicalPath; }
     const std::shared_ptr<const GenTLProxy>& Proxy() const { return gentl.Proxy(); }
 
     // The one system of the producer, described; the same object at each call.
     std::shared_ptr<SystemDescriptor> GetSystem();
 
 private:
+    ProducerLibrary(const std::string& ctiPath, std::string pathOfFile);
+
     GenTL::GC_ERROR QueryInfo(
         std::int32_t command, GenTL::INFO_DATATYPE* dataType, void* buffer, std::size_t* size) const override;
     const char* QueryName() const override { return gentl.Proxy()->GCGetInfo.Name(); }
     void Close();
 
     const std::string key;
+    const std::string canonicalPath;
     Once systemOnce;
     std::shared_ptr<SystemDescriptor> system;
 };

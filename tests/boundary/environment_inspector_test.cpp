@@ -294,6 +294,26 @@ TEST_F(EnvironmentInspector, ProducerInUseIsAcceptedWithoutATrial)
     EXPECT_EQ(producer->Open(), open);
 }
 
+TEST_F(EnvironmentInspector, ProducerInUseIsRecognisedThroughARelativePathAndALink)
+{
+    const ScriptedProducer producer;
+    producer->SetStrictInit(true); // a trial would fail
+    const std::string link = here + "/link.cti";
+    fs::create_symlink(producer.Path(), link);
+    const std::string relative = fs::relative(producer.Path()).string();
+    const auto producerFolder = producer.Folder().Path().string();
+
+    for (const std::string& path : {link, relative})
+    {
+        const OpenTree tree(path);
+        producer->ClearJournal();
+        EXPECT_EQ(PathsAfterUpdate(producerFolder), Strings{producer.Path()}) << path;
+        EXPECT_EQ(producer->Journal(), Strings{}) << path;
+        Require(KORO_ProducerLibrary_Destruct(tree.producerLibrary));
+        EXPECT_EQ(PathsAfterUpdate(""), Strings{});
+    }
+}
+
 TEST_F(EnvironmentInspector, OpenProducerWhoseFileHasGoneIsNotDisturbed)
 {
     const ScriptedProducer producer;
