@@ -37,6 +37,11 @@ private:
     GenTL::GC_ERROR QueryInfo(
         std::int32_t command, GenTL::INFO_DATATYPE* dataType, void* buffer, std::size_t* size) const override;
     const char* QueryName() const override { return gentl.Proxy()->EventGetDataInfo.Name(); }
+    // The data are a part of the block, and may be as large.
+    const ClaimBound& BoundOf(std::int32_t command) const override
+    {
+        return command == GenTL::EVENT_DATA_VALUE ? eventBlockBound : informationBound;
+    }
 
     std::vector<std::uint8_t> data;
     const std::vector<std::uint8_t> rawData;

@@ -1,7 +1,5 @@
 #include "gentl/info_accessor.h"
 
-#include "gentl/bounds.h"
-
 #include <algorithm>
 #include <array>
 
@@ -29,6 +27,11 @@ RawInfo InfoAccessor::Info(std::int32_t command) const
         bytes.resize(QueryData(command, &dataType, bytes.data(), bytes.size()));
         return RawInfo{dataType, std::move(bytes)};
     });
+}
+
+const ClaimBound& InfoAccessor::BoundOf(std::int32_t) const
+{
+    return informationBound;
 }
 
 bool InfoAccessor::BooleanInfo(std::int32_t command) const
@@ -78,7 +81,7 @@ std::size_t InfoAccessor::QuerySize(std::int32_t command) const
     {
         ThrowInfoError(QueryName(), command);
     }
-    CheckClaim(informationBound, size, QueryName());
+    CheckClaim(BoundOf(command), size, QueryName());
     return size;
 }
 

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "base/exceptions.h"
+#include "gentl/bounds.h"
 #include "gentl/gentl_caller.h"
 #include "gentl/info_names.h"
 
@@ -42,6 +43,8 @@ protected:
         std::int32_t command, GenTL::INFO_DATATYPE* dataType, void* buffer, std::size_t* size) const = 0;
     virtual const char* QueryName() const = 0;
     virtual const char* CommandName(std::int32_t command) const = 0;
+    // Of what the producer may claim as the size of an answer.
+    virtual const ClaimBound& BoundOf(std::int32_t command) const;
 
     // The value of a fixed size; throws InternalErrorException when type or size differ from the expected ones.
     // INFO_DATATYPE_UNKNOWN passes for any type, since some producers leave the type unset.

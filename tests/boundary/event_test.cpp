@@ -87,6 +87,23 @@ TEST_F(Event, DataIsTakenInWhateverTypeTheProducerGives)
     }
 }
 
+TEST_F(Event, DataMayBeAsLargeAsAnEventMayBe)
+{
+    const std::string large((16u << 20) + 1, 'x');
+    producer->SetInfo("EventGetDataInfo", EVENT_DATA_VALUE, scripted::Bytes(INFO_DATATYPE_BUFFER, large));
+    EXPECT_TRUE(GetBytes(KORO_Event_GetData, Take(block)) == large);
+
+    auto beyond = scripted::Bytes(INFO_DATATYPE_BUFFER, "x");
+    beyond.claimedSize = (std::size_t{256} << 20) + 1;
+    producer->SetInfo("EventGetDataInfo", EVENT_DATA_VALUE, beyond);
+    std::size_t size = 0;
+    EXPECT_EQ(
+        Outcome(KORO_Event_GetData(Take(block), nullptr, &size)),
+        (Error{
+            KORO_RETURN_CODE_ERROR,
+            "[Function: EventGetDataInfo | Error: 268435457 event block bytes exceed the bound of 268435456]"}));
+}
+
 TEST_F(Event, FailedDataIsAskedAgain)
 {
     const InfoQuery query{"EventGetDataInfo", 1, "EVENT_DATA_VALUE"};
