@@ -45,32 +45,39 @@ std::shared_ptr<TypedNode> Find(NodeMap& map, const char* name)
     return std::dynamic_pointer_cast<TypedNode>(map.TryFindNode(name));
 }
 
-// A description that cannot be used is a matter of who asks for its nodes.
-bool CanBeListed(NodeMap& map)
+// A camera without a usable description opens and streams: what is wrong with it is reported to those who ask for its
+// nodes.
+template <class Step>
+auto NothingIfItFails(Step&& step) -> decltype(step())
 {
     try
     {
-        map.Nodes();
-        return true;
+        return step();
     }
-    catch (const InternalErrorException&)
+    catch (const abi::__forced_unwind&) // of a thread that is cancelled
     {
-        return false;
+        throw;
+    }
+    catch (...)
+    {
+        return {};
     }
 }
 
 TestNodes FindNodes(Device& device)
 {
-    const auto localMaps = device.NodeMaps();
-    const auto remoteMaps = device.GetRemoteDevice()->NodeMaps();
+    const auto localMaps = NothingIfItFails([&] { return device.NodeMaps(); });
+    const auto remoteDevice = device.GetRemoteDevice();
+    const auto remoteMaps = NothingIfItFails([&] { return remoteDevice->NodeMaps(); });
     if (localMaps.empty() || remoteMaps.empty()) return {};
 
     NodeMap& remote = *remoteMaps.front();
     NodeMap& local = *localMaps.front();
-    if (!CanBeListed(remote) || !CanBeListed(local)) return {};
-    return {
-        Find<RegisterNode>(remote, testNodeName), Find<IntegerNode>(remote, lengthNodeName),
-        Find<IntegerNode>(local, lengthNodeName)};
+    return NothingIfItFails([&] {
+        return TestNodes{
+            Find<RegisterNode>(remote, testNodeName), Find<IntegerNode>(remote, lengthNodeName),
+            Find<IntegerNode>(local, lengthNodeName)};
+    });
 }
 
 std::int64_t StepToNextMultiple(std::int64_t length)

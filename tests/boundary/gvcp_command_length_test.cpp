@@ -289,6 +289,35 @@ TEST_F(GVCPCommandLength, DescriptionThatIsBrokenLeavesItOut)
     EXPECT_EQ(LocalLength(), 804u);
 }
 
+TEST_F(GVCPCommandLength, EmptyDescriptionLeavesItOutAndTheCameraStreams)
+{
+    producer->Edit([](scripted::Tree& edited) { DescribePort(RemotePort(edited), ""); });
+    ExpectLeftOut();
+
+    tree.device =
+        Get<KORO_DeviceHandle>(KORO_DeviceDescriptor_OpenDevice, tree.deviceDescriptor, OpenTree::exclusiveAccess);
+    tree.streamDescriptor =
+        Get<KORO_DataStreamDescriptorHandle>(KORO_Device_GetDataStream, tree.device, std::size_t{0});
+    tree.stream = Get<KORO_DataStreamHandle>(KORO_DataStreamDescriptor_OpenDataStream, tree.streamDescriptor);
+    EXPECT_EQ(Outcome(KORO_DataStream_StartAcquisitionInfinite(tree.stream, KORO_ACQ_START_FLAGS_DEFAULT)), Error{});
+}
+
+TEST_F(GVCPCommandLength, DescriptionsThatCannotBeFetchedLeaveItOut)
+{
+    for (const auto* function : {"GCGetNumPortURLs", "GCGetPortURLInfo"})
+    {
+        SCOPED_TRACE(function);
+        for (const auto code : {GenTL::GC_ERR_NOT_IMPLEMENTED, GenTL::GC_ERR_IO, GenTL::GC_ERR_ACCESS_DENIED})
+        {
+            producer->Answer(function, code);
+            ExpectLeftOut();
+            producer->AnswerAsUsual(function);
+        }
+    }
+    producer->OnEntry("GCGetNumPortURLs", [] { throw 5; });
+    ExpectLeftOut();
+}
+
 TEST_F(GVCPCommandLength, OnlyTheFirstMapOfEachCounts)
 {
     producer.Folder().MakeFile("tl_device_dbg.xml", DescriptionOf("", "DevicePort"));

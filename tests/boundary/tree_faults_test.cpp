@@ -114,9 +114,10 @@ KORO_ReturnCode CountStreams(Scene& scene)
     return KORO_Device_GetNumDataStreams(scene.tree.device, &scene.size);
 }
 
-// Opening asks the port of the device first.
-const Error noPort = InfoFailure(
-    {"GCGetPortInfo", GenTL::PORT_INFO_PORTNAME, "PORT_INFO_PORTNAME"}, ProducerErrorOf(GenTL::GC_ERR_INVALID_HANDLE));
+// Opening fetches the remote device. A port that cannot be asked for its descriptions is no hindrance.
+const Error noDevice{
+    KORO_RETURN_CODE_ERROR,
+    "[Function: DevGetPort | Error-Code: -1006 (GC_ERR_INVALID_HANDLE) | Error-Text: scripted failure of DevGetPort]"};
 
 const std::vector<Row> callRows = {
     {"OpenSystem", "TLOpen", 1, OpenSystem, EndSystem},
@@ -127,8 +128,8 @@ const std::vector<Row> callRows = {
     {"UpdateDevices", "IFUpdateDeviceList", 1, UpdateDevices},
     {"CountDevices", "IFGetNumDevices", 1, UpdateDevices, ReportChanges},
     {"ListDevices", "IFGetDeviceID", 2, UpdateDevices, ReportChanges},
-    {"OpenDevice", "IFOpenDevice", 1, OpenDevice, EndDevice, {}, noPort},
-    {"FetchRemoteDevice", "DevGetPort", 1, OpenDevice, EndDevice, {}, noPort},
+    {"OpenDevice", "IFOpenDevice", 1, OpenDevice, EndDevice, {}, noDevice},
+    {"FetchRemoteDevice", "DevGetPort", 1, OpenDevice, EndDevice},
     {"CountStreams", "DevGetNumDataStreams", 1, CountStreams, ReopenDevice},
     {"ListStreams", "DevGetDataStreamID", 2, CountStreams, ReopenDevice},
     {"OpenStream", "DevOpenDataStream", 1, OpenStream, EndStream},
