@@ -40,9 +40,8 @@ if(KORO_TOOLS OR KORO_DEVELOPER)
     install(TARGETS koro_tool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
     install(TARGETS zvr_koro_simulator LIBRARY DESTINATION ${KORO_INSTALL_PRODUCERDIR})
     # Its cameras name these files.
-    foreach(kind IN ITEMS gev u3v camera cl)
-        install(FILES ${PROJECT_BINARY_DIR}/producers/koro_simulator_${kind}.xml DESTINATION ${KORO_INSTALL_PRODUCERDIR})
-    endforeach()
+    get_property(descriptions GLOBAL PROPERTY KORO_SIMULATED_CAMERA_DESCRIPTIONS)
+    install(FILES ${descriptions} DESTINATION ${KORO_INSTALL_PRODUCERDIR})
 endif()
 
 install(FILES ${PROJECT_SOURCE_DIR}/LICENSE ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/CHANGELOG.md

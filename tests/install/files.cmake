@@ -11,7 +11,7 @@ foreach(file IN ITEMS include/koro/koro.h include/koro/koro.hpp include/koro/cpp
         message(FATAL_ERROR "not installed: ${file}")
     endif()
 endforeach()
-foreach(kind IN ITEMS gev u3v camera cl)
+foreach(kind IN ITEMS gev u3v camera iidc cl)
     if(NOT EXISTS ${LIBDIR}/zvr_koro/koro_simulator_${kind}.xml)
         message(FATAL_ERROR "not installed: koro_simulator_${kind}.xml, a description that simulated cameras name")
     endif()
