@@ -74,7 +74,8 @@ KORO_API KORO_ReturnCode KORO_BufferPart_GetYOffset(KORO_BufferPartHandle buffer
 
 /**
  * Gives the padding behind each line.
- * @param[out] xPadding bytes
+ * @param[out] xPadding pixels by the GenTL standard, unlike KORO_Buffer_GetXPadding, which is in bytes; the number is
+ *                      the producer's, and some give bytes here, too
  */
 KORO_API KORO_ReturnCode KORO_BufferPart_GetXPadding(KORO_BufferPartHandle bufferPartHandle, size_t* xPadding);
 

@@ -54,7 +54,9 @@ KORO_API KORO_ReturnCode KORO_InterfaceDescriptor_GetParentSystem(
 /**
  * Opens the interface.
  * @param[out] interfaceHandle a new handle; end it with KORO_Interface_Destruct
- * @return KORO_RETURN_CODE_BAD_ACCESS when the producer refuses, for instance since the interface is open already
+ * @return what the producer's error becomes (docs/errors.md): KORO_RETURN_CODE_BAD_ACCESS when the interface is in use,
+ *         busy or denied, KORO_RETURN_CODE_ERROR when it has gone or the producer does not know it. Opening it a second
+ *         time is the producer's to allow; if it does, there are two interfaces, each with a handle
  */
 KORO_API KORO_ReturnCode KORO_InterfaceDescriptor_OpenInterface(
     KORO_InterfaceDescriptorHandle interfaceDescriptorHandle, KORO_InterfaceHandle* interfaceHandle);

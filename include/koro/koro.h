@@ -20,7 +20,9 @@
  *  7. Texts are in the producer's encoding (KORO_System_GetCharacterEncoding). Numbers of the GenTL standard pass
  *     through unchanged; <koro/gentl_values.h> has their names.
  *  8. A failure of the producer arrives with the code that fits its GenTL error, and with the function, number, name
- *     and the producer's own text in the last error.
+ *     and the producer's own text in the last error. Queries of information, which most getters are, have three codes
+ *     only: KORO_RETURN_CODE_IO_ERROR for GC_ERR_IO, KORO_RETURN_CODE_NOT_FOUND for GC_ERR_INVALID_ID, and
+ *     KORO_RETURN_CODE_ERROR for all others, GC_ERR_NOT_IMPLEMENTED and GC_ERR_NOT_AVAILABLE among them.
  */
 #ifndef KORO_KORO_H
 #define KORO_KORO_H

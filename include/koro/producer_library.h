@@ -2,9 +2,9 @@
  * A GenTL producer in use: one loaded .cti file, the root of the module tree.
  *
  * The handle ends with KORO_ProducerLibrary_Destruct or the last KORO_Library_Close, and all handles below it end
- * with it. The producer is closed when nothing of it is in use any more. Its code stays mapped to the end of the process
- * once it has started, since some producers leave threads behind: a file that is replaced on the disk meanwhile takes
- * effect in the next process.
+ * with it. The producer is closed when nothing of it is in use any more. Its code stays mapped to the end of the
+ * process once it has started, since some producers leave threads behind: a file that is replaced on the disk meanwhile
+ * takes effect in the next process.
  */
 #ifndef KORO_PRODUCER_LIBRARY_H
 #define KORO_PRODUCER_LIBRARY_H
@@ -29,8 +29,8 @@ KORO_API KORO_ReturnCode KORO_ProducerLibrary_Construct(
 
 /**
  * Ends the handle and every handle below it, and closes the producer. To have the modules closed in GenTL's order,
- * destruct from the leaves: streams, devices, interfaces, system, library. Waits for a report of the producer's own that
- * is under way; there is none after it.
+ * destruct from the leaves: streams, devices, interfaces, system, library. Waits for a report of the producer's own
+ * that is under way; there is none after it.
  */
 KORO_API KORO_ReturnCode KORO_ProducerLibrary_Destruct(KORO_ProducerLibraryHandle producerLibraryHandle);
 
