@@ -1,12 +1,14 @@
 // Buffer: one announced piece of memory, the consumer's or our own, and what the last fill left in it.
 //
-// Owned by its stream from announcement to revoke. All fields that change are guarded by the stream's mutex.
+// Owned by its stream from announcement to revoke. All fields that change but `announcedTo` are guarded by the
+// stream's mutex.
 #pragma once
 
 #include "producers/simulator/frame_plan.h"
 #include "producers/simulator/module.h"
 
 #include <array>
+#include <atomic>
 #include <cstddef>
 #include <memory>
 #include <span>
@@ -59,7 +61,9 @@ public:
     void* UserPointer() const noexcept { return userPointer; }
     Port& ModulePort() override { return port; }
 
-    const void* announcedTo = nullptr; // the queue that lists it
+    // The queue that lists it. Another stream asks for it, with its own mutex, when it is given a buffer that is not
+    // its.
+    std::atomic<const void*> announcedTo{nullptr};
     Place place = Place::Idle;
     bool hasNewData = false; // the last way into the output queue was a fill
     FillResult result;

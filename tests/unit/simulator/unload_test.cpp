@@ -120,6 +120,31 @@ TEST(SimulatorThreads, OpenAndCloseFromSeveralThreadsAtOnce)
         thread.join();
 }
 
+TEST(SimulatorThreads, BufferOfOneStreamIsQueuedOnAnotherWhileTheFirstRevokesIt)
+{
+    const Producer producer(
+        R"({"interfaces": [{"id": "I", "tlType": "GEV", "cameras": [{"serial": "A"}, {"serial": "B"}]}]})");
+    const Tree tree(producer);
+    DEV_HANDLE device = nullptr;
+    DS_HANDLE other = nullptr;
+    ASSERT_EQ(producer.IFOpenDevice(tree.interface, "B", DEVICE_ACCESS_EXCLUSIVE, &device), GC_ERR_SUCCESS);
+    ASSERT_EQ(producer.DevOpenDataStream(device, "Stream0", &other), GC_ERR_SUCCESS);
+    std::atomic<BUFFER_HANDLE> announced{nullptr};
+    std::atomic<bool> done{false};
+    std::thread stranger([&] {
+        while (!done)
+            EXPECT_EQ(producer.DSQueueBuffer(other, announced), GC_ERR_INVALID_HANDLE);
+    });
+    for (int round = 0; round < 2000; ++round)
+    {
+        const BUFFER_HANDLE buffer = tree.Announce(false, 64);
+        announced = buffer;
+        EXPECT_EQ(producer.DSRevokeBuffer(tree.stream, buffer, nullptr, nullptr), GC_ERR_SUCCESS);
+    }
+    done = true;
+    stranger.join();
+}
+
 TEST(SimulatorThreads, QueriesFlushesAndKillsRunBesideTheStream)
 {
     const Producer producer(OneCamera());
