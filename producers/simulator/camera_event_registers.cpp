@@ -1,8 +1,7 @@
 // The registers of EventControl, and what happened since it was told last.
 #include "producers/simulator/camera_features.h"
 
-#include <chrono>
-#include <utility>
+#include <vector>
 
 namespace koro::simulator
 {
@@ -32,12 +31,8 @@ void CameraFeatures::TellEvents()
         const std::lock_guard lock(map.Lock());
         happened = state.acquisition.TakeHappened();
     }
-    const auto now_ns = std::chrono::duration_cast<std::chrono::nanoseconds>(Clock::now().time_since_epoch()).count();
-    for (Occurrence& occurrence : happened)
-    {
-        occurrence.timestamp_ns = static_cast<std::uint64_t>(now_ns);
+    for (const Occurrence& occurrence : happened)
         events.Send(occurrence);
-    }
 }
 
 } // namespace koro::simulator

@@ -13,6 +13,11 @@ namespace koro::simulator
 namespace
 {
 
+std::uint64_t Nanoseconds(double microseconds)
+{
+    return static_cast<std::uint64_t>(std::llround(microseconds * 1000));
+}
+
 std::shared_ptr<CameraMemory> MakeMemory(const CameraSettings& settings, const std::string& tlType)
 {
     if (settings.memory.empty()) return nullptr;
@@ -183,13 +188,17 @@ FrameRequest CameraFeatures::Look() const
     const Acquisition& acquisition = state.acquisition;
     FrameRequest request;
     request.run = acquisition.Run();
-    if (!acquisition.IsActive() || acquisition.AwaitsStart() || acquisition.AwaitsFrameTrigger(state.values))
+    if (!acquisition.IsActive() || acquisition.AwaitsStart() || acquisition.LacksFrameTrigger(state.values))
         return request;
     request.rate = state.values.ResultingRate(sensor);
     if (request.rate == 0)
         request.state = FrameRequest::State::Unpaced;
     else if (state.values.triggers[static_cast<std::size_t>(Step::Frame)].mode == 1)
+    {
         request.state = FrameRequest::State::Triggered;
+        request.exposureEnd_ns = acquisition.NextExposure_ns() + Nanoseconds(state.values.Exposure_us(sensor));
+        request.readout_ns = Nanoseconds(state.values.Readout_us(sensor));
+    }
     else
         request.state = FrameRequest::State::Paced;
     return request;
@@ -199,7 +208,7 @@ std::optional<Frame> CameraFeatures::TakeFrame(std::uint64_t run)
 {
     const std::lock_guard lock(map.Lock());
     Acquisition& acquisition = state.acquisition;
-    if (!acquisition.IsActive() || acquisition.Run() != run || acquisition.AwaitsFrameTrigger(state.values))
+    if (!acquisition.IsActive() || acquisition.Run() != run || acquisition.LacksFrameTrigger(state.values))
         return std::nullopt;
     RefreshPlan();
     const std::uint64_t id = acquisition.TakeFrame(state.values);
@@ -242,7 +251,7 @@ void CameraFeatures::RequireUnlocked() const
 void CameraFeatures::OnLinesChanged(std::uint64_t levelsBefore)
 {
     const std::uint64_t now = state.values.LineLevels() & 1;
-    if ((levelsBefore & 1) != now) state.acquisition.OnLine(state.values, now == 1);
+    if ((levelsBefore & 1) != now) state.acquisition.OnLine(state.values, now == 1, Time());
 }
 
 void CameraFeatures::Load(std::size_t userSet)
@@ -263,6 +272,15 @@ void CameraFeatures::Reset()
     state.firmware = state.nextFirmware;
     files.Restart();
     ++state.numResets;
+}
+
+SensorTime CameraFeatures::Time() const
+{
+    const double rate = state.values.ResultingRate(sensor);
+    const auto now = Clock::now().time_since_epoch();
+    return {
+        static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::nanoseconds>(now).count()),
+        rate == 0 ? 0 : Nanoseconds(1e6 / rate)};
 }
 
 std::uint64_t CameraFeatures::ClockValue_ns() const
@@ -299,7 +317,7 @@ std::uint64_t CameraFeatures::StatusBits() const
 {
     const Acquisition& acquisition = state.acquisition;
     return (acquisition.AwaitsStart() ? 1U : 0U) | (acquisition.IsActive() ? 2U : 0U) |
-           (acquisition.AwaitsFrameTrigger(state.values) ? 4U : 0U);
+           (acquisition.AwaitsFrameTrigger(state.values, Time()) ? 4U : 0U);
 }
 
 } // namespace koro::simulator

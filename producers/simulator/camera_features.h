@@ -42,6 +42,9 @@ struct FrameRequest
     State state = State::Silent;
     std::uint64_t run = 0;
     double rate = 0; // of Paced
+    // Of Triggered: by the monotonic clock, and how long it takes from there until the image is there.
+    std::uint64_t exposureEnd_ns = 0;
+    std::uint64_t readout_ns = 0;
 };
 
 struct Frame
@@ -125,6 +128,7 @@ private:
     // camera_event_registers.cpp
     void AddEvents();
     void TellEvents();
+    SensorTime Time() const; // with the lock held
     // camera_chunk_registers.cpp
     void AddChunks();
     // camera_scan3d_registers.cpp

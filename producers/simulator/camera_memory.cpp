@@ -20,7 +20,7 @@ namespace
 {
 
 constexpr char magic[8] = {'K', 'O', 'R', 'O', 'C', 'A', 'M', '\n'};
-constexpr std::uint32_t layoutVersion = 1;
+constexpr std::uint32_t layoutVersion = 2;
 
 struct Head
 {

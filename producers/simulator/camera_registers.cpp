@@ -156,7 +156,7 @@ void CameraFeatures::AddAcquisitionControl()
         AddNumber(0x448 + stepBytes * index, of(&Trigger::source), 0, 1);
         AddNumber(0x450 + stepBytes * index, of(&Trigger::activation), 0, 2);
         map.AddCommand(0x458 + stepBytes * index, [this, step, index] {
-            if (state.values.triggers[index].source == 0) state.acquisition.Pull(state.values, step);
+            if (state.values.triggers[index].source == 0) state.acquisition.Pull(state.values, step, Time());
         });
     }
 }

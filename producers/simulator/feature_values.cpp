@@ -163,6 +163,11 @@ double FeatureValues::Exposure_us(const Sensor& sensor) const
     return exposureIsAutomatic ? AutomaticExposure_us(sensor) : exposure_us;
 }
 
+double FeatureValues::Readout_us(const Sensor& sensor) const
+{
+    return sensor.freeRate == 0 ? 0 : microseconds / sensor.freeRate;
+}
+
 double FeatureValues::ResultingRate(const Sensor& sensor) const
 {
     const double wanted = rateEnabled == 1 ? rate : sensor.freeRate;

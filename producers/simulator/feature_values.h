@@ -128,6 +128,8 @@ public:
     double GainFactor() const;
     double Exposure_us(const Sensor& sensor) const;
     double AutomaticExposure_us(const Sensor& sensor) const;
+    // Of the sensor at its fastest; 0: unpaced.
+    double Readout_us(const Sensor& sensor) const;
     // Frames per second; 0: unpaced.
     double ResultingRate(const Sensor& sensor) const;
     // Levels of line 0 (bit 0, wired to line 1) and line 1 (bit 1).

@@ -13,6 +13,11 @@ namespace
 constexpr std::uint64_t virtualPeriod_ns = 1'000'000;
 constexpr int maxLooks = 5000; // a few microseconds
 
+std::chrono::steady_clock::time_point TimeOf(std::uint64_t time_ns)
+{
+    return std::chrono::steady_clock::time_point(std::chrono::nanoseconds(time_ns));
+}
+
 std::chrono::steady_clock::duration PeriodOf(double rate)
 {
     constexpr double longest_s = 86400 * 365;
@@ -154,7 +159,7 @@ void StreamEngine::Run(std::uint64_t number)
         }
         const std::uint64_t timestamp_ns = Timestamp_ns(request);
         if (!TellExposureEnd(lock, *frame, timestamp_ns)) continue;
-        if (FillNext(lock, *frame, timestamp_ns)) ++numFilled;
+        if (FillNext(lock, *frame, request, timestamp_ns)) ++numFilled;
     }
     grabbing = grabbing && numFilled < number;
 }
@@ -179,8 +184,17 @@ bool StreamEngine::AwaitTurn(Lock& lock, const FrameRequest& request)
 {
     if (request.state == FrameRequest::State::Unpaced) return AwaitInput(lock);
     if (request.state == FrameRequest::State::Paced && !AwaitDue(lock, request.rate)) return false;
+    if (request.state == FrameRequest::State::Triggered && !AwaitExposure(lock, request)) return false;
     wake.wait(lock, [this] { return stopping || !paused; });
     return !stopping;
+}
+
+// A camera that is written to may have another exposure time, or be stopped.
+bool StreamEngine::AwaitExposure(Lock& lock, const FrameRequest& request)
+{
+    const Clock::time_point end = TimeOf(request.exposureEnd_ns);
+    wake.wait_until(lock, end, [this] { return stopping || written; });
+    return !stopping && Clock::now() >= end;
 }
 
 bool StreamEngine::AwaitInput(Lock& lock)
@@ -226,6 +240,7 @@ void StreamEngine::LookOut(Lock& lock)
 std::uint64_t StreamEngine::Timestamp_ns(const FrameRequest& request) noexcept
 {
     if (request.state == FrameRequest::State::Unpaced) return virtualTime_ns += virtualPeriod_ns;
+    if (request.state == FrameRequest::State::Triggered) return request.exposureEnd_ns;
     return static_cast<std::uint64_t>(
         std::chrono::duration_cast<std::chrono::nanoseconds>(Clock::now().time_since_epoch()).count());
 }
@@ -240,7 +255,7 @@ bool StreamEngine::TellExposureEnd(Lock& lock, const Frame& frame, std::uint64_t
     return connection->IsUp();
 }
 
-bool StreamEngine::FillNext(Lock& lock, const Frame& frame, std::uint64_t timestamp_ns)
+bool StreamEngine::FillNext(Lock& lock, const Frame& frame, const FrameRequest& request, std::uint64_t timestamp_ns)
 {
     const auto buffer = queue.BeginFill();
     if (!buffer) return false;
@@ -257,7 +272,7 @@ bool StreamEngine::FillNext(Lock& lock, const Frame& frame, std::uint64_t timest
     result.offsetY = plan.y.offset;
     const FrameFault* fault = camera->FaultOfFrame(frame.id);
 
-    if (BeLate(lock, fault))
+    if (AwaitImage(lock, request, fault))
     {
         lock.unlock();
         Draw(*buffer, frame, result, fault);
@@ -313,11 +328,16 @@ void StreamEngine::AddChunks(
 }
 
 // False when a kill, a flush or a pulled cable ended it.
-bool StreamEngine::BeLate(Lock& lock, const FrameFault* fault)
+bool StreamEngine::AwaitImage(Lock& lock, const FrameRequest& request, const FrameFault* fault)
 {
-    if (fault == nullptr || fault->late_ms == 0) return true;
+    const bool isLate = fault != nullptr && fault->late_ms != 0;
+    if (request.state != FrameRequest::State::Triggered && !isLate) return true;
+    auto time = Clock::now();
+    if (request.state == FrameRequest::State::Triggered)
+        time = std::max(time, TimeOf(request.exposureEnd_ns + request.readout_ns));
+    if (isLate) time += std::chrono::milliseconds(fault->late_ms);
     const auto givenUp = [this] { return killing || paused || cutOff; };
-    return !wake.wait_for(lock, std::chrono::milliseconds(fault->late_ms), givenUp);
+    return !wake.wait_until(lock, time, givenUp);
 }
 
 } // namespace koro::simulator

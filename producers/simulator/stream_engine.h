@@ -1,7 +1,8 @@
 // StreamEngine: the acquisition engine of a stream, one thread from start to stop.
 //
 // It makes frames while the camera takes images. Paced: frame n of a start is due n periods after it, and is lost as an
-// underrun when no input buffer is there. Triggered: the same, at each trigger. Unpaced (rate 0): the next frame comes
+// underrun when no input buffer is there. Triggered: the exposure begins at the trigger, and the
+// buffer is filled when the image has been exposed and read out. Unpaced (rate 0): the next frame comes
 // as soon as there is an input buffer, one virtual millisecond after the last.
 // Owned by its stream and shares its mutex; Start, Stop and Abandon are serialised by the stream's control lock.
 #pragma once
@@ -67,6 +68,7 @@ private:
     // False when the camera was written to before that, or when stopping.
     bool AwaitTurn(Lock& lock, const FrameRequest& request);
     bool AwaitDue(Lock& lock, double rate);
+    bool AwaitExposure(Lock& lock, const FrameRequest& request);
     bool AwaitInput(Lock& lock);
     void AwaitCutOff(Lock& lock);
     void LookOut(Lock& lock);
@@ -74,12 +76,12 @@ private:
     bool TellExposureEnd(Lock& lock, const Frame& frame, std::uint64_t timestamp_ns);
     std::uint64_t Timestamp_ns(const FrameRequest& request) noexcept;
     // Whether a buffer went to the output queue.
-    bool FillNext(Lock& lock, const Frame& frame, std::uint64_t timestamp_ns);
+    bool FillNext(Lock& lock, const Frame& frame, const FrameRequest& request, std::uint64_t timestamp_ns);
     void Draw(const Buffer& buffer, const Frame& frame, FillResult& result, const FrameFault* fault);
     // What comes behind the image, unless something of that was lost already.
     static void AddChunks(
         std::span<std::byte> payload, const Frame& frame, FillResult& result, const FrameFault* fault);
-    bool BeLate(Lock& lock, const FrameFault* fault);
+    bool AwaitImage(Lock& lock, const FrameRequest& request, const FrameFault* fault);
 
     std::mutex& mutex; // the stream's
     BufferQueue& queue;

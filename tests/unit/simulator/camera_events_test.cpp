@@ -285,6 +285,31 @@ TEST(SimulatorCameraEvents, TriggersAreToldWithTheFrameTheyBring)
     }
 }
 
+TEST(SimulatorCameraEvents, ExposureOfATriggeredFrameEndsTheExposureTimeAfterItsTrigger)
+{
+    const Camera camera(R"(, "rate": 1000)");
+    camera.Notify("FrameTrigger");
+    camera.map.Set("TriggerMode", "On");
+    camera.map.Set("ExposureTime", "30000");
+    camera.tree.Announce();
+    camera.tree.Start();
+    camera.map.Execute("AcquisitionStart");
+    camera.map.Execute("TriggerSoftware");
+    const auto taken = camera.tree.Next().BufferHandle;
+    GenApi::CEventAdapterGEV adapter(&camera.map.Map());
+    for (const char* const event : {"its trigger", "the end of its exposure"})
+    {
+        const std::string packet = camera.TakePacket();
+        ASSERT_EQ(packet.size(), 24U) << event;
+        adapter.DeliverMessage(reinterpret_cast<const std::uint8_t*>(packet.data()), 24);
+    }
+    const auto exposureEnd = camera.map.Integer("EventExposureEndTimestamp").GetValue();
+    EXPECT_EQ(exposureEnd - camera.map.Integer("EventFrameTriggerTimestamp").GetValue(), 30'000'000);
+    EXPECT_EQ(
+        camera.tree.BufferInfo<std::uint64_t>(taken, BUFFER_INFO_TIMESTAMP_NS),
+        static_cast<std::uint64_t>(exposureEnd));
+}
+
 TEST(SimulatorCameraEvents, EdgesOfTheLineAreToldWithTheLevels)
 {
     const Camera camera;

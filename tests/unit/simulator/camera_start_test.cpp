@@ -205,7 +205,7 @@ TEST(SimulatorTrigger, SoManyTriggersAreRememberedAndNoMore)
     EXPECT_EQ(camera.map.Text("CounterValue"), "255");
 }
 
-TEST(SimulatorTrigger, TriggeredImagesOfAPacedCameraComeAtOnce)
+TEST(SimulatorTrigger, TriggeredImageOfAPacedCameraDoesNotWaitForThePeriod)
 {
     const Camera camera(R"(, "rate": 0.001)");
     camera.Announce(2);
@@ -214,6 +214,61 @@ TEST(SimulatorTrigger, TriggeredImagesOfAPacedCameraComeAtOnce)
     camera.map.Execute("AcquisitionStart");
     camera.map.Execute("TriggerSoftware");
     camera.Expect(1);
+}
+
+// Of two triggers that follow each other at once the second exposes when the sensor is ready again.
+TEST(SimulatorTrigger, TriggeredImagesAreAsFarApartAsTheResultingRateAllows)
+{
+    const Camera camera(R"(, "rate": 1000)");
+    camera.Announce(3);
+    camera.map.Set("TriggerMode", "On");
+    camera.map.Set("ExposureTime", "50000");
+    camera.tree.Start();
+    camera.map.Execute("AcquisitionStart");
+    const auto timestamp = [&] {
+        return camera.tree.BufferInfo<std::uint64_t>(camera.tree.Next().BufferHandle, BUFFER_INFO_TIMESTAMP_NS);
+    };
+    camera.map.Execute("TriggerSoftware");
+    camera.map.Execute("TriggerSoftware");
+    const std::uint64_t first = timestamp();
+    const std::uint64_t second = timestamp();
+    EXPECT_GE(second - first, 50'000'000U);
+    camera.map.Set("AcquisitionFrameRate", "8");
+    camera.map.Execute("TriggerSoftware");
+    EXPECT_GE(timestamp() - second, 125'000'000U);
+}
+
+TEST(SimulatorTrigger, TriggersThatComeWhileOneIsRememberedAreMissed)
+{
+    const Camera camera(R"(, "rate": 1000)");
+    camera.Announce(4);
+    camera.map.Set("CounterEventSource", "FrameTrigger");
+    camera.map.Set("TriggerMode", "On");
+    camera.map.Set("ExposureTime", "10000000");
+    camera.tree.Start();
+    camera.map.Execute("AcquisitionStart");
+    EXPECT_TRUE(camera.Status("FrameTriggerWait"));
+    camera.map.Execute("TriggerSoftware");
+    EXPECT_TRUE(camera.Status("FrameTriggerWait"));
+    for (int trigger = 0; trigger < 5; ++trigger)
+        camera.map.Execute("TriggerSoftware");
+    EXPECT_FALSE(camera.Status("FrameTriggerWait"));
+    EXPECT_EQ(camera.map.Text("CounterValue"), "2");
+}
+
+TEST(SimulatorTrigger, StopDuringTheExposureBringsNoImage)
+{
+    const Camera camera(R"(, "rate": 1000)");
+    camera.Announce(1);
+    camera.map.Set("TriggerMode", "On");
+    camera.map.Set("ExposureTime", "10000000");
+    camera.tree.Start();
+    camera.map.Execute("AcquisitionStart");
+    camera.map.Execute("TriggerSoftware");
+    camera.map.Execute("AcquisitionStop");
+    EXPECT_EQ(camera.producer.DSStopAcquisition(camera.tree.stream, ACQ_STOP_FLAGS_DEFAULT), GC_ERR_SUCCESS);
+    EXPECT_EQ(camera.Awaiting(), 0U);
+    EXPECT_EQ(camera.Started(), 0U);
 }
 
 TEST(SimulatorTrigger, StartOfTheAcquisitionCanWaitForOneToo)
