@@ -27,6 +27,8 @@ public:
         XML_SetUserData(parser.get(), this);
         XML_SetElementHandler(parser.get(), OnStart, OnEnd);
         XML_SetCharacterDataHandler(parser.get(), OnText);
+        XML_SetEntityDeclHandler(parser.get(), OnEntity);
+        expat = parser.get();
         XML_Parse(parser.get(), xml.data(), static_cast<int>(xml.size()), XML_TRUE);
     }
 
@@ -46,6 +48,15 @@ private:
     {
         Reader& reader = *static_cast<Reader*>(self);
         if (reader.text.size() < maxText) reader.text.append(piece, static_cast<size_t>(size));
+    }
+
+    // The parser expands entities inside entities by recursion: more than so many end the reading.
+    static void XMLCALL OnEntity(
+        void* self, const XML_Char*, int, const XML_Char*, int, const XML_Char*, const XML_Char*, const XML_Char*,
+        const XML_Char*)
+    {
+        Reader& reader = *static_cast<Reader*>(self);
+        if (++reader.entities > maxEntities) XML_StopParser(reader.expat, XML_FALSE);
     }
 
     void Start(const std::string& element, const XML_Char** attributes)
@@ -90,7 +101,10 @@ private:
     }
 
     static constexpr size_t maxText = 4096;
+    static constexpr unsigned maxEntities = 1000;
 
+    XML_Parser expat = nullptr;
+    unsigned entities = 0;
     std::unordered_map<std::string, NodeLinks>& nodes;
     std::vector<Open> open;
     std::string text;

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <string>
 
 namespace
 {
@@ -66,6 +67,19 @@ TEST(DescriptionLinks, WhatIsNoXMLEndsTheReading)
     EXPECT_EQ(DescriptionLinks("PK\x03\x04").Of("Width"), nullptr);
     const DescriptionLinks cut("<RegisterDescription><Integer Name=\"Width\"><pIsLocked>A</pIsLocked></Integer><Int");
     EXPECT_THAT(cut.Of("Width")->lockedBy, ElementsAre("A"));
+}
+
+// The parser expands entities inside entities by recursion: some 25,000 of them would end the stack.
+TEST(DescriptionLinks, EntitiesInsideEachOtherEndTheReading)
+{
+    std::string entities = "<!ENTITY e0 \"x\">";
+    for (int i = 1; i < 25000; ++i)
+        entities += "<!ENTITY e" + std::to_string(i) + " \"&e" + std::to_string(i - 1) + ";\">";
+    const DescriptionLinks links(
+        "<!DOCTYPE RegisterDescription [" + entities +
+        "]><RegisterDescription><Integer "
+        "Name=\"Width\"><pIsLocked>&e24999;</pIsLocked></Integer></RegisterDescription>");
+    EXPECT_EQ(links.Of("Width"), nullptr);
 }
 
 } // namespace
