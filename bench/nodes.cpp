@@ -1,5 +1,6 @@
 // What features cost through the exports, beside the same access made by the GenICam runtime alone and beside the bare
-// call of the producer; then the first use of a large description beside a bare pass of the XML parser over it.
+// call of the producer; then walks over long lists, for one element, which must not cost more where there are more;
+// then the first use of a large description beside a bare pass of the XML parser over it.
 //
 //     bench_nodes [--quick] [description.xml]
 //
@@ -97,6 +98,71 @@ void PrintOperations(const Effort& effort)
     row(
         "enumeration written by name", write, [&] { format->FromString("Entry20"); },
         [&] { KORO_EnumerationNode_SetCurrentEntryBySymbolicValue(formatHandle, "Entry20", sizeof "Entry20"); });
+}
+
+std::string Numbered(std::size_t count, const std::string& before, const std::string& behind)
+{
+    std::string text;
+    for (std::size_t i = 0; i < count; ++i)
+        text += before + std::to_string(i) + behind;
+    return text;
+}
+
+// As many features in one category, selected by one node, and as many entries of one enumeration.
+std::string DescriptionOfLongLists(std::size_t count)
+{
+    return "<RegisterDescription ModelName=\"M\" VendorName=\"V\" StandardNameSpace=\"None\" SchemaMajorVersion=\"1\" "
+           "SchemaMinorVersion=\"1\" SchemaSubMinorVersion=\"0\" MajorVersion=\"1\" MinorVersion=\"0\" "
+           "SubMinorVersion=\"0\" ProductGuid=\"p\" VersionGuid=\"v\" "
+           "xmlns=\"http://www.genicam.org/GenApi/Version_1_1\"><Category Name=\"Root\">" +
+           Numbered(count, "<pFeature>F", "</pFeature>") + "</Category><Integer Name=\"Selector\"><Value>0</Value>" +
+           Numbered(count, "<pSelected>F", "</pSelected>") + "</Integer>" +
+           Numbered(count, "<Integer Name=\"F", "\"><Value>1</Value></Integer>") + "<Enumeration Name=\"Long\">" +
+           Numbered(count, "<EnumEntry Name=\"E", "\"><Value>1</Value></EnumEntry>") +
+           "<Value>1</Value></Enumeration><Port Name=\"Device\"/></RegisterDescription>";
+}
+
+// Nanoseconds for one element of each list.
+std::vector<double> WalkLists(KORO_NodeMapHandle map, std::size_t count)
+{
+    const auto category = Cast(KORO_Node_ToCategoryNode, Find(map, "Root"));
+    const auto enumeration = Cast(KORO_Node_ToEnumerationNode, Find(map, "Long"));
+    const auto selector = Find(map, "Selector");
+    const auto walk = [count](const auto& at) {
+        std::size_t index = 0;
+        return ProcessorNanosecondsPerCall(count, [&] { Require(at(index++)); });
+    };
+    KORO_NodeHandle node = nullptr;
+    KORO_EnumerationEntryNodeHandle entry = nullptr;
+    return {
+        walk([&](std::size_t index) { return KORO_EnumerationNode_GetEntry(enumeration, index, &entry); }),
+        walk([&](std::size_t index) { return KORO_NodeMap_GetNode(map, index, &node); }),
+        walk([&](std::size_t index) { return KORO_CategoryNode_GetSubNode(category, index, &node); }),
+        walk([&](std::size_t index) { return KORO_Node_GetSelectedNode(selector, index, &node); }),
+        walk([&](std::size_t index) {
+            const std::string name = "E" + std::to_string(index);
+            return KORO_EnumerationNode_FindEntryBySymbolicValue(enumeration, name.c_str(), name.size() + 1, &entry);
+        })};
+}
+
+void PrintLongLists()
+{
+    const std::size_t counts[] = {2000, 20000};
+    std::vector<double> columns[2];
+    for (std::size_t column = 0; column < 2; ++column)
+    {
+        const ServedDescription served(DescriptionOfLongLists(counts[column]));
+        Tree tree;
+        const KORO_NodeMapHandle map = NodeMapOf(tree.OpenDevice(0));
+        WalkLists(map, counts[column]); // the first walk makes the tables and the handles
+        columns[column] = WalkLists(map, counts[column]);
+    }
+    std::printf("%-34s %10s %10s\n", "ns per element of a walk over", "2,000", "20,000");
+    const char* const names[] = {
+        "entries of an enumeration", "nodes of a map", "nodes of a category", "selected nodes",
+        "entries found by name"};
+    for (std::size_t row = 0; row < columns[0].size(); ++row)
+        std::printf("%-34s %10.1f %10.1f\n", names[row], columns[0][row], columns[1][row]);
 }
 
 void ParseOnly(const std::string& xml)
@@ -203,6 +269,8 @@ int main(int argc, char** argv)
     try
     {
         PrintOperations(effort);
+        std::printf("\n");
+        PrintLongLists();
         const std::string xml = path.empty() ? GeneratedDescription(400) : Load(path);
         std::printf("\n%s, %zu bytes\n", path.empty() ? "made up description" : path.c_str(), xml.size());
         if (path.empty()) SetAllBits();

@@ -136,7 +136,7 @@ KORO_ReturnCode GetIndexed(
 {
     return WithObject(handle, [&](const auto& object) {
         if (!newHandle.value) return InvalidPointer(newHandle);
-        const auto elements = std::invoke(list, *object);
+        const auto& elements = std::invoke(list, *object); // a walk over a list must not copy it at each step
         if (index >= elements.size()) return IndexOutOfRange();
         *newHandle.value = enter(object, elements[index]);
         return success;

@@ -17,7 +17,7 @@ KORO_ReturnCode KORO_CategoryNode_GetSubNode(
     KORO_CategoryNodeHandle categoryNodeHandle, size_t index, KORO_NodeHandle* nodeHandle)
 {
     return GetHandle(KORO_ARG(categoryNodeHandle), KORO_ARG(nodeHandle), [&](const auto& node) {
-        const auto subNodes = node->SubNodes();
+        const auto& subNodes = node->SubNodes();
         // Not the answer of other lists; kept, since texts do not change.
         if (index >= subNodes.size()) throw std::out_of_range("invalid vector subscript");
         return EnterNode(subNodes[index]);

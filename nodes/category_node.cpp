@@ -9,16 +9,15 @@ namespace koro::internal
 
 using namespace GENAPI_NAMESPACE;
 
-std::vector<std::shared_ptr<Node>> CategoryNode::SubNodes()
+NodeList CategoryNode::SubNodes()
 {
     return Ask([&] {
-        return subNodes
-            .Get([&] {
-                value_vector features;
-                category->GetFeatures(features);
-                return LinkedFeatures(features, *ParentNodeMap());
-            })
-            .All();
+        const auto nodeMap = ParentNodeMap();
+        return NodeList(nodeMap, subNodes.Get([&] {
+            value_vector features;
+            category->GetFeatures(features);
+            return LinkedFeatures(features, *nodeMap);
+        }));
     });
 }
 

@@ -20,7 +20,7 @@ public:
     {}
 
     // In the order of the description; built on first use and never refreshed.
-    std::vector<std::shared_ptr<Node>> SubNodes();
+    NodeList SubNodes();
 
 private:
     BuiltOnce<LinkedNodes> subNodes;

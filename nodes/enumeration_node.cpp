@@ -56,9 +56,9 @@ void EnumerationNode::SetCurrentEntry(const std::string& symbolicValue)
     SetCurrentEntry(FindEntry(symbolicValue));
 }
 
-std::vector<std::shared_ptr<EnumerationEntryNode>> EnumerationNode::Entries()
+const std::vector<std::shared_ptr<EnumerationEntryNode>>& EnumerationNode::Entries()
 {
-    return Ask([&] { return EnsureEntries().entries; });
+    return Ask([&]() -> const auto& { return EnsureEntries().entries; });
 }
 
 std::shared_ptr<EnumerationEntryNode> EnumerationNode::FindEntry(std::int64_t entryValue)

@@ -34,7 +34,7 @@ public:
     // All entries, available or not, in the order of the description; built on first use and never refreshed. Of
     // several with one number or name the first is found. The finding ones throw NotFoundException, the trying ones
     // answer with an empty reference; none touches the device.
-    std::vector<std::shared_ptr<EnumerationEntryNode>> Entries();
+    const std::vector<std::shared_ptr<EnumerationEntryNode>>& Entries();
     std::shared_ptr<EnumerationEntryNode> FindEntry(std::int64_t entryValue);
     std::shared_ptr<EnumerationEntryNode> FindEntry(const std::string& symbolicValue);
     std::shared_ptr<EnumerationEntryNode> TryFindEntry(std::int64_t entryValue);

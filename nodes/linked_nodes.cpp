@@ -5,13 +5,9 @@
 namespace koro::internal
 {
 
-std::vector<std::shared_ptr<Node>> LinkedNodes::All() const
+std::shared_ptr<Node> LinkedNodes::At(std::size_t index) const
 {
-    std::vector<std::shared_ptr<Node>> all;
-    all.reserve(nodes.size());
-    for (Node* const node : nodes)
-        all.push_back(node->shared_from_this());
-    return all;
+    return nodes.at(index)->shared_from_this();
 }
 
 std::shared_ptr<Node> LinkedNodes::TryFind(const std::string& name) const

@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace koro::internal
@@ -20,7 +21,8 @@ class LinkedNodes
 {
 public:
     // In GenApi's order.
-    std::vector<std::shared_ptr<Node>> All() const;
+    std::size_t Size() const { return nodes.size(); }
+    std::shared_ptr<Node> At(std::size_t index) const;
     // The first of that name; empty when there is none.
     std::shared_ptr<Node> TryFind(const std::string& name) const;
 
@@ -30,6 +32,22 @@ public:
 private:
     std::vector<Node*> nodes;
     std::unordered_map<std::string, Node*> byName;
+};
+
+// The nodes for a caller outside of the map, which is held meanwhile. Nothing is copied: one element costs the same
+// however many there are.
+class NodeList
+{
+public:
+    NodeList(std::shared_ptr<NodeMap> nodeMap, const LinkedNodes& list) : map(std::move(nodeMap)), nodes(&list) {}
+
+    std::size_t size() const { return nodes->Size(); }
+    std::shared_ptr<Node> operator[](std::size_t index) const { return nodes->At(index); }
+    std::shared_ptr<Node> front() const { return nodes->At(0); }
+
+private:
+    std::shared_ptr<NodeMap> map;
+    const LinkedNodes* nodes;
 };
 
 // The nodes of these features. Throws NotFoundException for one that is not in the map.

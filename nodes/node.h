@@ -69,14 +69,14 @@ public:
 
     // What a change of this node invalidates, and whose change invalidates it. Each list is built on first use and
     // never refreshed. The finding ones throw NotFoundException.
-    std::vector<std::shared_ptr<Node>> InvalidatedNodes();
+    NodeList InvalidatedNodes();
     std::shared_ptr<Node> FindInvalidatedNode(const std::string& name);
-    std::vector<std::shared_ptr<Node>> InvalidatingNodes();
+    NodeList InvalidatingNodes();
     std::shared_ptr<Node> FindInvalidatingNode(const std::string& name);
     // What this selector selects, and by what it is selected itself. Both empty for a node that is no selector.
-    std::vector<std::shared_ptr<Node>> SelectedNodes();
+    NodeList SelectedNodes();
     std::shared_ptr<Node> FindSelectedNode(const std::string& name);
-    std::vector<std::shared_ptr<Node>> SelectingNodes();
+    NodeList SelectingNodes();
     std::shared_ptr<Node> FindSelectingNode(const std::string& name);
 
     // The callback runs on the thread that caused a change, while it holds the map's lock; an empty one is not called.
@@ -95,7 +95,7 @@ protected:
     // The ways into GenApi: each keeps the map and translates what comes back. For GenApi alone, with standard
     // failures of our own, and with the map's lock held.
     template <class Call>
-    auto Ask(Call&& call) const
+    decltype(auto) Ask(Call&& call) const
     {
         const auto map = ParentNodeMap();
         return TranslateGenApiExceptions(std::forward<Call>(call));
@@ -119,7 +119,7 @@ private:
     enum class Link; // the four lists
 
     const LinkedNodes& Linked(Link link, NodeMap& nodeMap);
-    std::vector<std::shared_ptr<Node>> AllLinked(Link link);
+    NodeList AllLinked(Link link);
     std::shared_ptr<Node> FindLinked(Link link, const char* kind, const std::string& name);
 
     const std::weak_ptr<NodeMap> parentNodeMap;

@@ -62,7 +62,7 @@ enum class Node::Link
     Selecting
 };
 
-std::vector<std::shared_ptr<Node>> Node::InvalidatedNodes()
+NodeList Node::InvalidatedNodes()
 {
     return AllLinked(Link::Invalidated);
 }
@@ -72,7 +72,7 @@ std::shared_ptr<Node> Node::FindInvalidatedNode(const std::string& name)
     return FindLinked(Link::Invalidated, "invalidated", name);
 }
 
-std::vector<std::shared_ptr<Node>> Node::InvalidatingNodes()
+NodeList Node::InvalidatingNodes()
 {
     return AllLinked(Link::Invalidating);
 }
@@ -82,7 +82,7 @@ std::shared_ptr<Node> Node::FindInvalidatingNode(const std::string& name)
     return FindLinked(Link::Invalidating, "invalidating", name);
 }
 
-std::vector<std::shared_ptr<Node>> Node::SelectedNodes()
+NodeList Node::SelectedNodes()
 {
     return AllLinked(Link::Selected);
 }
@@ -92,7 +92,7 @@ std::shared_ptr<Node> Node::FindSelectedNode(const std::string& name)
     return FindLinked(Link::Selected, "selected", name);
 }
 
-std::vector<std::shared_ptr<Node>> Node::SelectingNodes()
+NodeList Node::SelectingNodes()
 {
     return AllLinked(Link::Selecting);
 }
@@ -102,10 +102,10 @@ std::shared_ptr<Node> Node::FindSelectingNode(const std::string& name)
     return FindLinked(Link::Selecting, "selecting", name);
 }
 
-std::vector<std::shared_ptr<Node>> Node::AllLinked(Link link)
+NodeList Node::AllLinked(Link link)
 {
     const auto nodeMap = ParentNodeMap();
-    return InBothLayers([&] { return Linked(link, *nodeMap).All(); });
+    return InBothLayers([&] { return NodeList(nodeMap, Linked(link, *nodeMap)); });
 }
 
 std::shared_ptr<Node> Node::FindLinked(Link link, const char* kind, const std::string& name)

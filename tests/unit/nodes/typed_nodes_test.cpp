@@ -212,6 +212,13 @@ TEST_F(TypedNodes, SizeBeyondAllLengthsIsRefusedByTheRegister)
     EXPECT_THROW(bytes->Write(&byte, ~std::size_t{0}), InvalidArgumentException);
 }
 
+// A walk asks for the list at each element: a copy would make it quadratic.
+TEST_F(TypedNodes, EntriesAreNotCopiedAtEachQuestion)
+{
+    const auto enumeration = Find<EnumerationNode>("Enumeration");
+    EXPECT_EQ(&enumeration->Entries(), &enumeration->Entries());
+}
+
 TEST_F(TypedNodes, OfEntriesWithOneNumberTheFirstIsFound)
 {
     const auto twins = MapOf("<Enumeration Name=\"E\"><EnumEntry Name=\"First\"><Value>-7</Value></EnumEntry>"
