@@ -31,6 +31,9 @@ PROGRAMS = (("node_dump", ["hash"], ".nodes"), ("node_write", [], ".writes"), ("
 # Runs the calls of one file and prints what they return, the callbacks that fire and the traffic of the port.
 SEQUENCE_PROGRAM, SEQUENCE_SUFFIX, SEQUENCE_ANSWERS = "seq", ".seq", ".answers"
 
+# A register that is too long for a text: the words of another standard library, and our exception with its own words.
+TOO_LONG_A_TEXT = (b"!std basic_string::_S_create", b"!RuntimeException")
+
 # Seconds for one program over one description.
 TIME_LIMIT = 300
 
@@ -86,7 +89,7 @@ class Comparison:
             # The recorded program did not end: all that is asked for is an end, with an answer.
             self.count(f"{description.name}{suffix}", 0, "no answer", not actual)
             return False
-        (self.folder / "expected").write_bytes(expected)
+        (self.folder / "expected").write_bytes(expected.replace(*TOO_LONG_A_TEXT))
         (self.folder / "actual").write_bytes(actual)
         result = subprocess.run(
             [sys.executable, self.tools / "compare.py", self.folder / "expected", self.folder / "actual"],
