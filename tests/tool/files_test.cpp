@@ -152,6 +152,16 @@ TEST_F(Files, ThatTheCameraDoesNotKeepAreNoSuccess)
     EXPECT_EQ(refused.err, "koro: The camera did not keep Firmware: FileOperationStatus is FileNotValid.\n");
 }
 
+TEST_F(Files, ThatTheCameraRefusesAreReportedWithItsAnswer)
+{
+    const std::string file = folder.MakeFile("new", "new");
+    AddFault({{"camera", "cam"}, {"operation", "Write"}, {"status", "Failure"}});
+    const ToolResult refused = Koro({"files", "write", "cam", "UserFile", file});
+    EXPECT_EQ(refused.status, failure);
+    EXPECT_THAT(
+        refused.err, testing::StartsWith("koro: The file UserFile was not written: FileOperationStatus is Failure. "));
+}
+
 TEST_F(Files, ThatCannotBeClosedAreNoSuccess)
 {
     const std::string file = folder.MakeFile("new", "new");
@@ -173,7 +183,9 @@ TEST_F(Files, ThatAreNotDeletedAreToldByTheStatus)
 TEST_F(Files, ThatEndAtABlockLeaveNoCopy)
 {
     AddFault({{"camera", "cam"}, {"operation", "Read"}, {"at", 3}, {"status", "Failure"}});
-    EXPECT_THAT(ReadOverOlderCopy().err, HasSubstr("koro: An unknown error occurred reading the specified file!\n"));
+    EXPECT_THAT(
+        ReadOverOlderCopy().err, HasSubstr("koro: The file CalibrationData was not read: FileOperationStatus is "
+                                           "Failure. An unknown error occurred reading the specified file!\n"));
 }
 
 TEST_F(Files, OfACameraThatIsLostMeanwhileLeaveNoCopy)

@@ -75,6 +75,46 @@ private:
     Registration news;
 };
 
+// The answer of the camera to the step that failed. The file is closed behind it, which has an answer too, so each is
+// read as it comes.
+class AnswerWatch
+{
+public:
+    explicit AnswerWatch(const NodeMap& nodes)
+    {
+        const Node status = nodes.TryNode("FileOperationStatus");
+        if (!status || !HasValue(status.Type())) return;
+        // Runs on this thread, inside the operation.
+        news = status.OnChanged([this](const Node& node) {
+            const auto read = IfKnown([&] { return ReadValue(node, CachePolicy::IgnoreCache); });
+            if (read && *read != "Success") answer = *read;
+        });
+    }
+    AnswerWatch(const AnswerWatch&) = delete;
+    AnswerWatch& operator=(const AnswerWatch&) = delete;
+
+    // Runs the operation. The library says that it failed, but not what the camera answered.
+    template <typename Operation>
+    void Run(const std::string& file, const char* done, const Operation& operation)
+    {
+        try
+        {
+            operation();
+        }
+        catch (const Error& error)
+        {
+            if (answer.empty()) throw;
+            throw ToolError(
+                "The file " + PrintableStart(file) + " was not " + done + ": FileOperationStatus is " +
+                PrintableStart(answer) + ". " + error.what());
+        }
+    }
+
+private:
+    std::string answer;
+    Registration news; // last: it writes the answer
+};
+
 std::string SizeText(const std::optional<uint64_t>& size)
 {
     return size ? std::to_string(*size) : "-";
@@ -155,7 +195,8 @@ int Read(const FilesCommand& command)
     RequireMode(session, command, "Read", "read");
     TransferProgress progress(stderr, isatty(STDERR_FILENO) != 0, size);
     const BlockWatch blocks(session.Nodes(), progress);
-    const std::vector<uint8_t> bytes = file.Read(size);
+    std::vector<uint8_t> bytes;
+    AnswerWatch(session.Nodes()).Run(command.name, "read", [&] { bytes = file.Read(size); });
     if (command.path != standardStream)
         WriteRaw(bytes.data(), bytes.size(), command.path);
     else
@@ -174,7 +215,7 @@ int Write(const FilesCommand& command)
     const BlockWatch blocks(session.Nodes(), progress);
     // Writing need not shorten a file.
     if (IfKnown([&] { return file.Size(); }).value_or(0) > bytes.size()) IfKnown([&] { return file.Delete(), true; });
-    file.Write(bytes.data(), bytes.size());
+    AnswerWatch(session.Nodes()).Run(command.name, "written", [&] { file.Write(bytes.data(), bytes.size()); });
     // The last operation was the closing, whose answer the library does not tell.
     const std::string failure = FailureOf(session);
     if (!failure.empty())
