@@ -366,7 +366,9 @@ TEST(Describe, CameraThatIsInUseIsDescribedFromReading)
     FailCall(settings, "IFOpenDevice", "GC_ERR_RESOURCE_IN_USE");
     const ToolResult result = Camera(settings).Run({"describe", "cam", "Width"});
     EXPECT_EQ(result.status, 0) << result.err;
-    EXPECT_THAT(result.out, HasSubstr("The camera could be opened for reading only: [Function: IFOpenDevice"));
+    EXPECT_THAT(
+        result.out, ContainsRegex("\nnot writable +The camera could be opened for reading only: .Function: IFOpenDevice"));
+    EXPECT_EQ(result.out.find("not writable"), result.out.rfind("not writable")) << result.out;
 }
 
 TEST(Describe, ZippedDescriptionTellsTheSame)

@@ -41,7 +41,7 @@ bool IsWritable(KORO_NodeAccessStatus status)
 
 } // namespace
 
-std::vector<std::string> AccessReason::WhyNotWritable(const Node& node) const
+std::vector<std::string> AccessReason::WhyNotWritable(const Node& node, const std::string& otherwise) const
 {
     const KORO_NodeAccessStatus status = node.AccessStatus();
     if (IsWritable(status) && node.Type() != KORO_NODE_TYPE_CATEGORY) return {};
@@ -52,10 +52,10 @@ std::vector<std::string> AccessReason::WhyNotWritable(const Node& node) const
     Names visited;
     Explain(name, visited, reasons);
     if (!reasons.empty()) return reasons;
+    if (status == KORO_NODE_ACCESS_STATUS_NOT_IMPLEMENTED) return {"The camera does not have it."};
+    if (!otherwise.empty()) return {otherwise};
     switch (status)
     {
-    case KORO_NODE_ACCESS_STATUS_NOT_IMPLEMENTED:
-        return {"The camera does not have it."};
     case KORO_NODE_ACCESS_STATUS_NOT_AVAILABLE:
         return {"It is not available at this time; the description does not tell why."};
     case KORO_NODE_ACCESS_STATUS_READ_ONLY:
@@ -139,7 +139,8 @@ std::string AccessReason::Behind(const std::string& decider, const std::string& 
     return text.empty() ? text : " (" + text.substr(2) + ")";
 }
 
-std::vector<std::string> WhyNotWritable(const NodeMap& nodes, const Port& port, const Node& node)
+std::vector<std::string> WhyNotWritable(
+    const NodeMap& nodes, const Port& port, const Node& node, const std::string& otherwise)
 {
     std::string xml;
     try
@@ -149,7 +150,7 @@ std::vector<std::string> WhyNotWritable(const NodeMap& nodes, const Port& port, 
     catch (const std::exception&)
     { // the reasons then say that the description does not tell
     }
-    return AccessReason(nodes, DescriptionLinks(xml)).WhyNotWritable(node);
+    return AccessReason(nodes, DescriptionLinks(xml)).WhyNotWritable(node, otherwise);
 }
 
 std::string SentencesOf(const std::vector<std::string>& reasons)

@@ -19,8 +19,9 @@ public:
     // Reads nothing yet.
     AccessReason(NodeMap nodes, DescriptionLinks links) : map(nodes), description(std::move(links)) {}
 
-    // Empty when the node can be written; else at least one sentence.
-    std::vector<std::string> WhyNotWritable(const Node& node) const;
+    // Empty when the node can be written; else at least one sentence. `otherwise` is the reason when the description has
+    // none; it may be empty.
+    std::vector<std::string> WhyNotWritable(const Node& node, const std::string& otherwise) const;
 
 private:
     using Names = std::set<std::string>;
@@ -37,7 +38,8 @@ private:
 };
 
 // The same from the description that the port serves; a description that cannot be had tells nothing.
-std::vector<std::string> WhyNotWritable(const NodeMap& nodes, const Port& port, const Node& node);
+std::vector<std::string> WhyNotWritable(
+    const NodeMap& nodes, const Port& port, const Node& node, const std::string& otherwise = {});
 // Several sentences in one line.
 std::string SentencesOf(const std::vector<std::string>& reasons);
 

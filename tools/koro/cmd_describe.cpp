@@ -80,10 +80,9 @@ json FeaturesOf(const std::vector<Node>& nodes)
 
 std::vector<std::string> Reasons(const FeatureSession& session, const Node& node)
 {
-    std::vector<std::string> reasons = WhyNotWritable(session.Nodes(), session.Port(), node);
-    if (session.WhyReadOnly())
-        reasons.push_back("The camera could be opened for reading only: " + *session.WhyReadOnly());
-    return reasons;
+    const std::string otherwise =
+        session.WhyReadOnly() ? "The camera could be opened for reading only: " + *session.WhyReadOnly() : std::string();
+    return WhyNotWritable(session.Nodes(), session.Port(), node, otherwise);
 }
 
 json Describe(const FeatureSession& session, const Node& node)
