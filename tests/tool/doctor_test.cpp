@@ -153,6 +153,33 @@ TEST(Doctor, CopiesInTwoDirectoriesAreDuplicates)
     EXPECT_THAT(Doctor(a + ":" + b).out, HasSubstr("\nduplicate: same.cti lies in " + a + " and " + b + "\n"));
 }
 
+TEST(Doctor, ReasonOfAProducerThatDoesNotStartIsShown)
+{
+    const TemporaryFolder folder;
+    const std::string settings = folder.MakeFile("settings.json", "{\"unknown\": 1}");
+    const ToolResult result = RunTool({"doctor", "--producer", SimulatorPath()}, {{"KORO_SIMULATOR_CONFIG", settings}});
+    EXPECT_EQ(result.status, noUsableCamera);
+    EXPECT_THAT(result.out, HasSubstr("\n  the producer says: GCInitLib: settings file '" + settings + "': "));
+    EXPECT_THAT(result.out, HasSubstr("\nhint: No producer works; the lines under each say why.\n"));
+}
+
+TEST(Doctor, CamerasThatAreMissingAreLookedForAtTheCables)
+{
+    const TemporaryFolder folder;
+    const std::string settings = folder.MakeFile("settings.json", "{\"interfaces\": []}");
+    const ToolResult result = RunTool({"doctor", "--producer", SimulatorPath()}, {{"KORO_SIMULATOR_CONFIG", settings}});
+    EXPECT_EQ(result.status, noUsableCamera);
+    EXPECT_THAT(result.out, HasSubstr("\nhint: Check the cameras' cables, power and network.\n"));
+}
+
+TEST(Doctor, ProducerWithoutErrorsLacksAFunctionAndWorks)
+{
+    const ToolResult result = DoctorOf("scripted_no_last_error");
+    EXPECT_EQ(result.status, 0) << result.out;
+    EXPECT_THAT(result.out, HasSubstr("\n  lacks: GCGetLastError, so failures have no text\n"));
+    EXPECT_THAT(result.out, Not(HasSubstr("undefined symbol")));
+}
+
 TEST(Doctor, SimulatorHasUsableCameras)
 {
     const ToolResult result = Doctor("", {"--producer", SimulatorPath()});

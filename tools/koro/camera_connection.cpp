@@ -1,9 +1,6 @@
 #include "tools/koro/camera_connection.h"
 
-#include "tools/koro/read_producer.h"
-#include "tools/koro/tool_error.h"
-
-#include <algorithm>
+#include <utility>
 
 namespace koro::tool
 {
@@ -11,26 +8,27 @@ namespace koro::tool
 namespace
 {
 
-template <typename Descriptor>
-Descriptor FindByID(const std::vector<Descriptor>& descriptors, const std::string& id)
+std::shared_ptr<OpenedProducer> OpenAgain(const std::string& path)
 {
-    const auto found = std::find_if(
-        descriptors.begin(), descriptors.end(), [&](const Descriptor& descriptor) { return descriptor.ID() == id; });
-    if (found != descriptors.end()) return *found;
-    throw ToolError(id + " has gone since it was listed.", "Check its cable and power, then look at `koro list`.");
+    const auto producer = std::make_shared<OpenedProducer>(path);
+    producer->Open();
+    return producer;
 }
 
 } // namespace
 
-CameraConnection::CameraConnection(const CameraChoice& choice, const ModuleSettings& settings)
-    : library(Library::Initialize()), producer(choice.producer->path), system(producer.System().OpenSystem())
+CameraConnection::CameraConnection(
+    const Discovery& discovery, const CameraChoice& choice, const ModuleSettings& settings)
+    : producer(discovery.opened ? discovery.opened : OpenAgain(choice.producer->path)),
+      interfaceID(choice.interfaceRecord->id)
 {
-    settings.ApplyTo(system);
-    system.UpdateInterfaces(updateTimeout_ms);
-    cameraInterface = FindByID(system.Interfaces(), choice.interfaceRecord->id).OpenInterface();
-    settings.ApplyTo(cameraInterface);
-    cameraInterface.UpdateDevices(updateTimeout_ms);
-    descriptor = FindByID(cameraInterface.Devices(), choice.camera->id);
+    const koro::Interface* applied = nullptr;
+    // The search has opened interfaces; they are to be opened after the settings of the system.
+    if (!settings.IsEmpty()) producer->CloseInterfaces();
+    settings.ApplyTo(producer->System());
+    descriptor = producer->Camera(interfaceID, choice.camera->id, [&](const koro::Interface& opened) {
+        if (std::exchange(applied, &opened) != &opened) settings.ApplyTo(opened);
+    });
 }
 
 } // namespace koro::tool

@@ -1,11 +1,15 @@
 // CameraConnection: the modules above one camera, open, and the camera's descriptor.
 //
-// Owned by one command; its destructor closes from the interface up. One thread at a time.
+// Owned by one command, one at a time; its destructor closes from the interface up. One thread at a time.
 #pragma once
 
-#include "tools/koro/camera_selection.h"
+#include "tools/koro/discovery.h"
 #include "tools/koro/module_settings.h"
+#include "tools/koro/opened_producer.h"
 #include <koro/koro.hpp>
+
+#include <memory>
+#include <string>
 
 namespace koro::tool
 {
@@ -13,19 +17,17 @@ namespace koro::tool
 class CameraConnection
 {
 public:
-    // Loads the choice's producer and no other. System and interface get their settings as soon as they are open.
-    // Throws koro::Error, or ToolError when the camera has gone meanwhile.
-    explicit CameraConnection(const CameraChoice& choice, const ModuleSettings& settings = {});
+    // Loads the choice's producer and no other, unless the discovery has it open. System and interface get their settings
+    // as soon as they are open. Throws koro::Error, or ToolError when the camera has gone meanwhile.
+    CameraConnection(const Discovery& discovery, const CameraChoice& choice, const ModuleSettings& settings = {});
 
-    const koro::System& System() const { return system; }
-    const koro::Interface& Interface() const { return cameraInterface; }
+    const koro::System& System() const { return producer->System(); }
+    const koro::Interface& Interface() const { return producer->Interface(interfaceID); }
     const DeviceDescriptor& Descriptor() const { return descriptor; }
 
 private:
-    Library library;
-    ProducerLibrary producer;
-    koro::System system;
-    koro::Interface cameraInterface;
+    std::shared_ptr<OpenedProducer> producer;
+    std::string interfaceID;
     DeviceDescriptor descriptor;
 };
 

@@ -13,10 +13,14 @@ namespace koro::tool
 namespace
 {
 
-std::vector<std::string> NamesOf(const CameraChoice& choice)
+std::string FullID(const InterfaceRecord& record, const CameraRecord& camera)
 {
-    const CameraRecord& camera = *choice.camera;
-    std::vector<std::string> names{camera.id, choice.interfaceRecord->id + ":" + camera.id};
+    return record.id + ":" + camera.id;
+}
+
+std::vector<std::string> NamesOf(const InterfaceRecord& record, const CameraRecord& camera)
+{
+    std::vector<std::string> names{camera.id, FullID(record, camera)};
     if (camera.serialNumber && !camera.serialNumber->empty()) names.push_back(*camera.serialNumber);
     if (camera.userName && !camera.userName->empty()) names.push_back(*camera.userName);
     return names;
@@ -28,7 +32,7 @@ std::vector<CameraChoice> Matching(
     std::vector<CameraChoice> found;
     for (const CameraChoice& camera : cameras)
     {
-        for (const std::string& name : NamesOf(camera))
+        for (const std::string& name : NamesOf(*camera.interfaceRecord, *camera.camera))
         {
             if (!matches(name)) continue;
             found.push_back(camera);
@@ -36,6 +40,36 @@ std::vector<CameraChoice> Matching(
         }
     }
     return found;
+}
+
+std::vector<CameraChoice> WithFullID(const std::vector<CameraChoice>& cameras, const std::string& id)
+{
+    std::vector<CameraChoice> found;
+    for (const CameraChoice& camera : cameras)
+    {
+        if (FullID(*camera.interfaceRecord, *camera.camera) == id) found.push_back(camera);
+    }
+    return found;
+}
+
+// As a shell takes it for one word.
+std::string Quoted(const std::string& word)
+{
+    static const char* const plain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-+.,:/@%=";
+    if (!word.empty() && word.front() != '-' && word.find_first_not_of(plain) == word.npos) return word;
+    std::string quoted = "'";
+    for (const char c : word)
+        quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return quoted + "'";
+}
+
+// What to write on the command line for this camera and no other: a full id is unique below one producer.
+std::string UniqueName(const std::vector<CameraChoice>& all, const CameraChoice& camera)
+{
+    const std::string id = FullID(*camera.interfaceRecord, *camera.camera);
+    const std::string name = id.front() == '-' ? "-- " + Quoted(id) : Quoted(id);
+    if (WithFullID(all, id).size() == 1) return name;
+    return "--producer " + Quoted(camera.producer->path) + " " + name;
 }
 
 // With the producers' paths where these are what tells cameras apart.
@@ -74,7 +108,8 @@ std::vector<CameraChoice> SelectCameras(const std::vector<ProducerRecord>& produ
     const std::vector<CameraChoice> all = AllCameras(producers);
     if (all.empty()) throw ToolError("There is no camera.", "`koro doctor` tells why.", exitNoSuchCamera);
 
-    std::vector<CameraChoice> found = Matching(all, [&](const std::string& known) { return known == name; });
+    std::vector<CameraChoice> found = WithFullID(all, name);
+    if (found.empty()) found = Matching(all, [&](const std::string& known) { return known == name; });
     if (found.empty())
     {
         const NamePattern pattern(name);
@@ -92,7 +127,8 @@ CameraChoice SelectCamera(const std::vector<ProducerRecord>& producers, const st
     if (found.size() == 1) return found.front();
     throw ToolError(
         List("\"" + PrintableStart(name) + "\" fits several cameras:", found),
-        "Name it by its serial number or by interface:id, or choose a producer with --producer.", exitNoSuchCamera);
+        "Name one by interface:id, the first one for instance as " + UniqueName(AllCameras(producers), found.front()),
+        exitNoSuchCamera);
 }
 
 InterfaceChoice SelectInterface(const std::vector<ProducerRecord>& producers, const std::string& name)
@@ -120,6 +156,31 @@ InterfaceChoice SelectInterface(const std::vector<ProducerRecord>& producers, co
         (isNone ? "No interface is called \"" : "Several interfaces fit \"") + PrintableStart(name) +
             "\". There are:" + all,
         isNone ? "`koro list` shows the interfaces." : "Choose a producer with --producer.", exitNoSuchCamera);
+}
+
+bool IsSearchOver(
+    const std::vector<InterfaceRecord>& before, const std::vector<InterfaceRecord>& now, const std::string& wanted)
+{
+    if (wanted.empty()) return false;
+    std::vector<std::string> idsBefore;
+    std::vector<std::string> ids;
+    bool isThere = false;
+    for (const InterfaceRecord& record : before)
+    {
+        for (const CameraRecord& camera : record.cameras)
+            idsBefore.push_back(FullID(record, camera));
+    }
+    for (const InterfaceRecord& record : now)
+    {
+        for (const CameraRecord& camera : record.cameras)
+        {
+            ids.push_back(FullID(record, camera));
+            if (ids.back() == wanted) return true;
+            const std::vector<std::string> names = NamesOf(record, camera);
+            isThere |= std::find(names.begin(), names.end(), wanted) != names.end();
+        }
+    }
+    return isThere && ids == idsBefore;
 }
 
 std::string DescribeCamera(const CameraChoice& choice)

@@ -7,6 +7,7 @@
 #include "tools/koro/feature_value.h"
 #include "tools/koro/if_known.h"
 #include "tools/koro/report.h"
+#include "tools/koro/standard_streams.h"
 #include "tools/koro/tool_error.h"
 
 #include <CLI/CLI.hpp>
@@ -196,7 +197,7 @@ int DescribeIt(DescribeCommand command)
     const FeatureSession session(command.target, FeatureSession::Access::WriteOrRead);
     const json feature = Describe(session, session.Feature(command.name));
     if (command.json)
-        std::printf("%s\n", Dump(feature, 2).c_str());
+        PrintOut("%s\n", Dump(feature, 2).c_str());
     else
         PrintText(feature);
     return exitSuccess;

@@ -1,12 +1,22 @@
+#include "tools/koro/camera_selection.h"
 #include "tools/koro/commands.h"
+#include "tools/koro/producer_option.h"
+#include "tools/koro/producer_places.h"
 #include "tools/koro/producer_probe.h"
 #include "tools/koro/producer_search.h"
 #include "tools/koro/report.h"
+#include "tools/koro/standard_streams.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
 #include <memory>
+#include <set>
+#include <string>
+#include <vector>
 
 namespace koro::tool
 {
@@ -16,21 +26,22 @@ namespace
 
 struct DoctorSettings
 {
-    std::string producer;
+    ProducerChoice producer;
     uint64_t timeout_ms = probeTimeout_ms;
 };
 
 void PrintSearch(const ProducerSearch& search)
 {
-    std::printf("%s is %s\n", producerPathVariable, search.variableIsSet ? "set" : "not set");
+    PrintOut("%s is %s\n", producerPathVariable, search.variableIsSet ? "set" : "not set");
+    if (!search.ownFolder.empty()) PrintOut("  %s: came with the tool\n", Printable(search.ownFolder).c_str());
     for (const SearchedDirectory& directory : search.directories)
     {
         const std::string state = directory.problem.empty() ? "ok" : directory.problem;
-        std::printf("  %s: %s\n", Printable(directory.path).c_str(), Printable(state).c_str());
+        PrintOut("  %s: %s\n", Printable(directory.path).c_str(), Printable(state).c_str());
     }
     for (const std::string& duplicate : search.duplicates)
     {
-        std::printf("duplicate: %s\n", Printable(duplicate).c_str());
+        PrintOut("duplicate: %s\n", Printable(duplicate).c_str());
     }
 }
 
@@ -39,16 +50,16 @@ void PrintWorking(const ProducerRecord& producer)
     size_t numCameras = 0;
     for (const InterfaceRecord& record : producer.interfaces)
         numCameras += record.cameras.size();
-    std::printf(
+    PrintOut(
         "  loads: %s %s %s, GenTL %s\n", OrDash(producer.vendor).c_str(), OrDash(producer.model).c_str(),
         OrDash(producer.version).c_str(), OrDash(producer.genTLVersion).c_str());
-    if (producer.problem) std::printf("  problem: %s\n", Printable(*producer.problem).c_str());
+    if (producer.problem) PrintOut("  problem: %s\n", Printable(*producer.problem).c_str());
     for (const InterfaceRecord& record : producer.interfaces)
     {
         if (!record.problem) continue;
-        std::printf("  problem of %s: %s\n", Printable(record.id).c_str(), Printable(*record.problem).c_str());
+        PrintOut("  problem of %s: %s\n", Printable(record.id).c_str(), Printable(*record.problem).c_str());
     }
-    std::printf(
+    PrintOut(
         "  cameras: %zu on %zu interfaces, %zu usable\n", numCameras, producer.interfaces.size(),
         producer.NumUsableCameras());
 }
@@ -75,47 +86,111 @@ void PrintLoaderTexts(const std::vector<std::string>& texts)
     constexpr size_t shown = 4;
     for (size_t i = 0; i < std::min(texts.size(), shown); ++i)
     {
-        std::printf("  loader: %s\n", Printable(texts[i]).c_str());
+        PrintOut("  loader: %s\n", Printable(texts[i]).c_str());
     }
-    if (texts.size() > shown) std::printf("  loader: %zu more of this kind\n", texts.size() - shown);
+    if (texts.size() > shown) PrintOut("  loader: %zu more of this kind\n", texts.size() - shown);
+}
+
+// Functions without which the library gets along.
+void PrintLacking(const std::vector<std::string>& functions)
+{
+    for (const std::string& function : functions)
+    {
+        const char* const effect = function == "GCGetLastError" ? ", so failures have no text" : "";
+        PrintOut("  lacks: %s%s\n", function.c_str(), effect);
+    }
 }
 
 void PrintProbe(const ProbeResult& probe)
 {
-    std::printf("%s\n", Printable(probe.path).c_str());
+    PrintOut("%s\n", Printable(probe.path).c_str());
+    if (probe.record)
+    {
+        PrintLacking(probe.lacks);
+        return PrintWorking(*probe.record);
+    }
     PrintLoaderTexts(probe.loaderTexts);
-    if (probe.record) return PrintWorking(*probe.record);
-    std::printf(
+    PrintOut(
         "  %s at %s: %s\n", OutcomeName(probe.outcome), Printable(probe.stage).c_str(), Printable(probe.text).c_str());
+    if (!probe.producerText.empty()) PrintOut("  the producer says: %s\n", Printable(probe.producerText).c_str());
 }
 
-const char* Advice(const ProducerSearch& search)
+// What the probes have found, all together.
+struct Findings
+{
+    size_t numWorking = 0;
+    size_t numCameras = 0;
+    size_t numUsable = 0;
+
+    void Add(const ProbeResult& probe)
+    {
+        if (!probe.record) return;
+        ++numWorking;
+        numCameras += AllCameras({*probe.record}).size();
+        numUsable += probe.record->NumUsableCameras();
+    }
+};
+
+const char* Advice(const ProducerSearch& search, const Findings& findings)
 {
     if (search.candidates.empty() && !search.variableIsSet)
     {
         return "Set GENICAM_GENTL64_PATH to the directory of your camera maker's .cti file.";
     }
     if (search.candidates.empty()) return "None of these directories holds a .cti file.";
-    return "Check the cameras' cables, power and network, and whether another program uses them.";
+    if (findings.numWorking == 0) return "No producer works; the lines under each say why.";
+    if (findings.numCameras > 0) return "Another program may have opened the cameras; `koro list` shows their access.";
+    return "Check the cameras' cables, power and network.";
+}
+
+// In quotation marks for a shell.
+std::string Quoted(const std::string& text)
+{
+    std::string quoted;
+    for (const char c : text)
+        quoted += (std::strchr("\\\"$`", c) ? "\\" : "") + std::string(1, c);
+    return "\"" + quoted + "\"";
+}
+
+// The folders of producers that lie on this computer and are not searched, with the line that changes it.
+void PrintPlaces(const ProducerSearch& search)
+{
+    std::set<std::string> known;
+    for (const std::string& candidate : search.candidates)
+        known.insert(std::filesystem::path(candidate).parent_path().string());
+    const ProducerPlaces places = FindProducerPlaces(usualPlaces, {});
+    std::string folders;
+    for (const std::string& folder : places.folders)
+    {
+        // The variable has no way to name a folder with a separator in it.
+        if (known.count(folder) > 0 || folder.find_first_of(":;") != folder.npos) continue;
+        PrintOut("%s holds .cti files and is not searched\n", Printable(folder).c_str());
+        folders += ":" + folder;
+    }
+    if (!places.isWhole) PrintOut("/opt, /usr/lib and /usr/local/lib are too large to be searched as a whole\n");
+    if (folders.empty()) return;
+    const char* const before = std::getenv(producerPathVariable);
+    const std::string value = before && *before ? before + folders : folders.substr(1);
+    PrintOut("to search them: export %s=%s\n", producerPathVariable, Printable(Quoted(value)).c_str());
 }
 
 int Doctor(const DoctorSettings& settings)
 {
     const ProducerSearch search = SearchProducers(settings.producer);
     PrintSearch(search);
-    size_t numUsable = 0;
-    for (const std::string& candidate : search.candidates)
+    Findings findings;
+    for (const ProbeResult& probe : ProbeProducers(search.candidates, {.timeout_ms = settings.timeout_ms}))
     {
-        const ProbeResult probe = ProbeProducer(candidate, settings.timeout_ms);
         PrintProbe(probe);
-        if (probe.record) numUsable += probe.record->NumUsableCameras();
+        findings.Add(probe);
     }
-    if (numUsable > 0)
+    if (settings.producer.file.empty() && (findings.numUsable == 0 || !search.variableIsSet)) PrintPlaces(search);
+    if (findings.numUsable > 0)
     {
-        std::printf("%zu usable %s\n", numUsable, numUsable == 1 ? "camera" : "cameras");
+        PrintOut("%zu usable %s\n", findings.numUsable, findings.numUsable == 1 ? "camera" : "cameras");
         return exitSuccess;
     }
-    std::printf("no usable camera\nhint: %s\n", Advice(search));
+    PrintOut("no usable camera\nhint: %s\n", Advice(search, findings));
     return exitNoUsableCamera;
 }
 
@@ -124,7 +199,7 @@ int Doctor(const DoctorSettings& settings)
 Action DefineDoctor(CLI::App& command)
 {
     const auto settings = std::make_shared<DoctorSettings>();
-    command.add_option("--producer", settings->producer, "Look at this .cti file alone, not the environment");
+    DefineProducer(command, settings->producer);
     command.add_option("--timeout", settings->timeout_ms, "Milliseconds that each producer has")
         ->check(CLI::Range(uint64_t{1}, uint64_t{3600000}))
         ->capture_default_str();

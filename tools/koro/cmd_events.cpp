@@ -7,6 +7,7 @@
 #include "tools/koro/interrupt.h"
 #include "tools/koro/output.h"
 #include "tools/koro/report.h"
+#include "tools/koro/standard_streams.h"
 #include "tools/koro/switched_features.h"
 #include "tools/koro/tool_error.h"
 
@@ -73,7 +74,7 @@ private:
                 {"seconds", seconds}, {"event", one.name}, {"id", id ? json(*id) : json()}, {"values", json::object()}};
             for (const auto& [name, value] : one.values)
                 line["values"][name] = value;
-            std::printf("%s\n", Dump(line).c_str());
+            PrintOut("%s\n", Dump(line).c_str());
             return;
         }
         std::string text = one.name.empty() ? "event" : PrintableStart(one.name);
@@ -82,7 +83,7 @@ private:
                     " bytes, no feature";
         for (const auto& [name, value] : one.values)
             text += " " + PrintableStart(name) + "=" + PrintableStart(value);
-        std::printf("%9.3f  %s\n", seconds, text.c_str());
+        PrintOut("%9.3f  %s\n", seconds, text.c_str());
     }
 
     const EventsCommand& command;

@@ -5,6 +5,7 @@
 #include "tools/koro/feature_tree.h"
 #include "tools/koro/interrupt.h"
 #include "tools/koro/report.h"
+#include "tools/koro/standard_streams.h"
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
@@ -75,7 +76,7 @@ void PrintLines(const std::vector<Line>& lines)
     {
         if (line.access.empty())
         {
-            std::printf("%s\n", line.name.c_str());
+            PrintOut("%s\n", line.name.c_str());
             continue;
         }
         std::string text = line.name;
@@ -86,7 +87,7 @@ void PrintLines(const std::vector<Line>& lines)
             if (line.value.size() < values) text.append(values - line.value.size(), ' ');
             text += "  " + line.range;
         }
-        std::printf("%s\n", text.c_str());
+        PrintOut("%s\n", text.c_str());
     }
 }
 
@@ -96,7 +97,7 @@ void PrintNodesInNoCategory(const NodeMap& nodes)
     Rows rows;
     for (const json& node : others)
         rows.emplace_back(PrintableStart(node.at("name").get<std::string>()), node.at("type").get<std::string>());
-    std::printf("(in no category)\n");
+    PrintOut("(in no category)\n");
     PrintRows(rows, "  ");
 }
 
@@ -122,7 +123,7 @@ int Features(FeaturesCommand command)
     {
         nlohmann::json whole = {{"module", NameOf(command.target.module)}, {"features", features}};
         if (command.all) whole["inNoCategory"] = NodesInNoCategory(session.Nodes());
-        std::printf("%s\n", Dump(whole, 2).c_str());
+        PrintOut("%s\n", Dump(whole, 2).c_str());
         return exitSuccess;
     }
     std::vector<Line> lines;

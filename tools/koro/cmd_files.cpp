@@ -4,8 +4,10 @@
 #include "tools/koro/if_known.h"
 #include "tools/koro/image_writer.h"
 #include "tools/koro/local_file.h"
+#include "tools/koro/path_option.h"
 #include "tools/koro/output.h"
 #include "tools/koro/report.h"
+#include "tools/koro/standard_streams.h"
 #include "tools/koro/tool_error.h"
 #include "tools/koro/transfer_progress.h"
 
@@ -171,7 +173,7 @@ int List(const FilesCommand& command)
     const FeatureSession session(command.target, FeatureSession::Access::Write);
     const EnumerationNode files = FilesOf(session);
     const auto before = IfKnown([&] { return files.CurrentEntry().SymbolicValue(); });
-    std::printf("%-24s %12s %12s  %s\n", "file", "bytes", "at most", "open for");
+    PrintOut("%-24s %12s %12s  %s\n", "file", "bytes", "at most", "open for");
     for (const EnumerationEntryNode& entry : files.Entries())
     {
         const std::string name = entry.SymbolicValue();
@@ -179,7 +181,7 @@ int List(const FilesCommand& command)
         const auto size = IfKnown([&] { return file.Size(); });
         const auto maxSize = IfKnown([&] { return file.MaxSize(); });
         const std::string modes = size ? Joined(Offered(session.Nodes(), "FileOpenMode")) : "not available";
-        std::printf(
+        PrintOut(
             "%-24s %12s %12s  %s\n", PrintableStart(name).c_str(), SizeText(size).c_str(), SizeText(maxSize).c_str(),
             modes.c_str());
     }
@@ -200,7 +202,7 @@ int Read(const FilesCommand& command)
     if (command.path != standardStream)
         WriteRaw(bytes.data(), bytes.size(), command.path);
     else
-        std::fwrite(bytes.data(), 1, bytes.size(), stdout);
+        std::fwrite(bytes.data(), 1, bytes.size(), Output());
     if (WriteOut()) progress.Finish();
     return exitSuccess;
 }
@@ -246,7 +248,7 @@ int Delete(const FilesCommand& command)
         throw ToolError(name + " was not deleted: FileOperationStatus is " + PrintableStart(failure) + ".");
     if (left.value_or(0) > 0)
         throw ToolError(name + " was not deleted: it still has " + std::to_string(*left) + " bytes.");
-    std::printf("%s deleted\n", name.c_str());
+    PrintOut("%s deleted\n", name.c_str());
     return exitSuccess;
 }
 
@@ -271,8 +273,8 @@ Action DefineFiles(CLI::App& command)
     CLI::App* const remove = define("delete", "Delete a file of the camera", Delete);
     for (CLI::App* const part : {read, write, remove})
         part->add_option("name", options->name, "An entry of FileSelector")->required();
-    read->add_option("path", options->path, "The file to write; - is standard output")->required();
-    write->add_option("path", options->path, "The file to read")->required();
+    TakesPath(read->add_option("path", options->path, "The file to write; - is standard output")->required());
+    TakesPath(write->add_option("path", options->path, "The file to read")->required());
     return [options, chosen] { return (*chosen)(*options); };
 }
 

@@ -3,9 +3,11 @@
 #include "tools/koro/discovery.h"
 #include "tools/koro/if_known.h"
 #include "tools/koro/interrupt.h"
+#include "tools/koro/path_option.h"
 #include "tools/koro/pending_file.h"
 #include "tools/koro/read_producer.h"
 #include "tools/koro/report.h"
+#include "tools/koro/standard_streams.h"
 #include "tools/koro/step_progress.h"
 #include "tools/koro/tool_error.h"
 #include "tools/koro/update_package.h"
@@ -30,7 +32,7 @@ struct FirmwareCommand
 {
     std::string camera;
     std::optional<std::string> onlyFor; // a camera
-    std::string producer;
+    ProducerChoice producer;
     std::string file;
     std::string control;
     std::vector<std::string> contents;
@@ -70,8 +72,8 @@ int Info(const FirmwareCommand& command)
     std::optional<CameraConnection> connection;
     if (command.onlyFor)
     {
-        const Discovery discovery = Discover(command.producer);
-        connection.emplace(FindCamera(discovery, *command.onlyFor));
+        const Discovery discovery = DiscoverFor(command.producer, *command.onlyFor);
+        connection.emplace(discovery, FindCamera(discovery, *command.onlyFor));
         updates = updater.Collect(command.file, connection->Descriptor());
     }
     for (const FirmwareUpdateInformation& update : updates)
@@ -119,7 +121,7 @@ public:
     {}
 
 private:
-    StepProgress shown{stdout, isatty(STDOUT_FILENO) != 0};
+    StepProgress shown{Output(), OutputIsTerminal()};
     Registration started;
     Registration progress;
     Registration finished;
@@ -142,9 +144,9 @@ std::string VersionOf(const CameraConnection& connection, const std::string& ser
     return "unknown";
 }
 
-void UpdateOne(const FirmwareCommand& command, const CameraChoice& choice)
+void UpdateOne(const FirmwareCommand& command, const Discovery& discovery, const CameraChoice& choice)
 {
-    const CameraConnection connection(choice);
+    const CameraConnection connection(discovery, choice);
     const FirmwareUpdater updater;
     const auto updates = updater.Collect(command.file, connection.Descriptor());
     if (updates.empty()) throw ToolError("No update of " + Printable(command.file) + " fits the camera.");
@@ -157,10 +159,10 @@ void UpdateOne(const FirmwareCommand& command, const CameraChoice& choice)
             std::to_string(updates.size()) + " updates of the file fit the camera: " + versions + ".",
             "Ask the maker of the file for one update a camera.");
     }
-    std::printf(
+    PrintOut(
         "%s: %s, version %s\n", DescribeCamera(choice).c_str(), Printable(updates.front().Description()).c_str(),
         Printable(updates.front().Version()).c_str());
-    std::fflush(stdout);
+    std::fflush(Output());
 
     const auto begin = std::chrono::steady_clock::now();
     const FirmwareUpdateProgressObserver observer;
@@ -177,14 +179,14 @@ void UpdateOne(const FirmwareCommand& command, const CameraChoice& choice)
             "Look at the camera; update it again once `koro list` shows it. --reset-timeout gives it more time.");
     }
     const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
-    std::printf(
+    PrintOut(
         "done in %.1f s, the camera reports version %s\n", seconds,
         Printable(VersionOf(connection, choice.camera->serialNumber.value_or(""))).c_str());
 }
 
-bool Fits(const FirmwareCommand& command, const CameraChoice& choice)
+bool Fits(const FirmwareCommand& command, const Discovery& discovery, const CameraChoice& choice)
 {
-    const CameraConnection connection(choice);
+    const CameraConnection connection(discovery, choice);
     return !FirmwareUpdater().Collect(command.file, connection.Descriptor()).empty();
 }
 
@@ -194,14 +196,14 @@ int UpdateAll(const FirmwareCommand& command, const Discovery& discovery, const 
     size_t numUpdated = 0;
     size_t numFailed = 0;
     bool cutShort = false;
-    for (const CameraChoice& choice : SelectCameras(discovery.producers, command.camera))
+    for (const CameraChoice& choice : FindCameras(discovery, command.camera))
     {
         cutShort = interrupt.IsRequested();
         if (cutShort) break;
         try
         {
-            if (!Fits(command, choice)) continue;
-            UpdateOne(command, choice);
+            if (!Fits(command, discovery, choice)) continue;
+            UpdateOne(command, discovery, choice);
             ++numUpdated;
         }
         catch (const std::runtime_error& error)
@@ -211,7 +213,7 @@ int UpdateAll(const FirmwareCommand& command, const Discovery& discovery, const 
                 stderr, "koro: %s: %s\n", DescribeCamera(choice).c_str(), PrintableLines(error.what()).c_str());
         }
     }
-    std::printf("%zu cameras updated, %zu failed\n", numUpdated, numFailed);
+    PrintOut("%zu cameras updated, %zu failed\n", numUpdated, numFailed);
     if (cutShort) return exitInterrupted;
     return numFailed == 0 && numUpdated > 0 ? exitSuccess : exitFailure;
 }
@@ -222,10 +224,12 @@ int Update(const FirmwareCommand& command)
     const Interrupt interrupt("the update of a camera is not cut off");
     const Library library = Library::Initialize();
     ReadUpdates(FirmwareUpdater(), command.file);
-    const Discovery discovery = Discover(command.producer);
+    // All cameras of a name are all that there are, not the first ones that answer.
+    const Discovery discovery =
+        command.all ? Discover(command.producer) : DiscoverFor(command.producer, command.camera);
     if (interrupt.IsRequested()) return exitInterrupted;
     if (command.all) return UpdateAll(command, discovery, interrupt);
-    UpdateOne(command, FindCamera(discovery, command.camera));
+    UpdateOne(command, discovery, FindCamera(discovery, command.camera));
     return exitSuccess;
 }
 
@@ -283,18 +287,18 @@ Action DefineFirmware(CLI::App& command)
         return part;
     };
     CLI::App* const info = define("info", "Show what an update file offers", Info);
-    info->add_option("file", options->file, "The update file")->required();
+    TakesPath(info->add_option("file", options->file, "The update file")->required());
     info->add_option("--for", options->onlyFor, "Only what fits this camera");
     CLI::App* const update = define("update", "Apply an update to a camera", Update);
     update->add_option("camera", options->camera, "Serial number, user name, id, interface:id, or a pattern with *")
         ->required();
-    update->add_option("file", options->file, "The update file")->required();
+    TakesPath(update->add_option("file", options->file, "The update file")->required());
     update->add_flag("--all", options->all, "Update every camera that the pattern and the file fit");
     update->add_option("--reset-timeout", options->resetTimeout_ms, "Milliseconds that a camera may take to come back")
         ->check(CLI::Range(uint64_t{0}, uint64_t{3600000}))
         ->capture_default_str();
     for (CLI::App* const part : {info, update})
-        part->add_option("--producer", options->producer, "Use this .cti file alone, not the environment");
+        DefineProducer(*part, options->producer);
     CLI::App* const pack = define("pack", "Make an update file", Pack);
     pack->add_option("file", options->file, "The update file to write")->required();
     pack->add_option("control", options->control, "The control file (XML) with procedures and updates")->required();

@@ -4,6 +4,7 @@
 #include "tools/koro/feature_tree.h"
 #include "tools/koro/feature_value.h"
 #include "tools/koro/report.h"
+#include "tools/koro/standard_streams.h"
 #include "tools/koro/tool_error.h"
 
 #include <CLI/CLI.hpp>
@@ -49,7 +50,7 @@ int PrintJSON(const std::vector<Node>& nodes)
         all.push_back(BriefOf(node));
         whole = whole && all.back().contains("value");
     }
-    std::printf("%s\n", Dump(all, 2).c_str());
+    PrintOut("%s\n", Dump(all, 2).c_str());
     return whole ? exitSuccess : exitFailure;
 }
 
@@ -67,9 +68,9 @@ int Get(GetCommand command)
     for (const Node& node : nodes)
     {
         // Exact for a program; a terminal is spared what the text may do to it.
-        const std::string value = isatty(STDOUT_FILENO) != 0 ? Printable(Read(node)) : Read(node);
-        if (nodes.size() > 1) std::printf("%s=", node.Name().c_str());
-        std::printf("%s\n", value.c_str());
+        const std::string value = OutputIsTerminal() ? Printable(Read(node)) : Read(node);
+        if (nodes.size() > 1) PrintOut("%s=", node.Name().c_str());
+        PrintOut("%s\n", value.c_str());
     }
     return exitSuccess;
 }

@@ -4,8 +4,10 @@
 #include "tools/koro/commands.h"
 #include "tools/koro/discovery.h"
 #include "tools/koro/grab_session.h"
+#include "tools/koro/path_option.h"
 #include "tools/koro/pause.h"
 #include "tools/koro/report.h"
+#include "tools/koro/standard_streams.h"
 #include "tools/koro/tool_error.h"
 
 #include <CLI/CLI.hpp>
@@ -27,7 +29,7 @@ constexpr std::chrono::milliseconds searchInterval{200};
 struct GrabCommand
 {
     std::string camera;
-    std::string producer;
+    ProducerChoice producer;
     std::string output;
     GrabSettings settings;
     bool reconnect = false;
@@ -144,21 +146,21 @@ int Grab(const GrabCommand& command)
 {
     Interrupt interrupt;
     MakeFolder(command.output);
-    const Discovery discovery = Discover(command.producer);
+    const Discovery discovery = DiscoverFor(command.producer, command.camera);
     if (interrupt.IsRequested()) return exitInterrupted;
     const CameraChoice choice = FindCamera(discovery, command.camera);
 
-    const CameraConnection connection(choice, ModuleSettings(command.settings.settings, ModuleKind::Remote));
+    const CameraConnection connection(discovery, choice, ModuleSettings(command.settings.settings, ModuleKind::Remote));
     std::optional<CameraLink> link;
     if (command.reconnect) link.emplace(connection, choice.camera->id, choice.camera->serialNumber.value_or(""));
     auto session = std::make_unique<GrabSession>(connection.Descriptor(), command.settings, link ? &*link : nullptr);
-    std::printf("%s, %s\n", Printable(DescribeCamera(choice)).c_str(), session->DescribeBuffers().c_str());
-    std::fflush(stdout);
+    PrintOut("%s, %s\n", Printable(DescribeCamera(choice)).c_str(), session->DescribeBuffers().c_str());
+    std::fflush(Output());
 
     const std::string prefix = PrefixFor(*choice.camera);
     std::optional<ChunkTable> table;
     if (command.settings.chunks) table.emplace(std::filesystem::path(command.output) / (prefix + "-chunks.csv"));
-    std::optional<Progress> progress(std::in_place, stdout, isatty(STDOUT_FILENO) != 0, command.settings.numPictures);
+    std::optional<Progress> progress(std::in_place, Output(), OutputIsTerminal(), command.settings.numPictures);
     PictureSaver saver(command.output, prefix, *progress);
     GrabOutput output{saver, *progress, table ? &*table : nullptr};
     try
@@ -192,7 +194,7 @@ Action DefineGrab(CLI::App& command)
     command.add_option("--frames", settings.numPictures, "Number of pictures")
         ->required()
         ->check(CLI::Range(uint64_t{1}, uint64_t{1000000000}));
-    command.add_option("--output", options->output, "Folder of the files; made if it is not there")->required();
+    TakesPath(command.add_option("--output", options->output, "Folder of the files; made if it is not there")->required());
     command.add_option("--format", settings.format, "png, tiff, or raw (the frame's bytes as they came)")
         ->transform(CLI::CheckedTransformer(formats));
     command.add_option("--timeout", settings.timeout_ms, "Milliseconds to wait for a frame")
@@ -203,7 +205,7 @@ Action DefineGrab(CLI::App& command)
         "--chunks", settings.chunks, "Switch the chunks on, print their values and write them into a table");
     command.add_flag("--reconnect", options->reconnect, "Go on when the camera was unplugged and comes back");
     DefineSettings(command, settings.settings);
-    command.add_option("--producer", options->producer, "Use this .cti file alone, not the environment");
+    DefineProducer(command, options->producer);
     return [options] { return Grab(*options); };
 }
 

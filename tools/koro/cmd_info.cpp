@@ -5,6 +5,7 @@
 #include "tools/koro/discovery.h"
 #include "tools/koro/if_known.h"
 #include "tools/koro/report.h"
+#include "tools/koro/standard_streams.h"
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
@@ -22,7 +23,7 @@ using nlohmann::json;
 struct InfoSettings
 {
     std::string camera;
-    std::string producer;
+    ProducerChoice producer;
     bool json = false;
 };
 
@@ -94,7 +95,7 @@ void PrintStreams(const json& opened)
     if (!opened.contains("streams")) return;
     for (const json& stream : opened.at("streams"))
     {
-        std::printf("\nstream %s\n", TextOf(stream.at("id")).c_str());
+        PrintOut("\nstream %s\n", TextOf(stream.at("id")).c_str());
         PrintRows(
             {
                 {"transport", TextOf(stream.at("tlType"))},
@@ -131,18 +132,18 @@ void PrintText(const CameraChoice& choice, const CameraAddresses& addresses, con
     {
         for (const json& url : opened.at("camera").at("descriptions"))
         {
-            std::printf("description  %s\n", TextOf(url).c_str());
+            PrintOut("description  %s\n", TextOf(url).c_str());
         }
     }
     PrintStreams(opened);
-    if (opened.contains("problem")) std::printf("\nnot opened: %s\n", TextOf(opened.at("problem")).c_str());
+    if (opened.contains("problem")) PrintOut("\nnot opened: %s\n", TextOf(opened.at("problem")).c_str());
 }
 
 int Info(const InfoSettings& settings)
 {
-    const Discovery discovery = Discover(settings.producer);
+    const Discovery discovery = DiscoverFor(settings.producer, settings.camera);
     const CameraChoice choice = FindCamera(discovery, settings.camera);
-    const CameraConnection connection(choice);
+    const CameraConnection connection(discovery, choice);
     // While the camera is closed: some interfaces do not answer for one that is in use.
     const CameraAddresses addresses = ReadAddresses(connection.Interface())[choice.camera->id];
     const json opened = ReadOpened(connection.Descriptor());
@@ -159,7 +160,7 @@ int Info(const InfoSettings& settings)
     all["interface"] = choice.interfaceRecord->id;
     all["producer"] = choice.producer->path;
     all["opened"] = opened;
-    std::printf("%s\n", Dump(all, 2).c_str());
+    PrintOut("%s\n", Dump(all, 2).c_str());
     return exitSuccess;
 }
 
@@ -170,7 +171,7 @@ Action DefineInfo(CLI::App& command)
     const auto settings = std::make_shared<InfoSettings>();
     command.add_option("camera", settings->camera, "Serial number, user name, id, interface:id, or a pattern with *")
         ->required();
-    command.add_option("--producer", settings->producer, "Use this .cti file alone, not the environment");
+    DefineProducer(command, settings->producer);
     command.add_flag("--json", settings->json, "Write JSON");
     return [settings] { return Info(*settings); };
 }

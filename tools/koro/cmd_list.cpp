@@ -6,8 +6,10 @@
 #include "tools/koro/module_connection.h"
 #include "tools/koro/read_producer.h"
 #include "tools/koro/report.h"
+#include "tools/koro/standard_streams.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -20,7 +22,7 @@ namespace
 
 struct ListSettings
 {
-    std::string producer;
+    ProducerChoice producer;
     bool json = false;
     bool verbose = false;
 };
@@ -50,7 +52,7 @@ void AddAddresses(Discovery& discovery)
 
 void PrintCamera(const CameraRecord& camera, bool verbose)
 {
-    std::printf("    camera %s\n", PrintableStart(camera.id).c_str());
+    PrintOut("    camera %s\n", PrintableStart(camera.id).c_str());
     Rows rows = {
         {"model", OrDash(camera.vendor) + " " + OrDash(camera.model)},
         {"serial number", OrDash(camera.serialNumber)},
@@ -69,21 +71,21 @@ void PrintCamera(const CameraRecord& camera, bool verbose)
 
 void PrintInterface(const InterfaceRecord& record, bool verbose)
 {
-    std::printf(
+    PrintOut(
         "  interface %s  %s, %s\n", PrintableStart(record.id).c_str(), OrDash(record.displayName).c_str(),
         OrDash(record.tlType).c_str());
-    if (record.problem) std::printf("    %s\n", PrintableStart(*record.problem, 4096).c_str());
+    if (record.problem) PrintOut("    %s\n", PrintableStart(*record.problem, 4096).c_str());
     for (const CameraRecord& camera : record.cameras)
         PrintCamera(camera, verbose);
 }
 
 void PrintProducer(const ProducerRecord& producer, bool verbose)
 {
-    std::printf(
+    PrintOut(
         "%s\n  %s %s %s, GenTL %s, %s\n", Printable(producer.path).c_str(), OrDash(producer.vendor).c_str(),
         OrDash(producer.model).c_str(), OrDash(producer.version).c_str(), OrDash(producer.genTLVersion).c_str(),
         OrDash(producer.tlType).c_str());
-    if (producer.problem) std::printf("  %s\n", PrintableStart(*producer.problem, 4096).c_str());
+    if (producer.problem) PrintOut("  %s\n", PrintableStart(*producer.problem, 4096).c_str());
     for (const InterfaceRecord& record : producer.interfaces)
         PrintInterface(record, verbose);
 }
@@ -93,10 +95,10 @@ void PrintText(const Discovery& discovery, bool verbose)
     for (const ProducerRecord& producer : discovery.producers)
         PrintProducer(producer, verbose);
     for (const ProbeResult& failed : discovery.failed)
-        std::printf("%s\n", DescribeFailure(failed).c_str());
+        PrintOut("%s\n", DescribeFailure(failed).c_str());
     const size_t numCameras = AllCameras(discovery.producers).size();
-    std::printf("%zu %s\n", numCameras, numCameras == 1 ? "camera" : "cameras");
-    if (numCameras == 0) std::printf("hint: `koro doctor` tells why there is none.\n");
+    PrintOut("%zu %s\n", numCameras, numCameras == 1 ? "camera" : "cameras");
+    if (numCameras == 0) PrintOut("hint: `koro doctor` tells why there is none.\n");
 }
 
 void PrintJSON(const Discovery& discovery)
@@ -109,12 +111,16 @@ void PrintJSON(const Discovery& discovery)
     {
         failed.push_back({{"path", result.path}, {"problem", result.text}});
     }
-    std::printf("%s\n", Dump({{"producers", producers}, {"failed", failed}}, 2).c_str());
+    PrintOut("%s\n", Dump({{"producers", producers}, {"failed", failed}}, 2).c_str());
 }
 
 int List(const ListSettings& settings)
 {
     Discovery discovery = Discover(settings.producer);
+    // What was named and cannot be listed is a failure; one of many is a line in the list.
+    const bool named = !settings.producer.file.empty();
+    const bool works = std::all_of(
+        discovery.producers.begin(), discovery.producers.end(), [](const auto& producer) { return !producer.problem; });
     if (settings.verbose) AddAddresses(discovery);
     if (settings.json)
     {
@@ -124,7 +130,7 @@ int List(const ListSettings& settings)
     {
         PrintText(discovery, settings.verbose);
     }
-    return exitSuccess;
+    return named && !(discovery.failed.empty() && works) ? exitFailure : exitSuccess;
 }
 
 } // namespace
@@ -132,7 +138,7 @@ int List(const ListSettings& settings)
 Action DefineList(CLI::App& command)
 {
     const auto settings = std::make_shared<ListSettings>();
-    command.add_option("--producer", settings->producer, "Use this .cti file alone, not the environment");
+    DefineProducer(command, settings->producer);
     command.add_flag("--verbose", settings->verbose, "Also version, transport and addresses of each camera");
     command.add_flag("--json", settings->json, "Write JSON");
     return [settings] { return List(*settings); };

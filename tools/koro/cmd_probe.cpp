@@ -1,4 +1,6 @@
 #include "gentl/api/function_names.h"
+#include "gentl/api/gentl.h"
+#include "tools/koro/accidents.h"
 #include "tools/koro/camera_tree_json.h"
 #include "tools/koro/commands.h"
 #include "tools/koro/producer_probe.h"
@@ -6,10 +8,13 @@
 #include <koro/koro.hpp>
 
 #include <CLI/CLI.hpp>
+#include <cerrno>
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <nlohmann/json.hpp>
+#include <string>
 #include <unistd.h>
+#include <vector>
 
 namespace koro::tool
 {
@@ -18,6 +23,26 @@ namespace
 {
 
 using nlohmann::json;
+
+// A reason is a sentence or two.
+constexpr size_t maxReason = 4096;
+
+// A file in this process, unloaded with the object; a null handle when it cannot be loaded.
+struct LoadedFile
+{
+    // A file that throws while it is loaded ends the process, as it does where the library loads it.
+    explicit LoadedFile(const std::string& path) noexcept
+        : handle(dlopen((path.find('/') != path.npos ? path : "./" + path).c_str(), RTLD_NOW | RTLD_LOCAL))
+    {}
+    LoadedFile(const LoadedFile&) = delete;
+    LoadedFile& operator=(const LoadedFile&) = delete;
+    ~LoadedFile()
+    {
+        if (handle) dlclose(handle);
+    }
+
+    void* const handle;
+};
 
 void Send(const json& line)
 {
@@ -39,48 +64,87 @@ std::string LoaderText()
 }
 
 // What the system's loader says: why the file cannot be loaded, or each function that it lacks.
-std::vector<std::string> AskLoader(const std::string& path)
+void AskLoader(const std::string& path)
 {
-    const bool hasFolder = path.find('/') != std::string::npos;
-    void* file = dlopen((hasFolder ? path : "./" + path).c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (!file) return {LoaderText()};
-
-    std::vector<std::string> texts;
+    const LoadedFile file(path);
+    json lacks = json::array();
+    json texts = json::array();
+    if (!file.handle) texts.push_back(LoaderText());
     for (const char* name : GenTL::mandatoryFunctions)
     {
-        if (!dlsym(file, name)) texts.push_back(LoaderText());
+        if (!file.handle || dlsym(file.handle, name)) continue;
+        lacks.push_back(name);
+        texts.push_back(LoaderText());
     }
-    dlclose(file);
-    return texts;
+    Send({{"loader", texts}, {"lacks", lacks}});
+}
+
+template <typename Function>
+Function* Find(const LoadedFile& file, const char* name)
+{
+    return file.handle ? reinterpret_cast<Function*>(dlsym(file.handle, name)) : nullptr;
+}
+
+// The producer's own reason why it does not start, which the library does not ask for; empty when there is none.
+std::string AskForReason(const std::string& path)
+{
+    const LoadedFile file(path);
+    const auto start = Find<decltype(GenTL::GCInitLib)>(file, "GCInitLib");
+    const auto getLastError = Find<decltype(GenTL::GCGetLastError)>(file, "GCGetLastError");
+    if (!start || !getLastError) return {};
+    if (start() == GenTL::GC_ERR_SUCCESS)
+    {
+        const auto end = Find<decltype(GenTL::GCCloseLib)>(file, "GCCloseLib");
+        if (end) end();
+        return {};
+    }
+    std::vector<char> text(maxReason);
+    size_t size = text.size() - 1; // a text without terminator gets one
+    GenTL::GC_ERROR code = GenTL::GC_ERR_SUCCESS;
+    return getLastError(&code, text.data(), &size) == GenTL::GC_ERR_SUCCESS ? text.data() : "";
+}
+
+[[noreturn]] void End(int status)
+{
+    // No static destructor of the producer is to run: its result is there.
+    _exit(status);
 }
 
 } // namespace
 
-int RunProbe(const std::string& path)
+void RunProbe(const std::string& path, const std::string& wanted)
 {
     fcntl(probePipe, F_SETFD, FD_CLOEXEC);
+    ReportAccidentsTo(probePipe);
     Send({{"stage", "load"}});
-    Send({{"loader", AskLoader(path)}});
+    AskLoader(path);
     try
     {
-        const Library library = Library::Initialize();
-        const ProducerRecord record = ReadProducer(path, [](const char* stage) { Send({{"stage", stage}}); });
+        const ProducerRecord record = ReadProducer(path, wanted, [](const char* stage) { Send({{"stage", stage}}); });
         Send({{"producer", ToJSON(record)}});
+        End(exitSuccess);
     }
     catch (const Error& error)
     {
+        // The result goes first: the producer may do worse than before when it is called again.
         Send({{"refused", error.what()}});
-        return exitFailure;
     }
-    return exitSuccess;
+    Send({{"producerText", AskForReason(path)}});
+    End(exitFailure);
 }
 
 Action DefineProbe(CLI::App& command)
 {
-    const auto path = std::make_shared<std::string>();
-    command.add_option("file", *path)->required();
+    struct Candidate
+    {
+        std::string path;
+        std::string wanted;
+    };
+    const auto candidate = std::make_shared<Candidate>();
+    command.add_option("file", candidate->path)->required();
+    command.add_option("--wanted", candidate->wanted);
     command.group(""); // hidden: the tool starts it for itself
-    return [path] { return RunProbe(*path); };
+    return [candidate]() -> int { RunProbe(candidate->path, candidate->wanted); };
 }
 
 } // namespace koro::tool

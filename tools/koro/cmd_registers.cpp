@@ -2,6 +2,7 @@
 #include "tools/koro/feature_session.h"
 #include "tools/koro/feature_value.h"
 #include "tools/koro/report.h"
+#include "tools/koro/standard_streams.h"
 #include "tools/koro/tool_error.h"
 
 #include <CLI/CLI.hpp>
@@ -80,7 +81,7 @@ int ReadRegisters(RegisterCommand command)
         throw ToolError("From 1 to " + std::to_string(maxSize) + " bytes are read at a time.", {}, exitUsage);
     const FeatureSession session(command.target, FeatureSession::Access::Read, FeatureSession::Wants::Port);
     At(command.words.front(), "read",
-       [&] { std::printf("%s\n", Hex(session.Port().Read(address, static_cast<size_t>(size))).c_str()); });
+       [&] { PrintOut("%s\n", Hex(session.Port().Read(address, static_cast<size_t>(size))).c_str()); });
     return exitSuccess;
 }
 
@@ -92,7 +93,7 @@ int WriteRegisters(RegisterCommand command)
     const std::vector<uint8_t> bytes = Bytes(command.words[1]);
     const FeatureSession session(command.target, FeatureSession::Access::Write, FeatureSession::Wants::Port);
     At(command.words.front(), "written", [&] { session.Port().Write(address, bytes); });
-    std::printf("%zu bytes written\n", bytes.size());
+    PrintOut("%zu bytes written\n", bytes.size());
     return exitSuccess;
 }
 

@@ -3,6 +3,7 @@
 #include "tools/koro/feature_session.h"
 #include "tools/koro/feature_value.h"
 #include "tools/koro/interrupt.h"
+#include "tools/koro/standard_streams.h"
 #include "tools/koro/tool_error.h"
 
 #include <CLI/CLI.hpp>
@@ -40,8 +41,8 @@ void Execute(const FeatureSession& session, const Node& node, const std::string&
             refused ? SentencesOf(WhyNotWritable(session.Nodes(), session.Port(), node)) : std::string());
     }
     // For whoever waits: a command may take long.
-    std::printf("%s is executed\n", name.c_str());
-    std::fflush(stdout);
+    PrintOut("%s is executed\n", name.c_str());
+    std::fflush(Output());
 }
 
 // In short waits, so that an interrupt is seen. False when the command goes on after the time-out.
@@ -92,7 +93,7 @@ int RunIt(RunCommand command)
             command.name + " is not done after " + std::to_string(command.timeout_ms) + " ms.",
             "It goes on in the camera; give it more time with --timeout.");
     }
-    std::printf("%s is done\n", command.name.c_str());
+    PrintOut("%s is done\n", command.name.c_str());
     return exitSuccess;
 }
 

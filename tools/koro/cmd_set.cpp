@@ -5,6 +5,7 @@
 #include "tools/koro/if_known.h"
 #include "tools/koro/interrupt.h"
 #include "tools/koro/report.h"
+#include "tools/koro/standard_streams.h"
 #include "tools/koro/tool_error.h"
 
 #include <CLI/CLI.hpp>
@@ -37,8 +38,8 @@ int Set(SetCommand command)
     // What the camera has made of it, which need not be what was written.
     command.target.written = [&](const Node& node) {
         const auto value = IfKnown([&] { return ReadValue(node); });
-        std::printf("%s=%s\n", PrintableStart(node.Name()).c_str(), PrintableStart(value.value_or("-"), 4096).c_str());
-        std::fflush(stdout);
+        PrintOut("%s=%s\n", PrintableStart(node.Name()).c_str(), PrintableStart(value.value_or("-"), 4096).c_str());
+        std::fflush(Output());
         return !interrupt.IsRequested();
     };
     const FeatureSession session(command.target, FeatureSession::Access::Write, FeatureSession::Wants::Port);

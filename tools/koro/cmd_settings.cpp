@@ -1,9 +1,11 @@
 #include "tools/koro/commands.h"
 #include "tools/koro/feature_file.h"
 #include "tools/koro/feature_session.h"
+#include "tools/koro/path_option.h"
 #include "tools/koro/pending_file.h"
 #include "tools/koro/report.h"
 #include "tools/koro/settings_plan.h"
+#include "tools/koro/standard_streams.h"
 #include "tools/koro/tool_error.h"
 #include "tools/koro/writable_features.h"
 
@@ -166,7 +168,7 @@ int SaveSettings(const SettingsCommand& command)
         WarnOfNoValues(
             "The description marks no feature as a part of the settings, so the file has no values.",
             "--all-writable saves every feature that can be read and written.");
-    std::printf("%s in %s\n", Count(settings.records.size(), "values").c_str(), Printable(command.file).c_str());
+    PrintOut("%s in %s\n", Count(settings.records.size(), "values").c_str(), Printable(command.file).c_str());
     return exitSuccess;
 }
 
@@ -193,7 +195,7 @@ int LoadSettings(const SettingsCommand& command)
                     " could not be written: " + error.what(),
                 "The others are written; `koro settings check` shows what a file would change.");
     }
-    std::printf("%s written\n", Count(records.size(), "values").c_str());
+    PrintOut("%s written\n", Count(records.size(), "values").c_str());
     return exitSuccess;
 }
 
@@ -207,7 +209,7 @@ int CheckSettings(const SettingsCommand& command)
     {
         if (plan.isSame || !plan.problem.empty()) continue;
         ++numChanges;
-        std::printf(
+        PrintOut(
             "%s: %s -> %s%s\n", LineOf(plan).c_str(), plan.before.empty() ? "?" : PrintableStart(plan.before).c_str(),
             PrintableStart(plan.record->value).c_str(),
             plan.missingSelector.empty() ? ""
@@ -215,8 +217,8 @@ int CheckSettings(const SettingsCommand& command)
                                             ", which the camera does not have")
                                                .c_str());
     }
-    const size_t numProblems = PrintProblems(plans, stdout);
-    std::printf(
+    const size_t numProblems = PrintProblems(plans, Output());
+    PrintOut(
         "%zu values would change, %zu cannot be written, %zu are the same\n", numChanges, numProblems,
         plans.size() - numChanges - numProblems);
     return numProblems == 0 ? exitSuccess : exitFailure;
@@ -224,7 +226,7 @@ int CheckSettings(const SettingsCommand& command)
 
 void PrintDifference(char sign, const std::string& title, const FeatureRecord& record)
 {
-    std::printf("%c %s=%s\n", sign, PrintableStart(title).c_str(), PrintableStart(record.value).c_str());
+    PrintOut("%c %s=%s\n", sign, PrintableStart(title).c_str(), PrintableStart(record.value).c_str());
 }
 
 int DiffSettings(const SettingsCommand& command)
@@ -266,7 +268,7 @@ CLI::App* DefinePart(
 {
     CLI::App* const part = parent.add_subcommand(name, help);
     DefineTarget(*part, options->target, false);
-    part->add_option("file", options->file, fileHelp)->required();
+    TakesPath(part->add_option("file", options->file, fileHelp)->required());
     part->callback([run, chosen] { *chosen = run; });
     return part;
 }

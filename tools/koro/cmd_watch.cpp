@@ -8,6 +8,7 @@
 #include "tools/koro/output.h"
 #include "tools/koro/pause.h"
 #include "tools/koro/report.h"
+#include "tools/koro/standard_streams.h"
 #include "tools/koro/tool_error.h"
 #include "tools/koro/tree_watch.h"
 
@@ -130,11 +131,11 @@ private:
         if (command.json)
         {
             const json change = {{"seconds", seconds}, {"name", feature.name}, {"value", feature.last}};
-            std::printf("%s\n", Dump(change).c_str());
+            PrintOut("%s\n", Dump(change).c_str());
         }
         else
         {
-            std::printf(
+            PrintOut(
                 "%9.3f  %s=%s\n", seconds, PrintableStart(feature.name).c_str(), PrintableStart(feature.last).c_str());
         }
         if (!WriteOut()) isOutputLost = true;
@@ -176,11 +177,11 @@ public:
         {
             const json line = {
                 {"seconds", seconds}, {"change", change.what}, {"place", change.place}, {"detail", change.detail}};
-            std::printf("%s\n", Dump(line).c_str());
+            PrintOut("%s\n", Dump(line).c_str());
         }
         else
         {
-            std::printf(
+            PrintOut(
                 "%9.3f  %-12s  %s%s%s\n", seconds, change.what, PrintableStart(change.place).c_str(),
                 change.detail.empty() ? "" : "  ", PrintableStart(change.detail).c_str());
         }
@@ -202,17 +203,24 @@ private:
     std::atomic<bool> isOutputLost{false};
 };
 
-int WatchTree(const WatchCommand& command)
+std::vector<std::string> WorkingProducers(const ProducerChoice& choice)
 {
-    if (command.refresh || !command.target.settings.empty() || command.target.module != ModuleKind::Remote)
-        throw ToolError("--refresh, --set and --module need a camera.", {}, exitUsage);
-    Interrupt interrupt;
-    const Discovery discovery = Discover(command.target.producer);
+    if (!choice.file.empty()) return SearchProducers(choice).candidates;
+    const Discovery discovery = Discover(choice);
     for (const ProbeResult& failed : discovery.failed)
         std::fprintf(stderr, "koro: %s\n", DescribeFailure(failed).c_str());
     std::vector<std::string> producers;
     for (const ProducerRecord& producer : discovery.producers)
         producers.push_back(producer.path);
+    return producers;
+}
+
+int WatchTree(const WatchCommand& command)
+{
+    if (command.refresh || !command.target.settings.empty() || command.target.module != ModuleKind::Remote)
+        throw ToolError("--refresh, --set and --module need a camera.", {}, exitUsage);
+    Interrupt interrupt;
+    const std::vector<std::string> producers = WorkingProducers(command.target.producer);
     if (producers.empty()) throw ToolError("There is no producer that works.", "`koro doctor` tells why.");
 
     ChangePrinter printer(command);

@@ -1,6 +1,7 @@
 #include "tools/koro/commands.h"
 #include "tools/koro/description_bytes.h"
 #include "tools/koro/feature_session.h"
+#include "tools/koro/standard_streams.h"
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
@@ -29,7 +30,7 @@ int WriteXML(XMLCommand command)
     const FeatureSession session(command.target, FeatureSession::Access::Read, FeatureSession::Wants::Port);
     const std::vector<uint8_t> bytes = DescriptionBytes(session.Port(), command.url);
     const std::string text = command.unzip ? DescriptionText(bytes) : std::string(bytes.begin(), bytes.end());
-    std::fwrite(text.data(), 1, text.size(), stdout);
+    std::fwrite(text.data(), 1, text.size(), Output());
     return exitSuccess;
 }
 

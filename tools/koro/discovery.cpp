@@ -1,18 +1,46 @@
 #include "tools/koro/discovery.h"
 
+#include "tools/koro/opened_producer.h"
 #include "tools/koro/report.h"
+#include "tools/koro/tool_error.h"
 #include <koro/koro.hpp>
 
+#include <algorithm>
 #include <cstdio>
 #include <utility>
 
 namespace koro::tool
 {
 
-Discovery Discover(const std::string& singleProducer)
+namespace
 {
-    const ProducerSearch search = SearchProducers(singleProducer);
-    if (singleProducer.empty() && !search.variableIsSet)
+
+// Simulated cameras are for those who have no other.
+void LeaveOutStandIn(const std::string& simulator, std::vector<ProducerRecord>& producers)
+{
+    const bool othersAnswered = std::any_of(producers.begin(), producers.end(), [&](const ProducerRecord& producer) {
+        return producer.path != simulator && !AllCameras({producer}).empty();
+    });
+    if (!othersAnswered) return;
+    std::erase_if(producers, [&](const ProducerRecord& producer) { return producer.path == simulator; });
+}
+
+void SayWhoIsWaitedFor(const std::vector<std::string>& paths)
+{
+    for (const std::string& path : paths)
+        std::fprintf(stderr, "koro: waiting for %s\n", Printable(path).c_str());
+}
+
+Discovery ProbeAll(const ProducerChoice& choice, const std::string& wanted)
+{
+    const ProducerSearch search = SearchProducers(choice);
+    if (!search.ownFolder.empty())
+    {
+        std::fprintf(
+            stderr, "koro: %s is not set; these producers came with the tool: %s\n", producerPathVariable,
+            Printable(search.ownFolder).c_str());
+    }
+    else if (search.candidates.empty() && !search.variableIsSet)
     {
         // The library words this best.
         const Library library = Library::Initialize();
@@ -20,9 +48,8 @@ Discovery Discover(const std::string& singleProducer)
     }
 
     Discovery discovery;
-    for (const std::string& candidate : search.candidates)
+    for (ProbeResult& result : ProbeProducers(search.candidates, {.wanted = wanted, .onWait = SayWhoIsWaitedFor}))
     {
-        ProbeResult result = ProbeProducer(candidate, probeTimeout_ms);
         if (result.record)
         {
             discovery.producers.push_back(std::move(*result.record));
@@ -32,16 +59,73 @@ Discovery Discover(const std::string& singleProducer)
             discovery.failed.push_back(std::move(result));
         }
     }
+    if (!search.standIn.empty()) LeaveOutStandIn(search.standIn, discovery.producers);
+    return discovery;
+}
+
+// What keeps producers that were loaded from showing their cameras.
+std::vector<std::string> ProblemsOf(const std::vector<ProducerRecord>& producers)
+{
+    std::vector<std::string> problems;
+    for (const ProducerRecord& producer : producers)
+    {
+        if (producer.problem) problems.push_back(producer.path + ": " + *producer.problem);
+        for (const InterfaceRecord& record : producer.interfaces)
+        {
+            if (record.problem) problems.push_back(producer.path + ", " + record.id + ": " + *record.problem);
+        }
+    }
+    return problems;
+}
+
+} // namespace
+
+Discovery Discover(const ProducerChoice& choice)
+{
+    return ProbeAll(choice, {});
+}
+
+Discovery DiscoverFor(const ProducerChoice& choice, const std::string& wanted)
+{
+    if (choice.file.empty()) return ProbeAll(choice, wanted);
+
+    Discovery discovery;
+    discovery.opened = std::make_shared<OpenedProducer>(SearchProducers(choice).candidates.front());
+    ProducerRecord record = discovery.opened->Describe();
+    discovery.opened->Open();
+    discovery.opened->List(record, wanted);
+    discovery.producers.push_back(std::move(record));
     return discovery;
 }
 
 CameraChoice FindCamera(const Discovery& discovery, const std::string& name)
 {
+    const std::vector<CameraChoice> found = FindCameras(discovery, name);
+    return found.size() == 1 ? found.front() : SelectCamera(discovery.producers, name);
+}
+
+std::vector<CameraChoice> FindCameras(const Discovery& discovery, const std::string& name)
+{
     for (const ProbeResult& failed : discovery.failed)
     {
         std::fprintf(stderr, "koro: %s\n", DescribeFailure(failed).c_str());
     }
-    return SelectCamera(discovery.producers, name);
+    try
+    {
+        return SelectCameras(discovery.producers, name);
+    }
+    catch (const ToolError&)
+    {
+        // The camera may be one of those that could not be listed.
+        const std::vector<std::string> problems = ProblemsOf(discovery.producers);
+        for (const std::string& problem : problems)
+            std::fprintf(stderr, "koro: %s\n", Printable(problem).c_str());
+        const bool somethingFailed = !problems.empty() || !discovery.failed.empty();
+        if (!somethingFailed || !AllCameras(discovery.producers).empty()) throw;
+    }
+    throw ToolError(
+        discovery.producers.empty() ? "No producer works, so no camera can be found." : "No camera could be listed.",
+        "`koro doctor` tells why.", exitNoSuchCamera);
 }
 
 std::string DescribeFailure(const ProbeResult& failed)

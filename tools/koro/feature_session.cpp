@@ -3,6 +3,7 @@
 #include "tools/koro/assignments.h"
 #include "tools/koro/discovery.h"
 #include "tools/koro/first_stream.h"
+#include "tools/koro/path_option.h"
 #include "tools/koro/report.h"
 #include "tools/koro/similar_names.h"
 #include "tools/koro/tool_error.h"
@@ -37,7 +38,7 @@ std::string Suggestions(const NodeMap& nodes, const std::string& name)
 
 CLI::Option* DefineCamera(CLI::App& command, FeatureTarget& target)
 {
-    command.add_option("--producer", target.producer, "Use this .cti file alone, not the environment");
+    DefineProducer(command, target.producer);
     return command
         .add_option("camera", target.camera, "Serial number, user name, id, interface:id, or a pattern with *")
         ->required();
@@ -64,7 +65,7 @@ void DefineAnyModule(CLI::App& command, FeatureTarget& target, bool offersSettin
     camera->required(false);
     command.add_option(
         "--interface", target.interfaceName, "In place of a camera: the id of an interface, or a pattern");
-    command.add_option("--system", target.systemFile, "In place of a camera: the .cti file of a producer");
+    TakesPath(command.add_option("--system", target.systemFile, "In place of a camera: the .cti file of a producer"));
 }
 
 void CompleteTarget(FeatureTarget& target, std::vector<std::string>& words)
@@ -106,8 +107,8 @@ FeatureSession::FeatureSession(const FeatureTarget& target, Access access, Wants
 
 void FeatureSession::OpenCamera(const FeatureTarget& target, const ModuleSettings& settings, Access access)
 {
-    const Discovery discovery = Discover(target.producer);
-    connection.emplace(FindCamera(discovery, target.camera), settings);
+    const Discovery discovery = DiscoverFor(target.producer, target.camera);
+    connection.emplace(discovery, FindCamera(discovery, target.camera), settings);
     const bool isAbove = module == ModuleKind::System || module == ModuleKind::Interface;
     if (isAbove && !settings.NeedCamera()) return;
     OpenDevice(settings.NeedCamera() ? Access::Write : access);
@@ -122,7 +123,7 @@ void FeatureSession::OpenAboveCameras(const FeatureTarget& target, const ModuleS
         aboveCameras.emplace(target.systemFile, "", settings);
         return;
     }
-    const Discovery discovery = Discover(target.systemFile.empty() ? target.producer : target.systemFile);
+    const Discovery discovery = Discover(target.systemFile.empty() ? target.producer : ProducerChoice{.file = target.systemFile});
     for (const ProbeResult& failed : discovery.failed)
         std::fprintf(stderr, "koro: %s\n", DescribeFailure(failed).c_str());
     const InterfaceChoice choice = SelectInterface(discovery.producers, target.interfaceName);

@@ -7,6 +7,7 @@
 #include "tools/koro/module_connection.h"
 #include "tools/koro/module_kind.h"
 #include "tools/koro/module_settings.h"
+#include "tools/koro/producer_option.h"
 #include <koro/koro.hpp>
 
 #include <cstddef>
@@ -28,7 +29,7 @@ namespace koro::tool
 struct FeatureTarget
 {
     std::string camera;
-    std::string producer;
+    ProducerChoice producer;
     std::string interfaceName; // a module above the cameras, when no camera is named
     std::string systemFile;    // likewise
     ModuleKind module = ModuleKind::Remote;

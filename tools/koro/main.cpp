@@ -1,6 +1,8 @@
+#include "tools/koro/accidents.h"
 #include "tools/koro/commands.h"
 #include "tools/koro/output.h"
 #include "tools/koro/report.h"
+#include "tools/koro/standard_streams.h"
 #include "tools/koro/tool_error.h"
 #include <koro/koro.hpp>
 
@@ -58,12 +60,15 @@ const char* HintFor(const koro::Error& error)
     case KORO_RETURN_CODE_NOT_FOUND:
         return "`koro doctor` tells which producers are found and why one cannot be loaded.";
     case KORO_RETURN_CODE_BAD_ACCESS:
+        // The same code comes from any refusal, such as that of a buffer; no other program is behind those.
+        if (std::string(error.what()).find("[Function: IFOpenDevice ") == std::string::npos) break;
         return "Another program may have opened the camera; `koro list` shows its access status.";
     case KORO_RETURN_CODE_TIMEOUT:
         return "Check that the camera is not waiting for a trigger, or raise --timeout.";
     default:
-        return "`koro doctor` checks the producers; the text in brackets is the producer's own.";
+        break;
     }
+    return "`koro doctor` checks the producers; the text in brackets is the producer's own.";
 }
 
 int Run(const Action& action)
@@ -86,9 +91,7 @@ int Run(const Action& action)
     }
 }
 
-} // namespace
-
-int main(int argc, char** argv)
+int RunCommandLine(int argc, char** argv)
 {
     IgnoreLostReaders();
     CLI::App app("Find cameras and take pictures through GenICam GenTL producers.", "koro");
@@ -115,9 +118,21 @@ int main(int argc, char** argv)
     {
         return app.exit(error) == 0 ? FinishOutput(exitSuccess) : exitUsage;
     }
+    KeepOutput();
     for (const auto& [part, action] : actions)
     {
         if (part->parsed()) return FinishOutput(Run(action));
     }
     return exitUsage;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    OpenMissingDescriptors();
+    WatchForAccidents();
+    const int status = RunCommandLine(argc, argv);
+    ExpectExit();
+    return status;
 }

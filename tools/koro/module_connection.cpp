@@ -1,5 +1,6 @@
 #include "tools/koro/module_connection.h"
 
+#include "tools/koro/opened_producer.h"
 #include "tools/koro/read_producer.h"
 #include "tools/koro/report.h"
 
@@ -11,7 +12,7 @@ namespace koro::tool
 
 ModuleConnection::ModuleConnection(
     const std::string& path, const std::string& interfaceID, const ModuleSettings& settings)
-    : library(Library::Initialize()), producer(path), system(producer.System().OpenSystem())
+    : library(Library::Initialize()), producer(LoadProducer(path)), system(producer.System().OpenSystem())
 {
     settings.ApplyTo(system);
     if (interfaceID.empty()) return;

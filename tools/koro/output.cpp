@@ -1,6 +1,7 @@
 #include "tools/koro/output.h"
 
 #include "tools/koro/exit_codes.h"
+#include "tools/koro/standard_streams.h"
 
 #include <cerrno>
 #include <csignal>
@@ -33,9 +34,9 @@ bool CloseCopy(int descriptor)
 // The stream only keeps that something failed. The output is broken anyway, so one more byte does no harm.
 int ReasonOfEarlierFailure()
 {
-    std::clearerr(stdout);
+    std::clearerr(Output());
     errno = 0;
-    return std::fputc('\n', stdout) == EOF || std::fflush(stdout) != 0 ? errno : 0;
+    return std::fputc('\n', Output()) == EOF || std::fflush(Output()) != 0 ? errno : 0;
 }
 
 } // namespace
@@ -47,16 +48,16 @@ void IgnoreLostReaders()
 
 bool WriteOut()
 {
-    return std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+    return std::fflush(Output()) == 0 && std::ferror(Output()) == 0;
 }
 
 int FinishOutput(int status)
 {
     errno = 0;
-    const bool written = WriteOut() && CloseCopy(fileno(stdout));
+    const bool written = WriteOut() && CloseCopy(fileno(Output()));
     if (written) return status;
     const int reason = errno != 0 ? errno : ReasonOfEarlierFailure();
-    if (reason == EPIPE || HasLostItsReader(fileno(stdout))) return status == exitSuccess ? exitBrokenPipe : status;
+    if (reason == EPIPE || HasLostItsReader(fileno(Output()))) return status == exitSuccess ? exitBrokenPipe : status;
     const std::string text = reason == 0 ? "a part is lost" : std::generic_category().message(reason);
     std::fprintf(
         stderr, "koro: Cannot write the output: %s.\nhint: Check that the disk has room and the output is open.\n",

@@ -1,5 +1,7 @@
 #include "tools/koro/producer_search.h"
 
+#include "tools/koro/tool_error.h"
+
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
@@ -79,6 +81,34 @@ std::vector<std::string> FindDuplicates(const std::vector<std::string>& candidat
     return duplicates;
 }
 
+constexpr const char* simulatorName = "zvr_koro_simulator.cti";
+
+fs::path OwnFolder()
+{
+    std::error_code failure;
+    const fs::path tool = fs::read_symlink("/proc/self/exe", failure);
+    return fs::path(Canonical(tool.parent_path() / KORO_PRODUCERS_FROM_TOOL));
+}
+
+ProducerSearch SearchBesideTool()
+{
+    ProducerSearch search;
+    SearchDirectory(OwnFolder().string(), search.candidates);
+    SortUnique(search.candidates);
+    if (!search.candidates.empty()) search.ownFolder = OwnFolder().string();
+    return search;
+}
+
+void AddSimulator(ProducerSearch& search)
+{
+    const fs::path simulator = OwnFolder() / simulatorName;
+    std::error_code failure;
+    if (!fs::exists(simulator, failure))
+        throw ToolError("No simulated cameras came with this tool.", "--producer takes a simulator from elsewhere.");
+    search.candidates.push_back(Canonical(simulator));
+    SortUnique(search.candidates);
+}
+
 } // namespace
 
 ProducerSearch SearchProducers(const char* variable)
@@ -96,13 +126,21 @@ ProducerSearch SearchProducers(const char* variable)
     return search;
 }
 
-ProducerSearch SearchProducers(const std::string& singleProducer)
+ProducerSearch SearchProducers(const ProducerChoice& choice)
 {
-    if (singleProducer.empty()) return SearchProducers(std::getenv(producerPathVariable));
-
-    ProducerSearch search;
-    search.variableIsSet = std::getenv(producerPathVariable) != nullptr;
-    search.candidates.push_back(Canonical(singleProducer));
+    const char* const variable = std::getenv(producerPathVariable);
+    if (!choice.file.empty())
+    {
+        ProducerSearch search;
+        search.variableIsSet = variable != nullptr;
+        search.candidates.push_back(Canonical(choice.file));
+        return search;
+    }
+    ProducerSearch search = variable ? SearchProducers(variable) : SearchBesideTool();
+    if (choice.withSimulator)
+        AddSimulator(search);
+    else if (!variable)
+        search.standIn = Canonical(OwnFolder() / simulatorName);
     return search;
 }
 

@@ -1,6 +1,8 @@
 // ProducerSearch: where the environment says that producers lie, and why a place does not serve. Values. Any thread.
 #pragma once
 
+#include "tools/koro/producer_option.h"
+
 #include <string>
 #include <vector>
 
@@ -18,6 +20,10 @@ struct SearchedDirectory
 struct ProducerSearch
 {
     bool variableIsSet = false;
+    // The folder of the producers that came with the tool, when these are used because the variable is not set.
+    std::string ownFolder;
+    // The simulator among the candidates whose cameras count only when there are no others; empty when they count.
+    std::string standIn;
     std::vector<SearchedDirectory> directories;
     // Canonical paths of the .cti entries, sorted, each once. A directory or a broken link of that name is among
     // them, so that a person hears why it does not work.
@@ -29,7 +35,8 @@ struct ProducerSearch
 // `variable` is the variable's value, null when unset. ":" and ";" separate directories.
 ProducerSearch SearchProducers(const char* variable);
 
-// The search in this process's environment; with a path, that one file and nothing else.
-ProducerSearch SearchProducers(const std::string& singleProducer);
+// The search in this process's environment; with a file, that one and nothing else. Without the variable the producers
+// that came with the tool are found. Throws ToolError when the simulator is wished for and did not come with it.
+ProducerSearch SearchProducers(const ProducerChoice& choice);
 
 } // namespace koro::tool

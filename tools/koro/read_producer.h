@@ -10,12 +10,13 @@
 namespace koro::tool
 {
 
-// Time that one list update may take.
+// Time that one list may be asked for.
 constexpr uint64_t updateTimeout_ms = 1000;
 
-// Loads the producer at `path`, walks its tree and closes everything, leaves first. `atStage` hears before each step
-// what comes now: "load", "open", "list". Throws koro::Error when the producer cannot be loaded; what fails later
-// is kept in the records. The library must be initialised.
-ProducerRecord ReadProducer(const std::string& path, const std::function<void(const char*)>& atStage);
+// Loads the producer at `path`, walks its tree and closes everything, leaves first. With `wanted`, the name of a camera,
+// the walk ends as soon as that is certain to be found. `atStage` hears before each step what comes now: "load",
+// "open", "list". Throws koro::Error when the producer cannot be loaded; what fails later is kept in the records.
+ProducerRecord ReadProducer(
+    const std::string& path, const std::string& wanted, const std::function<void(const char*)>& atStage);
 
 } // namespace koro::tool

@@ -1,5 +1,7 @@
 #include "tools/koro/report.h"
 
+#include "tools/koro/standard_streams.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
@@ -91,7 +93,7 @@ void PrintRows(const Rows& rows, const std::string& indent)
         width = std::max(width, label.size());
     for (const auto& [label, value] : rows)
     {
-        std::printf("%s%-*s  %s\n", indent.c_str(), static_cast<int>(width), label.c_str(), value.c_str());
+        PrintOut("%s%-*s  %s\n", indent.c_str(), static_cast<int>(width), label.c_str(), value.c_str());
     }
 }
 

@@ -1,8 +1,10 @@
 #include "tools/koro/tree_watch.h"
 
 #include "tools/koro/if_known.h"
+#include "tools/koro/opened_producer.h"
 #include "tools/koro/read_producer.h"
 
+#include <exception>
 #include <filesystem>
 #include <mutex>
 #include <optional>
@@ -77,7 +79,7 @@ class TreeWatch::Producer
 {
 public:
     Producer(const std::string& path, Teller& tell)
-        : name(std::filesystem::path(path).filename().string()), teller(tell), producer(path),
+        : name(std::filesystem::path(path).filename().string()), teller(tell), producer(LoadProducer(path)),
           system(producer.System().OpenSystem()),
           found(system.OnInterfaceFound([this](const InterfaceDescriptor& descriptor) {
               teller.Tell("found", descriptor.ID(), IfKnown([&] { return descriptor.DisplayName(); }).value_or(""));
@@ -164,6 +166,7 @@ TreeWatch::TreeWatch(const std::vector<std::string>& paths, std::function<void(c
     : teller(std::make_unique<Teller>()), library(Library::Initialize())
 {
     teller->changed = std::move(changed);
+    std::exception_ptr failure;
     for (const std::string& path : paths)
     {
         try
@@ -173,8 +176,10 @@ TreeWatch::TreeWatch(const std::vector<std::string>& paths, std::function<void(c
         catch (const Error& error)
         {
             teller->Tell("failed", path, error.what());
+            failure = std::current_exception();
         }
     }
+    if (producers.empty() && failure) std::rethrow_exception(failure);
 }
 
 TreeWatch::~TreeWatch() = default;

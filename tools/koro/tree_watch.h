@@ -26,7 +26,8 @@ struct TreeChange
 class TreeWatch
 {
 public:
-    // `changed` is called for each change, on this thread or one of the library; never by two at a time.
+    // `changed` is called for each change, on this thread or one of the library; never by two at a time. Throws
+    // koro::Error when none of the producers can be opened.
     TreeWatch(const std::vector<std::string>& producers, std::function<void(const TreeChange&)> changed);
     TreeWatch(const TreeWatch&) = delete;
     TreeWatch& operator=(const TreeWatch&) = delete;

@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <utility>
 
 namespace
 {
@@ -63,6 +64,63 @@ TEST(CameraSelection, InterfaceTellsEqualIdsApart)
 {
     EXPECT_EQ(Select("eth0:cam-a"), "eth0:cam-a");
     EXPECT_EQ(Select("usb0:cam-a"), "usb0:cam-a");
+}
+
+TEST(CameraSelection, InterfaceAndIdGoBeforeAUserName)
+{
+    std::vector<ProducerRecord> tree = Tree();
+    tree[0].interfaces[1].cameras[1].userName = "eth0:cam-a";
+    EXPECT_EQ(SelectCamera(tree, "eth0:cam-a").camera->serialNumber, "1001");
+}
+
+// The hint of the error.
+std::string HintFor(const std::vector<ProducerRecord>& tree, const std::string& name)
+{
+    try
+    {
+        SelectCamera(tree, name);
+    }
+    catch (const ToolError& error)
+    {
+        return error.Hint();
+    }
+    return "none";
+}
+
+TEST(CameraSelection, HintNamesACameraInTheWordsOfAShell)
+{
+    EXPECT_THAT(HintFor(Tree(), "cam-*"), EndsWith(" as eth0:cam-a"));
+    std::vector<ProducerRecord> odd = Tree();
+    odd[0].interfaces[0].cameras[0].id = "it's $HOME";
+    EXPECT_THAT(HintFor(odd, "*"), EndsWith(" as 'eth0:it'\\''s $HOME'"));
+}
+
+TEST(CameraSelection, HintForOneCameraOfTwoProducersNamesTheProducer)
+{
+    std::vector<ProducerRecord> tree = Tree();
+    tree.push_back(tree[0]);
+    tree[1].path = "/copy of p.cti";
+    EXPECT_THAT(HintFor(tree, "1001"), EndsWith(" as --producer /p.cti eth0:cam-a"));
+    std::swap(tree[0].path, tree[1].path);
+    EXPECT_THAT(HintFor(tree, "1001"), EndsWith(" as --producer '/copy of p.cti' eth0:cam-a"));
+}
+
+TEST(CameraSelection, CamerasThatShareASerialNumberAreToldApartByTheHint)
+{
+    std::vector<ProducerRecord> tree = Tree();
+    tree[0].interfaces[0].cameras[1].serialNumber = "1001";
+    EXPECT_THAT(HintFor(tree, "1001"), EndsWith(" as eth0:cam-a"));
+}
+
+TEST(CameraSelection, SearchIsOverWhenTheNameIsCertain)
+{
+    const std::vector<InterfaceRecord> tree = Tree()[0].interfaces;
+    EXPECT_TRUE(IsSearchOver({}, tree, "eth0:cam-a"));
+    EXPECT_FALSE(IsSearchOver({}, tree, "1001"));
+    EXPECT_TRUE(IsSearchOver(tree, tree, "1001"));
+    EXPECT_FALSE(IsSearchOver(tree, tree, "cam-?"));
+    EXPECT_FALSE(IsSearchOver(tree, tree, "unknown"));
+    EXPECT_FALSE(IsSearchOver(tree, tree, ""));
 }
 
 TEST(CameraSelection, PatternFindsTheOneCameraThatFits)

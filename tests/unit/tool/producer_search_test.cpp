@@ -90,8 +90,8 @@ TEST(ProducerSearch, SingleProducerIsTheOnlyCandidate)
 {
     const TemporaryFolder folder;
     const std::string file = folder.MakeFile("one.any", "");
-    EXPECT_THAT(SearchProducers(file).candidates, ElementsAre(file));
-    EXPECT_THAT(SearchProducers(folder.File("missing.cti")).candidates, ElementsAre(folder.File("missing.cti")));
+    EXPECT_THAT(SearchProducers({.file = file}).candidates, ElementsAre(file));
+    EXPECT_THAT(SearchProducers({.file = folder.File("missing.cti")}).candidates, ElementsAre(folder.File("missing.cti")));
 }
 
 } // namespace

@@ -1,0 +1,18 @@
+#include "tools/koro/producer_option.h"
+
+#include "tools/koro/path_option.h"
+
+#include <CLI/CLI.hpp>
+
+namespace koro::tool
+{
+
+void DefineProducer(CLI::App& command, ProducerChoice& choice)
+{
+    CLI::Option* const file =
+        TakesPath(command.add_option("--producer", choice.file, "Use this .cti file only, not the environment"));
+    command.add_flag("--simulator", choice.withSimulator, "Use the simulated cameras that came with the tool, too")
+        ->excludes(file);
+}
+
+} // namespace koro::tool

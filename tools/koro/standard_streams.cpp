@@ -1,0 +1,57 @@
+#include "tools/koro/standard_streams.h"
+
+#include <cstdarg>
+#include <fcntl.h>
+#include <initializer_list>
+#include <unistd.h>
+
+namespace koro::tool
+{
+
+namespace
+{
+
+// Null until the output is kept. Never closed.
+std::FILE* keptOutput = nullptr;
+
+} // namespace
+
+void OpenMissingDescriptors()
+{
+    // open() takes the lowest number that is free. Output that is lost is to be noticed, so it is opened for reading.
+    for (const int number : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+    {
+        if (fcntl(number, F_GETFD) >= 0) continue;
+        if (open("/dev/null", number == STDERR_FILENO ? O_WRONLY : O_RDONLY) < 0) return;
+    }
+}
+
+void KeepOutput()
+{
+    std::fflush(stdout);
+    // Beyond the numbers on which a process started by this one has its streams.
+    constexpr int firstNumber = 10;
+    const int copy = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, firstNumber);
+    keptOutput = copy < 0 ? nullptr : fdopen(copy, "w");
+    if (keptOutput) dup2(STDERR_FILENO, STDOUT_FILENO);
+}
+
+std::FILE* Output()
+{
+    return keptOutput ? keptOutput : stdout;
+}
+
+bool OutputIsTerminal()
+{
+    return isatty(fileno(Output())) != 0;
+}
+
+void PrintOut(const char* format, ...)
+{
+    va_list arguments;
+    va_start(arguments, format);
+    std::vfprintf(Output(), format, arguments);
+    va_end(arguments);
+}
+
+} // namespace koro::tool

@@ -1,0 +1,23 @@
+// Standard streams: the first three descriptors of the process, and what the tool itself writes as its result.
+#pragma once
+
+#include <cstdio>
+
+namespace koro::tool
+{
+
+// To be called before anything is opened: a daemon's process starts with descriptors 0 to 2 closed, and the next pipe
+// or file would land there. Reading then finds the end, writing to standard output fails, and messages are lost.
+void OpenMissingDescriptors();
+
+// To be called before a producer is loaded: from then on only the tool writes on standard output. What a producer
+// prints there arrives on standard error and cannot break the result.
+void KeepOutput();
+
+// The tool's standard output, in place of stdout. Any thread.
+std::FILE* Output();
+bool OutputIsTerminal();
+// As std::printf, to Output().
+[[gnu::format(printf, 1, 2)]] void PrintOut(const char* format, ...);
+
+} // namespace koro::tool
