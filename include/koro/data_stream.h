@@ -79,7 +79,10 @@ KORO_DataStream_RevokeBuffer(KORO_DataStreamHandle dataStreamHandle, KORO_Buffer
 KORO_API KORO_ReturnCode KORO_DataStream_WaitForFinishedBuffer(
     KORO_DataStreamHandle dataStreamHandle, uint64_t timeout_ms, KORO_BufferHandle* bufferHandle);
 
-/** Ends one wait for a finished buffer, or the next one if nobody waits. */
+/**
+ * Ends one wait for a finished buffer, or the next one if nobody waits. Any thread, but no signal handler: it takes
+ * locks, allocates memory and calls the producer. Let the handler set a flag or write to a pipe, and kill from a thread.
+ */
 KORO_API KORO_ReturnCode KORO_DataStream_KillWait(KORO_DataStreamHandle dataStreamHandle);
 
 /**

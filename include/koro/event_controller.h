@@ -68,7 +68,9 @@ KORO_EventController_GetEventDataMaxSize(KORO_EventControllerHandle eventControl
 KORO_API KORO_ReturnCode KORO_EventController_WaitForEvent(
     KORO_EventControllerHandle eventControllerHandle, uint64_t timeout_ms, KORO_EventHandle* eventHandle);
 
-/** Ends one wait, or the next one if nobody waits. */
+/**
+ * Ends one wait, or the next one if nobody waits. Any thread, but no signal handler, as for KORO_DataStream_KillWait.
+ */
 KORO_API KORO_ReturnCode KORO_EventController_KillWait(KORO_EventControllerHandle eventControllerHandle);
 
 /**

@@ -41,6 +41,7 @@ public:
     std::string content = "0123456789abcdefghij"; // of the file that is selected, whichever it is
     std::string diary;
     bool refusesOpening = false;
+    bool refusesDeleting = false;
     int failingBlock = -1;                            // the transfer of executing it fails; the first is 0
     std::size_t mostBytes = blockLength;              // of one block, whatever is asked for
     std::int64_t lie = 0;                             // added to the result of each block
@@ -89,13 +90,13 @@ private:
         const std::string operation = names.at(static_cast<std::size_t>(At(bytes, Operation)));
         Note(operation);
         if (whileExecuting) whileExecuting();
-        const bool fails = operation == "Open" && refusesOpening;
+        const bool fails = (operation == "Open" && refusesOpening) || (operation == "Delete" && refusesDeleting);
         Put(bytes, Status, fails ? 1 : 0);
         Put(bytes, Result, 0);
         Put(bytes, Execute, 0);
         if (operation == "Open") open = !fails, block = 0;
         if (operation == "Close") open = false;
-        if (operation == "Delete") content.clear();
+        if (operation == "Delete" && !fails) content.clear();
         GenTL::GC_ERROR result = GenTL::GC_ERR_SUCCESS;
         if (operation == "Read" || operation == "Write") result = Move(bytes, operation == "Read");
         Put(bytes, Size, static_cast<std::int64_t>(content.size()));

@@ -5,6 +5,8 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <optional>
+#include <utility>
 
 namespace
 {
@@ -145,6 +147,38 @@ TEST(KoroAcquisition, EveryStepOfTheStopIsTriedAndTheFirstFailureTold)
     EXPECT_EQ(camera.nodes.Integer("TLParamsLocked").Value(), 0);
 }
 
+TEST(KoroAcquisition, StreamMayMoveMeanwhile)
+{
+    StreamingCamera camera(lockNode + commandNodes);
+    std::optional<koro::DataStream> first(std::move(camera.tree.stream));
+    koro::Acquisition acquisition(*first, camera.nodes);
+    camera.tree.stream = std::move(*first);
+    first.reset();
+    camera.producer->ClearJournal();
+    acquisition.Stop();
+    EXPECT_THAT(camera.Told(), ElementsAre("AcquisitionStop", "DSStopAcquisition", "TLParamsLocked"));
+}
+
+TEST(KoroAcquisition, ReasonsWhyNothingCameAreFoundByAsking)
+{
+    StreamingCamera camera(lockNode + commandNodes);
+    const koro::RemoteDevice remote = camera.tree.device.RemoteDevice();
+    const koro::DataStream& stream = camera.tree.stream;
+    EXPECT_EQ(koro::WhyNoFrame(stream, remote), koro::NoFrameReason::NotStarted);
+    const koro::Acquisition acquisition(stream, camera.nodes);
+    EXPECT_EQ(koro::WhyNoFrame(stream, remote), koro::NoFrameReason::NothingQueued);
+    stream.QueueBuffer(stream.AllocAndAnnounceBuffer(16));
+    EXPECT_EQ(koro::WhyNoFrame(stream, remote), koro::NoFrameReason::NoFrameSent);
+    for (const auto dead : {GenTL::GC_ERR_IO, GenTL::GC_ERR_TIMEOUT})
+    {
+        camera.producer->AnswerOnce("GCReadPort", dead);
+        EXPECT_EQ(koro::WhyNoFrame(stream, remote), koro::NoFrameReason::CameraGone);
+    }
+    camera.producer->AnswerOnce("GCReadPort", GenTL::GC_ERR_INVALID_ADDRESS);
+    EXPECT_EQ(koro::WhyNoFrame(stream, remote), koro::NoFrameReason::NoFrameSent);
+    EXPECT_STREQ(koro::TextOf(koro::NoFrameReason::NothingQueued), "No buffer is queued.");
+}
+
 // The stream of the scripted camera says how large a frame is; its camera may say something else.
 class FrameSize : public testing::Test
 {
@@ -174,6 +208,11 @@ TEST_F(FrameSize, IsTheNodesWhereTheStreamDoesNot)
 {
     EXPECT_EQ(Of(Node("222"), false), 222u);
     EXPECT_EQ(Of(Node("222"), false, false), 222u);
+}
+
+TEST_F(FrameSize, IsTheNodesWhereTheStreamDefinesOneAndDoesNotAnswer)
+{
+    EXPECT_EQ(Of(Node("222"), true, false), 222u);
 }
 
 TEST_F(FrameSize, IsTheStreamsWhereTheCameraHasNoSuchNode)

@@ -4,6 +4,7 @@
 #include "tests/tool/koro_tree.h"
 #include <koro/koro.hpp>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <string>
 #include <utility>
@@ -77,7 +78,7 @@ TEST_F(KoroFiles, WriteThatRecordsNoTextGetsOne)
     files->failingBlock = 0;
     const koro::Error error = ErrorOf([&] { file.Write(BytesOf("data")); });
     EXPECT_EQ(error.Code(), KORO_RETURN_CODE_ERROR);
-    EXPECT_STREQ(error.what(), "The device did not take all bytes of the file!");
+    EXPECT_STREQ(error.what(), "The device did not take all bytes of the file \"User\"!");
 }
 
 TEST_F(KoroFiles, WriteThatFailsAsTheCallBeforeIsToldByItsOwnText)
@@ -96,8 +97,59 @@ TEST_F(KoroFiles, WriteWithoutATextIsKnownBehindAnotherFailure)
     {
         EXPECT_EQ(ErrorOf([&] { (void)file.Read(4); }).Code(), KORO_RETURN_CODE_ERROR);
         EXPECT_STREQ(
-            ErrorOf([&] { file.Write(BytesOf("data")); }).what(), "The device did not take all bytes of the file!");
+            ErrorOf([&] { file.Write(BytesOf("data")); }).what(), "The device did not take all bytes of the file \"User\"!");
     }
+}
+
+TEST_F(KoroFiles, WriteThatIsRefusedIsReportedWithTheDevicesStatus)
+{
+    const koro::FileAdapter file(Features(), "User");
+    files->refusesOpening = true;
+    EXPECT_STREQ(
+        ErrorOf([&] { file.Write(BytesOf("data")); }).what(),
+        "The device did not take all bytes of the file \"User\": FileOperationStatus is Failure!");
+    files->refusesOpening = false;
+    file.Write(BytesOf("data"));
+    EXPECT_EQ(files->content, "data456789abcdefghij");
+}
+
+TEST_F(KoroFiles, WriteOfAFileThatIsOnlyReadIsReportedAsThat)
+{
+    auto nodes = FileNodes();
+    nodes["FileOpenMode"] = FileChoice(
+        "FileOpenMode", DeviceFiles::OpenMode, {"Read", {"Write", "<pIsAvailable>No</pIsAvailable>"}}, "RW");
+    const koro::FileAdapter file(koro::NodeMap(OpenFiles(nodes)), "User");
+    EXPECT_STREQ(
+        ErrorOf([&] { file.Write(BytesOf("data")); }).what(),
+        "The device did not take all bytes of the file \"User\": it cannot be opened for that!");
+}
+
+TEST_F(KoroFiles, DeleteThatTheDeviceRefusesIsAnError)
+{
+    const koro::FileAdapter file(Features(), "User");
+    files->refusesDeleting = true;
+    const koro::Error error = ErrorOf([&] { file.Delete(); });
+    EXPECT_EQ(error.Code(), KORO_RETURN_CODE_ERROR);
+    EXPECT_STREQ(error.what(), "The device did not delete the file \"User\": FileOperationStatus is Failure!");
+    EXPECT_EQ(files->content, "0123456789abcdefghij");
+}
+
+TEST_F(KoroFiles, DeleteThatTheDeviceDoesNotOfferIsAnError)
+{
+    auto nodes = FileNodes();
+    nodes["FileOperationSelector"] = FileChoice(
+        "FileOperationSelector", DeviceFiles::Operation,
+        {"Open", "Close", "Read", "Write", {"Delete", "<pIsAvailable>No</pIsAvailable>"}}, "RW");
+    const koro::FileAdapter file(koro::NodeMap(OpenFiles(nodes)), "User");
+    const koro::Error error = ErrorOf([&] { file.Delete(); });
+    EXPECT_EQ(error.Code(), KORO_RETURN_CODE_BAD_ACCESS);
+    EXPECT_STREQ(error.what(), "The device did not delete the file \"User\": it cannot be deleted!");
+}
+
+TEST_F(KoroFiles, FileThatTheDeviceDoesNotHaveIsNamed)
+{
+    const koro::NodeMap features = Features();
+    EXPECT_THAT(ErrorOf([&] { koro::FileAdapter(features, "Nothing"); }).what(), testing::EndsWith(" (Nothing)"));
 }
 
 TEST_F(KoroFiles, AdapterOwnsItsHandle)

@@ -242,6 +242,30 @@ TEST(KoroNode, CastToAnotherTypeIsRefused)
     EXPECT_EQ(CodeOf([&] { map.Node("Plain").ToEnumerationEntry(); }), KORO_RETURN_CODE_INVALID_CAST);
 }
 
+TEST(KoroNode, NodeWithAValueIsUsableAsANode)
+{
+    const CameraOf producer(koro::test::oneOfEach + IntRegister("Size", 0));
+    const Tree tree(producer.Path());
+    const koro::NodeMap map = tree.device.RemoteDevice().NodeMap();
+    const koro::FloatNode number = map.Float("Float");
+    const koro::Node node = number;
+    EXPECT_EQ(node, map.Node("Float"));
+    EXPECT_THAT(NamesOf({number, map.Command("Command"), map.Enumeration("Enumeration")}),
+                ElementsAre("Float", "Command", "Enumeration"));
+    EXPECT_EQ(number.Name(), "Float");
+    EXPECT_EQ(number.DisplayName(), node.DisplayName());
+    EXPECT_EQ(number.Type(), KORO_NODE_TYPE_FLOAT);
+    EXPECT_EQ(number.AccessStatus(), node.AccessStatus());
+    EXPECT_TRUE(number.IsImplemented());
+    EXPECT_TRUE(number.IsAvailable());
+    EXPECT_TRUE(number.IsReadable());
+    EXPECT_EQ(number.IsWritable(), node.IsWritable());
+    int changes = 0;
+    const koro::Registration news = map.Integer("Size").OnChanged([&](koro::Node) { ++changes; });
+    map.Integer("Size").SetValue(3);
+    EXPECT_EQ(changes, 1);
+}
+
 TEST(KoroNode, ChangesArriveUntilTheRegistrationEnds)
 {
     const CameraOf producer(IntRegister("Size", 0));
@@ -484,7 +508,7 @@ TEST(KoroNodeMap, ShowsTheDataOfAnEvent)
     const CameraOf producer(koro::test::EventFeature("Exposure", "9001", 16, "BigEndian"));
     const Tree tree(producer.Path());
     const koro::NodeMap map = tree.device.RemoteDevice().NodeMap();
-    const koro::EventController controller = tree.device.EnableEvents(KORO_EVENT_REMOTE_DEVICE);
+    const koro::EventController controller = tree.device.EnableEvents(koro::EventType::RemoteDevice);
     const std::string message = koro::test::GEVEvent(0x9001, koro::test::BigEndian(7, 4));
     ASSERT_TRUE(producer->Fire("if0-dev0", KORO_EVENT_REMOTE_DEVICE, message));
     {

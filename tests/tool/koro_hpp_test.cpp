@@ -105,6 +105,17 @@ TEST(KoroOwners, AssignmentClosesTheOldOne)
     EXPECT_FALSE(second);
 }
 
+TEST(KoroOwners, AssignmentOfTheSameNumberEndsNothing)
+{
+    const ScriptedProducer producer;
+    Tree tree(producer.Path());
+    koro::Interface stale(tree.firstInterface.Get()); // as if its interface had ended, and a new one had its number
+    stale = std::move(tree.firstInterface);
+    EXPECT_FALSE(tree.firstInterface);
+    EXPECT_EQ(stale.ID(), "if0");
+    tree.firstInterface = std::move(stale);
+}
+
 TEST(KoroOwners, EndAfterTheLibrarysEndIsHarmless)
 {
     const ScriptedProducer producer;
@@ -146,11 +157,32 @@ TEST(KoroTree, EveryModuleTellsWhoItIs)
     EXPECT_EQ(tree.firstInterface.Devices().at(1).SerialNumber(), "serial of if0-dev1");
     EXPECT_TRUE(tree.firstInterface.Devices().at(1).IsOpenable(koro::AccessType::Exclusive));
     EXPECT_EQ(tree.device.UserDefinedName(), "user of if0-dev0");
-    EXPECT_EQ(tree.device.RemoteDevice().LocalDevice(), tree.device.Get());
+    EXPECT_EQ(tree.device.RemoteDevice().LocalDevice().Get(), tree.device.Get());
     EXPECT_EQ(tree.device.DataStreams().at(0).ID(), "if0-dev0-stream0");
     EXPECT_EQ(tree.stream.ID(), "if0-dev0-stream0");
     EXPECT_EQ(tree.stream.Key(), tree.device.Key() + "|if0-dev0-stream0");
     EXPECT_FALSE(tree.stream.IsGrabbing());
+}
+
+TEST(KoroTree, ParentsAreViewsWithTheSameCalls)
+{
+    const ScriptedProducer producer;
+    const Tree tree(producer.Path());
+    const koro::DeviceDescriptor descriptor = tree.firstInterface.Devices().at(0);
+    EXPECT_EQ(tree.stream.ParentDevice().Get(), tree.device.Get());
+    EXPECT_EQ(tree.device.DataStreams().at(0).ParentDevice().ID(), "if0-dev0");
+    EXPECT_EQ(tree.device.RemoteDevice().LocalDevice().SerialNumber(), "serial of if0-dev0");
+    EXPECT_EQ(tree.device.ParentInterface().Get(), tree.firstInterface.Get());
+    EXPECT_EQ(descriptor.ParentInterface().Devices().size(), 2u);
+    EXPECT_EQ(tree.firstInterface.ParentSystem().Get(), tree.system.Get());
+    EXPECT_EQ(tree.system.Interfaces().at(0).ParentSystem().VendorName(), "ZVR");
+    EXPECT_EQ(tree.system.ParentLibrary().Get(), tree.producer.Get());
+    EXPECT_EQ(tree.producer.System().ParentLibrary().Key(), producer.Path());
+    EXPECT_EQ(tree.device.RemoteDevice().Port().URLs().at(0).ParentPort(), tree.device.RemoteDevice().Port());
+    EXPECT_EQ(tree.device.AccessStatus(), descriptor.AccessStatus());
+    EXPECT_TRUE(descriptor.IsOpenableExclusive());
+    const koro::DeviceView view = tree.device;
+    EXPECT_EQ(view.ID(), "if0-dev0");
 }
 
 TEST(KoroTree, RawInformationCarriesTypeAndBytes)
@@ -207,6 +239,21 @@ TEST(KoroPort, RegistersAndDescriptionAreReached)
     EXPECT_THAT(port.Read(4, 3), ElementsAre(1, 2, 3));
     EXPECT_EQ(port.URLs().size(), 1u);
     EXPECT_THAT(port.URLs().at(0).URL(), HasSubstr("scripted.xml"));
+}
+
+TEST(KoroPort, NothingToTransferIsNoFailureAndNoCall)
+{
+    const ScriptedProducer producer;
+    Tree tree(producer.Path());
+    const koro::Port port = tree.device.RemoteDevice().Port();
+    producer->ClearJournal();
+    EXPECT_THAT(port.Read(4, 0), testing::IsEmpty());
+    port.Write(4, {});
+    EXPECT_THAT(producer->Journal(), testing::IsEmpty());
+    tree.stream.Close();
+    tree.device.Close();
+    EXPECT_EQ(CodeOf([&] { static_cast<void>(port.Read(4, 0)); }), KORO_RETURN_CODE_INVALID_HANDLE);
+    EXPECT_EQ(CodeOf([&] { port.Write(4, {}); }), KORO_RETURN_CODE_INVALID_HANDLE);
 }
 
 TEST(KoroCallbacks, FoundAndLostArriveUntilTheRegistrationEnds)
@@ -301,6 +348,57 @@ TEST(KoroCallbacks, InterfaceThatClosesWaitsForAReportThatIsUnderWay)
     EXPECT_TRUE(over);
 }
 
+TEST(KoroCallbacks, FunctionThatEndsItsOwnKindLivesUntilItReturnsAndIsNotCalledAgain)
+{
+    const ScriptedProducer producer;
+    const Tree tree(producer.Path());
+    auto captured = std::make_shared<int>(0);
+    const std::weak_ptr<int> watched = captured;
+    std::vector<KORO_ReturnCode> codes;
+    bool lived = false;
+    koro::Registration news;
+    news = tree.firstInterface.OnDeviceFound([&, captured = std::move(captured)](koro::DeviceDescriptor) {
+        auto& livedOutside = lived;
+        const auto& watchedOutside = watched;
+        codes.push_back(news.End());
+        livedOutside = !watchedOutside.expired();
+    });
+    const auto replaceDevice = [&](const std::string& id) {
+        producer->Edit([&](scripted::Tree& edited) { edited.interfaces.at(0)->devices.at(1)->id = id; });
+        producer->SetChanged("IFUpdateDeviceList", true);
+        tree.firstInterface.UpdateDevices(1000);
+    };
+    replaceDevice("newcomer");
+    EXPECT_THAT(codes, ElementsAre(KORO_RETURN_CODE_ERROR)); // the library keeps its side
+    EXPECT_TRUE(lived);
+    EXPECT_TRUE(watched.expired());
+    replaceDevice("another");
+    EXPECT_EQ(codes.size(), 1u);
+    EXPECT_EQ(news.End(), KORO_RETURN_CODE_SUCCESS);
+    EXPECT_EQ(news.End(), KORO_RETURN_CODE_SUCCESS);
+}
+
+TEST(KoroCallbacks, ChangedInformationArrivesWithItsRoles)
+{
+    const ScriptedProducer producer;
+    const Tree tree(producer.Path());
+    const koro::DeviceDescriptor device = tree.firstInterface.Devices().at(1);
+    device.SetMonitoringUpdateInterval(1);
+    EXPECT_EQ(device.MonitoringUpdateInterval_ms(), 1u);
+    EXPECT_FALSE(device.IsInformationRoleMonitored(KORO_DEVICE_INFO_MODEL));
+    device.AddInformationRoleToMonitoring(KORO_DEVICE_INFO_MODEL);
+    EXPECT_TRUE(device.IsInformationRoleMonitored(KORO_DEVICE_INFO_MODEL));
+    device.RemoveInformationRoleFromMonitoring(KORO_DEVICE_INFO_ACCESS_STATUS);
+    EXPECT_FALSE(device.IsInformationRoleMonitored(KORO_DEVICE_INFO_ACCESS_STATUS));
+    std::promise<std::vector<int32_t>> first;
+    bool reported = false; // used on the descriptor's thread alone
+    koro::Registration news = device.OnInformationChanged([&](const std::vector<int32_t>& roles) {
+        if (!std::exchange(reported, true)) first.set_value(roles);
+    });
+    EXPECT_THAT(first.get_future().get(), testing::Contains(int32_t{KORO_DEVICE_INFO_MODEL}));
+    EXPECT_EQ(news.End(), KORO_RETURN_CODE_SUCCESS);
+}
+
 TEST(KoroCallbacks, EmptyFunctionIsRefused)
 {
     const ScriptedProducer producer;
@@ -348,6 +446,80 @@ TEST(KoroStream, RevocationIsReportedOnce)
     EXPECT_THAT(revoked, ElementsAre(memory.data(), memory.data() + 4));
 }
 
+TEST(KoroStream, FunctionsAnnouncedOnManyThreadsEachRunOnce)
+{
+    constexpr int numThreads = 8;
+    constexpr int numRounds = 200;
+    const ScriptedProducer producer;
+    producer->KeepJournal(false);
+    Tree tree(producer.Path());
+    std::atomic<int> numRevoked{0};
+    std::vector<std::thread> threads;
+    for (int thread = 0; thread < numThreads; ++thread)
+    {
+        threads.emplace_back([&] {
+            char memory = 0;
+            for (int round = 0; round < numRounds; ++round)
+                tree.stream.RevokeBuffer(
+                    tree.stream.AnnounceBuffer(&memory, 1, nullptr, [&](void*, void*) { ++numRevoked; }));
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(numRevoked, numThreads * numRounds);
+}
+
+TEST(KoroStream, MoveToItselfKeepsTheFunctions)
+{
+    const ScriptedProducer producer;
+    Tree tree(producer.Path());
+    char memory = 0;
+    auto captured = std::make_shared<int>(0);
+    const std::weak_ptr<int> watched = captured;
+    int numRevoked = 0;
+    tree.stream.AnnounceBuffer(
+        &memory, 1, nullptr, [&numRevoked, captured = std::move(captured)](void*, void*) { ++numRevoked; });
+    koro::DataStream& same = tree.stream;
+    tree.stream = std::move(same);
+    EXPECT_FALSE(watched.expired());
+    tree.stream.Close();
+    EXPECT_EQ(numRevoked, 1);
+    EXPECT_TRUE(watched.expired());
+}
+
+TEST(KoroStream, FunctionIsDroppedWhenTheStreamWentWithItsDevice)
+{
+    const ScriptedProducer producer;
+    Tree tree(producer.Path());
+    char memory = 0;
+    auto captured = std::make_shared<int>(0);
+    const std::weak_ptr<int> watched = captured;
+    int numRevoked = 0;
+    tree.stream.AnnounceBuffer(
+        &memory, 1, nullptr, [&numRevoked, captured = std::move(captured)](void*, void*) { ++numRevoked; });
+    tree.device.Close();
+    EXPECT_FALSE(watched.expired());
+    tree.stream.Close();
+    EXPECT_TRUE(watched.expired());
+    EXPECT_EQ(numRevoked, 0);
+}
+
+TEST(KoroStream, TryWaitIsEmptyWhenNothingCame)
+{
+    const ScriptedProducer producer;
+    Tree tree(producer.Path());
+    const koro::Buffer announced = tree.stream.AllocAndAnnounceBuffer(16);
+    EXPECT_FALSE(announced.HasParts());
+    tree.stream.QueueBuffer(announced);
+    tree.stream.StartAcquisitionInfinite(koro::StartMode::Default);
+    EXPECT_FALSE(tree.stream.TryWait(1));
+    producer->Deliver("if0-dev0-stream0", {.bytes = "pixels"});
+    EXPECT_EQ(tree.stream.TryWait(waitTimeout_ms), announced);
+    tree.stream.KillWait();
+    EXPECT_EQ(CodeOf([&] { tree.stream.TryWait(waitTimeout_ms); }), KORO_RETURN_CODE_ABORTED);
+    tree.stream.StopAcquisition(koro::StopMode::Kill);
+}
+
 TEST(KoroStream, TimeoutAndKillAreToldApartByTheirCodes)
 {
     const ScriptedProducer producer;
@@ -365,12 +537,26 @@ TEST(KoroEvents, EventCarriesItsData)
 {
     const ScriptedProducer producer;
     const Tree tree(producer.Path());
-    const koro::EventController events = tree.system.EnableEvents(KORO_EVENT_MODULE);
-    EXPECT_EQ(events.ControlledEventType(), KORO_EVENT_MODULE);
+    const koro::EventController events = tree.system.EnableEvents(koro::EventType::Module);
+    EXPECT_EQ(events.ControlledEventType(), koro::EventType::Module);
     producer->Fire("system", GenTL::EVENT_MODULE, "block");
     const koro::Event event = events.WaitForEvent(waitTimeout_ms);
-    EXPECT_EQ(event.Type(), KORO_EVENT_MODULE);
+    EXPECT_EQ(event.Type(), koro::EventType::Module);
     EXPECT_THAT(event.RawData(), testing::Not(testing::IsEmpty()));
+}
+
+TEST(KoroEvents, TryWaitIsEmptyWhenNothingCame)
+{
+    const ScriptedProducer producer;
+    const Tree tree(producer.Path());
+    const koro::EventController events = tree.system.EnableEvents(koro::EventType::Module);
+    EXPECT_FALSE(events.TryWait(1));
+    producer->Fire("system", GenTL::EVENT_MODULE, "block");
+    const std::optional<koro::Event> event = events.TryWait(waitTimeout_ms);
+    ASSERT_TRUE(event);
+    EXPECT_EQ(event->Type(), koro::EventType::Module);
+    events.KillWait();
+    EXPECT_EQ(CodeOf([&] { events.TryWait(waitTimeout_ms); }), KORO_RETURN_CODE_ABORTED);
 }
 
 TEST(KoroSimulator, PicturesStreamThroughTheFace)

@@ -111,7 +111,7 @@ EventController EnableEvents(const Device& device)
 {
     try
     {
-        return device.EnableEvents(KORO_EVENT_REMOTE_DEVICE);
+        return device.EnableEvents(EventType::RemoteDevice);
     }
     catch (const Error& error)
     {

@@ -240,7 +240,7 @@ int Delete(const FilesCommand& command)
     const auto operations = Offered(session.Nodes(), "FileOperationSelector");
     if (!operations.empty() && !IsAmong(operations, "Delete"))
         throw ToolError("The file " + name + " cannot be deleted.");
-    file.Delete();
+    detail::Check(KORO_FileAdapter_Delete(file.Get())); // whose answer is put into words here
     // The library does not tell the camera's answer; what is deleted has no bytes left.
     const std::string failure = FailureOf(session);
     const auto left = IfKnown([&] { return file.Size(); });

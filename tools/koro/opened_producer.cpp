@@ -25,7 +25,7 @@ CameraRecord ReadCamera(const DeviceDescriptor& device)
     record.serialNumber = IfKnown([&] { return device.SerialNumber(); });
     record.userName = IfKnown([&] { return device.UserDefinedName(); });
     record.tlType = IfKnown([&] { return device.TLType(); });
-    record.accessStatus = IfKnown([&] { return device.AccessStatus(); });
+    record.accessStatus = IfKnown([&] { return static_cast<int32_t>(device.AccessStatus()); });
     return record;
 }
 

@@ -9,9 +9,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <vector>
 
 namespace koro
 {
+
+class Buffer;
 
 // One part of a buffer, by its index: every answer is the producer's at the moment of the call. Owns its handle, which
 // the buffer's end ends too.
@@ -35,6 +38,7 @@ public:
     size_t XPadding() const { return detail::Get(KORO_BufferPart_GetXPadding, Get()); }
     uint64_t SourceID() const { return detail::Get(KORO_BufferPart_GetSourceID, Get()); }
     RawInfo Info(int32_t command) const { return detail::Info(KORO_BufferPart_GetInfo, Get(), command); }
+    Buffer ParentBuffer() const;
 };
 
 // One chunk of a buffer, as it lay there when the list was made. Owns its handle, which the buffer's end ends too.
@@ -47,6 +51,7 @@ public:
     // The buffer's base and the offset that the producer told; nothing compares it with the buffer's memory.
     void* BasePtr() const { return detail::Get(KORO_BufferChunk_GetBasePtr, Get()); }
     size_t Size() const { return detail::Get(KORO_BufferChunk_GetSize, Get()); }
+    Buffer ParentBuffer() const;
 };
 
 namespace detail

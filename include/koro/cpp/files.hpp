@@ -11,6 +11,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -24,8 +25,10 @@ class FileAdapter : public detail::Owner<KORO_FileAdapterHandle, KORO_FileAdapte
 public:
     FileAdapter() = default;
     // `file` is an entry of the enumeration "FileSelector". Throws Error with KORO_RETURN_CODE_NOT_AVAILABLE for any
-    // other.
-    FileAdapter(const NodeMap& features, const std::string& file) : Owner(Construct(features.Get(), file)) {}
+    // other, with the name in its text.
+    FileAdapter(const NodeMap& features, const std::string& file)
+        : Owner(Construct(features.Get(), file)), nodes(features), name(file)
+    {}
 
     uint64_t Size() const { return detail::Get(KORO_FileAdapter_GetSize, Get()); }
     uint64_t MaxSize() const { return detail::Get(KORO_FileAdapter_GetMaxSize, Get()); }
@@ -44,16 +47,20 @@ public:
     // As many bytes as the file has at the moment.
     std::vector<uint8_t> Read() const { return Read(Size()); }
 
-    // All of these bytes, or Error; some may have been written then.
+    // All of these bytes, or Error with what the device says; some may have been written then.
     void Write(const void* data, uint64_t size, uint64_t offset = 0) const
     {
         const uint8_t nothing = 0;
         const auto* const bytes = size > 0 ? static_cast<const uint8_t*>(data) : &nothing;
+        const std::optional<NodeMapLock> lock = LockNodes(); // for the answers that belong to this write
+        std::string refusal;
+        const Registration watch = KeepRefusal(refusal);
         // One failure alone comes without a text, and leaves the record of the one before, which must not look alike.
         if (detail::LastErrorCode() == KORO_RETURN_CODE_ERROR) KORO_FileAdapter_GetSize(Get(), nullptr);
         const KORO_ReturnCode code = KORO_FileAdapter_Write(Get(), bytes, size, offset);
         if (code == KORO_RETURN_CODE_ERROR && detail::LastErrorCode() != code)
-            throw Error(code, "The device did not take all bytes of the file!");
+            throw Error(
+                code, "The device did not take all bytes of the file \"" + name + "\"" + Reason("Write", refusal));
         detail::Check(code);
     }
     void Write(const std::vector<uint8_t>& bytes, uint64_t offset = 0) const
@@ -61,16 +68,125 @@ public:
         Write(bytes.data(), bytes.size(), offset);
     }
 
-    // What the device answers is not told.
-    void Delete() const { detail::Check(KORO_FileAdapter_Delete(Get())); }
+    // Throws Error when the device says that it refused, or the file still has bytes. The C function hides both.
+    void Delete() const
+    {
+        const std::optional<NodeMapLock> lock = LockNodes();
+        detail::Check(KORO_FileAdapter_Delete(Get()));
+        const std::string refusal = "The device did not delete the file \"" + name + "\"";
+        if (!Offers("FileOperationSelector", "Delete"))
+            throw Error(KORO_RETURN_CODE_BAD_ACCESS, refusal + ": it cannot be deleted!");
+        const std::string status = Status();
+        if (!status.empty() && status != "Success")
+            throw Error(KORO_RETURN_CODE_ERROR, refusal + ": FileOperationStatus is " + status + "!");
+        uint64_t left = 0;
+        if (KORO_FileAdapter_GetSize(Get(), &left) == KORO_RETURN_CODE_SUCCESS && left > 0)
+            throw Error(KORO_RETURN_CODE_ERROR, refusal + ": it still has " + std::to_string(left) + " bytes!");
+    }
 
 private:
     static KORO_FileAdapterHandle Construct(KORO_NodeMapHandle features, const std::string& file)
     {
         KORO_FileAdapterHandle handle{};
-        detail::Check(KORO_FileAdapter_Construct(features, file.c_str(), file.size() + 1, &handle));
+        const KORO_ReturnCode code = KORO_FileAdapter_Construct(features, file.c_str(), file.size() + 1, &handle);
+        if (code == KORO_RETURN_CODE_NOT_AVAILABLE) throw Error(code, detail::LastErrorText() + " (" + file + ")");
+        detail::Check(code);
         return handle;
     }
+
+    // Empty when the features have gone: the calls behind it say so.
+    std::optional<NodeMapLock> LockNodes() const
+    {
+        try
+        {
+            return nodes.Lock();
+        }
+        catch (const Error&)
+        {
+            return std::nullopt;
+        }
+    }
+    EnumerationNode Choice(const char* node) const
+    {
+        const Node found = nodes.TryNode(node);
+        return found && found.Type() == KORO_NODE_TYPE_ENUMERATION ? found.ToEnumeration() : EnumerationNode();
+    }
+    // Whether the selected file has this entry; yes where the device does not say.
+    bool Offers(const char* node, const char* entry) const
+    {
+        try
+        {
+            const EnumerationNode choice = Choice(node);
+            const EnumerationEntryNode offered = choice ? choice.TryEntry(std::string(entry)) : EnumerationEntryNode();
+            return !choice || (offered && offered.IsAvailable());
+        }
+        catch (const Error&)
+        {
+            return true;
+        }
+    }
+    // Empty where the device does not say.
+    static std::string Current(const EnumerationNode& choice)
+    {
+        try
+        {
+            return choice ? choice.CurrentEntry(CachePolicy::IgnoreCache).SymbolicValue() : std::string();
+        }
+        catch (const Error&)
+        {
+            return {};
+        }
+    }
+    // Of the last operation; empty where the device does not say.
+    std::string Status() const
+    {
+        try
+        {
+            return Current(Choice("FileOperationStatus"));
+        }
+        catch (const Error&)
+        {
+            return {};
+        }
+    }
+    // Keeps the first refusal of the operations of a transfer. The one that comes last is the closing, so each is asked
+    // for when the next one is chosen.
+    Registration KeepRefusal(std::string& refusal) const
+    {
+        try
+        {
+            const EnumerationNode operation = Choice("FileOperationSelector");
+            if (!operation) return {};
+            return operation.OnChanged([this, operation, &refusal](const Node&) {
+                if (!refusal.empty() || Current(operation) == "Open") return;
+                const std::string status = Status();
+                if (status != "Success") refusal = status;
+            });
+        }
+        catch (const Error&)
+        {
+            return {};
+        }
+    }
+    // The end of a text.
+    std::string Reason(const char* mode, const std::string& refusal) const
+    {
+        if (!refusal.empty()) return ": FileOperationStatus is " + refusal + "!";
+        try
+        {
+            // What a file can be opened for may depend on the operation.
+            const EnumerationNode operation = Choice("FileOperationSelector");
+            if (operation) operation.SetCurrentEntry(std::string("Open"));
+        }
+        catch (const Error& error)
+        {
+            return std::string(": ") + error.what();
+        }
+        return Offers("FileOpenMode", mode) ? "!" : ": it cannot be opened for that!";
+    }
+
+    NodeMap nodes;
+    std::string name;
 };
 
 } // namespace koro

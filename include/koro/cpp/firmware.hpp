@@ -4,6 +4,7 @@
 #ifndef KORO_CPP_FIRMWARE_HPP
 #define KORO_CPP_FIRMWARE_HPP
 
+#include <koro/cpp/callbacks.hpp>
 #include <koro/cpp/support.hpp>
 #include <koro/koro.h>
 
@@ -54,7 +55,7 @@ public:
 };
 
 // Follows updates. The functions run one at a time on the thread that updates, inside its call. They must not throw,
-// and must not make or end registrations of their own kind; each Registration ends before its observer.
+// and must not make registrations of their own kind; each Registration ends before its observer.
 class FirmwareUpdateProgressObserver
     : public detail::Owner<KORO_FirmwareUpdateProgressObserverHandle, KORO_FirmwareUpdateProgressObserver_Destruct>
 {
@@ -126,26 +127,26 @@ private:
     static void CallStarted(
         KORO_FirmwareUpdateInformationHandle update, uint32_t expectedDuration_ms, void* context) noexcept
     {
-        (*static_cast<StartedFunction*>(context))(FirmwareUpdateInformation(update), expectedDuration_ms);
+        detail::CallKept<StartedFunction>(context, FirmwareUpdateInformation(update), expectedDuration_ms);
     }
     static void CallStepStarted(
         KORO_FirmwareUpdateStep step, uint32_t expectedDuration_ms, const char* description, size_t descriptionSize,
         void* context) noexcept
     {
-        (*static_cast<StepStartedFunction*>(context))(step, expectedDuration_ms, TextOf(description, descriptionSize));
+        detail::CallKept<StepStartedFunction>(context, step, expectedDuration_ms, TextOf(description, descriptionSize));
     }
     static void CallStepProgress(KORO_FirmwareUpdateStep step, double percent, void* context) noexcept
     {
-        (*static_cast<StepProgressFunction*>(context))(step, percent);
+        detail::CallKept<StepProgressFunction>(context, step, percent);
     }
     static void CallStepFinished(KORO_FirmwareUpdateStep step, void* context) noexcept
     {
-        (*static_cast<StepFinishedFunction*>(context))(step);
+        detail::CallKept<StepFinishedFunction>(context, step);
     }
-    static void CallFinished(void* context) noexcept { (*static_cast<FinishedFunction*>(context))(); }
+    static void CallFinished(void* context) noexcept { detail::CallKept<FinishedFunction>(context); }
     static void CallFailed(const char* error, size_t errorSize, void* context) noexcept
     {
-        (*static_cast<FailedFunction*>(context))(TextOf(error, errorSize));
+        detail::CallKept<FailedFunction>(context, TextOf(error, errorSize));
     }
 };
 
@@ -179,14 +180,26 @@ public:
     }
 
     // Returns when the update is done; throws Error with KORO_RETURN_CODE_TIMEOUT when the camera does not come back
-    // from a reset in time. The camera must not be open; its descriptor may have ended afterwards, fetch it anew.
-    void Update(const CameraView& camera, FirmwareUpdateInformation update, uint64_t resetTimeout_ms = 60000) const
+    // from a reset in time, which is a minute where no time is given. The camera must not be open; its descriptor may
+    // have ended afterwards, fetch it again.
+    void Update(const CameraView& camera, FirmwareUpdateInformation update) const
+    {
+        detail::Check(KORO_FirmwareUpdater_UpdateDevice(
+            Get(), camera.Get(), update.Get(), KORO_FirmwareUpdateProgressObserverHandle{}));
+    }
+    void Update(const CameraView& camera, FirmwareUpdateInformation update, uint64_t resetTimeout_ms) const
     {
         Update(camera, update, KORO_FirmwareUpdateProgressObserverHandle{}, resetTimeout_ms);
     }
     void Update(
+        const CameraView& camera, FirmwareUpdateInformation update,
+        const FirmwareUpdateProgressObserver& observer) const
+    {
+        detail::Check(KORO_FirmwareUpdater_UpdateDevice(Get(), camera.Get(), update.Get(), observer.Get()));
+    }
+    void Update(
         const CameraView& camera, FirmwareUpdateInformation update, const FirmwareUpdateProgressObserver& observer,
-        uint64_t resetTimeout_ms = 60000) const
+        uint64_t resetTimeout_ms) const
     {
         Update(camera, update, observer.Get(), resetTimeout_ms);
     }

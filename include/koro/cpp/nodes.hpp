@@ -5,13 +5,13 @@
 #ifndef KORO_CPP_NODES_HPP
 #define KORO_CPP_NODES_HPP
 
+#include <koro/cpp/callbacks.hpp>
 #include <koro/cpp/support.hpp>
 #include <koro/koro.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
@@ -125,28 +125,49 @@ public:
     EnumerationNode ToEnumeration() const;
     EnumerationEntryNode ToEnumerationEntry() const;
 
-    // The function may use any node of the map and end its own registration; it must not wait for another thread that
-    // uses the map.
+    // The function may use any node of the map and end its own registration, which lasts until it returns; it must not
+    // wait for another thread that uses the map.
     [[nodiscard]] Registration OnChanged(std::function<void(Node)> changed) const
     {
-        std::function<void(Node)> called;
-        if (changed)
-        {
-            called = [function = std::make_shared<std::function<void(Node)>>(std::move(changed))](Node node) {
-                const auto running = function; // the registration may end within
-                (*running)(node);
-            };
-        }
         return detail::Register(
             KORO_Node_RegisterChangedCallback, KORO_Node_UnregisterChangedCallback, Get(),
-            &detail::CallFound<Node, KORO_NodeHandle>, std::move(called));
+            &detail::CallFound<Node, KORO_NodeHandle>, std::move(changed));
     }
 };
 
-class IntegerNode : public detail::View<KORO_IntegerNodeHandle>
+namespace detail
+{
+
+// A node with values. Usable where a Node is, at the price of a look-up; what is asked most of nodes is at hand.
+template <typename Handle, KORO_ReturnCode (*toNode)(Handle, KORO_NodeHandle*)>
+class TypedNode : public View<Handle>
 {
 public:
-    using View::View;
+    using View<Handle>::View;
+
+    koro::Node Node() const { return koro::Node(detail::Get(toNode, this->Get())); }
+    operator koro::Node() const { return Node(); }
+
+    std::string Name() const { return Node().Name(); }
+    std::string DisplayName() const { return Node().DisplayName(); }
+    KORO_NodeType Type() const { return Node().Type(); }
+    KORO_NodeAccessStatus AccessStatus() const { return Node().AccessStatus(); }
+    bool IsImplemented() const { return Node().IsImplemented(); }
+    bool IsAvailable() const { return Node().IsAvailable(); }
+    bool IsReadable() const { return Node().IsReadable(); }
+    bool IsWritable() const { return Node().IsWritable(); }
+    [[nodiscard]] Registration OnChanged(std::function<void(koro::Node)> changed) const
+    {
+        return Node().OnChanged(std::move(changed));
+    }
+};
+
+} // namespace detail
+
+class IntegerNode : public detail::TypedNode<KORO_IntegerNodeHandle, KORO_IntegerNode_ToNode>
+{
+public:
+    using TypedNode::TypedNode;
 
     int64_t Value(CachePolicy policy = CachePolicy::UseCache) const
     {
@@ -162,13 +183,12 @@ public:
     std::vector<int64_t> ValidValues() const { return detail::Values(KORO_IntegerNode_GetValidValues, Get()); }
     KORO_NodeRepresentation Representation() const { return detail::Get(KORO_IntegerNode_GetRepresentation, Get()); }
     std::string Unit() const { return detail::Text(KORO_IntegerNode_GetUnit, Get()); }
-    koro::Node Node() const { return koro::Node(detail::Get(KORO_IntegerNode_ToNode, Get())); }
 };
 
-class FloatNode : public detail::View<KORO_FloatNodeHandle>
+class FloatNode : public detail::TypedNode<KORO_FloatNodeHandle, KORO_FloatNode_ToNode>
 {
 public:
-    using View::View;
+    using TypedNode::TypedNode;
 
     double Value(CachePolicy policy = CachePolicy::UseCache) const
     {
@@ -187,13 +207,12 @@ public:
     std::string Unit() const { return detail::Text(KORO_FloatNode_GetUnit, Get()); }
     KORO_NodeDisplayNotation DisplayNotation() const { return detail::Get(KORO_FloatNode_GetDisplayNotation, Get()); }
     int64_t DisplayPrecision() const { return detail::Get(KORO_FloatNode_GetDisplayPrecision, Get()); }
-    koro::Node Node() const { return koro::Node(detail::Get(KORO_FloatNode_ToNode, Get())); }
 };
 
-class BooleanNode : public detail::View<KORO_BooleanNodeHandle>
+class BooleanNode : public detail::TypedNode<KORO_BooleanNodeHandle, KORO_BooleanNode_ToNode>
 {
 public:
-    using View::View;
+    using TypedNode::TypedNode;
 
     bool Value(CachePolicy policy = CachePolicy::UseCache) const
     {
@@ -202,13 +221,12 @@ public:
         return value != 0;
     }
     void SetValue(bool value) const { detail::Check(KORO_BooleanNode_SetValue(Get(), value ? 1 : 0)); }
-    koro::Node Node() const { return koro::Node(detail::Get(KORO_BooleanNode_ToNode, Get())); }
 };
 
-class CommandNode : public detail::View<KORO_CommandNodeHandle>
+class CommandNode : public detail::TypedNode<KORO_CommandNodeHandle, KORO_CommandNode_ToNode>
 {
 public:
-    using View::View;
+    using TypedNode::TypedNode;
 
     // Starts the command; does not wait for its end.
     void Execute() const { detail::Check(KORO_CommandNode_Execute(Get())); }
@@ -216,13 +234,12 @@ public:
     // Throws Error with KORO_RETURN_CODE_TIMEOUT when the command goes on.
     void WaitUntilDone(uint64_t timeout_ms) const { detail::Check(KORO_CommandNode_WaitUntilDone(Get(), timeout_ms)); }
     void WaitUntilDone() const { detail::Check(KORO_CommandNode_WaitUntilDoneInfinite(Get())); }
-    koro::Node Node() const { return koro::Node(detail::Get(KORO_CommandNode_ToNode, Get())); }
 };
 
-class StringNode : public detail::View<KORO_StringNodeHandle>
+class StringNode : public detail::TypedNode<KORO_StringNodeHandle, KORO_StringNode_ToNode>
 {
 public:
-    using View::View;
+    using TypedNode::TypedNode;
 
     std::string Value(CachePolicy policy = CachePolicy::UseCache) const
     {
@@ -236,13 +253,12 @@ public:
     }
     // Bytes, no terminating zero counted.
     int64_t MaximumLength() const { return detail::Get(KORO_StringNode_GetMaximumLength, Get()); }
-    koro::Node Node() const { return koro::Node(detail::Get(KORO_StringNode_ToNode, Get())); }
 };
 
-class RegisterNode : public detail::View<KORO_RegisterNodeHandle>
+class RegisterNode : public detail::TypedNode<KORO_RegisterNodeHandle, KORO_RegisterNode_ToNode>
 {
 public:
-    using View::View;
+    using TypedNode::TypedNode;
 
     uint64_t Address() const { return detail::Get(KORO_RegisterNode_GetAddress, Get()); }
     size_t Length() const { return detail::Get(KORO_RegisterNode_GetLength, Get()); }
@@ -253,43 +269,45 @@ public:
         if (length > detail::maxBytesSize)
             throw Error(KORO_RETURN_CODE_ERROR, "A register claims a length of " + std::to_string(length) + " bytes!");
         std::vector<uint8_t> bytes(length);
+        if (length == 0) return bytes;
         detail::Check(KORO_RegisterNode_Read(Get(), static_cast<int32_t>(policy), bytes.data(), bytes.size()));
         return bytes;
     }
+    // Nothing to write is no failure and nothing that the device hears of.
     void Write(const std::vector<uint8_t>& bytes) const
     {
-        detail::Check(KORO_RegisterNode_Write(Get(), bytes.data(), bytes.size()));
+        if (bytes.empty())
+            Node(); // for the handle
+        else
+            detail::Check(KORO_RegisterNode_Write(Get(), bytes.data(), bytes.size()));
     }
-    koro::Node Node() const { return koro::Node(detail::Get(KORO_RegisterNode_ToNode, Get())); }
 };
 
-class CategoryNode : public detail::View<KORO_CategoryNodeHandle>
+class CategoryNode : public detail::TypedNode<KORO_CategoryNodeHandle, KORO_CategoryNode_ToNode>
 {
 public:
-    using View::View;
+    using TypedNode::TypedNode;
 
     std::vector<koro::Node> SubNodes() const
     {
         return detail::Children<koro::Node>(KORO_CategoryNode_GetNumSubNodes, KORO_CategoryNode_GetSubNode, Get());
     }
-    koro::Node Node() const { return koro::Node(detail::Get(KORO_CategoryNode_ToNode, Get())); }
 };
 
-class EnumerationEntryNode : public detail::View<KORO_EnumerationEntryNodeHandle>
+class EnumerationEntryNode : public detail::TypedNode<KORO_EnumerationEntryNodeHandle, KORO_EnumerationEntryNode_ToNode>
 {
 public:
-    using View::View;
+    using TypedNode::TypedNode;
 
     std::string SymbolicValue() const { return detail::Text(KORO_EnumerationEntryNode_GetSymbolicValue, Get()); }
     int64_t Value() const { return detail::Get(KORO_EnumerationEntryNode_GetValue, Get()); }
     bool IsSelfClearing() const { return detail::Flag(KORO_EnumerationEntryNode_GetIsSelfClearing, Get()); }
-    koro::Node Node() const { return koro::Node(detail::Get(KORO_EnumerationEntryNode_ToNode, Get())); }
 };
 
-class EnumerationNode : public detail::View<KORO_EnumerationNodeHandle>
+class EnumerationNode : public detail::TypedNode<KORO_EnumerationNodeHandle, KORO_EnumerationNode_ToNode>
 {
 public:
-    using View::View;
+    using TypedNode::TypedNode;
 
     EnumerationEntryNode CurrentEntry(CachePolicy policy = CachePolicy::UseCache) const
     {
@@ -352,7 +370,6 @@ public:
             Get(), symbolicValue.c_str(), symbolicValue.size() + 1, &hasEntry));
         return hasEntry != 0;
     }
-    koro::Node Node() const { return koro::Node(detail::Get(KORO_EnumerationNode_ToNode, Get())); }
 };
 
 // Holds the lock of a node map, which is recursive, until its end; ends on the thread that made it.
@@ -426,6 +443,7 @@ public:
     {
         detail::Check(KORO_NodeMap_StoreToFile(Get(), path.c_str(), path.size() + 1));
     }
+    // LoadSettings() of <koro/cpp/settings.hpp> gets further and says which lines fail.
     void LoadFromFile(const std::string& path) const
     {
         detail::Check(KORO_NodeMap_LoadFromFile(Get(), path.c_str(), path.size() + 1));

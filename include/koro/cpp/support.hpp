@@ -1,4 +1,4 @@
-// What the C++ face is made of: exceptions for return codes, owners and views of handles, registrations of callbacks.
+// What the C++ face is made of: exceptions for return codes, owners and views of handles.
 //
 // Included by <koro/koro.hpp>, which is the header for programs.
 #ifndef KORO_CPP_SUPPORT_HPP
@@ -9,11 +9,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <functional>
-#include <memory>
 #include <stdexcept>
 #include <string>
-#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -148,6 +145,12 @@ Value Get(KORO_ReturnCode (*get)(Handle, Value*), Handle handle)
     return value;
 }
 
+template <typename Enumeration, typename Handle>
+Enumeration GetEnumeration(KORO_ReturnCode (*get)(Handle, int32_t*), Handle handle)
+{
+    return static_cast<Enumeration>(Get(get, handle));
+}
+
 template <typename Handle>
 bool Flag(KORO_ReturnCode (*get)(Handle, KORO_Bool8*), Handle handle)
 {
@@ -198,12 +201,15 @@ public:
     Owner() = default;
     explicit Owner(Handle owned) noexcept : handle(owned) {}
     Owner(Owner&& other) noexcept : handle(std::exchange(other.handle, Handle{})) {}
+    // The replaced handle ends, unless it is the number that comes: then its object has ended by itself, and a new one
+    // has got its place.
     Owner& operator=(Owner&& other) noexcept
     {
         if (this != &other)
         {
-            Close();
-            handle = std::exchange(other.handle, Handle{});
+            const Handle taken = std::exchange(other.handle, Handle{});
+            if (taken != handle) Close();
+            handle = taken;
         }
         return *this;
     }
@@ -237,90 +243,6 @@ public:
 private:
     Handle handle{};
 };
-
-} // namespace detail
-
-// A registered callback: ends with this object. The function runs on the thread that causes the news, with a lock held:
-// that of the registry for found and lost, that of the map for nodes. List changed, disconnected and reconnected come
-// by themselves, on a thread of the library that all interfaces of the system share, with the lock of their registry. A
-// function must not throw (that ends the program). But for those of nodes it must not end or make registrations of its
-// own kind; what comes by itself must not open or close an interface of its system, or what holds that, either.
-class Registration
-{
-public:
-    Registration() = default;
-    Registration(std::shared_ptr<void> function, std::function<void()> unregisterFunction)
-        : keptFunction(std::move(function)), unregister(std::move(unregisterFunction))
-    {}
-    Registration(Registration&& other) noexcept
-        : keptFunction(std::move(other.keptFunction)), unregister(std::exchange(other.unregister, nullptr))
-    {}
-    Registration& operator=(Registration&& other) noexcept
-    {
-        if (this != &other)
-        {
-            End();
-            keptFunction = std::move(other.keptFunction);
-            unregister = std::exchange(other.unregister, nullptr);
-        }
-        return *this;
-    }
-    ~Registration() { End(); }
-
-    void End() noexcept
-    {
-        if (unregister) unregister();
-        unregister = nullptr;
-        keptFunction.reset();
-    }
-
-private:
-    std::shared_ptr<void> keptFunction;
-    std::function<void()> unregister;
-};
-
-namespace detail
-{
-
-// The `void*` of a callback is the std::function; the Registration keeps it at its address.
-template <typename Descriptor, typename Handle>
-void CallFound(Handle found, void* context) noexcept
-{
-    (*static_cast<std::function<void(Descriptor)>*>(context))(Descriptor(found));
-}
-
-inline void CallLost(const char* id, size_t idSize, void* context) noexcept
-{
-    const std::string text(id, idSize > 0 ? idSize - 1 : 0);
-    (*static_cast<std::function<void(const std::string&)>*>(context))(text);
-}
-
-inline void CallListChanged(void* context) noexcept
-{
-    (*static_cast<std::function<void()>*>(context))();
-}
-
-template <typename Descriptor>
-void CallReconnected(
-    KORO_DeviceDescriptorHandle descriptor, const KORO_DEVICE_RECONNECT_INFORMATION* information,
-    void* context) noexcept
-{
-    using Function = std::function<void(Descriptor, const KORO_DEVICE_RECONNECT_INFORMATION&)>;
-    (*static_cast<Function*>(context))(Descriptor(descriptor), *information);
-}
-
-template <typename Function, typename Parent, typename Callback, typename CallbackHandle>
-Registration Register(
-    KORO_ReturnCode (*registerCallback)(Parent, Callback, void*, CallbackHandle*),
-    KORO_ReturnCode (*unregisterCallback)(Parent, CallbackHandle), Parent parent, std::common_type_t<Callback> callback,
-    Function function)
-{
-    if (!function) throw Error(KORO_RETURN_CODE_INVALID_ARGUMENT, "A callback needs a function!");
-    auto kept = std::make_shared<Function>(std::move(function));
-    CallbackHandle handle{};
-    Check(registerCallback(parent, callback, kept.get(), &handle));
-    return Registration(kept, [=] { unregisterCallback(parent, handle); });
-}
 
 } // namespace detail
 

@@ -1,0 +1,225 @@
+// Functions that the library calls: how they are kept, and the registrations that end them.
+//
+// Included by <koro/koro.hpp>, which is the header for programs. Any thread.
+#ifndef KORO_CPP_CALLBACKS_HPP
+#define KORO_CPP_CALLBACKS_HPP
+
+#include <koro/cpp/support.hpp>
+#include <koro/koro.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+namespace koro
+{
+
+namespace detail
+{
+
+// The functions that the library may call. Their context is a number and no address: a call that comes late, on any
+// thread, finds nothing instead of freed memory. Never destroyed, since exit handlers may end registrations.
+class KeptFunctions
+{
+public:
+    using Number = void*; // as the library passes it back; never null
+
+    static KeptFunctions& OfProcess()
+    {
+        static auto* const functions = new KeptFunctions;
+        return *functions;
+    }
+
+    // `group` is an address that several are dropped by, or null.
+    Number Keep(std::shared_ptr<void> function, const void* group)
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        const uintptr_t number = last + 1;
+        functions.emplace(number, Entry{std::move(function), group});
+        last = number;
+        return reinterpret_cast<Number>(number);
+    }
+    // Null if it has been dropped. Whoever calls it holds it meanwhile.
+    std::shared_ptr<void> Find(Number number) const
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        const auto found = functions.find(reinterpret_cast<uintptr_t>(number));
+        return found == functions.end() ? nullptr : found->second.function;
+    }
+    std::shared_ptr<void> Take(Number number)
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        const auto found = functions.find(reinterpret_cast<uintptr_t>(number));
+        if (found == functions.end()) return nullptr;
+        std::shared_ptr<void> taken = std::move(found->second.function);
+        functions.erase(found);
+        return taken;
+    }
+    void DropGroup(const void* group) noexcept
+    {
+        std::map<uintptr_t, Entry> dropped; // ends outside of the lock: it is the application's code
+        const std::lock_guard<std::mutex> lock(mutex);
+        for (auto entry = functions.begin(); entry != functions.end();)
+        {
+            const auto looked = entry++;
+            if (looked->second.group == group) dropped.insert(functions.extract(looked));
+        }
+    }
+
+private:
+    struct Entry
+    {
+        std::shared_ptr<void> function;
+        const void* group;
+    };
+
+    mutable std::mutex mutex;
+    std::map<uintptr_t, Entry> functions; // guarded by mutex, as the next
+    uintptr_t last = 0;
+};
+
+// One of them, dropped at the end of this object.
+class KeptFunction
+{
+public:
+    KeptFunction() = default;
+    explicit KeptFunction(std::shared_ptr<void> function, const void* group = nullptr)
+        : number(KeptFunctions::OfProcess().Keep(std::move(function), group))
+    {}
+    KeptFunction(KeptFunction&& other) noexcept : number(other.Release()) {}
+    KeptFunction& operator=(KeptFunction&& other) noexcept
+    {
+        if (this != &other)
+        {
+            Drop();
+            number = other.Release();
+        }
+        return *this;
+    }
+    ~KeptFunction() { Drop(); }
+
+    KeptFunctions::Number Number() const noexcept { return number; }
+    KeptFunctions::Number Release() noexcept { return std::exchange(number, nullptr); }
+    void Drop() noexcept
+    {
+        if (number) KeptFunctions::OfProcess().Take(Release());
+    }
+
+private:
+    KeptFunctions::Number number = nullptr;
+};
+
+// Calls the function of a context, if it has not been dropped.
+template <typename Function, typename... Arguments>
+void CallKept(void* context, Arguments&&... arguments)
+{
+    const auto function = std::static_pointer_cast<Function>(KeptFunctions::OfProcess().Find(context));
+    if (function) (*function)(std::forward<Arguments>(arguments)...);
+}
+
+} // namespace detail
+
+// A registered callback: ends with this object. The function runs on the thread that causes the news, with a lock held:
+// that of the registry for found and lost, that of the map for nodes. List changed, disconnected and reconnected come
+// by themselves, on a thread of the library that all interfaces of the system share, with the lock of their registry. A
+// function must not throw (that ends the program). But for those of nodes it must not make registrations of its own
+// kind; what comes by itself must not open or close an interface of its system, or what holds that, either.
+class Registration
+{
+public:
+    Registration() = default;
+    Registration(detail::KeptFunction called, std::function<KORO_ReturnCode()> unregisterFunction)
+        : function(std::move(called)), unregister(std::move(unregisterFunction))
+    {}
+    Registration(Registration&& other) noexcept
+        : function(std::move(other.function)), unregister(std::exchange(other.unregister, nullptr))
+    {}
+    Registration& operator=(Registration&& other) noexcept
+    {
+        if (this != &other)
+        {
+            End();
+            function = std::move(other.function);
+            unregister = std::exchange(other.unregister, nullptr);
+        }
+        return *this;
+    }
+    ~Registration() { End(); }
+
+    // From here on the function is not called any more, and one that is running on another thread has returned. Inside
+    // of a callback of the same kind the library refuses to forget its side, and the code says so. The function is not
+    // called then either; a second End() elsewhere tries once more.
+    KORO_ReturnCode End() noexcept
+    {
+        const KORO_ReturnCode code = unregister ? unregister() : KORO_RETURN_CODE_SUCCESS;
+        const bool refused = code != KORO_RETURN_CODE_SUCCESS && code != KORO_RETURN_CODE_INVALID_HANDLE &&
+                             code != KORO_RETURN_CODE_NOT_INITIALIZED;
+        if (!refused) unregister = nullptr;
+        function.Drop();
+        return code;
+    }
+
+private:
+    detail::KeptFunction function;
+    std::function<KORO_ReturnCode()> unregister;
+};
+
+namespace detail
+{
+
+template <typename Descriptor, typename Handle>
+void CallFound(Handle found, void* context) noexcept
+{
+    CallKept<std::function<void(Descriptor)>>(context, Descriptor(found));
+}
+
+inline void CallLost(const char* id, size_t idSize, void* context) noexcept
+{
+    CallKept<std::function<void(const std::string&)>>(context, std::string(id, idSize > 0 ? idSize - 1 : 0));
+}
+
+inline void CallListChanged(void* context) noexcept
+{
+    CallKept<std::function<void()>>(context);
+}
+
+inline void CallInformationChanged(const int32_t* roles, size_t numRoles, void* context) noexcept
+{
+    CallKept<std::function<void(const std::vector<int32_t>&)>>(
+        context, numRoles > 0 ? std::vector<int32_t>(roles, roles + numRoles) : std::vector<int32_t>());
+}
+
+template <typename Descriptor>
+void CallReconnected(
+    KORO_DeviceDescriptorHandle descriptor, const KORO_DEVICE_RECONNECT_INFORMATION* information,
+    void* context) noexcept
+{
+    CallKept<std::function<void(Descriptor, const KORO_DEVICE_RECONNECT_INFORMATION&)>>(
+        context, Descriptor(descriptor), *information);
+}
+
+template <typename Function, typename Parent, typename Callback, typename CallbackHandle>
+Registration Register(
+    KORO_ReturnCode (*registerCallback)(Parent, Callback, void*, CallbackHandle*),
+    KORO_ReturnCode (*unregisterCallback)(Parent, CallbackHandle), Parent parent, std::common_type_t<Callback> callback,
+    Function function)
+{
+    if (!function) throw Error(KORO_RETURN_CODE_INVALID_ARGUMENT, "A callback needs a function!");
+    KeptFunction kept(std::make_shared<Function>(std::move(function)));
+    CallbackHandle handle{};
+    Check(registerCallback(parent, callback, kept.Number(), &handle));
+    return Registration(std::move(kept), [=] { return unregisterCallback(parent, handle); });
+}
+
+} // namespace detail
+
+} // namespace koro
+
+#endif
