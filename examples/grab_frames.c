@@ -29,16 +29,28 @@ static void AnnounceAndQueue(KORO_DataStreamHandle stream, size_t payloadSize)
     {
         KORO_BufferHandle buffer = NULL;
         void* memory = malloc(payloadSize);
+        if (!memory)
+        {
+            Fail("No memory for a frame.");
+        }
         Check(KORO_DataStream_AnnounceBuffer(stream, memory, payloadSize, NULL, FreeMemory, NULL, &buffer));
         Check(KORO_DataStream_QueueBuffer(stream, buffer));
     }
 }
 
+/* Of a frame that lost data its producer need not know more than that. */
 static void PrintFrame(KORO_BufferHandle buffer)
 {
     void* pixels = NULL;
     size_t width = 0, height = 0, numBytes = 0;
     uint64_t frameId = 0;
+    KORO_Bool8 isIncomplete = 0;
+    Check(KORO_Buffer_GetIsIncomplete(buffer, &isIncomplete));
+    if (isIncomplete)
+    {
+        printf("incomplete frame\n");
+        return;
+    }
     Check(KORO_Buffer_GetBasePtr(buffer, &pixels));
     Check(KORO_Buffer_GetWidth(buffer, &width));
     Check(KORO_Buffer_GetHeight(buffer, &height));
@@ -52,13 +64,10 @@ static void PrintFrame(KORO_BufferHandle buffer)
 int main(void)
 {
     Check(KORO_Library_Initialize());
-    const Camera camera = OpenFirstCamera();
-    size_t payloadSize = 0;
-    Check(KORO_DataStream_GetPayloadSize(camera.stream, &payloadSize));
-    AnnounceAndQueue(camera.stream, payloadSize);
+    Camera camera = OpenFirstCamera();
+    AnnounceAndQueue(camera.stream, PayloadSize(&camera));
 
-    Check(KORO_DataStream_StartAcquisitionInfinite(camera.stream, KORO_ACQ_START_FLAGS_DEFAULT));
-    Execute(&camera, "AcquisitionStart");
+    StartAcquisition(&camera);
     for (int frame = 0; frame < numFrames; ++frame)
     {
         KORO_BufferHandle buffer = NULL;
@@ -66,8 +75,7 @@ int main(void)
         PrintFrame(buffer);
         Check(KORO_DataStream_QueueBuffer(camera.stream, buffer));
     }
-    Execute(&camera, "AcquisitionStop");
-    Check(KORO_DataStream_StopAcquisition(camera.stream, KORO_ACQ_STOP_FLAGS_DEFAULT));
+    StopAcquisition(&camera);
 
     CloseCamera(&camera);
     return KORO_Library_Close();

@@ -1,6 +1,6 @@
 /*
  * Updates the firmware of the first camera. The update works on the calling thread and returns when it is done; what
- * it is doing meanwhile is told by callbacks. The camera must not be open: the update opens it, and finds it again
+ * it is doing meanwhile is reported by callbacks. The camera must not be open: the update opens it, and finds it again
  * when it has reset itself.
  */
 #include "example.h"
@@ -57,8 +57,7 @@ static KORO_FirmwareUpdateInformationHandle FindUpdate(
     Check(KORO_FirmwareUpdater_GetNumFirmwareUpdateInformation(updater, &numUpdates));
     if (numUpdates == 0)
     {
-        fprintf(stderr, "no update of %s fits the camera\n", path);
-        exit(EXIT_FAILURE);
+        Fail("No update of the file fits the camera.");
     }
     Check(KORO_FirmwareUpdater_GetFirmwareUpdateInformation(updater, 0, &update));
     return update;
@@ -72,12 +71,9 @@ int main(int argc, char** argv)
         return EXIT_FAILURE;
     }
     Check(KORO_Library_Initialize());
-    Check(KORO_EnvironmentInspector_UpdateCTIPaths());
-    KORO_ProducerLibraryHandle producer = LoadProducer(0);
-    KORO_SystemHandle system = OpenSystem(producer);
-    KORO_InterfaceHandle interface = OpenInterface(system, 0);
+    const Camera opened = OpenFirstInterface();
     KORO_DeviceDescriptorHandle camera = NULL;
-    Check(KORO_Interface_GetDevice(interface, 0, &camera));
+    Check(KORO_Interface_GetDevice(opened.interface, 0, &camera));
 
     KORO_FirmwareUpdaterHandle updater = NULL;
     Check(KORO_FirmwareUpdater_Construct(&updater));
@@ -92,8 +88,8 @@ int main(int argc, char** argv)
 
     Check(KORO_FirmwareUpdateProgressObserver_Destruct(observer));
     Check(KORO_FirmwareUpdater_Destruct(updater));
-    Check(KORO_Interface_Destruct(interface));
-    Check(KORO_System_Destruct(system));
-    Check(KORO_ProducerLibrary_Destruct(producer));
+    Check(KORO_Interface_Destruct(opened.interface));
+    Check(KORO_System_Destruct(opened.system));
+    Check(KORO_ProducerLibrary_Destruct(opened.producer));
     return KORO_Library_Close();
 }

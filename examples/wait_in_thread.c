@@ -29,7 +29,7 @@ static void CountFrame(Grabber* grabber)
     pthread_mutex_unlock(&grabber->mutex);
 }
 
-/* Grabs until the wait is killed. The last error belongs to a thread, so failures are told here. */
+/* Grabs until the wait is killed. The last error belongs to a thread, so failures are reported here. */
 static void* Grab(void* context)
 {
     Grabber* grabber = context;
@@ -57,39 +57,25 @@ static void AwaitFrames(Grabber* grabber)
     pthread_mutex_unlock(&grabber->mutex);
 }
 
-static void AllocateAndQueue(KORO_DataStreamHandle stream)
-{
-    size_t payloadSize = 0;
-    Check(KORO_DataStream_GetPayloadSize(stream, &payloadSize));
-    for (int index = 0; index < numBuffers; ++index)
-    {
-        KORO_BufferHandle buffer = NULL;
-        Check(KORO_DataStream_AllocAndAnnounceBuffer(stream, payloadSize, NULL, &buffer));
-        Check(KORO_DataStream_QueueBuffer(stream, buffer));
-    }
-}
-
 int main(void)
 {
     Check(KORO_Library_Initialize());
-    const Camera camera = OpenFirstCamera();
-    AllocateAndQueue(camera.stream);
+    Camera camera = OpenFirstCamera();
+    AllocateAndQueue(&camera, numBuffers);
 
     Grabber grabber = {camera.stream, PTHREAD_MUTEX_INITIALIZER, PTHREAD_COND_INITIALIZER, 0};
     pthread_t thread;
     if (pthread_create(&thread, NULL, Grab, &grabber) != 0)
     {
-        return 1;
+        Fail("No thread could be started.");
     }
-    Check(KORO_DataStream_StartAcquisitionInfinite(camera.stream, KORO_ACQ_START_FLAGS_DEFAULT));
-    Execute(&camera, "AcquisitionStart");
+    StartAcquisition(&camera);
     AwaitFrames(&grabber);
     Check(KORO_DataStream_KillWait(camera.stream));
     pthread_join(thread, NULL);
     printf("%d frames on the thread, then its wait was killed\n", grabber.numTaken);
 
-    Execute(&camera, "AcquisitionStop");
-    Check(KORO_DataStream_StopAcquisition(camera.stream, KORO_ACQ_STOP_FLAGS_DEFAULT));
+    StopAcquisition(&camera);
     CloseCamera(&camera);
     return KORO_Library_Close();
 }

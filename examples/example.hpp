@@ -1,0 +1,96 @@
+// What the examples in C++ share: the road to a stream.
+#pragma once
+
+#include <koro/koro.hpp>
+
+#include <cstdio>
+#include <cstdlib>
+#include <stdexcept>
+#include <string>
+
+// What is open between the library and a stream, from the root to the leaf: the members end in the reverse order, which
+// is the one that producers like best.
+struct Camera
+{
+    koro::Library library = koro::Library::Initialize();
+    koro::ProducerLibrary producer;
+    koro::System system;
+    koro::Interface interface;
+    koro::Device device;
+    koro::DataStream stream;
+    koro::NodeMap features;
+
+    void Open(const koro::DeviceDescriptor& descriptor)
+    {
+        device = descriptor.OpenDevice();
+        const auto streams = device.DataStreams();
+        if (streams.empty()) throw std::runtime_error("The camera has no stream.");
+        stream = streams.front().OpenDataStream();
+        features = device.RemoteDevice().NodeMap();
+    }
+    void CloseDevice()
+    {
+        stream.Close();
+        device.Close();
+    }
+    void AllocateAndQueue(int numBuffers) const
+    {
+        const size_t size = koro::FrameSize(stream, features);
+        for (int index = 0; index < numBuffers; ++index)
+            stream.QueueBuffer(stream.AllocAndAnnounceBuffer(size));
+    }
+};
+
+// The first camera of the first producer that lists one.
+inline Camera OpenFirstCamera()
+{
+    constexpr uint64_t updateTimeout_ms = 1000;
+    Camera camera;
+    koro::EnvironmentInspector::Update();
+    const auto paths = koro::EnvironmentInspector::CTIPaths();
+    if (paths.empty())
+        throw std::runtime_error(
+            "No producer (.cti) works in the folders of GENICAM_GENTL64_PATH; `koro doctor` shows why.");
+    for (const std::string& path : paths)
+    {
+        koro::ProducerLibrary producer(path);
+        koro::System system = producer.System().OpenSystem();
+        system.UpdateInterfaces(updateTimeout_ms);
+        for (const koro::InterfaceDescriptor& listed : system.Interfaces())
+        {
+            koro::Interface interface = listed.OpenInterface();
+            interface.UpdateDevices(updateTimeout_ms);
+            const auto devices = interface.Devices();
+            if (devices.empty()) continue;
+            camera.producer = std::move(producer);
+            camera.system = std::move(system);
+            camera.interface = std::move(interface);
+            camera.Open(devices.front());
+            return camera;
+        }
+    }
+    throw std::runtime_error("No producer lists a camera; `koro doctor` and `koro list` show more.");
+}
+
+// The next frame, or the reason why none came.
+inline koro::Buffer NextFrame(const Camera& camera, uint64_t timeout_ms = 5000)
+{
+    if (const auto buffer = camera.stream.TryWait(timeout_ms)) return *buffer;
+    throw std::runtime_error(koro::TextOf(koro::WhyNoFrame(camera.stream, camera.device.RemoteDevice())));
+}
+
+// Runs a program; what it throws is printed, after all that it had opened is closed.
+template <typename Program>
+int Run(const Program& program)
+{
+    try
+    {
+        program();
+        return EXIT_SUCCESS;
+    }
+    catch (const std::exception& error)
+    {
+        std::fprintf(stderr, "%s\n", error.what());
+        return EXIT_FAILURE;
+    }
+}
