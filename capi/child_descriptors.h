@@ -12,12 +12,11 @@
 namespace koro::internal
 {
 
-// Enters a descriptor whose handle is withdrawn when an update of the parent loses the child. For this one closure
-// per entry stays in the parent's lost registry, until the parent goes. The handle of a child that was lost meanwhile
-// is invalid from the start. Throws the deadlock error inside a lost
-// callback of the same parent; then there is no entry either.
+// Enters a descriptor whose handle is withdrawn when the loss of the child is reported, which is yet to come. For this
+// one closure per entry stays in the parent's lost registry, until the parent goes. Throws the deadlock error inside a
+// lost callback of the same parent; then there is no entry either.
 template <class Parent, class Descriptor>
-HandleOf<Descriptor> EnterDescriptor(
+HandleOf<Descriptor> EnterUntilLost(
     const std::shared_ptr<Parent>& parent, const std::shared_ptr<Descriptor>& descriptor)
 {
     bool isNew = false;
@@ -37,13 +36,23 @@ HandleOf<Descriptor> EnterDescriptor(
         Remove(handle);
         throw;
     }
+    return handle;
+}
+
+// The same for a child of which nobody knows whether it was lost meanwhile: then its handle is invalid from the start.
+template <class Parent, class Descriptor>
+HandleOf<Descriptor> EnterDescriptor(
+    const std::shared_ptr<Parent>& parent, const std::shared_ptr<Descriptor>& descriptor)
+{
+    const auto handle = EnterUntilLost(parent, descriptor);
     // An update of another thread may have told the loss before the closure was there.
     const auto children = parent->Children();
     if (std::find(children.begin(), children.end(), descriptor) == children.end()) Remove(handle);
     return handle;
 }
 
-// The descriptor is entered before the application sees its handle. The parent is held weakly: it owns the registry.
+// The descriptor is entered before the application sees its handle, and its loss is reported later: also when an update
+// inside a callback has lost it already. The parent is held weakly: it owns the registry.
 template <class Handle, class Callback, class CallbackHandle>
 KORO_ReturnCode RegisterFound(
     const NamedArgument<Handle>& handle, const NamedArgument<Callback>& callback, void* context,
@@ -52,7 +61,7 @@ KORO_ReturnCode RegisterFound(
     return RegisterCallback(handle, callback, callbackHandle, [&](const auto& parent) {
         return parent->RegisterFoundCallback(
             [weakParent = std::weak_ptr(parent), function = callback.value, context](const auto& descriptor) {
-                function(EnterDescriptor(LockOrThrow(weakParent), descriptor), context);
+                function(EnterUntilLost(LockOrThrow(weakParent), descriptor), context);
             });
     });
 }

@@ -2,16 +2,19 @@
 //
 // An update asks the producer for the present children, matches them by key against those held, keeps the object of
 // a child that stayed, and reports what was lost and what was found. Nothing but the key is ever compared.
-// Any thread; `listMutex` is held across the producer calls of an update, never during a callback.
+// Any thread; `listMutex` is held across the producer calls of an update, never during a callback. Reports come in the
+// order of the walks that made them, so for one child what was found before its loss.
 #pragma once
 
 #include "base/callback_registry.h"
 #include "gentl/bounds.h"
 #include "gentl/gentl_caller.h"
+#include "gentl/report_queue.h"
 
 #include <algorithm>
 #include <atomic>
 #include <cstdint>
+#include <iterator>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -35,15 +38,14 @@ public:
 
     // Walks the producer's list at the first call and whenever the producer reports a change. The new list is
     // published before the first callback; all lost ones come before all found ones, and found ones in the
-    // producer's order. A failure leaves the published list and reports nothing.
+    // producer's order. A failure leaves the published list and reports nothing. Inside a found or lost callback the
+    // update returns before its reports are delivered, and throws the standard deadlock error when too many updates
+    // from inside callbacks have found something; see gentl/report_queue.h.
     void UpdateChildren(std::uint64_t timeout_ms)
     {
         const auto parent = HoldParent();
-        auto news = WalkIfChanged(timeout_ms);
-        for (const auto& [key, descriptor] : news.lost)
-            lostCallbacks.TriggerCallback(key);
-        for (const auto& descriptor : news.found)
-            foundCallbacks.TriggerCallback(descriptor);
+        reports.RefuseEndlessAdditions();
+        if (WalkIfChanged(timeout_ms)) reports.Deliver();
     }
 
     // A copy of the published list, without an update.
@@ -100,18 +102,13 @@ protected:
 private:
     using ChildMap = std::unordered_map<Key, std::shared_ptr<Descriptor>>;
 
-    struct News
-    {
-        ChildMap lost;
-        std::vector<std::shared_ptr<Descriptor>> found;
-    };
-
-    News WalkIfChanged(std::uint64_t timeout_ms)
+    // Whether there is something to report.
+    bool WalkIfChanged(std::uint64_t timeout_ms)
     {
         const std::lock_guard lock(listMutex);
         GenTL::bool8_t changed = 0;
         Check(UpdateFunctionName(), ProducerUpdateChildren(&changed, timeout_ms));
-        if (updatedOnce && !changed) return {};
+        if (updatedOnce && !changed) return false;
 
         std::uint32_t count = 0;
         Check(NumChildrenFunctionName(), ProducerNumChildren(&count));
@@ -121,9 +118,9 @@ private:
 
     // A child that stayed leaves `childrenByKey` at once. A failure half way therefore makes the next walk take the
     // ones matched so far for new: they are reported as found, and their old objects go without a lost report.
-    News Walk(std::uint32_t count)
+    bool Walk(std::uint32_t count)
     {
-        News news;
+        std::vector<ReportQueue::Report> found;
         std::vector<std::shared_ptr<Descriptor>> newList;
         ChildMap newMap;
         for (Index index = 0; index < count; ++index)
@@ -139,15 +136,28 @@ private:
             else
             {
                 descriptor = std::make_shared<Descriptor>(id, SharedOwner(), caller.Proxy());
-                news.found.push_back(descriptor);
+                found.push_back([this, descriptor] { foundCallbacks.TriggerCallback(descriptor); });
             }
             newList.push_back(descriptor);
             newMap.emplace(id, std::move(descriptor)); // the first of two equal keys stays
         }
-        news.lost = std::exchange(childrenByKey, std::move(newMap));
+        auto news = LostReports();
+        std::move(found.begin(), found.end(), std::back_inserter(news));
+        const bool hasNews = !news.empty();
+        reports.Add(std::move(news));
+        childrenByKey = std::move(newMap);
         children = std::move(newList);
         updatedOnce = true;
-        return news;
+        return hasNews;
+    }
+
+    // Of those that are left. They end with their reports, outside of the lock.
+    std::vector<ReportQueue::Report> LostReports()
+    {
+        std::vector<ReportQueue::Report> lost;
+        for (const auto& [key, descriptor] : childrenByKey)
+            lost.push_back([this, key = key, descriptor = descriptor] { lostCallbacks.TriggerCallback(key); });
+        return lost;
     }
 
     void Check(const char* function, GenTL::GC_ERROR result) const { CheckResult(function, result, *caller.Proxy()); }
@@ -157,7 +167,9 @@ private:
     ChildMap childrenByKey;
     FoundCallbacks foundCallbacks;
     LostCallbacks lostCallbacks;
-    mutable std::mutex listMutex; // guards children and childrenByKey; no registry's mutex is taken under it
+    ReportQueue reports;
+    mutable std::mutex
+        listMutex; // guards children and childrenByKey; of ours, only that of `reports` is taken under it
     std::atomic<bool> updatedOnce{false};
 };
 

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <future>
 #include <gmock/gmock.h>
 #include <optional>
 #include <string>
@@ -428,6 +429,81 @@ TYPED_TEST(ChildLists, UpdateInsideACallbackWorks)
     EXPECT_EQ(this->OutcomeOfUpdate(), Error{});
     EXPECT_EQ(listener.reports, (Strings{"found " + this->KeyOf("c"), "lost c (2)"}));
     EXPECT_EQ(this->OutcomeOfKey(listener.found[0]), InvalidHandle(TypeParam::childParameter));
+}
+
+TYPED_TEST(ChildLists, UpdateInsideALostCallbackLosesNoReportAndKeepsTheOrder)
+{
+    typename TypeParam::Listener listener(this->parent);
+    std::vector<std::size_t> reportsAtReturn;
+    listener.onLost = [&] {
+        if (!reportsAtReturn.empty()) return;
+        this->SetChildren({"c", "d"});
+        EXPECT_EQ(this->OutcomeOfUpdate(), Error{});
+        reportsAtReturn.push_back(listener.reports.size());
+    };
+    this->SetChildren({"b", "c"});
+
+    EXPECT_EQ(this->OutcomeOfUpdate(), Error{});
+    // The inner update returned before its own reports came.
+    EXPECT_EQ(reportsAtReturn, std::vector<std::size_t>{1});
+    EXPECT_EQ(
+        listener.reports,
+        (Strings{"lost a (2)", "found " + this->KeyOf("c"), "lost b (2)", "found " + this->KeyOf("d")}));
+    EXPECT_EQ(this->Count(), 2u);
+}
+
+TYPED_TEST(ChildLists, ChildThatIsFoundAndLostInsideCallbacksIsReportedInThisOrder)
+{
+    typename TypeParam::Listener listener(this->parent);
+    int step = 0;
+    listener.onReport = [&] {
+        ++step;
+        if (step == 1) this->SetChildren({"b", "new"});
+        if (step == 2) this->SetChildren({"b"});
+        EXPECT_EQ(this->OutcomeOfUpdate(), Error{});
+    };
+    this->SetChildren({"b"});
+
+    EXPECT_EQ(this->OutcomeOfUpdate(), Error{});
+    EXPECT_EQ(listener.reports, (Strings{"lost a (2)", "found " + this->KeyOf("new"), "lost new (4)"}));
+}
+
+TYPED_TEST(ChildLists, CallbackThatFindsSomethingWithEachUpdateGetsCodeOneInTheEnd)
+{
+    typename TypeParam::Listener listener(this->parent);
+    std::uint64_t next = 0;
+    Codes refusals;
+    listener.onReport = [&] {
+        if (!refusals.empty()) return;
+        this->SetChildren({std::to_string(++next)});
+        const auto code = TypeParam::update(this->parent, 0);
+        if (code != KORO_RETURN_CODE_SUCCESS) refusals.push_back(code);
+    };
+    this->SetChildren({"0"});
+
+    EXPECT_EQ(this->OutcomeOfUpdate(), Error{});
+    EXPECT_EQ(refusals, Codes{KORO_RETURN_CODE_ERROR});
+    EXPECT_GT(next, 100u);
+    // No report was lost: a and b, and each of the others but the last, came and went.
+    EXPECT_EQ(listener.reports.size(), 2 + 2 * next - 1);
+    this->Update(); // and the next one is free again
+    EXPECT_EQ(listener.reports.back(), "found " + this->KeyOf(std::to_string(next)));
+}
+
+TYPED_TEST(ChildLists, UpdateOfAnotherThreadReturnsWhenItsReportsAreDelivered)
+{
+    typename TypeParam::Listener listener(this->parent);
+    std::future<Error> another;
+    listener.onReport = [&] {
+        if (another.valid()) return;
+        this->SetChildren({"b", "c"});
+        another = std::async(std::launch::async, [&] { return this->OutcomeOfUpdate(); });
+    };
+    this->SetChildren({"b"});
+
+    EXPECT_EQ(this->OutcomeOfUpdate(), Error{});
+    EXPECT_EQ(another.get(), Error{});
+    EXPECT_EQ(listener.reports, (Strings{"lost a (2)", "found " + this->KeyOf("c")}));
 }
 
 TYPED_TEST(ChildLists, FailedUpdateLeavesTheListAndReportsNothing)
