@@ -57,6 +57,7 @@ DataStream::~DataStream()
 {
     try
     {
+        const EndingScope scope;
         StopAndReleaseAll();
     }
     catch (const std::exception&) // reaches nobody, and what could not be released must not be closed over
@@ -259,6 +260,13 @@ void DataStream::KillWait()
     WithDevice([&] { NewBufferEvents().KillWait(); });
 }
 
+// Either the events are there by now, or the one who makes them sees that waits have ended.
+void DataStream::EndWaits() noexcept
+{
+    haveWaitsEnded = true;
+    if (newBufferEventsOnce.IsDone()) newBufferEvents->EndWaits();
+}
+
 void DataStream::FlushPendingKillWaits()
 {
     WithDevice([&] {
@@ -275,6 +283,7 @@ void DataStream::FlushPendingKillWaits()
 EventController& DataStream::NewBufferEvents()
 {
     newBufferEventsOnce.Run([this] { newBufferEvents = EnableEvents(EVENT_NEW_BUFFER); });
+    if (haveWaitsEnded) newBufferEvents->EndWaits();
     return *newBufferEvents;
 }
 

@@ -11,6 +11,7 @@
 #include "gentl/info_accessor.h"
 #include "modules/event_supporting_module.h"
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -67,6 +68,8 @@ public:
     // object, which nobody else holds.
     std::shared_ptr<Buffer> WaitForFinishedBuffer(std::uint64_t timeout_ms);
     void KillWait();
+    // Ends the waits that are inside, as kills do; from now on there is none any more.
+    void EndWaits() noexcept override;
     // Needs a start, wait or kill before; throws InternalErrorException otherwise.
     void FlushPendingKillWaits();
 
@@ -102,6 +105,7 @@ private:
 
     Once newBufferEventsOnce;
     std::shared_ptr<EventController> newBufferEvents;
+    std::atomic<bool> haveWaitsEnded{false};
 
     std::mutex buffersLock; // guards the two below; never held during a call of the producer or a callback
     std::vector<std::shared_ptr<Buffer>> buffers; // in the order of announcement

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "base/checked_mutex.h"
+#include "base/ended_objects.h"
 
 #include <functional>
 #include <memory>
@@ -20,13 +21,22 @@ class TCallbackManager
 {
 public:
     using Function = std::function<void(Arguments...)>;
-    // Address of the stored copy: unique while it is registered.
+    // Address of the stored copy: unique while it is registered, and for a while afterwards.
     using Handle = const void*;
+
+    TCallbackManager() = default;
+    TCallbackManager(const TCallbackManager&) = delete;
+    TCallbackManager& operator=(const TCallbackManager&) = delete;
+    ~TCallbackManager()
+    {
+        for (auto& [handle, function] : callbacks)
+            EndCallback(std::move(function));
+    }
 
     // An empty function is stored all the same; the round that meets it ends with std::bad_function_call.
     Handle RegisterCallback(Function function)
     {
-        auto stored = std::make_unique<Function>(std::move(function));
+        auto stored = std::make_shared<Function>(std::move(function));
         const Handle handle = stored.get();
         const std::lock_guard lock(mutex);
         callbacks.emplace(handle, std::move(stored));
@@ -36,12 +46,7 @@ public:
     // An unknown handle is ignored.
     void UnregisterCallback(Handle handle)
     {
-        std::unique_ptr<Function> removed; // freed after the lock
-        const std::lock_guard lock(mutex);
-        const auto found = callbacks.find(handle);
-        if (found == callbacks.end()) return;
-        removed = std::move(found->second);
-        callbacks.erase(found);
+        if (auto removed = Take(handle)) EndCallback(std::move(removed));
     }
 
     // Calls every function, in no defined order, on this thread. An exception ends the round.
@@ -64,8 +69,18 @@ public:
     }
 
 private:
+    std::shared_ptr<Function> Take(Handle handle)
+    {
+        const std::lock_guard lock(mutex);
+        const auto found = callbacks.find(handle);
+        if (found == callbacks.end()) return nullptr;
+        auto taken = std::move(found->second);
+        callbacks.erase(found);
+        return taken;
+    }
+
     CheckedMutex mutex;
-    std::unordered_map<Handle, std::unique_ptr<Function>> callbacks;
+    std::unordered_map<Handle, std::shared_ptr<Function>> callbacks;
 };
 
 } // namespace koro::internal

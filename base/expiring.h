@@ -1,19 +1,27 @@
 // LockOrThrow: the way from a child to its parent.
 #pragma once
 
+#include "base/ending_scope.h"
 #include "base/exceptions.h"
+#include "base/instance.h"
 
 #include <memory>
+#include <type_traits>
 
 namespace koro::internal
 {
 
-// A strong reference for the length of an operation. Throws InternalErrorException when the parent has gone.
+// A strong reference for the length of an operation. Throws InternalErrorException when the parent has gone, or has
+// been ended and lives for the calls that are inside only.
 template <class T>
 std::shared_ptr<T> LockOrThrow(const std::weak_ptr<T>& parent, const char* text = "Pointer has expired!")
 {
     auto locked = parent.lock();
     if (!locked) throw InternalErrorException(text);
+    if constexpr (std::is_base_of_v<Instance, T>)
+    {
+        if (locked->HasEnded() && !IsInEndingScope()) throw InternalErrorException(text);
+    }
     return locked;
 }
 

@@ -1,9 +1,24 @@
 #include "base/instance.h"
 
+#include "base/exceptions.h"
+#include "base/hold.h"
+
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace koro::internal
 {
+
+namespace
+{
+
+void Prune(std::vector<std::weak_ptr<Hold>>& holds)
+{
+    std::erase_if(holds, [](const auto& hold) { return hold.expired(); });
+}
+
+} // namespace
 
 Instance::~Instance()
 {
@@ -21,26 +36,74 @@ Instance::DestructionCallbackID Instance::AddDestructionCallback(DestructionCall
 
 void Instance::RemoveDestructionCallback(DestructionCallbackID id)
 {
-    Take(id);
+    decltype(destructionCallbacks)::node_type removed; // freed after the lock
+    const std::lock_guard lock(destructionMutex);
+    removed = destructionCallbacks.extract(id);
 }
 
-void Instance::RunDestructionCallback(DestructionCallbackID id)
-{
-    if (const auto callback = Take(id)) (*callback)();
-}
-
-// Empty for an unknown id. To be run or freed outside the lock.
-std::unique_ptr<Instance::DestructionCallback> Instance::Take(DestructionCallbackID id)
+void Instance::AddHold(const std::shared_ptr<Hold>& hold)
 {
     const std::lock_guard lock(destructionMutex);
-    const auto found = destructionCallbacks.find(id);
-    if (found == destructionCallbacks.end()) return nullptr;
-    auto callback = std::move(found->second);
-    destructionCallbacks.erase(found);
-    return callback;
+    Prune(ownHolds);
+    ownHolds.push_back(hold);
+}
+
+Instance::Holds Instance::OwnHolds() const
+{
+    const std::lock_guard lock(destructionMutex);
+    return Living(ownHolds);
+}
+
+// Pruned whenever the list has doubled, so that a child costs the same however many came before it.
+void Instance::AddHoldBelow(const std::shared_ptr<Hold>& hold)
+{
+    const std::lock_guard lock(destructionMutex);
+    if (hasEnded) throw InternalErrorException("Pointer has expired!");
+    if (holdsBelow.size() >= numHoldsToPrune)
+    {
+        Prune(holdsBelow);
+        numHoldsToPrune = std::max<std::size_t>(16, 2 * holdsBelow.size());
+    }
+    holdsBelow.push_back(hold);
+}
+
+Instance::Holds Instance::HoldsBelow() const
+{
+    const std::lock_guard lock(destructionMutex);
+    return Living(holdsBelow);
+}
+
+void Instance::MarkEnded()
+{
+    const std::lock_guard lock(destructionMutex);
+    hasEnded = true;
+}
+
+void Instance::KeepUntilItsEnd(Holds ended)
+{
+    const std::lock_guard lock(destructionMutex);
+    holdsBelow.clear();
+    endedBelow.insert(endedBelow.end(), std::make_move_iterator(ended.begin()), std::make_move_iterator(ended.end()));
+}
+
+Instance::Holds Instance::Living(const WeakHolds& holds)
+{
+    Holds living;
+    living.reserve(holds.size());
+    for (const auto& hold : holds)
+    {
+        if (auto one = hold.lock()) living.push_back(std::move(one));
+    }
+    return living;
 }
 
 void Instance::RunDestructionCallbacks()
+{
+    RunStoredCallbacks();
+    EndHoldsBelow();
+}
+
+void Instance::RunStoredCallbacks()
 {
     decltype(destructionCallbacks) callbacks;
     {
@@ -50,6 +113,22 @@ void Instance::RunDestructionCallbacks()
     for (const auto& [id, callback] : callbacks)
     {
         (*callback)();
+    }
+}
+
+void Instance::EndHoldsBelow()
+{
+    Holds ended;
+    {
+        const std::lock_guard lock(destructionMutex);
+        ended = std::exchange(endedBelow, {});
+        for (auto& hold : Living(std::exchange(holdsBelow, {})))
+            ended.push_back(std::move(hold));
+    }
+    for (auto& hold : ended)
+    {
+        hold->RemoveEntry();
+        hold.reset();
     }
 }
 

@@ -1,50 +1,81 @@
 // Instance: common base of everything that an application can hold a handle for.
 //
-// It carries the destruction callbacks by which the handle tables tie a child's entry to its parent object.
-// Any thread may add and remove callbacks.
+// It carries the destruction callbacks, and the links between handles: the holds of its own handles, and those of the
+// handles that end with it. Any thread.
 #pragma once
 
+#include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <vector>
 
 namespace koro::internal
 {
+
+class Hold;
 
 class Instance
 {
 public:
     using DestructionCallback = std::function<void()>;
     using DestructionCallbackID = std::uint64_t;
+    using Holds = std::vector<std::shared_ptr<Hold>>;
 
     Instance() = default;
     Instance(const Instance&) = delete;
     Instance& operator=(const Instance&) = delete;
 
-    // Runs the callbacks that are left. An empty one among them ends the process with std::bad_function_call,
-    // as any exception out of a destructor does.
+    // Runs the callbacks that are left; then the entries of the handles below go. An empty callback ends the process
+    // with std::bad_function_call, as any exception out of a destructor does.
     virtual ~Instance();
 
     // Returns the address of the stored callable, unique while it is stored.
     DestructionCallbackID AddDestructionCallback(DestructionCallback callback);
     // An unknown id is ignored.
     void RemoveDestructionCallback(DestructionCallbackID id);
-    // Runs one before its time, and once. An unknown id is ignored.
-    void RunDestructionCallback(DestructionCallbackID id);
+
+    // The handles of this object, and of those below it. The lists forget by themselves what has ended.
+    void AddHold(const std::shared_ptr<Hold>& hold);
+    Holds OwnHolds() const;
+    // Throws InternalErrorException when the object has been ended.
+    void AddHoldBelow(const std::shared_ptr<Hold>& hold);
+    Holds HoldsBelow() const;
+    // From now on the object counts as gone for what is below it, and no handle comes below it; it may live on for the
+    // calls that are inside.
+    void MarkEnded();
+    bool HasEnded() const noexcept { return hasEnded; }
+    // To be dropped, in their order, when the entries of the handles below go: all that is below by now.
+    void KeepUntilItsEnd(Holds ended);
+
+    // What comes before the end of an object, or of one above it; see capi/closing.h. The first throws the standard
+    // deadlock error on a thread that the third would wait for.
+    virtual void RefuseEndInCallback() const {}
+    virtual void EndWaits() noexcept {}
+    virtual void EndThreads() {}
 
 protected:
     // For the class whose children's entries have to go before its own close call.
     void RunDestructionCallbacks();
 
 private:
-    std::unique_ptr<DestructionCallback> Take(DestructionCallbackID id);
+    using WeakHolds = std::vector<std::weak_ptr<Hold>>;
+    static Holds Living(const WeakHolds& holds);
+    void RunStoredCallbacks();
+    void EndHoldsBelow();
 
     // Never held while a callback runs: callbacks take the locks of the handle tables, and the tables take this
     // one while they hold theirs.
-    std::mutex destructionMutex;
+    mutable std::mutex destructionMutex;
     std::map<DestructionCallbackID, std::unique_ptr<DestructionCallback>> destructionCallbacks;
+    WeakHolds ownHolds;
+    WeakHolds holdsBelow;
+    std::size_t numHoldsToPrune = 16; // of those below
+    Holds endedBelow;
+    std::atomic<bool> hasEnded{false};
 };
 
 } // namespace koro::internal

@@ -17,14 +17,15 @@ public:
     template <class Step>
     void Run(Step&& step)
     {
-        if (done.load(std::memory_order_acquire)) return;
+        if (done) return;
         const std::lock_guard lock(mutex);
-        if (done.load(std::memory_order_relaxed)) return;
+        if (done) return;
         step();
-        done.store(true, std::memory_order_release);
+        done = true;
     }
 
-    bool IsDone() const { return done.load(std::memory_order_acquire); }
+    // In one order with all else that is sequentially consistent.
+    bool IsDone() const { return done; }
 
 private:
     std::mutex mutex;

@@ -1,5 +1,8 @@
 #include "base/periodic_timer.h"
 
+#include "base/exceptions.h"
+#include "base/own_threads.h"
+
 namespace koro::internal
 {
 
@@ -7,16 +10,24 @@ using std::chrono::milliseconds;
 
 PeriodicTimer::~PeriodicTimer()
 {
-    StopUnless([] { return false; });
+    End();
 }
 
 void PeriodicTimer::Start()
 {
     const std::lock_guard lock(startMutex);
     if (started) return;
+    if (hasEnded) throw InternalErrorException("Pointer has expired!");
     started = true;
     keepRunning = true;
     thread = std::thread([this] { Run(); });
+}
+
+void PeriodicTimer::End()
+{
+    const std::lock_guard lock(startMutex);
+    hasEnded = true;
+    if (started) Join();
 }
 
 void PeriodicTimer::Join()
@@ -28,10 +39,11 @@ void PeriodicTimer::Join()
 
 void PeriodicTimer::Run()
 {
+    const OwnThread ownThread;
     while (keepRunning)
     {
         WaitForInterval();
-        if (keepRunning) tickCallbacks.TriggerCallback();
+        if (keepRunning) tick();
     }
 }
 

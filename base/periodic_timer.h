@@ -1,16 +1,16 @@
-// PeriodicTimer: calls its tick functions at an interval, on a thread of its own that lives from Start() to Stop().
+// PeriodicTimer: calls its tick function at an interval, on a thread of its own that lives from Start() to a stop.
 //
 // A stop takes effect within 50 ms and the length of a tick; a new interval counts for the wait that is running. Any
-// thread, but Stop() and the end of the timer never on the timer's own.
+// thread, but stopping and the end of the timer never on the timer's own.
 #pragma once
-
-#include "base/callback_registry.h"
 
 #include <atomic>
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <mutex>
 #include <thread>
+#include <utility>
 
 namespace koro::internal
 {
@@ -18,20 +18,18 @@ namespace koro::internal
 class PeriodicTimer
 {
 public:
-    PeriodicTimer() = default;
+    // The tick must not throw.
+    explicit PeriodicTimer(std::function<void()> tickFunction) : tick(std::move(tickFunction)) {}
     PeriodicTimer(const PeriodicTimer&) = delete;
     PeriodicTimer& operator=(const PeriodicTimer&) = delete;
     ~PeriodicTimer();
-
-    // Tick functions run one after the other and must not throw.
-    TCallbackManager<>& TickCallbacks() noexcept { return tickCallbacks; }
 
     std::uint64_t Interval_ms() const noexcept { return interval_ms; }
     // 0 makes a loop without a pause.
     void SetInterval_ms(std::uint64_t value) noexcept { interval_ms = value; }
 
     // Nothing when it runs. Throws std::system_error when there is no thread to be had; the timer counts as started
-    // all the same.
+    // all the same. Throws InternalErrorException after End().
     void Start();
     // Waits for the thread unless `keep` answers true; nothing when the timer is idle. Starts wait meanwhile.
     template <class Predicate>
@@ -40,6 +38,8 @@ public:
         const std::lock_guard lock(startMutex);
         if (started && !keep()) Join();
     }
+    // Waits for the thread. There is none any more afterwards.
+    void End();
     bool IsStarted() const noexcept { return started; }
 
 private:
@@ -49,12 +49,13 @@ private:
     void WaitForInterval() const;
     void Join();
 
-    TCallbackManager<> tickCallbacks;
+    const std::function<void()> tick;
     std::thread thread;
     std::atomic<bool> started{false};
     std::atomic<bool> keepRunning{false};
     std::atomic<std::uint64_t> interval_ms{1000};
     std::mutex startMutex; // from idle to running and back is one step
+    bool hasEnded = false; // guarded by startMutex
 };
 
 } // namespace koro::internal

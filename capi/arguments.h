@@ -4,6 +4,7 @@
 #pragma once
 
 #include "capi/call_frame.h"
+#include "capi/closing.h"
 #include "capi/handle_tables.h"
 #include "capi/output.h"
 
@@ -11,6 +12,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 
 // Pairs a parameter with its spelling, so that a message cannot drift from the signature.
 #define KORO_ARG(parameter) ::koro::internal::Named(parameter, #parameter)
@@ -54,14 +56,15 @@ inline std::string TextArgument(const char* text, std::size_t size)
     return {text, size > 0 ? size - 1 : 0};
 }
 
-// Runs `body` with the handle's object, which lives until the body is done whatever other threads do.
+// Runs `body` with the handle's object, which lives until the body is done whatever other threads do. If it has ended
+// meanwhile it closes here, and after it what is above it.
 template <class Handle, class Body>
 KORO_ReturnCode WithObject(const NamedArgument<Handle>& handle, Body&& body)
 {
     return ExecuteAndMapExceptions([&]() -> KORO_ReturnCode {
-        const auto object = Find(handle.value);
-        if (!object) return InvalidHandle(handle);
-        return body(object);
+        const auto held = Find(handle.value);
+        if (!held) return InvalidHandle(handle);
+        return body(held->Get());
     });
 }
 
@@ -163,31 +166,14 @@ KORO_ReturnCode CastTo(
     });
 }
 
-// Removes the entries of the object's base kinds, if it was ever cast.
-template <class Object>
-void RemoveBaseEntries(const std::shared_ptr<Object>& object)
-{
-    Table<Module>().Remove(HandleFor<Module>(object));
-    Table<EventSupportingModule>().Remove(HandleFor<EventSupportingModule>(object));
-}
-
-// Ends a handle of a kind without bases. The object ends when its last use does.
+// Ends the object of a handle, with what it was cast to and all that is below it.
 template <class Handle>
 KORO_ReturnCode Destruct(const NamedArgument<Handle>& handle)
 {
-    return WithObject(handle, [&](const auto&) {
-        Remove(handle.value);
-        return success;
-    });
-}
-
-// Ends a handle of a module, and what it was cast to.
-template <class Handle>
-KORO_ReturnCode DestructModule(const NamedArgument<Handle>& handle)
-{
-    return WithObject(handle, [&](const auto& object) {
-        RemoveBaseEntries(object);
-        Remove(handle.value);
+    return ExecuteAndMapExceptions([&]() -> KORO_ReturnCode {
+        auto held = Find(handle.value);
+        if (!held) return InvalidHandle(handle);
+        EndObject(std::move(held));
         return success;
     });
 }

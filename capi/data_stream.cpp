@@ -21,7 +21,7 @@ KORO_ReturnCode WithStreamAndBuffer(
     return WithObject(streamHandle, [&](const auto& stream) {
         const auto buffer = Find(bufferHandle.value);
         if (!buffer) return InvalidHandle(bufferHandle);
-        operation(*stream, buffer);
+        operation(*stream, buffer->Get());
         return success;
     });
 }
@@ -44,7 +44,7 @@ KORO_BufferHandle EnterAnnounced(const std::shared_ptr<DataStream>& stream, cons
 
 KORO_ReturnCode KORO_DataStream_Destruct(KORO_DataStreamHandle dataStreamHandle)
 {
-    return DestructModule(KORO_ARG(dataStreamHandle));
+    return Destruct(KORO_ARG(dataStreamHandle));
 }
 
 KORO_ReturnCode KORO_DataStream_AnnounceBuffer(
@@ -84,8 +84,7 @@ KORO_ReturnCode KORO_DataStream_RevokeBuffer(KORO_DataStreamHandle dataStreamHan
         KORO_ARG(dataStreamHandle), KORO_ARG(bufferHandle),
         [&](DataStream& stream, const std::shared_ptr<Buffer>& buffer) {
             stream.RevokeBuffer(buffer); // when the producer refuses, the handle stays valid
-            RemoveBaseEntries(buffer);
-            Remove(bufferHandle);
+            if (auto held = Find(bufferHandle)) EndObject(std::move(held));
         });
 }
 

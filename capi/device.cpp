@@ -8,28 +8,9 @@
 
 using namespace koro::internal;
 
-namespace
-{
-
-// The remote device's entries hang on the interface, so they go here and not with the device.
-void RemoveRemoteDeviceEntries(Device& device)
-{
-    const auto remoteDevice = device.FetchedRemoteDevice();
-    if (!remoteDevice) return;
-    Remove(HandleFor<Module>(remoteDevice));
-    Remove(HandleFor<RemoteDevice>(remoteDevice));
-}
-
-} // namespace
-
 KORO_ReturnCode KORO_Device_Destruct(KORO_DeviceHandle deviceHandle)
 {
-    return WithObject(KORO_ARG(deviceHandle), [&](const auto& device) {
-        RemoveRemoteDeviceEntries(*device);
-        RemoveBaseEntries(device);
-        Remove(deviceHandle);
-        return success;
-    });
+    return Destruct(KORO_ARG(deviceHandle));
 }
 
 KORO_ReturnCode KORO_Device_GetKey(KORO_DeviceHandle deviceHandle, char* key, size_t* keySize)
@@ -115,8 +96,7 @@ KORO_ReturnCode KORO_Device_GetDataStream(
 KORO_ReturnCode KORO_Device_GetRemoteDevice(KORO_DeviceHandle deviceHandle, KORO_RemoteDeviceHandle* remoteDeviceHandle)
 {
     return GetHandle(KORO_ARG(deviceHandle), KORO_ARG(remoteDeviceHandle), [](const auto& device) {
-        const auto interface = device->ParentInterface();
-        return Table<RemoteDevice>().Add(device->GetRemoteDevice(), interface);
+        return Table<RemoteDevice>().Add(device->GetRemoteDevice(), device);
     });
 }
 

@@ -54,7 +54,7 @@ KORO_ReturnCode KORO_EnumerationNode_SetCurrentEntry(
     return WithObject(KORO_ARG(enumerationNodeHandle), [&](const auto& node) {
         const auto entry = Find(enumerationEntryNodeHandle);
         if (!entry) return InvalidHandle(KORO_ARG(enumerationEntryNodeHandle));
-        node->SetCurrentEntry(entry);
+        node->SetCurrentEntry(entry->Get());
         return success;
     });
 }

@@ -53,13 +53,14 @@ KORO_ReturnCode KORO_FileAdapter_Construct(
         }
 
         const std::string name = TextArgument(fileName, fileNameSize);
-        if (!FileAdapter::HasFile(*nodeMap, name))
+        if (!FileAdapter::HasFile(*nodeMap->Get(), name))
         {
             return RecordLastError(
                 KORO_RETURN_CODE_NOT_AVAILABLE,
                 "'FileSelector' node or it's entry with the given fileName is not available!");
         }
-        *fileAdapterHandle = Table<FileAdapter>().Add(std::make_shared<FileAdapter>(nodeMap, name));
+        *fileAdapterHandle =
+            Table<FileAdapter>().AddBeside(std::make_shared<FileAdapter>(nodeMap->Get(), name), nodeMap->Get());
         return success;
     });
 }

@@ -49,7 +49,7 @@ KORO_ReturnCode KORO_FirmwareUpdater_CollectFirmwareUpdateInformation(
         const auto descriptor = Find(deviceDescriptorHandle);
         if (!descriptor) return InvalidHandle(KORO_ARG(deviceDescriptorHandle));
         if (!updateFilePath) return InvalidPointer(KORO_ARG(updateFilePath));
-        updater->CollectFirmwareUpdateInformation(TextArgument(updateFilePath, updateFilePathSize), descriptor);
+        updater->CollectFirmwareUpdateInformation(TextArgument(updateFilePath, updateFilePathSize), descriptor->Get());
         return success;
     });
 }
@@ -98,7 +98,9 @@ KORO_ReturnCode KORO_FirmwareUpdater_UpdateDeviceWithResetTimeout(
         if (firmwareUpdateProgressObserverHandle && !observer)
             return InvalidHandle(KORO_ARG(firmwareUpdateProgressObserverHandle));
 
-        updater->UpdateDevice(descriptor, information, observer, resetTimeout_ms);
+        const EndingScope scope; // the end of a parent is no end of the update
+        updater->UpdateDevice(
+            descriptor->Get(), information->Get(), observer ? observer->Get() : nullptr, resetTimeout_ms);
         return success;
     });
 }

@@ -1,13 +1,17 @@
-// HandleTable: the handles of one kind, each with a strong reference to its object.
+// HandleTable: the handles of one kind, each with a hold of its object.
 //
-// The entry is what keeps an object alive on behalf of the application. An entry with a parent ends with the parent
-// object. Any thread. Sharded, so that threads with different objects rarely meet; no reference is dropped and
-// no destruction callback runs under a shard's mutex.
+// The entry is what keeps an object alive on behalf of the application; a call that comes by it shares its hold. An
+// entry with a parent ends with the parent object. Any thread. Sharded, so that threads with different objects rarely
+// meet; no hold is dropped under a shard's mutex. The address of an object whose entry has gone stays out of use for a
+// while: see base/ended_objects.h.
 //
-// Lock order: a shard's mutex, then the destruction mutex of an Instance.
+// Lock order: a shard's mutex, then that of an Instance.
 #pragma once
 
+#include "base/ended_objects.h"
+#include "base/ending_scope.h"
 #include "base/exceptions.h"
+#include "base/hold.h"
 #include "base/instance.h"
 #include "capi/handle_kinds.h"
 
@@ -48,30 +52,78 @@ class HandleTable
 public:
     using Handle = HandleOf<T>;
 
+    // What an entry and the calls that come by it share.
+    class Held final : public Hold, public std::enable_shared_from_this<Held>
+    {
+    public:
+        Held(
+            HandleTable& entryTable, std::shared_ptr<T> heldObject, std::weak_ptr<Hold> holdOfParent,
+            bool hasEntryOfItsOwn)
+            : table(entryTable), heldAbove(std::move(holdOfParent)), outlivesParent(hasEntryOfItsOwn),
+              object(std::move(heldObject))
+        {}
+        ~Held() override
+        {
+            const std::weak_ptr<const void> shell = object;
+            const void* const address = object.get();
+            object.reset();
+            table.endedObjects.Add(shell, address, sizeof(T));
+        }
+
+        const std::shared_ptr<T>& Get() const noexcept { return object; }
+
+        Instance& Object() const override { return *object; }
+        std::shared_ptr<Hold> HoldAbove() const override { return heldAbove.lock(); }
+        bool HideEntry() override { return table.HideEntryOf(*this); }
+        bool HideEntryWithParent() override
+        {
+            return outlivesParent ? table.RenewEntryOf(*this) : table.HideEntryOf(*this);
+        }
+        void RemoveEntry() override
+        {
+            table.RemoveIf(Key(HandleFor(object)), [this](const auto& held) { return held.get() == this; });
+        }
+
+    private:
+        HandleTable& table;
+        const std::weak_ptr<Hold> heldAbove;
+        const bool outlivesParent;
+        std::shared_ptr<T> object; // constant to the end
+    };
+
     // Enters an object without a parent. An entry that exists stays, with its reference.
     Handle Add(const std::shared_ptr<T>& object)
     {
-        Insert(object, [] { return Instance::DestructionCallbackID{0}; });
+        Insert(object, nullptr, true);
         return HandleFor(object);
     }
 
-    // Enters an object whose entry ends with `parent`. `isNew` tells whether there was no entry before.
-    template <class Parent>
-    Handle Add(const std::shared_ptr<T>& object, const std::shared_ptr<Parent>& parent, bool* isNew = nullptr)
+    // The same for an object whose calls use `parent`, which the entry outlives: the end of that finds those inside.
+    Handle AddBeside(const std::shared_ptr<T>& object, const std::shared_ptr<Instance>& parent)
     {
-        const bool inserted = Insert(object, [&] { return TieToParent(object, parent); });
+        Insert(object, parent.get(), true);
+        return HandleFor(object);
+    }
+
+    // Enters an object whose entry ends with `parent`. `isNew` tells whether there was no entry before. Throws
+    // InternalErrorException when the parent has been ended.
+    Handle Add(const std::shared_ptr<T>& object, const std::shared_ptr<Instance>& parent, bool* isNew = nullptr)
+    {
+        const bool inserted = Insert(object, parent.get(), false);
         if (isNew) *isNew = inserted;
         return HandleFor(object);
     }
 
-    // Empty when there is no entry.
-    std::shared_ptr<T> Find(Handle handle) const
+    // Empty when there is no entry. The object lives, and nothing above it is closed, as long as the hold does.
+    std::shared_ptr<Held> Find(Handle handle) const
     {
         const Key key(handle);
         auto& shard = ShardOf(key);
         const std::lock_guard lock(shard.mutex);
         const auto entry = shard.entries.find(key);
-        return entry == shard.entries.end() ? nullptr : entry->second.object;
+        if (entry == shard.entries.end()) return nullptr;
+        if (entry->second.isHidden && !IsInEndingScope()) return nullptr;
+        return entry->second.held;
     }
 
     void Remove(Handle handle)
@@ -82,8 +134,8 @@ public:
     // Removes the entry of this object, and not that of another one that came to lie at the same address.
     void RemoveEntryOf(Handle handle, const std::weak_ptr<T>& object)
     {
-        RemoveIf(Key(handle), [&](const std::shared_ptr<T>& held) {
-            return !held.owner_before(object) && !object.owner_before(held);
+        RemoveIf(Key(handle), [&](const auto& held) {
+            return !held->Get().owner_before(object) && !object.owner_before(held->Get());
         });
     }
 
@@ -94,25 +146,22 @@ public:
         return std::any_of(shards.begin(), shards.end(), [&](Shard& shard) {
             const std::lock_guard lock(shard.mutex);
             return std::any_of(shard.entries.begin(), shard.entries.end(), [&](const auto& entry) {
-                return predicate(*entry.second.object);
+                return predicate(*entry.second.held->Get());
             });
         });
     }
 
-    // References to the objects that the predicate picks; it is asked under the mutex, as above.
-    template <class Predicate>
-    std::vector<std::shared_ptr<T>> Select(Predicate&& predicate) const
+    // The holds of all entries.
+    Instance::Holds All() const
     {
-        std::vector<std::shared_ptr<T>> selected;
+        Instance::Holds all;
         for (auto& shard : shards)
         {
             const std::lock_guard lock(shard.mutex);
             for (const auto& [key, entry] : shard.entries)
-            {
-                if (predicate(*entry.object)) selected.push_back(entry.object);
-            }
+                all.push_back(entry.held);
         }
-        return selected;
+        return all;
     }
 
     // Admits entries; a table is open from the start.
@@ -157,8 +206,8 @@ private:
 
     struct Entry
     {
-        std::shared_ptr<T> object;
-        Instance::DestructionCallbackID untie; // at the object; 0 without a parent
+        std::shared_ptr<Held> held;
+        bool isHidden = false;
     };
     using Entries = std::unordered_map<Key, Entry, KeyHash>;
 
@@ -173,49 +222,53 @@ private:
 
     Shard& ShardOf(const Key& key) const noexcept { return shards[key.hash >> (64 - shardBits)]; }
 
-    // `tie` runs under the mutex, for a new entry alone; when it fails the entry is taken out again.
-    template <class Tie>
-    bool Insert(const std::shared_ptr<T>& object, Tie&& tie)
+    bool Insert(const std::shared_ptr<T>& object, Instance* parent, bool outlivesParent)
     {
+        const auto above = parent ? parent->OwnHolds() : Instance::Holds();
+        const auto held =
+            std::make_shared<Held>(*this, object, above.empty() ? nullptr : above.front(), outlivesParent);
         const Key key(HandleFor(object));
         auto& shard = ShardOf(key);
         const std::lock_guard lock(shard.mutex);
         if (!shard.isOpen) throw NotInitializedException("The library has been closed meanwhile!");
-        const auto [entry, inserted] = shard.entries.try_emplace(key, Entry{object, 0});
+        const auto [entry, inserted] = shard.entries.try_emplace(key, Entry{held});
         if (!inserted) return false;
         try
         {
-            entry->second.untie = tie();
+            object->AddHold(held);
+            if (parent) parent->AddHoldBelow(held);
         }
         catch (...)
         {
-            shard.entries.erase(entry); // no end of the object: the caller holds it
+            shard.entries.erase(entry); // `held` goes after the lock
             throw;
         }
         return true;
     }
 
-    // The parent's end removes the entry, and the child's end takes back this arrangement. Neither link holds the
-    // other object strongly. Gives the child's callback.
-    template <class Parent>
-    Instance::DestructionCallbackID TieToParent(const std::shared_ptr<T>& object, const std::shared_ptr<Parent>& parent)
+    bool HideEntryOf(const Held& held)
     {
-        const auto id =
-            parent->AddDestructionCallback([this, handle = HandleFor(object), weakObject = std::weak_ptr<T>(object)] {
-                RemoveEntryOf(handle, weakObject);
-            });
-        const auto untie = [weakParent = std::weak_ptr<Parent>(parent), id] {
-            if (const auto livingParent = weakParent.lock()) livingParent->RemoveDestructionCallback(id);
-        };
-        try
-        {
-            return object->AddDestructionCallback(untie);
-        }
-        catch (...)
-        {
-            parent->RemoveDestructionCallback(id);
-            throw;
-        }
+        const Key key(HandleFor(held.Get()));
+        auto& shard = ShardOf(key);
+        const std::lock_guard lock(shard.mutex);
+        const auto entry = shard.entries.find(key);
+        if (entry == shard.entries.end() || entry->second.held.get() != &held) return true;
+        entry->second.isHidden = true;
+        return entry->second.held.use_count() > 2;
+    }
+
+    // The entry gets a hold for the calls to come, which find the parent gone; this one is left to those inside.
+    bool RenewEntryOf(const Held& held)
+    {
+        const auto renewed = std::make_shared<Held>(*this, held.Get(), std::weak_ptr<Hold>(), true);
+        const Key key(HandleFor(held.Get()));
+        auto& shard = ShardOf(key);
+        const std::lock_guard lock(shard.mutex);
+        const auto entry = shard.entries.find(key);
+        if (entry == shard.entries.end() || entry->second.held.get() != &held) return true;
+        held.Get()->AddHold(renewed);
+        entry->second.held = renewed; // the caller has a reference to the former one
+        return held.weak_from_this().use_count() > 1;
     }
 
     template <class Condition>
@@ -223,17 +276,13 @@ private:
     {
         auto& shard = ShardOf(key);
         typename Entries::node_type removed; // dropped after the lock
-        {
-            const std::lock_guard lock(shard.mutex);
-            const auto entry = shard.entries.find(key);
-            if (entry == shard.entries.end() || !condition(entry->second.object)) return;
-            removed = shard.entries.extract(entry);
-        }
-        // Not left to the end of the object, which may live on and be entered again any number of times.
-        const auto& [object, untie] = removed.mapped();
-        if (untie != 0) object->RunDestructionCallback(untie);
+        const std::lock_guard lock(shard.mutex);
+        const auto entry = shard.entries.find(key);
+        if (entry == shard.entries.end() || !condition(entry->second.held)) return;
+        removed = shard.entries.extract(entry);
     }
 
+    mutable EndedObjects endedObjects;
     mutable std::array<Shard, std::size_t{1} << shardBits> shards;
 };
 

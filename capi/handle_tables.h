@@ -21,6 +21,8 @@ public:
     }
 
     void Open();
+    // The holds of all producer libraries, and with them of all that has a parent.
+    Instance::Holds Roots();
     // Drops all references, one kind after the other.
     void Close();
 
@@ -46,9 +48,9 @@ HandleTable<T>& Table() noexcept
     return Tables().Table<T>();
 }
 
-// Empty when the handle is unknown, null included.
+// What a call has for its own length. Empty when the handle is unknown, null included.
 template <class Handle>
-std::shared_ptr<ClassOf<Handle>> Find(Handle handle)
+auto Find(Handle handle)
 {
     return Table<ClassOf<Handle>>().Find(handle);
 }

@@ -14,14 +14,7 @@ static_assert(offsetof(KORO_DEVICE_RECONNECT_INFORMATION, reconnectValue) == 8);
 
 KORO_ReturnCode KORO_Interface_Destruct(KORO_InterfaceHandle interfaceHandle)
 {
-    return WithObject(KORO_ARG(interfaceHandle), [&](const auto& interface) {
-        // First, so that no callback runs any more when this has returned. A callback that tries gets the deadlock
-        // error, and its handle stays.
-        interface->EndConnectionChanges();
-        RemoveBaseEntries(interface);
-        Remove(interfaceHandle);
-        return success;
-    });
+    return Destruct(KORO_ARG(interfaceHandle));
 }
 
 KORO_ReturnCode KORO_Interface_GetKey(KORO_InterfaceHandle interfaceHandle, char* key, size_t* keySize)

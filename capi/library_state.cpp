@@ -1,9 +1,10 @@
 #include "capi/library_state.h"
 
 #include "base/checked_mutex.h"
+#include "base/ended_objects.h"
+#include "base/own_threads.h"
+#include "capi/closing.h"
 #include "capi/handle_tables.h"
-#include "modules/connection_change_event_listener.h"
-#include "modules/system.h"
 
 #include <atomic>
 #include <cstdint>
@@ -32,7 +33,9 @@ struct UnloadGuard
 {
     ~UnloadGuard()
     {
-        if (!IsLibraryInitialized()) delete std::exchange(tables, nullptr); // an exit handler may start anew
+        if (IsLibraryInitialized()) return;
+        delete std::exchange(tables, nullptr); // an exit handler may start anew
+        FreeEndedCallbacks();
     }
 } unloadGuard;
 
@@ -44,10 +47,10 @@ struct Ending
     Ending& operator=(const Ending&) = delete;
 };
 
-// A callback of a producer's own reports must not wait for an end that waits for it.
+// A callback on a thread of the library's own must not wait for an end that waits for that thread.
 std::unique_lock<CheckedMutex> LockState()
 {
-    if (!ConnectionChangeEventListener::IsOnAThreadOfOne()) return std::unique_lock(stateMutex);
+    if (!IsOnOwnThread()) return std::unique_lock(stateMutex);
     std::unique_lock lock(stateMutex, std::defer_lock);
     while (!lock.try_lock())
     {
@@ -88,9 +91,10 @@ void CloseLibrary()
     const Ending ending;
     // While callbacks that are running may still call exports. One that comes here itself gets the deadlock error, and
     // the library stays.
-    System::StopConnectionChanges(tables->Table<System>().Select([](const System&) { return true; }));
+    EndActivity(tables->Roots());
     // Before the tables go: from here on the frame refuses new calls.
     initializations.store(0, std::memory_order_release);
+    const EndOfAll endOfAll(tables->Roots());
     tables->Close();
 }
 

@@ -20,7 +20,7 @@ KORO_ReturnCode WithMapAnd(
     return WithObject(nodeMapHandle, [&](const auto& nodeMap) {
         const auto object = Find(handle.value);
         if (!object) return InvalidHandle(handle);
-        return body(*nodeMap, object);
+        return body(*nodeMap, object->Get());
     });
 }
 
@@ -138,21 +138,22 @@ KORO_ReturnCode KORO_NodeMap_PollNodes(KORO_NodeMapHandle nodeMapHandle, int64_t
 
 KORO_ReturnCode KORO_NodeMap_Lock(KORO_NodeMapHandle nodeMapHandle)
 {
-    return Perform(KORO_ARG(nodeMapHandle), [](auto& nodeMap) { nodeMap.GenApiLock().Lock(); });
+    return Perform(KORO_ARG(nodeMapHandle), &NodeMap::LockForApplication);
 }
 
 KORO_ReturnCode KORO_NodeMap_Unlock(KORO_NodeMapHandle nodeMapHandle)
 {
-    return Perform(KORO_ARG(nodeMapHandle), [](auto& nodeMap) { nodeMap.GenApiLock().Unlock(); });
+    // A map may have ended while it was locked: the lock must not outlive it for those who wait inside.
+    if (!IsLibraryInitialized() || !Find(nodeMapHandle)) NodeMap::UnlockEnded(nodeMapHandle);
+    return Perform(KORO_ARG(nodeMapHandle), &NodeMap::UnlockForApplication);
 }
 
 // A lock that nobody is told of is given back.
 KORO_ReturnCode KORO_NodeMap_TryLock(KORO_NodeMapHandle nodeMapHandle, KORO_Bool8* locked)
 {
     return WithObject(KORO_ARG(nodeMapHandle), [&](const auto& nodeMap) {
-        auto& lock = nodeMap->GenApiLock();
-        const bool isTaken = lock.TryLock();
-        if (isTaken && !locked) lock.Unlock();
+        const bool isTaken = nodeMap->TryLockForApplication();
+        if (isTaken && !locked) nodeMap->UnlockForApplication();
         return CopyScalarOut(KORO_Bool8{isTaken}, locked, "locked");
     });
 }

@@ -26,13 +26,7 @@ KORO_ReturnCode KORO_ProducerLibrary_Construct(
 
 KORO_ReturnCode KORO_ProducerLibrary_Destruct(KORO_ProducerLibraryHandle producerLibraryHandle)
 {
-    return WithObject(KORO_ARG(producerLibraryHandle), [&](const auto& library) {
-        // As at the end of a system: no callback of its interfaces runs any more when this has returned.
-        System::StopConnectionChanges(
-            Table<System>().Select([&](const System& system) { return system.IsOf(library); }));
-        Remove(producerLibraryHandle);
-        return success;
-    });
+    return Destruct(KORO_ARG(producerLibraryHandle));
 }
 
 KORO_ReturnCode KORO_ProducerLibrary_GetKey(

@@ -12,10 +12,12 @@ using namespace koro::internal;
 namespace
 {
 
-// The entry ends with the interface, as that of the remote device itself does; both parents have to be there.
-std::shared_ptr<Interface> ParentOfLocalDevice(const RemoteDevice& remoteDevice)
+// Both parents have to be there.
+std::shared_ptr<Device> LocalDeviceWithParent(const RemoteDevice& remoteDevice)
 {
-    return remoteDevice.LocalDevice()->ParentInterface();
+    auto device = remoteDevice.LocalDevice();
+    device->ParentInterface();
+    return device;
 }
 
 } // namespace
@@ -28,5 +30,5 @@ KORO_ReturnCode KORO_RemoteDevice_GetLocalDevice(
 
 KORO_ReturnCode KORO_RemoteDevice_ToModule(KORO_RemoteDeviceHandle remoteDeviceHandle, KORO_ModuleHandle* moduleHandle)
 {
-    return CastTo(KORO_ARG(remoteDeviceHandle), KORO_ARG(moduleHandle), ParentOfLocalDevice);
+    return CastTo(KORO_ARG(remoteDeviceHandle), KORO_ARG(moduleHandle), LocalDeviceWithParent);
 }

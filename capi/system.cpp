@@ -9,14 +9,7 @@ using namespace koro::internal;
 
 KORO_ReturnCode KORO_System_Destruct(KORO_SystemHandle systemHandle)
 {
-    return WithObject(KORO_ARG(systemHandle), [&](const auto& system) {
-        // First, so that no callback of its interfaces runs any more when this has returned. A callback that tries gets
-        // the deadlock error, and its handle stays.
-        System::StopConnectionChanges({system});
-        RemoveBaseEntries(system);
-        Remove(systemHandle);
-        return success;
-    });
+    return Destruct(KORO_ARG(systemHandle));
 }
 
 KORO_ReturnCode KORO_System_GetKey(KORO_SystemHandle systemHandle, char* key, size_t* keySize)

@@ -49,6 +49,25 @@ std::size_t EventController::EventDataMaxSize() const
     return NumericInfo<std::size_t>(EVENT_INFO_DATA_SIZE_MAX, INFO_DATATYPE_SIZET);
 }
 
+// One thread inside the producer's wait. Throws AbortedException when waits have ended.
+class EventController::Waiter
+{
+public:
+    explicit Waiter(const EventController& waitedFor) : controller(waitedFor)
+    {
+        ++controller.numWaiters;
+        if (!controller.haveWaitsEnded) return;
+        --controller.numWaiters;
+        throw AbortedException("[Function: EventGetData | Error: the wait was ended by the end of its module]");
+    }
+    ~Waiter() { --controller.numWaiters; }
+    Waiter(const Waiter&) = delete;
+    Waiter& operator=(const Waiter&) = delete;
+
+private:
+    const EventController& controller;
+};
+
 std::shared_ptr<Event> EventController::WaitForEvent(std::uint64_t timeout_ms)
 {
     return WithStandardExceptionsAsInternalErrors([&] {
@@ -67,6 +86,7 @@ std::vector<std::uint8_t> EventController::WaitForBlock(std::uint64_t timeout_ms
         block.reserve(std::max<std::size_t>(capacity, 1)); // a null buffer would throw the event away
         block.resize(capacity);
         std::size_t size = capacity;
+        const Waiter waiter(*this);
         const auto result =
             gentl.Result<&GenTLProxy::EventGetData>(eventHandle.load(), block.data(), &size, timeout_ms);
         if (result == GC_ERR_TIMEOUT)
@@ -79,6 +99,14 @@ std::vector<std::uint8_t> EventController::WaitForBlock(std::uint64_t timeout_ms
         block.shrink_to_fit();
         return block;
     });
+}
+
+// A kill for a waiter that has come away meanwhile stays pending, where nobody waits any more.
+void EventController::EndWaits() noexcept
+{
+    if (haveWaitsEnded.exchange(true)) return;
+    for (std::size_t count = numWaiters; count > 0; --count)
+        gentl.CallIgnoringFailures<&GenTLProxy::EventKill>(eventHandle.load());
 }
 
 void EventController::KillWait()

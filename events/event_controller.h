@@ -9,6 +9,7 @@
 #include "gentl/info_accessor.h"
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -42,6 +43,8 @@ public:
     // The same wait for a reader that needs nothing but the block as delivered.
     std::vector<std::uint8_t> WaitForBlock(std::uint64_t timeout_ms) const;
 
+    // Ends the waits that are inside, as kills do; from now on there is none any more.
+    void EndWaits() noexcept override;
     // Ends one wait; without a waiter the kill stays pending in the producer and ends the next one.
     void KillWait();
     // Registers anew, since the standard has no call for this: queued events and the event handle go with it. Must
@@ -56,10 +59,15 @@ private:
         std::int32_t command, GenTL::INFO_DATATYPE* dataType, void* buffer, std::size_t* size) const override;
     const char* QueryName() const override { return gentl.Proxy()->EventGetInfo.Name(); }
 
+    class Waiter;
+
     const GenTL::EVENTSRC_HANDLE moduleHandle;
     std::atomic<GenTL::EVENT_HANDLE> eventHandle; // replaced by FlushPendingKillWaits
     const std::int32_t eventType;
     const std::weak_ptr<EventSupportingModule> parent;
+    // A waiter counts itself before it looks whether waits have ended; who ends them looks afterwards.
+    mutable std::atomic<std::size_t> numWaiters{0};
+    std::atomic<bool> haveWaitsEnded{false};
 };
 
 } // namespace koro::internal

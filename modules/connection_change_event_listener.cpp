@@ -2,6 +2,7 @@
 
 #include "base/exceptions.h"
 #include "base/expiring.h"
+#include "base/own_threads.h"
 #include "events/event_controller.h"
 #include "modules/event_supporting_module.h"
 
@@ -79,6 +80,7 @@ void ConnectionChangeEventListener::Delivery::Run(std::promise<void> started)
         started.set_exception(std::current_exception());
         return;
     }
+    const OwnThread ownThread;
     current = this;
     running = true;
     started.set_value();
@@ -156,11 +158,6 @@ ConnectionChangeEventListener::~ConnectionChangeEventListener()
     // from the callback, with what it shares.
     delivery->EndRunning();
     thread.detach();
-}
-
-bool ConnectionChangeEventListener::IsOnAThreadOfOne() noexcept
-{
-    return Delivery::current != nullptr;
 }
 
 bool ConnectionChangeEventListener::IsAvailable() const noexcept

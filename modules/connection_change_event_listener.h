@@ -36,9 +36,6 @@ public:
     ConnectionChangeEventListener(const ConnectionChangeEventListener&) = delete;
     ConnectionChangeEventListener& operator=(const ConnectionChangeEventListener&) = delete;
 
-    // Whether the calling thread is that of any listener.
-    static bool IsOnAThreadOfOne() noexcept;
-
     bool IsAvailable() const noexcept;
 
     // The first subscriber starts the thread, which discards what is in the event's queue. Throws NotAvailableException

@@ -91,9 +91,11 @@ GC_ERROR DeviceDescriptor::QueryInfo(
 DeviceDescriptorInformationChangedCallback::DeviceDescriptorInformationChangedCallback(
     std::shared_ptr<DeviceDescriptor> monitoredDescriptor,
     DeviceDescriptor::InformationMonitor::ChangedCallback callback)
-    : descriptor(std::move(monitoredDescriptor)),
-      handle(descriptor->Monitor().RegisterChangedCallback(std::move(callback)))
-{}
+    : descriptor(std::move(monitoredDescriptor))
+{
+    descriptor->ParentInterface()->AddMonitored(descriptor);
+    handle = descriptor->Monitor().RegisterChangedCallback(std::move(callback));
+}
 
 DeviceDescriptorInformationChangedCallback::~DeviceDescriptorInformationChangedCallback()
 {

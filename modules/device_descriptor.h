@@ -70,8 +70,8 @@ private:
 };
 
 // A registration at the monitor of a descriptor, which it keeps alive. While the monitor's thread runs there is a
-// registration, and its end waits for the thread: so the thread never drops the descriptor itself, not even when it is
-// the last to hold the interface. To be ended outside the monitor's callbacks.
+// registration, and its end waits for the thread: so the thread never drops the descriptor itself. The end of the
+// interface ends the thread and leaves the registration. To be ended outside the monitor's callbacks.
 class DeviceDescriptorInformationChangedCallback final : public Instance
 {
 public:
@@ -87,7 +87,7 @@ public:
 private:
     const std::shared_ptr<DeviceDescriptor> descriptor;
     std::mutex endMutex; // never taken on the monitor's thread: whoever holds it may be waiting for that
-    void* handle;        // null when it is taken back; guarded by endMutex
+    void* handle = nullptr; // null when it is taken back; guarded by endMutex
 };
 
 } // namespace koro::internal

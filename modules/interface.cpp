@@ -70,6 +70,46 @@ void Interface::SubscribeToConnectionChanges()
         });
 }
 
+void Interface::AddMonitored(const std::shared_ptr<DeviceDescriptor>& descriptor)
+{
+    const std::lock_guard lock(monitoredMutex);
+    if (hasEndedMonitors) throw InternalErrorException("Pointer has expired!");
+    const auto isKnown = [&](const auto& known) {
+        return !known.owner_before(descriptor) && !descriptor.owner_before(known);
+    };
+    std::erase_if(monitored, [](const auto& known) { return known.expired(); });
+    if (std::none_of(monitored.begin(), monitored.end(), isKnown)) monitored.push_back(descriptor);
+}
+
+std::vector<std::shared_ptr<DeviceDescriptor>> Interface::Monitored() const
+{
+    std::vector<std::shared_ptr<DeviceDescriptor>> living;
+    const std::lock_guard lock(monitoredMutex);
+    for (const auto& weakDescriptor : monitored)
+    {
+        if (auto descriptor = weakDescriptor.lock()) living.push_back(std::move(descriptor));
+    }
+    return living;
+}
+
+void Interface::RefuseEndInCallback() const
+{
+    if (const auto system = parent.lock(); system && connectionChangeSubscription) system->RefuseEndInCallback();
+    for (const auto& descriptor : Monitored())
+        descriptor->Monitor().RefuseInCallback();
+}
+
+void Interface::EndThreads()
+{
+    EndConnectionChanges();
+    {
+        const std::lock_guard lock(monitoredMutex);
+        hasEndedMonitors = true;
+    }
+    for (const auto& descriptor : Monitored())
+        descriptor->Monitor().End();
+}
+
 void Interface::EndConnectionChanges()
 {
     const auto subscription = connectionChangeSubscription.exchange(nullptr);

@@ -15,7 +15,9 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <string>
+#include <vector>
 
 namespace koro::internal
 {
@@ -54,9 +56,14 @@ public:
 
     // The last step of opening.
     void SubscribeToConnectionChanges();
-    // Waits for a delivery that is under way; then there is none any more. Throws the standard deadlock error in a
-    // callback of a connection change, and the reports go on.
-    void EndConnectionChanges();
+    // A descriptor whose information is monitored: the end of the interface ends its monitor, also when an update has
+    // lost the descriptor meanwhile. Throws InternalErrorException after that end.
+    void AddMonitored(const std::shared_ptr<DeviceDescriptor>& descriptor);
+
+    // In a callback of a connection change, or of a monitor of one of the descriptors.
+    void RefuseEndInCallback() const override;
+    // Waits for a delivery that is under way, and for the monitors; then there is none any more.
+    void EndThreads() override;
 
     std::shared_ptr<System> ParentSystem() const;
     std::shared_ptr<Module> ParentModule() const override;
@@ -75,6 +82,9 @@ private:
     std::shared_ptr<const void> HoldParent() const override;
     std::shared_ptr<Interface> SharedOwner() override;
 
+    void EndConnectionChanges();
+    std::vector<std::shared_ptr<DeviceDescriptor>> Monitored() const;
+
     using Record = ConnectionChangeEventListener::Record;
     void OnConnectionChange(const Record& record);
     void OnReconnect(const std::shared_ptr<DeviceDescriptor>& descriptor, const Record& record);
@@ -87,6 +97,9 @@ private:
     DisconnectedCallbacks disconnectedCallbacks;
     ReconnectedCallbacks reconnectedCallbacks;
     std::atomic<ConnectionChangeEventListener::Subscribers::Handle> connectionChangeSubscription{nullptr};
+    mutable std::mutex monitoredMutex; // guards the next two; nothing is called under it
+    std::vector<std::weak_ptr<DeviceDescriptor>> monitored;
+    bool hasEndedMonitors = false;
 };
 
 } // namespace koro::internal

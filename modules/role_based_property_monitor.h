@@ -6,6 +6,7 @@
 // thread and no query. Any thread; not to be ended on the monitor's own.
 #pragma once
 
+#include "base/callback_registry.h"
 #include "base/periodic_timer.h"
 
 #include <cstdint>
@@ -26,11 +27,11 @@ public:
     using Roles = std::vector<Role>;
     using ChangedCallback = typename TCallbackManager<const Roles&>::Function;
 
+    // Takes no lock: the list of children holds its own while it makes a descriptor.
     TRoleBasedPropertyMonitor(const Source& monitored, std::initializer_list<Role> initialRoles) : source(monitored)
     {
         for (const auto role : initialRoles)
-            AddRole(role);
-        timer.TickCallbacks().RegisterCallback([this] { Compare(); });
+            lastValues.try_emplace(role);
     }
     TRoleBasedPropertyMonitor(const TRoleBasedPropertyMonitor&) = delete;
     TRoleBasedPropertyMonitor& operator=(const TRoleBasedPropertyMonitor&) = delete;
@@ -87,6 +88,10 @@ public:
     // Throws the standard deadlock error inside a callback.
     void RefuseInCallback() const { changedCallbacks.RefuseInCallback(); }
 
+    // Ends the thread for good: from now on a registration that would start one throws InternalErrorException. The
+    // registrations stand and are not called any more. Not inside a callback.
+    void End() { timer.End(); }
+
 private:
     // A tick.
     void Compare()
@@ -116,7 +121,7 @@ private:
     std::unordered_map<Role, std::vector<std::uint8_t>> lastValues; // empty before the first read
     TCallbackManager<const Roles&> changedCallbacks;
     mutable std::mutex rolesMutex; // over lastValues, also while the producer is asked
-    PeriodicTimer timer;           // its end, the first of all, ends the thread
+    PeriodicTimer timer{[this] { Compare(); }}; // its end, the first of all, ends the thread
 };
 
 } // namespace koro::internal

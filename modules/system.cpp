@@ -42,28 +42,19 @@ void System::UnsubscribeConnectionChange(ConnectionChanges::Handle handle)
     if (connectionChangeListenerOnce.IsDone()) connectionChangeListener->Unsubscribe(handle);
 }
 
-void System::StopConnectionChanges(const std::vector<std::shared_ptr<System>>& systems)
+void System::RefuseEndInCallback() const
 {
-    std::vector<ConnectionChangeEventListener*> listeners;
-    for (const auto& system : systems)
-    {
-        if (system->connectionChangeListenerOnce.IsDone()) listeners.push_back(system->connectionChangeListener.get());
-    }
-    // All are asked first: a refusal leaves none of them stopped.
-    for (const auto* listener : listeners)
-        listener->RefuseInsideDelivery();
-    for (auto* listener : listeners)
-        listener->Stop();
+    if (connectionChangeListenerOnce.IsDone()) connectionChangeListener->RefuseInsideDelivery();
+}
+
+void System::EndThreads()
+{
+    if (connectionChangeListenerOnce.IsDone()) connectionChangeListener->Stop();
 }
 
 std::shared_ptr<ProducerLibrary> System::ParentLibrary() const
 {
     return LockOrThrow(parent);
-}
-
-bool System::IsOf(const std::shared_ptr<ProducerLibrary>& library) const noexcept
-{
-    return !parent.owner_before(library) && !library.owner_before(parent);
 }
 
 GC_ERROR System::QueryInfo(std::int32_t command, INFO_DATATYPE* dataType, void* buffer, std::size_t* size) const

@@ -40,13 +40,12 @@ public:
     using ConnectionChanges = ConnectionChangeEventListener::Subscribers;
     ConnectionChanges::Handle SubscribeConnectionChange(ConnectionChanges::Function function);
     void UnsubscribeConnectionChange(ConnectionChanges::Handle handle);
-    // Of all of them: waits for deliveries that are under way; then there are none any more. Throws the standard
-    // deadlock error in a callback of a connection change of one of them, and all go on.
-    static void StopConnectionChanges(const std::vector<std::shared_ptr<System>>& systems);
+    // In a callback of a connection change.
+    void RefuseEndInCallback() const override;
+    // Waits for a delivery that is under way; then there is none any more.
+    void EndThreads() override;
 
     std::shared_ptr<ProducerLibrary> ParentLibrary() const;
-    // Takes no reference.
-    bool IsOf(const std::shared_ptr<ProducerLibrary>& library) const noexcept;
     std::shared_ptr<Module> ParentModule() const override { return nullptr; }
 
 private:

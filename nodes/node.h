@@ -116,6 +116,8 @@ protected:
 
 private:
     class ChangedCallbackDelegate;
+    using ChangedCallbacks = std::unordered_map<ChangedCallbackHandle, std::shared_ptr<ChangedCallbackDelegate>>;
+    ChangedCallbacks TakeChangedCallbacks();
     enum class Link; // the four lists
 
     const LinkedNodes& Linked(Link link, NodeMap& nodeMap);
@@ -131,7 +133,7 @@ private:
     BuiltOnce<LinkedNodes> selectingNodes;
 
     std::mutex changedCallbacksMutex; // taken with the map's lock held, never the other way round
-    std::unordered_map<ChangedCallbackHandle, std::unique_ptr<ChangedCallbackDelegate>> changedCallbacks;
+    ChangedCallbacks changedCallbacks;
 };
 
 } // namespace koro::internal

@@ -1,8 +1,10 @@
 // The change notifications of a node.
 
+#include "base/ended_objects.h"
 #include "nodes/node.h"
 
 #include <GenApi/NodeCallback.h>
+#include <utility>
 
 namespace koro::internal
 {
@@ -59,7 +61,7 @@ Node::~Node() = default;
 Node::ChangedCallbackHandle Node::RegisterChangedCallback(ChangedCallback callback)
 {
     return AskLocked([&]() -> ChangedCallbackHandle {
-        auto delegate = std::make_unique<ChangedCallbackDelegate>(shared_from_this(), std::move(callback));
+        auto delegate = std::make_shared<ChangedCallbackDelegate>(shared_from_this(), std::move(callback));
         delegate->RegisterAt(genApiNode);
 
         const ChangedCallbackHandle handle = delegate.get();
@@ -72,29 +74,38 @@ Node::ChangedCallbackHandle Node::RegisterChangedCallback(ChangedCallback callba
 void Node::UnregisterChangedCallback(ChangedCallbackHandle handle)
 {
     AskLocked([&] {
-        std::unique_ptr<ChangedCallbackDelegate> removed; // ends after the mutex, with the map's lock still held
-        const std::lock_guard lock(changedCallbacksMutex);
-        const auto found = changedCallbacks.find(handle);
-        if (found == changedCallbacks.end()) return;
-        removed = std::move(found->second);
-        changedCallbacks.erase(found);
+        std::shared_ptr<ChangedCallbackDelegate> removed;
+        {
+            const std::lock_guard lock(changedCallbacksMutex);
+            const auto found = changedCallbacks.find(handle);
+            if (found == changedCallbacks.end()) return;
+            removed = std::move(found->second);
+            changedCallbacks.erase(found);
+        }
+        EndCallback(std::move(removed)); // with the map's lock still held
     });
 }
 
 void Node::EndChangedCallbacks()
 {
-    decltype(changedCallbacks) ended; // each holds this node
-    const std::lock_guard lock(changedCallbacksMutex);
-    ended.swap(changedCallbacks);
+    for (auto& [handle, delegate] : TakeChangedCallbacks())
+        EndCallback(std::move(delegate));
 }
 
 void Node::ForgetChangedCallbacks()
 {
-    decltype(changedCallbacks) forgotten; // each holds this node
-    const std::lock_guard lock(changedCallbacksMutex);
-    forgotten.swap(changedCallbacks);
-    for (const auto& [handle, delegate] : forgotten)
+    for (auto& [handle, delegate] : TakeChangedCallbacks())
+    {
         delegate->Forget();
+        EndCallback(std::move(delegate));
+    }
+}
+
+// Each holds this node.
+Node::ChangedCallbacks Node::TakeChangedCallbacks()
+{
+    const std::lock_guard lock(changedCallbacksMutex);
+    return std::exchange(changedCallbacks, {});
 }
 
 } // namespace koro::internal

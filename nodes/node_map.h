@@ -75,6 +75,15 @@ public:
     void StoreToFile(const std::string& filePath);
     void LoadFromFile(const std::string& filePath);
 
+    // An application's own locking, counted for its thread. Such a lock keeps the map; it is given up when the map is
+    // ended by the same thread, or at the thread's next unlock after another one has ended it.
+    void LockForApplication();
+    bool TryLockForApplication();
+    void UnlockForApplication();
+    // For a handle that has ended: nothing when the thread holds no lock of that map.
+    static void UnlockEnded(const void* address) noexcept;
+    void EndWaits() noexcept override;
+
     // Lives as long as the map. What GenApi throws when the description is no good leaves this one untranslated.
     GENAPI_NAMESPACE::CLock& GenApiLock();
     // Never null; lives as long as the map.

@@ -18,9 +18,9 @@ extern "C" {
 #endif
 
 /**
- * Ends the handle, with its Module and EventSupportingModule handles. When the last use of the stream ends, it
- * stops, discards and revokes what is left and is closed; the buffers' handles end with it. Destruct before the
- * device: a stream whose device went first can only be dropped.
+ * Ends the handle, with its Module and EventSupportingModule handles, and the buffers' handles. Waits on the stream
+ * that are inside return KORO_RETURN_CODE_ABORTED. When the last use of the stream ends, it stops, discards and revokes
+ * what is left and is closed. Destruct before the device: a stream whose device went first can only be dropped.
  */
 KORO_API KORO_ReturnCode KORO_DataStream_Destruct(KORO_DataStreamHandle dataStreamHandle);
 
@@ -75,6 +75,7 @@ KORO_DataStream_RevokeBuffer(KORO_DataStreamHandle dataStreamHandle, KORO_Buffer
  * @param[in]  timeout_ms   milliseconds; KORO_INFINITE waits without end
  * @param[out] bufferHandle the handle from the announcement: nothing new to destruct
  * @return KORO_RETURN_CODE_TIMEOUT when none came; KORO_RETURN_CODE_ABORTED after KORO_DataStream_KillWait
+ *         and when the stream, or what it is opened from, is ended meanwhile
  */
 KORO_API KORO_ReturnCode KORO_DataStream_WaitForFinishedBuffer(
     KORO_DataStreamHandle dataStreamHandle, uint64_t timeout_ms, KORO_BufferHandle* bufferHandle);

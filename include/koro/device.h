@@ -18,7 +18,8 @@ extern "C" {
 
 /**
  * Ends the handle, with its RemoteDevice, Module and EventSupportingModule handles, and all handles below it. The
- * device is closed when its last use ends.
+ * device is closed when its last use ends. Waits on it and on its streams that are inside return
+ * KORO_RETURN_CODE_ABORTED.
  */
 KORO_API KORO_ReturnCode KORO_Device_Destruct(KORO_DeviceHandle deviceHandle);
 

@@ -175,9 +175,10 @@ KORO_API KORO_ReturnCode KORO_DeviceDescriptor_SetMonitoringUpdateInterval(
  * Calls the application when monitored information has changed, on a thread of this descriptor that the first
  * registration starts and the last unregistration ends. The first report after it holds all roles that have a value. A
  * role that cannot be read is not reported, so this does not tell that a device has gone.
- * The callback must not throw, must not register or unregister callbacks of this descriptor, and must not close the
- * library.
- * A registration keeps the descriptor monitored, also when its device is lost and its handle has ended.
+ * The callback must not throw, must not register or unregister callbacks of this descriptor, and cannot end the
+ * interface, what is above it, or the library.
+ * A registration keeps the descriptor monitored, also when its device is lost and its handle has ended, until the
+ * interface is ended.
  * @param[in]  callback        called as callback(roles, numRoles, callbackContext)
  * @param[in]  callbackContext passed to the callback as it is; may be null
  * @param[out] callbackHandle  for unregistering; ends there or with the library

@@ -16,7 +16,10 @@
 extern "C" {
 #endif
 
-/** Ends the handle and the handles of events taken from it; the event is unregistered when its last use ends. */
+/**
+ * Ends the handle and the handles of events taken from it. Waits that are inside return KORO_RETURN_CODE_ABORTED. The
+ * event is unregistered when its last use ends.
+ */
 KORO_API KORO_ReturnCode KORO_EventController_Destruct(KORO_EventControllerHandle eventControllerHandle);
 
 /**
@@ -63,7 +66,8 @@ KORO_EventController_GetEventDataMaxSize(KORO_EventControllerHandle eventControl
  * Waits on the calling thread for the next event. No lock is held meanwhile.
  * @param[in]  timeout_ms  milliseconds; KORO_INFINITE waits without end
  * @param[out] eventHandle a new handle; end it with KORO_Event_Destruct
- * @return KORO_RETURN_CODE_TIMEOUT when none came; KORO_RETURN_CODE_ABORTED after KORO_EventController_KillWait
+ * @return KORO_RETURN_CODE_TIMEOUT when none came; KORO_RETURN_CODE_ABORTED after
+ *         KORO_EventController_KillWait and when the controller, or its module, is ended meanwhile
  */
 KORO_API KORO_ReturnCode KORO_EventController_WaitForEvent(
     KORO_EventControllerHandle eventControllerHandle, uint64_t timeout_ms, KORO_EventHandle* eventHandle);

@@ -10,7 +10,8 @@
  *     unless its description says otherwise.
  *  3. A handle stays valid until its description says that it ends; a dead one, a null one and one of another kind are
  *     answered with KORO_RETURN_CODE_INVALID_HANDLE. The same object gives the same handle each time. Handles are
- *     ended by ..._Destruct or by the end of their parent; there is no other release.
+ *     ended by ..._Destruct or by the end of their parent; there is no other release. An ended handle may come back for
+ *     a new object one day, but not soon: the last 4,096 of its kind, or 1 MiB of objects, are kept out of use.
  *  4. Results lie in the caller's memory and nothing has to be freed. Text and bytes go into a buffer with its size:
  *     `name` is the buffer, null to ask for the size; `nameSize` holds its capacity, and after a success the bytes
  *     written. Sizes of texts count the terminating zero. A buffer that is too small is left as it was.

@@ -20,10 +20,11 @@ KORO_API KORO_ReturnCode KORO_Library_Initialize(void);
 
 /**
  * Counts down; the last call ends every handle, children before parents, closes all modules and all producers.
- * The code of a producer that has started stays mapped: docs/ownership.md. End all calls on other threads and all work
- * in callbacks first; a report of the producer's own that is under way is waited for. Closing what was never
- * initialised is a success.
- * @return KORO_RETURN_CODE_ERROR for the last call inside such a report: nothing ends then
+ * The code of a producer that has started stays mapped: docs/ownership.md. Waits that are inside return
+ * KORO_RETURN_CODE_ABORTED, and callbacks of changed information and of the producer's own reports are waited for. Any
+ * other call on another thread is not: what it uses is closed when it returns, children before parents. Closing what
+ * was never initialised is a success.
+ * @return KORO_RETURN_CODE_ERROR for the last call inside a callback that it would wait for: nothing ends then
  */
 KORO_API KORO_ReturnCode KORO_Library_Close(void);
 

@@ -147,7 +147,8 @@ KORO_API KORO_ReturnCode KORO_NodeMap_PollNodes(KORO_NodeMapHandle nodeMapHandle
 /**
  * Takes the lock for several calls that belong together, such as choosing by a selector and setting what it selects.
  * Waits without end while another thread holds it. Each success needs one KORO_NodeMap_Unlock on the same thread,
- * before the module ends.
+ * before the module ends. When that ends meanwhile, the lock is given back at the latest by the unlock, which then
+ * answers KORO_RETURN_CODE_INVALID_HANDLE.
  */
 KORO_API KORO_ReturnCode KORO_NodeMap_Lock(KORO_NodeMapHandle nodeMapHandle);
 

@@ -29,8 +29,11 @@ KORO_API KORO_ReturnCode KORO_ProducerLibrary_Construct(
 
 /**
  * Ends the handle and every handle below it, and closes the producer. To have the modules closed in GenTL's order,
- * destruct from the leaves: streams, devices, interfaces, system, library. Waits for a report of the producer's own
- * that is under way; there is none after it.
+ * destruct from the leaves: streams, devices, interfaces, system, library. A call that is inside the producer is not
+ * waited for: what it uses is closed when it returns, and the producer last. Waits inside return
+ * KORO_RETURN_CODE_ABORTED; callbacks of changed information and of the producer's own reports are waited for, and
+ * there is none after it.
+ * @return KORO_RETURN_CODE_ERROR inside a callback that it would wait for: nothing ends then
  */
 KORO_API KORO_ReturnCode KORO_ProducerLibrary_Destruct(KORO_ProducerLibraryHandle producerLibraryHandle);
 

@@ -18,7 +18,9 @@ extern "C" {
 
 /**
  * Ends the handle, with its Module and EventSupportingModule handles, and all handles below it. The system is
- * closed when its last use ends. Waits for a report of its producer's own that is under way; there is none after it.
+ * closed when its last use ends. Waits inside return KORO_RETURN_CODE_ABORTED; callbacks of changed information and of
+ * the producer's own reports are waited for, and there is none after it. Nothing else is waited for.
+ * @return KORO_RETURN_CODE_ERROR inside a callback that it would wait for: nothing ends then
  */
 KORO_API KORO_ReturnCode KORO_System_Destruct(KORO_SystemHandle systemHandle);
 
@@ -78,6 +80,10 @@ KORO_API KORO_ReturnCode KORO_System_GetCharacterEncoding(KORO_SystemHandle syst
 /**
  * Lets the producer search for interfaces, takes over the new list, then calls the lost and the found callbacks on
  * this thread.
+ * Inside such a callback the update returns before its own reports are delivered: they follow those that are under way,
+ * and for one interface the report that it was found comes before its loss. A callback that updates at each report,
+ * where each search finds something, gets KORO_RETURN_CODE_ERROR in the end. An update that finds something waits for
+ * the reports of another thread's.
  * The first update always reads the list. An interface that stayed keeps its descriptor and handle.
  * @param[in] timeout_ms milliseconds for the producer's search; KORO_INFINITE waits without end
  */

@@ -149,21 +149,19 @@ TEST_F(Handles, DestructedDeviceEndsItsRemoteDevice)
         KeyOutcome(KORO_DataStreamDescriptor_GetKey, tree.streamDescriptor), Invalid("dataStreamDescriptorHandle"));
 }
 
-TEST_F(Handles, BuffersOfADestructedStreamEndWithTheStreamAndNotBefore)
+TEST_F(Handles, BuffersOfADestructedStreamEndWithItAlsoWhileACallKeepsTheStream)
 {
     const auto buffer = tree.QueueBuffers(1)[0];
-    Require(KORO_DataStream_StartAcquisitionInfinite(tree.stream, 0));
-    KORO_BufferHandle finished = nullptr;
-    std::thread waiter([&] { Require(KORO_DataStream_WaitForFinishedBuffer(tree.stream, KORO_INFINITE, &finished)); });
-    producer->AwaitWaiters(1);
-
-    Require(KORO_DataStream_Destruct(tree.stream));
-    EXPECT_EQ(SizeOutcome(buffer), Error{}); // the wait still holds the stream
-
-    producer->Deliver("if0-dev0-stream0");
-    waiter.join();
-    EXPECT_EQ(finished, buffer);
-    EXPECT_EQ(SizeOutcome(buffer), Invalid("bufferHandle"));
+    Error outcomeMeanwhile;
+    producer->OnEntry("DSGetInfo", [&] {
+        producer->OnEntry("DSGetInfo", nullptr);
+        Require(KORO_DataStream_Destruct(tree.stream));
+        outcomeMeanwhile = SizeOutcome(buffer);
+    });
+    std::uint64_t underruns = 0;
+    EXPECT_EQ(Outcome(KORO_DataStream_GetNumUnderruns(tree.stream, &underruns)), Error{});
+    EXPECT_EQ(outcomeMeanwhile, Invalid("bufferHandle"));
+    EXPECT_EQ(CallsOf(producer->Journal(), {"DSClose"}).size(), 1u);
 }
 
 TEST_F(Handles, DestructedLibraryEndsTheWholeTreeInCascade)
@@ -222,7 +220,8 @@ TEST_F(Handles, LibraryDestructedDuringACallLivesUntilTheCallEnds)
 {
     producer->OnEntry("TLUpdateInterfaceList", [&] {
         EXPECT_EQ(KORO_ProducerLibrary_Destruct(tree.producerLibrary), KORO_RETURN_CODE_SUCCESS);
-        EXPECT_EQ(KeyOutcome(KORO_System_GetKey, tree.system), Error{});
+        EXPECT_EQ(KeyOutcome(KORO_System_GetKey, tree.system), Invalid("systemHandle"));
+        EXPECT_EQ(producer->InitCount(), 1);
     });
     EXPECT_EQ(Outcome(KORO_System_UpdateInterfaces(tree.system, 0)), Error{});
     producer->OnEntry("TLUpdateInterfaceList", nullptr);

@@ -7,6 +7,7 @@
 #include <future>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -469,16 +470,160 @@ TEST_F(InformationMonitoring, DescriptorThatIsLostIsMonitoredOn)
     EXPECT_EQ(Outcome(Unregister(handle)), Error{});
 }
 
-TEST_F(InformationMonitoring, ParentThatHasGoneIsNoChange)
+TEST_F(InformationMonitoring, EndOfAParentEndsTheThreadAndLeavesTheRegistration)
 {
     Reports reports;
     const auto handle = Register(reports);
     EXPECT_EQ(reports.Next(), initialRoles);
     Require(KORO_ProducerLibrary_Destruct(tree.producerLibrary));
-    EXPECT_EQ(NumThreads(), idle + 1);
-    EXPECT_EQ(Outcome(Unregister(handle)), Error{});
     AwaitNumThreads(idle);
+    EXPECT_EQ(Outcome(Unregister(handle)), Error{});
+    EXPECT_EQ(Outcome(Unregister(handle)), InvalidHandle("callbackHandle"));
     EXPECT_EQ(reports.NumUnread(), 0u);
+}
+
+// Each end of what a monitor asks, while it is inside the producer.
+struct MonitorEnd
+{
+    const char* name;
+    KORO_ReturnCode (*end)(const OpenTree& tree);
+};
+
+class EndWhileAMonitorAsks : public InformationMonitoring, public testing::WithParamInterface<MonitorEnd>
+{
+protected:
+    // A reading that is still inside long after the end has begun.
+    void HoldReading()
+    {
+        producer->OnEntry("IFGetDeviceInfo", [this] {
+            if (isInside.exchange(true)) return;
+            entered.set_value();
+            while (!isEnding)
+                std::this_thread::yield();
+            for (int turn = 0; turn < 1000 && !hasEnded; ++turn)
+                std::this_thread::yield();
+            isOver = true;
+        });
+        entered.get_future().wait();
+    }
+    void ExpectEndToWait()
+    {
+        for (const auto* function : {"IFClose", "TLClose", "GCCloseLib"})
+            producer->OnEntry(function, [this] { EXPECT_TRUE(isOver); });
+        isEnding = true;
+        EXPECT_EQ(Outcome(GetParam().end(tree)), Error{});
+        hasEnded = true;
+        EXPECT_TRUE(isOver);
+        const auto open = producer->Open();
+        EXPECT_EQ(std::count(open.begin(), open.end(), "if0"), 0);
+        AwaitNumThreads(idle);
+        producer->ClearJournal();
+        for (int turn = 0; turn < 1000; ++turn)
+            std::this_thread::yield();
+        EXPECT_EQ(producer->Journal(), std::vector<std::string>());
+        if (!Get<KORO_Bool8>(KORO_Library_IsInitialized)) Require(KORO_Library_Initialize());
+    }
+
+    std::promise<void> entered;
+    std::atomic<bool> isInside{false};
+    std::atomic<bool> isEnding{false};
+    std::atomic<bool> hasEnded{false};
+    std::atomic<bool> isOver{false};
+};
+
+TEST_P(EndWhileAMonitorAsks, WaitsForItAndClosesAfterwards)
+{
+    Reports reports;
+    Register(reports);
+    HoldReading();
+    ExpectEndToWait();
+}
+
+TEST_P(EndWhileAMonitorAsks, WaitsAlsoForThatOfALostDescriptor)
+{
+    Reports reports;
+    Register(reports);
+    EXPECT_EQ(reports.Next(), initialRoles);
+    producer->Edit([&](scripted::Tree& scriptedTree) {
+        auto& devices = scriptedTree.interfaces[0]->devices;
+        devices.erase(devices.begin());
+    });
+    Require(KORO_Interface_UpdateDevices(tree.interface, 0));
+    HoldReading();
+    ExpectEndToWait();
+}
+
+// The end of the producer library is asked for while the callback is inside it.
+TEST_P(EndWhileAMonitorAsks, IsRefusedToACallbackOfTheMonitorAndNothingEnds)
+{
+    Reports reports;
+    std::optional<Error> outcome;
+    reports.onReport = [&] {
+        if (!outcome) outcome = Outcome(GetParam().end(tree));
+    };
+    const auto handle = Register(reports);
+    EXPECT_EQ(reports.Next(), initialRoles);
+    EXPECT_EQ(outcome, deadlock);
+    EXPECT_EQ(GetText(KORO_DeviceDescriptor_GetUserDefinedName, descriptor), "first");
+    SetInfo(accessStatus, scripted::Int32(GenTL::DEVICE_ACCESS_STATUS_READONLY));
+    EXPECT_EQ(reports.Next(), Roles{accessStatus});
+    EXPECT_EQ(Outcome(Unregister(handle)), Error{});
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    InformationMonitoring, EndWhileAMonitorAsks,
+    testing::Values(
+        MonitorEnd{"OfTheInterface", [](const OpenTree& tree) { return KORO_Interface_Destruct(tree.interface); }},
+        MonitorEnd{"OfTheSystem", [](const OpenTree& tree) { return KORO_System_Destruct(tree.system); }},
+        MonitorEnd{
+            "OfTheProducerLibrary",
+            [](const OpenTree& tree) { return KORO_ProducerLibrary_Destruct(tree.producerLibrary); }},
+        MonitorEnd{"OfTheLibrary", [](const OpenTree&) { return KORO_Library_Close(); }}),
+    [](const auto& end) { return end.param.name; });
+
+TEST_F(InformationMonitoring, CallbackThatTheLastCloseWaitsForIsRefusedToStartAndToCloseTheLibrary)
+{
+    Reports reports;
+    std::promise<void> entered;
+    std::promise<void> closing;
+    std::vector<Error> outcomes;
+    // What the close ends before it waits for the monitor.
+    const auto module = Get<KORO_EventSupportingModuleHandle>(KORO_DataStream_ToEventSupportingModule, tree.stream);
+    const auto controller =
+        Get<KORO_EventControllerHandle>(KORO_EventSupportingModule_EnableEvents, module, std::int32_t{0});
+    auto waiter = std::async(std::launch::async, [&] {
+        KORO_EventHandle event = nullptr;
+        return KORO_EventController_WaitForEvent(controller, KORO_INFINITE, &event);
+    });
+    producer->AwaitWaiters(1);
+    producer->OnEntry("EventKill", [&] { closing.set_value(); });
+    reports.onReport = [&] {
+        if (!outcomes.empty()) return;
+        entered.set_value();
+        closing.get_future().wait();
+        outcomes = {Outcome(KORO_Library_Initialize()), Outcome(KORO_Library_Close())};
+    };
+    Register(reports);
+    entered.get_future().wait();
+    EXPECT_EQ(Outcome(KORO_Library_Close()), Error{});
+    EXPECT_EQ(waiter.get(), KORO_RETURN_CODE_ABORTED);
+    EXPECT_EQ(outcomes, (std::vector{deadlock, deadlock}));
+    EXPECT_EQ(producer->Open(), std::vector<std::string>());
+    Require(KORO_Library_Initialize());
+}
+
+TEST_F(InformationMonitoring, CallbackMayGiveBackAnInitialisationThatIsNotTheLast)
+{
+    Reports reports;
+    std::optional<Error> outcome;
+    Require(KORO_Library_Initialize());
+    reports.onReport = [&] {
+        if (!outcome) outcome = Outcome(KORO_Library_Close());
+    };
+    const auto handle = Register(reports);
+    EXPECT_EQ(reports.Next(), initialRoles);
+    EXPECT_EQ(outcome, Error{});
+    EXPECT_EQ(Outcome(Unregister(handle)), Error{});
 }
 
 TEST_F(InformationMonitoring, ClosingTheLibraryEndsTheThread)

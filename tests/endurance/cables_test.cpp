@@ -142,6 +142,7 @@ TEST(CablesEndurance, EveryUnpluggingAndPluggingInIsToldOnceToEachApplication)
         Require(KORO_Interface_UpdateDevices(tree.interface, 0));
         EXPECT_EQ(ValueOf(width), 640); // what was open works on
     };
+    FillStoresOfEndedObjects();
     for (std::uint64_t cycle = 0; cycle < warmUp; ++cycle)
         runCycle();
     Growth growth;

@@ -57,6 +57,7 @@ TEST_F(Endurance, TreesThatComeAndGoLeaveNothingBehind)
         if (number % 3 == 0) Require(KORO_DataStream_Destruct(tree.stream));
         Require(KORO_ProducerLibrary_Destruct(tree.producerLibrary));
     };
+    FillStoresOfEndedObjects();
     for (std::uint64_t number = 0; number < warmUp; ++number)
         runTree(number);
     Growth growth;

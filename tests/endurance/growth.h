@@ -3,6 +3,9 @@
 // KORO_ENDURANCE is the factor; 1 by default, 100 for the whole.
 #pragma once
 
+#include "tests/support/boundary.h"
+#include "tests/support/scripted_producer.h"
+
 #include <cstdint>
 #include <cstdlib>
 #include <fstream>
@@ -38,6 +41,20 @@ inline constexpr std::int64_t bound_KiB = 512 * 1024;
 #else
 inline constexpr std::int64_t bound_KiB = 1024;
 #endif
+
+// The library keeps the memory of the last 4,096 objects of each kind that ended: these are there afterwards.
+inline void FillStoresOfEndedObjects()
+{
+    const ScriptedProducer producer;
+    producer->KeepJournal(false);
+    for (int round = 0; round < 4096; ++round)
+    {
+        OpenTree tree(producer.Path());
+        Get<KORO_ModuleHandle>(KORO_DataStream_ToModule, tree.stream);
+        tree.QueueBuffers(1);
+        Require(KORO_ProducerLibrary_Destruct(tree.producerLibrary));
+    }
+}
 
 // Resident memory from here on. What the work needs at all is there before: it begins after a warm-up.
 class Growth

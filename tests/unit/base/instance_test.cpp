@@ -59,21 +59,6 @@ TEST(Instance, UnknownOrRepeatedRemovalIsIgnored)
     EXPECT_EQ(runs, 1);
 }
 
-TEST(Instance, CallbackThatIsRunBeforeTheEndIsNotRunAgain)
-{
-    int runs = 0;
-    {
-        Instance instance;
-        const auto id = instance.AddDestructionCallback([&] { ++runs; });
-        instance.RunDestructionCallback(0);
-        EXPECT_EQ(runs, 0);
-        instance.RunDestructionCallback(id);
-        EXPECT_EQ(runs, 1);
-        instance.RunDestructionCallback(id);
-    }
-    EXPECT_EQ(runs, 1);
-}
-
 TEST(Instance, CallbackMayTakeOtherInstancesCallbacksAway)
 {
     Instance other;

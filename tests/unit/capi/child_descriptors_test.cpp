@@ -36,7 +36,7 @@ TEST_F(ChildDescriptors, ChildThatWasLostBeforeItsEntryHasAnInvalidHandle)
     system->UpdateChildren(0);
 
     EXPECT_EQ(Find(EnterDescriptor(system, lost)), nullptr);
-    EXPECT_EQ(Find(EnterDescriptor(system, stayed)), stayed);
+    EXPECT_EQ(Find(EnterDescriptor(system, stayed))->Get(), stayed);
 }
 
 } // namespace koro::internal

@@ -26,6 +26,14 @@ int SizeOf(const Table& table)
     return size;
 }
 
+// Empty without an entry.
+template <class Class>
+std::shared_ptr<Class> ObjectOf(const HandleTable<Class>& table, HandleOf<Class> handle)
+{
+    const auto held = table.Find(handle);
+    return held ? held->Get() : nullptr;
+}
+
 } // namespace koro::internal::test
 
 namespace koro::internal

@@ -3,7 +3,11 @@
 #include "tests/support/throws_exactly.h"
 #include "tests/unit/capi/handle_kinds_of_tests.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
+#ifdef __SANITIZE_ADDRESS__
+#include <sanitizer/asan_interface.h>
+#endif
 #include <utility>
 #include <vector>
 
@@ -42,7 +46,7 @@ TEST(HandleTables, EntryKeepsTheObjectAliveUntilItIsRemoved)
     const std::weak_ptr<Parent> watch = object;
     const auto handle = table.Add(object);
     object.reset();
-    EXPECT_EQ(table.Find(handle), watch.lock());
+    EXPECT_EQ(ObjectOf(table, handle), watch.lock());
 
     table.Remove(handle);
     EXPECT_TRUE(watch.expired());
@@ -111,58 +115,80 @@ TEST(HandleTables, ChildThatIsHeldElsewhereLosesItsEntryAlone)
     EXPECT_EQ(child.use_count(), 1);
 }
 
-struct CountingParent
+TEST(HandleTables, CallThatCameByAHandleKeepsTheObjectAfterItsEntry)
 {
-    std::uint64_t AddDestructionCallback(Instance::DestructionCallback)
-    {
-        ++callbacks;
-        return 7;
-    }
-    void RemoveDestructionCallback(std::uint64_t id) { callbacks -= id == 7 ? 1 : 0; }
-    int callbacks = 0;
-};
-
-// The parent would otherwise gather a callback for each child that it ever had.
-TEST(HandleTables, EndOfAChildTakesItsCallbackFromTheLivingParent)
-{
-    HandleTable<Child> table;
-    const auto parent = std::make_shared<CountingParent>();
-    const auto handle = table.Add(std::make_shared<Child>(), parent);
-    EXPECT_EQ(parent->callbacks, 1);
+    HandleTable<Parent> table;
+    auto object = std::make_shared<Parent>();
+    const std::weak_ptr<Parent> watch = object;
+    const auto handle = table.Add(object);
+    object.reset();
+    auto held = table.Find(handle);
     table.Remove(handle);
-    EXPECT_EQ(parent->callbacks, 0);
+    EXPECT_FALSE(watch.expired());
+    held.reset();
+    EXPECT_TRUE(watch.expired());
 }
 
-// It may be entered again and again: both would gather callbacks.
-TEST(HandleTables, RemovedEntryOfAChildThatLivesOnLeavesNoCallbackAtEither)
+// The parent would otherwise gather a link for each child that it ever had.
+TEST(HandleTables, ParentForgetsTheChildrenThatHaveGone)
 {
     HandleTable<Child> table;
-    const auto parent = std::make_shared<CountingParent>();
-    auto child = std::make_shared<Child>();
-    for (int round = 0; round < 3; ++round)
+    const auto parent = std::make_shared<Parent>();
+    for (int round = 0; round < 1000; ++round)
     {
-        const auto handle = table.Add(child, parent);
-        EXPECT_EQ(parent->callbacks, 1);
+        const auto handle = table.Add(std::make_shared<Child>(), parent);
+        EXPECT_EQ(parent->HoldsBelow().size(), 1u);
         table.Remove(handle);
-        EXPECT_EQ(parent->callbacks, 0);
+        EXPECT_EQ(parent->HoldsBelow().size(), 0u);
     }
-    child.reset();
-    EXPECT_EQ(parent->callbacks, 0); // the child took nothing back a second time
 }
 
-TEST(HandleTables, ParentThatTakesNoCallbackLeavesNoEntry)
+TEST(HandleTables, ParentThatHasBeenEndedTakesNoEntry)
 {
-    struct FullParent
-    {
-        std::uint64_t AddDestructionCallback(Instance::DestructionCallback) { throw InternalErrorException("full"); }
-        void RemoveDestructionCallback(std::uint64_t) {}
-    };
     HandleTable<Child> table;
-    const auto parent = std::make_shared<FullParent>();
+    const auto parent = std::make_shared<Parent>();
     const auto child = std::make_shared<Child>();
-    EXPECT_THAT([&] { table.Add(child, parent); }, ThrowsExactly<InternalErrorException>("full"));
+    parent->MarkEnded();
+    EXPECT_THAT([&] { table.Add(child, parent); }, ThrowsExactly<InternalErrorException>("Pointer has expired!"));
     EXPECT_EQ(table.Find(HandleFor(child)), nullptr);
     EXPECT_EQ(child.use_count(), 1);
+}
+
+TEST(HandleTables, HiddenEntryIsNotFoundAndStillThere)
+{
+    HandleTable<Child> table;
+    const auto child = std::make_shared<Child>();
+    const auto handle = table.Add(child);
+    const auto held = table.Find(handle);
+    EXPECT_FALSE(held->HideEntry()); // nobody but this test is inside
+    EXPECT_EQ(table.Find(handle), nullptr);
+    EXPECT_EQ(SizeOf(table), 1);
+    held->RemoveEntry();
+    EXPECT_EQ(SizeOf(table), 0);
+    EXPECT_TRUE(held->HideEntry());
+}
+
+TEST(HandleTables, HiddenEntryTellsWhetherAnybodyElseIsInside)
+{
+    HandleTable<Child> table;
+    const auto handle = table.Add(std::make_shared<Child>());
+    const auto held = table.Find(handle);
+    const auto another = table.Find(handle);
+    EXPECT_TRUE(held->HideEntry());
+}
+
+TEST(HandleTables, AddressOfAnObjectStaysOutOfUseUntilTheStoreIsFull)
+{
+    HandleTable<Child> table;
+    std::vector<HandleOf<Child>> ended;
+    for (std::size_t count = 0; count < EndedObjects::maxObjects; ++count)
+    {
+        const auto handle = table.Add(std::make_shared<Child>());
+        table.Remove(handle);
+        ended.push_back(handle);
+    }
+    std::sort(ended.begin(), ended.end());
+    EXPECT_EQ(std::unique(ended.begin(), ended.end()), ended.end());
 }
 
 // Two objects, one after the other, at one address.
@@ -171,6 +197,9 @@ class SameAddress
 public:
     std::shared_ptr<Child> Make()
     {
+#ifdef __SANITIZE_ADDRESS__
+        ASAN_UNPOISON_MEMORY_REGION(place, sizeof place); // that of an ended object
+#endif
         return {new (place) Child, [](Child* child) { child->~Child(); }};
     }
 
@@ -204,7 +233,7 @@ TEST(HandleTables, RemovalForAnObjectSparesALaterOneAtItsAddress)
 
     table.RemoveEntryOf(handle, former);
     EXPECT_NE(table.Find(handle), nullptr);
-    table.RemoveEntryOf(handle, table.Find(handle));
+    table.RemoveEntryOf(handle, ObjectOf(table, handle));
     EXPECT_EQ(table.Find(handle), nullptr);
 }
 
@@ -255,7 +284,7 @@ TEST(HandleTables, AnyOfLooksAtTheObjectsAndHoldsNone)
     table.Add(first);
     table.Add(second);
     EXPECT_TRUE(table.AnyOf([&](const Parent& object) {
-        EXPECT_EQ(first.use_count(), 2); // this test's and the table's
+        EXPECT_EQ(first.use_count(), 2); // this test's and that of the table's hold
         return &object == second.get();
     }));
     EXPECT_FALSE(table.AnyOf([](const Parent&) { return false; }));
@@ -283,7 +312,7 @@ TEST(HandleTables, CloseDropsAllAndAdmitsNothingUntilItIsOpened)
     EXPECT_EQ(late.use_count(), 1);
 
     table.Open();
-    EXPECT_EQ(table.Find(table.Add(late)), late);
+    EXPECT_EQ(ObjectOf(table, table.Add(late)), late);
 }
 
 TEST(HandleTables, EndOfAParentAfterTheCloseFindsAnEmptyTable)

@@ -37,10 +37,10 @@ TEST(HandleTablesThreads, EntriesComeGoAndAreFoundConcurrently)
         {
             const auto own = std::make_shared<Child>();
             const auto handle = table.Add(own, parent);
-            if (table.Find(handle) != own) ++missed;
-            if (table.Find(sharedHandle) != shared) ++missed;
+            if (ObjectOf(table, handle) != own) ++missed;
+            if (ObjectOf(table, sharedHandle) != shared) ++missed;
             table.Remove(handle);
-            if (table.Find(handle) == own) ++missed;
+            if (ObjectOf(table, handle) == own) ++missed;
         }
     });
     EXPECT_EQ(missed, 0);

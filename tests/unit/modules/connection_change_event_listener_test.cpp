@@ -156,7 +156,7 @@ TEST(InterfaceThatOutlivesItsSystem, HasNoThreadToLeave)
         (std::vector<std::string>{
             "EventKill(system:event1000)", "GCUnregisterEvent(system, 1000)", "TLClose(system)"}));
     objects.producer->ClearJournal();
-    objects.interface->EndConnectionChanges();
+    objects.interface->EndThreads();
     objects.interface.reset();
     EXPECT_EQ(
         CallsOf(objects.producer->Journal(), {"EventKill", "IFClose"}), std::vector<std::string>{"IFClose(dead)"});

@@ -1,0 +1,57 @@
+// EndedObjects: keeps the addresses of objects that have ended out of use for a while, first in, first out.
+//
+// A handle is an address: were it given to the next object of the kind, a stale handle would name a stranger. What is
+// kept is the memory that std::make_shared took for the object, by a weak reference; all that the object owned is
+// freed. Under the address sanitizer this memory is poisoned. Any thread.
+#pragma once
+
+#include <cstddef>
+#include <deque>
+#include <memory>
+#include <mutex>
+
+namespace koro::internal
+{
+
+class EndedObjects
+{
+public:
+    static constexpr std::size_t maxObjects = 4096;
+    static constexpr std::size_t maxBytes = std::size_t{1} << 20;
+
+    EndedObjects() = default;
+    EndedObjects(const EndedObjects&) = delete;
+    EndedObjects& operator=(const EndedObjects&) = delete;
+    ~EndedObjects();
+
+    // Objects of about one size. One that still lives is kept as well: it ends later.
+    void Add(std::weak_ptr<const void> object, const void* address, std::size_t size) noexcept;
+
+private:
+    struct Shell
+    {
+        std::weak_ptr<const void> object;
+        const void* address;
+        std::size_t size;
+    };
+    static void Release(Shell& shell) noexcept;
+
+    std::mutex mutex;
+    std::deque<Shell> shells;
+};
+
+// One for the handles of callbacks, which no table knows. Freed at unload; whoever asks later makes it again.
+EndedObjects& EndedCallbacks();
+void FreeEndedCallbacks() noexcept;
+
+// Ends a callback whose address was its handle.
+template <class Callback>
+void EndCallback(std::shared_ptr<Callback> callback) noexcept
+{
+    const std::weak_ptr<const void> shell = callback;
+    const void* const address = callback.get();
+    callback.reset();
+    EndedCallbacks().Add(shell, address, sizeof(Callback));
+}
+
+} // namespace koro::internal

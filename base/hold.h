@@ -1,0 +1,45 @@
+// Hold: what the entry of a handle shares with the calls that came by it: the reference to the object.
+//
+// An object ends with its last hold: when its entries have gone and the last call has left, on the thread of that call.
+// A call costs one reference to the hold of its own object and nothing for the parents. What is above is added by the
+// one who ends it: a hold that is left over keeps the hold above, so that no parent closes before its child.
+// See capi/closing.h.
+#pragma once
+
+#include <memory>
+#include <utility>
+
+namespace koro::internal
+{
+
+class Instance;
+
+class Hold
+{
+public:
+    Hold() = default;
+    Hold(const Hold&) = delete;
+    Hold& operator=(const Hold&) = delete;
+    virtual ~Hold() = default; // of the object first, of what is above it afterwards
+
+    virtual Instance& Object() const = 0;
+    // Of the object that the entry ends with; empty without one, and when that has gone.
+    virtual std::shared_ptr<Hold> HoldAbove() const = 0;
+
+    // From now on the entry is found by a thread that is ending objects, and by no other. Returns whether anybody has a
+    // reference but the entry and the caller, who has one; also when there is no entry any more, since the object would
+    // have gone with it if nobody had been inside.
+    virtual bool HideEntry() = 0;
+    // The same for the end of what is above. An entry that outlives it is left to a new hold.
+    virtual bool HideEntryWithParent() = 0;
+    // Nothing when there is none.
+    virtual void RemoveEntry() = 0;
+
+    // Not by two threads at a time.
+    void Keep(std::shared_ptr<Hold> holdAbove) { above = std::move(holdAbove); }
+
+private:
+    std::shared_ptr<Hold> above;
+};
+
+} // namespace koro::internal

@@ -1,0 +1,36 @@
+// Closing: how objects end whose handles were handed out.
+//
+// An end waits for the monitors and listeners of what ends, and for nobody else. A call that is inside keeps its object
+// and, from the end on, all that is above it: so the last thread out closes children before parents and the producer
+// last. See docs/decisions/0021-the-last-one-out-closes.md.
+#pragma once
+
+#include "base/ending_scope.h"
+#include "base/hold.h"
+#include "base/instance.h"
+
+#include <memory>
+
+namespace koro::internal
+{
+
+// Ends the object of this hold, with all its handles and those below. Throws the standard deadlock error, and ends
+// nothing, in a callback of a monitor or listener that it would have to wait for.
+void EndObject(std::shared_ptr<Hold> hold);
+
+// The first half of an end, for any number of objects: refuses as above, ends the waits of calls that are inside, and
+// the threads of monitors and listeners.
+void EndActivity(const Instance::Holds& roots);
+
+// The second half, for the library's close, which empties the tables while this lives: hides all entries from other
+// threads, and gives what is above to the calls that are inside.
+class EndOfAll
+{
+public:
+    explicit EndOfAll(const Instance::Holds& roots);
+
+private:
+    const EndingScope scope;
+};
+
+} // namespace koro::internal

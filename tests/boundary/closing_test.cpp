@@ -1,0 +1,480 @@
+// Ends while calls are inside the producer: nobody waits for them, and the last one out closes in order.
+#include "tests/boundary/described_camera.h"
+#include "tests/boundary/stream_test.h"
+
+#include <functional>
+#include <future>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <ostream>
+#include <set>
+#include <thread>
+
+namespace koro::test
+{
+
+namespace
+{
+
+using Strings = std::vector<std::string>;
+using testing::IsEmpty;
+
+const Strings fromTheLeaves = {
+    "DSClose(if0-dev0-stream0)", "DevClose(if0-dev0)", "IFClose(if0)", "TLClose(system)", "GCCloseLib()"};
+
+// A call that is held at a gate inside the producer.
+class CallAtAGate
+{
+public:
+    CallAtAGate(const ScriptedProducer& calledProducer, const std::string& function) : producer(calledProducer)
+    {
+        producer->OnEntry(function, [this, function] {
+            producer->OnEntry(function, nullptr);
+            entered.set_value();
+            gate.get_future().wait();
+        });
+    }
+    ~CallAtAGate()
+    {
+        if (call.valid()) Leave();
+    }
+    CallAtAGate(const CallAtAGate&) = delete;
+    CallAtAGate& operator=(const CallAtAGate&) = delete;
+
+    void Enter(const std::function<KORO_ReturnCode()>& body)
+    {
+        call = std::async(std::launch::async, [body] { return Outcome(body()); });
+        entered.get_future().wait();
+    }
+    Error Leave()
+    {
+        gate.set_value();
+        return call.get();
+    }
+
+private:
+    const ScriptedProducer& producer;
+    std::promise<void> entered;
+    std::promise<void> gate;
+    std::future<Error> call;
+};
+
+class Closing : public StreamTest
+{
+protected:
+    Closing()
+    {
+        remoteModule = Get<KORO_ModuleHandle>(KORO_RemoteDevice_ToModule, tree.remoteDevice);
+        producer->ClearJournal();
+    }
+
+    Strings Closes() const { return CallsOf({"TLClose", "IFClose", "DevClose", "DSClose", "GCCloseLib"}); }
+    KORO_PortHandle RemotePort() const { return Get<KORO_PortHandle>(KORO_Module_GetPort, remoteModule); }
+
+    KORO_ModuleHandle remoteModule = nullptr;
+};
+
+// A kind of object, a call on it that goes to the producer, and what an end may close before that call comes back.
+struct Inside
+{
+    const char* kind;
+    const char* function;
+    std::function<std::function<KORO_ReturnCode()>(OpenTree&)> prepare;
+    std::size_t numClosedMeanwhile;
+
+    friend std::ostream& operator<<(std::ostream& stream, const Inside& inside) { return stream << inside.kind; }
+};
+
+template <class Handle>
+std::function<KORO_ReturnCode()> InfoOf(
+    KORO_ReturnCode (*getInfo)(Handle, std::int32_t, std::int32_t*, std::uint8_t*, std::size_t*), Handle handle,
+    std::int32_t command = 0)
+{
+    return [=] {
+        std::int32_t type = 0;
+        std::size_t size = 0;
+        return getInfo(handle, command, &type, nullptr, &size);
+    };
+}
+
+std::function<KORO_ReturnCode()> ReadOf(KORO_PortHandle port)
+{
+    return [=] {
+        std::uint8_t bytes[4];
+        return KORO_Port_Read(port, 0, bytes, sizeof bytes);
+    };
+}
+
+KORO_PortHandle PortOf(KORO_ModuleHandle module)
+{
+    return Get<KORO_PortHandle>(KORO_Module_GetPort, module);
+}
+
+KORO_EventControllerHandle ControllerOf(const OpenTree& tree)
+{
+    const auto module = Get<KORO_EventSupportingModuleHandle>(KORO_Device_ToEventSupportingModule, tree.device);
+    return Get<KORO_EventControllerHandle>(
+        KORO_EventSupportingModule_EnableEvents, module, std::int32_t{GenTL::EVENT_REMOTE_DEVICE});
+}
+
+const std::vector<Inside> kinds = {
+    {"SystemDescriptor", "GCGetInfo",
+     [](OpenTree& tree) { return InfoOf(KORO_SystemDescriptor_GetInfo, tree.systemDescriptor); }, 4},
+    {"System", "TLGetInfo", [](OpenTree& tree) { return InfoOf(KORO_System_GetInfo, tree.system); }, 3},
+    {"SystemAsModule", "GCReadPort",
+     [](OpenTree& tree) { return ReadOf(PortOf(Get<KORO_ModuleHandle>(KORO_System_ToModule, tree.system))); }, 3},
+    {"SystemThatUpdates", "TLUpdateInterfaceList",
+     [](OpenTree& tree) { return [&tree] { return KORO_System_UpdateInterfaces(tree.system, 0); }; }, 3},
+    {"InterfaceDescriptor", "TLGetInterfaceInfo",
+     [](OpenTree& tree) { return InfoOf(KORO_InterfaceDescriptor_GetInfo, tree.interfaceDescriptor); }, 3},
+    {"Interface", "IFGetInfo", [](OpenTree& tree) { return InfoOf(KORO_Interface_GetInfo, tree.interface); }, 2},
+    {"DeviceDescriptor", "IFGetDeviceInfo",
+     [](OpenTree& tree) { return InfoOf(KORO_DeviceDescriptor_GetInfo, tree.deviceDescriptor); }, 2},
+    {"Device", "DevGetInfo", [](OpenTree& tree) { return InfoOf(KORO_Device_GetInfo, tree.device); }, 1},
+    {"PortOfTheRemoteDevice", "GCReadPort",
+     [](OpenTree& tree) {
+         return ReadOf(PortOf(Get<KORO_ModuleHandle>(KORO_RemoteDevice_ToModule, tree.remoteDevice)));
+     },
+     1},
+    {"InfoOfAPort", "GCGetPortInfo",
+     [](OpenTree& tree) {
+         return InfoOf(
+             KORO_Port_GetInfo, PortOf(Get<KORO_ModuleHandle>(KORO_RemoteDevice_ToModule, tree.remoteDevice)));
+     },
+     1},
+    {"EventController", "EventGetInfo",
+     [](OpenTree& tree) { return InfoOf(KORO_EventController_GetInfo, ControllerOf(tree)); }, 1},
+    {"DataStreamThatOpens", "DevOpenDataStream",
+     [](OpenTree& tree) {
+         Require(KORO_DataStream_Destruct(tree.stream));
+         return [&tree] {
+             KORO_DataStreamHandle stream = nullptr;
+             return KORO_DataStreamDescriptor_OpenDataStream(tree.streamDescriptor, &stream);
+         };
+     },
+     0},
+    {"DataStream", "DSGetInfo", [](OpenTree& tree) { return InfoOf(KORO_DataStream_GetInfo, tree.stream); }, 0},
+    {"DataStreamThatStarts", "DSStartAcquisition",
+     [](OpenTree& tree) { return [&tree] { return KORO_DataStream_StartAcquisitionInfinite(tree.stream, 0); }; }, 0},
+    {"Buffer", "DSGetBufferInfo",
+     [](OpenTree& tree) { return InfoOf(KORO_Buffer_GetInfo, tree.QueueBuffers(1).front()); }, 0},
+};
+
+class EndWithACallInside : public Closing, public testing::WithParamInterface<Inside>
+{
+protected:
+    void ExpectOrder(const std::function<KORO_ReturnCode()>& end)
+    {
+        const Inside& inside = GetParam();
+        const auto body = inside.prepare(tree);
+        producer->ClearJournal();
+        CallAtAGate call(producer, inside.function);
+        call.Enter(body);
+
+        EXPECT_EQ(Outcome(end()), Error{}); // and does not wait
+        EXPECT_EQ(
+            Closes(),
+            Strings(fromTheLeaves.begin(), fromTheLeaves.begin() + static_cast<long>(inside.numClosedMeanwhile)));
+        EXPECT_EQ(producer->InitCount(), 1);
+
+        call.Leave();
+        EXPECT_EQ(Closes(), fromTheLeaves);
+        EXPECT_EQ(producer->Journal().back(), "GCCloseLib()");
+        EXPECT_THAT(producer->Open(), IsEmpty());
+        EXPECT_EQ(producer->InitCount(), 0);
+    }
+};
+
+} // namespace
+
+TEST_P(EndWithACallInside, OfTheProducerLibraryIsClosedByTheLastOneOut)
+{
+    ExpectOrder([&] { return KORO_ProducerLibrary_Destruct(tree.producerLibrary); });
+}
+
+// The stream that a racing opening made had no handle, so it was closed when the open came back.
+INSTANTIATE_TEST_SUITE_P(Closing, EndWithACallInside, testing::ValuesIn(kinds), [](const auto& kind) {
+    return kind.param.kind;
+});
+
+TEST_F(Closing, OfTheWholeLibraryIsFinishedByTheLastOneOut)
+{
+    CallAtAGate call(producer, "DevGetInfo");
+    call.Enter(InfoOf(KORO_Device_GetInfo, tree.device));
+    EXPECT_EQ(Outcome(KORO_Library_Close()), Error{});
+    EXPECT_EQ(Closes(), Strings{fromTheLeaves[0]});
+    call.Leave();
+    EXPECT_EQ(Closes(), fromTheLeaves);
+    EXPECT_EQ(producer->Journal().back(), "GCCloseLib()");
+    Require(KORO_Library_Initialize());
+}
+
+TEST_F(Closing, EndsOfAChildAndThenOfItsParentsKeepTheOrder)
+{
+    CallAtAGate call(producer, "DSGetInfo");
+    call.Enter(InfoOf(KORO_DataStream_GetInfo, tree.stream));
+    EXPECT_EQ(Outcome(KORO_Device_Destruct(tree.device)), Error{});
+    EXPECT_EQ(Outcome(KORO_Interface_Destruct(tree.interface)), Error{});
+    EXPECT_EQ(Outcome(KORO_System_Destruct(tree.system)), Error{});
+    EXPECT_EQ(Outcome(KORO_ProducerLibrary_Destruct(tree.producerLibrary)), Error{});
+    EXPECT_THAT(Closes(), IsEmpty());
+    EXPECT_EQ(call.Leave(), parentExpired); // it asks twice, and the device was ended in between
+    EXPECT_EQ(Closes(), fromTheLeaves);
+}
+
+// The thread that is closing is inside the producer, too.
+TEST_F(Closing, EndOfTheParentsWaitsInOrderForACloseThatIsRunning)
+{
+    CallAtAGate close(producer, "IFClose");
+    close.Enter([&] { return KORO_Interface_Destruct(tree.interface); });
+    producer->ClearJournal();
+    EXPECT_EQ(Outcome(KORO_ProducerLibrary_Destruct(tree.producerLibrary)), Error{});
+    EXPECT_THAT(Closes(), IsEmpty());
+    EXPECT_EQ(close.Leave(), Error{});
+    EXPECT_EQ(Closes(), (Strings{"DevClose(dead)", "TLClose(system)", "GCCloseLib()"}));
+}
+
+TEST_F(Closing, TwoCallsInsideAreBothAwaited)
+{
+    CallAtAGate onStream(producer, "DSGetInfo");
+    CallAtAGate onSystem(producer, "TLGetInfo");
+    onStream.Enter(InfoOf(KORO_DataStream_GetInfo, tree.stream));
+    onSystem.Enter(InfoOf(KORO_System_GetInfo, tree.system));
+    EXPECT_EQ(Outcome(KORO_ProducerLibrary_Destruct(tree.producerLibrary)), Error{});
+    onStream.Leave();
+    EXPECT_EQ(Closes(), Strings(fromTheLeaves.begin(), fromTheLeaves.begin() + 3));
+    onSystem.Leave();
+    EXPECT_EQ(Closes(), fromTheLeaves);
+}
+
+TEST_F(Closing, HandlesBelowEndWithTheEndAlsoWhileACallKeepsTheObject)
+{
+    producer->Edit([&](scripted::Tree& scriptedTree) {
+        auto& device = *scriptedTree.interfaces[0]->devices[0];
+        DescribePort(device.remotePort, DescriptionOf(IntRegister("Number", 0)));
+    });
+    Require(KORO_Device_Destruct(tree.device));
+    tree.device =
+        Get<KORO_DeviceHandle>(KORO_DeviceDescriptor_OpenDevice, tree.deviceDescriptor, OpenTree::exclusiveAccess);
+    tree.remoteDevice = Get<KORO_RemoteDeviceHandle>(KORO_Device_GetRemoteDevice, tree.device);
+    remoteModule = Get<KORO_ModuleHandle>(KORO_RemoteDevice_ToModule, tree.remoteDevice);
+    const auto nodeMap = Get<KORO_NodeMapHandle>(KORO_Module_GetNodeMap, remoteModule, std::size_t{0});
+    const auto port = RemotePort();
+
+    CallAtAGate call(producer, "DevGetInfo");
+    call.Enter(InfoOf(KORO_Device_GetInfo, tree.device));
+    EXPECT_EQ(Outcome(KORO_Device_Destruct(tree.device)), Error{});
+    KORO_DeviceHandle device = nullptr;
+    EXPECT_EQ(Outcome(KORO_NodeMap_Lock(nodeMap)), InvalidHandle("nodeMapHandle"));
+    EXPECT_EQ(Outcome(ReadOf(port)()), InvalidHandle("portHandle"));
+    EXPECT_EQ(
+        Outcome(KORO_RemoteDevice_GetLocalDevice(tree.remoteDevice, &device)), InvalidHandle("remoteDeviceHandle"));
+    EXPECT_EQ(call.Leave(), Error{});
+}
+
+TEST_F(Closing, CallInsideGetsNoNewHandleOfAnEndedParent)
+{
+    CallAtAGate call(producer, "DevGetNumDataStreams");
+    Require(KORO_Device_Destruct(tree.device));
+    tree.device =
+        Get<KORO_DeviceHandle>(KORO_DeviceDescriptor_OpenDevice, tree.deviceDescriptor, OpenTree::exclusiveAccess);
+    KORO_DataStreamDescriptorHandle descriptor = nullptr;
+    call.Enter([&] { return KORO_Device_GetDataStream(tree.device, 0, &descriptor); });
+    EXPECT_EQ(Outcome(KORO_Device_Destruct(tree.device)), Error{});
+    EXPECT_EQ(call.Leave(), parentExpired);
+    EXPECT_EQ(descriptor, nullptr);
+}
+
+// A map with one integer, locked by this thread, and a reader that waits for the lock or comes too late.
+class EndOfALockedMap : public Closing
+{
+protected:
+    EndOfALockedMap()
+    {
+        producer->Edit([&](scripted::Tree& scriptedTree) {
+            auto& scriptedDevice = *scriptedTree.interfaces[0]->devices[1];
+            DescribePort(scriptedDevice.remotePort, DescriptionOf(IntRegister("Number", 0)));
+        });
+        const auto descriptor =
+            Get<KORO_DeviceDescriptorHandle>(KORO_Interface_GetDevice, tree.interface, std::size_t{1});
+        device = Get<KORO_DeviceHandle>(KORO_DeviceDescriptor_OpenDevice, descriptor, OpenTree::exclusiveAccess);
+        const auto remoteDevice = Get<KORO_RemoteDeviceHandle>(KORO_Device_GetRemoteDevice, device);
+        const auto module = Get<KORO_ModuleHandle>(KORO_RemoteDevice_ToModule, remoteDevice);
+        nodeMap = Get<KORO_NodeMapHandle>(KORO_Module_GetNodeMap, module, std::size_t{0});
+        const auto node = Get<KORO_NodeHandle>(KORO_NodeMap_FindNode, nodeMap, "Number", std::size_t{7});
+        number = Get<KORO_IntegerNodeHandle>(KORO_Node_ToIntegerNode, node);
+    }
+
+    std::future<KORO_ReturnCode> Write() const
+    {
+        std::promise<void> started;
+        auto isStarted = started.get_future();
+        auto writer = std::async(std::launch::async, [this, started = std::move(started)]() mutable {
+            started.set_value();
+            return KORO_IntegerNode_SetValue(number, 1);
+        });
+        isStarted.wait();
+        for (int turn = 0; turn < 1000; ++turn)
+            std::this_thread::yield(); // it is most likely inside by then
+        return writer;
+    }
+
+    KORO_DeviceHandle device = nullptr;
+    KORO_NodeMapHandle nodeMap = nullptr;
+    KORO_IntegerNodeHandle number = nullptr;
+};
+
+TEST_F(EndOfALockedMap, OnAnotherThreadLetsTheUnlockGiveItUp)
+{
+    Require(KORO_NodeMap_Lock(nodeMap));
+    Require(KORO_NodeMap_Lock(nodeMap));
+    auto writer = Write();
+    EXPECT_EQ(std::async(std::launch::async, [&] { return Outcome(KORO_Device_Destruct(device)); }).get(), Error{});
+    EXPECT_EQ(Outcome(KORO_NodeMap_Unlock(nodeMap)), InvalidHandle("nodeMapHandle"));
+    EXPECT_EQ(Outcome(KORO_NodeMap_Unlock(nodeMap)), InvalidHandle("nodeMapHandle"));
+    const auto code = writer.get(); // and does not hang
+    EXPECT_TRUE(code == KORO_RETURN_CODE_SUCCESS || code == KORO_RETURN_CODE_INVALID_HANDLE) << code;
+}
+
+TEST_F(EndOfALockedMap, OnItsOwnThreadGivesItUpAtOnce)
+{
+    Require(KORO_NodeMap_Lock(nodeMap));
+    auto writer = Write();
+    EXPECT_EQ(Outcome(KORO_Device_Destruct(device)), Error{});
+    const auto code = writer.get();
+    EXPECT_TRUE(code == KORO_RETURN_CODE_SUCCESS || code == KORO_RETURN_CODE_INVALID_HANDLE) << code;
+    EXPECT_EQ(Outcome(KORO_NodeMap_Unlock(nodeMap)), InvalidHandle("nodeMapHandle"));
+}
+
+TEST_F(EndOfALockedMap, WithTheLibraryLetsTheUnlockGiveItUp)
+{
+    Require(KORO_NodeMap_Lock(nodeMap));
+    auto writer = Write();
+    EXPECT_EQ(std::async(std::launch::async, [] { return Outcome(KORO_Library_Close()); }).get(), Error{});
+    EXPECT_EQ(KORO_NodeMap_Unlock(nodeMap), KORO_RETURN_CODE_NOT_INITIALIZED);
+    writer.get();
+    EXPECT_EQ(producer->InitCount(), 0);
+    Require(KORO_Library_Initialize());
+}
+
+// Ordinary code that reconnects must not meet its old handles again.
+TEST_F(Closing, HandlesOfEndedModulesDoNotComeBackSoon)
+{
+    std::set<const void*> handles;
+    const auto expectNew = [&](const void* handle) { EXPECT_TRUE(handles.insert(handle).second); };
+    producer->KeepJournal(false);
+    for (int round = 0; round < 200; ++round)
+    {
+        expectNew(tree.stream);
+        expectNew(tree.device);
+        Require(KORO_Interface_Destruct(tree.interface));
+        tree.interface = Get<KORO_InterfaceHandle>(KORO_InterfaceDescriptor_OpenInterface, tree.interfaceDescriptor);
+        expectNew(tree.interface);
+        Require(KORO_Interface_UpdateDevices(tree.interface, 0));
+        tree.deviceDescriptor =
+            Get<KORO_DeviceDescriptorHandle>(KORO_Interface_GetDevice, tree.interface, std::size_t{0});
+        tree.device =
+            Get<KORO_DeviceHandle>(KORO_DeviceDescriptor_OpenDevice, tree.deviceDescriptor, OpenTree::exclusiveAccess);
+        tree.streamDescriptor =
+            Get<KORO_DataStreamDescriptorHandle>(KORO_Device_GetDataStream, tree.device, std::size_t{0});
+        tree.stream = Get<KORO_DataStreamHandle>(KORO_DataStreamDescriptor_OpenDataStream, tree.streamDescriptor);
+    }
+}
+
+TEST_F(Closing, HandlesDoNotComeBackAfterTheLibraryWasClosed)
+{
+    std::set<const void*> handles;
+    for (int round = 0; round < 50; ++round)
+    {
+        for (const void* handle :
+             {static_cast<const void*>(tree.producerLibrary), static_cast<const void*>(tree.system),
+              static_cast<const void*>(tree.device), static_cast<const void*>(tree.stream)})
+            EXPECT_TRUE(handles.insert(handle).second);
+        Require(KORO_Library_Close());
+        Require(KORO_Library_Initialize());
+        tree = OpenTree(producer.Path());
+    }
+}
+
+TEST_F(Closing, HandlesOfEndedCallbacksDoNotComeBackSoon)
+{
+    std::set<const void*> handles;
+    for (int round = 0; round < 1000; ++round)
+    {
+        KORO_DeviceFoundCallbackHandle handle = nullptr;
+        const auto ignore = [](KORO_DeviceDescriptorHandle, void*) {};
+        Require(KORO_Interface_RegisterDeviceFoundCallback(tree.interface, ignore, nullptr, &handle));
+        Require(KORO_Interface_UnregisterDeviceFoundCallback(tree.interface, handle));
+        EXPECT_TRUE(handles.insert(handle).second);
+    }
+}
+
+// The waits end first, whichever object goes.
+struct WaitEnd
+{
+    const char* name;
+    KORO_ReturnCode (*end)(const OpenTree& tree);
+};
+
+class EndOfAWait : public Closing, public testing::WithParamInterface<WaitEnd>
+{};
+
+TEST_P(EndOfAWait, ForABufferIsThatOfAKill)
+{
+    Require(KORO_DataStream_StartAcquisitionInfinite(tree.stream, 0));
+    auto waiter = std::async(std::launch::async, [&] { return OutcomeOfWait(KORO_INFINITE); });
+    auto another = std::async(std::launch::async, [&] { return OutcomeOfWait(KORO_INFINITE); });
+    producer->AwaitWaiters(2);
+    EXPECT_EQ(GetParam().end(tree), KORO_RETURN_CODE_SUCCESS);
+    EXPECT_EQ(waiter.get(), aborted);
+    EXPECT_EQ(another.get(), aborted);
+    if (!Get<KORO_Bool8>(KORO_Library_IsInitialized)) Require(KORO_Library_Initialize());
+}
+
+TEST_P(EndOfAWait, ForAnEventIsThatOfAKill)
+{
+    const auto controller = EnableEvents(GenTL::EVENT_ERROR);
+    auto waiter = std::async(std::launch::async, [&] {
+        KORO_EventHandle event = nullptr;
+        return Outcome(KORO_EventController_WaitForEvent(controller, KORO_INFINITE, &event));
+    });
+    producer->AwaitWaiters(1);
+    EXPECT_EQ(GetParam().end(tree), KORO_RETURN_CODE_SUCCESS);
+    EXPECT_EQ(waiter.get(), aborted);
+    if (!Get<KORO_Bool8>(KORO_Library_IsInitialized)) Require(KORO_Library_Initialize());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Closing, EndOfAWait,
+    testing::Values(
+        WaitEnd{"WithTheStream", [](const OpenTree& tree) { return KORO_DataStream_Destruct(tree.stream); }},
+        WaitEnd{"WithTheDevice", [](const OpenTree& tree) { return KORO_Device_Destruct(tree.device); }},
+        WaitEnd{"WithTheInterface", [](const OpenTree& tree) { return KORO_Interface_Destruct(tree.interface); }},
+        WaitEnd{"WithTheSystem", [](const OpenTree& tree) { return KORO_System_Destruct(tree.system); }},
+        WaitEnd{
+            "WithTheProducerLibrary",
+            [](const OpenTree& tree) { return KORO_ProducerLibrary_Destruct(tree.producerLibrary); }},
+        WaitEnd{"WithTheLibrary", [](const OpenTree&) { return KORO_Library_Close(); }}),
+    [](const auto& end) { return end.param.name; });
+
+TEST_F(Closing, WaitForAnEventEndsWithItsController)
+{
+    const auto controller = EnableEvents(GenTL::EVENT_ERROR);
+    auto waiter = std::async(std::launch::async, [&] {
+        KORO_EventHandle event = nullptr;
+        return Outcome(KORO_EventController_WaitForEvent(controller, KORO_INFINITE, &event));
+    });
+    producer->AwaitWaiters(1);
+    EXPECT_EQ(Outcome(KORO_EventController_Destruct(controller)), Error{});
+    EXPECT_EQ(waiter.get(), aborted);
+    EXPECT_EQ(CallsOf({"GCUnregisterEvent"}).size(), 1u);
+}
+
+TEST_F(Closing, EndWithoutAWaiterKillsNothing)
+{
+    Require(KORO_DataStream_StartAcquisitionInfinite(tree.stream, 0));
+    Require(KORO_Device_Destruct(tree.device));
+    EXPECT_THAT(CallsOf({"EventKill"}), IsEmpty());
+}
+
+} // namespace koro::test
