@@ -1,0 +1,65 @@
+// Producers that answer less than they should, or something else.
+#include "tests/wild/suite.h"
+
+namespace koro::test::wild
+{
+
+namespace
+{
+
+const std::vector<std::string> producers = {
+    "tame",
+    "no_payload_size",
+    "little_information",
+    "no_url_information",
+    "no_error_codes",
+    "stale_errors",
+    "no_error_texts",
+    "nothing_changed",
+    "same_serial_numbers",
+    "open_elsewhere",
+    "refuses_to_start",
+    "strict_start",
+    "poisoned_threads",
+};
+
+const std::string accessDenied = "IFOpenDevice .* Error-Code: -1005";
+const std::string whyNotStarted = "wild_refuses_to_start.cti.*Code: -1001";
+
+const std::vector<Row> rows = {
+    // Cameras of one serial number are told apart by their ids.
+    {"same_serial_numbers", "list", {0, {Says("wild0-camera/left"), Says("3 cameras")}}},
+    {"same_serial_numbers", "doctor", {0, {Says("3 usable cameras")}}},
+    {"same_serial_numbers", "info", {0, {Says("serial number +W-one")}}},
+
+    // What is known without opening the camera is shown, all else is refused with the producer's code.
+    {"open_elsewhere", "list", {0, {Says("access +NoAccess")}}},
+    {"open_elsewhere", "list_json", {0, {Says("NoAccess")}}},
+    {"open_elsewhere", "doctor", {4, {Says("no usable camera"), Says("nother program")}}},
+    {"open_elsewhere", "info", {0, {Says("W-wild0-camera"), Says("not opened: .*-1005")}}},
+    {"open_elsewhere", "watch", {0, {Says("found +wild0:wild0-camera")}}},
+    {"open_elsewhere", "*", {1, {Warns(accessDenied), Warns("hint: Another program")}}},
+
+    {"refuses_to_start", "list", {0, {Says(whyNotStarted), Says("0 cameras")}}},
+    {"refuses_to_start", "list_json", {0, {Says(whyNotStarted)}}},
+    {"refuses_to_start", "doctor", {4, {Says(whyNotStarted)}}},
+    {"refuses_to_start", "watch", {1, {Warns(whyNotStarted), Warns("no producer that works")}}},
+    {"refuses_to_start", "*", {3, {Warns(whyNotStarted)}}},
+
+    // Nothing can be read behind the first failed query, so no command that opens the stream gets far.
+    {"poisoned_threads", "grab", {1, {Warns("tells the size of a frame")}}},
+    {"poisoned_threads", "grab_raw", {1, {Warns("tells the size of a frame")}}},
+};
+
+} // namespace
+
+INSTANTIATE_TEST_SUITE_P(Answers, WildProducers, testing::ValuesIn(Cases(producers, rows)), NameOf);
+
+TEST(CamerasOfOneSerialNumber, AreNamedAsCandidatesByWhatTellsThemApart)
+{
+    const TemporaryFolder folder;
+    const ToolResult result = RunAgainst("same_serial_numbers", "get W-one Width", folder);
+    ExpectShown(result, {3, {Warns("wild0-camera/left"), Warns("wild0-camera/disparity")}});
+}
+
+} // namespace koro::test::wild

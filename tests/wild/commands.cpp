@@ -1,0 +1,38 @@
+// What the commands show of a producer that behaves itself.
+#include "tests/wild/suite.h"
+
+namespace koro::test::wild
+{
+
+const std::vector<Command>& Commands()
+{
+    static const std::vector<Command> commands = {
+        {"list", "list", {0, {Says("wild0-camera"), Says("Wild camera")}}},
+        {"list_json", "list --json", {0, {Says("\"wild0-camera\"")}}},
+        {"doctor", "doctor", {0, {Says("1 usable camera")}}},
+        {"info", "info wild0-camera", {0, {Says("W-wild0-camera")}}},
+        {"grab", "grab wild0-camera --frames 4 --timeout 1000 --output FOLDER/pictures", {0, {Says("pictures +4\n")}}},
+        {"grab_raw",
+         "grab wild0-camera --frames 4 --timeout 1000 --format raw --output FOLDER/pictures",
+         {0, {Says("pictures +4\n")}}},
+        {"features", "features wild0-camera", {0, {Says("Width +rw +64 +8..64 by 8")}}},
+        {"features_json", "features wild0-camera --json", {0, {Says("\"PixelFormat\"")}}},
+        {"get", "get wild0-camera Width", {0, {Says("^64\n$")}}},
+        {"set", "set wild0-camera Width=32", {0, {Says("^Width=32\n$")}}},
+        {"run", "run wild0-camera AcquisitionStop", {0, {Says("AcquisitionStop is done")}}},
+        {"describe", "describe wild0-camera Width", {0, {Says("access +read and write")}}},
+        {"xml", "xml wild0-camera", {0, {Says("<RegisterDescription ")}}},
+        {"watch", "watch --changes 2 --duration 3000", {0, {Says("found +wild0:wild0-camera")}}},
+        {"watch_feature", "watch wild0-camera Width --changes 1", {0, {Says("Width=64")}}},
+        {"events", "events wild0-camera --duration 1", {6, {Warns("has no feature \"EventSelector\"")}}},
+        {"settings_save", "settings save wild0-camera FOLDER/new", {0, {Says("5 values")}}},
+        {"settings_load", "settings load wild0-camera FOLDER/saved", {0, {}}},
+        {"settings_check", "settings check wild0-camera FOLDER/saved", {0, {Says("Width: 64 -> 32")}}},
+        {"settings_diff", "settings diff wild0-camera FOLDER/saved", {7, {Says("Width")}}},
+        {"files_list", "files list wild0-camera", {6, {Warns("no files that can be reached")}}},
+        {"firmware_info", "firmware info FOLDER/update.guf --for wild0-camera", {0, {Says("Better pictures")}}},
+    };
+    return commands;
+}
+
+} // namespace koro::test::wild
