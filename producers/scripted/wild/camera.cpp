@@ -175,9 +175,15 @@ void DescribeHost(Tree& tree)
     }
 }
 
-std::uint32_t HostPacketSize(const Tree& tree)
+std::uint32_t TakeHostPacketSize(Tree& tree)
 {
-    return Get<std::uint32_t>(tree.port, registers);
+    const auto size = Get<std::uint32_t>(tree.port, registers);
+    for (const auto& interface : tree.interfaces)
+    {
+        for (const auto& device : interface->devices)
+            Set(device->remotePort, packetSizeAddress, size);
+    }
+    return size;
 }
 
 } // namespace scripted::wild

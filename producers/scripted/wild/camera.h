@@ -32,7 +32,7 @@ std::shared_ptr<Device> MakeCameraDevice(Camera& camera, const std::function<voi
 
 // The features of the modules above the cameras.
 void DescribeHost(Tree& tree);
-// What the system's feature StreamPacketSize says.
-std::uint32_t HostPacketSize(const Tree& tree);
+// Overwrites the packet size of every camera by the system's feature StreamPacketSize, which it gives.
+std::uint32_t TakeHostPacketSize(Tree& tree);
 
 } // namespace scripted::wild

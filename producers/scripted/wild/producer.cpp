@@ -24,7 +24,7 @@ Producer::Producer(Script& behindIt) : script(behindIt), source(behindIt)
     // The host's packet size goes before what the camera's own feature says.
     script.Intercept("DSStartAcquisition", [this](const auto&) -> std::optional<GC_ERROR> {
         std::uint32_t size = 0;
-        script.Edit([&](Tree& tree) { size = HostPacketSize(tree); });
+        script.Edit([&](Tree& tree) { size = TakeHostPacketSize(tree); });
         for (const auto& camera : cameras)
             camera->packetSize = size;
         return std::nullopt;
