@@ -8,19 +8,9 @@ namespace
 {
 
 const std::vector<std::string> producers = {
-    "tame",
-    "no_payload_size",
-    "little_information",
-    "no_url_information",
-    "no_error_codes",
-    "stale_errors",
-    "no_error_texts",
-    "nothing_changed",
-    "same_serial_numbers",
-    "open_elsewhere",
-    "refuses_to_start",
-    "strict_start",
-    "poisoned_threads",
+    "tame",         "no_payload_size", "little_information", "no_url_information", "no_error_codes",
+    "stale_errors", "no_error_texts",  "nothing_changed",    "no_streamable",      "same_serial_numbers",
+    "odd_texts",    "open_elsewhere",  "refuses_to_start",   "strict_start",       "poisoned_threads",
 };
 
 const std::string accessDenied = "IFOpenDevice .* Error-Code: -1005";
@@ -32,6 +22,9 @@ const std::vector<Row> rows = {
     {"same_serial_numbers", "doctor", {0, {Says("3 usable cameras")}}},
     {"same_serial_numbers", "info", {0, {Says("serial number +W-one")}}},
 
+    {"odd_texts", "list", {0, {Says("wild0-camera"), Says("model +ZVR mo.*del")}}},
+    {"odd_texts", "info", {0, {Says("model +mo.*del")}}},
+
     // What is known without opening the camera is shown, all else is refused with the producer's code.
     {"open_elsewhere", "list", {0, {Says("access +NoAccess")}}},
     {"open_elsewhere", "list_json", {0, {Says("NoAccess")}}},
@@ -40,11 +33,14 @@ const std::vector<Row> rows = {
     {"open_elsewhere", "watch", {0, {Says("found +wild0:wild0-camera")}}},
     {"open_elsewhere", "*", {1, {Warns(accessDenied), Warns("hint: Another program")}}},
 
+    // The reason that the producer itself has is for the doctor, who may ask it.
     {"refuses_to_start", "list", {0, {Says(whyNotStarted), Says("0 cameras")}}},
     {"refuses_to_start", "list_json", {0, {Says(whyNotStarted)}}},
-    {"refuses_to_start", "doctor", {4, {Says(whyNotStarted)}}},
+    {"refuses_to_start", "doctor", {4, {Says("line 7 of the settings has no number"), NeverSays("cables")}}},
     {"refuses_to_start", "watch", {1, {Warns(whyNotStarted), Warns("no producer that works")}}},
-    {"refuses_to_start", "*", {3, {Warns(whyNotStarted)}}},
+    {"refuses_to_start", "*", {3, {Warns(whyNotStarted), NeverWarns("There is no camera\\.")}}},
+
+    {"no_streamable", "settings_save", {0, {Warns("marks no feature"), Warns("--all-writable")}}},
 
     // Nothing can be read behind the first failed query, so no command that opens the stream gets far.
     {"poisoned_threads", "grab", {1, {Warns("tells the size of a frame")}}},

@@ -1,6 +1,9 @@
 // Producers that deliver broken frames, none, or some of several parts.
 #include "tests/wild/suite.h"
 
+#include <fstream>
+#include <iterator>
+
 namespace koro::test::wild
 {
 
@@ -31,5 +34,17 @@ INSTANTIATE_TEST_SUITE_P(Frames, WildProducers, testing::ValuesIn(Cases(producer
 INSTANTIATE_TEST_SUITE_P(
     Silence, WildProducers,
     testing::ValuesIn(Cases({"silent_after_frames KORO_WILD_FRAMES=2"}, {"grab", "grab_raw"}, silentRows)), NameOf);
+
+// The packet size of the host replaces the camera's own and stands in the first bytes of each picture.
+TEST(FeaturesOfTheHost, AreSetBeforeAStreamIsOpened)
+{
+    const TemporaryFolder folder;
+    const std::string line =
+        "grab wild0-camera --frames 1 --format raw --set system:StreamPacketSize=8996 --output FOLDER";
+    ExpectShown(RunAgainst("tame", line, folder), {0, {Says("pictures +1\n")}});
+    std::ifstream picture(folder.File("W-wild0-camera-000001.raw"), std::ios::binary);
+    const std::string bytes(std::istreambuf_iterator<char>(picture), {});
+    EXPECT_EQ(bytes.substr(0, 4), std::string("\x24\x23\0\0", 4));
+}
 
 } // namespace koro::test::wild

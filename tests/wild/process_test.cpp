@@ -2,6 +2,8 @@
 #include "tests/wild/gate.h"
 #include "tests/wild/suite.h"
 
+#include <filesystem>
+
 namespace koro::test::wild
 {
 
@@ -9,8 +11,11 @@ namespace
 {
 
 const std::vector<std::string> producers = {
+    "prints",
     "throws",
+    "throws KORO_WILD_CALL=TLOpen",
     "throws_a_number",
+    "exits",
     "exits KORO_WILD_CALL=TLOpen",
     "crashes",
     "crashes KORO_WILD_CALL=TLOpen",
@@ -32,9 +37,9 @@ std::vector<Row> LeftOut(const std::string& producer, const std::string& reason)
     return {
         {producer, "list", {0, {Says(reason), Says("0 cameras")}}},
         {producer, "list_json", {0, {Says(reason)}}},
-        {producer, "doctor", {4, {Says(reason)}}},
+        {producer, "doctor", {4, {Says(reason), NeverSays("cables")}}},
         {producer, "watch", {1, {Warns(reason)}}},
-        {producer, "*", {3, {Warns(reason)}}},
+        {producer, "*", {3, {Warns(reason), NeverWarns("There is no camera\\.")}}},
     };
 }
 
@@ -45,19 +50,33 @@ std::vector<Row> Rows()
         {"throws", "grab_raw", NoPicture(1, "thrown by the producer")},
         {"throws_a_number", "grab", NoPicture(1, "Unhandled exception!")},
         {"throws_a_number", "grab_raw", NoPicture(1, "Unhandled exception!")},
-        {"crashes", "grab", {128 + 11, {NeverSays("pictures +[1-9]")}}},
-        {"crashes", "grab_raw", {128 + 11, {NeverSays("pictures +[1-9]")}}},
+        {"exits", "grab", NoPicture(1, "wild_exits.cti")},
+        {"exits", "grab_raw", NoPicture(1, "wild_exits.cti")},
+        {"crashes", "grab", NoPicture(128 + 11, "wild_crashes.cti")},
+        {"crashes", "grab_raw", NoPicture(128 + 11, "wild_crashes.cti")},
     };
     const auto add = [&](const std::vector<Row>& more) { rows.insert(rows.end(), more.begin(), more.end()); };
+    add(LeftOut("throws KORO_WILD_CALL=TLOpen", "thrown by the producer"));
     add(LeftOut("exits KORO_WILD_CALL=TLOpen", "wild_exits.cti.*status 0"));
     add(LeftOut("crashes KORO_WILD_CALL=TLOpen", "wild_crashes.cti.*signal 11"));
     add(LeftOut("writes_null", "wild_writes_null.cti.*signal 11"));
+    rows.push_back({"throws KORO_WILD_CALL=TLOpen", "doctor", {4, {Says("thrown by the producer")}}});
     return rows;
 }
 
 } // namespace
 
 INSTANTIATE_TEST_SUITE_P(Process, WildProducers, testing::ValuesIn(Cases(producers, Rows())), NameOf);
+
+TEST(ProducerThatChangesTheDirectory, DoesNotMoveThePictures)
+{
+    const TemporaryFolder folder;
+    const std::string relative = "pictures-of-this-test";
+    std::filesystem::remove_all(relative);
+    RunAgainst("changes_directory", "grab wild0-camera --frames 1 --output " + relative, folder);
+    EXPECT_TRUE(std::filesystem::exists(relative + "/W-wild0-camera-000001.png"));
+    std::filesystem::remove_all(relative);
+}
 
 TEST(ProducerThatForksAnOrphan, IsNotWaitedForLongerThanItsProbeLives)
 {
@@ -66,6 +85,12 @@ TEST(ProducerThatForksAnOrphan, IsNotWaitedForLongerThanItsProbeLives)
     const ToolResult result = RunAgainst("forks_an_orphan " + gate.Variable(), "list", folder);
     ExpectShown(result, {0, {Says("Wild camera"), NeverSays("left out")}});
     EXPECT_TRUE(gate.IsWaitedAt());
+}
+
+TEST(ProducerThatWritesThroughTheNullBuffer, IsNamedByTheDoctorWithTheCall)
+{
+    const TemporaryFolder folder;
+    ExpectShown(RunAgainst("writes_null", "doctor", folder), {4, {Says("GCGetInfo")}});
 }
 
 } // namespace koro::test::wild
