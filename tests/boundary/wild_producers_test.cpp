@@ -394,6 +394,69 @@ TEST_F(WildProducers, ChildrenClosedWithTheirParentByTheProducerCloseQuietly)
     EXPECT_EQ(CallsOf(producer->Journal(), {"IFClose", "DevClose"}), (Strings{"IFClose(dead)", "DevClose(dead)"}));
 }
 
+// A camera of a producer that acts by itself, open and with buffers for its pictures.
+class WildCamera
+{
+public:
+    explicit WildCamera(const std::string& variant) : producer(variant), tree(producer.Path())
+    {
+        tree.QueueBuffers(4, pictureSize);
+        Require(KORO_DataStream_StartAcquisition(tree.stream, KORO_ACQ_START_FLAGS_DEFAULT, infinite));
+        const auto node = Find("AcquisitionStart");
+        Require(KORO_CommandNode_Execute(Get<KORO_CommandNodeHandle>(KORO_Node_ToCommandNode, node)));
+    }
+
+    KORO_NodeHandle Find(const std::string& name) const
+    {
+        const auto module = Get<KORO_ModuleHandle>(KORO_RemoteDevice_ToModule, tree.remoteDevice);
+        const auto map = Get<KORO_NodeMapHandle>(KORO_Module_GetNodeMap, module, std::size_t{0});
+        return Get<KORO_NodeHandle>(KORO_NodeMap_FindNode, map, name.c_str(), name.size() + 1);
+    }
+
+    KORO_BufferHandle Next() const
+    {
+        return Get<KORO_BufferHandle>(KORO_DataStream_WaitForFinishedBuffer, tree.stream, infinite);
+    }
+
+    static constexpr std::size_t pictureSize = 64 * 48;
+    static constexpr std::uint64_t infinite = GenTL::GENTL_INFINITE;
+    const ScriptedProducer producer;
+    const KoroLibrary library;
+    OpenTree tree;
+};
+
+TEST(WildCameras, FrameWithoutItsLeaderIsIncompleteAndTheNextOneIsWhole)
+{
+    const WildCamera camera("wild_lost_leaders");
+    std::uint64_t format = 0;
+    camera.Next();
+    camera.Next();
+    const auto broken = camera.Next();
+    EXPECT_TRUE(Get<KORO_Bool8>(KORO_Buffer_GetIsIncomplete, broken));
+    EXPECT_EQ(KORO_Buffer_GetPixelFormat(broken, &format), KORO_RETURN_CODE_ERROR);
+
+    const auto whole = camera.Next();
+    EXPECT_FALSE(Get<KORO_Bool8>(KORO_Buffer_GetIsIncomplete, whole));
+    EXPECT_EQ(Outcome(KORO_Buffer_GetPixelFormat(whole, &format)), Error{});
+}
+
+TEST(WildCameras, PayloadSizeThatTheStreamDoesNotAnswerIsAFeatureOfTheCamera)
+{
+    const WildCamera camera("wild_no_payload_size");
+    std::size_t size = 0;
+    EXPECT_EQ(KORO_DataStream_GetPayloadSize(camera.tree.stream, &size), KORO_RETURN_CODE_ERROR);
+    const auto node = Get<KORO_IntegerNodeHandle>(KORO_Node_ToIntegerNode, camera.Find("PayloadSize"));
+    EXPECT_EQ(
+        Get<std::int64_t>(KORO_IntegerNode_GetValue, node, KORO_NODE_CACHE_POLICY_USE_CACHE),
+        std::int64_t{WildCamera::pictureSize});
+}
+
+TEST(WildCameras, AreDescribedByTheTextOfTheirPlaceWhereNothingElseIsKnown)
+{
+    const WildCamera camera("wild_strict_start");
+    EXPECT_FALSE(Get<KORO_Bool8>(KORO_Buffer_GetIsIncomplete, camera.Next()));
+}
+
 TEST(ProducersOfUnknownVersion, MissingFunctionIsToldByNameWhenItIsNeeded)
 {
     const ScriptedProducer producer("scripted_no_version", {"IFGetInfo", "GCReadPort", "IFGetDeviceInfo"});
