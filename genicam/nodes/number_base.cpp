@@ -15,8 +15,9 @@ using GENICAM_NAMESPACE::gcstring;
 namespace
 {
 
-// With an increment above 1 the nearest step counted from the minimum, of two the one towards it; with 1 the value
-// itself. No limit holds the step: one outside of them is refused afterwards.
+// With an increment above 1 the nearest step counted from the minimum, of two the lower one; with 1 the value itself. A
+// value below the minimum by less than a step becomes the minimum. No limit holds the step otherwise: one outside of
+// them is refused afterwards.
 int64_t NearestStep(int64_t value, int64_t min, int64_t inc)
 {
     if (inc <= 1) return value;
@@ -24,12 +25,10 @@ int64_t NearestStep(int64_t value, int64_t min, int64_t inc)
     const bool below = value < min;
     const uint64_t from = static_cast<uint64_t>(below ? value : min);
     const uint64_t rest = (static_cast<uint64_t>(below ? min : value) - from) % step;
-    const bool towards = rest <= step - rest;
-    const int64_t change = static_cast<int64_t>(towards ? rest : step - rest);
+    if (below) return value + static_cast<int64_t>(rest); // never beyond the minimum
+    if (rest <= step - rest) return value - static_cast<int64_t>(rest);
     int64_t stepped = value;
-    const bool beyond = below == towards ? __builtin_add_overflow(value, change, &stepped)
-                                         : __builtin_sub_overflow(value, change, &stepped);
-    return beyond ? value : stepped;
+    return __builtin_add_overflow(value, static_cast<int64_t>(step - rest), &stepped) ? value : stepped;
 }
 
 // Half away from zero; false outside of 64 bits.
