@@ -202,6 +202,9 @@ Action DefineGrab(CLI::App& command)
         ->capture_default_str();
     command.add_option("--payload-size", settings.payloadSize, "Bytes of a frame, if neither stream nor camera tells");
     command.add_flag(
+        "--keep-incomplete", settings.keepIncomplete,
+        "Save incomplete frames too, with \"incomplete\" in the names of their files");
+    command.add_flag(
         "--chunks", settings.chunks, "Switch the chunks on, print their values and write them into a table");
     command.add_flag("--reconnect", options->reconnect, "Go on when the camera was unplugged and comes back");
     DefineSettings(command, settings.settings);

@@ -1,5 +1,6 @@
 #include "tools/koro/frame_files.h"
 
+#include <algorithm>
 #include <map>
 #include <utility>
 
@@ -58,6 +59,11 @@ bool HasPicture(const FramePart& part)
     }
 }
 
+bool IsTooShort(const FramePart& part)
+{
+    return HasPicture(part) && BytesNeeded(part.layout) > part.size;
+}
+
 // The picture of each part that has one; empty when one of them is too short.
 std::optional<std::vector<std::optional<Picture>>> PicturesOf(const std::vector<FramePart>& parts)
 {
@@ -65,8 +71,8 @@ std::optional<std::vector<std::optional<Picture>>> PicturesOf(const std::vector<
     for (const FramePart& part : parts)
     {
         std::optional<Picture>& picture = pictures.emplace_back();
+        if (IsTooShort(part)) return std::nullopt;
         if (!HasPicture(part)) continue;
-        if (BytesNeeded(part.layout) > part.size) return std::nullopt;
         picture = ToPicture(part.layout, part.bytes, part.size);
     }
     return pictures;
@@ -86,6 +92,11 @@ const Picture* Companion(
 }
 
 } // namespace
+
+bool IsShort(const std::vector<FramePart>& parts)
+{
+    return std::any_of(parts.begin(), parts.end(), IsTooShort);
+}
 
 FrameFiles ToRawFile(const uint8_t* bytes, size_t size)
 {

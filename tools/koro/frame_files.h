@@ -34,6 +34,9 @@ struct FrameFile
 // The files of one frame.
 using FrameFiles = std::vector<FrameFile>;
 
+// Whether one of the parts that have a picture is too short for it. Throws ToolError for sizes beyond reason.
+bool IsShort(const std::vector<FramePart>& parts);
+
 // The whole frame as it came.
 FrameFiles ToRawFile(const uint8_t* bytes, size_t size);
 

@@ -26,4 +26,9 @@ FrameMemory::FrameMemory(size_t bytes, size_t alignment) : size(bytes)
     std::memset(block, 0, bytes);
 }
 
+void FrameMemory::Blank(size_t bytes) const noexcept
+{
+    if (bytes < size) std::memset(memory.get() + bytes, 0, size - bytes);
+}
+
 } // namespace koro::tool

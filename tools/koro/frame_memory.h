@@ -18,6 +18,8 @@ public:
 
     uint8_t* Data() const noexcept { return memory.get(); }
     size_t Size() const noexcept { return size; }
+    // Zeroes what lies behind the first `bytes`.
+    void Blank(size_t bytes) const noexcept;
 
 private:
     struct Free

@@ -21,7 +21,7 @@ bool IsKnownList(uint64_t list)
 void CheckList(uint64_t list)
 {
     if (IsKnownList(list)) return;
-    throw ToolError(
+    throw UnknownPixelFormat(
         "The frames' pixel format belongs to list " + std::to_string(list) + ", which the tool does not know.",
         "Save the frames as they are with --format raw.");
 }
@@ -125,6 +125,13 @@ void ReadAxes(const NodeMap& nodes, Scan3D& geometry)
 bool IsMultiPart(const Buffer& buffer)
 {
     return IfKnown([&] { return buffer.PayloadType(); }) == KORO_PAYLOAD_TYPE_MULTI_PART;
+}
+
+bool HasPlainImage(const Buffer& buffer)
+{
+    const int32_t type = IfKnown([&] { return buffer.PayloadType(); }).value_or(KORO_PAYLOAD_TYPE_UNKNOWN);
+    return type == KORO_PAYLOAD_TYPE_UNKNOWN || type == KORO_PAYLOAD_TYPE_IMAGE ||
+           type == KORO_PAYLOAD_TYPE_CHUNK_DATA;
 }
 
 FramePart ReadImage(const Buffer& buffer, const FrameBytes& bytes)

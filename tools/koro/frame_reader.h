@@ -1,5 +1,5 @@
-// Frame reader: what a delivered buffer holds, read from the tool's own memory and never beyond it, whatever the
-// producer claims. One thread at a time.
+// Frame reader: what a delivered buffer holds, read from the tool's own memory and never beyond it, regardless of what
+// the producer claims. One thread at a time.
 #pragma once
 
 #include "tools/koro/frame_part.h"
@@ -22,6 +22,8 @@ struct FrameBytes
 };
 
 bool IsMultiPart(const Buffer& buffer);
+// Whether its pixels lie there line by line, as width, height and format say; assumed where the producer does not say.
+bool HasPlainImage(const Buffer& buffer);
 // The image of a buffer that holds one. Throws koro::Error, or ToolError for a list of pixel formats that is not known.
 FramePart ReadImage(const Buffer& buffer, const FrameBytes& bytes);
 // The parts of a multi-part buffer. Throws koro::Error, or ToolError for a part that lies outside the memory.

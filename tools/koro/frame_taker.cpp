@@ -1,6 +1,5 @@
 #include "tools/koro/frame_taker.h"
 
-#include "tools/koro/if_known.h"
 #include "tools/koro/tool_error.h"
 
 #include <algorithm>
@@ -43,7 +42,7 @@ GrabEnd FrameTaker::Run()
             timeoutsInRow = 0;
             hasVanished = false;
             if (link && output.cameraIsLost) numLossesSeen = link->NumReportedLosses();
-            const bool useful = SaveFrame(*buffer);
+            const bool useful = TakeFrame(*buffer);
             source.stream.QueueBuffer(*buffer);
             uselessInRow = useful ? 0 : uselessInRow + 1;
             if (uselessInRow == maxUselessInRow) break;
@@ -102,36 +101,32 @@ bool FrameTaker::IsLostForGood()
     return back_ms >= patience_ms;
 }
 
-// Hands the frame over to the saver; false when there is no picture in it.
-bool FrameTaker::SaveFrame(const Buffer& buffer)
+// False for a frame that is not whole.
+bool FrameTaker::TakeFrame(const Buffer& buffer)
 {
     const auto found = source.memory.find(buffer.Get());
     if (found == source.memory.end()) throw ToolError("The producer delivered a buffer that it was not given.");
-    const size_t capacity = found->second.Size();
-    const size_t size = std::min(IfKnown([&] { return buffer.DeliveredDataSize(); }).value_or(capacity), capacity);
 
-    output.NoteFrame(size);
-    const bool incomplete = IfKnown([&] { return buffer.IsIncomplete(); }).value_or(false);
-    const bool filled = IfKnown([&] { return buffer.HasNewData(); }).value_or(true) && size > 0;
-    FrameFiles files;
-    if (filled) files = FilesOf(buffer, {found->second.Data(), size});
-    const bool useful = !files.empty();
-    if (useful)
-    {
-        std::string remark;
-        if (output.table) remark = output.table->Add(source.nodes, buffer, output.numHanded + 1);
-        output.saver.Save(std::move(files), std::move(remark));
-        ++output.numHanded;
-    }
-    if (incomplete || !useful) ++output.statistics.numIncomplete;
-    return useful;
+    DeliveredFrame frame =
+        ReadFrame(buffer, found->second, {settings.format, settings.keepIncomplete, source.geometry});
+    // A camera that has not sent one picture will not send another format.
+    if (frame.isUnknownFormat && output.numHanded == 0) throw ToolError(frame.problem, frame.hint);
+    output.NoteFrame(frame.size);
+    output.NoteProblem(frame);
+    const bool isWhole = frame.state == FrameState::Whole;
+    if (!isWhole) ++output.statistics.numIncomplete;
+    if (!frame.files.empty()) SaveFrame(buffer, std::move(frame));
+    return isWhole;
 }
 
-FrameFiles FrameTaker::FilesOf(const Buffer& buffer, const FrameBytes& bytes) const
+void FrameTaker::SaveFrame(const Buffer& buffer, DeliveredFrame frame)
 {
-    if (settings.format == FileFormat::Raw) return ToRawFile(bytes.data, bytes.size);
-    if (IsMultiPart(buffer)) return ToPartFiles(ReadParts(buffer, bytes), settings.format, source.geometry);
-    return ToPictureFiles(ReadImage(buffer, bytes), settings.format, source.geometry);
+    FrameNote note;
+    note.isWhole = frame.state == FrameState::Whole;
+    ++output.numFiled;
+    if (note.isWhole) ++output.numHanded;
+    if (note.isWhole && output.table) note.remark = output.table->Add(source.nodes, buffer, output.numFiled);
+    output.saver.Save(std::move(frame.files), std::move(note));
 }
 
 } // namespace koro::tool

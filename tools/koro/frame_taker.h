@@ -4,9 +4,8 @@
 #pragma once
 
 #include "tools/koro/camera_link.h"
-#include "tools/koro/frame_files.h"
+#include "tools/koro/delivered_frame.h"
 #include "tools/koro/frame_memory.h"
-#include "tools/koro/frame_reader.h"
 #include "tools/koro/grab_output.h"
 #include "tools/koro/interrupt.h"
 #include <koro/koro.hpp>
@@ -47,8 +46,8 @@ public:
 private:
     std::optional<Buffer> Wait();
     bool IsLostForGood();
-    bool SaveFrame(const Buffer& buffer);
-    FrameFiles FilesOf(const Buffer& buffer, const FrameBytes& bytes) const;
+    bool TakeFrame(const Buffer& buffer);
+    void SaveFrame(const Buffer& buffer, DeliveredFrame frame);
 
     const RunningStream source;
     const GrabSettings& settings;

@@ -46,4 +46,13 @@ void GrabOutput::NoteFrame(size_t size)
     statistics.Count(size);
 }
 
+void GrabOutput::NoteProblem(const DeliveredFrame& frame)
+{
+    if (frame.problem.empty() || problemIsNamed) return;
+    problemIsNamed = true;
+    progress.Warn(
+        "koro: Frame " + std::to_string(statistics.numFrames) + " cannot be read and counts as incomplete: " +
+        frame.problem + (frame.hint.empty() ? "" : "\nhint: " + frame.hint));
+}
+
 } // namespace koro::tool

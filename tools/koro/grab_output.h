@@ -4,6 +4,7 @@
 #pragma once
 
 #include "tools/koro/chunk_table.h"
+#include "tools/koro/delivered_frame.h"
 #include "tools/koro/frame_files.h"
 #include "tools/koro/picture_saver.h"
 #include "tools/koro/progress.h"
@@ -24,7 +25,8 @@ struct GrabSettings
     size_t payloadSize = 0;            // 0 takes what stream or camera say
     std::vector<std::string> settings; // NAME=VALUE, written before the size of a frame is asked for
     FileFormat format = FileFormat::PNG;
-    bool chunks = false; // switches the chunks of the camera on, and reads them
+    bool keepIncomplete = false; // saves incomplete frames too
+    bool chunks = false;         // switches the chunks of the camera on, and reads them
 };
 
 struct GrabStatistics
@@ -56,13 +58,17 @@ struct GrabOutput
     Progress& progress;
     ChunkTable* table; // null without chunks
     GrabStatistics statistics = {};
-    uint64_t numHanded = 0;    // frames handed to the saver
-    bool cameraIsLost = false; // the next frame ends the outage
+    uint64_t numHanded = 0;      // whole frames handed to the saver
+    uint64_t numFiled = 0;       // frames handed to the saver, whole or not
+    bool cameraIsLost = false;   // the next frame ends the outage
+    bool problemIsNamed = false; // of frames that cannot be read
 
     // The camera has gone; once until the next frame.
     void NoteLoss();
     // A frame of that many bytes has come.
     void NoteFrame(size_t size);
+    // Why a frame cannot be read; the first reason is shown.
+    void NoteProblem(const DeliveredFrame& frame);
 };
 
 } // namespace koro::tool

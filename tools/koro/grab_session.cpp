@@ -1,6 +1,7 @@
 #include "tools/koro/grab_session.h"
 
 #include "tools/koro/first_stream.h"
+#include "tools/koro/frame_reader.h"
 #include "tools/koro/if_known.h"
 #include "tools/koro/tool_error.h"
 

@@ -38,12 +38,12 @@ PictureSaver::~PictureSaver()
     End();
 }
 
-void PictureSaver::Save(FrameFiles files, std::string remark)
+void PictureSaver::Save(FrameFiles files, FrameNote note)
 {
     std::unique_lock<std::mutex> lock(mutex);
     changed.wait(lock, [this] { return waiting.size() < maxWaiting || failure; });
     if (failure) std::rethrow_exception(failure);
-    waiting.push_back({std::move(files), std::move(remark)});
+    waiting.push_back({std::move(files), std::move(note)});
     changed.notify_all();
 }
 
@@ -84,7 +84,7 @@ void PictureSaver::Work()
         if (waiting.empty()) return;
         const Frame frame = std::move(waiting.front());
         waiting.pop_front();
-        const uint64_t number = numSaved + 1;
+        const uint64_t number = numWritten + 1;
         changed.notify_all();
 
         lock.unlock();
@@ -104,15 +104,16 @@ void PictureSaver::Work()
             changed.notify_all();
             return;
         }
-        ++numSaved;
+        ++numWritten;
+        numSaved += frame.note.isWhole ? 1 : 0;
         numFiles += frame.files.size();
     }
 }
 
 void PictureSaver::WriteOne(const Frame& frame, uint64_t number)
 {
-    char digits[32];
-    std::snprintf(digits, sizeof digits, "-%06" PRIu64, number);
+    char digits[64];
+    std::snprintf(digits, sizeof digits, "-%06" PRIu64 "%s", number, frame.note.isWhole ? "" : "-incomplete");
     std::vector<std::string> paths;
     for (const FrameFile& file : frame.files)
     {
@@ -121,7 +122,10 @@ void PictureSaver::WriteOne(const Frame& frame, uint64_t number)
         Write(file, path);
         paths.push_back(path.string());
     }
-    progress.Saved(paths, frame.remark);
+    if (frame.note.isWhole)
+        progress.Saved(paths, frame.note.remark);
+    else
+        progress.Kept(paths);
 }
 
 std::string FileNamePrefix(const std::string& text)

@@ -18,22 +18,28 @@
 namespace koro::tool
 {
 
+// What goes with the files of a frame.
+struct FrameNote
+{
+    std::string remark = {}; // shown beside them
+    bool isWhole = true;     // else their names say that it is incomplete
+};
+
 class PictureSaver
 {
 public:
-    // Files are named <folder>/<prefix>-<six digits>[-<label>]<suffix>, the frames counted from 1.
+    // Files are named <folder>/<prefix>-<six digits>[-incomplete][-<label>]<suffix>, the frames counted from 1.
     PictureSaver(std::filesystem::path folder, std::string prefix, Progress& progress);
     PictureSaver(const PictureSaver&) = delete;
     PictureSaver& operator=(const PictureSaver&) = delete;
     // Frames that still stand in line are written.
     ~PictureSaver();
 
-    // Takes the files of the next frame, and what to say beside them. Throws what an earlier write failed with; nothing
-    // is taken after that.
-    void Save(FrameFiles files, std::string remark = {});
+    // Takes the files of the next frame. Throws what an earlier write failed with; nothing is taken after that.
+    void Save(FrameFiles files, FrameNote note = {});
     // Waits for the last file. Throws what a write failed with.
     void Finish();
-    // Frames whose files are all there.
+    // Whole frames whose files are all there.
     uint64_t NumSaved() const;
     uint64_t NumFiles() const;
 
@@ -41,7 +47,7 @@ private:
     struct Frame
     {
         FrameFiles files;
-        std::string remark;
+        FrameNote note;
     };
 
     void Work();
@@ -56,6 +62,7 @@ private:
     std::condition_variable changed;
     std::deque<Frame> waiting;
     std::exception_ptr failure;
+    uint64_t numWritten = 0; // frames, whole or not
     uint64_t numSaved = 0;
     uint64_t numFiles = 0;
     bool ending = false;

@@ -2,7 +2,6 @@
 
 #include "tools/koro/demosaic.h"
 #include "tools/koro/pixel_unpacking.h"
-#include "tools/koro/tool_error.h"
 
 #include <algorithm>
 #include <string>
@@ -21,7 +20,7 @@ const PixelFormat& KnownFormat(uint64_t code)
 {
     const PixelFormat* format = FindPixelFormat(code);
     if (format) return *format;
-    throw ToolError(
+    throw UnknownPixelFormat(
         "Pixel format " + PixelFormatName(code) + " cannot be turned into a picture.",
         "Save the frames as they are with --format raw.");
 }

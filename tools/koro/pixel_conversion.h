@@ -3,6 +3,7 @@
 
 #include "tools/koro/picture.h"
 #include "tools/koro/pixel_format.h"
+#include "tools/koro/tool_error.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -21,11 +22,18 @@ struct FrameLayout
     bool bigEndian = false;
 };
 
+// The pixels have a format that cannot become a picture. No other frame of the camera will do better.
+class UnknownPixelFormat : public ToolError
+{
+public:
+    using ToolError::ToolError;
+};
+
 // Bytes from the start of the frame to the end of the last line's pixels; the padding behind the last line may be
-// absent. Throws ToolError when a size is beyond reason (a side over 1,000,000 pixels) or the sum overflows.
+// absent. Throws ToolError when a size is beyond reason (a side over 1,000,000 pixels), and UnknownPixelFormat.
 size_t BytesNeeded(const FrameLayout& layout);
 
-// Throws ToolError for an unknown pixel format, an empty picture, and a frame that is longer than `size` bytes.
+// Throws ToolError for an empty picture and a frame that is longer than `size` bytes, and UnknownPixelFormat.
 // Formats of more than 8 bits give 16 bits stretched to the full range; a Bayer mosaic gives colours.
 Picture ToPicture(const FrameLayout& layout, const uint8_t* frame, size_t size);
 

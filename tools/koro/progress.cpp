@@ -30,6 +30,25 @@ void Progress::Saved(const std::vector<std::string>& files, const std::string& r
     DrawBar();
 }
 
+void Progress::Kept(const std::vector<std::string>& files)
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    if (isTerminal) return;
+    for (const std::string& file : files)
+        ShowLine("    " + file);
+}
+
+void Progress::Warn(const std::string& line)
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    // Away with the bar, which stands in the same line of the terminal.
+    if (isDrawn) std::fputs("\r\33[K", stream);
+    std::fflush(stream);
+    std::fprintf(stderr, "%s\n", line.c_str());
+    lastDrawn = {};
+    if (isDrawn) DrawBar();
+}
+
 void Progress::Say(const std::string& line)
 {
     const std::lock_guard<std::mutex> lock(mutex);

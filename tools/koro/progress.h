@@ -22,8 +22,12 @@ public:
 
     // The files of the next frame are there. A remark is shown everywhere, on a terminal above the bar.
     void Saved(const std::vector<std::string>& files, const std::string& remark = {});
+    // The files of a frame that does not count.
+    void Kept(const std::vector<std::string>& files);
     // A line between two frames.
     void Say(const std::string& line);
+    // The same on standard error, for what went wrong.
+    void Warn(const std::string& line);
 
 private:
     void ShowLine(const std::string& line);

@@ -1,0 +1,111 @@
+#include "tests/tool/played_camera.h"
+#include "tests/unit/tool/image_files.h"
+
+#include <fstream>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <iterator>
+
+namespace
+{
+
+using namespace koro::test;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
+
+constexpr int framesMissing = 5;
+
+uint8_t GreyOf(const std::string& path)
+{
+    return std::get<koro::tool::Samples8>(ReadPNG(path).samples).front();
+}
+
+std::string BytesOf(const std::string& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+TEST(GrabFrames, LostLeaderIsAnIncompleteFrameAndTheGrabGoesOn)
+{
+    const PlayedCamera camera("WLWLLW*");
+    const ToolResult result = camera.Grab(5);
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.out, HasSubstr("\npictures    5\n"));
+    EXPECT_THAT(result.out, HasSubstr("\nincomplete  3\n"));
+    EXPECT_EQ(result.err, "");
+    // The third one that came.
+    EXPECT_EQ(GreyOf(camera.File("000002.png")), 3);
+    EXPECT_EQ(GreyOf(camera.File("000003.png")), 6);
+}
+
+TEST(GrabFrames, QueryThatFailsForAWholeFrameCostsThatFrameAndIsNamedOnce)
+{
+    const PlayedCamera camera("WQQQW*");
+    const ToolResult result = camera.Grab(3);
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.out, HasSubstr("\npictures    3\n"));
+    EXPECT_THAT(result.out, HasSubstr("\nincomplete  3\n"));
+    EXPECT_THAT(
+        result.err, HasSubstr("koro: Frame 2 cannot be read and counts as incomplete: [Function: "
+                              "DSGetBufferInfo | Info-Command: 10 (BUFFER_INFO_WIDTH) | Error-Code: -1003"));
+    EXPECT_THAT(result.err, Not(HasSubstr("Frame 3")));
+}
+
+TEST(GrabFrames, BrokenFramesAreNotSavedInAnyFormat)
+{
+    for (const std::string format : {"png", "tiff", "raw"})
+    {
+        const PlayedCamera camera("WBSLsW*");
+        const ToolResult result = camera.Grab(2, {"--format", format});
+        EXPECT_EQ(result.status, 0) << result.err;
+        EXPECT_THAT(result.out, HasSubstr("\nincomplete  4\n")) << format;
+        EXPECT_THAT(camera.FileNames(), ElementsAre("000001." + format, "000002." + format));
+    }
+}
+
+TEST(GrabFrames, RawFilesHoldWholeFrames)
+{
+    const PlayedCamera camera("BWSW*");
+    ASSERT_EQ(camera.Grab(2, {"--format", "raw"}).status, 0);
+    EXPECT_EQ(BytesOf(camera.File("000001.raw")), std::string(8, '\2'));
+    EXPECT_EQ(BytesOf(camera.File("000002.raw")), std::string(8, '\4'));
+}
+
+TEST(GrabFrames, IncompleteFramesThatAreKeptSayItInTheirNames)
+{
+    const PlayedCamera camera("WBSLEW*");
+    const ToolResult result = camera.Grab(2, {"--keep-incomplete"});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(
+        camera.FileNames(),
+        ElementsAre(
+            "000001.png", "000002-incomplete.png", "000003-incomplete.png", "000004-incomplete.raw", "000005.png"));
+    EXPECT_THAT(result.out, HasSubstr("\npictures    2\n"));
+    EXPECT_EQ(GreyOf(camera.File("000002-incomplete.png")), 2);
+    // What did not come is black, not a part of an older frame.
+    EXPECT_THAT(
+        std::get<koro::tool::Samples8>(ReadPNG(camera.File("000003-incomplete.png")).samples),
+        ElementsAre(3, 3, 3, 0, 0, 0, 0, 0));
+    EXPECT_EQ(GreyOf(camera.File("000005.png")), 6);
+}
+
+TEST(GrabFrames, IncompleteFramesThatAreKeptRawHaveTheBytesThatCame)
+{
+    const PlayedCamera camera("BSW*");
+    ASSERT_EQ(camera.Grab(1, {"--keep-incomplete", "--format", "raw"}).status, 0);
+    EXPECT_THAT(camera.FileNames(), ElementsAre("000001-incomplete.raw", "000002-incomplete.raw", "000003.raw"));
+    EXPECT_EQ(BytesOf(camera.File("000002-incomplete.raw")), std::string(3, '\2'));
+}
+
+TEST(GrabFrames, CameraOfNothingButBrokenFramesIsGivenUp)
+{
+    for (const char* const frames : {"L*", "B*", "Q*", "E*"})
+    {
+        const PlayedCamera camera(frames);
+        EXPECT_EQ(camera.Grab(1, {"--keep-incomplete"}).status, framesMissing) << frames;
+    }
+}
+
+} // namespace

@@ -1,0 +1,46 @@
+// DeliveredFrame: what one delivered buffer is worth, and the files that it becomes.
+//
+// Read from the tool's own memory and never beyond it, regardless of what the producer claims. One thread at a time.
+#pragma once
+
+#include "tools/koro/frame_files.h"
+#include "tools/koro/frame_memory.h"
+#include "tools/koro/point_cloud.h"
+#include <koro/koro.hpp>
+
+#include <cstddef>
+#include <optional>
+#include <string>
+
+namespace koro::tool
+{
+
+enum class FrameState
+{
+    Whole,
+    Incomplete, // the producer says so, it is too short for its picture, or it cannot be read
+    Empty,      // a buffer without new data
+};
+
+// What to make of frames.
+struct FrameWish
+{
+    FileFormat format;
+    bool keepIncomplete; // they get files too, as far as they have bytes
+    const std::optional<Scan3D>& geometry;
+};
+
+struct DeliveredFrame
+{
+    FrameState state = FrameState::Whole;
+    size_t size = 0;            // bytes that are filled
+    FrameFiles files;           // none for what is not to be saved
+    std::string problem;        // why a frame that the producer calls whole cannot be read; else empty
+    std::string hint;           // what to try against it
+    bool isUnknownFormat = false; // the problem is the pixel format, so the next frame will have it too
+};
+
+// No answer of the producer makes this fail: what it refuses or gets wrong becomes the state of the frame.
+DeliveredFrame ReadFrame(const Buffer& buffer, const FrameMemory& memory, const FrameWish& wish);
+
+} // namespace koro::tool
