@@ -29,9 +29,9 @@ constexpr size_t height = 48;
 class GrabParts : public testing::Test
 {
 protected:
-    ToolResult Grab(const Arguments& more = {})
+    ToolResult Grab(const Arguments& more = {}) { return GrabFrom(OneCamera("Mono8", width, height), more); }
+    ToolResult GrabFrom(json settings, const Arguments& more = {})
     {
-        json settings = OneCamera("Mono8", width, height);
         json& camera = settings["interfaces"][0]["cameras"][0];
         camera["scan3d"] = true;
         camera["source"] = "surface";
@@ -120,6 +120,29 @@ TEST_F(GrabParts, OutputModeWithoutPlacesHasNoPoints)
 {
     ASSERT_EQ(Grab({"--set", "Scan3dOutputMode=UncalibratedC"}).status, 0);
     EXPECT_THAT(FileNames(), testing::Not(testing::Contains(HasSubstr(".ply"))));
+}
+
+TEST_F(GrabParts, PurposeOfAPartNamesItsFile)
+{
+    json settings = OneCamera("Mono8", width, height);
+    // The purpose of all parts, as a number of 64 bits.
+    settings["misbehaviour"]["info"].push_back(
+        {{"function", "DSGetBufferPartInfo"}, {"command", 13}, {"type", 8}, {"value", 8}});
+    const ToolResult result = GrabFrom(settings);
+    ASSERT_EQ(result.status, 0) << result.err;
+    EXPECT_TRUE(std::filesystem::exists(File("cam-000001-image-purpose8.png")));
+    EXPECT_TRUE(std::filesystem::exists(File("cam-000002-points-purpose8.ply")));
+}
+
+TEST_F(GrabParts, PointsBeyondTheRangeLimitAreLeftOutAndCounted)
+{
+    const ToolResult result = Grab({"--range-limit", "1"});
+    ASSERT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.out, HasSubstr(" points beyond the range limit\n"));
+    EXPECT_THAT(result.out, HasSubstr("\npoints left out  "));
+    std::ifstream file(File("cam-000001-points.ply"), std::ios::binary);
+    const std::string content{std::istreambuf_iterator<char>(file), {}};
+    EXPECT_THAT(content, HasSubstr("element vertex 0\n"));
 }
 
 } // namespace

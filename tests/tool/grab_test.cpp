@@ -345,8 +345,8 @@ TEST(Grab, FrameWithoutPixelFormatCanOnlyBeSavedRaw)
     const ToolResult result = grab.Run(1);
     EXPECT_EQ(result.status, framesMissing);
     EXPECT_THAT(
-        result.err,
-        HasSubstr("koro: Frame 1 cannot be read and counts as incomplete: [Function: DSGetBufferInfo | Info-Command: 20 (BUFFER_INFO_PIXELFORMAT) | Error-Code: -1003"));
+        result.err, HasSubstr("koro: Frame 1 cannot be read and counts as incomplete: [Function: DSGetBufferInfo | "
+                              "Info-Command: 20 (BUFFER_INFO_PIXELFORMAT) | Error-Code: -1003"));
     EXPECT_EQ(grab.Run(1, {"--format", "raw"}).status, 0);
 }
 

@@ -43,12 +43,11 @@ std::optional<DeviceDescriptor> CameraLink::Find()
 
 bool CameraLink::IsTheCamera(const DeviceDescriptor& device) const
 {
-    if (!serialNumber.empty())
-    {
-        const auto number = IfKnown([&] { return device.SerialNumber(); });
-        if (number && !number->empty()) return *number == serialNumber;
-    }
-    return IfKnown([&] { return device.ID(); }) == id;
+    if (IfKnown([&] { return device.ID(); }) != id) return false;
+    if (serialNumber.empty()) return true;
+    // A camera that is not fully back need not tell it.
+    const auto number = IfKnown([&] { return device.SerialNumber(); });
+    return !number || number->empty() || *number == serialNumber;
 }
 
 } // namespace koro::tool

@@ -17,14 +17,15 @@ namespace koro::tool
 class CameraLink
 {
 public:
-    // `serialNumber` may be empty: then the camera is known by its id alone.
+    // A camera is known by its id and its serial number together, since several may share either. `serialNumber` may be
+    // empty: then it is known by its id.
     CameraLink(const CameraConnection& connection, std::string id, std::string serialNumber);
 
     // The producer has told that the camera was disconnected, and not yet that it came back. Asks nobody.
     bool IsReportedLost() const noexcept { return reportedLost; }
     // How often it has told that. Asks nobody.
     uint64_t NumReportedLosses() const noexcept { return numReportedLosses; }
-    // Reads the device list anew and looks for the camera, by its serial number before its id.
+    // Reads the device list anew and looks for the camera.
     std::optional<DeviceDescriptor> Find();
 
 private:

@@ -48,6 +48,7 @@ std::string ChunkTable::Add(const NodeMap& nodes, const Buffer& buffer, uint64_t
 {
     std::vector<std::string> cells = {std::to_string(number)};
     std::string shown;
+    values.clear();
     try
     {
         // A buffer without chunks would leave those of the buffer before.
@@ -60,7 +61,9 @@ std::string ChunkTable::Add(const NodeMap& nodes, const Buffer& buffer, uint64_t
             {
                 const auto value = ReadChunk(nodes, name);
                 cells.push_back(value.value_or(""));
-                if (value) shown += (shown.empty() ? "" : " ") + name + "=" + PrintableStart(*value);
+                if (!value) continue;
+                values.emplace_back(name, *value);
+                shown += (shown.empty() ? "" : " ") + name + "=" + PrintableStart(*value);
             }
         }
     }

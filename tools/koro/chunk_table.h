@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace koro::tool
@@ -25,6 +26,8 @@ public:
     // Attaches the buffer, reads what came with it and adds a line for the frame of that number. The result names what
     // could be read, "ChunkGain=1 ChunkWidth=640", or why nothing could. Throws ToolError when the disk refuses.
     std::string Add(const NodeMap& nodes, const Buffer& buffer, uint64_t number);
+    // What the last frame brought, by name.
+    const std::vector<std::pair<std::string, std::string>>& Values() const { return values; }
     // Throws ToolError when the disk refuses.
     void Finish();
 
@@ -36,6 +39,7 @@ private:
     PendingFile file;
     std::vector<std::string> names; // features that may hold chunks; since the header, the columns
     bool hasHeader = false;
+    std::vector<std::pair<std::string, std::string>> values;
     std::vector<uint64_t> waiting; // frames that came before the header
 };
 

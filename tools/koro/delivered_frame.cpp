@@ -51,15 +51,12 @@ bool IsKnownToBeShort(const Buffer& buffer, const FrameBytes& bytes)
 
 void ReadWhole(const Buffer& buffer, const FrameBytes& bytes, const FrameWish& wish, DeliveredFrame& frame)
 {
-    if (wish.format == FileFormat::Raw)
-    {
-        if (!IsKnownToBeShort(buffer, bytes)) frame.files = ToRawFile(bytes.data, bytes.size);
-    }
-    else
-    {
-        frame.files = PicturesOf(buffer, bytes, wish);
-    }
-    if (frame.files.empty()) frame.state = FrameState::Incomplete;
+    const bool asItCame = wish.format == FileFormat::Raw || wish.format == FileFormat::None;
+    if (!asItCame) frame.files = PicturesOf(buffer, bytes, wish);
+    if (asItCame ? IsKnownToBeShort(buffer, bytes) : frame.files.empty())
+        frame.state = FrameState::Incomplete;
+    else if (wish.format == FileFormat::Raw)
+        frame.files = ToRawFile(bytes.data, bytes.size);
 }
 
 void TryToReadWhole(const Buffer& buffer, const FrameBytes& bytes, const FrameWish& wish, DeliveredFrame& frame)
@@ -123,8 +120,8 @@ DeliveredFrame ReadFrame(const Buffer& buffer, const FrameMemory& memory, const 
         frame.state = FrameState::Incomplete;
     else
         TryToReadWhole(buffer, {memory.Data(), frame.size}, wish, frame);
-    if (frame.state == FrameState::Incomplete && wish.keepIncomplete)
-        frame.files = FilesOfBroken(buffer, memory, frame.size, wish);
+    const bool keep = wish.keepIncomplete && wish.format != FileFormat::None;
+    if (frame.state == FrameState::Incomplete && keep) frame.files = FilesOfBroken(buffer, memory, frame.size, wish);
     return frame;
 }
 

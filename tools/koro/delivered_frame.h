@@ -5,6 +5,7 @@
 
 #include "tools/koro/frame_files.h"
 #include "tools/koro/frame_memory.h"
+#include "tools/koro/grab_statistics.h"
 #include "tools/koro/point_cloud.h"
 #include <koro/koro.hpp>
 
@@ -14,13 +15,6 @@
 
 namespace koro::tool
 {
-
-enum class FrameState
-{
-    Whole,
-    Incomplete, // the producer says so, it is too short for its picture, or it cannot be read
-    Empty,      // a buffer without new data
-};
 
 // What to make of frames.
 struct FrameWish
@@ -33,10 +27,10 @@ struct FrameWish
 struct DeliveredFrame
 {
     FrameState state = FrameState::Whole;
-    size_t size = 0;            // bytes that are filled
-    FrameFiles files;           // none for what is not to be saved
-    std::string problem;        // why a frame that the producer calls whole cannot be read; else empty
-    std::string hint;           // what to try against it
+    size_t size = 0;              // bytes that are filled
+    FrameFiles files;             // none for what is not to be saved
+    std::string problem;          // why a frame that the producer calls whole cannot be read; else empty
+    std::string hint;             // what to try against it
     bool isUnknownFormat = false; // the problem is the pixel format, so the next frame will have it too
 };
 

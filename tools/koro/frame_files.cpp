@@ -1,6 +1,7 @@
 #include "tools/koro/frame_files.h"
 
 #include <algorithm>
+#include <cctype>
 #include <map>
 #include <utility>
 
@@ -26,6 +27,32 @@ const char* LabelOf(PartKind kind)
         break;
     }
     return "data";
+}
+
+// What the label of its kind says already.
+uint64_t UsualPurpose(PartKind kind)
+{
+    constexpr uint64_t intensity = 1;
+    constexpr uint64_t range = 4;
+    constexpr uint64_t confidence = 6;
+    switch (kind)
+    {
+    case PartKind::Range:
+        return range;
+    case PartKind::Confidence:
+        return confidence;
+    default:
+        return intensity;
+    }
+}
+
+// "image-purpose8-region2", as far as the producer tags its parts.
+std::string LabelOf(const char* kind, const FramePart& part)
+{
+    std::string label = kind;
+    if (part.purpose && *part.purpose != UsualPurpose(part.kind)) label += "-purpose" + std::to_string(*part.purpose);
+    if (part.region.value_or(0) != 0) label += "-region" + std::to_string(*part.region);
+    return label;
 }
 
 const char* SuffixOf(PartKind kind)
@@ -59,6 +86,11 @@ bool HasPicture(const FramePart& part)
     }
 }
 
+Depth DepthOf(const FramePart& part)
+{
+    return part.isMeasurement || part.kind == PartKind::Range ? Depth::AsSent : Depth::Full;
+}
+
 bool IsTooShort(const FramePart& part)
 {
     return HasPicture(part) && BytesNeeded(part.layout) > part.size;
@@ -73,7 +105,7 @@ std::optional<std::vector<std::optional<Picture>>> PicturesOf(const std::vector<
         std::optional<Picture>& picture = pictures.emplace_back();
         if (IsTooShort(part)) return std::nullopt;
         if (!HasPicture(part)) continue;
-        picture = ToPicture(part.layout, part.bytes, part.size);
+        picture = ToPicture(part.layout, part.bytes, part.size, DepthOf(part));
     }
     return pictures;
 }
@@ -111,7 +143,7 @@ FrameFiles ToPictureFiles(const FramePart& image, FileFormat format, const std::
     if (!points || HasPicture(image))
     {
         if (BytesNeeded(image.layout) > image.size) return {};
-        files.push_back({"", SuffixOf(format), ToPicture(image.layout, image.bytes, image.size)});
+        files.push_back({"", SuffixOf(format), ToPicture(image.layout, image.bytes, image.size, DepthOf(image))});
     }
     if (points) files.push_back({"points", ".ply", std::move(*points)});
     return files;
@@ -124,9 +156,11 @@ FrameFiles ToPartFiles(const std::vector<FramePart>& parts, FileFormat format, c
 
     FrameFiles files;
     std::map<std::string, int> uses;
-    const auto add = [&](const char* label, const char* suffix, auto content) {
+    const auto add = [&](const std::string& label, const char* suffix, auto content) {
         const int use = ++uses[label];
-        files.push_back({label + (use > 1 ? std::to_string(use) : std::string()), suffix, std::move(content)});
+        const bool endsWithAnID = std::isdigit(static_cast<unsigned char>(label.back())) != 0;
+        const std::string number = use > 1 ? (endsWithAnID ? "-" : "") + std::to_string(use) : "";
+        files.push_back({label + number, suffix, std::move(content)});
     };
     for (const FramePart& part : parts)
     {
@@ -134,15 +168,15 @@ FrameFiles ToPartFiles(const std::vector<FramePart>& parts, FileFormat format, c
         const Picture* colours = Companion(parts, *pictures, PartKind::Image, part.layout);
         const Picture* confidence = Companion(parts, *pictures, PartKind::Confidence, part.layout);
         auto points = ToPointCloud(part, *geometry, colours, confidence);
-        if (points) add("points", ".ply", std::move(*points));
+        if (points) add(LabelOf("points", part), ".ply", std::move(*points));
     }
     for (size_t i = 0; i < parts.size(); ++i)
     {
         const FramePart& part = parts[i];
         if ((*pictures)[i])
-            add(LabelOf(part.kind), SuffixOf(format), std::move(*(*pictures)[i]));
+            add(LabelOf(LabelOf(part.kind), part), SuffixOf(format), std::move(*(*pictures)[i]));
         else
-            add(LabelOf(part.kind), SuffixOf(part.kind), RawBytes(part.bytes, part.bytes + part.size));
+            add(LabelOf(LabelOf(part.kind), part), SuffixOf(part.kind), RawBytes(part.bytes, part.bytes + part.size));
     }
     return files;
 }

@@ -19,6 +19,7 @@ enum class FileFormat
     PNG,
     TIFF,
     Raw,
+    None, // frames are only counted
 };
 
 // Bytes as they came.
@@ -44,9 +45,9 @@ FrameFiles ToRawFile(const uint8_t* bytes, size_t size);
 // is too short for it. Throws ToolError for a pixel format that has neither, and for sizes beyond reason.
 FrameFiles ToPictureFiles(const FramePart& image, FileFormat format, const std::optional<Scan3D>& geometry);
 
-// A file for each part of a frame: "image", "range", "confidence", "data", numbered from 2 on where a name returns, and
-// "points" for each range whose places are known. What has no picture is kept as it came. Empty when a part is too
-// short for its picture. Throws ToolError for sizes beyond reason.
+// A file for each part of a frame: "image", "range", "confidence", "data", with the ids of a purpose and a region that
+// the part has beyond the usual, numbered from 2 on where a name returns, and "points" for each range whose places are known. What has no
+// picture is kept as it came. Empty when a part is too short for its picture. Throws ToolError for sizes beyond reason.
 FrameFiles ToPartFiles(const std::vector<FramePart>& parts, FileFormat format, const std::optional<Scan3D>& geometry);
 
 } // namespace koro::tool

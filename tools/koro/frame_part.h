@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 
 namespace koro::tool
 {
@@ -26,6 +27,9 @@ struct FramePart
 {
     PartKind kind = PartKind::Image;
     FrameLayout layout;
+    std::optional<uint64_t> purpose; // of the data, by the camera's count of components
+    std::optional<uint64_t> region;
+    bool isMeasurement = false; // its numbers mean something, such as disparities, and stay as they are
     const uint8_t* bytes = nullptr;
     size_t size = 0;
 };

@@ -3,6 +3,7 @@
 #include "tools/koro/if_known.h"
 #include "tools/koro/tool_error.h"
 
+#include <cstring>
 #include <string>
 
 namespace koro::tool
@@ -56,6 +57,24 @@ PartKind KindOf(int32_t type)
     }
 }
 
+// A tag of a part, which a producer need not know.
+std::optional<uint64_t> TagOf(const BufferPart& part, int32_t command)
+{
+    const auto info = IfKnown([&] { return part.Info(command); });
+    uint64_t tag = 0;
+    if (!info || info->bytes.size() != sizeof tag) return std::nullopt;
+    std::memcpy(&tag, info->bytes.data(), sizeof tag);
+    return tag;
+}
+
+// Components by the naming convention of features.
+bool IsMeasurement(std::optional<uint64_t> purpose)
+{
+    constexpr uint64_t range = 4;
+    constexpr uint64_t disparity = 8;
+    return purpose == range || purpose == disparity;
+}
+
 FramePart ReadPart(const BufferPart& part, const FrameBytes& bytes, bool bigEndian)
 {
     FramePart read;
@@ -66,6 +85,9 @@ FramePart ReadPart(const BufferPart& part, const FrameBytes& bytes, bool bigEndi
         throw ToolError("The producer places a part of the frame outside of the buffer.");
     read.bytes = bytes.data + start;
     read.kind = KindOf(part.Type());
+    read.purpose = TagOf(part, KORO_BUFFER_PART_INFO_DATA_PURPOSE_ID);
+    read.region = TagOf(part, KORO_BUFFER_PART_INFO_REGION_ID);
+    read.isMeasurement = IsMeasurement(read.purpose);
     const bool hasPixels =
         read.kind == PartKind::Image || read.kind == PartKind::Range || read.kind == PartKind::Confidence;
     if (!hasPixels) return read;
@@ -130,8 +152,7 @@ bool IsMultiPart(const Buffer& buffer)
 bool HasPlainImage(const Buffer& buffer)
 {
     const int32_t type = IfKnown([&] { return buffer.PayloadType(); }).value_or(KORO_PAYLOAD_TYPE_UNKNOWN);
-    return type == KORO_PAYLOAD_TYPE_UNKNOWN || type == KORO_PAYLOAD_TYPE_IMAGE ||
-           type == KORO_PAYLOAD_TYPE_CHUNK_DATA;
+    return type == KORO_PAYLOAD_TYPE_UNKNOWN || type == KORO_PAYLOAD_TYPE_IMAGE || type == KORO_PAYLOAD_TYPE_CHUNK_DATA;
 }
 
 FramePart ReadImage(const Buffer& buffer, const FrameBytes& bytes)

@@ -1,8 +1,10 @@
 #include "tools/koro/frame_taker.h"
 
+#include "tools/koro/frame_object.h"
 #include "tools/koro/tool_error.h"
 
 #include <algorithm>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <utility>
 
@@ -12,13 +14,21 @@ namespace koro::tool
 namespace
 {
 
-// A camera that is silent this often in a row, or sends this many useless frames in a row, is given up.
-constexpr int maxTimeoutsInRow = 3;
-constexpr int maxUselessInRow = 64;
 // How often a camera that may come and go is looked for while no frame comes.
 constexpr uint64_t lookInterval_ms = 250;
 // How long the stream of a camera that is back may stay silent.
 constexpr uint64_t patience_ms = 1000;
+
+// Of all points of the frame, how many lie beyond the limit.
+uint64_t PointsLeftOut(const FrameFiles& files)
+{
+    uint64_t number = 0;
+    for (const FrameFile& file : files)
+    {
+        if (const auto* points = std::get_if<PointCloud>(&file.content)) number += points->numLeftOut;
+    }
+    return number;
+}
 
 } // namespace
 
@@ -45,7 +55,7 @@ GrabEnd FrameTaker::Run()
             const bool useful = TakeFrame(*buffer);
             source.stream.QueueBuffer(*buffer);
             uselessInRow = useful ? 0 : uselessInRow + 1;
-            if (uselessInRow == maxUselessInRow) break;
+            if (uselessInRow == maxUselessInRow) return GrabEnd::Useless;
             continue;
         }
         if (link && IsLostForGood()) return GrabEnd::Lost;
@@ -54,7 +64,8 @@ GrabEnd FrameTaker::Run()
         if (silent_ms < settings.timeout_ms) continue;
         silent_ms = 0;
         ++output.statistics.numTimeouts;
-        if (++timeoutsInRow == maxTimeoutsInRow) break;
+        output.statistics.NoteSilence();
+        if (++timeoutsInRow == maxTimeoutsInRow) return GrabEnd::Silent;
     }
     return GrabEnd::Finished;
 }
@@ -111,11 +122,9 @@ bool FrameTaker::TakeFrame(const Buffer& buffer)
         ReadFrame(buffer, found->second, {settings.format, settings.keepIncomplete, source.geometry});
     // A camera that has not sent one picture will not send another format.
     if (frame.isUnknownFormat && output.numHanded == 0) throw ToolError(frame.problem, frame.hint);
-    output.NoteFrame(frame.size);
-    output.NoteProblem(frame);
+    output.NoteFrame(frame);
     const bool isWhole = frame.state == FrameState::Whole;
-    if (!isWhole) ++output.statistics.numIncomplete;
-    if (!frame.files.empty()) SaveFrame(buffer, std::move(frame));
+    if (isWhole || !frame.files.empty() || output.describesFrames) SaveFrame(buffer, std::move(frame));
     return isWhole;
 }
 
@@ -123,10 +132,31 @@ void FrameTaker::SaveFrame(const Buffer& buffer, DeliveredFrame frame)
 {
     FrameNote note;
     note.isWhole = frame.state == FrameState::Whole;
-    ++output.numFiled;
+    if (output.describesFrames) note.object = DescribeFrame(buffer, frame, output.statistics.numFrames);
     if (note.isWhole) ++output.numHanded;
-    if (note.isWhole && output.table) note.remark = output.table->Add(source.nodes, buffer, output.numFiled);
+    if (!frame.files.empty()) ++output.numFiled;
+    if (note.isWhole && output.table) AddChunks(buffer, note);
+    NotePointsLeftOut(frame.files, note);
     output.saver.Save(std::move(frame.files), std::move(note));
+}
+
+void FrameTaker::AddChunks(const Buffer& buffer, FrameNote& note)
+{
+    const uint64_t number = settings.format == FileFormat::None ? output.numHanded : output.numFiled;
+    note.remark = output.table->Add(source.nodes, buffer, number);
+    if (!note.object) return;
+    nlohmann::json& chunks = (*note.object)["chunks"] = nlohmann::json::object();
+    for (const auto& [name, value] : output.table->Values())
+        chunks[name] = value;
+}
+
+void FrameTaker::NotePointsLeftOut(const FrameFiles& files, FrameNote& note)
+{
+    const uint64_t number = PointsLeftOut(files);
+    if (note.object && settings.rangeLimit) (*note.object)["pointsLeftOut"] = number;
+    if (number == 0) return;
+    output.statistics.numPointsLeftOut += number;
+    note.remark += (note.remark.empty() ? "" : ", ") + std::to_string(number) + " points beyond the range limit";
 }
 
 } // namespace koro::tool

@@ -17,9 +17,15 @@
 namespace koro::tool
 {
 
+// A camera that is silent this often in a row, or sends this many frames in a row of which none is whole, is given up.
+constexpr int maxTimeoutsInRow = 3;
+constexpr int maxUselessInRow = 64;
+
 enum class GrabEnd
 {
-    Finished, // all pictures are taken, the camera is silent or useless, or the user interrupts
+    Finished, // all pictures are taken, or the user interrupts
+    Silent,   // the camera sends nothing
+    Useless,  // the camera sends nothing that is whole
     Lost,     // the camera has gone
 };
 
@@ -48,6 +54,8 @@ private:
     bool IsLostForGood();
     bool TakeFrame(const Buffer& buffer);
     void SaveFrame(const Buffer& buffer, DeliveredFrame frame);
+    void AddChunks(const Buffer& buffer, FrameNote& note);
+    void NotePointsLeftOut(const FrameFiles& files, FrameNote& note);
 
     const RunningStream source;
     const GrabSettings& settings;

@@ -1,37 +1,22 @@
 #include "tools/koro/grab_output.h"
 
+#include "tools/koro/report.h"
+
 #include <algorithm>
 #include <cstdio>
 
 namespace koro::tool
 {
 
-void GrabStatistics::Count(size_t size)
-{
-    lastFrame = Clock::now();
-    if (numFrames == 0) firstFrame = lastFrame;
-    ++numFrames;
-    numBytes += size;
-}
-
-double GrabStatistics::Seconds() const
-{
-    return numFrames == 0 ? 0 : std::chrono::duration<double>(lastFrame - firstFrame).count();
-}
-
-double GrabStatistics::SecondsSinceLastFrame() const
-{
-    return std::chrono::duration<double>(Clock::now() - lastFrame).count();
-}
-
 void GrabOutput::NoteLoss()
 {
     if (cameraIsLost) return;
     cameraIsLost = true;
+    statistics.NoteSilence();
     progress.Say("camera lost after " + std::to_string(numHanded) + " pictures");
 }
 
-void GrabOutput::NoteFrame(size_t size)
+void GrabOutput::NoteFrame(const DeliveredFrame& frame)
 {
     if (cameraIsLost)
     {
@@ -43,16 +28,12 @@ void GrabOutput::NoteFrame(size_t size)
         std::snprintf(text, sizeof text, "camera back, %.3f s without a frame", outage_s);
         progress.Say(text);
     }
-    statistics.Count(size);
-}
-
-void GrabOutput::NoteProblem(const DeliveredFrame& frame)
-{
+    statistics.Count(frame.state, frame.size);
     if (frame.problem.empty() || problemIsNamed) return;
     problemIsNamed = true;
     progress.Warn(
         "koro: Frame " + std::to_string(statistics.numFrames) + " cannot be read and counts as incomplete: " +
-        frame.problem + (frame.hint.empty() ? "" : "\nhint: " + frame.hint));
+        PrintableLines(frame.problem) + (frame.hint.empty() ? "" : "\nhint: " + frame.hint));
 }
 
 } // namespace koro::tool

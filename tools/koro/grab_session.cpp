@@ -16,7 +16,7 @@ namespace
 {
 
 constexpr size_t usualBuffers = 8;
-constexpr size_t maxBuffers = 256;
+constexpr size_t mostByThemselves = 256;
 constexpr size_t maxPayloadSize = size_t{1} << 30;
 constexpr size_t maxMemory = size_t{4} << 30;
 
@@ -36,12 +36,28 @@ size_t PayloadSize(const DataStream& stream, const NodeMap& nodes, size_t wished
         " bytes.");
 }
 
-size_t NumBuffers(const DataStream& stream, size_t payloadSize)
+// What the user asked for, or fails.
+size_t WishedBuffers(size_t wished, size_t required, size_t payloadSize)
+{
+    if (wished < required)
+    {
+        throw ToolError(
+            "The producer needs at least " + std::to_string(required) + " buffers.",
+            "Raise --buffers, or leave it out.");
+    }
+    if (wished <= maxMemory / payloadSize) return wished;
+    throw ToolError(
+        std::to_string(wished) + " buffers of " + std::to_string(payloadSize) + " bytes are beyond the limit of " +
+        std::to_string(maxMemory) + " bytes.");
+}
+
+size_t NumBuffers(const DataStream& stream, size_t payloadSize, size_t wished)
 {
     const size_t required = IfKnown([&] { return stream.NumBuffersAnnouncedMinRequired(); }).value_or(1);
+    if (wished != 0) return WishedBuffers(wished, required, payloadSize);
     const size_t number = std::max(required, usualBuffers);
-    if (number <= maxBuffers && number <= std::max<size_t>(maxMemory / payloadSize, 1)) return number;
-    if (required <= maxBuffers && required <= maxMemory / payloadSize) return std::max<size_t>(required, 1);
+    if (number <= mostByThemselves && number <= std::max<size_t>(maxMemory / payloadSize, 1)) return number;
+    if (required <= mostByThemselves && required <= maxMemory / payloadSize) return std::max<size_t>(required, 1);
     throw ToolError(
         "The producer asks for " + std::to_string(required) + " buffers of " + std::to_string(payloadSize) +
         " bytes, which is beyond the limit.");
@@ -68,6 +84,7 @@ GrabSession::GrabSession(const DeviceDescriptor& camera, const GrabSettings& wis
         chunkMode->SwitchAllEntries("ChunkSelector", "ChunkEnable", "true");
     }
     geometry = ReadScan3D(nodes);
+    if (geometry) geometry->rangeLimit = settings.rangeLimit;
     AnnounceBuffers();
 }
 
@@ -92,7 +109,7 @@ void GrabSession::AnnounceBuffers()
 {
     const size_t size = PayloadSize(stream, nodes, settings.payloadSize);
     const size_t alignment = IfKnown([&] { return stream.BufferAlignment(); }).value_or(1);
-    for (size_t number = NumBuffers(stream, size); number > 0; --number)
+    for (size_t number = NumBuffers(stream, size, settings.numBuffers); number > 0; --number)
     {
         FrameMemory block(size, alignment);
         const Buffer buffer = stream.AnnounceBuffer(block.Data(), block.Size());
@@ -131,31 +148,18 @@ GrabEnd GrabSession::Stream(Interrupt& interrupt, GrabOutput& output)
         // The wait may have ended meanwhile; then there is nothing to wake.
         KORO_DataStream_KillWait(stream.Get());
     });
-    Acquisition acquisition(stream, nodes);
-    GrabEnd end = GrabEnd::Finished;
-    try
-    {
-        end = FrameTaker({stream, nodes, memory, geometry, numLossesBefore}, settings, output, interrupt, link).Run();
-    }
-    catch (...)
-    {
-        const auto failure = std::current_exception();
-        IfKnown([&] { return Stop(acquisition, output.statistics), true; });
-        std::rethrow_exception(failure);
-    }
-    if (end == GrabEnd::Finished)
-        Stop(acquisition, output.statistics);
-    else
-        IfKnown([&] { return Stop(acquisition, output.statistics), true; });
-    return end;
+    acquisition.emplace(stream, nodes);
+    return FrameTaker({stream, nodes, memory, geometry, numLossesBefore}, settings, output, interrupt, link).Run();
 }
 
-void GrabSession::Stop(Acquisition& acquisition, GrabStatistics& statistics)
+void GrabSession::Stop(ClosingReport& report)
 {
-    acquisition.Stop();
-    if (const auto underruns = IfKnown([&] { return stream.NumUnderruns(); }))
-        statistics.numUnderruns = statistics.numUnderruns.value_or(0) + *underruns;
-    stream.Flush(FlushMode::AllDiscard);
+    if (!acquisition) return;
+    const bool isStopped = report.Attempt([this] { acquisition->Stop(); });
+    acquisition.reset();
+    if (!isStopped && chunkMode) chunkMode->Forget();
+    if (const auto underruns = IfKnown([&] { return stream.NumUnderruns(); })) report.AddUnderruns(*underruns);
+    report.Attempt([this] { stream.Flush(FlushMode::AllDiscard); });
 }
 
 } // namespace koro::tool

@@ -1,9 +1,10 @@
 // GrabSession: one camera streaming into the tool's buffers, from opening to closing.
 //
-// Owned by `koro grab`; used on one thread, while KillWait of the interrupt comes from another.
+// Owned by `koro grab`; used on one thread at a time, while KillWait of the interrupt comes from another.
 #pragma once
 
 #include "tools/koro/camera_link.h"
+#include "tools/koro/closing.h"
 #include "tools/koro/frame_memory.h"
 #include "tools/koro/frame_taker.h"
 #include "tools/koro/grab_output.h"
@@ -27,10 +28,12 @@ public:
     // `link` may be null.
     GrabSession(const DeviceDescriptor& camera, const GrabSettings& settings, CameraLink* link);
 
-    // Streams until the output has got all pictures, the camera stays silent or delivers nothing useful, or the user
-    // interrupts. Stops the camera in every case. Throws what waiting or saving failed with. With a `link` a camera may
-    // come and go: when it comes back by itself the stream goes on, and a failure of the camera is the end Lost.
+    // Starts the camera and streams until the output has got all pictures, the camera stays silent or delivers nothing
+    // whole, or the user interrupts. Throws what waiting or saving failed with. With a `link` a camera may come and go:
+    // when it comes back by itself the stream goes on, and a failure of the camera is the end Lost.
     GrabEnd Run(Interrupt& interrupt, GrabOutput& output);
+    // Stops the camera, however the run ended; the destructor closes it. Both may take long when it is dead.
+    void Stop(ClosingReport& report);
     // "8 buffers of 307200 bytes".
     std::string DescribeBuffers() const;
 
@@ -38,7 +41,6 @@ private:
     void FindNodes();
     void AnnounceBuffers();
     GrabEnd Stream(Interrupt& interrupt, GrabOutput& output);
-    void Stop(Acquisition& acquisition, GrabStatistics& statistics);
 
     const GrabSettings settings;
     CameraLink* const link;
@@ -49,7 +51,8 @@ private:
     std::optional<Scan3D> geometry;                  // of a 3D camera
     std::map<KORO_BufferHandle, FrameMemory> memory; // longer than the stream, which lets go of it
     DataStream stream;
-    std::optional<SwitchedFeatures> chunkMode; // switched back first of all
+    std::optional<SwitchedFeatures> chunkMode; // switched back behind the stop, first of all
+    std::optional<Acquisition> acquisition;
 };
 
 } // namespace koro::tool

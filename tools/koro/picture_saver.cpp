@@ -1,11 +1,10 @@
 #include "tools/koro/picture_saver.h"
 
+#include "tools/koro/camera_tree_json.h"
 #include "tools/koro/image_writer.h"
 
-#include <algorithm>
 #include <cinttypes>
 #include <cstdio>
-#include <string_view>
 #include <utility>
 
 namespace koro::tool
@@ -82,7 +81,7 @@ void PictureSaver::Work()
     {
         changed.wait(lock, [this] { return ending || !waiting.empty(); });
         if (waiting.empty()) return;
-        const Frame frame = std::move(waiting.front());
+        Frame frame = std::move(waiting.front());
         waiting.pop_front();
         const uint64_t number = numWritten + 1;
         changed.notify_all();
@@ -104,13 +103,13 @@ void PictureSaver::Work()
             changed.notify_all();
             return;
         }
-        ++numWritten;
-        numSaved += frame.note.isWhole ? 1 : 0;
+        if (!frame.files.empty()) ++numWritten;
+        if (frame.note.isWhole) ++numSaved;
         numFiles += frame.files.size();
     }
 }
 
-void PictureSaver::WriteOne(const Frame& frame, uint64_t number)
+void PictureSaver::WriteOne(Frame& frame, uint64_t number)
 {
     char digits[64];
     std::snprintf(digits, sizeof digits, "-%06" PRIu64 "%s", number, frame.note.isWhole ? "" : "-incomplete");
@@ -122,20 +121,15 @@ void PictureSaver::WriteOne(const Frame& frame, uint64_t number)
         Write(file, path);
         paths.push_back(path.string());
     }
-    if (frame.note.isWhole)
+    if (frame.note.object)
+    {
+        (*frame.note.object)["files"] = paths;
+        progress.ShowObject(Dump(*frame.note.object));
+    }
+    else if (frame.note.isWhole)
         progress.Saved(paths, frame.note.remark);
     else
         progress.Kept(paths);
-}
-
-std::string FileNamePrefix(const std::string& text)
-{
-    constexpr std::string_view allowed = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789._-";
-    std::string name = text.substr(0, 64);
-    std::replace_if(
-        name.begin(), name.end(), [&](char c) { return allowed.find(c) == std::string_view::npos; }, '_');
-    if (name.empty() || name.front() == '.') name.insert(0, "camera");
-    return name;
 }
 
 } // namespace koro::tool

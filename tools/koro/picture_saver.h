@@ -12,6 +12,8 @@
 #include <exception>
 #include <filesystem>
 #include <mutex>
+#include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
 #include <thread>
 
@@ -23,6 +25,8 @@ struct FrameNote
 {
     std::string remark = {}; // shown beside them
     bool isWhole = true;     // else their names say that it is incomplete
+    // What is known of the frame, to be printed with the names of the files in place of them.
+    std::optional<nlohmann::json> object = {};
 };
 
 class PictureSaver
@@ -35,11 +39,12 @@ public:
     // Frames that still stand in line are written.
     ~PictureSaver();
 
-    // Takes the files of the next frame. Throws what an earlier write failed with; nothing is taken after that.
+    // Takes the files of the next frame, or none of a frame that is only counted or described. Throws what an earlier
+    // write failed with; nothing is taken after that.
     void Save(FrameFiles files, FrameNote note = {});
     // Waits for the last file. Throws what a write failed with.
     void Finish();
-    // Whole frames whose files are all there.
+    // Whole frames that are done.
     uint64_t NumSaved() const;
     uint64_t NumFiles() const;
 
@@ -51,7 +56,7 @@ private:
     };
 
     void Work();
-    void WriteOne(const Frame& frame, uint64_t number);
+    void WriteOne(Frame& frame, uint64_t number);
     void End() noexcept;
 
     const std::filesystem::path folder;
@@ -62,14 +67,11 @@ private:
     std::condition_variable changed;
     std::deque<Frame> waiting;
     std::exception_ptr failure;
-    uint64_t numWritten = 0; // frames, whole or not
+    uint64_t numWritten = 0; // frames with files, whole or not
     uint64_t numSaved = 0;
     uint64_t numFiles = 0;
     bool ending = false;
     std::thread worker; // last: it uses everything above
 };
-
-// A text that is safe as the beginning of a file name: letters, digits, ".", "_" and "-", at most 64, not empty.
-std::string FileNamePrefix(const std::string& text);
 
 } // namespace koro::tool

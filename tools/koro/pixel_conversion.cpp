@@ -50,14 +50,14 @@ Samples8 ReadBytes(const PixelFormat& format, const FrameLayout& layout, const u
     return result;
 }
 
-Samples16 ReadWide(const PixelFormat& format, const FrameLayout& layout, const uint8_t* frame)
+Samples16 ReadWide(const PixelFormat& format, const FrameLayout& layout, const uint8_t* frame, Depth depth)
 {
     const size_t samples = SamplesPerLine(format, layout);
     Samples16 result(samples * layout.height);
     ForEachLine(format, layout, frame, [&](const uint8_t* line, size_t y) {
         uint16_t* values = result.data() + y * samples;
         UnpackLine(format, layout.bigEndian, line, samples, values);
-        StretchToFullRange(format.bits, values, samples);
+        if (depth == Depth::Full) StretchToFullRange(format.bits, values, samples);
     });
     return result;
 }
@@ -104,7 +104,7 @@ size_t BytesNeeded(const FrameLayout& layout)
     return layout.imageOffset + (layout.height - 1) * (lineBytes + layout.xPadding) + lineBytes;
 }
 
-Picture ToPicture(const FrameLayout& layout, const uint8_t* frame, size_t size)
+Picture ToPicture(const FrameLayout& layout, const uint8_t* frame, size_t size, Depth depth)
 {
     const size_t needed = BytesNeeded(layout);
     if (needed > size)
@@ -116,7 +116,7 @@ Picture ToPicture(const FrameLayout& layout, const uint8_t* frame, size_t size)
 
     const PixelFormat& format = KnownFormat(layout.pixelFormat);
     if (format.packing == Packing::Bytes) return Finish(format, layout, ReadBytes(format, layout, frame));
-    return Finish(format, layout, ReadWide(format, layout, frame));
+    return Finish(format, layout, ReadWide(format, layout, frame, depth));
 }
 
 } // namespace koro::tool

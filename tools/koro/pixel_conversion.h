@@ -33,8 +33,14 @@ public:
 // absent. Throws ToolError when a size is beyond reason (a side over 1,000,000 pixels), and UnknownPixelFormat.
 size_t BytesNeeded(const FrameLayout& layout);
 
+enum class Depth
+{
+    Full,   // values of more than 8 bits are stretched to 16
+    AsSent, // they stay the numbers that they are
+};
+
 // Throws ToolError for an empty picture and a frame that is longer than `size` bytes, and UnknownPixelFormat.
-// Formats of more than 8 bits give 16 bits stretched to the full range; a Bayer mosaic gives colours.
-Picture ToPicture(const FrameLayout& layout, const uint8_t* frame, size_t size);
+// Formats of more than 8 bits give 16 bits; a Bayer mosaic gives colours.
+Picture ToPicture(const FrameLayout& layout, const uint8_t* frame, size_t size, Depth depth = Depth::Full);
 
 } // namespace koro::tool

@@ -168,6 +168,12 @@ std::optional<PointCloud> ToPointCloud(
             const Place place = PlaceOf(*projection, geometry, sent, column, line);
             if (!std::isfinite(place.x) || !std::isfinite(place.y) || !std::isfinite(place.z)) continue;
 
+            if (geometry.rangeLimit && std::hypot(place.x, place.y, place.z) > *geometry.rangeLimit)
+            {
+                ++cloud.numLeftOut;
+                continue;
+            }
+
             for (const double coordinate : {place.x, place.y, place.z})
                 cloud.coordinates.push_back(static_cast<float>(coordinate));
             for (unsigned channel = 0; hasColours && channel < 3; ++channel)

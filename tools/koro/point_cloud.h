@@ -29,12 +29,14 @@ struct Scan3D
     double focalLength = 0;             // pixels
     double principalPointU = 0;         // pixels
     double principalPointV = 0;
+    std::optional<double> rangeLimit{}; // from the origin; what is farther away is left out
 };
 
 struct PointCloud
 {
     std::vector<float> coordinates; // x, y and z of each point
     std::vector<uint8_t> colours;   // red, green and blue of each point; empty for a cloud without
+    uint64_t numLeftOut = 0;        // points beyond the range limit
 
     size_t NumPoints() const { return coordinates.size() / 3; }
 };

@@ -5,8 +5,8 @@
 namespace koro::tool
 {
 
-Progress::Progress(std::FILE* shownOn, bool onTerminal, uint64_t expected)
-    : stream(shownOn), isTerminal(onTerminal), total(expected)
+Progress::Progress(std::FILE* shownOn, ProgressForm shownAs, uint64_t expected)
+    : stream(shownOn), form(shownAs), total(expected)
 {}
 
 Progress::~Progress()
@@ -19,7 +19,7 @@ void Progress::Saved(const std::vector<std::string>& files, const std::string& r
     const std::lock_guard<std::mutex> lock(mutex);
     ++done;
     const std::string count = std::to_string(done) + "/" + std::to_string(total) + " ";
-    if (!isTerminal)
+    if (form != ProgressForm::Bar)
     {
         for (const std::string& file : files)
             ShowLine(count + file);
@@ -33,9 +33,15 @@ void Progress::Saved(const std::vector<std::string>& files, const std::string& r
 void Progress::Kept(const std::vector<std::string>& files)
 {
     const std::lock_guard<std::mutex> lock(mutex);
-    if (isTerminal) return;
+    if (form == ProgressForm::Bar) return;
     for (const std::string& file : files)
         ShowLine("    " + file);
+}
+
+void Progress::ShowObject(const std::string& object)
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    ShowLine(object);
 }
 
 void Progress::Warn(const std::string& line)
@@ -52,14 +58,19 @@ void Progress::Warn(const std::string& line)
 void Progress::Say(const std::string& line)
 {
     const std::lock_guard<std::mutex> lock(mutex);
+    if (form == ProgressForm::Objects)
+    {
+        std::fprintf(stderr, "%s\n", line.c_str());
+        return;
+    }
     ShowLine(line);
-    if (isTerminal) DrawBar();
+    if (form == ProgressForm::Bar) DrawBar();
 }
 
 // On a terminal the line takes the place of the bar, which has to be drawn anew.
 void Progress::ShowLine(const std::string& line)
 {
-    if (isTerminal)
+    if (form == ProgressForm::Bar)
     {
         std::fprintf(stream, "\r\33[K%s\n", line.c_str());
         lastDrawn = {};

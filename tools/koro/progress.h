@@ -10,11 +10,18 @@
 namespace koro::tool
 {
 
+enum class ProgressForm
+{
+    Lines,   // one for each file
+    Bar,     // on a terminal
+    Objects, // of JSON, and what a person reads on standard error
+};
+
 class Progress
 {
 public:
     // `total` frames are to come. The stream belongs to the caller and outlives this object.
-    Progress(std::FILE* stream, bool isTerminal, uint64_t total);
+    Progress(std::FILE* stream, ProgressForm form, uint64_t total);
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
     // Ends the bar's line.
@@ -24,6 +31,8 @@ public:
     void Saved(const std::vector<std::string>& files, const std::string& remark = {});
     // The files of a frame that does not count.
     void Kept(const std::vector<std::string>& files);
+    // One frame in the form Objects.
+    void ShowObject(const std::string& object);
     // A line between two frames.
     void Say(const std::string& line);
     // The same on standard error, for what went wrong.
@@ -34,7 +43,7 @@ private:
     void DrawBar();
 
     std::FILE* const stream;
-    const bool isTerminal;
+    const ProgressForm form;
     const uint64_t total;
 
     std::mutex mutex; // guards all below

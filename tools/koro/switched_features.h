@@ -29,6 +29,8 @@ public:
         const std::vector<std::string>& entries);
     // The same for all entries, but for those that cannot be chosen or switched.
     void SwitchAllEntries(const std::string& selector, const std::string& feature, const std::string& on);
+    // Nothing is switched back: the camera does not answer, and each access would wait for it.
+    void Forget() { changes.clear(); }
 
 private:
     struct Change

@@ -116,4 +116,45 @@ TEST(FrameFiles, ColoursComeFromThePictureThatFits)
     EXPECT_THAT(std::get<PointCloud>(none[0].content).colours, testing::IsEmpty());
 }
 
+TEST(FrameFiles, PurposeAndRegionNameTheFilesOfAPart)
+{
+    const auto tagged = [](PartKind kind, uint64_t format, uint64_t purpose, uint64_t region) {
+        FramePart part = Part(kind, format);
+        part.purpose = purpose;
+        part.region = region;
+        return part;
+    };
+    FramePart untagged = Part(PartKind::Image, mono8);
+    FramePart purposeAlone = untagged;
+    purposeAlone.purpose = 3;
+    EXPECT_THAT(
+        NamesOf(ToPartFiles(
+            {tagged(PartKind::Image, mono8, 1, 0), tagged(PartKind::Image, mono8, 1, 2),
+             tagged(PartKind::Range, rangeC8, 4, 2), untagged, purposeAlone, purposeAlone},
+            FileFormat::PNG, rectified)),
+        ElementsAre(
+            "points-region2.ply", "image.png", "image-region2.png",
+            "range-region2.png", "image2.png", "image-purpose3.png", "image-purpose3-2.png"));
+}
+
+TEST(FrameFiles, NumbersOfMeasurementsAreNotStretched)
+{
+    constexpr uint64_t mono12 = 0x01100005;
+    const std::vector<uint8_t> sent = {0x23, 0x01, 0xFF, 0x0F};
+    FramePart image = Part(PartKind::Image, mono12);
+    image.bytes = sent.data();
+    image.size = sent.size();
+    FramePart disparity = image;
+    disparity.isMeasurement = true;
+    FramePart range = image;
+    range.kind = PartKind::Range;
+    const FrameFiles files = ToPartFiles({image, disparity, range}, FileFormat::PNG, {});
+    const auto samplesOf = [](const FrameFile& file) {
+        return std::get<Samples16>(std::get<Picture>(file.content).samples);
+    };
+    EXPECT_THAT(samplesOf(files[0]), ElementsAre(0x1231, 0xFFFF));
+    EXPECT_THAT(samplesOf(files[1]), ElementsAre(0x123, 0xFFF));
+    EXPECT_THAT(samplesOf(files[2]), ElementsAre(0x123, 0xFFF));
+}
+
 } // namespace

@@ -22,7 +22,7 @@ FrameFiles Grey(uint8_t value, const char* suffix = ".png")
 struct Silence
 {
     std::FILE* stream = std::fopen("/dev/null", "w");
-    Progress progress{stream, false, 1};
+    Progress progress{stream, ProgressForm::Lines, 1};
 
     ~Silence() { std::fclose(stream); }
 };
@@ -94,6 +94,23 @@ TEST(PictureSaver, FailureReachesTheCaller)
         ToolError);
     EXPECT_THROW(saver.Finish(), ToolError);
     EXPECT_EQ(saver.NumSaved(), 0u);
+}
+
+TEST(PictureSaver, FrameWithoutFilesUsesUpNoNumber)
+{
+    const TemporaryFolder folder;
+    Silence silence;
+    PictureSaver saver(folder.Path(), "cam", silence.progress);
+    saver.Save({});
+    FrameNote broken;
+    broken.isWhole = false;
+    saver.Save(Grey(1), broken);
+    saver.Save(Grey(2));
+    saver.Finish();
+    EXPECT_EQ(saver.NumSaved(), 2u);
+    EXPECT_EQ(saver.NumFiles(), 2u);
+    EXPECT_TRUE(std::filesystem::exists(folder.File("cam-000001-incomplete.png")));
+    EXPECT_TRUE(std::filesystem::exists(folder.File("cam-000002.png")));
 }
 
 } // namespace

@@ -152,4 +152,17 @@ TEST(PointCloud, WhatSaysNothingOfPlacesHasNone)
     EXPECT_FALSE(ToPointCloud(Range(c16, 2, 2, bytes), geometry, nullptr, nullptr)) << "mode";
 }
 
+TEST(PointCloud, PlacesBeyondTheRangeLimitAreLeftOutAndCounted)
+{
+    Scan3D geometry;
+    geometry.outputMode = "RectifiedC";
+    geometry.rangeLimit = 5;
+    const std::vector<uint8_t> bytes = {4, 5, 200, 3};
+    const auto points = ToPointCloud(Range(c8, 4, 1, bytes), geometry, nullptr, nullptr);
+    ASSERT_TRUE(points);
+    // The second one is 5.1 away from the origin, since it lies a pixel to the right.
+    EXPECT_THAT(points->coordinates, Pointwise(FloatEq(), {0.0F, 0.0F, 4.0F, 3.0F, 0.0F, 3.0F}));
+    EXPECT_EQ(points->numLeftOut, 2u);
+}
+
 } // namespace

@@ -16,7 +16,7 @@ std::string Shown(bool isTerminal, uint64_t total, std::initializer_list<const c
     size_t size = 0;
     std::FILE* stream = open_memstream(&text, &size);
     {
-        Progress progress(stream, isTerminal, total);
+        Progress progress(stream, isTerminal ? ProgressForm::Bar : ProgressForm::Lines, total);
         for (const char* file : files)
             progress.Saved({file});
     }
@@ -53,7 +53,7 @@ std::string ShownWithRemarks(bool isTerminal)
     size_t size = 0;
     std::FILE* stream = open_memstream(&text, &size);
     {
-        Progress progress(stream, isTerminal, 2);
+        Progress progress(stream, isTerminal ? ProgressForm::Bar : ProgressForm::Lines, 2);
         progress.Saved({"a.png", "a.ply"}, "gain 1");
         progress.Say("lost");
         progress.Saved({"b.png"}, "gain 2");

@@ -1,4 +1,4 @@
-#include "tools/koro/picture_saver.h"
+#include "tools/koro/file_prefix.h"
 #include "tools/koro/report.h"
 
 #include <gtest/gtest.h>

@@ -1,0 +1,13 @@
+// Failure: how a command that has failed says so. Any thread.
+#pragma once
+
+#include <exception>
+
+namespace koro::tool
+{
+
+// Prints what went wrong and one hint on standard error. Returns the exit status. What is no std::exception leaves
+// again.
+int ReportFailure(const std::exception_ptr& failure);
+
+} // namespace koro::tool

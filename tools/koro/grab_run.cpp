@@ -1,0 +1,196 @@
+#include "tools/koro/grab_run.h"
+
+#include "tools/koro/camera_tree_json.h"
+#include "tools/koro/failure.h"
+#include "tools/koro/grab_summary.h"
+#include "tools/koro/output.h"
+#include "tools/koro/pause.h"
+#include "tools/koro/report.h"
+#include "tools/koro/standard_streams.h"
+#include "tools/koro/tool_error.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <utility>
+
+namespace koro::tool
+{
+
+namespace
+{
+
+constexpr std::chrono::milliseconds searchInterval{200};
+
+ProgressForm FormOf(const GrabOptions& options)
+{
+    if (options.json) return ProgressForm::Objects;
+    return OutputIsTerminal() ? ProgressForm::Bar : ProgressForm::Lines;
+}
+
+void PrintEnd(const std::string& reason, const GrabOutput& output, uint64_t numPictures, const char* hint)
+{
+    std::fprintf(
+        stderr, "%skoro: The camera gave %llu of %llu pictures.\nhint: %s\n", reason.c_str(),
+        static_cast<unsigned long long>(output.numHanded), static_cast<unsigned long long>(numPictures), hint);
+}
+
+} // namespace
+
+GrabRun::GrabRun(const GrabOptions& wished, const Discovery& discovery, const CameraChoice& choice, Interrupt& asked)
+    : options(wished), interrupt(asked),
+      connection(std::make_unique<CameraConnection>(
+          discovery, choice, ModuleSettings(options.settings.settings, ModuleKind::Remote)))
+{
+    const CameraRecord& camera = *choice.camera;
+    if (options.reconnect)
+        link = std::make_unique<CameraLink>(*connection, camera.id, camera.serialNumber.value_or(""));
+    session = std::make_unique<GrabSession>(connection->Descriptor(), options.settings, link.get());
+    if (!options.json)
+        PrintOut("%s, %s\n", Printable(DescribeCamera(choice)).c_str(), session->DescribeBuffers().c_str());
+    std::fflush(Output());
+
+    const std::filesystem::path folder = options.output;
+    if (options.settings.chunks) table.emplace(folder / (options.prefix + "-chunks.csv"));
+    progress.emplace(Output(), FormOf(options), options.settings.numPictures);
+    saver.emplace(folder, options.prefix, *progress);
+    output.emplace(GrabOutput{*saver, *progress, table ? &*table : nullptr, options.json});
+}
+
+int GrabRun::Run()
+{
+    try
+    {
+        Stream();
+    }
+    catch (...)
+    {
+        cause = std::current_exception();
+    }
+    output->statistics.End();
+    Close();
+    FinishFiles();
+    PrintSummary();
+    const int status = Conclude();
+    if (isGivenUp) EndProcess(FinishOutput(status));
+    return status;
+}
+
+void GrabRun::Stream()
+{
+    while (session && (end = session->Run(interrupt, *output)) == GrabEnd::Lost)
+    {
+        isGivenUp = !CloseWithin({}, [this] {
+            session->Stop(closing);
+            session.reset();
+        });
+        if (isGivenUp) throw ToolError("The camera was lost, and what it left open cannot be closed.");
+        closing.ForgetFailures();
+        session = OpenAgain();
+    }
+}
+
+// Looks for the camera until it can be opened and streams again. Empty after an interrupt.
+std::unique_ptr<GrabSession> GrabRun::OpenAgain()
+{
+    Pause pause(interrupt);
+    while (!interrupt.IsRequested())
+    {
+        try
+        {
+            const std::optional<DeviceDescriptor> camera = link->Find();
+            if (camera) return std::make_unique<GrabSession>(*camera, options.settings, link.get());
+        }
+        catch (const Error&)
+        {
+            // Listed before it can be opened, or gone once more.
+        }
+        pause.Until(Pause::Clock::now() + searchInterval);
+    }
+    return nullptr;
+}
+
+void GrabRun::Close()
+{
+    if (isGivenUp) return;
+    isGivenUp = !CloseWithin({}, [this] {
+        if (session) session->Stop(closing);
+        session.reset();
+        link.reset();
+        connection.reset();
+    });
+    // Of a camera that may come and go nobody is surprised.
+    if (options.reconnect) closing.ForgetFailures();
+}
+
+// What was taken before a failure stays, and so do the values of its chunks. The first failure is the one to report.
+void GrabRun::FinishFiles()
+{
+    const auto attempt = [this](const auto& finish) {
+        try
+        {
+            finish();
+        }
+        catch (const ToolError& error)
+        {
+            if (cause)
+                closing.Attempt([&] { throw error; });
+            else
+                cause = std::current_exception();
+        }
+    };
+    attempt([this] { saver->Finish(); });
+    if (table) attempt([this] { table->Finish(); });
+}
+
+void GrabRun::PrintSummary()
+{
+    progress.reset();
+    GrabTotals totals{output->statistics, closing.NumUnderruns(), {}, saver->NumFiles()};
+    if (options.settings.format != FileFormat::None) totals.numPictures = saver->NumSaved();
+    if (options.json)
+        PrintOut("%s\n", Dump(nlohmann::json::object({{"summary", SummaryJSON(totals)}})).c_str());
+    else
+        PrintRows(SummaryRows(totals));
+    std::fflush(Output());
+}
+
+// The first cause, then what failed at the end.
+int GrabRun::Conclude()
+{
+    int status = ReportEnd();
+    for (const std::string& failure : closing.Failures())
+    {
+        std::fprintf(stderr, "koro: %s\n", PrintableLines(failure).c_str());
+        if (status == exitSuccess) status = exitFailure;
+    }
+    if (isGivenUp)
+    {
+        std::fprintf(stderr, "koro: The camera could not be closed.\n");
+        if (status == exitSuccess) status = exitFailure;
+    }
+    return interrupt.IsRequested() ? exitInterrupted : status;
+}
+
+int GrabRun::ReportEnd()
+{
+    if (cause) return ReportFailure(cause);
+    const uint64_t numPictures = options.settings.numPictures;
+    if (interrupt.IsRequested() || output->numHanded >= numPictures) return exitSuccess;
+    if (end == GrabEnd::Useless)
+    {
+        PrintEnd(
+            "koro: Of " + std::to_string(maxUselessInRow) + " frames in a row none was whole.\n", *output, numPictures,
+            "Check the cable and the packet size; --keep-incomplete saves such frames too.");
+    }
+    else
+    {
+        PrintEnd(
+            "koro: No frame came within " + std::to_string(options.settings.timeout_ms) + " ms, " +
+                std::to_string(maxTimeoutsInRow) + " times in a row.\n",
+            *output, numPictures, "Check that the camera is not waiting for a trigger, or raise --timeout.");
+    }
+    return exitFramesMissing;
+}
+
+} // namespace koro::tool
