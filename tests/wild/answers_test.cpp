@@ -1,6 +1,9 @@
 // Producers that answer less than they should, or something else.
 #include "tests/wild/suite.h"
 
+#include <filesystem>
+#include <iterator>
+
 namespace koro::test::wild
 {
 
@@ -56,6 +59,18 @@ TEST(CamerasOfOneSerialNumber, AreNamedAsCandidatesByWhatTellsThemApart)
     const TemporaryFolder folder;
     const ToolResult result = RunAgainst("same_serial_numbers", "get W-one Width", folder);
     ExpectShown(result, {3, {Warns("wild0-camera/left"), Warns("wild0-camera/disparity")}});
+}
+
+TEST(CamerasOfOneSerialNumber, DoNotReplaceEachOthersPictures)
+{
+    const TemporaryFolder folder;
+    for (const std::string camera : {"wild0-camera", "wild0-camera/left"})
+    {
+        const std::string line = "grab wild0:" + camera + " --frames 2 --output FOLDER/pictures";
+        ExpectShown(RunAgainst("same_serial_numbers", line, folder), {0, {Says("pictures +2\n")}});
+    }
+    const std::filesystem::directory_iterator files(folder.File("pictures"));
+    EXPECT_EQ(std::distance(begin(files), end(files)), 4);
 }
 
 } // namespace koro::test::wild

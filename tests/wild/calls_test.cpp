@@ -11,7 +11,16 @@ namespace
 {
 
 const std::string dead = "dead_camera KORO_WILD_FRAMES=0 KORO_WILD_MS=100";
+const std::string dying = "dead_camera KORO_WILD_FRAMES=2";
 const std::string hangs = "hangs_at_start";
+
+const Expected tableAndReason = {5, {Says("pictures +2\n"), Says("timeouts +3\n"), Warns("-1011")}};
+
+const std::vector<Row> dyingRows = {
+    // The table comes, then what ended the grab, then what failed behind it.
+    {dying, "grab", tableAndReason},
+    {dying, "grab_raw", tableAndReason},
+};
 
 const std::vector<Row> deadRows = {
     // What is known without the camera is known of a dead one.
@@ -29,6 +38,8 @@ const std::vector<Row> deadRows = {
 
 } // namespace
 
+INSTANTIATE_TEST_SUITE_P(
+    Dying, WildProducers, testing::ValuesIn(Cases({dying}, {"grab", "grab_raw"}, dyingRows)), NameOf);
 INSTANTIATE_TEST_SUITE_P(Dead, WildProducers, testing::ValuesIn(Cases({dead}, deadRows)), NameOf);
 // Each of these is as any other, only later.
 INSTANTIATE_TEST_SUITE_P(

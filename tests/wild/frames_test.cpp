@@ -10,16 +10,19 @@ namespace koro::test::wild
 namespace
 {
 
-const std::vector<std::string> producers = {"broken_first_frames", "silent_after_frames", "parts"};
+const std::vector<std::string> producers = {"lost_leaders", "broken_first_frames", "silent_after_frames", "parts"};
 
+const Expected wholeFramesOnly = {0, {Says("pictures +4\n"), Says("incomplete +[1-9]")}};
 const Expected silence = {5, {Says("pictures +2\n"), Says("timeouts +3\n")}};
 
 const std::vector<Row> rows = {
     // A broken frame is counted and never saved as a whole one.
+    {"lost_leaders", "grab", wholeFramesOnly},
+    {"lost_leaders", "grab_raw", wholeFramesOnly},
     {"broken_first_frames", "grab", {0, {Says("pictures +4\n"), Says("(incomplete|empty) +2\n")}}},
     {"broken_first_frames", "grab_raw", {0, {Says("pictures +4\n"), Says("(incomplete|empty) +2\n")}}},
 
-    {"parts", "grab", {0, {Says("pictures +4\n"), Says("-image")}}},
+    {"parts", "grab", {0, {Says("pictures +4\n"), Says("-image"), Says("purpose4")}}},
     {"parts", "grab_raw", {0, {Says("pictures +4\n")}}},
 };
 
