@@ -320,6 +320,7 @@ GC_ERROR DSGetBufferInfo(
     case BUFFER_INFO_TIMESTAMP:
         return DeliverValue(INFO_DATATYPE_UINT64, AsStream(stream)->frameID, type, out, size);
     case BUFFER_INFO_SIZE:
+    case BUFFER_INFO_SIZE_FILLED:
         return DeliverValue(INFO_DATATYPE_SIZET, static_cast<BufferRecord*>(buffer)->size, type, out, size);
     case BUFFER_INFO_CONTAINS_CHUNKDATA:
         return DeliverValue<bool8_t>(INFO_DATATYPE_BOOL8, 1, type, out, size);
