@@ -66,9 +66,9 @@ public:
     bool IsUnrestricted() const { return unrestricted; }
     // Operations that began inside of others: a port may use the nodes of its own map.
     uint64_t NestedEntries() const { return nestedEntries; }
-    // Reads that a port has refused so far, and writes that went to a port or into a node.
-    uint64_t RefusedReads() const { return refusedReads; }
-    void CountRefusedRead() { ++refusedReads; }
+    // Reads that a port ended by a TimeoutException so far, and writes that went to a port or into a node.
+    uint64_t TimedOutReads() const { return timedOutReads; }
+    void CountTimedOutRead() { ++timedOutReads; }
     uint64_t Writes() const { return writes; }
     void CountWrite() { ++writes; }
     // "Gain.SetValue()"; empty outside of an operation.
@@ -136,7 +136,7 @@ private:
     const char* entryOperation = "";
     unsigned entryDepth = 0;
     uint64_t nestedEntries = 0;
-    uint64_t refusedReads = 0;
+    uint64_t timedOutReads = 0;
     uint64_t writes = 0;
     unsigned descent = 0;
     size_t descents = 0;      // since it was 0

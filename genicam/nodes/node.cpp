@@ -123,7 +123,7 @@ EAccessMode Node::ComputedMode() const
     // Entries may depend on their own enumeration: whoever is asked again meanwhile does not restrict.
     if (modeInWork) return RW;
     const Descent descent(*this);
-    const uint64_t refusals = map.RefusedReads();
+    const uint64_t timeouts = map.TimedOutReads();
     modeInWork = true;
     EAccessMode mode = RW;
     try
@@ -134,9 +134,9 @@ EAccessMode Node::ComputedMode() const
     {
         modeInWork = false;
         // A condition that cannot be read is reported once; then only what is imposed restricts the node until its
-        // caches are dropped. One that is not cached is asked again, unless the device itself refused: a device that
-        // does not answer would cost a time-out at each question.
-        if (cached && (map.RefusedReads() != refusals || AccessCacheable()))
+        // caches are dropped. One that is not cached is asked again, unless the port timed out: a device that does not
+        // answer would cost a time-out at each question.
+        if (cached && (map.TimedOutReads() != timeouts || AccessCacheable()))
         {
             const EAccessMode most = Kind() == Element::Category ? RO : RW;
             cachedMode = static_cast<uint8_t>(Combine(most, ImposedMode()));

@@ -3,6 +3,7 @@
 #include "nodes/errors.h"
 #include "nodes/port_node.h"
 
+#include <Base/GCException.h>
 #include <algorithm>
 #include <iterator>
 #include <string.h>
@@ -174,9 +175,9 @@ void RegisterPart::ReadPort(uint8_t* bytes, int64_t start, int64_t count)
     {
         connected.Read(bytes, start, count);
     }
-    catch (...)
+    catch (const GENICAM_NAMESPACE::TimeoutException&)
     {
-        node.Map().CountRefusedRead();
+        node.Map().CountTimedOutRead();
         throw;
     }
 }
