@@ -161,7 +161,7 @@ TEST_F(ChoiceNode, DeviceThatClosesEndsTheWait)
     const Error outcome = Outcome(KORO_CommandNode_WaitUntilDoneInfinite(start));
     producer->OnEntry("GCReadPort", {});
     EXPECT_EQ(outcome.code, KORO_RETURN_CODE_ERROR);
-    EXPECT_THAT(outcome.text, HasSubstr("GC_ERR_INVALID_HANDLE"));
+    EXPECT_THAT(outcome.text, HasSubstr("Pointer has expired!"));
     EXPECT_EQ(Outcome(KORO_CommandNode_WaitUntilDone(start, 0)), InvalidHandle("commandNodeHandle"));
 }
 

@@ -83,6 +83,11 @@ protected:
     void Reopen()
     {
         Require(KORO_Device_Destruct(tree.device));
+        Open();
+    }
+
+    void Open()
+    {
         tree.device =
             Get<KORO_DeviceHandle>(KORO_DeviceDescriptor_OpenDevice, tree.deviceDescriptor, OpenTree::exclusiveAccess);
         tree.remoteDevice = Get<KORO_RemoteDeviceHandle>(KORO_Device_GetRemoteDevice, tree.device);

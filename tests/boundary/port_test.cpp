@@ -320,7 +320,7 @@ TEST(PortOfAnOldProducer, LacksURLsAndSaysSo)
     std::size_t count = 0;
     EXPECT_EQ(Outcome(KORO_Port_GetNumURLs(port, &count)), lacking);
 
-    // An opening looks for the descriptions of the device.
+    // An opening looks for the descriptions of the device, and goes on without them.
     Require(KORO_System_UpdateInterfaces(system, 0));
     const auto interface = Get<KORO_InterfaceHandle>(
         KORO_InterfaceDescriptor_OpenInterface,
@@ -328,8 +328,8 @@ TEST(PortOfAnOldProducer, LacksURLsAndSaysSo)
     Require(KORO_Interface_UpdateDevices(interface, 0));
     const auto descriptor = Get<KORO_DeviceDescriptorHandle>(KORO_Interface_GetDevice, interface, std::size_t{0});
     KORO_DeviceHandle device = nullptr;
-    EXPECT_EQ(Outcome(KORO_DeviceDescriptor_OpenDevice(descriptor, OpenTree::exclusiveAccess, &device)), lacking);
-    EXPECT_EQ(producer->Open(), (Strings{"if0", "system"}));
+    EXPECT_EQ(Outcome(KORO_DeviceDescriptor_OpenDevice(descriptor, OpenTree::exclusiveAccess, &device)), Error{});
+    EXPECT_EQ(producer->Open(), (Strings{"if0", "if0-dev0", "system"}));
 }
 
 } // namespace koro::test

@@ -171,7 +171,8 @@ TEST_F(NodesInThreads, DeviceThatEndsMeanwhileEndsEveryUseByACode)
                 EXPECT_TRUE(invalidated == KORO_RETURN_CODE_SUCCESS || IsEnd(invalidated)) << invalidated;
             }
         });
-        threads.Add(1, [&](std::size_t) { Reopen(); });
+        threads.Add(1, [&](std::size_t) { Require(KORO_Device_Destruct(tree.device)); });
         threads.Join();
+        Open(); // not before: the last call that was inside closes the device
     }
 }
