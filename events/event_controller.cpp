@@ -60,7 +60,11 @@ public:
         --controller.numWaiters;
         throw AbortedException("[Function: EventGetData | Error: the wait was ended by the end of its module]");
     }
-    ~Waiter() { --controller.numWaiters; }
+    // Some producers take two pending kills for one, so each wait that has ended ends the next.
+    ~Waiter()
+    {
+        if (--controller.numWaiters > 0 && controller.haveWaitsEnded) controller.Kill();
+    }
     Waiter(const Waiter&) = delete;
     Waiter& operator=(const Waiter&) = delete;
 
@@ -106,7 +110,12 @@ void EventController::EndWaits() noexcept
 {
     if (haveWaitsEnded.exchange(true)) return;
     for (std::size_t count = numWaiters; count > 0; --count)
-        gentl.CallIgnoringFailures<&GenTLProxy::EventKill>(eventHandle.load());
+        Kill();
+}
+
+void EventController::Kill() const noexcept
+{
+    gentl.CallIgnoringFailures<&GenTLProxy::EventKill>(eventHandle.load());
 }
 
 void EventController::KillWait()

@@ -60,6 +60,7 @@ private:
     const char* QueryName() const override { return gentl.Proxy()->EventGetInfo.Name(); }
 
     class Waiter;
+    void Kill() const noexcept;
 
     const GenTL::EVENTSRC_HANDLE moduleHandle;
     std::atomic<GenTL::EVENT_HANDLE> eventHandle; // replaced by FlushPendingKillWaits

@@ -2,10 +2,13 @@
 #include "tests/boundary/described_camera.h"
 #include "tests/boundary/stream_test.h"
 
+#include <atomic>
 #include <functional>
 #include <future>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <memory>
+#include <optional>
 #include <ostream>
 #include <set>
 #include <thread>
@@ -425,6 +428,22 @@ TEST_P(EndOfAWait, ForABufferIsThatOfAKill)
     auto waiter = std::async(std::launch::async, [&] { return OutcomeOfWait(KORO_INFINITE); });
     auto another = std::async(std::launch::async, [&] { return OutcomeOfWait(KORO_INFINITE); });
     producer->AwaitWaiters(2);
+    EXPECT_EQ(GetParam().end(tree), KORO_RETURN_CODE_SUCCESS);
+    EXPECT_EQ(waiter.get(), aborted);
+    EXPECT_EQ(another.get(), aborted);
+    if (!Get<KORO_Bool8>(KORO_Library_IsInitialized)) Require(KORO_Library_Initialize());
+}
+
+TEST_P(EndOfAWait, IsThatOfAKillForEachOfSeveralWhereKillsDoNotAddUp)
+{
+    Require(KORO_DataStream_StartAcquisitionInfinite(tree.stream, 0));
+    auto waiter = std::async(std::launch::async, [&] { return OutcomeOfWait(KORO_INFINITE); });
+    auto another = std::async(std::launch::async, [&] { return OutcomeOfWait(KORO_INFINITE); });
+    producer->AwaitWaiters(2);
+    const auto kills = std::make_shared<std::atomic<int>>(0);
+    producer->Intercept("EventKill", [kills](const auto&) {
+        return ++*kills == 2 ? std::optional<GenTL::GC_ERROR>(GenTL::GC_ERR_SUCCESS) : std::nullopt;
+    });
     EXPECT_EQ(GetParam().end(tree), KORO_RETURN_CODE_SUCCESS);
     EXPECT_EQ(waiter.get(), aborted);
     EXPECT_EQ(another.get(), aborted);
