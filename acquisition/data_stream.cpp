@@ -243,7 +243,24 @@ void DataStream::Release(const std::shared_ptr<Buffer>& buffer)
 
 std::shared_ptr<Buffer> DataStream::WaitForFinishedBuffer(std::uint64_t timeout_ms)
 {
-    return WithDevice([&] { return FindOrWrap(FinishedBufferHandle(NewBufferEvents().WaitForBlock(timeout_ms))); });
+    return WithStandardExceptionsAsInternalErrors([&] {
+        const auto device = DeviceOfWait();
+        return FindOrWrap(FinishedBufferHandle(NewBufferEvents().WaitForBlock(timeout_ms)));
+    });
+}
+
+// An end marks the waits before it takes the device: a wait that comes in between was ended, and has found no fault.
+std::shared_ptr<Device> DataStream::DeviceOfWait() const
+{
+    try
+    {
+        return ParentDevice();
+    }
+    catch (const InternalErrorException&)
+    {
+        if (haveWaitsEnded) throw EventController::EndedWait();
+        throw;
+    }
 }
 
 std::shared_ptr<Buffer> DataStream::FindOrWrap(BUFFER_HANDLE handle)

@@ -79,6 +79,7 @@ public:
     void Flush(std::int32_t flushMode);
 
     std::shared_ptr<Device> ParentDevice() const;
+    std::shared_ptr<Device> DeviceOfWait() const;
     std::shared_ptr<Module> ParentModule() const override;
 
 private:

@@ -58,7 +58,7 @@ public:
         ++controller.numWaiters;
         if (!controller.haveWaitsEnded) return;
         --controller.numWaiters;
-        throw AbortedException("[Function: EventGetData | Error: the wait was ended by the end of its module]");
+        throw EndedWait();
     }
     // Some producers take two pending kills for one, so each wait that has ended ends the next.
     ~Waiter()
@@ -71,6 +71,11 @@ public:
 private:
     const EventController& controller;
 };
+
+AbortedException EventController::EndedWait()
+{
+    return AbortedException("[Function: EventGetData | Error: the wait was ended by the end of its module]");
+}
 
 std::shared_ptr<Event> EventController::WaitForEvent(std::uint64_t timeout_ms)
 {

@@ -20,6 +20,8 @@ namespace koro::internal
 class Event;
 class EventSupportingModule;
 
+class AbortedException;
+
 class EventController final : public TGenTLInfoAccessor<GenTL::EVENT_INFO_CMD_LIST>,
                               public Instance,
                               public std::enable_shared_from_this<EventController>
@@ -45,6 +47,8 @@ public:
 
     // Ends the waits that are inside, as kills do; from now on there is none any more.
     void EndWaits() noexcept override;
+    // What a wait that comes after this throws.
+    static AbortedException EndedWait();
     // Ends one wait; without a waiter the kill stays pending in the producer and ends the next one.
     void KillWait();
     // Registers anew, since the standard has no call for this: queued events and the event handle go with it. Must

@@ -57,6 +57,14 @@ GC_ERROR RevokeAnything(DS_HANDLE, BUFFER_HANDLE, void**, void**)
 
 } // namespace
 
+TEST_F(DataStreamClass, WaitThatComesBehindTheEndOfItsDeviceIsAborted)
+{
+    stream->EndWaits();
+    objects.device->MarkEnded();
+    EXPECT_THROW(stream->WaitForFinishedBuffer(0), AbortedException);
+    EXPECT_THAT([&] { stream->PayloadSize(); }, expired);
+}
+
 TEST_F(DataStreamClass, NullMemoryIsRefused)
 {
     EXPECT_THAT(
