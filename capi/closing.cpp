@@ -28,11 +28,13 @@ public:
             AddBelow(index);
     }
 
-    template <class Step>
-    void ForEachObject(Step&& step) const
+    // Between the first end of waits and threads and the hiding, others may have opened and begun more.
+    void EndActivityThatCameMeanwhile() const
     {
         for (const auto& part : parts)
-            step(part.hold->Object());
+            part.hold->Object().EndWaits();
+        for (const auto& part : parts)
+            part.hold->Object().EndThreads();
     }
     std::vector<std::weak_ptr<Hold>> WeakHolds() const
     {
@@ -157,8 +159,8 @@ void EndObject(std::shared_ptr<Hold> hold)
     subtree.KeepAbove();
     subtree.RemoveEntries();
     lock.unlock();
-    subtree.ForEachObject([](Instance& object) { object.EndWaits(); }); // of what came meanwhile
     const EndingScope scope;
+    subtree.EndActivityThatCameMeanwhile();
     subtree.Drop();
 }
 
@@ -169,7 +171,7 @@ EndOfAll::EndOfAll(const Instance::Holds& roots)
     subtree.Hide();
     subtree.KeepAbove();
     lock.unlock();
-    subtree.ForEachObject([](Instance& object) { object.EndWaits(); });
+    subtree.EndActivityThatCameMeanwhile();
 }
 
 } // namespace koro::internal
