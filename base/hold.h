@@ -6,6 +6,8 @@
 // See capi/closing.h.
 #pragma once
 
+#include <atomic>
+#include <cstddef>
 #include <memory>
 #include <utility>
 
@@ -17,10 +19,13 @@ class Instance;
 class Hold
 {
 public:
-    Hold() = default;
+    Hold() { ++numLiving; }
     Hold(const Hold&) = delete;
     Hold& operator=(const Hold&) = delete;
-    virtual ~Hold() = default; // of the object first, of what is above it afterwards
+    virtual ~Hold() { --numLiving; } // of the object first, of what is above it afterwards
+
+    // Of all kinds: 0 when the library is closed and no call is inside any more.
+    static std::size_t NumLiving() noexcept { return numLiving; }
 
     virtual Instance& Object() const = 0;
     // Of the object that the entry ends with; empty without one, and when that has gone.
@@ -39,6 +44,7 @@ public:
     void Keep(std::shared_ptr<Hold> holdAbove) { above = std::move(holdAbove); }
 
 private:
+    static inline std::atomic<std::size_t> numLiving{0};
     std::shared_ptr<Hold> above;
 };
 

@@ -64,6 +64,7 @@ public:
         {}
         ~Held() override
         {
+            if (!wasEntry) return;
             const std::weak_ptr<const void> shell = object;
             const void* const address = object.get();
             object.reset();
@@ -89,6 +90,8 @@ public:
         const std::weak_ptr<Hold> heldAbove;
         const bool outlivesParent;
         std::shared_ptr<T> object; // constant to the end
+        bool wasEntry = false;     // the last one of its object; written under the mutex of the shard
+        friend class HandleTable;
     };
 
     // Enters an object without a parent. An entry that exists stays, with its reference.
@@ -224,13 +227,14 @@ private:
 
     bool Insert(const std::shared_ptr<T>& object, Instance* parent, bool outlivesParent)
     {
+        const Key key(HandleFor(object));
+        auto& shard = ShardOf(key);
+        if (HasEntry(shard, key)) return false; // by far the most frequent, and costs no hold
         const auto above = parent ? parent->OwnHolds() : Instance::Holds();
         const auto held =
             std::make_shared<Held>(*this, object, above.empty() ? nullptr : above.front(), outlivesParent);
-        const Key key(HandleFor(object));
-        auto& shard = ShardOf(key);
         const std::lock_guard lock(shard.mutex);
-        if (!shard.isOpen) throw NotInitializedException("The library has been closed meanwhile!");
+        CheckOpen(shard);
         const auto [entry, inserted] = shard.entries.try_emplace(key, Entry{held});
         if (!inserted) return false;
         try
@@ -243,7 +247,19 @@ private:
             shard.entries.erase(entry); // `held` goes after the lock
             throw;
         }
+        held->wasEntry = true;
         return true;
+    }
+
+    static void CheckOpen(const Shard& shard)
+    {
+        if (!shard.isOpen) throw NotInitializedException("The library has been closed meanwhile!");
+    }
+    static bool HasEntry(const Shard& shard, const Key& key)
+    {
+        const std::lock_guard lock(shard.mutex);
+        CheckOpen(shard);
+        return shard.entries.find(key) != shard.entries.end();
     }
 
     bool HideEntryOf(const Held& held)
@@ -258,7 +274,7 @@ private:
     }
 
     // The entry gets a hold for the calls to come, which find the parent gone; this one is left to those inside.
-    bool RenewEntryOf(const Held& held)
+    bool RenewEntryOf(Held& held)
     {
         const auto renewed = std::make_shared<Held>(*this, held.Get(), std::weak_ptr<Hold>(), true);
         const Key key(HandleFor(held.Get()));
@@ -268,6 +284,7 @@ private:
         if (entry == shard.entries.end() || entry->second.held.get() != &held) return true;
         held.Get()->AddHold(renewed);
         entry->second.held = renewed; // the caller has a reference to the former one
+        renewed->wasEntry = std::exchange(held.wasEntry, false);
         return held.weak_from_this().use_count() > 1;
     }
 

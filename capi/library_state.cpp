@@ -2,6 +2,7 @@
 
 #include "base/checked_mutex.h"
 #include "base/ended_objects.h"
+#include "base/hold.h"
 #include "base/own_threads.h"
 #include "capi/closing.h"
 #include "capi/handle_tables.h"
@@ -33,7 +34,7 @@ struct UnloadGuard
 {
     ~UnloadGuard()
     {
-        if (IsLibraryInitialized()) return;
+        if (IsLibraryInitialized() || Hold::NumLiving() != 0) return; // a call is inside that needs the tables
         delete std::exchange(tables, nullptr); // an exit handler may start anew
         FreeEndedCallbacks();
     }

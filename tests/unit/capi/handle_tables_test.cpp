@@ -191,6 +191,23 @@ TEST(HandleTables, AddressOfAnObjectStaysOutOfUseUntilTheStoreIsFull)
     EXPECT_EQ(std::unique(ended.begin(), ended.end()), ended.end());
 }
 
+TEST(HandleTables, FetchesOfALivingObjectDoNotBringEndedAddressesBack)
+{
+    HandleTable<Child> table;
+    const auto ended = table.Add(std::make_shared<Child>());
+    table.Remove(ended);
+    const auto living = std::make_shared<Child>();
+    for (std::size_t count = 0; count < 2 * EndedObjects::maxObjects; ++count)
+        table.Add(living);
+
+    std::vector<std::shared_ptr<Child>> others; // more than the allocator would keep for later
+    for (std::size_t count = 0; count < 1000; ++count)
+    {
+        others.push_back(std::make_shared<Child>());
+        EXPECT_NE(HandleFor(others.back()), ended);
+    }
+}
+
 // Two objects, one after the other, at one address.
 class SameAddress
 {
