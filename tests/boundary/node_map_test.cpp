@@ -393,12 +393,18 @@ TEST_F(NodeMap, LockThatIsHeldDoesNotKeepTheDeviceFromClosing)
     KORO_NodeChangedCallbackHandle callback = nullptr;
     Require(KORO_Node_RegisterChangedCallback(
         Find(map, "Feature"), [](KORO_NodeHandle, void*) {}, nullptr, &callback));
-    InThread([map] {
-        Require(KORO_NodeMap_Lock(map)); // and the thread ends with it
-        return 0;
+    std::promise<void> locked;
+    std::promise<void> closed;
+    auto unlocked = std::async(std::launch::async, [&] {
+        Require(KORO_NodeMap_Lock(map));
+        locked.set_value();
+        closed.get_future().wait();
+        return Outcome(KORO_NodeMap_Unlock(map));
     });
+    locked.get_future().wait();
     EXPECT_EQ(Outcome(KORO_Device_Destruct(tree.device)), Error{});
-    EXPECT_EQ(Outcome(KORO_NodeMap_Unlock(map)), InvalidHandle("nodeMapHandle"));
+    closed.set_value();
+    EXPECT_EQ(unlocked.get(), InvalidHandle("nodeMapHandle"));
 }
 
 } // namespace koro::test
