@@ -153,9 +153,9 @@ public:
     }
     ~Registration() { End(); }
 
-    // From here on the function is not called any more, and one that is running on another thread has returned. Inside
-    // of a callback of the same kind the library refuses to forget its side, and the code says so. The function is not
-    // called then either; a second End() elsewhere tries once more.
+    // From here on the function is not called any more, and one that is running on another thread has returned, unless
+    // the module was ended before: then it may still run. Inside a callback of the same kind the library refuses, and
+    // the code says so. The function is not called then either; a second End() elsewhere tries once more.
     KORO_ReturnCode End() noexcept
     {
         const KORO_ReturnCode code = unregister ? unregister() : KORO_RETURN_CODE_SUCCESS;
