@@ -6,6 +6,7 @@
 
 #include <stdio.h>
 #include <string.h>
+#include <threads.h>
 
 enum
 {
@@ -13,7 +14,8 @@ enum
     numFrames = 10,
     frameTimeout_ms = 500,
     updateTimeout_ms = 500,
-    mostUpdates = 120
+    pause_ms = 250,
+    mostUpdates = 240 /* a minute at least, by the pauses between them */
 };
 
 /* Any answer will do; a camera that has gone gives none. */
@@ -57,6 +59,13 @@ static void Start(Camera* camera)
     StartAcquisition(camera);
 }
 
+/* The time-out of an update is the longest that it takes: most producers answer at once. */
+static void Pause(void)
+{
+    const struct timespec duration = {.tv_sec = 0, .tv_nsec = pause_ms * 1000000L};
+    thrd_sleep(&duration, NULL);
+}
+
 static void Reconnect(Camera* camera, const char* serialNumber)
 {
     size_t index = 0;
@@ -72,6 +81,7 @@ static void Reconnect(Camera* camera, const char* serialNumber)
             printf("the camera is back\n");
             return;
         }
+        Pause();
     }
     Fail("The camera did not come back.");
 }

@@ -2,14 +2,18 @@
 // and opened again when its interface lists it. A serial number says that it is the same camera.
 #include "example.hpp"
 
+#include <chrono>
 #include <optional>
+#include <thread>
 
 namespace
 {
 
 constexpr uint64_t frameTimeout_ms = 500;
 constexpr uint64_t updateTimeout_ms = 500;
-constexpr int mostUpdates = 120;
+// The time-out of an update is the longest that it takes: most producers answer at once.
+constexpr std::chrono::milliseconds pauseBetweenUpdates(250);
+constexpr int mostUpdates = 240; // a minute at least, by the pauses between them
 
 std::optional<koro::DeviceDescriptor> Find(const koro::Interface& interface, const std::string& serialNumber)
 {
@@ -33,6 +37,7 @@ void Reconnect(Camera& camera, const std::string& serialNumber)
             std::printf("the camera is back\n");
             return;
         }
+        std::this_thread::sleep_for(pauseBetweenUpdates);
     }
     throw std::runtime_error("The camera did not come back.");
 }
