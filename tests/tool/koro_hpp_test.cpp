@@ -378,6 +378,53 @@ TEST(KoroCallbacks, FunctionThatEndsItsOwnKindLivesUntilItReturnsAndIsNotCalledA
     EXPECT_EQ(news.End(), KORO_RETURN_CODE_SUCCESS);
 }
 
+void ReplaceSecondDevice(const ScriptedProducer& producer)
+{
+    producer->Edit([](scripted::Tree& edited) { edited.interfaces.at(0)->devices.at(1)->id = "newcomer"; });
+    producer->SetChanged("IFUpdateDeviceList", true);
+}
+
+TEST(KoroCallbacks, EndWaitsForItsFunctionOnAnotherThreadEvenIfTheInterfaceEndedBefore)
+{
+    const ScriptedProducer producer;
+    Tree tree(producer.Path());
+    std::promise<void> entered;
+    std::promise<void> interfaceEnded;
+    std::atomic<bool> ended{false};
+    bool endedDuringTheCall = false;
+    koro::Registration news = tree.firstInterface.OnDeviceFound([&](koro::DeviceDescriptor) {
+        entered.set_value();
+        interfaceEnded.get_future().wait();
+        for (int turn = 0; turn < 10000 && !ended; ++turn)
+            std::this_thread::yield();
+        endedDuringTheCall = ended;
+    });
+    ReplaceSecondDevice(producer);
+    std::thread updating([handle = tree.firstInterface.Get()] { KORO_Interface_UpdateDevices(handle, 1000); });
+    entered.get_future().wait();
+    EXPECT_EQ(tree.firstInterface.Close(), KORO_RETURN_CODE_SUCCESS);
+    interfaceEnded.set_value();
+    EXPECT_EQ(news.End(), KORO_RETURN_CODE_INVALID_HANDLE);
+    ended = true;
+    updating.join();
+    EXPECT_FALSE(endedDuringTheCall);
+}
+
+TEST(KoroCallbacks, FunctionMayEndItselfAfterItHasEndedItsInterface)
+{
+    const ScriptedProducer producer;
+    Tree tree(producer.Path());
+    std::vector<KORO_ReturnCode> codes;
+    koro::Registration news;
+    news = tree.firstInterface.OnDeviceFound([&](koro::DeviceDescriptor) {
+        codes.push_back(tree.firstInterface.Close());
+        codes.push_back(news.End());
+    });
+    ReplaceSecondDevice(producer);
+    KORO_Interface_UpdateDevices(tree.firstInterface.Get(), 1000);
+    EXPECT_THAT(codes, ElementsAre(KORO_RETURN_CODE_SUCCESS, KORO_RETURN_CODE_INVALID_HANDLE));
+}
+
 TEST(KoroCallbacks, ChangedInformationArrivesWithItsRoles)
 {
     const ScriptedProducer producer;

@@ -7,6 +7,7 @@
 #include <koro/cpp/support.hpp>
 #include <koro/koro.h>
 
+#include <condition_variable>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -14,6 +15,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <thread>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -46,12 +48,52 @@ public:
         last = number;
         return reinterpret_cast<Number>(number);
     }
-    // Null if it has been dropped. Whoever calls it holds it meanwhile.
-    std::shared_ptr<void> Find(Number number) const
+    // A call of a function, from the look-up to its return; null if the function has been dropped. Calls that run form
+    // a list on the stacks of their threads: a call needs no memory.
+    class Call
     {
-        const std::lock_guard<std::mutex> lock(mutex);
-        const auto found = functions.find(reinterpret_cast<uintptr_t>(number));
-        return found == functions.end() ? nullptr : found->second.function;
+    public:
+        explicit Call(Number number) : of(reinterpret_cast<uintptr_t>(number)), kept(OfProcess())
+        {
+            const std::lock_guard<std::mutex> lock(kept.mutex);
+            const auto found = kept.functions.find(of);
+            if (found != kept.functions.end()) function = found->second.function;
+            next = std::exchange(kept.running, this);
+        }
+        Call(const Call&) = delete;
+        Call& operator=(const Call&) = delete;
+        ~Call()
+        {
+            function.reset(); // if it was the last reference, what the function captured ends within the call
+            const std::lock_guard<std::mutex> lock(kept.mutex);
+            Call** link = &kept.running;
+            while (*link != this)
+                link = &(*link)->next;
+            *link = next;
+            kept.returned.notify_all();
+        }
+
+        const std::shared_ptr<void>& Function() const noexcept { return function; }
+
+    private:
+        friend class KeptFunctions;
+
+        const uintptr_t of;
+        KeptFunctions& kept;
+        const std::thread::id thread = std::this_thread::get_id();
+        std::shared_ptr<void> function;
+        Call* next = nullptr; // guarded by the mutex of all
+    };
+
+    // Returns when no other thread is inside the function any more. A function that drops itself does not wait.
+    void Drop(Number number) noexcept
+    {
+        const std::shared_ptr<void> dropped = Take(number); // ends outside of the lock: it is the application's code
+        const auto of = reinterpret_cast<uintptr_t>(number);
+        std::unique_lock<std::mutex> lock(mutex);
+        const auto own = std::this_thread::get_id();
+        if (Runs([&](const Call& call) { return call.of == of && call.thread == own; })) return;
+        returned.wait(lock, [&] { return !Runs([&](const Call& call) { return call.of == of; }); });
     }
     std::shared_ptr<void> Take(Number number)
     {
@@ -80,9 +122,19 @@ private:
         const void* group;
     };
 
-    mutable std::mutex mutex;
-    std::map<uintptr_t, Entry> functions; // guarded by mutex, as the next
+    template <typename IsMeant>
+    bool Runs(IsMeant isMeant) const
+    {
+        for (const Call* call = running; call; call = call->next)
+            if (isMeant(*call)) return true;
+        return false;
+    }
+
+    std::mutex mutex;
+    std::condition_variable returned;     // a call
+    std::map<uintptr_t, Entry> functions; // guarded by mutex, as the next ones
     uintptr_t last = 0;
+    Call* running = nullptr;
 };
 
 // One of them, dropped at the end of this object.
@@ -109,7 +161,7 @@ public:
     KeptFunctions::Number Release() noexcept { return std::exchange(number, nullptr); }
     void Drop() noexcept
     {
-        if (number) KeptFunctions::OfProcess().Take(Release());
+        if (number) KeptFunctions::OfProcess().Drop(Release());
     }
 
 private:
@@ -120,8 +172,8 @@ private:
 template <typename Function, typename... Arguments>
 void CallKept(void* context, Arguments&&... arguments)
 {
-    const auto function = std::static_pointer_cast<Function>(KeptFunctions::OfProcess().Find(context));
-    if (function) (*function)(std::forward<Arguments>(arguments)...);
+    const KeptFunctions::Call call(context);
+    if (call.Function()) (*static_cast<Function*>(call.Function().get()))(std::forward<Arguments>(arguments)...);
 }
 
 } // namespace detail
@@ -153,9 +205,10 @@ public:
     }
     ~Registration() { End(); }
 
-    // From here on the function is not called any more, and one that is running on another thread has returned, unless
-    // the module was ended before: then it may still run. Inside a callback of the same kind the library refuses, and
-    // the code says so. The function is not called then either; a second End() elsewhere tries once more.
+    // From here on the function is not called any more, and one that is running on another thread has returned, even if
+    // the module was ended before. Two functions that end each other on two threads may wait for each other for ever.
+    // Inside a callback of the same kind the library refuses, and the code says so. The function is not called then
+    // either; a second End() elsewhere tries once more. A function that ends itself lasts until it returns.
     KORO_ReturnCode End() noexcept
     {
         const KORO_ReturnCode code = unregister ? unregister() : KORO_RETURN_CODE_SUCCESS;
