@@ -66,14 +66,48 @@ TEST(HostileProducer, ExitInTheMiddleIsAFailureThatNamesTheCall)
     EXPECT_THAT(result.err, HasSubstr("koro: " + producer + " ended the process in IFOpenDevice, with status 0.\n"));
 }
 
+TEST(HostileProducer, ExitWithoutHandlersIsAFailureThatNamesTheCall)
+{
+    for (const std::string way : {"_exit", "_Exit"})
+    {
+        const TemporaryFolder folder;
+        const std::string producer = MakeInstructedProducer(folder, "a.cti", "IFOpenDevice " + way + " 0");
+        const ToolResult result = RunTool({"info", camera, "--producer", producer});
+        EXPECT_EQ(result.status, 1) << way;
+        EXPECT_EQ(result.err, "koro: " + producer + " ended the process in IFOpenDevice, with status 0.\n") << way;
+    }
+}
+
+TEST(HostileProducer, QuickExitIsAFailureThatNamesTheCall)
+{
+    const TemporaryFolder folder;
+    const std::string producer = MakeInstructedProducer(folder, "a.cti", "IFOpenDevice quick_exit 0");
+    const ToolResult result = RunTool({"info", camera, "--producer", producer});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.err, "koro: " + producer + " ended the process in IFOpenDevice.\n");
+}
+
+TEST(HostileProducer, HelpersThatEndAreNoEndOfTheTool)
+{
+    const TemporaryFolder folder;
+    const std::string producer = MakeInstructedProducer(folder, "a.cti", "IFOpenDevice helpers");
+    const ToolResult result = RunTool({"info", camera, "--producer", producer});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "");
+}
+
 TEST(HostileProducer, ProbeNamesTheCallOfACrashOrAnExit)
 {
     const TemporaryFolder folder;
     const std::string a = MakeInstructedProducer(folder, "a.cti", "GCGetInfo crash");
     const std::string b = MakeInstructedProducer(folder, "b.cti", "IFUpdateDeviceList exit 0");
+    const std::string c = MakeInstructedProducer(folder, "c.cti", "IFUpdateDeviceList _exit 7");
+    const std::string d = MakeInstructedProducer(folder, "d.cti", "TLOpen quick_exit 8");
     const ToolResult list = RunTool({"list"}, SearchIn(folder));
     EXPECT_THAT(list.out, HasSubstr(a + " is left out: crashed in GCGetInfo by signal 11 (SIGSEGV)\n"));
     EXPECT_THAT(list.out, HasSubstr(b + " is left out: ended the process in IFUpdateDeviceList with status 0\n"));
+    EXPECT_THAT(list.out, HasSubstr(c + " is left out: ended the process in IFUpdateDeviceList with status 7\n"));
+    EXPECT_THAT(list.out, HasSubstr(d + " is left out: ended the process in TLOpen with status 8\n"));
 
     const ToolResult doctor = RunTool({"doctor"}, SearchIn(folder));
     EXPECT_THAT(doctor.out, HasSubstr("\n  crashes at load: crashed in GCGetInfo by signal 11 (SIGSEGV)\n"));

@@ -2,6 +2,7 @@
 
 #include "tools/koro/call_in_progress.h"
 #include "tools/koro/exit_codes.h"
+#include "tools/koro/process_end.h"
 #include "tools/koro/standard_streams.h"
 
 #include <algorithm>
@@ -20,7 +21,9 @@ namespace
 {
 
 // Never destroyed: handlers run to the very end of the process.
-std::atomic<bool> exitIsExpected{false};
+std::atomic<pid_t> toolProcess{0};
+constexpr int notExpected = -1;
+std::atomic<int> expectedStatus{notExpected};
 std::atomic<int> reportPipe{-1}; // -1: standard error
 std::array<char, 4096> lastProducer{};
 std::array<char, 65536> signalStack{};
@@ -61,6 +64,12 @@ private:
     size_t size = 0;
 };
 
+// A process that was forked from the tool's has this code and these handlers too.
+bool IsToolProcess()
+{
+    return getpid() == toolProcess;
+}
+
 void SendCall(const CallInProgress& call)
 {
     if (!call.function) return;
@@ -84,6 +93,7 @@ void AddPlace(Line& line, const CallInProgress& call)
 
 void ReportCrash(int number, const CallInProgress& call)
 {
+    if (!IsToolProcess()) return;
     if (reportPipe >= 0) return SendCall(call);
     const char* const producer = ProducerOf(call);
     const char* const name = sigabbrev_np(number);
@@ -125,23 +135,63 @@ void ReportAndCrash(int number)
     raise(number);
 }
 
-void ReportExit(int status, void*)
+// Unless another thread is writing: then it may be the one that never ends.
+void WriteOutWhatThereIs()
 {
-    if (exitIsExpected) return;
-    const CallInProgress call = FindCallInProgress();
-    if (reportPipe >= 0)
-    {
-        SendCall(call);
-        _exit(status);
-    }
+    std::FILE* const output = Output();
+    if (ftrylockfile(output) != 0) return;
+    std::fflush(output);
+    funlockfile(output);
+}
+
+// `status` is null when it is not known.
+void ReportEnd(const CallInProgress& call, const int* status)
+{
     const char* const producer = ProducerOf(call);
     Line line;
     line << "koro: " << (producer ? producer : "A library") << " ended the process";
     AddPlace(line, call);
-    line << ", with status " << status << ".\n";
+    if (status) line << ", with status " << *status;
+    line << ".\n";
     line.WriteTo(STDERR_FILENO);
-    std::fflush(Output());
-    _exit(exitFailure);
+    WriteOutWhatThereIs();
+}
+
+// Somebody else than the tool ends the process.
+[[noreturn]] void EndByAccident(int status)
+{
+    const CallInProgress call = FindCallInProgress();
+    if (reportPipe >= 0)
+    {
+        SendCall(call);
+        EndNow(status);
+    }
+    ReportEnd(call, &status);
+    EndNow(exitFailure);
+}
+
+void OnExit(int status, void*)
+{
+    if (!IsToolProcess() || status == expectedStatus) return;
+    if (expectedStatus != notExpected) EndNow(expectedStatus);
+    EndByAccident(status);
+}
+
+// The status of a quick_exit cannot be asked for.
+void OnQuickExit()
+{
+    if (!IsToolProcess()) return;
+    if (expectedStatus != notExpected) EndNow(expectedStatus);
+    const CallInProgress call = FindCallInProgress();
+    if (reportPipe >= 0) return SendCall(call);
+    ReportEnd(call, nullptr);
+    EndNow(exitFailure);
+}
+
+void NoticeExits()
+{
+    on_exit(OnExit, nullptr);
+    std::at_quick_exit(OnQuickExit);
 }
 
 } // namespace
@@ -153,7 +203,8 @@ void WatchForAccidents()
     sigaltstack(&stack, nullptr);
     for (const int number : {SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGABRT, SIGSYS})
         Handle(number, ReportAndCrash);
-    on_exit(ReportExit, nullptr);
+    toolProcess = getpid();
+    NoticeExits();
     FindCallInProgress(); // the first walk loads what the later ones need
 }
 
@@ -166,12 +217,19 @@ void NoteProducer(const std::string& path)
 {
     lastProducer.fill('\0');
     path.copy(lastProducer.data(), lastProducer.size() - 1);
-    on_exit(ReportExit, nullptr);
+    NoticeExits();
 }
 
-void ExpectExit()
+void ExpectExit(int status)
 {
-    exitIsExpected = true;
+    expectedStatus = status;
+}
+
+void EndForOthers(int status) noexcept
+{
+    if (!IsToolProcess()) EndNow(status);
+    if (expectedStatus != notExpected) EndNow(expectedStatus);
+    EndByAccident(status);
 }
 
 } // namespace koro::tool

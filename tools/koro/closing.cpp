@@ -1,11 +1,12 @@
 #include "tools/koro/closing.h"
 
+#include "tools/koro/process_end.h"
+
 #include <condition_variable>
 #include <cstdio>
 #include <memory>
 #include <stdexcept>
 #include <thread>
-#include <unistd.h>
 #include <utility>
 
 namespace koro::tool
@@ -56,7 +57,7 @@ bool CloseWithin(const ClosingLimits& limits, std::function<void()> close)
 void EndProcess(int status)
 {
     std::fflush(nullptr);
-    _exit(status);
+    EndNow(status);
 }
 
 bool ClosingReport::Attempt(const std::function<void()>& step)

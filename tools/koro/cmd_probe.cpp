@@ -3,6 +3,7 @@
 #include "tools/koro/accidents.h"
 #include "tools/koro/camera_tree_json.h"
 #include "tools/koro/commands.h"
+#include "tools/koro/process_end.h"
 #include "tools/koro/producer_probe.h"
 #include "tools/koro/read_producer.h"
 #include <koro/koro.hpp>
@@ -52,7 +53,7 @@ void Send(const json& line)
     {
         const ssize_t size = write(probePipe, text.data() + sent, text.size() - sent);
         if (size < 0 && errno == EINTR) continue;
-        if (size <= 0) _exit(exitFailure); // the parent has gone
+        if (size <= 0) EndNow(exitFailure); // the parent has gone
         sent += static_cast<size_t>(size);
     }
 }
@@ -104,12 +105,6 @@ std::string AskForReason(const std::string& path)
     return getLastError(&code, text.data(), &size) == GenTL::GC_ERR_SUCCESS ? text.data() : "";
 }
 
-[[noreturn]] void End(int status)
-{
-    // No static destructor of the producer is to run: its result is there.
-    _exit(status);
-}
-
 } // namespace
 
 void RunProbe(const std::string& path, const std::string& wanted)
@@ -122,7 +117,7 @@ void RunProbe(const std::string& path, const std::string& wanted)
     {
         const ProducerRecord record = ReadProducer(path, wanted, [](const char* stage) { Send({{"stage", stage}}); });
         Send({{"producer", ToJSON(record)}});
-        End(exitSuccess);
+        EndNow(exitSuccess); // no static destructor of the producer is to run: its result is there
     }
     catch (const Error& error)
     {
@@ -130,7 +125,7 @@ void RunProbe(const std::string& path, const std::string& wanted)
         Send({{"refused", error.what()}});
     }
     Send({{"producerText", AskForReason(path)}});
-    End(exitFailure);
+    EndNow(exitFailure);
 }
 
 Action DefineProbe(CLI::App& command)

@@ -1,10 +1,10 @@
 #include "tools/koro/interrupt.h"
 
 #include "tools/koro/exit_codes.h"
+#include "tools/koro/process_end.h"
 
 #include <cstdio>
 #include <pthread.h>
-#include <unistd.h>
 #include <utility>
 
 namespace koro::tool
@@ -18,7 +18,7 @@ constexpr int endOfWatch = SIGUSR1;
 
 void EndAtOnce(int)
 {
-    _exit(exitInterrupted);
+    EndNow(exitInterrupted);
 }
 
 // This thread is the only one that lets the signals through, so they reach it whatever it does.

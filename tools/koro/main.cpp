@@ -97,6 +97,6 @@ int main(int argc, char** argv)
     OpenMissingDescriptors();
     WatchForAccidents();
     const int status = RunCommandLine(argc, argv);
-    ExpectExit();
+    ExpectExit(status);
     return status;
 }

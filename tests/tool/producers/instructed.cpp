@@ -11,12 +11,14 @@
 #include <fcntl.h>
 #include <fstream>
 #include <functional>
+#include <initializer_list>
 #include <map>
 #include <memory>
 #include <sstream>
 #include <stdexcept>
 #include <string>
 #include <sys/mman.h>
+#include <sys/wait.h>
 #include <unistd.h>
 #include <utility>
 
@@ -43,6 +45,17 @@ void LeaveAnOrphan(const std::string& pipe)
     if (fork() != 0) return;
     WaitAtGate(pipe);
     _exit(0);
+}
+
+// A helper process that ends as many do, once by each of the ways that leave a program.
+void StartHelpers(const std::string&)
+{
+    for (const auto leave : std::initializer_list<void (*)(int)>{std::exit, std::quick_exit, _exit})
+    {
+        const pid_t helper = fork();
+        if (helper == 0) leave(0);
+        waitpid(helper, nullptr, 0);
+    }
 }
 
 // By a write to memory that cannot be written.
@@ -76,11 +89,15 @@ const std::map<std::string, Action> actions = {
          if (chdir(folder.c_str()) != 0) std::abort();
      }},
     {"crash", Crash},
+    {"_exit", [](const std::string& status) { _exit(std::atoi(status.c_str())); }},
+    {"_Exit", [](const std::string& status) { std::_Exit(std::atoi(status.c_str())); }},
     {"exit", [](const std::string& status) { std::exit(std::atoi(status.c_str())); }},
     {"gate", WaitAtGate},
+    {"helpers", StartHelpers},
     {"journal", WriteJournal},
     {"orphan", LeaveAnOrphan},
     {"print", Print},
+    {"quick_exit", [](const std::string& status) { std::quick_exit(std::atoi(status.c_str())); }},
     {"throw", [](const std::string& text) { throw std::runtime_error(text); }},
 };
 
