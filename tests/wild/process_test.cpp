@@ -87,6 +87,16 @@ TEST(ProducerThatForksAnOrphan, IsNotWaitedForLongerThanItsProbeLives)
     EXPECT_TRUE(gate.IsWaitedAt());
 }
 
+TEST(ProducerThatForksAnOrphan, DoesNotKeepTheOutputOpen)
+{
+    // The run is over when its output has ended.
+    const TemporaryFolder folder;
+    Gate gate(folder);
+    const ToolResult result = RunAgainst("forks_an_orphan " + gate.Variable(), "info wild0-camera", folder);
+    ExpectShown(result, {0, {Says("W-wild0-camera")}});
+    EXPECT_TRUE(gate.IsWaitedAt());
+}
+
 TEST(ProducerThatWritesThroughTheNullBuffer, IsNamedByTheDoctorWithTheCall)
 {
     const TemporaryFolder folder;

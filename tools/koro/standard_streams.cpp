@@ -3,6 +3,7 @@
 #include <cstdarg>
 #include <fcntl.h>
 #include <initializer_list>
+#include <pthread.h>
 #include <unistd.h>
 
 namespace koro::tool
@@ -13,6 +14,19 @@ namespace
 
 // Null until the output is kept. Never closed.
 std::FILE* keptOutput = nullptr;
+
+// In a child: whoever reads the output waits until nobody has it open, and a child that a producer leaves behind may
+// live long. The number stays in use, or what this process has not written yet would arrive in the child's next file.
+void LeaveOutputToParent()
+{
+    const int kept = fileno(keptOutput);
+    const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
+    if (nowhere < 0)
+        close(kept);
+    else
+        dup3(nowhere, kept, O_CLOEXEC);
+    if (nowhere >= 0) close(nowhere);
+}
 
 } // namespace
 
@@ -33,7 +47,9 @@ void KeepOutput()
     constexpr int firstNumber = 10;
     const int copy = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, firstNumber);
     keptOutput = copy < 0 ? nullptr : fdopen(copy, "w");
-    if (keptOutput) dup2(STDERR_FILENO, STDOUT_FILENO);
+    if (!keptOutput) return;
+    dup2(STDERR_FILENO, STDOUT_FILENO);
+    pthread_atfork(nullptr, nullptr, LeaveOutputToParent);
 }
 
 std::FILE* Output()

@@ -11,7 +11,8 @@ namespace koro::tool
 void OpenMissingDescriptors();
 
 // To be called before a producer is loaded: from then on only the tool writes on standard output. What a producer
-// prints there arrives on standard error and cannot break the result.
+// prints there arrives on standard error and cannot break the result, and processes that it forks do not keep the output
+// open.
 void KeepOutput();
 
 // The tool's standard output, in place of stdout. Any thread.
