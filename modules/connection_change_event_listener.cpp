@@ -184,18 +184,24 @@ ConnectionChangeEventListener::Subscribers::Handle ConnectionChangeEventListener
 void ConnectionChangeEventListener::Unsubscribe(Subscribers::Handle handle)
 {
     delivery->subscribers.UnregisterCallback(handle);
-    StopUnless([&] { return !delivery->subscribers.IsEmpty(); });
+    RefuseInsideDelivery();
+    const std::lock_guard lock(threadMutex);
+    if (delivery->subscribers.IsEmpty()) EndThread();
 }
 
 void ConnectionChangeEventListener::Stop()
 {
-    StopUnless([] { return false; });
+    RefuseInsideDelivery();
+    const std::lock_guard lock(threadMutex);
+    isStopped = true;
+    EndThread();
 }
 
 void ConnectionChangeEventListener::Start()
 {
     if (!IsAvailable()) throw NotAvailableException("Connection change event is not available!");
     const std::lock_guard lock(threadMutex);
+    if (isStopped) throw InternalErrorException("Pointer has expired!");
     if (thread.joinable()) return;
     std::promise<void> started;
     auto start = started.get_future();
@@ -218,12 +224,9 @@ void ConnectionChangeEventListener::RefuseInsideDelivery() const
         throw std::system_error(std::make_error_code(std::errc::resource_deadlock_would_occur));
 }
 
-template <class Predicate>
-void ConnectionChangeEventListener::StopUnless(Predicate&& keep)
+void ConnectionChangeEventListener::EndThread()
 {
-    RefuseInsideDelivery();
-    const std::lock_guard lock(threadMutex);
-    if (!thread.joinable() || keep()) return;
+    if (!thread.joinable()) return;
     delivery->EndRunning();
     thread.join();
 }

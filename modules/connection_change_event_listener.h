@@ -39,14 +39,14 @@ public:
     bool IsAvailable() const noexcept;
 
     // The first subscriber starts the thread, which discards what is in the event's queue. Throws NotAvailableException
-    // without the event, std::system_error when no thread is to be had, what the discarding throws, and the standard
-    // deadlock error inside a delivery; nobody is subscribed then.
+    // without the event, InternalErrorException after Stop(), std::system_error when no thread is to be had, what the
+    // discarding throws, and the standard deadlock error inside a delivery; nobody is subscribed then.
     Subscribers::Handle Subscribe(Subscribers::Function function);
     // Waits for a delivery that is under way; the last one ends the thread. Throws the standard deadlock error inside a
     // delivery; the subscription stands then.
     void Unsubscribe(Subscribers::Handle handle);
-    // Ends the thread and leaves the subscriptions, which the next one revives. Throws the standard deadlock error
-    // inside a delivery.
+    // Ends the thread for good: an open that is under way on another thread must not bring it back. The subscriptions
+    // stay and are not called any more. Throws the standard deadlock error inside a delivery.
     void Stop();
     // That error alone.
     void RefuseInsideDelivery() const;
@@ -55,12 +55,12 @@ private:
     struct Delivery;
 
     void Start();
-    template <class Predicate>
-    void StopUnless(Predicate&& keep);
+    void EndThread();
 
     const std::shared_ptr<Delivery> delivery; // the thread's too
     std::mutex threadMutex; // starting and stopping; not taken by the thread, nor while a registry's mutex is held
     std::thread thread;
+    bool isStopped = false; // guarded by threadMutex; from Stop() on
 };
 
 } // namespace koro::internal

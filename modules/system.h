@@ -12,6 +12,7 @@
 #include "modules/interface_descriptor.h"
 #include "modules/system_information.h"
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -42,7 +43,7 @@ public:
     void UnsubscribeConnectionChange(ConnectionChanges::Handle handle);
     // In a callback of a connection change.
     void RefuseEndInCallback() const override;
-    // Waits for a delivery that is under way; then there is none any more.
+    // Waits for a delivery that is under way; then there is none any more, and no subscription succeeds.
     void EndThreads() override;
 
     std::shared_ptr<ProducerLibrary> ParentLibrary() const;
@@ -65,6 +66,7 @@ private:
     const std::weak_ptr<ProducerLibrary> parent;
     const std::string key;
     const std::string id;
+    std::atomic<bool> hasEndedThreads{false};
     Once connectionChangeListenerOnce;
     std::unique_ptr<ConnectionChangeEventListener> connectionChangeListener; // empty until the first subscription
 };

@@ -321,6 +321,59 @@ TEST_F(ConnectionChangeThread, ProducerThatRefusesTheKillDoesNotKeepItFromEnding
         ElementsAre("GCUnregisterEvent(system, 1000)", "GCRegisterEvent(system, 1000)"));
 }
 
+// The producer is asked for the event while the system ends on another thread.
+TEST_F(ConnectionChangeThread, DoesNotBeginBehindTheEndOfTheSystemInAnOpenThatIsUnderWay)
+{
+    std::promise<void> entered;
+    std::promise<void> gate;
+    producer->OnEntry("GCRegisterEvent", [&] {
+        entered.set_value();
+        gate.get_future().wait();
+    });
+    const auto descriptor = Descriptor(0);
+    auto opening = std::async(std::launch::async, [&] {
+        KORO_InterfaceHandle interface = nullptr;
+        return Outcome(KORO_InterfaceDescriptor_OpenInterface(descriptor, &interface));
+    });
+    entered.get_future().wait();
+    EXPECT_EQ(Outcome(KORO_System_Destruct(system)), Error{});
+    gate.set_value();
+    EXPECT_EQ(opening.get(), parentExpired);
+    EXPECT_THAT(CallsOf({"EventFlush", "EventGetData"}), IsEmpty());
+    EXPECT_EQ(producer->Open(), Strings());
+}
+
+// With a listener that runs, which the end stops first; then it waits for a monitor.
+TEST_F(ConnectionChangeThread, DoesNotBeginAgainWhileItsSystemEnds)
+{
+    const auto interface = Open(0);
+    Require(KORO_Interface_UpdateDevices(interface, 0));
+    std::promise<void> reading;
+    std::promise<void> gate;
+    std::promise<void> stopping;
+    producer->OnEntry("IFGetDeviceInfo", [&] {
+        producer->OnEntry("IFGetDeviceInfo", nullptr);
+        reading.set_value();
+        gate.get_future().wait();
+    });
+    producer->OnEntry("EventKill", [&] {
+        producer->OnEntry("EventKill", nullptr);
+        stopping.set_value();
+    });
+    const auto device = Get<KORO_DeviceDescriptorHandle>(KORO_Interface_GetDevice, interface, std::size_t{0});
+    KORO_DeviceDescriptorInformationChangedCallbackHandle handle = nullptr;
+    Require(KORO_DeviceDescriptor_SetMonitoringUpdateInterval(device, 0));
+    Require(KORO_DeviceDescriptor_RegisterInformationChangedCallback(
+        device, [](const std::int32_t*, std::size_t, void*) {}, nullptr, &handle));
+    reading.get_future().wait();
+
+    auto ending = std::async(std::launch::async, [&] { return Outcome(KORO_System_Destruct(system)); });
+    stopping.get_future().wait();
+    EXPECT_EQ(OutcomeOfOpen(1), parentExpired);
+    gate.set_value();
+    EXPECT_EQ(ending.get(), Error{});
+}
+
 // Each end of what a callback comes from, while the callback is inside a call that holds the system.
 class EndDuringACallback : public ConnectionChangeThread
 {

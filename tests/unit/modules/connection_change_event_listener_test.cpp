@@ -125,17 +125,20 @@ TEST_F(Listener, EndInsideADeliveryLetsTheThreadRunOut)
     EXPECT_EQ(listener, nullptr);
 }
 
-TEST_F(Listener, StopLeavesTheSubscriptionsToTheNextOne)
+TEST_F(Listener, NobodySubscribesAfterStop)
 {
     HaveEvent();
     const auto listener = Make();
-    std::promise<void> delivered;
-    listener->Subscribe([&](const Record*) { delivered.set_value(); });
+    const auto handle = listener->Subscribe([](const Record*) {});
+    objects.producer->AwaitWaiters(1);
     listener->Stop();
     listener->Stop();
-    listener->Subscribe([](const Record*) {});
-    ASSERT_TRUE(objects.producer->Fire("system", 1000, std::string(sizeof(Record), '\0')));
-    delivered.get_future().get();
+    objects.producer->ClearJournal();
+    EXPECT_THAT(
+        [&] { listener->Subscribe([](const Record*) {}); },
+        ThrowsExactly<internal::InternalErrorException>("Pointer has expired!"));
+    EXPECT_EQ(objects.producer->Journal(), std::vector<std::string>());
+    listener->Unsubscribe(handle);
 }
 
 TEST(InterfaceThatOutlivesItsSystem, HasNoThreadToLeave)
