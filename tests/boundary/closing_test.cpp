@@ -3,6 +3,7 @@
 #include "tests/boundary/stream_test.h"
 
 #include <atomic>
+#include <chrono>
 #include <functional>
 #include <future>
 #include <gmock/gmock.h>
@@ -474,6 +475,75 @@ INSTANTIATE_TEST_SUITE_P(
             "WithTheProducerLibrary",
             [](const OpenTree& tree) { return KORO_ProducerLibrary_Destruct(tree.producerLibrary); }},
         WaitEnd{"WithTheLibrary", [](const OpenTree&) { return KORO_Library_Close(); }}),
+    [](const auto& end) { return end.param.name; });
+
+// A monitor of a device on the second interface that begins while the end waits for a monitor on the first one. The kill
+// of the waiter says that the end has gathered what ends.
+class MonitorThatBeginsDuringTheEnd : public Closing, public testing::WithParamInterface<WaitEnd>
+{
+protected:
+    // Blocks until the monitor is at the gate.
+    void Monitor(KORO_DeviceDescriptorHandle descriptor, std::promise<void>& gate) const
+    {
+        std::promise<void> entered;
+        producer->OnEntry("IFGetDeviceInfo", [&] {
+            producer->OnEntry("IFGetDeviceInfo", nullptr);
+            auto leave = gate.get_future();
+            entered.set_value();
+            leave.wait();
+        });
+        KORO_DeviceDescriptorInformationChangedCallbackHandle handle = nullptr;
+        Require(KORO_DeviceDescriptor_SetMonitoringUpdateInterval(descriptor, 0));
+        Require(KORO_DeviceDescriptor_RegisterInformationChangedCallback(
+            descriptor, [](const std::int32_t*, std::size_t, void*) {}, nullptr, &handle));
+        entered.get_future().wait();
+    }
+    KORO_DeviceDescriptorHandle DeviceOfTheSecondInterface() const
+    {
+        const auto descriptor =
+            Get<KORO_InterfaceDescriptorHandle>(KORO_System_GetInterface, tree.system, std::size_t{1});
+        const auto interface = Get<KORO_InterfaceHandle>(KORO_InterfaceDescriptor_OpenInterface, descriptor);
+        Require(KORO_Interface_UpdateDevices(interface, 0));
+        return Get<KORO_DeviceDescriptorHandle>(KORO_Interface_GetDevice, interface, std::size_t{0});
+    }
+};
+
+TEST_P(MonitorThatBeginsDuringTheEnd, HasEndedWhenTheEndReturns)
+{
+    Require(KORO_DataStream_StartAcquisitionInfinite(tree.stream, 0));
+    auto waiter = std::async(std::launch::async, [&] { return OutcomeOfWait(KORO_INFINITE); });
+    producer->AwaitWaiters(1);
+    std::promise<void> killed;
+    producer->OnEntry("EventKill", [&] { killed.set_value(); });
+    std::promise<void> firstGate;
+    Monitor(tree.deviceDescriptor, firstGate);
+    auto ending = std::async(std::launch::async, [&] { return GetParam().end(tree); });
+    killed.get_future().wait();
+    std::promise<void> secondGate;
+    Monitor(DeviceOfTheSecondInterface(), secondGate);
+
+    firstGate.set_value();
+    const auto hasEnded = [&] { return ending.wait_for(std::chrono::seconds(0)) == std::future_status::ready; };
+    for (int turn = 0; turn < 10000 && !hasEnded(); ++turn)
+        std::this_thread::yield();
+    EXPECT_FALSE(hasEnded());
+    EXPECT_THAT(CallsOf({"TLClose", "GCCloseLib"}), IsEmpty()); // the monitor is still inside the producer
+    secondGate.set_value();
+    EXPECT_EQ(ending.get(), KORO_RETURN_CODE_SUCCESS);
+    EXPECT_EQ(waiter.get(), aborted);
+    EXPECT_THAT(producer->Open(), IsEmpty());
+    EXPECT_EQ(CallsOf({"IFClose"}).size(), 2u);
+    if (!Get<KORO_Bool8>(KORO_Library_IsInitialized)) Require(KORO_Library_Initialize());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Closing, MonitorThatBeginsDuringTheEnd,
+    testing::Values(
+        WaitEnd{"OfTheSystem", [](const OpenTree& tree) { return KORO_System_Destruct(tree.system); }},
+        WaitEnd{
+            "OfTheProducerLibrary",
+            [](const OpenTree& tree) { return KORO_ProducerLibrary_Destruct(tree.producerLibrary); }},
+        WaitEnd{"OfTheLibrary", [](const OpenTree&) { return KORO_Library_Close(); }}),
     [](const auto& end) { return end.param.name; });
 
 TEST_F(Closing, WaitForAnEventEndsWithItsController)
