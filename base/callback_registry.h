@@ -52,9 +52,16 @@ public:
     // Calls every function, in no defined order, on this thread. An exception ends the round.
     void TriggerCallback(const Arguments&... arguments)
     {
+        TriggerCallbackWhile([] { return true; }, arguments...);
+    }
+    // The same as long as `isWanted` says so, which is asked before each function.
+    template <class Predicate>
+    void TriggerCallbackWhile(Predicate&& isWanted, const Arguments&... arguments)
+    {
         const std::lock_guard lock(mutex);
         for (const auto& [handle, function] : callbacks)
         {
+            if (!isWanted()) return;
             (*function)(arguments...);
         }
     }

@@ -40,7 +40,8 @@ public:
     // published before the first callback; all lost ones come before all found ones, and found ones in the
     // producer's order. A failure leaves the published list and reports nothing. Inside a found or lost callback the
     // update returns before its reports are delivered, and throws the standard deadlock error when too many updates
-    // from inside callbacks have found something; see gentl/report_queue.h.
+    // from inside callbacks have found something; see gentl/report_queue.h. Once the owner has been ended, be it by a
+    // callback, no callback begins any more, and the update succeeds all the same.
     void UpdateChildren(std::uint64_t timeout_ms)
     {
         const auto parent = HoldParent();
@@ -98,6 +99,8 @@ protected:
     virtual std::shared_ptr<const void> HoldParent() const = 0;
     // The owner itself; throws std::bad_weak_ptr when it is being destroyed.
     virtual std::shared_ptr<Parent> SharedOwner() = 0;
+    // Whether the owner lives only for the calls that are inside.
+    virtual bool IsOwnerEnded() const = 0;
 
 private:
     using ChildMap = std::unordered_map<Key, std::shared_ptr<Descriptor>>;
@@ -136,7 +139,7 @@ private:
             else
             {
                 descriptor = std::make_shared<Descriptor>(id, SharedOwner(), caller.Proxy());
-                found.push_back([this, descriptor] { foundCallbacks.TriggerCallback(descriptor); });
+                found.push_back([this, descriptor] { Trigger(foundCallbacks, descriptor); });
             }
             newList.push_back(descriptor);
             newMap.emplace(id, std::move(descriptor)); // the first of two equal keys stays
@@ -156,8 +159,14 @@ private:
     {
         std::vector<ReportQueue::Report> lost;
         for (const auto& [key, descriptor] : childrenByKey)
-            lost.push_back([this, key = key, descriptor = descriptor] { lostCallbacks.TriggerCallback(key); });
+            lost.push_back([this, key = key, descriptor = descriptor] { Trigger(lostCallbacks, key); });
         return lost;
+    }
+
+    template <class Callbacks, class Subject>
+    void Trigger(Callbacks& callbacks, const Subject& subject)
+    {
+        callbacks.TriggerCallbackWhile([this] { return !IsOwnerEnded(); }, subject);
     }
 
     void Check(const char* function, GenTL::GC_ERROR result) const { CheckResult(function, result, *caller.Proxy()); }

@@ -71,6 +71,7 @@ private:
     const char* ChildIDFunctionName() const override { return gentl.Proxy()->DevGetDataStreamID.Name(); }
     std::shared_ptr<const void> HoldParent() const override;
     std::shared_ptr<Device> SharedOwner() override;
+    bool IsOwnerEnded() const override { return HasEnded(); }
 
     std::shared_ptr<RemoteDevice> remoteDevice;
     const std::weak_ptr<Interface> parent;

@@ -81,6 +81,7 @@ private:
     const char* ChildIDFunctionName() const override { return gentl.Proxy()->IFGetDeviceID.Name(); }
     std::shared_ptr<const void> HoldParent() const override;
     std::shared_ptr<Interface> SharedOwner() override;
+    bool IsOwnerEnded() const override { return HasEnded(); }
 
     void EndConnectionChanges();
     std::vector<std::shared_ptr<DeviceDescriptor>> Monitored() const;

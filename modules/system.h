@@ -62,6 +62,7 @@ private:
     const char* ChildIDFunctionName() const override { return gentl.Proxy()->TLGetInterfaceID.Name(); }
     std::shared_ptr<const void> HoldParent() const override;
     std::shared_ptr<System> SharedOwner() override;
+    bool IsOwnerEnded() const override { return HasEnded(); }
 
     const std::weak_ptr<ProducerLibrary> parent;
     const std::string key;

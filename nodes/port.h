@@ -65,6 +65,7 @@ private:
     const char* ChildIDFunctionName() const override { return ""; }
     std::shared_ptr<const void> HoldParent() const override { return nullptr; }
     std::shared_ptr<Port> SharedOwner() override { return shared_from_this(); }
+    bool IsOwnerEnded() const override { return HasEnded(); }
 
     const GenTL::PORT_HANDLE handle;
 };

@@ -84,6 +84,8 @@ KORO_API KORO_ReturnCode KORO_System_GetCharacterEncoding(KORO_SystemHandle syst
  * and for one interface the report that it was found comes before its loss. A callback that updates at each report,
  * where each search finds something, gets KORO_RETURN_CODE_ERROR in the end. An update that finds something waits for
  * the reports of another thread's.
+ * When a callback has ended the system, or what is above it, no further found or lost callback of the system is called,
+ * and the update succeeds.
  * The first update always reads the list. An interface that stayed keeps its descriptor and handle.
  * @param[in] timeout_ms milliseconds for the producer's search; KORO_INFINITE waits without end
  */

@@ -33,6 +33,7 @@ struct InterfacesOfSystem
         KORO_System_RegisterInterfaceLostCallback, KORO_System_UnregisterInterfaceLostCallback,
         KORO_InterfaceDescriptor_GetKey>;
 
+    static constexpr auto destruct = KORO_System_Destruct;
     static constexpr auto update = KORO_System_UpdateInterfaces;
     static constexpr auto getCount = KORO_System_GetNumInterfaces;
     static constexpr auto getChild = KORO_System_GetInterface;
@@ -67,6 +68,7 @@ struct DevicesOfInterface
         KORO_Interface_RegisterDeviceLostCallback, KORO_Interface_UnregisterDeviceLostCallback,
         KORO_DeviceDescriptor_GetKey>;
 
+    static constexpr auto destruct = KORO_Interface_Destruct;
     static constexpr auto update = KORO_Interface_UpdateDevices;
     static constexpr auto getCount = KORO_Interface_GetNumDevices;
     static constexpr auto getChild = KORO_Interface_GetDevice;
@@ -535,6 +537,27 @@ TYPED_TEST(ChildLists, WalkThatFailsHalfWayMakesTheNextOneFindItsChildrenAnew)
     EXPECT_EQ(this->At(0), listener.found[0]);
     EXPECT_NE(this->At(0), first);
     EXPECT_EQ(this->At(1), second);
+}
+
+TYPED_TEST(ChildLists, NoCallbackFollowsOneThatEndsTheParent)
+{
+    typename TypeParam::Listener listener(this->parent);
+    typename TypeParam::Listener another(this->parent);
+    listener.onReport = another.onReport = [&] { EXPECT_EQ(Outcome(TypeParam::destruct(this->parent)), Error{}); };
+    this->SetChildren({"c", "d"});
+    EXPECT_EQ(this->OutcomeOfUpdate(), Error{});
+    EXPECT_EQ(listener.reports.size() + another.reports.size(), 1u);
+    EXPECT_EQ(this->OutcomeOfUpdate(), InvalidHandle(TypeParam::parentParameter));
+}
+
+TYPED_TEST(ChildLists, NoFoundCallbackFollowsOneThatEndsTheLibrary)
+{
+    typename TypeParam::Listener listener(this->parent);
+    listener.onFound = [] { EXPECT_EQ(Outcome(KORO_Library_Close()), Error{}); };
+    this->SetChildren({"a", "b", "c", "d"});
+    TypeParam::update(this->parent, 0);
+    EXPECT_EQ(listener.reports.size(), 1u);
+    Require(KORO_Library_Initialize());
 }
 
 TYPED_TEST(ChildLists, ParentThatGoesInsideACallbackEndsTheUpdateCleanly)

@@ -75,6 +75,7 @@ private:
         return parent;
     }
     std::shared_ptr<Owner> SharedOwner() override { return shared_from_this(); }
+    bool IsOwnerEnded() const override { return false; }
 
     GenTLCaller gentl;
     GenTL::TL_HANDLE system;
