@@ -25,6 +25,21 @@ bool WriteAll(int file, std::span<const std::byte> bytes) noexcept
     return true;
 }
 
+// Whether it is on the disk; a file system that cannot say so does not fail.
+bool Sync(int file) noexcept
+{
+    return fsync(file) == 0 || errno == EINVAL || errno == ENOTSUP;
+}
+
+bool SyncFolder(const std::filesystem::path& folder) noexcept
+{
+    const int opened = open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (opened < 0) return errno == EACCES; // a folder that can be written, but not read
+    const bool isSynced = Sync(opened);
+    close(opened);
+    return isSynced;
+}
+
 } // namespace
 
 std::uint64_t KeptFile::Size() const noexcept
@@ -48,15 +63,19 @@ std::optional<std::vector<std::byte>> KeptFile::Load(std::uint64_t maxBytes) con
     return content;
 }
 
-// Under a name of its own until it is whole.
+// Under a name of its own until it is whole. What replaces an older content is on the disk before it gets the name, and
+// the name afterwards: a loss of power would take both otherwise.
 bool KeptFile::Save(std::span<const std::byte> content) const
 {
     std::string temporary = path.string() + ".XXXXXX";
     const int made = mkostemp(temporary.data(), O_CLOEXEC);
     if (made < 0) return false;
-    const bool isWritten = WriteAll(made, content);
+    std::error_code ignored;
+    const bool replaces = std::filesystem::exists(path, ignored);
+    const bool isWritten = WriteAll(made, content) && (!replaces || Sync(made));
     const bool isClosed = close(made) == 0;
-    if (isWritten && isClosed && rename(temporary.c_str(), path.c_str()) == 0) return true;
+    if (isWritten && isClosed && rename(temporary.c_str(), path.c_str()) == 0)
+        return !replaces || SyncFolder(path.parent_path());
     unlink(temporary.c_str());
     return false;
 }

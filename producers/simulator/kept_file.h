@@ -25,7 +25,7 @@ public:
     std::uint64_t Size() const noexcept;
     // Empty when nothing was saved yet; nothing for what cannot be read or is longer.
     std::optional<std::vector<std::byte>> Load(std::uint64_t maxBytes) const;
-    // As a whole or not at all; whether it went well.
+    // As a whole or not at all; whether it went well. What replaces an older content is on the disk afterwards.
     bool Save(std::span<const std::byte> content) const;
 
 private:
