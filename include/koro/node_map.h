@@ -149,6 +149,7 @@ KORO_API KORO_ReturnCode KORO_NodeMap_PollNodes(KORO_NodeMapHandle nodeMapHandle
  * Waits without end while another thread holds it. Each success needs one KORO_NodeMap_Unlock on the same thread,
  * before the module ends. When that ends meanwhile, the lock is given back at the latest by the unlock, which then
  * answers KORO_RETURN_CODE_INVALID_HANDLE.
+ * A thread that ends before its unlock never gives the lock back: who needs it waits for ever, and the map is not freed.
  */
 KORO_API KORO_ReturnCode KORO_NodeMap_Lock(KORO_NodeMapHandle nodeMapHandle);
 
