@@ -3,6 +3,7 @@
 #include "tests/wild/suite.h"
 
 #include <csignal>
+#include <gmock/gmock.h>
 
 namespace koro::test::wild
 {
@@ -71,6 +72,61 @@ TEST(CallThatDoesNotReturn, IsWaitedForAndTheGrabGoesOn)
     gate.Await();
     gate.Open();
     ExpectShown(run.Finish(), {0, {Says("pictures +2\n")}});
+}
+
+// The gate stays shut, the file is named, and then the first interrupt ends the process.
+void ExpectEndByOneInterrupt(const std::string& call, const std::string& line)
+{
+    const TemporaryFolder folder;
+    Gate gate(folder);
+    const std::string file = ProducerFolder() + "/wild_gate.cti";
+    WildRun run("gate KORO_WILD_CALL=" + call + " " + gate.Variable(), line + " --producer " + file, folder);
+    gate.Await();
+    EXPECT_TRUE(run->AwaitError("koro: waiting for " + file + "\n")) << call;
+    run->Signal(SIGINT);
+    const ToolResult result = run.Finish();
+    EXPECT_EQ(result.status, 130) << call;
+    EXPECT_THAT(result.err, testing::HasSubstr("koro: " + file + " does not return from a call.\n")) << call;
+}
+
+TEST(CallThatDoesNotReturn, IsNamedAndEndedByOneInterrupt)
+{
+    for (const char* call : {"GCInitLib", "TLOpen", "IFOpenDevice"})
+        ExpectEndByOneInterrupt(call, "features wild0-camera");
+    ExpectEndByOneInterrupt("DSStartAcquisition", "grab wild0-camera --frames 2 --format none");
+    ExpectEndByOneInterrupt("TLUpdateInterfaceList:2", "watch");
+}
+
+TEST(CallThatDoesNotReturn, LeavesTheTableOfAGrab)
+{
+    const TemporaryFolder folder;
+    Gate gate(folder);
+    WildRun run(
+        "gate KORO_WILD_CALL=DSQueueBuffer:11 " + gate.Variable(), "grab wild0-camera --frames 9 --format none", folder);
+    gate.Await();
+    run->Signal(SIGINT);
+    ExpectShown(run.Finish(), {130, {Says("frames +3\n"), Warns("wild_gate.cti does not return from a call")}});
+}
+
+TEST(CloseThatDoesNotReturn, IsNamedAndGivenUp)
+{
+    // Nobody interrupts.
+    const TemporaryFolder folder;
+    Gate gate(folder);
+    ExpectShown(
+        RunAgainst("gate KORO_WILD_CALL=DevClose " + gate.Variable(), "get wild0-camera Width", folder),
+        {1, {Says("^64\n$"), Warns("waiting for [^\n]*wild_gate.cti\n"), Warns("wild_gate.cti cannot be closed\\.\n")}});
+}
+
+TEST(ProducerThatHangsAtItsStart, IsNotProbedOnAfterAnInterrupt)
+{
+    const TemporaryFolder folder;
+    Gate gate(folder);
+    WildRun run("gate KORO_WILD_CALL=GCInitLib " + gate.Variable(), "grab wild0-camera --frames 1 --format none", folder);
+    gate.Await();
+    run->Signal(SIGINT);
+    ExpectShown(run.Finish(), {130, {Warns("Interrupted")}});
+    EXPECT_FALSE(gate.IsWaitedAt()) << "the process that tries the producer lives on";
 }
 
 TEST(CallThatDoesNotReturn, IsLeftBySecondInterrupt)

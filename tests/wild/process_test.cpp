@@ -78,6 +78,21 @@ TEST(ProducerThatChangesTheDirectory, DoesNotMoveThePictures)
     std::filesystem::remove_all(relative);
 }
 
+TEST(StaticDestructorThatHangs, DoesNotKeepTheProcessNorItsStatus)
+{
+    const TemporaryFolder folder;
+    const std::string named = "koro: [^\n]*wild_hangs_at_exit.cti does not let the process end\\.\n";
+    ExpectShown(RunAgainst("hangs_at_exit", "get wild0-camera Width", folder), {0, {Says("^64\n$"), Warns(named)}});
+    ExpectShown(RunAgainst("hangs_at_exit", "get wild0-camera NoSuchFeature", folder), {6, {Warns(named)}});
+}
+
+TEST(StaticDestructorThatExits, DoesNotChangeTheStatus)
+{
+    const TemporaryFolder folder;
+    EXPECT_EQ(RunAgainst("exits_at_exit", "get wild0-camera Width", folder).status, 0);
+    EXPECT_EQ(RunAgainst("exits_at_exit", "get wild0-camera NoSuchFeature", folder).status, 6);
+}
+
 TEST(ProducerThatForksAnOrphan, IsNotWaitedForLongerThanItsProbeLives)
 {
     const TemporaryFolder folder;

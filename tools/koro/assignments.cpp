@@ -4,6 +4,7 @@
 #include "tools/koro/feature_range.h"
 #include "tools/koro/feature_session.h"
 #include "tools/koro/feature_value.h"
+#include "tools/koro/producer_watch.h"
 #include "tools/koro/report.h"
 #include "tools/koro/tool_error.h"
 
@@ -81,6 +82,7 @@ void Apply(
     std::string before;
     for (const Assignment& assignment : assignments)
     {
+        NoteProgress();
         const Node node = nodes.Node(assignment.name);
         try
         {

@@ -1,7 +1,6 @@
-// Closing: the end of the work with a camera that may not answer any more. One call at a time.
+// Closing: what fails at the end of the work with a camera that may not answer any more.
 #pragma once
 
-#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <mutex>
@@ -11,20 +10,6 @@
 
 namespace koro::tool
 {
-
-struct ClosingLimits
-{
-    std::chrono::milliseconds notice{2000}; // until standard error says that it takes long
-    // Dead cameras were seen to let each call wait for two seconds, and the close of the device for ten.
-    std::chrono::milliseconds end{20000};
-};
-
-// Runs `close`, which throws nothing, on a thread of its own and waits for its end. False when that takes too long:
-// then it still runs, so all that it uses has to stay, and the process can only be ended with EndProcess().
-bool CloseWithin(const ClosingLimits& limits, std::function<void()> close);
-
-// Ends the process without waiting for any other thread; what was written comes out first.
-[[noreturn]] void EndProcess(int status);
 
 // What came out of closing. Any thread, also while the closing goes on.
 class ClosingReport

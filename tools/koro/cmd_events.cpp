@@ -95,6 +95,7 @@ private:
 // Empty after a time-out, and after an interrupt whatever the producer calls it.
 Event Wait(const EventController& controller, const Interrupt& interrupt, uint64_t timeout_ms)
 {
+    const ExpectedWait wait;
     try
     {
         return controller.WaitForEvent(timeout_ms);
@@ -141,6 +142,7 @@ int Events(const EventsCommand& command)
     });
     std::optional<BackgroundStream> pictures;
     if (command.acquire) pictures.emplace(session.Device(), nodes);
+    const ClosingMark mark;
     while (!interrupt.IsRequested() && !printer.IsOver())
     {
         const Event event = Wait(controller, interrupt, printer.Left_ms());

@@ -6,6 +6,7 @@
 #include "tools/koro/local_file.h"
 #include "tools/koro/path_option.h"
 #include "tools/koro/output.h"
+#include "tools/koro/producer_watch.h"
 #include "tools/koro/report.h"
 #include "tools/koro/standard_streams.h"
 #include "tools/koro/tool_error.h"
@@ -68,6 +69,7 @@ public:
         const Node offset = nodes.TryNode("FileAccessOffset");
         if (!offset || offset.Type() != KORO_NODE_TYPE_INTEGER) return;
         news = offset.OnChanged([&progress](const Node& node) {
+            NoteProgress();
             const auto reached = IfKnown([&] { return node.ToInteger().Value(); });
             if (reached && *reached > 0) progress.Reached(static_cast<uint64_t>(*reached));
         });

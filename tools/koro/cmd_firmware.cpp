@@ -221,7 +221,7 @@ int UpdateAll(const FirmwareCommand& command, const Discovery& discovery, const 
 int Update(const FirmwareCommand& command)
 {
     // Half an update may leave a camera that never starts again.
-    const Interrupt interrupt("the update of a camera is not cut off");
+    const Interrupt interrupt("the update of a camera is not cut off", Interrupt::Calls::NotCutOff);
     const Library library = Library::Initialize();
     ReadUpdates(FirmwareUpdater(), command.file);
     // All cameras of a name are all that there are, not the first ones that answer.

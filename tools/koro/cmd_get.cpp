@@ -3,6 +3,7 @@
 #include "tools/koro/feature_session.h"
 #include "tools/koro/feature_tree.h"
 #include "tools/koro/feature_value.h"
+#include "tools/koro/producer_watch.h"
 #include "tools/koro/report.h"
 #include "tools/koro/standard_streams.h"
 #include "tools/koro/tool_error.h"
@@ -67,6 +68,7 @@ int Get(GetCommand command)
     if (command.json) return PrintJSON(nodes);
     for (const Node& node : nodes)
     {
+        NoteProgress();
         // Exact for a program; a terminal is spared what the text may do to it.
         const std::string value = OutputIsTerminal() ? Printable(Read(node)) : Read(node);
         if (nodes.size() > 1) PrintOut("%s=", node.Name().c_str());

@@ -46,11 +46,13 @@ int Grab(GrabCommand command)
     Interrupt interrupt;
     CheckOutput(command.options);
     if (!command.options.output.empty()) MakeFolder(command.options.output);
-    const Discovery discovery = DiscoverFor(command.producer, command.camera);
+    Discovery discovery = DiscoverFor(command.producer, command.camera);
     if (interrupt.IsRequested()) return exitInterrupted;
     const CameraChoice choice = FindCamera(discovery, command.camera);
     command.options.prefix = FilePrefix(choice, AllCameras(discovery.producers));
-    return GrabRun(command.options, discovery, choice, interrupt).Run();
+    GrabRun run(command.options, discovery, choice, interrupt);
+    discovery.opened.reset(); // so that the run closes it
+    return run.Run();
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include "tools/koro/commands.h"
 #include "tools/koro/discovery.h"
 #include "tools/koro/if_known.h"
+#include "tools/koro/producer_watch.h"
 #include "tools/koro/report.h"
 #include "tools/koro/standard_streams.h"
 
@@ -54,6 +55,7 @@ json ReadPort(const Port& port)
 json ReadStream(const DataStreamDescriptor& descriptor)
 {
     const DataStream stream = descriptor.OpenDataStream();
+    const ClosingMark mark;
     return {
         {"id", stream.ID()},
         {"tlType", ValueOrNull([&] { return stream.TLType(); })},
@@ -71,6 +73,7 @@ json ReadOpened(const DeviceDescriptor& descriptor)
     try
     {
         const Device device = descriptor.OpenDevice(AccessType::ReadOnly);
+        const ClosingMark mark;
         opened["camera"] = ReadPort(device.RemoteDevice().Port());
         opened["streams"] = json::array();
         for (const DataStreamDescriptor& stream : device.DataStreams())
@@ -147,6 +150,7 @@ int Info(const InfoSettings& settings)
     // While the camera is closed: some interfaces do not answer for one that is in use.
     const CameraAddresses addresses = ReadAddresses(connection.Interface())[choice.camera->id];
     const json opened = ReadOpened(connection.Descriptor());
+    ProducerWatch::OfProcess().Call(choice.producer->path);
     if (!settings.json)
     {
         PrintText(choice, addresses, opened);

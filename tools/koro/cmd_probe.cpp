@@ -5,15 +5,18 @@
 #include "tools/koro/commands.h"
 #include "tools/koro/process_end.h"
 #include "tools/koro/producer_probe.h"
+#include "tools/koro/producer_watch.h"
 #include "tools/koro/read_producer.h"
 #include <koro/koro.hpp>
 
 #include <CLI/CLI.hpp>
 #include <cerrno>
+#include <csignal>
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <sys/prctl.h>
 #include <unistd.h>
 #include <vector>
 
@@ -111,6 +114,8 @@ void RunProbe(const std::string& path, const std::string& wanted)
 {
     fcntl(probePipe, F_SETFD, FD_CLOEXEC);
     ReportAccidentsTo(probePipe);
+    ProducerWatch::OfProcess().SwitchOff(); // the parent watches
+    prctl(PR_SET_PDEATHSIG, SIGKILL);       // and nobody else ends a producer that hangs
     Send({{"stage", "load"}});
     AskLoader(path);
     try

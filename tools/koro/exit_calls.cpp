@@ -6,15 +6,14 @@
 #include <cstdlib>
 #include <unistd.h>
 
-extern "C"
+extern "C" {
+[[gnu::visibility("default"), noreturn]] void _exit(int status)
 {
-    [[gnu::visibility("default"), noreturn]] void _exit(int status)
-    {
-        koro::tool::EndForOthers(status);
-    }
+    koro::tool::EndForOthers(status);
+}
 
-    [[gnu::visibility("default"), noreturn]] void _Exit(int status) noexcept
-    {
-        koro::tool::EndForOthers(status);
-    }
+[[gnu::visibility("default"), noreturn]] void _Exit(int status) noexcept
+{
+    koro::tool::EndForOthers(status);
+}
 }

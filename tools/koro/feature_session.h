@@ -8,6 +8,7 @@
 #include "tools/koro/module_kind.h"
 #include "tools/koro/module_settings.h"
 #include "tools/koro/producer_option.h"
+#include "tools/koro/producer_watch.h"
 #include <koro/koro.hpp>
 
 #include <cstddef>
@@ -99,6 +100,7 @@ private:
     DataStream stream;
     std::optional<std::string> whyReadOnly;
     NodeMap nodes;
+    ClosingMark mark; // last
 };
 
 // The node of that name in a map that `owner` has. Throws as FeatureSession::Feature.

@@ -3,6 +3,7 @@
 #include "tools/koro/feature_range.h"
 #include "tools/koro/feature_value.h"
 #include "tools/koro/if_known.h"
+#include "tools/koro/producer_watch.h"
 #include "tools/koro/tool_error.h"
 
 #include <nlohmann/json.hpp>
@@ -58,6 +59,7 @@ public:
         for (const Node& node : category.SubNodes())
         {
             if (isEnded()) break;
+            NoteProgress();
             const bool isCategory = node.Type() == KORO_NODE_TYPE_CATEGORY;
             const auto status = IfKnown([&] { return node.AccessStatus(); });
             if (node.Visibility() > visibility || status == KORO_NODE_ACCESS_STATUS_NOT_IMPLEMENTED) continue;

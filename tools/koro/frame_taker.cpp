@@ -1,6 +1,7 @@
 #include "tools/koro/frame_taker.h"
 
 #include "tools/koro/frame_object.h"
+#include "tools/koro/producer_watch.h"
 #include "tools/koro/tool_error.h"
 
 #include <algorithm>
@@ -54,6 +55,7 @@ GrabEnd FrameTaker::Run()
             if (link && output.cameraIsLost) numLossesSeen = link->NumReportedLosses();
             const bool useful = TakeFrame(*buffer);
             source.stream.QueueBuffer(*buffer);
+            NoteProgress();
             uselessInRow = useful ? 0 : uselessInRow + 1;
             if (uselessInRow == maxUselessInRow) return GrabEnd::Useless;
             continue;
@@ -73,6 +75,7 @@ GrabEnd FrameTaker::Run()
 // Empty after a time-out, and after an interrupt whatever the producer calls it.
 std::optional<Buffer> FrameTaker::Wait()
 {
+    const ExpectedWait wait;
     try
     {
         return source.stream.WaitForFinishedBuffer(wait_ms);
@@ -137,6 +140,7 @@ void FrameTaker::SaveFrame(const Buffer& buffer, DeliveredFrame frame)
     if (!frame.files.empty()) ++output.numFiled;
     if (note.isWhole && output.table) AddChunks(buffer, note);
     NotePointsLeftOut(frame.files, note);
+    const ExpectedWait wait; // for the disk
     output.saver.Save(std::move(frame.files), std::move(note));
 }
 

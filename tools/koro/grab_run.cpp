@@ -5,6 +5,7 @@
 #include "tools/koro/grab_summary.h"
 #include "tools/koro/output.h"
 #include "tools/koro/pause.h"
+#include "tools/koro/producer_watch.h"
 #include "tools/koro/report.h"
 #include "tools/koro/standard_streams.h"
 #include "tools/koro/tool_error.h"
@@ -38,7 +39,7 @@ void PrintEnd(const std::string& reason, const GrabOutput& output, uint64_t numP
 } // namespace
 
 GrabRun::GrabRun(const GrabOptions& wished, const Discovery& discovery, const CameraChoice& choice, Interrupt& asked)
-    : options(wished), interrupt(asked),
+    : options(wished), producer(choice.producer->path), interrupt(asked),
       connection(std::make_unique<CameraConnection>(
           discovery, choice, ModuleSettings(options.settings.settings, ModuleKind::Remote)))
 {
@@ -59,6 +60,7 @@ GrabRun::GrabRun(const GrabOptions& wished, const Discovery& discovery, const Ca
 
 int GrabRun::Run()
 {
+    ProducerWatch::OfProcess().SetLastWords([this] { return GiveUp(); });
     try
     {
         Stream();
@@ -69,22 +71,22 @@ int GrabRun::Run()
     }
     output->statistics.End();
     Close();
+    ProducerWatch::OfProcess().SetLastWords(nullptr);
     FinishFiles();
     PrintSummary();
-    const int status = Conclude();
-    if (isGivenUp) EndProcess(FinishOutput(status));
-    return status;
+    return Conclude();
 }
 
 void GrabRun::Stream()
 {
     while (session && (end = session->Run(interrupt, *output)) == GrabEnd::Lost)
     {
-        isGivenUp = !CloseWithin({}, [this] {
-            session->Stop(closing);
-            session.reset();
-        });
-        if (isGivenUp) throw ToolError("The camera was lost, and what it left open cannot be closed.");
+        closesLostCamera = true;
+        ProducerWatch::OfProcess().BeginClosing();
+        session->Stop(closing);
+        session.reset();
+        ProducerWatch::OfProcess().Call(producer);
+        closesLostCamera = false;
         closing.ForgetFailures();
         session = OpenAgain();
     }
@@ -112,13 +114,11 @@ std::unique_ptr<GrabSession> GrabRun::OpenAgain()
 
 void GrabRun::Close()
 {
-    if (isGivenUp) return;
-    isGivenUp = !CloseWithin({}, [this] {
-        if (session) session->Stop(closing);
-        session.reset();
-        link.reset();
-        connection.reset();
-    });
+    ProducerWatch::OfProcess().BeginClosing();
+    if (session) session->Stop(closing);
+    session.reset();
+    link.reset();
+    connection.reset();
     // Of a camera that may come and go nobody is surprised.
     if (options.reconnect) closing.ForgetFailures();
 }
@@ -170,6 +170,18 @@ int GrabRun::Conclude()
         if (status == exitSuccess) status = exitFailure;
     }
     return interrupt.IsRequested() ? exitInterrupted : status;
+}
+
+// The main thread is in a call that does not return. This thread does the rest with what there is.
+int GrabRun::GiveUp()
+{
+    isGivenUp = true;
+    if (closesLostCamera)
+        cause = std::make_exception_ptr(ToolError("The camera was lost, and what it left open cannot be closed."));
+    output->statistics.End();
+    FinishFiles();
+    PrintSummary();
+    return FinishOutput(Conclude());
 }
 
 int GrabRun::ReportEnd()

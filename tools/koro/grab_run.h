@@ -38,7 +38,7 @@ public:
     GrabRun(const GrabOptions& options, const Discovery& discovery, const CameraChoice& choice, Interrupt& interrupt);
 
     // Takes the pictures, closes the camera, prints the summary and what went wrong. Returns the exit status. Does not
-    // return when the camera cannot be closed: then the process ends with that status.
+    // return when a producer does not: then the process ends with that status.
     int Run();
 
 private:
@@ -49,11 +49,14 @@ private:
     void PrintSummary();
     int Conclude();
     int ReportEnd();
+    int GiveUp();
 
     const GrabOptions options;
+    const std::string producer; // its file
     Interrupt& interrupt;
     ClosingReport closing;
-    bool isGivenUp = false; // the closing still runs, and uses what it closes
+    bool closesLostCamera = false;
+    bool isGivenUp = false; // a call has not returned
 
     std::unique_ptr<CameraConnection> connection;
     std::unique_ptr<CameraLink> link; // with --reconnect

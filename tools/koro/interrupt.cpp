@@ -2,6 +2,7 @@
 
 #include "tools/koro/exit_codes.h"
 #include "tools/koro/process_end.h"
+#include "tools/koro/producer_watch.h"
 
 #include <cstdio>
 #include <pthread.h>
@@ -38,7 +39,7 @@ void EndAtNextSignal()
 
 } // namespace
 
-Interrupt::Interrupt(const char* answered) : answer(answered)
+Interrupt::Interrupt(const char* answered, Calls treated) : answer(answered), calls(treated)
 {
     sigemptyset(&watched);
     sigaddset(&watched, SIGINT);
@@ -61,9 +62,11 @@ void Interrupt::WatchSignals()
     if (sigwait(&watched, &signal) != 0 || signal == endOfWatch) return;
 
     requested = true;
+    anyRequested = true;
     // Before the wake, which calls a producer and may never come back.
     EndAtNextSignal();
     std::fprintf(stderr, "koro: %s; once more ends at once\n", answer);
+    if (calls == Calls::Bounded) ProducerWatch::OfProcess().NoteInterrupt();
     {
         const std::lock_guard<std::mutex> lock(wakeMutex);
         if (wake) wake();

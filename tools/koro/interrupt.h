@@ -5,6 +5,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstdint>
 #include <csignal>
 #include <functional>
 #include <mutex>
@@ -16,13 +17,21 @@ namespace koro::tool
 class Interrupt
 {
 public:
+    enum class Calls : uint8_t
+    {
+        Bounded, // a call into a producer that does not return after a request ends the process
+        NotCutOff,
+    };
+
     // `answer` is what a person reads who has asked for an end.
-    explicit Interrupt(const char* answer = "stopping");
+    explicit Interrupt(const char* answer = "stopping", Calls calls = Calls::Bounded);
     Interrupt(const Interrupt&) = delete;
     Interrupt& operator=(const Interrupt&) = delete;
     ~Interrupt();
 
     bool IsRequested() const noexcept { return requested; }
+    // Of whichever there is in this process.
+    static bool IsAnyRequested() noexcept { return anyRequested; }
 
     // While it lives, a request also calls `wake` on the waiting thread; the destructor waits for a running call.
     class WakeUp
@@ -40,7 +49,10 @@ public:
 private:
     void WatchSignals();
 
+    static inline std::atomic<bool> anyRequested{false};
+
     const char* const answer;
+    const Calls calls;
     std::atomic<bool> requested{false};
     std::mutex wakeMutex; // guards wake, held while it runs
     std::function<void()> wake;

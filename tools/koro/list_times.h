@@ -1,6 +1,7 @@
 // ListTimes: the time-outs with which the lists of one search are asked. One thread.
 #pragma once
 
+#include "tools/koro/producer_watch.h"
 #include "tools/koro/read_producer.h"
 #include <koro/koro.hpp>
 
@@ -31,6 +32,7 @@ public:
         try
         {
             update(round_ms);
+            NoteProgress();
             hasAnswered = true;
         }
         catch (const Error&)

@@ -2,6 +2,7 @@
 #include "tools/koro/commands.h"
 #include "tools/koro/failure.h"
 #include "tools/koro/output.h"
+#include "tools/koro/producer_watch.h"
 #include "tools/koro/standard_streams.h"
 
 #include <CLI/CLI.hpp>
@@ -98,5 +99,6 @@ int main(int argc, char** argv)
     WatchForAccidents();
     const int status = RunCommandLine(argc, argv);
     ExpectExit(status);
+    ProducerWatch::OfProcess().Leave(status);
     return status;
 }

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "tools/koro/module_settings.h"
+#include "tools/koro/producer_watch.h"
 #include <koro/koro.hpp>
 
 #include <string>
@@ -22,10 +23,12 @@ public:
     const koro::Interface& Interface() const { return opened; }
 
 private:
+    WatchedWork work; // ends when all below is closed
     Library library;
     ProducerLibrary producer;
     koro::System system;
     koro::Interface opened;
+    ClosingMark mark; // last
 };
 
 } // namespace koro::tool

@@ -16,6 +16,7 @@ namespace
 
 CameraRecord ReadCamera(const DeviceDescriptor& device)
 {
+    NoteProgress();
     CameraRecord record;
     record.id = device.ID();
     record.displayName = IfKnown([&] { return device.DisplayName(); });
@@ -33,6 +34,7 @@ CameraRecord ReadCamera(const DeviceDescriptor& device)
 
 ProducerLibrary LoadProducer(const std::string& path)
 {
+    ProducerWatch::OfProcess().Call(path);
     NoteProducer(path);
     ProducerLibrary producer(path);
     NoteProducer(path);
@@ -62,7 +64,9 @@ ProducerRecord OpenedProducer::Describe() const
 
 void OpenedProducer::Open()
 {
+    NoteProgress();
     system = producer.System().OpenSystem();
+    NoteProgress();
 }
 
 void OpenedProducer::List(ProducerRecord& record, const std::string& wanted)
@@ -88,6 +92,7 @@ std::vector<InterfaceRecord> OpenedProducer::ReadInterfaces(ListTimes& times)
 
 InterfaceRecord OpenedProducer::ReadInterface(const InterfaceDescriptor& descriptor, ListTimes& times)
 {
+    NoteProgress();
     InterfaceRecord record;
     record.id = descriptor.ID();
     record.displayName = IfKnown([&] { return descriptor.DisplayName(); });

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "tools/koro/camera_tree.h"
+#include "tools/koro/producer_watch.h"
 #include <koro/koro.hpp>
 
 #include <cstdint>
@@ -17,7 +18,7 @@
 namespace koro::tool
 {
 
-// A producer's library. An accident in it is reported with its path.
+// A producer's library. An accident in it, and a call that does not return, is reported with its path.
 ProducerLibrary LoadProducer(const std::string& path);
 
 class ListTimes;
@@ -54,11 +55,13 @@ private:
         const std::string& interfaceID, const std::string& id,
         const std::function<void(const koro::Interface&)>& atOpen, ListTimes* times);
 
+    WatchedWork work; // ends when all below is closed
     std::string path;
     Library library;
     ProducerLibrary producer;
     koro::System system;
     std::map<std::string, koro::Interface> interfaces;
+    ClosingMark mark; // last
 };
 
 } // namespace koro::tool

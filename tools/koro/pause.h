@@ -2,6 +2,7 @@
 #pragma once
 
 #include "tools/koro/interrupt.h"
+#include "tools/koro/producer_watch.h"
 
 #include <chrono>
 #include <condition_variable>
@@ -24,6 +25,7 @@ public:
 
     void Until(Clock::time_point end)
     {
+        const ExpectedWait wait;
         std::unique_lock<std::mutex> lock(mutex);
         changed.wait_until(lock, end, [this] { return interrupt.IsRequested(); });
     }

@@ -1,6 +1,8 @@
 #include "tools/koro/producer_probe.h"
 
 #include "tools/koro/camera_tree_json.h"
+#include "tools/koro/exit_codes.h"
+#include "tools/koro/interrupt.h"
 #include "tools/koro/tool_error.h"
 
 #include <algorithm>
@@ -284,6 +286,8 @@ private:
 constexpr std::chrono::milliseconds patience(1500);
 // For children whose end is no event.
 constexpr int pollInterval_ms = 20;
+// For requests to end, which are none either.
+constexpr int longestPoll_ms = 100;
 
 using Probes = std::vector<std::unique_ptr<Probe>>;
 
@@ -291,7 +295,7 @@ using Probes = std::vector<std::unique_ptr<Probe>>;
 void Await(const Probes& probes, Clock::time_point until)
 {
     std::vector<pollfd> waited;
-    int timeout_ms = Remaining_ms(until);
+    int timeout_ms = std::min(Remaining_ms(until), longestPoll_ms);
     for (const auto& probe : probes)
     {
         if (!probe->IsRunning()) continue;
@@ -335,6 +339,7 @@ std::vector<ProbeResult> ProbeProducers(const std::vector<std::string>& paths, c
             if (probe->IsRunning()) until = std::min(until, probe->Deadline());
         }
         Await(probes, until);
+        if (Interrupt::IsAnyRequested()) throw ToolError("Interrupted.", {}, exitInterrupted);
         for (const auto& probe : probes)
         {
             if (probe->IsRunning()) probe->Continue(Clock::now());

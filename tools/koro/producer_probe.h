@@ -48,7 +48,7 @@ struct ProbeSettings
     std::function<void(const std::vector<std::string>& waitedFor)> onWait{};
 };
 
-// The results in the order of the paths. Throws ToolError when no process can be started.
+// The results in the order of the paths. Throws ToolError when no process can be started, and after an interrupt.
 std::vector<ProbeResult> ProbeProducers(const std::vector<std::string>& paths, const ProbeSettings& settings);
 
 // The pipe's number in the child.

@@ -1,4 +1,5 @@
 #include "tools/koro/settings_plan.h"
+#include "tools/koro/producer_watch.h"
 
 #include "tools/koro/access_reason.h"
 #include "tools/koro/feature_range.h"
@@ -198,6 +199,7 @@ std::vector<PlannedRecord> ForEach(
     std::vector<PlannedRecord> plans;
     for (const FeatureRecord& record : records)
     {
+        NoteProgress();
         try
         {
             selectors.Set(record);

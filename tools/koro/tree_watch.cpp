@@ -78,8 +78,8 @@ private:
 class TreeWatch::Producer
 {
 public:
-    Producer(const std::string& path, Teller& tell)
-        : name(std::filesystem::path(path).filename().string()), teller(tell), producer(LoadProducer(path)),
+    Producer(const std::string& file, Teller& tell)
+        : name(std::filesystem::path(file).filename().string()), teller(tell), path(file), producer(LoadProducer(path)),
           system(producer.System().OpenSystem()),
           found(system.OnInterfaceFound([this](const InterfaceDescriptor& descriptor) {
               teller.Tell("found", descriptor.ID(), IfKnown([&] { return descriptor.DisplayName(); }).value_or(""));
@@ -89,6 +89,7 @@ public:
 
     void Update()
     {
+        ProducerWatch::OfProcess().Call(path);
         const bool isListed = listing.Try(
             [this] { system.UpdateInterfaces(updateTimeout_ms); },
             [this](const char* why) { teller.Tell("failed", name, why); });
@@ -100,6 +101,7 @@ public:
             present.insert(id);
             auto& branch = branches[id];
             if (!branch) branch = std::make_unique<Branch>(id, teller);
+            NoteProgress();
             branch->Update(descriptor);
         }
         for (auto branch = branches.begin(); branch != branches.end();)
@@ -154,6 +156,7 @@ private:
 
     const std::string name;
     Teller& teller;
+    const std::string path;
     Attempt listing;
     ProducerLibrary producer;
     System system;

@@ -4,6 +4,7 @@
 // Owned by one command; one thread at a time, while reports come on threads of the library.
 #pragma once
 
+#include "tools/koro/producer_watch.h"
 #include <koro/koro.hpp>
 
 #include <cstdint>
@@ -41,9 +42,11 @@ private:
     class Producer;
     struct Teller;
 
+    WatchedWork work; // ends when all below is closed
     std::unique_ptr<Teller> teller;
     Library library;
     std::vector<std::unique_ptr<Producer>> producers;
+    ClosingMark mark; // last
 };
 
 } // namespace koro::tool

@@ -1,4 +1,5 @@
 #include "tools/koro/writable_features.h"
+#include "tools/koro/producer_watch.h"
 
 #include "tools/koro/dependency_order.h"
 #include "tools/koro/feature_value.h"
@@ -156,6 +157,7 @@ private:
 
     void Store()
     {
+        NoteProgress();
         if (!IsReadWrite(feature)) return;
         const auto value = IfKnown([&] { return StoredValue(feature); });
         if (!value) return;

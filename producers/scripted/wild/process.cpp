@@ -43,6 +43,20 @@ struct FallOver
     }
 };
 
+struct HangAtExit
+{
+    ~HangAtExit()
+    {
+        for (;;)
+            pause();
+    }
+};
+
+struct ExitAtExit
+{
+    ~ExitAtExit() { std::exit(0); }
+};
+
 class LastThread
 {
 public:
@@ -135,6 +149,18 @@ void FallsOverAtExit(Producer& producer)
 {
     CountStarts(producer);
     static const FallOver atExit;
+}
+
+// Its static destructors never return.
+void HangsAtExit(Producer&)
+{
+    static const HangAtExit atExit;
+}
+
+// Its static destructors end the process once more, with success.
+void ExitsAtExit(Producer&)
+{
+    static const ExitAtExit atExit;
 }
 
 // Its start changes the working directory.
