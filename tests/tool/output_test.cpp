@@ -33,10 +33,11 @@ class Output : public testing::Test
 protected:
     Output() : environment(SimulatorWith(folder, OneCamera("Mono8", 64, 48))) {}
 
-    // `redirection` in the words of a shell. Standard output of the result stays empty.
-    ToolResult RunInto(const std::string& redirection, const std::string& arguments) const
+    // `redirection` and what stands before in the words of a shell. Standard output of the result stays empty.
+    ToolResult RunInto(
+        const std::string& redirection, const std::string& arguments, const std::string& before = "") const
     {
-        std::string command = "env";
+        std::string command = before + "env";
         for (const auto& [name, value] : environment)
             command += " " + name + "='" + *value + "'";
         const std::string errors = folder.File("errors");
@@ -141,6 +142,32 @@ TEST_F(Output, OfACommandWithoutEndEndsItWhenNobodyReads)
     {
         EXPECT_EQ(RunInto(into, arguments).status, brokenPipe) << arguments;
     }
+}
+
+TEST_F(Output, OfACommandThatHasNothingToSayEndsItWhenNobodyReads)
+{
+    json settings = OneCamera("Mono8", 64, 48);
+    settings["interfaces"][0]["tlType"] = "GEV"; // such cameras send events
+    folder.MakeFile("simulator.json", settings.dump());
+    const PipeWithoutReader pipe;
+    const std::string into = ">&" + std::to_string(PipeWithoutReader::number);
+    for (const std::string command : {"watch cam", "watch cam --interval 3600000", "events cam --enable ExposureEnd"})
+    {
+        // The time is for a tool that waits on.
+        const ToolResult result = RunInto(into, command + " --duration 20000");
+        EXPECT_EQ(result.status, brokenPipe) << command;
+        EXPECT_EQ(result.err, "") << command;
+    }
+}
+
+TEST_F(Output, OfAWatchEndsItWhenItsReaderGoes)
+{
+    // An interface and a camera are found, and nothing more.
+    const std::string status = folder.File("status");
+    const std::string reader = "; echo $? >'" + status + "'; } | { read line; read line; }";
+    EXPECT_EQ(RunInto(reader, "watch --duration 20000", "{ ").status, 0);
+    std::ifstream file(status);
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), std::to_string(brokenPipe) + "\n");
 }
 
 // What a terminal would take for an order: as an escape and as one character of 8 bits.

@@ -55,6 +55,21 @@ TEST(WatchTree, WhatIsThereIsFound)
     EXPECT_THAT(result.out, HasSubstr("serial number cam"));
 }
 
+TEST(WatchTree, EndsQuietlyWhenItIsTerminated)
+{
+    const TemporaryFolder folder;
+    const Environment surroundings = SimulatorWith(folder, OneCamera("Mono8", 64, 48));
+    for (const Arguments& arguments : {Arguments{"watch"}, Arguments{"watch", "cam", "Width"}})
+    {
+        ToolRun run(arguments, surroundings);
+        ASSERT_TRUE(run.AwaitOutput("\n"));
+        run.Signal(SIGTERM);
+        const ToolResult result = run.Finish();
+        EXPECT_EQ(result.status, interrupted);
+        EXPECT_EQ(result.err, "koro: stopping; once more ends at once\n");
+    }
+}
+
 TEST(WatchTree, EndsWithinAListThatHasMore)
 {
     const TemporaryFolder folder;

@@ -38,6 +38,9 @@ struct EventsCommand
     bool json = false;
 };
 
+// The reader of the output is looked for at least this often.
+constexpr uint64_t longestWait_ms = 500;
+
 class EventPrinter
 {
 public:
@@ -54,7 +57,7 @@ public:
     {
         return isOutputLost || (command.numEvents > 0 && numPrinted >= command.numEvents) || Left_ms() == 0;
     }
-    // Milliseconds to wait for the next event.
+    // Milliseconds until the end.
     uint64_t Left_ms() const
     {
         if (command.duration_ms == 0) return infinite;
@@ -143,12 +146,13 @@ int Events(const EventsCommand& command)
     std::optional<BackgroundStream> pictures;
     if (command.acquire) pictures.emplace(session.Device(), nodes);
     const ClosingMark mark;
-    while (!interrupt.IsRequested() && !printer.IsOver())
+    while (!interrupt.IsRequested() && !printer.IsOver() && OutputHasReader())
     {
-        const Event event = Wait(controller, interrupt, printer.Left_ms());
+        const Event event = Wait(controller, interrupt, std::min(printer.Left_ms(), longestWait_ms));
         if (event) printer.Print(event, eventNodes.Deliver(event));
     }
-    return interrupt.IsRequested() ? exitInterrupted : exitSuccess;
+    if (interrupt.IsRequested()) return exitInterrupted;
+    return OutputHasReader() ? exitSuccess : exitBrokenPipe;
 }
 
 } // namespace

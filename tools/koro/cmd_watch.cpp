@@ -30,6 +30,9 @@ namespace
 using nlohmann::json;
 using Clock = std::chrono::steady_clock;
 
+// The reader of the output is looked for at least this often.
+constexpr std::chrono::milliseconds longestPause(500);
+
 struct WatchCommand
 {
     FeatureTarget target;
@@ -40,6 +43,18 @@ struct WatchCommand
     bool refresh = false;
     bool json = false;
 };
+
+void PauseUntil(Clock::time_point end, Pause& pause, const Interrupt& interrupt)
+{
+    while (Clock::now() < end && !interrupt.IsRequested() && OutputHasReader())
+        pause.Until(std::min(end, Clock::now() + longestPause));
+}
+
+int StatusAfter(const Interrupt& interrupt)
+{
+    if (interrupt.IsRequested()) return exitInterrupted;
+    return OutputHasReader() ? exitSuccess : exitBrokenPipe;
+}
 
 // One feature: told of changes by its callback, read outside the lock of the map.
 struct Watched
@@ -72,9 +87,9 @@ public:
         while (!interrupt.IsRequested() && !IsOver())
         {
             const Clock::time_point before = polled;
-            pause.Until(NextPoll());
+            PauseUntil(NextPoll(), pause, interrupt);
             polled = Clock::now();
-            if (interrupt.IsRequested()) return;
+            if (interrupt.IsRequested() || !OutputHasReader()) return;
             nodes.PollNodes(std::chrono::duration_cast<std::chrono::milliseconds>(polled - before).count());
             if (command.refresh) nodes.InvalidateNodes();
             ReadChanges(true);
@@ -226,13 +241,13 @@ int WatchTree(const WatchCommand& command)
     ChangePrinter printer(command);
     TreeWatch watch(producers, [&printer](const TreeChange& change) { printer.Print(change); });
     Pause pause(interrupt);
-    while (!interrupt.IsRequested() && !printer.IsOver())
+    while (!interrupt.IsRequested() && !printer.IsOver() && OutputHasReader())
     {
         watch.Update();
         if (printer.IsOver()) break;
-        pause.Until(Clock::now() + std::chrono::milliseconds(command.interval_ms));
+        PauseUntil(Clock::now() + std::chrono::milliseconds(command.interval_ms), pause, interrupt);
     }
-    return interrupt.IsRequested() ? exitInterrupted : exitSuccess;
+    return StatusAfter(interrupt);
 }
 
 int WatchIt(const WatchCommand& command)
@@ -241,7 +256,7 @@ int WatchIt(const WatchCommand& command)
     Interrupt interrupt;
     const FeatureSession session(command.target, FeatureSession::Access::Read);
     Watch(command, session).Run(interrupt);
-    return interrupt.IsRequested() ? exitInterrupted : exitSuccess;
+    return StatusAfter(interrupt);
 }
 
 } // namespace

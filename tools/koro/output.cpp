@@ -51,6 +51,11 @@ bool WriteOut()
     return std::fflush(Output()) == 0 && std::ferror(Output()) == 0;
 }
 
+bool OutputHasReader()
+{
+    return !HasLostItsReader(fileno(Output()));
+}
+
 int FinishOutput(int status)
 {
     errno = 0;

@@ -11,6 +11,10 @@ void IgnoreLostReaders();
 // for ever ends. The failure is reported by FinishOutput.
 bool WriteOut();
 
+// Whether somebody may still read the output. A command that waits for what may never come asks now and then, since only
+// a write would fail.
+bool OutputHasReader();
+
 // To be called last. Writes out. Returns `status`; when output was lost, exitFailure after
 // a message, or exitBrokenPipe without one when it was a pipe whose reader has gone.
 int FinishOutput(int status);
