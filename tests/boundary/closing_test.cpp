@@ -1,5 +1,6 @@
 // Ends while calls are inside the producer: nobody waits for them, and the last one out closes in order.
 #include "tests/boundary/described_camera.h"
+#include "tests/boundary/file_camera.h"
 #include "tests/boundary/stream_test.h"
 
 #include <atomic>
@@ -83,7 +84,7 @@ struct Inside
 {
     const char* kind;
     const char* function;
-    std::function<std::function<KORO_ReturnCode()>(OpenTree&)> prepare;
+    std::function<std::function<KORO_ReturnCode()>(const ScriptedProducer&, OpenTree&)> prepare;
     std::size_t numClosedMeanwhile;
 
     friend std::ostream& operator<<(std::ostream& stream, const Inside& inside) { return stream << inside.kind; }
@@ -121,35 +122,103 @@ KORO_EventControllerHandle ControllerOf(const OpenTree& tree)
         KORO_EventSupportingModule_EnableEvents, module, std::int32_t{GenTL::EVENT_REMOTE_DEVICE});
 }
 
+template <class Value, class Handle>
+std::function<KORO_ReturnCode()> CallOf(KORO_ReturnCode (*get)(Handle, Value*), Handle handle)
+{
+    return [=] {
+        Value value{};
+        return get(handle, &value);
+    };
+}
+
+// A buffer with one chunk and one part.
+KORO_BufferHandle FilledBuffer(const ScriptedProducer& producer, OpenTree& tree)
+{
+    Require(KORO_DataStream_StartAcquisitionInfinite(tree.stream, 0));
+    tree.QueueBuffers(1);
+    producer->Deliver(
+        "if0-dev0-stream0",
+        {.parts = {{{GenTL::BUFFER_PART_INFO_DATA_SIZE, scripted::Size(8)}}}, .chunks = {{1, 0, 4}}});
+    return Get<KORO_BufferHandle>(KORO_DataStream_WaitForFinishedBuffer, tree.stream, std::uint64_t{KORO_INFINITE});
+}
+
+void Describe(const std::string& nodes, const ScriptedProducer& producer)
+{
+    producer->Edit([&](scripted::Tree& edited) {
+        scripted::Port& port = edited.interfaces[0]->devices[0]->remotePort;
+        DescribePort(port, DescriptionOf(nodes));
+        port.registers[0] = DeviceFiles::Registers();
+    });
+}
+
+// The descriptions of a camera are fetched when it is opened.
+void Reopen(OpenTree& tree)
+{
+    Require(KORO_Device_Destruct(tree.device));
+    tree.device =
+        Get<KORO_DeviceHandle>(KORO_DeviceDescriptor_OpenDevice, tree.deviceDescriptor, OpenTree::exclusiveAccess);
+    tree.remoteDevice = Get<KORO_RemoteDeviceHandle>(KORO_Device_GetRemoteDevice, tree.device);
+    tree.streamDescriptor =
+        Get<KORO_DataStreamDescriptorHandle>(KORO_Device_GetDataStream, tree.device, std::size_t{0});
+    tree.stream = Get<KORO_DataStreamHandle>(KORO_DataStreamDescriptor_OpenDataStream, tree.streamDescriptor);
+}
+
+KORO_NodeMapHandle OpenWith(const std::string& nodes, const ScriptedProducer& producer, OpenTree& tree)
+{
+    Describe(nodes, producer);
+    Reopen(tree);
+    const auto module = Get<KORO_ModuleHandle>(KORO_RemoteDevice_ToModule, tree.remoteDevice);
+    return Get<KORO_NodeMapHandle>(KORO_Module_GetNodeMap, module, std::size_t{0});
+}
+
 const std::vector<Inside> kinds = {
     {"SystemDescriptor", "GCGetInfo",
-     [](OpenTree& tree) { return InfoOf(KORO_SystemDescriptor_GetInfo, tree.systemDescriptor); }, 4},
-    {"System", "TLGetInfo", [](OpenTree& tree) { return InfoOf(KORO_System_GetInfo, tree.system); }, 3},
+     [](const ScriptedProducer&, OpenTree& tree) {
+         return InfoOf(KORO_SystemDescriptor_GetInfo, tree.systemDescriptor);
+     },
+     4},
+    {"System", "TLGetInfo",
+     [](const ScriptedProducer&, OpenTree& tree) { return InfoOf(KORO_System_GetInfo, tree.system); }, 3},
     {"SystemAsModule", "GCReadPort",
-     [](OpenTree& tree) { return ReadOf(PortOf(Get<KORO_ModuleHandle>(KORO_System_ToModule, tree.system))); }, 3},
+     [](const ScriptedProducer&, OpenTree& tree) {
+         return ReadOf(PortOf(Get<KORO_ModuleHandle>(KORO_System_ToModule, tree.system)));
+     },
+     3},
     {"SystemThatUpdates", "TLUpdateInterfaceList",
-     [](OpenTree& tree) { return [&tree] { return KORO_System_UpdateInterfaces(tree.system, 0); }; }, 3},
+     [](const ScriptedProducer&, OpenTree& tree) {
+         return [&tree] { return KORO_System_UpdateInterfaces(tree.system, 0); };
+     },
+     3},
     {"InterfaceDescriptor", "TLGetInterfaceInfo",
-     [](OpenTree& tree) { return InfoOf(KORO_InterfaceDescriptor_GetInfo, tree.interfaceDescriptor); }, 3},
-    {"Interface", "IFGetInfo", [](OpenTree& tree) { return InfoOf(KORO_Interface_GetInfo, tree.interface); }, 2},
+     [](const ScriptedProducer&, OpenTree& tree) {
+         return InfoOf(KORO_InterfaceDescriptor_GetInfo, tree.interfaceDescriptor);
+     },
+     3},
+    {"Interface", "IFGetInfo",
+     [](const ScriptedProducer&, OpenTree& tree) { return InfoOf(KORO_Interface_GetInfo, tree.interface); }, 2},
     {"DeviceDescriptor", "IFGetDeviceInfo",
-     [](OpenTree& tree) { return InfoOf(KORO_DeviceDescriptor_GetInfo, tree.deviceDescriptor); }, 2},
-    {"Device", "DevGetInfo", [](OpenTree& tree) { return InfoOf(KORO_Device_GetInfo, tree.device); }, 1},
+     [](const ScriptedProducer&, OpenTree& tree) {
+         return InfoOf(KORO_DeviceDescriptor_GetInfo, tree.deviceDescriptor);
+     },
+     2},
+    {"Device", "DevGetInfo",
+     [](const ScriptedProducer&, OpenTree& tree) { return InfoOf(KORO_Device_GetInfo, tree.device); }, 1},
     {"PortOfTheRemoteDevice", "GCReadPort",
-     [](OpenTree& tree) {
+     [](const ScriptedProducer&, OpenTree& tree) {
          return ReadOf(PortOf(Get<KORO_ModuleHandle>(KORO_RemoteDevice_ToModule, tree.remoteDevice)));
      },
      1},
     {"InfoOfAPort", "GCGetPortInfo",
-     [](OpenTree& tree) {
+     [](const ScriptedProducer&, OpenTree& tree) {
          return InfoOf(
              KORO_Port_GetInfo, PortOf(Get<KORO_ModuleHandle>(KORO_RemoteDevice_ToModule, tree.remoteDevice)));
      },
      1},
     {"EventController", "EventGetInfo",
-     [](OpenTree& tree) { return InfoOf(KORO_EventController_GetInfo, ControllerOf(tree)); }, 1},
+     [](const ScriptedProducer&, OpenTree& tree) { return InfoOf(KORO_EventController_GetInfo, ControllerOf(tree)); },
+     1},
     {"DataStreamThatOpens", "DevOpenDataStream",
-     [](OpenTree& tree) {
+     [](const ScriptedProducer&, OpenTree& tree) {
          Require(KORO_DataStream_Destruct(tree.stream));
          return [&tree] {
              KORO_DataStreamHandle stream = nullptr;
@@ -157,11 +226,84 @@ const std::vector<Inside> kinds = {
          };
      },
      0},
-    {"DataStream", "DSGetInfo", [](OpenTree& tree) { return InfoOf(KORO_DataStream_GetInfo, tree.stream); }, 0},
+    {"DataStream", "DSGetInfo",
+     [](const ScriptedProducer&, OpenTree& tree) { return InfoOf(KORO_DataStream_GetInfo, tree.stream); }, 0},
     {"DataStreamThatStarts", "DSStartAcquisition",
-     [](OpenTree& tree) { return [&tree] { return KORO_DataStream_StartAcquisitionInfinite(tree.stream, 0); }; }, 0},
+     [](const ScriptedProducer&, OpenTree& tree) {
+         return [&tree] { return KORO_DataStream_StartAcquisitionInfinite(tree.stream, 0); };
+     },
+     0},
     {"Buffer", "DSGetBufferInfo",
-     [](OpenTree& tree) { return InfoOf(KORO_Buffer_GetInfo, tree.QueueBuffers(1).front()); }, 0},
+     [](const ScriptedProducer&, OpenTree& tree) { return InfoOf(KORO_Buffer_GetInfo, tree.QueueBuffers(1).front()); },
+     0},
+    {"DataStreamThatIsWaitedAt", "EventGetData",
+     [](const ScriptedProducer&, OpenTree& tree) {
+         Require(KORO_DataStream_StartAcquisitionInfinite(tree.stream, 0));
+         return [&tree] {
+             KORO_BufferHandle buffer = nullptr;
+             return KORO_DataStream_WaitForFinishedBuffer(tree.stream, KORO_INFINITE, &buffer);
+         };
+     },
+     0},
+    {"Chunk", "DSGetBufferInfo",
+     [](const ScriptedProducer& producer, OpenTree& tree) {
+         const auto buffer = FilledBuffer(producer, tree);
+         Require(KORO_Buffer_UpdateChunks(buffer));
+         return CallOf<void*>(
+             KORO_BufferChunk_GetBasePtr, Get<KORO_BufferChunkHandle>(KORO_Buffer_GetChunk, buffer, std::size_t{0}));
+     },
+     0},
+    {"BufferThatListsItsChunks", "DSGetBufferChunkData",
+     [](const ScriptedProducer& producer, OpenTree& tree) {
+         return [buffer = FilledBuffer(producer, tree)] { return KORO_Buffer_UpdateChunks(buffer); };
+     },
+     0},
+    {"Part", "DSGetBufferPartInfo",
+     [](const ScriptedProducer& producer, OpenTree& tree) {
+         const auto buffer = FilledBuffer(producer, tree);
+         Require(KORO_Buffer_UpdateParts(buffer));
+         return CallOf<std::size_t>(
+             KORO_BufferPart_GetSize, Get<KORO_BufferPartHandle>(KORO_Buffer_GetPart, buffer, std::size_t{0}));
+     },
+     0},
+    {"Event", "EventGetDataInfo",
+     [](const ScriptedProducer& producer, OpenTree& tree) {
+         const auto controller = ControllerOf(tree);
+         producer->Fire("if0-dev0", GenTL::EVENT_REMOTE_DEVICE, "block");
+         const auto event =
+             Get<KORO_EventHandle>(KORO_EventController_WaitForEvent, controller, std::uint64_t{KORO_INFINITE});
+         return CallOf<std::uint64_t>(KORO_Event_GetID, event);
+     },
+     1},
+    {"URL", "GCGetPortURLInfo",
+     [](const ScriptedProducer& producer, OpenTree& tree) {
+         OpenWith(IntRegister("Number", 0), producer, tree);
+         const auto module = Get<KORO_ModuleHandle>(KORO_RemoteDevice_ToModule, tree.remoteDevice);
+         return CallOf<std::uint64_t>(
+             KORO_PortURL_GetFileSize, Get<KORO_PortURLHandle>(KORO_Port_GetURL, PortOf(module), std::size_t{0}));
+     },
+     1},
+    {"Node", "GCReadPort",
+     [](const ScriptedProducer& producer, OpenTree& tree) {
+         const auto map = OpenWith(IntRegister("Number", 0), producer, tree);
+         const auto node = Get<KORO_NodeHandle>(KORO_NodeMap_FindNode, map, "Number", std::size_t{7});
+         return [number = Get<KORO_IntegerNodeHandle>(KORO_Node_ToIntegerNode, node)] {
+             std::int64_t value = 0;
+             return KORO_IntegerNode_GetValue(number, KORO_NODE_CACHE_POLICY_IGNORE_CACHE, &value);
+         };
+     },
+     1},
+    {"FileAdapter", "GCReadPort",
+     [](const ScriptedProducer& producer, OpenTree& tree) {
+         std::string nodes;
+         for (const auto& [name, node] : FileNodes())
+             nodes += node;
+         const auto map = OpenWith(nodes, producer, tree);
+         return CallOf<std::uint64_t>(
+             KORO_FileAdapter_GetSize,
+             Get<KORO_FileAdapterHandle>(KORO_FileAdapter_Construct, map, "User", std::size_t{5}));
+     },
+     1},
 };
 
 class EndWithACallInside : public Closing, public testing::WithParamInterface<Inside>
@@ -170,7 +312,7 @@ protected:
     void ExpectOrder(const std::function<KORO_ReturnCode()>& end)
     {
         const Inside& inside = GetParam();
-        const auto body = inside.prepare(tree);
+        const auto body = inside.prepare(producer, tree);
         producer->ClearJournal();
         CallAtAGate call(producer, inside.function);
         call.Enter(body);
@@ -211,6 +353,21 @@ TEST_F(Closing, OfTheWholeLibraryIsFinishedByTheLastOneOut)
     EXPECT_EQ(Closes(), fromTheLeaves);
     EXPECT_EQ(producer->Journal().back(), "GCCloseLib()");
     Require(KORO_Library_Initialize());
+}
+
+TEST_F(Closing, OfAProducerLibraryIsMadeByItsOwnCallThatIsInside)
+{
+    Require(KORO_ProducerLibrary_Destruct(tree.producerLibrary));
+    const auto& path = producer.Path();
+    Require(KORO_ProducerLibrary_Construct(path.c_str(), path.size() + 1, &tree.producerLibrary));
+    producer->ClearJournal();
+    CallAtAGate call(producer, "GCGetInfo");
+    call.Enter([&] { return KORO_ProducerLibrary_GetSystem(tree.producerLibrary, &tree.systemDescriptor); });
+    EXPECT_EQ(Outcome(KORO_ProducerLibrary_Destruct(tree.producerLibrary)), Error{});
+    EXPECT_THAT(Closes(), IsEmpty());
+    EXPECT_EQ(call.Leave(), parentExpired);
+    EXPECT_EQ(producer->Journal().back(), "GCCloseLib()");
+    EXPECT_EQ(producer->InitCount(), 0);
 }
 
 TEST_F(Closing, EndsOfAChildAndThenOfItsParentsKeepTheOrder)
