@@ -18,7 +18,7 @@ struct CloseFile
     void operator()(FILE* file) const { fclose(file); }
 };
 
-const size_t step = 1u << 20;
+const size_t bytesAtOnce = 1u << 20;
 
 } // namespace
 
@@ -31,7 +31,7 @@ std::string ReadFile(const std::string& path, size_t maxSize)
     {
         // One byte more than allowed tells that there is more.
         const size_t before = bytes.size();
-        bytes.resize(before + std::min(step, maxSize + 1 - before));
+        bytes.resize(before + std::min(bytesAtOnce, maxSize + 1 - before));
         const size_t count = fread(bytes.data() + before, 1, bytes.size() - before, file.get());
         bytes.resize(before + count);
         if (bytes.size() > maxSize)

@@ -17,7 +17,7 @@ endforeach()
 function(koro_add_genicam_header_check target standard)
     cmake_parse_arguments(ARG "" "" "SOURCES;DEFINITIONS" ${ARGN})
     add_library(${target} OBJECT ${ARG_SOURCES})
-    set_target_properties(${target} PROPERTIES CXX_STANDARD ${standard})
+    set_target_properties(${target} PROPERTIES CXX_STANDARD ${standard} UNITY_BUILD OFF)
     target_include_directories(${target} PRIVATE ${include})
     target_compile_definitions(${target} PRIVATE ${ARG_DEFINITIONS})
     target_compile_options(${target} PRIVATE -O0 -g0 -Wall -Wextra -pedantic -Wshadow -Wconversion -Wsign-conversion
