@@ -5,9 +5,11 @@
 
 #include "tests/support/temporary_folder.h"
 
+#include <chrono>
 #include <fcntl.h>
 #include <string>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 
 namespace koro::test::wild
@@ -25,10 +27,15 @@ public:
 
     // Blocks until somebody waits at the gate.
     void Await() { pipe = open(path.c_str(), O_WRONLY | O_CLOEXEC); }
-    // Whether somebody waits.
+    // Whether somebody waits; who has been started but has not come yet gets ten seconds.
     bool IsWaitedAt()
     {
-        pipe = open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NONBLOCK);
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+        do
+        {
+            pipe = open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NONBLOCK);
+            if (pipe < 0) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        } while (pipe < 0 && std::chrono::steady_clock::now() < deadline);
         return pipe >= 0;
     }
     void Open()
