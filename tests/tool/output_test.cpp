@@ -213,4 +213,33 @@ TEST(Texts, ThatAreSetAndWatchedGiveNoOrdersToTheTerminal)
     EXPECT_EQ(camera.Run({"get", "cam", "DeviceUserID", "--set", "DeviceUserID=" + orders}).out, orders + "\n");
 }
 
+// Every command that writes JSON, with the orders in names, values and files.
+TEST(Texts, InJSONAreEscapedAndWhole)
+{
+    json settings = OneCamera("Mono8", 64, 48);
+    settings["interfaces"][0]["tlType"] = "GEV"; // such cameras send events
+    settings["interfaces"][0]["cameras"][0]["userName"] = orders;
+    const Camera camera(settings);
+    const TemporaryFolder folder;
+    const Arguments runs[] = {
+        {"list", "--json"},
+        {"info", "cam", "--json"},
+        {"features", "cam", "--json"},
+        {"get", "cam", "DeviceUserID", "--json"},
+        {"describe", "cam", "DeviceUserID", "--json"},
+        {"watch", "--changes", "2", "--json"},
+        {"watch", "cam", "DeviceUserID", "--changes", "1", "--json"},
+        {"grab", "cam", "--frames", "1", "--json", "--output", folder.File(orders)},
+    };
+    for (const Arguments& arguments : runs)
+    {
+        const ToolResult result = camera.Run(arguments);
+        EXPECT_EQ(result.status, 0) << arguments.front() << result.err;
+        EXPECT_THAT(result.out, Not(HasSubstr("\x1B"))) << arguments.front();
+        EXPECT_THAT(result.out, Not(HasSubstr("\xC2\x9B"))) << arguments.front();
+        EXPECT_THAT(result.out, HasSubstr("a\\u001b[2J\\u009b31mb")) << arguments.front();
+    }
+    EXPECT_EQ(json::parse(camera.Run(runs[3]).out).at(0).at("value"), orders);
+}
+
 } // namespace

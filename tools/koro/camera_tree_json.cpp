@@ -1,5 +1,6 @@
 #include "tools/koro/camera_tree_json.h"
 
+#include <cstdio>
 #include <nlohmann/json.hpp>
 
 namespace koro::tool
@@ -66,6 +67,30 @@ InterfaceRecord InterfaceFromJSON(const json& object)
     return record;
 }
 
+// DEL and the controls from U+0080 to U+009F, which JSON allows in a text and on which a terminal acts. They stand in
+// texts only, so each can be replaced by its escape.
+std::string EscapeLateControls(const std::string& written)
+{
+    std::string escaped;
+    escaped.reserve(written.size());
+    for (size_t at = 0; at < written.size(); ++at)
+    {
+        const auto byte = static_cast<unsigned char>(written[at]);
+        const auto next = static_cast<unsigned char>(at + 1 < written.size() ? written[at + 1] : '\0');
+        const bool isPair = byte == 0xC2 && next >= 0x80 && next < 0xA0;
+        if (!isPair && byte != 0x7F)
+        {
+            escaped += written[at];
+            continue;
+        }
+        char escape[8];
+        std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned>(isPair ? next : byte));
+        escaped += escape;
+        if (isPair) ++at;
+    }
+    return escaped;
+}
+
 } // namespace
 
 json ToJSON(const CameraRecord& camera)
@@ -124,7 +149,7 @@ ProducerRecord ProducerFromJSON(const json& object)
 
 std::string Dump(const json& object, int indent)
 {
-    return object.dump(indent, ' ', false, json::error_handler_t::replace);
+    return EscapeLateControls(object.dump(indent, ' ', false, json::error_handler_t::replace));
 }
 
 } // namespace koro::tool

@@ -45,6 +45,15 @@ TEST(CameraTreeJSON, TextThatIsNotUTF8IsReplaced)
     EXPECT_EQ(nlohmann::json::parse(Dump(ToJSON(producer))).at("vendor"), "K\xEF\xBF\xBDro");
 }
 
+TEST(CameraTreeJSON, ControlsOfATerminalAreEscapedAndNothingElseIs)
+{
+    const std::string text = "a\x1B[2J\x7F\xC2\x80\xC2\x9B\xC2\x9F\xC2\xA0\xC3\x9B\xE2\x82\x80z";
+    const std::string written = Dump({{text, text}});
+    const std::string shown = "\"a\\u001b[2J\\u007f\\u0080\\u009b\\u009f\xC2\xA0\xC3\x9B\xE2\x82\x80z\"";
+    EXPECT_EQ(written, "{" + shown + ":" + shown + "}");
+    EXPECT_EQ(nlohmann::json::parse(written).at(text), text);
+}
+
 TEST(CameraTreeJSON, ForeignJSONIsRefused)
 {
     EXPECT_THROW(ProducerFromJSON(nlohmann::json::parse(R"({"path": 1})")), nlohmann::json::exception);
