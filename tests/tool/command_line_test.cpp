@@ -54,6 +54,76 @@ TEST(CommandLine, WrongCommandLinesEndWithStatusTwo)
     }
 }
 
+// The options that take a number, each with the rest of a command line that is right.
+const std::vector<Arguments> wholeNumbers = {
+    {"doctor", "--timeout"},
+    {"grab", "cam", "--format", "none", "--frames"},
+    {"grab", "cam", "--format", "none", "--frames", "1", "--timeout"},
+    {"grab", "cam", "--format", "none", "--frames", "1", "--payload-size"},
+    {"grab", "cam", "--format", "none", "--frames", "1", "--buffers"},
+    {"run", "cam", "Do", "--timeout"},
+    {"xml", "cam", "--url"},
+    {"firmware", "update", "cam", "file", "--reset-timeout"},
+    {"events", "cam", "--duration"},
+    {"events", "cam", "--events"},
+    {"watch", "--interval"},
+    {"watch", "--duration"},
+    {"watch", "--changes"},
+};
+
+void ExpectRefused(Arguments arguments, const std::string& value)
+{
+    arguments.push_back(value);
+    const ToolResult result = RunTool(arguments);
+    EXPECT_EQ(result.status, 2) << testing::PrintToString(arguments);
+    const std::string option = arguments[arguments.size() - 2];
+    EXPECT_THAT(result.err, testing::StartsWith(option + ": \"" + value + "\" is no "))
+        << testing::PrintToString(arguments);
+}
+
+TEST(CommandLine, OptionsRefuseWhatIsNoWholeNumber)
+{
+    // The last two are one when they are read modulo 2^64.
+    const char* const wrong[] = {
+        "",
+        "5x",
+        " 5",
+        "5 ",
+        "1.5",
+        "1e3",
+        "nan",
+        "inf",
+        "-1",
+        "+5",
+        "0x",
+        "1,5",
+        "many",
+        "18446744073709551617",
+        "-18446744073709551615",
+    };
+    for (const Arguments& arguments : wholeNumbers)
+    {
+        for (const char* const value : wrong)
+            ExpectRefused(arguments, value);
+    }
+}
+
+TEST(CommandLine, RangeLimitIsAFiniteDistance)
+{
+    for (const char* const value :
+         {"nan", "-nan", "inf", "-inf", "infinity", "0", "-0", "-1", "1e400", "1e-400", "5m", "", " 5", "0x10"})
+        ExpectRefused({"grab", "cam", "--format", "none", "--frames", "1", "--range-limit"}, value);
+    const ToolResult result = RunTool({"grab", "cam", "--frames", "1", "--format", "none", "--range-limit", "2.5e3"});
+    EXPECT_EQ(result.status, 1) << "the command line is right, and there are no producers";
+}
+
+TEST(CommandLine, WholeNumbersAreDecimalOrHexadecimal)
+{
+    for (const char* const value : {"100", "0100", "0x64", "0X64"})
+        EXPECT_EQ(RunTool({"watch", "--interval", value}).status, 1)
+            << "the command line is right, and there are no producers";
+}
+
 TEST(CommandLine, MissingOptionIsNamed)
 {
     EXPECT_THAT(RunTool({"grab", "cam", "--output", "x"}).err, HasSubstr("--frames is required"));

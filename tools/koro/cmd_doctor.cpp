@@ -1,5 +1,6 @@
 #include "tools/koro/camera_selection.h"
 #include "tools/koro/commands.h"
+#include "tools/koro/number_option.h"
 #include "tools/koro/producer_option.h"
 #include "tools/koro/producer_places.h"
 #include "tools/koro/producer_probe.h"
@@ -200,8 +201,8 @@ Action DefineDoctor(CLI::App& command)
 {
     const auto settings = std::make_shared<DoctorSettings>();
     DefineProducer(command, settings->producer);
-    command.add_option("--timeout", settings->timeout_ms, "Milliseconds that each producer has")
-        ->check(CLI::Range(uint64_t{1}, uint64_t{3600000}))
+    TakesWholeNumber(
+        command.add_option("--timeout", settings->timeout_ms, "Milliseconds that each producer has"), 1, 3600000)
         ->capture_default_str();
     return [settings] { return Doctor(*settings); };
 }

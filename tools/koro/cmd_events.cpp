@@ -5,6 +5,7 @@
 #include "tools/koro/feature_session.h"
 #include "tools/koro/if_known.h"
 #include "tools/koro/interrupt.h"
+#include "tools/koro/number_option.h"
 #include "tools/koro/output.h"
 #include "tools/koro/report.h"
 #include "tools/koro/standard_streams.h"
@@ -165,10 +166,10 @@ Action DefineEvents(CLI::App& command)
         ->type_name("NAME")
         ->allow_extra_args(false);
     command.add_flag("--acquire", options->acquire, "Let the camera take pictures meanwhile");
-    command.add_option("--duration", options->duration_ms, "Milliseconds after which to end")
-        ->check(CLI::Range(uint64_t{1}, uint64_t{86400000}));
-    command.add_option("--events", options->numEvents, "Number of events after which to end")
-        ->check(CLI::Range(uint64_t{1}, uint64_t{1000000000}));
+    TakesWholeNumber(
+        command.add_option("--duration", options->duration_ms, "Milliseconds after which to end"), 1, 86400000);
+    TakesWholeNumber(
+        command.add_option("--events", options->numEvents, "Number of events after which to end"), 1, 1000000000);
     command.add_flag("--json", options->json, "Write one JSON object a line");
     return [options] { return Events(*options); };
 }

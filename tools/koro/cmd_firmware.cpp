@@ -3,6 +3,7 @@
 #include "tools/koro/discovery.h"
 #include "tools/koro/if_known.h"
 #include "tools/koro/interrupt.h"
+#include "tools/koro/number_option.h"
 #include "tools/koro/path_option.h"
 #include "tools/koro/pending_file.h"
 #include "tools/koro/read_producer.h"
@@ -294,8 +295,10 @@ Action DefineFirmware(CLI::App& command)
         ->required();
     TakesPath(update->add_option("file", options->file, "The update file")->required());
     update->add_flag("--all", options->all, "Update every camera that the pattern and the file fit");
-    update->add_option("--reset-timeout", options->resetTimeout_ms, "Milliseconds that a camera may take to come back")
-        ->check(CLI::Range(uint64_t{0}, uint64_t{3600000}))
+    TakesWholeNumber(
+        update->add_option(
+            "--reset-timeout", options->resetTimeout_ms, "Milliseconds that a camera may take to come back"),
+        0, 3600000)
         ->capture_default_str();
     for (CLI::App* const part : {info, update})
         DefineProducer(*part, options->producer);

@@ -3,6 +3,7 @@
 #include "tools/koro/discovery.h"
 #include "tools/koro/file_prefix.h"
 #include "tools/koro/grab_run.h"
+#include "tools/koro/number_option.h"
 #include "tools/koro/path_option.h"
 #include "tools/koro/tool_error.h"
 
@@ -67,25 +68,27 @@ Action DefineGrab(CLI::App& command)
 
     command.add_option("camera", grab->camera, "Serial number, user name, id, interface:id, or a pattern with *")
         ->required();
-    command.add_option("--frames", settings.numPictures, "Number of pictures")
-        ->required()
-        ->check(CLI::Range(uint64_t{1}, uint64_t{1000000000}));
+    TakesWholeNumber(
+        command.add_option("--frames", settings.numPictures, "Number of pictures")->required(), 1, 1000000000);
     TakesPath(command.add_option("--output", options.output, "Folder of the files; made if it is not there"));
     command
         .add_option(
             "--format", settings.format, "png, tiff, raw (the frame's bytes as they came), or none (only count)")
         ->transform(CLI::CheckedTransformer(formats));
-    command.add_option("--timeout", settings.timeout_ms, "Milliseconds to wait for a frame")
-        ->check(CLI::Range(uint64_t{1}, uint64_t{3600000}))
+    TakesWholeNumber(
+        command.add_option("--timeout", settings.timeout_ms, "Milliseconds to wait for a frame"), 1, 3600000)
         ->capture_default_str();
-    command.add_option("--payload-size", settings.payloadSize, "Bytes of a frame, if neither stream nor camera tells");
-    command.add_option("--buffers", settings.numBuffers, "Number of buffers; at least what the producer needs, or 8")
-        ->check(CLI::Range(size_t{1}, maxBuffers));
-    command
-        .add_option(
-            "--range-limit", settings.rangeLimit,
-            "Leave out points that are farther away, in the camera's unit of distance")
-        ->check(CLI::PositiveNumber);
+    TakesWholeNumber(
+        command.add_option(
+            "--payload-size", settings.payloadSize, "Bytes of a frame, if neither stream nor camera states it"),
+        1, maxPayloadSize);
+    TakesWholeNumber(
+        command.add_option(
+            "--buffers", settings.numBuffers, "Number of buffers; at least what the producer needs, or 8"),
+        1, maxBuffers);
+    TakesPositiveNumber(command.add_option(
+        "--range-limit", settings.rangeLimit,
+        "Leave out points that are farther away, in the camera's unit of distance"));
     command.add_flag("--json", options.json, "Write one JSON object a frame, and one that sums up");
     command.add_flag(
         "--keep-incomplete", settings.keepIncomplete,

@@ -1,12 +1,12 @@
 #include "tools/koro/commands.h"
 #include "tools/koro/feature_session.h"
 #include "tools/koro/feature_value.h"
+#include "tools/koro/number_option.h"
 #include "tools/koro/report.h"
 #include "tools/koro/standard_streams.h"
 #include "tools/koro/tool_error.h"
 
 #include <CLI/CLI.hpp>
-#include <charconv>
 #include <cstdio>
 #include <memory>
 #include <stdexcept>
@@ -28,12 +28,7 @@ struct RegisterCommand
 // Decimal, or hexadecimal after 0x.
 uint64_t Number(const std::string& text, const char* what)
 {
-    const bool isHexadecimal = text.rfind("0x", 0) == 0 || text.rfind("0X", 0) == 0;
-    const char* const begin = text.data() + (isHexadecimal ? 2 : 0);
-    const char* const end = text.data() + text.size();
-    uint64_t number = 0;
-    const auto result = std::from_chars(begin, end, number, isHexadecimal ? 16 : 10);
-    if (begin != end && result.ec == std::errc() && result.ptr == end) return number;
+    if (const auto number = ParseUnsigned(text)) return *number;
     throw ToolError(
         "\"" + PrintableStart(text) + "\" is no " + what + ".", "Write it decimal, or hexadecimal after 0x.",
         exitUsage);

@@ -3,6 +3,7 @@
 #include "tools/koro/feature_session.h"
 #include "tools/koro/feature_value.h"
 #include "tools/koro/interrupt.h"
+#include "tools/koro/number_option.h"
 #include "tools/koro/standard_streams.h"
 #include "tools/koro/tool_error.h"
 
@@ -104,8 +105,8 @@ Action DefineRun(CLI::App& command)
     const auto options = std::make_shared<RunCommand>();
     DefineAnyModule(command, options->target, true);
     command.add_option("command", options->name, "Name of the command");
-    command.add_option("--timeout", options->timeout_ms, "Milliseconds to wait for its end")
-        ->check(CLI::Range(uint64_t{0}, uint64_t{3600000}))
+    TakesWholeNumber(
+        command.add_option("--timeout", options->timeout_ms, "Milliseconds to wait for its end"), 0, 3600000)
         ->capture_default_str();
     return [options] { return RunIt(*options); };
 }

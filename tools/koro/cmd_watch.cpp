@@ -5,6 +5,7 @@
 #include "tools/koro/feature_tree.h"
 #include "tools/koro/feature_value.h"
 #include "tools/koro/interrupt.h"
+#include "tools/koro/number_option.h"
 #include "tools/koro/output.h"
 #include "tools/koro/pause.h"
 #include "tools/koro/report.h"
@@ -268,13 +269,13 @@ Action DefineWatch(CLI::App& command)
     command.add_option(
         "names", options->names,
         "Features; without a name all that can be read. Without a camera too: interfaces and cameras that come and go");
-    command.add_option("--interval", options->interval_ms, "Milliseconds between two polls")
-        ->check(CLI::Range(uint64_t{1}, uint64_t{3600000}))
+    TakesWholeNumber(
+        command.add_option("--interval", options->interval_ms, "Milliseconds between two polls"), 1, 3600000)
         ->capture_default_str();
-    command.add_option("--duration", options->duration_ms, "Milliseconds after which to end")
-        ->check(CLI::Range(uint64_t{1}, uint64_t{86400000}));
-    command.add_option("--changes", options->numChanges, "Number of lines after which to end")
-        ->check(CLI::Range(uint64_t{1}, uint64_t{1000000000}));
+    TakesWholeNumber(
+        command.add_option("--duration", options->duration_ms, "Milliseconds after which to end"), 1, 86400000);
+    TakesWholeNumber(
+        command.add_option("--changes", options->numChanges, "Number of lines after which to end"), 1, 1000000000);
     command.add_flag("--refresh", options->refresh, "Ask the camera for every feature at each poll");
     command.add_flag("--json", options->json, "Write one JSON object a line");
     return [options] { return WatchIt(*options); };

@@ -1,6 +1,7 @@
 #include "tools/koro/commands.h"
 #include "tools/koro/description_bytes.h"
 #include "tools/koro/feature_session.h"
+#include "tools/koro/number_option.h"
 #include "tools/koro/standard_streams.h"
 
 #include <CLI/CLI.hpp>
@@ -40,7 +41,8 @@ Action DefineXML(CLI::App& command)
 {
     const auto options = std::make_shared<XMLCommand>();
     DefineAnyModule(command, options->target, false);
-    command.add_option("--url", options->url, "Which of the URLs, from 0")->capture_default_str();
+    TakesWholeNumber(command.add_option("--url", options->url, "Which of the URLs, from 0"), 0, 1000000)
+        ->capture_default_str();
     command.add_flag("--unzip", options->unzip, "Expand a description that comes as an archive");
     return [options] { return WriteXML(*options); };
 }

@@ -53,6 +53,24 @@ int64_t ParseGroups(const std::string& text, char separator, size_t count, int b
     return static_cast<int64_t>(number);
 }
 
+template <typename Number>
+Number ParseDigits(const std::string& digits, int base)
+{
+    Number number = 0;
+    const char* const end = digits.data() + digits.size();
+    const auto result = std::from_chars(digits.data(), end, number, base);
+    if (result.ec != std::errc() || result.ptr != end) throw std::invalid_argument("no number");
+    return number;
+}
+
+// A number may have one sign.
+std::string WithoutPlus(const std::string& text)
+{
+    const bool hasPlus = !text.empty() && text.front() == '+';
+    if (hasPlus && text.size() > 1 && text[1] == '-') throw std::invalid_argument("two signs");
+    return text.substr(hasPlus ? 1 : 0);
+}
+
 // The entry that a text names, by name before number. Empty when there is none.
 EnumerationEntryNode EntryFor(const EnumerationNode& node, const std::string& text)
 {
@@ -196,29 +214,19 @@ int64_t ParseNumber(const std::string& text)
 {
     if (text.find(':') != text.npos) return ParseGroups(text, ':', 6, 16);
     if (text.find('.') != text.npos) return ParseGroups(text, '.', 4, 10);
-    const char* const end = text.data() + text.size();
     const bool hexadecimal = text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X');
-    if (hexadecimal)
-    {
-        uint64_t number = 0;
-        const auto result = std::from_chars(text.data() + 2, end, number, 16);
-        if (result.ec != std::errc() || result.ptr != end) throw std::invalid_argument("no number");
-        return static_cast<int64_t>(number);
-    }
-    int64_t number = 0;
-    const char* const start = !text.empty() && text.front() == '+' ? text.data() + 1 : text.data();
-    const auto result = std::from_chars(start, end, number);
-    if (result.ec != std::errc() || result.ptr != end) throw std::invalid_argument("no number");
-    return number;
+    if (hexadecimal) return static_cast<int64_t>(ParseDigits<uint64_t>(text.substr(2), 16));
+    return ParseDigits<int64_t>(WithoutPlus(text), 10);
 }
 
 double ParseReal(const std::string& text)
 {
     double number = 0;
-    const char* const end = text.data() + text.size();
-    const char* const start = !text.empty() && text.front() == '+' ? text.data() + 1 : text.data();
-    const auto result = std::from_chars(start, end, number);
-    if (text.empty() || result.ec != std::errc() || result.ptr != end) throw std::invalid_argument("no number");
+    const std::string digits = WithoutPlus(text);
+    const char* const end = digits.data() + digits.size();
+    const auto result = std::from_chars(digits.data(), end, number);
+    // What is no number compares with no limit, so no range would keep it from the camera.
+    if (result.ec != std::errc() || result.ptr != end || std::isnan(number)) throw std::invalid_argument("no number");
     return number;
 }
 

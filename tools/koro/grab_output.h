@@ -20,6 +20,7 @@ namespace koro::tool
 {
 
 constexpr size_t maxBuffers = 4096;
+constexpr size_t maxPayloadSize = size_t{1} << 30; // bytes
 
 struct GrabSettings
 {

@@ -17,7 +17,6 @@ namespace
 
 constexpr size_t usualBuffers = 8;
 constexpr size_t mostByThemselves = 256;
-constexpr size_t maxPayloadSize = size_t{1} << 30;
 constexpr size_t maxMemory = size_t{4} << 30;
 
 size_t PayloadSize(const DataStream& stream, const NodeMap& nodes, size_t wished)
