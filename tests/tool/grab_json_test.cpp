@@ -101,7 +101,11 @@ TEST(GrabNothing, NeedsNoFolder)
     const Environment surroundings = SimulatorWith(folder, OneCamera("Mono8", 64, 48));
     const ToolResult result = RunTool({"grab", "cam", "--frames", "3", "--format", "none", "--json"}, surroundings);
     EXPECT_EQ(result.status, 0) << result.err;
-    EXPECT_EQ(ObjectsOf(result.out).size(), 4u);
+    const std::vector<json> objects = ObjectsOf(result.out);
+    ASSERT_EQ(objects.size(), 4u);
+    EXPECT_EQ(objects[3].at("summary").at("pictures"), 0);
+    EXPECT_EQ(objects[3].at("summary").at("files"), 0);
+    EXPECT_EQ(objects[3].at("summary").at("whole"), 3);
     const ToolResult without = RunTool({"grab", "cam", "--frames", "3"}, surroundings);
     EXPECT_EQ(without.status, usage);
     EXPECT_THAT(without.err, HasSubstr("--output is required"));

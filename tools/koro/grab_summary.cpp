@@ -62,7 +62,7 @@ json SummaryJSON(const GrabTotals& totals)
 {
     const GrabStatistics& statistics = totals.statistics;
     return {
-        {"pictures", totals.numPictures ? json(*totals.numPictures) : json()},
+        {"pictures", totals.numPictures.value_or(0)},
         {"files", totals.numFiles},
         {"frames", statistics.numFrames},
         {"whole", statistics.numWhole},
