@@ -129,6 +129,16 @@ TEST(CommandLine, MissingOptionIsNamed)
     EXPECT_THAT(RunTool({"grab", "cam", "--output", "x"}).err, HasSubstr("--frames is required"));
 }
 
+TEST(CommandLine, VariableThatNamesNoDirectoryIsAnErrorWhereNoProducersCameWithTheTool)
+{
+    const ToolResult result = RunTool({"list"}, {{"GENICAM_GENTL64_PATH", ""}});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(
+        result.err,
+        "koro: GENICAM_GENTL64_PATH names no directory.\n"
+        "hint: Set it to the directory of your camera maker's .cti file; `koro doctor` looks for such files.\n");
+}
+
 TEST(CommandLine, UnsetVariableGivesTheLibrarysTextAndAHint)
 {
     for (const Arguments& arguments : {Arguments{"list"}, Arguments{"info", "cam"}})

@@ -344,10 +344,10 @@ public:
     {
         std::filesystem::copy(ProducerFolder() + "/scripted_1_5.cti", Producers() / "scripted.cti");
     }
-    ToolResult Run(const Arguments& arguments) const
+    ToolResult Run(const Arguments& arguments, const Environment& environment = {}) const
     {
         const EnvironmentVariable tool("KORO_TEST_TOOL", folder.File("prefix/bin/koro"));
-        return RunTool(arguments);
+        return RunTool(arguments, environment);
     }
 
 private:
@@ -376,6 +376,27 @@ TEST(ToolWithoutTheVariable, SimulatedCamerasStandInForOthersOnly)
     const ToolResult all = installed.Run({"list", "--simulator"});
     EXPECT_THAT(all.out, HasSubstr("camera if0-dev0\n"));
     EXPECT_THAT(all.out, HasSubstr("KS0001"));
+}
+
+TEST(ToolWithoutTheVariable, TakesAVariableThatNamesNoDirectoryForOneThatIsNotSet)
+{
+    const Installed installed;
+    for (const char* const value : {"", ":"})
+    {
+        const Environment empty = {{"GENICAM_GENTL64_PATH", value}};
+        const ToolResult list = installed.Run({"list"}, empty);
+        EXPECT_EQ(list.status, 0);
+        EXPECT_THAT(list.out, HasSubstr("\n      serial number  KS0001\n"));
+        EXPECT_EQ(
+            list.err, "koro: GENICAM_GENTL64_PATH names no directory; these producers came with the tool: " +
+                          installed.Producers().string() + "\n");
+
+        const ToolResult doctor = installed.Run({"doctor"}, empty);
+        EXPECT_EQ(doctor.status, 0);
+        EXPECT_THAT(
+            doctor.out, StartsWith("GENICAM_GENTL64_PATH names no directory, which counts as not set\n  " +
+                                   installed.Producers().string() + ": came with the tool\n"));
+    }
 }
 
 } // namespace

@@ -33,7 +33,10 @@ struct DoctorSettings
 
 void PrintSearch(const ProducerSearch& search)
 {
-    PrintOut("%s is %s\n", producerPathVariable, search.variableIsSet ? "set" : "not set");
+    const char* const found = search.variableIsSet     ? "is set"
+                              : search.variableIsEmpty ? "names no directory, which counts as not set"
+                                                       : "is not set";
+    PrintOut("%s %s\n", producerPathVariable, found);
     if (!search.ownFolder.empty()) PrintOut("  %s: came with the tool\n", Printable(search.ownFolder).c_str());
     for (const SearchedDirectory& directory : search.directories)
     {

@@ -37,8 +37,14 @@ Discovery ProbeAll(const ProducerChoice& choice, const std::string& wanted)
     if (!search.ownFolder.empty())
     {
         std::fprintf(
-            stderr, "koro: %s is not set; these producers came with the tool: %s\n", producerPathVariable,
-            Printable(search.ownFolder).c_str());
+            stderr, "koro: %s %s; these producers came with the tool: %s\n", producerPathVariable,
+            search.variableIsEmpty ? "names no directory" : "is not set", Printable(search.ownFolder).c_str());
+    }
+    else if (search.candidates.empty() && search.variableIsEmpty)
+    {
+        throw ToolError(
+            std::string(producerPathVariable) + " names no directory.",
+            "Set it to the directory of your camera maker's .cti file; `koro doctor` looks for such files.");
     }
     else if (search.candidates.empty() && !search.variableIsSet)
     {

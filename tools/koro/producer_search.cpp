@@ -31,6 +31,11 @@ std::vector<std::string> Split(const std::string& value)
     return pieces;
 }
 
+bool NamesADirectory(const char* variable)
+{
+    return variable && !Split(variable).empty();
+}
+
 std::string Canonical(const fs::path& path)
 {
     std::error_code failure;
@@ -114,9 +119,9 @@ void AddSimulator(ProducerSearch& search)
 ProducerSearch SearchProducers(const char* variable)
 {
     ProducerSearch search;
-    if (!variable) return search;
+    search.variableIsSet = NamesADirectory(variable);
+    if (!search.variableIsSet) return search;
 
-    search.variableIsSet = true;
     for (const std::string& directory : Split(variable))
     {
         search.directories.push_back(SearchDirectory(directory, search.candidates));
@@ -132,14 +137,16 @@ ProducerSearch SearchProducers(const ProducerChoice& choice)
     if (!choice.file.empty())
     {
         ProducerSearch search;
-        search.variableIsSet = variable != nullptr;
+        search.variableIsSet = NamesADirectory(variable);
         search.candidates.push_back(Canonical(choice.file));
         return search;
     }
-    ProducerSearch search = variable ? SearchProducers(variable) : SearchBesideTool();
+    const bool isSet = NamesADirectory(variable);
+    ProducerSearch search = isSet ? SearchProducers(variable) : SearchBesideTool();
+    search.variableIsEmpty = variable && !isSet;
     if (choice.withSimulator)
         AddSimulator(search);
-    else if (!variable)
+    else if (!isSet)
         search.standIn = Canonical(OwnFolder() / simulatorName);
     return search;
 }

@@ -19,7 +19,8 @@ struct SearchedDirectory
 
 struct ProducerSearch
 {
-    bool variableIsSet = false;
+    bool variableIsSet = false;   // and names at least one directory
+    bool variableIsEmpty = false; // it is there and names none, which counts as not set
     // The folder of the producers that came with the tool, when these are used because the variable is not set.
     std::string ownFolder;
     // The simulator among the candidates whose cameras count only when there are no others; empty when they count.
@@ -32,7 +33,8 @@ struct ProducerSearch
     std::vector<std::string> duplicates;
 };
 
-// `variable` is the variable's value, null when unset. ":" and ";" separate directories.
+// `variable` is the variable's value, null when unset; one that names no directory counts as unset. ":" and ";"
+// separate directories.
 ProducerSearch SearchProducers(const char* variable);
 
 // The search in this process's environment; with a file, that one and nothing else. Without the variable the producers

@@ -25,11 +25,14 @@ TEST(ProducerSearch, UnsetVariableFindsNothing)
     EXPECT_THAT(search.candidates, IsEmpty());
 }
 
-TEST(ProducerSearch, EmptyVariableIsSetAndFindsNothing)
+TEST(ProducerSearch, VariableThatNamesNoDirectoryCountsAsNotSet)
 {
-    const ProducerSearch search = Search("");
-    EXPECT_TRUE(search.variableIsSet);
-    EXPECT_THAT(search.directories, IsEmpty());
+    for (const char* const value : {"", ":", ";:"})
+    {
+        const ProducerSearch search = Search(value);
+        EXPECT_FALSE(search.variableIsSet);
+        EXPECT_THAT(search.directories, IsEmpty());
+    }
 }
 
 TEST(ProducerSearch, ColonAndSemicolonSeparateDirectories)
