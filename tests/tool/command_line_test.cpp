@@ -148,7 +148,7 @@ TEST(CommandLine, UnsetVariableGivesTheLibrarysTextAndAHint)
         EXPECT_EQ(
             result.err,
             "koro: GENICAM_GENTL64_PATH environment variable not found! Please set this to the path of the CTIs.\n"
-            "hint: `koro doctor` tells which producers are found and why one cannot be loaded.\n");
+            "hint: `koro doctor` shows which producers are found and why one cannot be loaded.\n");
     }
 }
 

@@ -34,6 +34,7 @@ const std::vector<Row> rows = {
     {"open_elsewhere", "doctor", {4, {Says("no usable camera"), Says("nother program")}}},
     {"open_elsewhere", "info", {0, {Says("W-wild0-camera"), Says("not opened: .*-1005")}}},
     {"open_elsewhere", "watch", {0, {Says("found +wild0:wild0-camera")}}},
+    {"open_elsewhere", "firmware_pack", {0, {Says("Better pictures")}}},
     {"open_elsewhere", "*", {1, {Warns(accessDenied), Warns("hint: Another program")}}},
 
     // The reason that the producer itself has is for the doctor, who may ask it.
@@ -41,6 +42,7 @@ const std::vector<Row> rows = {
     {"refuses_to_start", "list_json", {0, {Says(whyNotStarted)}}},
     {"refuses_to_start", "doctor", {4, {Says("line 7 of the settings has no number"), NeverSays("cables")}}},
     {"refuses_to_start", "watch", {1, {Warns(whyNotStarted), Warns("no producer that works")}}},
+    {"refuses_to_start", "firmware_pack", {0, {Says("Better pictures")}}},
     {"refuses_to_start", "*", {3, {Warns(whyNotStarted), NeverWarns("There is no camera\\.")}}},
 
     {"no_streamable", "settings_save", {0, {Warns("marks no feature"), Warns("--all-writable")}}},

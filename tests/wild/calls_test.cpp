@@ -15,6 +15,7 @@ const std::string dead = "dead_camera KORO_WILD_FRAMES=0 KORO_WILD_MS=100";
 const std::string dying = "dead_camera KORO_WILD_FRAMES=2";
 const std::string hangs = "hangs_at_start";
 
+const std::string noAnswer = "hint: The camera did not answer in time";
 const Expected tableAndReason = {5, {Says("pictures +2\n"), Says("timeouts +3\n"), Warns("-1011")}};
 
 const std::vector<Row> dyingRows = {
@@ -32,9 +33,11 @@ const std::vector<Row> deadRows = {
     {dead, "watch", {0, {Says("found +wild0:wild0-camera")}}},
     {dead, "grab", {5, {Says("pictures +0\n"), Says("timeouts +3\n"), Warns("No features of the camera are used")}}},
     {dead, "grab_raw", {5, {Says("pictures +0\n"), Warns("No features of the camera are used")}}},
-    {dead, "xml", {1, {Warns("-1011")}}},
-    {dead, "firmware_info", {1, {Warns("koro: ")}}},
-    {dead, "*", {1, {Warns("no description that can be fetched|-1011")}}},
+    {dead, "firmware_pack", {0, {Says("Better pictures")}}},
+    {dead, "xml", {1, {Warns("koro: .*-1011"), Warns(noAnswer), NeverWarns("trigger")}}},
+    {dead, "read", {1, {Warns("cannot be read: .*-1011"), Warns(noAnswer)}}},
+    {dead, "write", {1, {Warns("cannot be written: .*-1011"), Warns(noAnswer)}}},
+    {dead, "*", {1, {Warns("no description that can be fetched: .*-1011"), Warns(noAnswer)}}},
 };
 
 } // namespace

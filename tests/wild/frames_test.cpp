@@ -13,7 +13,7 @@ namespace
 const std::vector<std::string> producers = {"lost_leaders", "broken_first_frames", "silent_after_frames", "parts"};
 
 const Expected wholeFramesOnly = {0, {Says("pictures +4\n"), Says("incomplete +[1-9]")}};
-const Expected silence = {5, {Says("pictures +2\n"), Says("timeouts +3\n")}};
+const Expected silence = {5, {Says("pictures +2\n"), Says("timeouts +3\n"), Warns("waiting for a trigger")}};
 
 const std::vector<Row> rows = {
     // A broken frame is counted and never saved as a whole one.

@@ -69,9 +69,12 @@ std::vector<std::string> Split(const std::string& line)
 void FillFolder(const TemporaryFolder& folder)
 {
     const std::string upload = "<DeviceFileName>Firmware</DeviceFileName><FileName>image.bin</FileName>";
-    const std::string control = Control(
-        Procedure(Step("FileUpload", upload)) +
-        Update(neededEntries, "<Condition Feature=\"PixelFormat\">Mono8</Condition>"));
+    const std::string update = Update(neededEntries, "<Condition Feature=\"PixelFormat\">Mono8</Condition>");
+    const std::string control = Control(Procedure(Step("FileUpload", upload)) + update);
+    const std::string write = "<FeatureName>Width</FeatureName><Value>32</Value>";
+    folder.MakeFile("control.xml", control);
+    folder.MakeFile("image.bin", "image");
+    folder.MakeFile("write.guf", Container(Package(Control(Procedure(Step("FeatureWrite", write)) + update))));
     folder.MakeFile("saved", "# {05D8C294-F295-4dfb-9D01-096BD04049F4}\n# GenApi persistence file\nWidth\t32\n");
     folder.MakeFile("update.guf", Container(Package(control, {{"image.bin", "image"}})));
 }

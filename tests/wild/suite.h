@@ -54,8 +54,9 @@ struct Expected
     std::vector<Line> lines;
 };
 
-// A command of the tool as a tame producer has it. FOLDER is a folder of the run, with the file "saved" of settings
-// and the update file "update.guf".
+// A command of the tool as a tame producer has it. FOLDER is a folder of the run, with the file "saved" of settings,
+// the update files "update.guf", which uploads, and "write.guf", which writes a feature, and what the first is made of:
+// "control.xml" and "image.bin".
 struct Command
 {
     std::string name;

@@ -119,15 +119,24 @@ void PrintProbe(const ProbeResult& probe)
     if (!probe.producerText.empty()) PrintOut("  the producer says: %s\n", Printable(probe.producerText).c_str());
 }
 
+bool HasProblem(const ProducerRecord& producer)
+{
+    return producer.problem || std::any_of(producer.interfaces.begin(), producer.interfaces.end(), [](const auto& one) {
+               return one.problem.has_value();
+           });
+}
+
 // What the probes have found, all together.
 struct Findings
 {
     size_t numWorking = 0;
     size_t numCameras = 0;
     size_t numUsable = 0;
+    bool hasProblems = false; // something could not be loaded, opened or listed
 
     void Add(const ProbeResult& probe)
     {
+        hasProblems |= !probe.record || HasProblem(*probe.record);
         if (!probe.record) return;
         ++numWorking;
         numCameras += AllCameras({*probe.record}).size();
@@ -144,6 +153,7 @@ const char* Advice(const ProducerSearch& search, const Findings& findings)
     if (search.candidates.empty()) return "None of these directories holds a .cti file.";
     if (findings.numWorking == 0) return "No producer works; the lines under each say why.";
     if (findings.numCameras > 0) return "Another program may have opened the cameras; `koro list` shows their access.";
+    if (findings.hasProblems) return "No camera could be listed; the lines under each producer say why.";
     return "Check the cameras' cables, power and network.";
 }
 

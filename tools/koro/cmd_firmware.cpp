@@ -1,5 +1,6 @@
 #include "tools/koro/camera_connection.h"
 #include "tools/koro/commands.h"
+#include "tools/koro/description_bytes.h"
 #include "tools/koro/discovery.h"
 #include "tools/koro/if_known.h"
 #include "tools/koro/interrupt.h"
@@ -65,6 +66,30 @@ std::vector<FirmwareUpdateInformation> ReadUpdates(const FirmwareUpdater& update
     }
 }
 
+// Throws when the camera has no features, by which the library decides what fits.
+void RequireFeatures(const DeviceDescriptor& camera)
+{
+    const Device device = camera.OpenDevice(AccessType::Control);
+    const RemoteDevice remote = device.RemoteDevice();
+    if (remote.NodeMaps().empty()) throw NoDescription("The camera", remote.Port());
+}
+
+// The updates of the file that fit the camera.
+std::vector<FirmwareUpdateInformation> UpdatesFor(
+    const FirmwareUpdater& updater, const std::string& file, const DeviceDescriptor& camera)
+{
+    try
+    {
+        return updater.Collect(file, camera);
+    }
+    catch (const Error& error)
+    {
+        // Where features are missing the library names an index, and not the reason.
+        if (error.Code() == KORO_RETURN_CODE_ERROR) RequireFeatures(camera);
+        throw;
+    }
+}
+
 int Info(const FirmwareCommand& command)
 {
     const Library library = Library::Initialize();
@@ -75,7 +100,7 @@ int Info(const FirmwareCommand& command)
     {
         const Discovery discovery = DiscoverFor(command.producer, *command.onlyFor);
         connection.emplace(discovery, FindCamera(discovery, *command.onlyFor));
-        updates = updater.Collect(command.file, connection->Descriptor());
+        updates = UpdatesFor(updater, command.file, connection->Descriptor());
     }
     for (const FirmwareUpdateInformation& update : updates)
         PrintUpdate(update);
@@ -149,7 +174,7 @@ void UpdateOne(const FirmwareCommand& command, const Discovery& discovery, const
 {
     const CameraConnection connection(discovery, choice);
     const FirmwareUpdater updater;
-    const auto updates = updater.Collect(command.file, connection.Descriptor());
+    const auto updates = UpdatesFor(updater, command.file, connection.Descriptor());
     if (updates.empty()) throw ToolError("No update of " + Printable(command.file) + " fits the camera.");
     if (updates.size() > 1)
     {
@@ -174,7 +199,9 @@ void UpdateOne(const FirmwareCommand& command, const Discovery& discovery, const
     }
     catch (const Error& error)
     {
-        if (error.Code() != KORO_RETURN_CODE_TIMEOUT) throw;
+        // A time-out of the producer is another matter than a camera that does not come back.
+        const bool isOfProducer = std::string(error.what()).find("[Function: ") != std::string::npos;
+        if (error.Code() != KORO_RETURN_CODE_TIMEOUT || isOfProducer) throw;
         throw ToolError(
             error.what(),
             "Look at the camera; update it again once `koro list` shows it. --reset-timeout gives it more time.");
@@ -188,7 +215,7 @@ void UpdateOne(const FirmwareCommand& command, const Discovery& discovery, const
 bool Fits(const FirmwareCommand& command, const Discovery& discovery, const CameraChoice& choice)
 {
     const CameraConnection connection(discovery, choice);
-    return !FirmwareUpdater().Collect(command.file, connection.Descriptor()).empty();
+    return !UpdatesFor(FirmwareUpdater(), command.file, connection.Descriptor()).empty();
 }
 
 // Every camera that fits, one after the other; a failure of one does not keep the others from their update.

@@ -1,4 +1,5 @@
 #include "tools/koro/commands.h"
+#include "tools/koro/failure.h"
 #include "tools/koro/feature_session.h"
 #include "tools/koro/feature_value.h"
 #include "tools/koro/number_option.h"
@@ -58,9 +59,10 @@ void At(const std::string& address, const char* done, const Access& access)
     }
     catch (const Error& error)
     {
-        throw ToolError(
-            "The registers at " + address + " cannot be " + done + ": " + error.what(),
-            "The text in brackets is the producer's own; many cameras refuse addresses that they do not use.");
+        const bool isRefusedAddress = std::string(error.what()).find("GC_ERR_INVALID_ADDRESS") != std::string::npos;
+        const char* const hint =
+            isRefusedAddress ? "Many cameras refuse addresses that they do not use." : HintFor(error);
+        throw ToolError("The registers at " + address + " cannot be " + done + ": " + error.what(), hint);
     }
 }
 

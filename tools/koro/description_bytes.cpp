@@ -1,8 +1,8 @@
 #include "tools/koro/description_bytes.h"
 
+#include "tools/koro/failure.h"
 #include "tools/koro/if_known.h"
 #include "tools/koro/report.h"
-#include "tools/koro/tool_error.h"
 
 #include <algorithm>
 #include <fstream>
@@ -179,6 +179,24 @@ std::string DescriptionText(const std::vector<uint8_t>& bytes)
 {
     const bool isArchive = bytes.size() >= 4 && bytes[0] == 'P' && bytes[1] == 'K';
     return isArchive ? Expand(bytes) : std::string(bytes.begin(), bytes.end());
+}
+
+ToolError NoDescription(const std::string& owner, const Port& port)
+{
+    const std::string text = owner + " has no description that can be fetched";
+    try
+    {
+        DescriptionText(DescriptionBytes(port, 0));
+    }
+    catch (const Error& error)
+    {
+        return ToolError(text + ": " + error.what(), HintFor(error));
+    }
+    catch (const ToolError& error)
+    {
+        return ToolError(text + ": " + error.what(), error.Hint());
+    }
+    return ToolError(text + ".", "`koro info` shows where its descriptions lie.");
 }
 
 } // namespace koro::tool

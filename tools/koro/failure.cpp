@@ -20,26 +20,28 @@ int Fail(const char* text, const std::string& hint, int status)
     return status;
 }
 
+} // namespace
+
 const char* HintFor(const koro::Error& error)
 {
+    const std::string text = error.what();
+    // A frame that does not come is no error: the grab counts it.
+    if (error.Code() == KORO_RETURN_CODE_TIMEOUT || text.find("(GC_ERR_TIMEOUT)") != text.npos)
+        return "The camera did not answer in time: check its cable, power and network.";
     switch (error.Code())
     {
     case KORO_RETURN_CODE_CTI_LOADING_ERROR:
     case KORO_RETURN_CODE_NOT_FOUND:
-        return "`koro doctor` tells which producers are found and why one cannot be loaded.";
+        return "`koro doctor` shows which producers are found and why one cannot be loaded.";
     case KORO_RETURN_CODE_BAD_ACCESS:
-        // The same code comes from any refusal, such as that of a buffer; no other program is behind those.
-        if (std::string(error.what()).find("[Function: IFOpenDevice ") == std::string::npos) break;
+        // The same code comes from any refusal, such as the refusal of a buffer; no other program is behind those.
+        if (text.find("[Function: IFOpenDevice ") == text.npos) break;
         return "Another program may have opened the camera; `koro list` shows its access status.";
-    case KORO_RETURN_CODE_TIMEOUT:
-        return "Check that the camera is not waiting for a trigger, or raise --timeout.";
     default:
         break;
     }
     return "`koro doctor` checks the producers; the text in brackets is the producer's own.";
 }
-
-} // namespace
 
 int ReportFailure(const std::exception_ptr& failure)
 {

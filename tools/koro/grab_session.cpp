@@ -1,8 +1,10 @@
 #include "tools/koro/grab_session.h"
 
+#include "tools/koro/description_bytes.h"
 #include "tools/koro/first_stream.h"
 #include "tools/koro/frame_reader.h"
 #include "tools/koro/if_known.h"
+#include "tools/koro/report.h"
 #include "tools/koro/tool_error.h"
 
 #include <algorithm>
@@ -93,14 +95,14 @@ void GrabSession::FindNodes()
     try
     {
         const std::vector<NodeMap> maps = device.RemoteDevice().NodeMaps();
-        if (maps.empty()) throw ToolError("The camera has no description that can be fetched.");
+        if (maps.empty()) throw NoDescription("The camera", device.RemoteDevice().Port());
         maps.front().HasNode("Root"); // the first use tells whether the description is any good
         nodes = maps.front();
     }
     catch (const std::runtime_error& error)
     {
         if (modules.NeedCamera() || settings.chunks) throw;
-        std::fprintf(stderr, "koro: No features of the camera are used: %s\n", error.what());
+        std::fprintf(stderr, "koro: No features of the camera are used: %s\n", PrintableLines(error.what()).c_str());
     }
 }
 

@@ -5,8 +5,8 @@
 #pragma once
 
 #include "tools/koro/assignments.h"
+#include "tools/koro/description_bytes.h"
 #include "tools/koro/module_kind.h"
-#include "tools/koro/tool_error.h"
 #include <koro/koro.hpp>
 
 #include <functional>
@@ -53,9 +53,7 @@ NodeMap FirstNodes(const Module& module, ModuleKind kind)
 {
     const std::vector<NodeMap> maps = module.NodeMaps();
     if (!maps.empty()) return maps.front();
-    throw ToolError(
-        std::string("The ") + NameOf(kind) + " has no description that can be fetched.",
-        "`koro info` shows where its descriptions lie.");
+    throw NoDescription(std::string("The ") + NameOf(kind), module.Port());
 }
 
 } // namespace koro::tool
