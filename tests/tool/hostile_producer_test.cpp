@@ -323,6 +323,42 @@ TEST(Search, HintForOneProducerTwiceNamesWhatWorks)
     EXPECT_THAT(result.out, HasSubstr(first));
 }
 
+TEST(ProducerThatClosesAllDescriptors, IsLeftOutWithTheCause)
+{
+    const TemporaryFolder folder;
+    const std::string producer = MakeInstructedProducer(folder, "a.cti", "GCInitLib closefrom 0");
+    const std::string cause = "has closed all descriptors of the process, so that it cannot answer";
+    EXPECT_THAT(RunTool({"list"}, SearchIn(folder)).out, HasSubstr(producer + " is left out: " + cause + "\n"));
+    const ToolResult doctor = RunTool({"doctor"}, SearchIn(folder));
+    EXPECT_THAT(doctor.out, HasSubstr("\n  does not work at load: " + cause + "\n"));
+    EXPECT_THAT(doctor.out, HasSubstr("\nhint: No producer works; the lines under each say why.\n"));
+}
+
+TEST(ProducerThatClosesAllDescriptors, FailsTheCommandThatNamesIt)
+{
+    const TemporaryFolder folder;
+    const std::string all = MakeInstructedProducer(folder, "all.cti", "GCInitLib closefrom 0");
+    EXPECT_EQ(RunTool({"info", camera, "--producer", all}).status, 1);
+    const std::string allOthers = MakeInstructedProducer(folder, "others.cti", "GCInitLib closefrom 3");
+    const ToolResult result = RunTool({"info", camera, "--producer", allOthers});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(
+        result.err, StartsWith(
+                        "koro: " + allOthers +
+                        " has closed all descriptors of the process, so that nothing can be written.\nhint: "));
+}
+
+TEST(ProducerThatClosesDescriptorsInALoop, LeavesTheOutputOfTheTool)
+{
+    const TemporaryFolder folder;
+    const std::string producer = ProducerFolder() + "/wild_closes_descriptors.cti";
+    const std::string line = "ulimit -Sn 200 && exec \"$0\" info wild0-camera --json --producer \"$1\"";
+    const ToolResult result = RunInShell(line, {producer}, {{"KORO_WILD_LIMIT", "200"}});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(json::parse(result.out).at("id"), "wild0-camera");
+    EXPECT_EQ(result.err, "koro: " + producer + " has closed descriptors of the process; they are open again.\n");
+}
+
 // The tool in a tree as an installation lays it down, with some producers beside it.
 class Installed
 {
@@ -394,8 +430,9 @@ TEST(ToolWithoutTheVariable, TakesAVariableThatNamesNoDirectoryForOneThatIsNotSe
         const ToolResult doctor = installed.Run({"doctor"}, empty);
         EXPECT_EQ(doctor.status, 0);
         EXPECT_THAT(
-            doctor.out, StartsWith("GENICAM_GENTL64_PATH names no directory, which counts as not set\n  " +
-                                   installed.Producers().string() + ": came with the tool\n"));
+            doctor.out, StartsWith(
+                            "GENICAM_GENTL64_PATH names no directory, which counts as not set\n  " +
+                            installed.Producers().string() + ": came with the tool\n"));
     }
 }
 

@@ -22,6 +22,7 @@ const std::vector<std::string> producers = {
     "writes_null",
     "falls_over_at_exit",
     "changes_directory",
+    "closes_descriptors",
     "leaves_a_thread",
 };
 
@@ -61,6 +62,7 @@ std::vector<Row> Rows()
     add(LeftOut("exits KORO_WILD_CALL=TLOpen", "wild_exits.cti.*status 0"));
     add(LeftOut("crashes KORO_WILD_CALL=TLOpen", "wild_crashes.cti.*signal 11"));
     add(LeftOut("writes_null", "wild_writes_null.cti.*signal 11"));
+    rows.push_back({"closes_descriptors", "doctor", {0, {Says("closes: descriptors"), Says("1 usable camera")}}});
     return rows;
 }
 

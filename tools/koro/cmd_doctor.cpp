@@ -111,6 +111,7 @@ void PrintProbe(const ProbeResult& probe)
     if (probe.record)
     {
         PrintLacking(probe.lacks);
+        if (probe.closesDescriptors) PrintOut("  closes: descriptors of the process, when it is started\n");
         return PrintWorking(*probe.record);
     }
     PrintLoaderTexts(probe.loaderTexts);

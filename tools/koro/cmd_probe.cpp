@@ -7,6 +7,7 @@
 #include "tools/koro/producer_probe.h"
 #include "tools/koro/producer_watch.h"
 #include "tools/koro/read_producer.h"
+#include "tools/koro/standard_streams.h"
 #include <koro/koro.hpp>
 
 #include <CLI/CLI.hpp>
@@ -15,8 +16,10 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <nlohmann/json.hpp>
+#include <stdexcept>
 #include <string>
 #include <sys/prctl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
@@ -48,17 +51,30 @@ struct LoadedFile
     void* const handle;
 };
 
+// A copy of the pipe, which outlives most producers that close all descriptors.
+int pipeCopy = probePipe;
+
 void Send(const json& line)
 {
     const std::string text = Dump(line) + "\n";
     size_t sent = 0;
     while (sent < text.size())
     {
-        const ssize_t size = write(probePipe, text.data() + sent, text.size() - sent);
+        const ssize_t size = write(pipeCopy, text.data() + sent, text.size() - sent);
         if (size < 0 && errno == EINTR) continue;
+        if (size < 0 && errno == EBADF) EndNow(exitPipeClosed);
         if (size <= 0) EndNow(exitFailure); // the parent has gone
         sent += static_cast<size_t>(size);
     }
+}
+
+// False when the producer has closed it; another file may have its number then.
+bool PipeIsStillThere()
+{
+    struct stat pipe = {};
+    struct stat copy = {};
+    if (fstat(probePipe, &pipe) != 0 || fstat(pipeCopy, &copy) != 0) return false;
+    return pipe.st_dev == copy.st_dev && pipe.st_ino == copy.st_ino;
 }
 
 std::string LoaderText()
@@ -113,7 +129,9 @@ std::string AskForReason(const std::string& path)
 void RunProbe(const std::string& path, const std::string& wanted)
 {
     fcntl(probePipe, F_SETFD, FD_CLOEXEC);
-    ReportAccidentsTo(probePipe);
+    const int copy = CopyBeyondReach(probePipe);
+    if (copy >= 0) pipeCopy = copy;
+    ReportAccidentsTo(pipeCopy);
     ProducerWatch::OfProcess().SwitchOff(); // the parent watches
     prctl(PR_SET_PDEATHSIG, SIGKILL);       // and nobody else ends a producer that hangs
     Send({{"stage", "load"}});
@@ -121,10 +139,11 @@ void RunProbe(const std::string& path, const std::string& wanted)
     try
     {
         const ProducerRecord record = ReadProducer(path, wanted, [](const char* stage) { Send({{"stage", stage}}); });
+        if (!PipeIsStillThere()) Send({{"closes", true}});
         Send({{"producer", ToJSON(record)}});
         EndNow(exitSuccess); // no static destructor of the producer is to run: its result is there
     }
-    catch (const Error& error)
+    catch (const std::runtime_error& error)
     {
         // The result goes first: the producer may do worse than before when it is called again.
         Send({{"refused", error.what()}});

@@ -4,8 +4,11 @@
 #include "tools/koro/camera_selection.h"
 #include "tools/koro/if_known.h"
 #include "tools/koro/list_times.h"
+#include "tools/koro/report.h"
+#include "tools/koro/standard_streams.h"
 #include "tools/koro/tool_error.h"
 
+#include <cstdio>
 #include <utility>
 
 namespace koro::tool
@@ -30,15 +33,37 @@ CameraRecord ReadCamera(const DeviceDescriptor& device)
     return record;
 }
 
+// Some producers close all descriptors of the process when they are started, as a daemon does.
+void CheckDescriptors(const std::string& path)
+{
+    const Descriptors found = RestoreDescriptors();
+    if (found == Descriptors::Lost)
+        throw ToolError(
+            Printable(path) + " has closed all descriptors of the process, so that nothing can be written.",
+            "The producer cannot be used from the tool; ask its maker for another version.");
+    if (found == Descriptors::Restored)
+        std::fprintf(
+            stderr, "koro: %s has closed descriptors of the process; they are open again.\n", Printable(path).c_str());
+}
+
 } // namespace
 
 ProducerLibrary LoadProducer(const std::string& path)
 {
     ProducerWatch::OfProcess().Call(path);
     NoteProducer(path);
-    ProducerLibrary producer(path);
-    NoteProducer(path);
-    return producer;
+    try
+    {
+        ProducerLibrary producer(path);
+        NoteProducer(path);
+        CheckDescriptors(path);
+        return producer;
+    }
+    catch (const Error&)
+    {
+        CheckDescriptors(path);
+        throw;
+    }
 }
 
 OpenedProducer::OpenedProducer(const std::string& ctiPath)

@@ -149,6 +149,7 @@ private:
             if (object.contains("stage")) result.stage = object.at("stage").get<std::string>();
             if (object.contains("call")) result.call = object.at("call").get<std::string>();
             if (object.contains("lacks")) result.lacks = object.at("lacks").get<std::vector<std::string>>();
+            if (object.contains("closes")) result.closesDescriptors = true;
             if (object.contains("producerText")) result.producerText = object.at("producerText").get<std::string>();
             if (object.contains("loader")) result.loaderTexts = object.at("loader").get<std::vector<std::string>>();
             if (object.contains("refused"))
@@ -193,6 +194,11 @@ std::string DescribeEnd(int status, const std::string& call)
     return "ended the process" + place + " with status " + std::to_string(WEXITSTATUS(status));
 }
 
+bool HasLostItsPipe(int status)
+{
+    return WIFEXITED(status) && WEXITSTATUS(status) == exitPipeClosed;
+}
+
 // One child from its start to its end. The child's end is the end of the probe, not the end of the pipe: another
 // process that the producer has started may hold that for ever.
 class Probe
@@ -234,7 +240,10 @@ public:
         if (hasEnded)
         {
             child = -1;
-            Finish(ProbeOutcome::Crashed, DescribeEnd(status, result.call));
+            if (HasLostItsPipe(status))
+                Finish(ProbeOutcome::Refused, "has closed all descriptors of the process, so that it cannot answer");
+            else
+                Finish(ProbeOutcome::Crashed, DescribeEnd(status, result.call));
         }
         else if (now >= deadline || report.IsTooLong())
         {

@@ -32,6 +32,7 @@ struct ProbeResult
     std::string text;                     // why, for all but Works
     std::vector<std::string> loaderTexts; // what the system's loader says about the file and about missing functions
     std::vector<std::string> lacks;       // those functions by name
+    bool closesDescriptors = false;       // of the process, when it is started
     std::string producerText;             // what the producer says of its failure to start
     std::optional<ProducerRecord> record; // for Works
 };
@@ -51,8 +52,9 @@ struct ProbeSettings
 // The results in the order of the paths. Throws ToolError when no process can be started, and after an interrupt.
 std::vector<ProbeResult> ProbeProducers(const std::vector<std::string>& paths, const ProbeSettings& settings);
 
-// The pipe's number in the child.
+// The pipe's number in the child, and the status of a child whose pipe the producer has closed.
 constexpr int probePipe = 3;
+constexpr int exitPipeClosed = 213;
 
 // The child's side: probes `path` and writes to the pipe. Does not return: nothing of the producer is to run behind its
 // result.

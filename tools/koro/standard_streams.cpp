@@ -1,9 +1,11 @@
 #include "tools/koro/standard_streams.h"
 
+#include <algorithm>
 #include <cstdarg>
 #include <fcntl.h>
 #include <initializer_list>
 #include <pthread.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 namespace koro::tool
@@ -14,6 +16,12 @@ namespace
 
 // Null until the output is kept. Never closed.
 std::FILE* keptOutput = nullptr;
+int keptErrors = -1;
+
+bool IsOpen(int descriptor)
+{
+    return fcntl(descriptor, F_GETFD) >= 0;
+}
 
 // In a child: whoever reads the output waits until nobody has it open, and a child that a producer leaves behind may
 // live long. The number stays in use, or what this process has not written yet would arrive in the child's next file.
@@ -21,11 +29,10 @@ void LeaveOutputToParent()
 {
     const int kept = fileno(keptOutput);
     const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
-    if (nowhere < 0)
-        close(kept);
-    else
-        dup3(nowhere, kept, O_CLOEXEC);
+    // No file is opened under a number above the limit, so that such a one can be closed.
+    if (nowhere < 0 || dup3(nowhere, kept, O_CLOEXEC) < 0) close(kept);
     if (nowhere >= 0) close(nowhere);
+    if (keptErrors >= 0) close(keptErrors);
 }
 
 } // namespace
@@ -35,7 +42,7 @@ void OpenMissingDescriptors()
     // open() takes the lowest number that is free. Output that is lost is to be noticed, so it is opened for reading.
     for (const int number : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
     {
-        if (fcntl(number, F_GETFD) >= 0) continue;
+        if (IsOpen(number)) continue;
         if (open("/dev/null", number == STDERR_FILENO ? O_WRONLY : O_RDONLY) < 0) return;
     }
 }
@@ -43,13 +50,47 @@ void OpenMissingDescriptors()
 void KeepOutput()
 {
     std::fflush(stdout);
-    // Beyond the numbers on which a process started by this one has its streams.
-    constexpr int firstNumber = 10;
-    const int copy = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, firstNumber);
+    keptErrors = CopyBeyondReach(STDERR_FILENO);
+    const int copy = CopyBeyondReach(STDOUT_FILENO);
     keptOutput = copy < 0 ? nullptr : fdopen(copy, "w");
     if (!keptOutput) return;
     dup2(STDERR_FILENO, STDOUT_FILENO);
     pthread_atfork(nullptr, nullptr, LeaveOutputToParent);
+}
+
+int CopyBeyondReach(int descriptor)
+{
+    // Loops end at the limit, or at a number that was a usual limit once. The table of the system grows with the
+    // largest number, so a high limit is not passed.
+    constexpr rlim_t usualLimit = 4096;
+    constexpr rlim_t mostNumbers = 65536;
+    constexpr rlim_t room = 16;
+    constexpr int otherwise = 10; // beyond the streams of processes that this one starts
+    rlimit limit{};
+    if (getrlimit(RLIMIT_NOFILE, &limit) != 0) return fcntl(descriptor, F_DUPFD_CLOEXEC, otherwise);
+    const rlimit raised{limit.rlim_cur + room, limit.rlim_max};
+    if (limit.rlim_cur <= mostNumbers && raised.rlim_cur <= limit.rlim_max && setrlimit(RLIMIT_NOFILE, &raised) == 0)
+    {
+        const int copy = fcntl(descriptor, F_DUPFD_CLOEXEC, static_cast<int>(limit.rlim_cur));
+        setrlimit(RLIMIT_NOFILE, &limit);
+        if (copy >= 0) return copy;
+    }
+    const rlim_t last = std::min(limit.rlim_cur, usualLimit + room);
+    return fcntl(descriptor, F_DUPFD_CLOEXEC, last > 2 * room ? static_cast<int>(last - room) : otherwise);
+}
+
+Descriptors RestoreDescriptors()
+{
+    bool wereOpen = true;
+    for (const int number : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+    {
+        if (IsOpen(number)) continue;
+        wereOpen = false;
+        // Output of producers goes where messages go.
+        if (number == STDIN_FILENO || dup2(keptErrors, number) < 0) open("/dev/null", O_RDWR);
+    }
+    if (keptOutput && !IsOpen(fileno(keptOutput))) return Descriptors::Lost;
+    return wereOpen ? Descriptors::Untouched : Descriptors::Restored;
 }
 
 std::FILE* Output()

@@ -15,6 +15,20 @@ void OpenMissingDescriptors();
 // open.
 void KeepOutput();
 
+// A copy under a number that the loops of producers which close "all" descriptors do not reach, as far as the limits of
+// the process allow one. Is closed by exec. -1 when there is no room.
+int CopyBeyondReach(int descriptor);
+
+enum class Descriptors
+{
+    Untouched,
+    Restored, // the first three were closed and are open again
+    Lost,     // the one of the output is closed, so nothing can be written any more
+};
+// To be called after a producer was started: what has become of the descriptors of the tool. Those up to 2 are open
+// when it returns, so that no file that is opened later takes their place.
+Descriptors RestoreDescriptors();
+
 // The tool's standard output, in place of stdout. Any thread.
 std::FILE* Output();
 bool OutputIsTerminal();

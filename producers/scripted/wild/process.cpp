@@ -179,6 +179,16 @@ void ForksAnOrphan(Producer& producer)
     });
 }
 
+// Its start closes all descriptors of the process, as programs do that become daemons. Their usual limit was 256 once.
+void ClosesDescriptors(Producer& producer)
+{
+    At(producer, "GCInitLib", [] {
+        const auto limit = static_cast<int>(NumberOf("KORO_WILD_LIMIT", 256));
+        for (int number = 0; number < limit; ++number)
+            close(number);
+    });
+}
+
 // Each start begins a thread that goes on after the close; only the last one is ever joined, by a static destructor.
 void LeavesAThread(Producer& producer)
 {

@@ -88,6 +88,7 @@ const std::map<std::string, Action> actions = {
      [](const std::string& folder) {
          if (chdir(folder.c_str()) != 0) std::abort();
      }},
+    {"closefrom", [](const std::string& first) { closefrom(std::atoi(first.c_str())); }},
     {"crash", Crash},
     {"_exit", [](const std::string& status) { _exit(std::atoi(status.c_str())); }},
     {"_Exit", [](const std::string& status) { std::_Exit(std::atoi(status.c_str())); }},
