@@ -74,6 +74,14 @@ std::string Feature(std::size_t number)
                Place(number * 16 + 8, Child("pAddress", "Base")) + Child("LSB", "31") + Child("MSB", "24") + endings);
 }
 
+std::string Numbered(std::size_t count, const std::string& before, const std::string& behind)
+{
+    std::string text;
+    for (std::size_t i = 0; i < count; ++i)
+        text += before + std::to_string(i) + behind;
+    return text;
+}
+
 } // namespace
 
 std::string GeneratedDescription(std::size_t features)
@@ -132,6 +140,19 @@ std::string DescriptionOfSingleNodes()
             Place(static_cast<std::size_t>(1024 + 4 * dependant)) + Child("pInvalidator", "Invalidated") + endings);
     }
     return Described(elements);
+}
+
+std::string DescriptionOfLongLists(std::size_t count)
+{
+    return "<RegisterDescription ModelName=\"M\" VendorName=\"V\" StandardNameSpace=\"None\" SchemaMajorVersion=\"1\" "
+           "SchemaMinorVersion=\"1\" SchemaSubMinorVersion=\"0\" MajorVersion=\"1\" MinorVersion=\"0\" "
+           "SubMinorVersion=\"0\" ProductGuid=\"p\" VersionGuid=\"v\" "
+           "xmlns=\"http://www.genicam.org/GenApi/Version_1_1\"><Category Name=\"Root\">" +
+           Numbered(count, "<pFeature>F", "</pFeature>") + "</Category><Integer Name=\"Selector\"><Value>0</Value>" +
+           Numbered(count, "<pSelected>F", "</pSelected>") + "</Integer>" +
+           Numbered(count, "<Integer Name=\"F", "\"><Value>1</Value></Integer>") + "<Enumeration Name=\"Long\">" +
+           Numbered(count, "<EnumEntry Name=\"E", "\"><Value>1</Value></EnumEntry>") +
+           "<Value>1</Value></Enumeration><Port Name=\"Device\"/></RegisterDescription>";
 }
 
 } // namespace koro::bench

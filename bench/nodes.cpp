@@ -100,28 +100,6 @@ void PrintOperations(const Effort& effort)
         [&] { KORO_EnumerationNode_SetCurrentEntryBySymbolicValue(formatHandle, "Entry20", sizeof "Entry20"); });
 }
 
-std::string Numbered(std::size_t count, const std::string& before, const std::string& behind)
-{
-    std::string text;
-    for (std::size_t i = 0; i < count; ++i)
-        text += before + std::to_string(i) + behind;
-    return text;
-}
-
-// As many features in one category, selected by one node, and as many entries of one enumeration.
-std::string DescriptionOfLongLists(std::size_t count)
-{
-    return "<RegisterDescription ModelName=\"M\" VendorName=\"V\" StandardNameSpace=\"None\" SchemaMajorVersion=\"1\" "
-           "SchemaMinorVersion=\"1\" SchemaSubMinorVersion=\"0\" MajorVersion=\"1\" MinorVersion=\"0\" "
-           "SubMinorVersion=\"0\" ProductGuid=\"p\" VersionGuid=\"v\" "
-           "xmlns=\"http://www.genicam.org/GenApi/Version_1_1\"><Category Name=\"Root\">" +
-           Numbered(count, "<pFeature>F", "</pFeature>") + "</Category><Integer Name=\"Selector\"><Value>0</Value>" +
-           Numbered(count, "<pSelected>F", "</pSelected>") + "</Integer>" +
-           Numbered(count, "<Integer Name=\"F", "\"><Value>1</Value></Integer>") + "<Enumeration Name=\"Long\">" +
-           Numbered(count, "<EnumEntry Name=\"E", "\"><Value>1</Value></EnumEntry>") +
-           "<Value>1</Value></Enumeration><Port Name=\"Device\"/></RegisterDescription>";
-}
-
 // Nanoseconds for one element of each list.
 std::vector<double> WalkLists(KORO_NodeMapHandle map, std::size_t count)
 {

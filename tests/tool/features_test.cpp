@@ -3,9 +3,12 @@
 #include "tests/tool/simulator_settings.h"
 #include "tests/tool/tool_run.h"
 
+#include <algorithm>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+#include <sstream>
+#include <string>
 
 namespace
 {
@@ -339,6 +342,104 @@ TEST(Get, NumbersFollowTheirRepresentation)
     EXPECT_EQ(
         Camera(settings).Run({"get", "cam", "HexNumber", "IPV4Address", "MACAddress", "PureNumber", "Tenth"}).out,
         "HexNumber=0xa000102\nIPV4Address=10.0.1.2\nMACAddress=00:00:0a:00:01:02\nPureNumber=167772418\nTenth=0.1\n");
+}
+
+// A camera with lists of many elements. Work that grows with the square of their number would not end in time.
+class LongLists : public testing::Test
+{
+protected:
+    static constexpr int count = 20000;
+
+    static std::string Numbered(const std::string& before, const std::string& behind)
+    {
+        std::string text;
+        for (int i = 0; i < count; ++i)
+            text += before + std::to_string(i) + behind;
+        return text;
+    }
+    static json Settings(const TemporaryFolder& folder)
+    {
+        json settings = OneCamera("Mono8", 64, 48);
+        const std::string last = "<Value>" + std::to_string(count - 1) + "</Value>";
+        std::string entries;
+        std::string numbers;
+        for (int i = 0; i < count; ++i)
+        {
+            const std::string value = "<Value>" + std::to_string(i) + "</Value>";
+            entries += "<EnumEntry Name=\"Entry" + std::to_string(i) + "\">" + value + "</EnumEntry>";
+            numbers += "<Integer Name=\"Number" + std::to_string(i) + "\">" + value + "</Integer>";
+        }
+        Describe(
+            folder, settings, "Choice Selector Numbers",
+            "<Category Name=\"Numbers\">" + Numbered("<pFeature>Number", "</pFeature>") + "</Category>" +
+                "<Enumeration Name=\"Choice\">" + entries + last + "</Enumeration><Integer Name=\"Selector\">" +
+                "<Value>0</Value>" + Numbered("<pSelected>Number", "</pSelected>") + "</Integer>" + numbers);
+        return settings;
+    }
+
+    TemporaryFolder folder;
+    const Camera camera{Settings(folder)};
+};
+
+TEST_F(LongLists, AreShownWholeAsATree)
+{
+    const ToolResult result = camera.Run({"features", "cam"});
+    ASSERT_EQ(result.status, 0) << result.err;
+    std::istringstream lines(result.out);
+    std::string line;
+    std::getline(lines, line);
+    EXPECT_TRUE(line.find("Choice ") == 0 && line.find("Entry19999 ") != line.npos) << line.substr(0, 100);
+    EXPECT_EQ(std::count(line.begin(), line.end(), '|'), count - 1);
+    std::getline(lines, line);
+    EXPECT_EQ(line.substr(0, 9), "Selector ");
+    std::getline(lines, line);
+    EXPECT_EQ(line, "Numbers");
+    for (int i = 0; i < count; ++i)
+    {
+        std::getline(lines, line);
+        std::istringstream words(line);
+        std::string name;
+        std::string access;
+        std::string value;
+        words >> name >> access >> value;
+        ASSERT_EQ(name, "Number" + std::to_string(i));
+        ASSERT_EQ(value, std::to_string(i));
+    }
+    EXPECT_FALSE(std::getline(lines, line)) << line;
+}
+
+TEST_F(LongLists, AreWholeInJSON)
+{
+    const ToolResult result = camera.Run({"features", "cam", "--json"});
+    ASSERT_EQ(result.status, 0) << result.err;
+    const json features = json::parse(result.out).at("features");
+    ASSERT_EQ(features.size(), 3u);
+    EXPECT_EQ(features[0].at("value"), "Entry19999");
+    ASSERT_EQ(features[0].at("entries").size(), size_t{count});
+    ASSERT_EQ(features[2].at("features").size(), size_t{count});
+    for (size_t i = 0; i < count; ++i)
+    {
+        ASSERT_EQ(features[0].at("entries")[i].at("name"), "Entry" + std::to_string(i));
+        ASSERT_EQ(features[2].at("features")[i].at("value"), i);
+    }
+}
+
+TEST_F(LongLists, AreDescribedWhole)
+{
+    const ToolResult choice = camera.Run({"describe", "cam", "Choice", "--json"});
+    ASSERT_EQ(choice.status, 0) << choice.err;
+    const json entries = json::parse(choice.out).at("entries");
+    ASSERT_EQ(entries.size(), size_t{count});
+    for (size_t i = 0; i < count; ++i)
+        ASSERT_EQ(entries[i].at("value"), i);
+
+    const ToolResult selector = camera.Run({"describe", "cam", "Selector"});
+    EXPECT_EQ(selector.status, 0) << selector.err;
+    for (const char* const name : {" Number0,", " Number10000,", ", Number19999\n"})
+        EXPECT_TRUE(selector.out.find(name) != std::string::npos) << name;
+    const ToolResult number = camera.Run({"describe", "cam", "Number19999"});
+    EXPECT_EQ(number.status, 0) << number.err;
+    EXPECT_THAT(number.out, ContainsRegex("\nvalue +19999\n"));
 }
 
 } // namespace
