@@ -147,6 +147,20 @@ TEST(HostileProducer, SlowProducerIsNamedWhileItIsWaitedFor)
     EXPECT_THAT(result.err, Not(HasSubstr(fast)));
 }
 
+TEST(HostileProducer, LongTextsAreCutWhereTheyAreRead)
+{
+    const TemporaryFolder folder;
+    MakeInstructedProducer(folder, "a.cti", "TLOpen texts 15000000");
+    const ToolResult result = RunTool({"list", "--json"}, SearchIn(folder));
+    ASSERT_EQ(result.status, 0) << result.err;
+    const json first = json::parse(result.out)["producers"][0]["interfaces"][0]["cameras"][0];
+    const std::string shown = std::string(160, 'x') + "... (15000000 bytes)";
+    EXPECT_EQ(first["vendor"], shown);
+    EXPECT_EQ(first["displayName"], shown);
+    EXPECT_THAT(RunTool({"list"}, SearchIn(folder)).out, HasSubstr(" " + shown + "\n"));
+    EXPECT_EQ(first["id"], "if0-dev0");
+}
+
 TEST(HostileProducer, OrphanThatKeepsThePipeDelaysNothing)
 {
     const TemporaryFolder folder;

@@ -5,6 +5,7 @@
 #include "tools/koro/if_known.h"
 #include "tools/koro/list_times.h"
 #include "tools/koro/report.h"
+#include "tools/koro/short_text.h"
 #include "tools/koro/standard_streams.h"
 #include "tools/koro/tool_error.h"
 
@@ -22,13 +23,13 @@ CameraRecord ReadCamera(const DeviceDescriptor& device)
     NoteProgress();
     CameraRecord record;
     record.id = device.ID();
-    record.displayName = IfKnown([&] { return device.DisplayName(); });
-    record.vendor = IfKnown([&] { return device.VendorName(); });
-    record.model = IfKnown([&] { return device.ModelName(); });
-    record.version = IfKnown([&] { return device.Version(); });
+    record.displayName = IfKnown([&] { return ShortText(device.DisplayName()); });
+    record.vendor = IfKnown([&] { return ShortText(device.VendorName()); });
+    record.model = IfKnown([&] { return ShortText(device.ModelName()); });
+    record.version = IfKnown([&] { return ShortText(device.Version()); });
     record.serialNumber = IfKnown([&] { return device.SerialNumber(); });
     record.userName = IfKnown([&] { return device.UserDefinedName(); });
-    record.tlType = IfKnown([&] { return device.TLType(); });
+    record.tlType = IfKnown([&] { return ShortText(device.TLType()); });
     record.accessStatus = IfKnown([&] { return static_cast<int32_t>(device.AccessStatus()); });
     return record;
 }
@@ -75,12 +76,12 @@ ProducerRecord OpenedProducer::Describe() const
     const SystemDescriptor descriptor = producer.System();
     ProducerRecord record;
     record.path = path;
-    record.id = IfKnown([&] { return descriptor.ID(); });
-    record.displayName = IfKnown([&] { return descriptor.DisplayName(); });
-    record.vendor = IfKnown([&] { return descriptor.VendorName(); });
-    record.model = IfKnown([&] { return descriptor.ModelName(); });
-    record.version = IfKnown([&] { return descriptor.Version(); });
-    record.tlType = IfKnown([&] { return descriptor.TLType(); });
+    record.id = IfKnown([&] { return ShortText(descriptor.ID()); });
+    record.displayName = IfKnown([&] { return ShortText(descriptor.DisplayName()); });
+    record.vendor = IfKnown([&] { return ShortText(descriptor.VendorName()); });
+    record.model = IfKnown([&] { return ShortText(descriptor.ModelName()); });
+    record.version = IfKnown([&] { return ShortText(descriptor.Version()); });
+    record.tlType = IfKnown([&] { return ShortText(descriptor.TLType()); });
     record.genTLVersion = IfKnown([&] {
         return std::to_string(descriptor.GenTLVersionMajor()) + "." + std::to_string(descriptor.GenTLVersionMinor());
     });
@@ -120,8 +121,8 @@ InterfaceRecord OpenedProducer::ReadInterface(const InterfaceDescriptor& descrip
     NoteProgress();
     InterfaceRecord record;
     record.id = descriptor.ID();
-    record.displayName = IfKnown([&] { return descriptor.DisplayName(); });
-    record.tlType = IfKnown([&] { return descriptor.TLType(); });
+    record.displayName = IfKnown([&] { return ShortText(descriptor.DisplayName()); });
+    record.tlType = IfKnown([&] { return ShortText(descriptor.TLType()); });
     try
     {
         const koro::Interface& opened = Open(descriptor, record.id);

@@ -82,6 +82,17 @@ void WriteJournal(const std::string& path)
         file << getpid() << ' ' << call << '\n';
 }
 
+// Every text that is shown of the first camera has that many bytes.
+void LengthenTexts(const std::string& size)
+{
+    KoroScript()->Edit([&](scripted::Tree& tree) {
+        auto& info = tree.interfaces.front()->devices.front()->info;
+        for (const auto command :
+             {GenTL::DEVICE_INFO_VENDOR, GenTL::DEVICE_INFO_MODEL, GenTL::DEVICE_INFO_DISPLAYNAME})
+            info[command] = scripted::Text(std::string(std::strtoull(size.c_str(), nullptr, 10), 'x'));
+    });
+}
+
 const std::map<std::string, Action> actions = {
     {"abort", [](const std::string&) { std::abort(); }},
     {"chdir",
@@ -99,6 +110,7 @@ const std::map<std::string, Action> actions = {
     {"orphan", LeaveAnOrphan},
     {"print", Print},
     {"quick_exit", [](const std::string& status) { std::quick_exit(std::atoi(status.c_str())); }},
+    {"texts", LengthenTexts},
     {"throw", [](const std::string& text) { throw std::runtime_error(text); }},
 };
 
