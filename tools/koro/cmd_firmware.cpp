@@ -7,6 +7,7 @@
 #include "tools/koro/number_option.h"
 #include "tools/koro/path_option.h"
 #include "tools/koro/pending_file.h"
+#include "tools/koro/producer_watch.h"
 #include "tools/koro/read_producer.h"
 #include "tools/koro/report.h"
 #include "tools/koro/standard_streams.h"
@@ -139,14 +140,22 @@ public:
     explicit StepPrinter(const FirmwareUpdateProgressObserver& observer)
         : started(
               observer.OnStepStarted([this](KORO_FirmwareUpdateStep step, uint32_t, const std::string& description) {
+                  NoteProgress();
+                  if (step == KORO_FIRMWARE_UPDATE_STEP_DEVICE_RESET) absence.emplace();
                   shown.Begin(std::string(NameOf(step)) + (description.empty() ? "" : ": " + Printable(description)));
               })),
-          progress(
-              observer.OnStepProgress([this](KORO_FirmwareUpdateStep, double percent) { shown.Reached(percent); })),
-          finished(observer.OnStepFinished([this](KORO_FirmwareUpdateStep) { shown.Finish(); }))
+          progress(observer.OnStepProgress([this](KORO_FirmwareUpdateStep, double percent) {
+              NoteProgress();
+              shown.Reached(percent);
+          })),
+          finished(observer.OnStepFinished([this](KORO_FirmwareUpdateStep) {
+              absence.reset();
+              shown.Finish();
+          }))
     {}
 
 private:
+    std::optional<ExpectedWait> absence; // of the camera after its reset
     StepProgress shown{Output(), OutputIsTerminal()};
     Registration started;
     Registration progress;
