@@ -11,7 +11,6 @@ using namespace koro::test;
 using testing::HasSubstr;
 using testing::Not;
 
-constexpr int noUsableCamera = 4;
 
 ToolResult Doctor(const std::string& variable, const Arguments& more = {})
 {

@@ -15,8 +15,6 @@ using namespace koro::test;
 using nlohmann::json;
 using testing::HasSubstr;
 
-constexpr int noSuchFeature = 6;
-constexpr int interrupted = 130;
 
 json EventCamera(const char* tlType = "GEV")
 {

@@ -18,10 +18,6 @@ using testing::ContainsRegex;
 using testing::HasSubstr;
 using testing::Not;
 
-constexpr int failure = 1;
-constexpr int usage = 2;
-constexpr int noSuchFeature = 6;
-constexpr int interrupted = 130;
 
 // The camera "cam" with these nodes, all of them features.
 class DescribedCamera

@@ -19,10 +19,6 @@ using testing::ContainsRegex;
 using testing::HasSubstr;
 using testing::Not;
 
-constexpr int failure = 1;
-constexpr int usage = 2;
-constexpr int noSuchCamera = 3;
-constexpr int noSuchFeature = 6;
 
 TEST(Features, ShowACameraAsATree)
 {

@@ -16,9 +16,6 @@ using namespace koro::test;
 using nlohmann::json;
 using testing::HasSubstr;
 
-constexpr int success = 0;
-constexpr int failure = 1;
-constexpr int noSuchFeature = 6;
 
 class Files : public testing::Test
 {

@@ -19,9 +19,6 @@ using nlohmann::json;
 using testing::EndsWith;
 using testing::HasSubstr;
 
-constexpr int failure = 1;
-constexpr int noSuchCamera = 3;
-constexpr int interrupted = 130;
 
 // What the simulated camera takes as new firmware.
 std::string Image(const std::string& version, size_t size = 100'000)

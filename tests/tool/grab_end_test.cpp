@@ -19,9 +19,6 @@ using nlohmann::json;
 using testing::HasSubstr;
 using testing::Not;
 
-constexpr int failure = 1;
-constexpr int framesMissing = 5;
-constexpr int interrupted = 130;
 
 // What the dead camera waits at before each of its failures.
 class Gate
@@ -94,7 +91,7 @@ TEST(GrabEnd, CameraThatCannotBeClosedDoesNotKeepTheProcess)
     EXPECT_EQ(result.status, framesMissing);
     EXPECT_THAT(result.out, HasSubstr("\npictures    3\n"));
     EXPECT_THAT(result.out, HasSubstr("\ntimeouts    3\n"));
-    EXPECT_THAT(result.err, HasSubstr("koro: closing, the camera does not answer\n"));
+    EXPECT_THAT(result.notices, HasSubstr("koro: closing, the camera does not answer\n"));
     EXPECT_THAT(result.err, HasSubstr("koro: The camera gave 3 of 10 pictures.\n"));
     EXPECT_THAT(result.err, HasSubstr("koro: The camera could not be closed.\n"));
     EXPECT_THAT(camera.FileNames(), testing::SizeIs(3));

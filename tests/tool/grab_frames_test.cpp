@@ -14,7 +14,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
 
-constexpr int framesMissing = 5;
 
 uint8_t GreyOf(const std::string& path)
 {

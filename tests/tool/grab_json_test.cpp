@@ -16,7 +16,6 @@ using nlohmann::json;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-constexpr int usage = 2;
 
 std::vector<json> ObjectsOf(const std::string& out)
 {

@@ -20,11 +20,6 @@ using nlohmann::json;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-constexpr int failure = 1;
-constexpr int usage = 2;
-constexpr int noSuchCamera = 3;
-constexpr int framesMissing = 5;
-constexpr int noSuchFeature = 6;
 
 // GenTL info commands that a test makes a producer forget or falsify.
 enum StreamInfo

@@ -12,7 +12,6 @@ using namespace koro::test;
 using nlohmann::json;
 using testing::HasSubstr;
 
-constexpr int noSuchCamera = 3;
 
 TEST(Info, JSONTellsCameraAndStream)
 {

@@ -16,7 +16,6 @@ using namespace koro::test;
 using nlohmann::json;
 using testing::HasSubstr;
 
-constexpr int interrupted = 130;
 
 Arguments GrabForEver(const std::string& camera, const std::string& output)
 {

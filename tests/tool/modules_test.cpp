@@ -17,10 +17,6 @@ using nlohmann::json;
 using testing::ContainsRegex;
 using testing::HasSubstr;
 
-constexpr int failure = 1;
-constexpr int usage = 2;
-constexpr int noSuchCamera = 3;
-constexpr int noSuchFeature = 6;
 
 TEST(ModuleSettings, ReachEveryModuleOfTheBranch)
 {

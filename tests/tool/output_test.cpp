@@ -24,8 +24,6 @@ using nlohmann::json;
 using testing::HasSubstr;
 using testing::Not;
 
-constexpr int failure = 1;
-constexpr int brokenPipe = 141;
 
 // The simulator's camera "cam", and runs of the tool through a shell, which sends its output elsewhere.
 class Output : public testing::Test

@@ -16,7 +16,6 @@ using namespace koro::test;
 using nlohmann::json;
 using testing::HasSubstr;
 
-constexpr int interrupted = 130;
 
 // The camera is lost at the fourth frame of each acquisition, for as many updates of the list.
 json VanishingCamera(int missingUpdates)

@@ -17,9 +17,6 @@ using namespace koro::test;
 using nlohmann::json;
 using testing::HasSubstr;
 
-constexpr int failure = 1;
-constexpr int noSuchCamera = 3;
-constexpr int different = 7;
 const std::string head = "# {05D8C294-F295-4dfb-9D01-096BD04049F4}\n";
 
 // A camera whose settings one run leaves to the next.

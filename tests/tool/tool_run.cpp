@@ -51,6 +51,20 @@ std::vector<char*> Pointers(std::vector<std::string>& texts)
     return pointers;
 }
 
+bool IsNotice(const std::string& line)
+{
+    return line.starts_with("koro: waiting for /") || line == "koro: closing, the camera does not answer\n";
+}
+
+// Each with its end, which the last one may lack.
+std::vector<std::string> LinesOf(const std::string& text)
+{
+    std::vector<std::string> lines;
+    for (size_t begin = 0; begin < text.size(); begin += lines.back().size())
+        lines.push_back(text.substr(begin, text.find('\n', begin) - begin + 1));
+    return lines;
+}
+
 struct Pipe
 {
     int in = -1;
@@ -150,7 +164,10 @@ ToolResult ToolRun::Finish()
     while (waitpid(child, &status, 0) < 0 && errno == EINTR)
     {}
     child = -1;
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), out, err};
+    ToolResult result{WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), out, {}, {}};
+    for (const std::string& line : LinesOf(err))
+        (IsNotice(line) ? result.notices : result.err) += line;
+    return result;
 }
 
 ToolResult RunTool(const Arguments& arguments, const Environment& environment)

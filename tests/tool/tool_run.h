@@ -16,11 +16,25 @@ using Arguments = std::vector<std::string>;
 // Variables of the run beside those of the test; without a value the variable is removed.
 using Environment = std::map<std::string, std::optional<std::string>>;
 
+// Exit statuses, as docs/tool.md lists them.
+constexpr int success = 0;
+constexpr int failure = 1;
+constexpr int usage = 2;
+constexpr int noSuchCamera = 3;
+constexpr int noUsableCamera = 4;
+constexpr int framesMissing = 5;
+constexpr int noSuchFeature = 6;
+constexpr int different = 7;
+constexpr int interrupted = 130;
+constexpr int brokenPipe = 141;
+
 struct ToolResult
 {
     int status = -1; // exit status; 128 + the signal's number when one ended it
     std::string out;
-    std::string err;
+    std::string err; // without the notices
+    // Lines of standard error that come and go with the machine's speed: that a producer is waited for.
+    std::string notices;
 };
 
 class ToolRun

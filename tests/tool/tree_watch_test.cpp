@@ -17,8 +17,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsSupersetOf;
 
-constexpr int usage = 2;
-constexpr int interrupted = 130;
 
 // "change place" of each line.
 std::vector<std::string> ChangesOf(const ToolResult& result)

@@ -14,7 +14,6 @@ using namespace koro::test;
 using nlohmann::json;
 using testing::HasSubstr;
 
-constexpr int failure = 1;
 
 // GenTL info commands that a test makes a producer forget or falsify.
 constexpr int urlInfo = 0;

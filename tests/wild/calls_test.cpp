@@ -105,7 +105,8 @@ TEST(CallThatDoesNotReturn, LeavesTheTableOfAGrab)
     const TemporaryFolder folder;
     Gate gate(folder);
     WildRun run(
-        "gate KORO_WILD_CALL=DSQueueBuffer:11 " + gate.Variable(), "grab wild0-camera --frames 9 --format none", folder);
+        "gate KORO_WILD_CALL=DSQueueBuffer:11 " + gate.Variable(), "grab wild0-camera --frames 9 --format none",
+        folder);
     gate.Await();
     run->Signal(SIGINT);
     ExpectShown(run.Finish(), {130, {Says("frames +3\n"), Warns("wild_gate.cti does not return from a call")}});
@@ -116,16 +117,20 @@ TEST(CloseThatDoesNotReturn, IsNamedAndGivenUp)
     // Nobody interrupts.
     const TemporaryFolder folder;
     Gate gate(folder);
-    ExpectShown(
-        RunAgainst("gate KORO_WILD_CALL=DevClose " + gate.Variable(), "get wild0-camera Width", folder),
-        {1, {Says("^64\n$"), Warns("waiting for [^\n]*wild_gate.cti\n"), Warns("wild_gate.cti cannot be closed\\.\n")}});
+    const ToolResult result =
+        RunAgainst("gate KORO_WILD_CALL=DevClose " + gate.Variable(), "get wild0-camera Width", folder);
+    ExpectShown(result, {1, {Says("^64\n$"), Warns("wild_gate.cti cannot be closed\\.\n")}});
+    EXPECT_THAT(
+        result.notices,
+        testing::ContainsRegex("closing, the camera does not answer\n[^\n]*waiting for [^\n]*wild_gate.cti\n"));
 }
 
 TEST(ProducerThatHangsAtItsStart, IsNotProbedOnAfterAnInterrupt)
 {
     const TemporaryFolder folder;
     Gate gate(folder);
-    WildRun run("gate KORO_WILD_CALL=GCInitLib " + gate.Variable(), "grab wild0-camera --frames 1 --format none", folder);
+    WildRun run(
+        "gate KORO_WILD_CALL=GCInitLib " + gate.Variable(), "grab wild0-camera --frames 1 --format none", folder);
     gate.Await();
     run->Signal(SIGINT);
     ExpectShown(run.Finish(), {130, {Warns("Interrupted")}});

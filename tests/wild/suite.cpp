@@ -182,7 +182,7 @@ void ExpectLine(const ToolResult& result, const Line& line)
 // What holds for every run.
 void ExpectManners(const ToolResult& result, const std::string& line)
 {
-    const std::string all = result.out + result.err;
+    const std::string all = result.out + result.err + result.notices;
     const bool isForPrograms = line.find("--json") != std::string::npos;
     EXPECT_TRUE(isForPrograms || !HasControls(all)) << "control characters";
     EXPECT_TRUE(IsUTF8(all)) << "bytes that are no text";
@@ -265,7 +265,9 @@ TEST_P(WildProducers, AreHandled)
     ExpectShown(result, run.command.expected);
     ExpectManners(result, run.command.line);
     if (HasFailure())
-        std::cerr << "koro " << run.command.line << "\n--- output\n" << result.out << "--- error\n" << result.err;
+        std::cerr << "koro " << run.command.line << "\n--- output\n"
+                  << result.out << "--- error\n"
+                  << result.err << result.notices;
 }
 
 } // namespace koro::test::wild
