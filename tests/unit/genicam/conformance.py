@@ -106,14 +106,20 @@ class Comparison:
             self.count(f"{description.name}{suffix}", 0, "no answer", not actual)
             return False
         left_out = DECIDED_OTHERWISE.get(description.name, ())
-        (self.folder / "expected").write_bytes(without(expected.replace(*TOO_LONG_A_TEXT), left_out))
-        (self.folder / "actual").write_bytes(without(actual, left_out))
+        difference = self.difference(without(expected.replace(*TOO_LONG_A_TEXT), left_out), without(actual, left_out))
+        self.count(f"{description.name}{suffix}", expected.count(b"\n"), difference, difference is not None)
+        return not expected.startswith(b"FAILED")
+
+    def difference(self, expected, actual):
+        """None when there is none. The program that compares is a process for each pair, so it sees only unlike ones."""
+        if expected == actual:
+            return None
+        (self.folder / "expected").write_bytes(expected)
+        (self.folder / "actual").write_bytes(actual)
         result = subprocess.run(
             [sys.executable, self.tools / "compare.py", self.folder / "expected", self.folder / "actual"],
             capture_output=True, text=True, check=False)
-        self.count(f"{description.name}{suffix}", expected.count(b"\n"), result.stdout + result.stderr,
-                   result.returncode != 0)
-        return not expected.startswith(b"FAILED")
+        return None if result.returncode == 0 else result.stdout + result.stderr
 
     def sequence(self, description):
         calls = description.with_suffix(SEQUENCE_SUFFIX)
