@@ -131,6 +131,11 @@ function(koro_add_test name)
     koro_run_test(${name} COMMAND ${name} LABELS ${ARG_LABELS} ENVIRONMENT ${ARG_ENVIRONMENT})
 endfunction()
 
+# The longest ones, which CTest starts first: begun last, one of them would keep one processor busy and the other idle.
+function(koro_start_early)
+    set_tests_properties(${ARGN} PROPERTIES COST 100)
+endfunction()
+
 # A test of classes: links the object library and sees everything.
 function(koro_add_unit_test name)
     koro_add_test(${name} LIBRARIES koro_objects koro_test_support ${ARGN})
