@@ -24,7 +24,6 @@ using nlohmann::json;
 using testing::HasSubstr;
 using testing::Not;
 
-
 // The simulator's camera "cam", and runs of the tool through a shell, which sends its output elsewhere.
 class Output : public testing::Test
 {
@@ -44,7 +43,7 @@ protected:
         std::ifstream file(errors);
         ToolResult result;
         result.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-        result.err = {std::istreambuf_iterator<char>(file), {}};
+        result.SortErrors({std::istreambuf_iterator<char>(file), {}});
         return result;
     }
 

@@ -165,9 +165,14 @@ ToolResult ToolRun::Finish()
     {}
     child = -1;
     ToolResult result{WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), out, {}, {}};
-    for (const std::string& line : LinesOf(err))
-        (IsNotice(line) ? result.notices : result.err) += line;
+    result.SortErrors(err);
     return result;
+}
+
+void ToolResult::SortErrors(const std::string& written)
+{
+    for (const std::string& line : LinesOf(written))
+        (IsNotice(line) ? notices : err) += line;
 }
 
 ToolResult RunTool(const Arguments& arguments, const Environment& environment)

@@ -35,6 +35,9 @@ struct ToolResult
     std::string err; // without the notices
     // Lines of standard error that come and go with the machine's speed: that a producer is waited for.
     std::string notices;
+
+    // What standard error got.
+    void SortErrors(const std::string& written);
 };
 
 class ToolRun
