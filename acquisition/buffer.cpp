@@ -258,6 +258,11 @@ void Buffer::Revoke(DS_HANDLE streamHandle)
     revoked = true;
 }
 
+void Buffer::DropRevocationCallbacks()
+{
+    TakeRevocationCallbacks();
+}
+
 std::unordered_map<const void*, Buffer::RevocationCallback> Buffer::TakeRevocationCallbacks()
 {
     const std::lock_guard lock(revocationLock);

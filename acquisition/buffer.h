@@ -86,6 +86,8 @@ public:
 
     // Called by the stream alone, with its handle. On success every callback has run and the object is dead.
     void Revoke(GenTL::DS_HANDLE streamHandle);
+    // None of those that were added is called any more.
+    void DropRevocationCallbacks();
 
     std::shared_ptr<DataStream> ParentStream() const;
     std::shared_ptr<Module> ParentModule() const override;

@@ -1,6 +1,7 @@
 #include "acquisition/data_stream.h"
 
 #include "acquisition/buffer.h"
+#include "base/ending_scope.h"
 #include "events/event_controller.h"
 #include "modules/device.h"
 
@@ -171,7 +172,15 @@ std::shared_ptr<Buffer> DataStream::AnnounceBuffer(
         auto announced = Announced([&](BUFFER_HANDLE* handle) {
             gentl.Call<&GenTLProxy::DSAnnounceBuffer>(Handle(), buffer, bufferSize, userPtr, handle);
         });
-        announced->AddRevocationCallback(this, std::move(onRevocation));
+        try
+        {
+            announced->AddRevocationCallback(this, std::move(onRevocation));
+        }
+        catch (...)
+        {
+            Withdraw(announced);
+            throw;
+        }
         return announced;
     });
 }
@@ -229,6 +238,18 @@ void DataStream::RevokeBuffer(const std::shared_ptr<Buffer>& buffer)
         const auto owner = buffer->ParentStream();
         owner->WithDevice([&] { owner->Release(buffer); });
     });
+}
+
+void DataStream::Withdraw(const std::shared_ptr<Buffer>& buffer) noexcept
+{
+    try
+    {
+        const EndingScope scope;
+        buffer->DropRevocationCallbacks();
+        Release(buffer);
+    }
+    catch (const std::exception&) // the producer refused: the end of the stream tries it again
+    {}
 }
 
 void DataStream::Release(const std::shared_ptr<Buffer>& buffer)

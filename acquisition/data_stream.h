@@ -63,6 +63,9 @@ public:
     void QueueBuffer(const std::shared_ptr<Buffer>& buffer);
     // Goes to the stream that the buffer was announced to. A refusal of the producer leaves the buffer announced.
     void RevokeBuffer(const std::shared_ptr<Buffer>& buffer);
+    // Takes an announcement back that failed behind the producer, also on a stream that has been ended meanwhile. The
+    // revocation callback does not run.
+    void Withdraw(const std::shared_ptr<Buffer>& buffer) noexcept;
 
     // The announced buffer that the producer finished. For one that was announced behind the library's back a new
     // object, which nobody else holds.

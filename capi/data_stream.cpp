@@ -35,7 +35,7 @@ KORO_BufferHandle EnterAnnounced(const std::shared_ptr<DataStream>& stream, cons
     }
     catch (...)
     {
-        stream->RevokeBuffer(buffer);
+        stream->Withdraw(buffer);
         throw;
     }
 }

@@ -34,7 +34,9 @@ KORO_API KORO_ReturnCode KORO_DataStream_Destruct(KORO_DataStreamHandle dataStre
  * @param[in]  userPtr            kept by the producer and given back by KORO_Buffer_GetUserPtr; may be null
  * @param[in]  revocationCallback called once, when the buffer is revoked, on the thread that does it; null for
  *                                none. It must not revoke the same buffer. Not called for a buffer that is never
- *                                revoked: its device ended before the stream, or the producer refused
+ *                                revoked: its device ended before the stream, or the producer refused. Not called
+ *                                either when this function fails, as when the stream is ended on another thread
+ *                                meanwhile; the memory is free again then
  * @param[in]  callbackContext    passed to the callback as it is; may be null
  * @param[out] bufferHandle       a new handle; ends with KORO_DataStream_RevokeBuffer or the stream
  * @return KORO_RETURN_CODE_INVALID_ARGUMENT for a null buffer

@@ -716,6 +716,23 @@ TEST_F(Closing, WaitForAnEventEndsWithItsController)
     EXPECT_EQ(CallsOf({"GCUnregisterEvent"}).size(), 1u);
 }
 
+TEST_F(Closing, AnnouncementThatFailsInAnEndedStreamIsTakenBackWithoutItsCallback)
+{
+    Memory memory{};
+    std::atomic<int> numCalls{0};
+    CallAtAGate announcement(producer, "DSAnnounceBuffer");
+    announcement.Enter([&] {
+        const auto count = [](void*, void*, void* calls) { ++*static_cast<std::atomic<int>*>(calls); };
+        KORO_BufferHandle buffer = nullptr;
+        return KORO_DataStream_AnnounceBuffer(
+            tree.stream, memory.data(), memory.size(), nullptr, count, &numCalls, &buffer);
+    });
+    Require(KORO_DataStream_Destruct(tree.stream));
+    EXPECT_EQ(announcement.Leave(), (Error{KORO_RETURN_CODE_ERROR, "Pointer has expired!"}));
+    EXPECT_EQ(CallsOf({"DSRevokeBuffer"}).size(), 1u);
+    EXPECT_EQ(numCalls, 0);
+}
+
 TEST_F(Closing, EndWithoutAWaiterKillsNothing)
 {
     Require(KORO_DataStream_StartAcquisitionInfinite(tree.stream, 0));

@@ -192,8 +192,8 @@ public:
     using RevocationFunction = detail::RevocationFunction;
 
     // The caller's memory, which must live until the revocation. `revoked` runs once, at the revocation, on the
-    // thread that revokes; it must not throw. It is dropped without a call when its stream's device ended before the
-    // stream did.
+    // thread that revokes; it must not throw. It is dropped without a call when this function throws, and when its
+    // stream's device ended before the stream did.
     Buffer AnnounceBuffer(
         void* memory, size_t size, void* userPtr = nullptr, RevocationFunction revoked = nullptr) const
     {
