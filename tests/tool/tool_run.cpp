@@ -97,12 +97,12 @@ ToolRun::ToolRun(const Arguments& arguments, const Environment& environment)
     std::vector<std::string> command{Required("KORO_TEST_TOOL")};
     command.insert(command.end(), arguments.begin(), arguments.end());
     std::vector<std::string> variables = Merge(environment);
-    const int failure = posix_spawn(
+    const int spawnError = posix_spawn(
         &child, command.front().c_str(), &actions, nullptr, Pointers(command).data(), Pointers(variables).data());
     posix_spawn_file_actions_destroy(&actions);
     close(outEnds.out);
     close(errEnds.out);
-    if (failure != 0) throw std::runtime_error("cannot start " + command.front() + ": " + std::strerror(failure));
+    if (spawnError != 0) throw std::runtime_error("cannot start " + command.front() + ": " + std::strerror(spawnError));
 }
 
 ToolRun::~ToolRun()
