@@ -64,6 +64,81 @@ TEST(GrabFrames, BrokenFramesAreNotSavedInAnyFormat)
     }
 }
 
+// In every format the frames behave so: two whole ones, and one between that is not.
+void ExpectSecondFrameIsIncomplete(const std::string& frames, const std::string& reason)
+{
+    for (const std::string format : {"png", "tiff", "raw", "none"})
+    {
+        SCOPED_TRACE(frames + " " + format);
+        const PlayedCamera camera(frames);
+        const ToolResult result = camera.Grab(2, {"--format", format});
+        EXPECT_EQ(result.status, 0) << result.err;
+        EXPECT_THAT(result.out, HasSubstr("\nframes      3\n"));
+        EXPECT_THAT(result.out, HasSubstr("\nincomplete  1\n"));
+        EXPECT_THAT(result.err, HasSubstr("koro: Frame 2 cannot be read and counts as incomplete: " + reason));
+    }
+}
+
+TEST(GrabFrames, QuestionThatWasAnsweredBeforeCostsTheFrameThatItIsRefusedForInEveryFormat)
+{
+    const std::string refused = "[Function: DSGetBufferInfo | Info-Command: ";
+    ExpectSecondFrameIsIncomplete("WFW*", refused + "20 (BUFFER_INFO_PIXELFORMAT)");
+    ExpectSecondFrameIsIncomplete("WQW*", refused + "10 (BUFFER_INFO_WIDTH)");
+    ExpectSecondFrameIsIncomplete("WZW*", refused + "9 (BUFFER_INFO_SIZE_FILLED)");
+    ExpectSecondFrameIsIncomplete("WIW*", refused + "7 (BUFFER_INFO_IS_INCOMPLETE)");
+}
+
+TEST(GrabFrames, PartOutsideOfTheFilledBytesMakesTheFrameIncompleteInEveryFormat)
+{
+    ExpectSecondFrameIsIncomplete("PpP*", "The producer places a part of the frame outside of the buffer.");
+}
+
+TEST(GrabFrames, MissingLinesMakeTheFrameIncompleteInEveryFormat)
+{
+    ExpectSecondFrameIsIncomplete("WHW*", "Of 2 lines 1 were received.");
+}
+
+TEST(GrabFrames, StateOfABrokenFrameIsTheSameWhereItIsOnlyDescribed)
+{
+    const PlayedCamera camera("WFW*");
+    const ToolResult result = camera.Grab(2, {"--format", "none", "--json"});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.out, HasSubstr("\"state\":\"incomplete\""));
+}
+
+TEST(GrabFrames, QuestionThatIsNeverAnsweredIsNotHeldAgainstTheFrames)
+{
+    for (const std::string format : {"raw", "none"})
+    {
+        const PlayedCamera camera("U*");
+        const ToolResult result = camera.Grab(3, {"--format", format});
+        EXPECT_EQ(result.status, 0) << result.err;
+        EXPECT_THAT(result.out, HasSubstr("\nincomplete  0\n")) << format;
+        EXPECT_EQ(result.err, "");
+    }
+}
+
+// None of these frames is known to be whole.
+TEST(GrabFrames, ProducerThatFailsToAnswerWhetherFramesAreIncompleteGivesNone)
+{
+    for (const std::string format : {"png", "raw", "none"})
+    {
+        const PlayedCamera camera("I*");
+        const ToolResult result = camera.Grab(1, {"--format", format});
+        EXPECT_EQ(result.status, framesMissing) << format;
+        EXPECT_THAT(result.err, HasSubstr("koro: Frame 1 cannot be read and counts as incomplete: "));
+    }
+}
+
+TEST(GrabFrames, FrameOfUnknownFormatIsComparedWithTheSizeThatWasMeantToCome)
+{
+    const PlayedCamera camera("VvV*");
+    const ToolResult result = camera.Grab(2, {"--format", "raw"});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.out, HasSubstr("\nframes      3\n"));
+    EXPECT_THAT(result.out, HasSubstr("\nincomplete  1\n"));
+}
+
 TEST(GrabFrames, RawFilesHoldWholeFrames)
 {
     const PlayedCamera camera("BWSW*");

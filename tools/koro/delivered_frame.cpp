@@ -1,11 +1,13 @@
 #include "tools/koro/delivered_frame.h"
 
 #include "tools/koro/frame_reader.h"
-#include "tools/koro/if_known.h"
 #include "tools/koro/tool_error.h"
 
 #include <algorithm>
 #include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace koro::tool
 {
@@ -13,57 +15,119 @@ namespace koro::tool
 namespace
 {
 
-size_t FilledSize(const Buffer& buffer, size_t capacity)
+bool IsLargerThanBuffer(const Buffer& buffer, FrameQuestions& questions)
 {
-    return std::min(IfKnown([&] { return buffer.DeliveredDataSize(); }).value_or(capacity), capacity);
-}
-
-bool IsLargerThanBuffer(const Buffer& buffer)
-{
-    const auto info = IfKnown([&] { return buffer.Info(KORO_BUFFER_INFO_DATA_LARGER_THAN_BUFFER); });
+    constexpr int32_t command = KORO_BUFFER_INFO_DATA_LARGER_THAN_BUFFER;
+    const auto info = questions.AskIfKnown({command}, [&] { return buffer.Info(command); });
     return info && !info->bytes.empty() && info->bytes.front() != 0;
 }
 
-bool IsCalledBroken(const Buffer& buffer)
+// What the producer says of the whole buffer. Fills in the size.
+FrameState StatedState(const Buffer& buffer, FrameQuestions& questions, size_t& size)
 {
-    return IfKnown([&] { return buffer.IsIncomplete(); }).value_or(false) || IsLargerThanBuffer(buffer);
+    if (!questions.AskRequired({KORO_BUFFER_INFO_NEW_DATA}, [&] { return buffer.HasNewData(); }).value_or(true))
+    {
+        size = 0;
+        return FrameState::Empty;
+    }
+    const auto filled =
+        questions.AskIfKnown({KORO_BUFFER_INFO_SIZE_FILLED}, [&] { return buffer.DeliveredDataSize(); });
+    size = std::min(filled.value_or(size), size);
+    if (size == 0) return FrameState::Empty;
+    const bool isIncomplete =
+        questions.AskRequired({KORO_BUFFER_INFO_IS_INCOMPLETE}, [&] { return buffer.IsIncomplete(); }).value_or(false);
+    return isIncomplete || IsLargerThanBuffer(buffer, questions) ? FrameState::Incomplete : FrameState::Whole;
 }
 
-FrameFiles PicturesOf(const Buffer& buffer, const FrameBytes& bytes, const FrameWish& wish)
+struct Contents
 {
-    if (IsMultiPart(buffer)) return ToPartFiles(ReadParts(buffer, bytes), wish.format, wish.geometry);
-    return ToPictureFiles(ReadImage(buffer, bytes), wish.format, wish.geometry);
+    bool areParts;
+    std::vector<FramePart> parts; // or the one image
+};
+
+Contents ReadContents(const Buffer& buffer, const FrameBytes& bytes, FrameQuestions& questions)
+{
+    if (IsMultiPart(buffer, questions)) return {true, ReadParts(buffer, bytes, questions)};
+    return {false, {ReadImage(buffer, bytes, questions)}};
 }
 
-// Whether a frame that is saved as it came would be too short for its picture, as far as that can be known.
-bool IsKnownToBeShort(const Buffer& buffer, const FrameBytes& bytes)
+// Behind the lines that were received lies what an older frame left there. No line at all is no statement.
+void CheckLines(const FramePart& part)
 {
+    const size_t received = part.receivedLines.value_or(0);
+    const size_t height = part.layout.height;
+    if (received == 0 || received >= height) return;
+    throw BrokenFrame("Of " + std::to_string(height) + " lines " + std::to_string(received) + " were received.");
+}
+
+void CheckLines(const Contents& contents)
+{
+    std::for_each(contents.parts.begin(), contents.parts.end(), [](const FramePart& part) { CheckLines(part); });
+}
+
+FrameFiles PicturesOf(const Contents& contents, const FrameWish& wish)
+{
+    if (contents.areParts) return ToPartFiles(contents.parts, wish.format, wish.geometry);
+    return ToPictureFiles(contents.parts.front(), wish.format, wish.geometry);
+}
+
+bool IsShorterThanMeant(const Buffer& buffer, size_t size, FrameQuestions& questions)
+{
+    const auto meant = questions.AskIfKnown({KORO_BUFFER_INFO_DATA_SIZE}, [&] { return buffer.ExpectedDataSize(); });
+    return meant.value_or(0) > size;
+}
+
+// Whether a frame that needs no picture is too short for the one that it has, or for what was meant to come where it
+// has none that is known.
+bool IsKnownToBeShort(const Buffer& buffer, const FrameBytes& bytes, FrameQuestions& questions)
+{
+    if (!IsMultiPart(buffer, questions) && !HasPlainImage(buffer, questions)) return false;
     try
     {
-        if (IsMultiPart(buffer)) return IsShort(ReadParts(buffer, bytes));
-        return HasPlainImage(buffer) && IsShort({ReadImage(buffer, bytes)});
+        const Contents contents = ReadContents(buffer, bytes, questions);
+        if (IsShort(contents.parts)) return true;
+        CheckLines(contents);
+        if (contents.areParts || HasPicture(contents.parts.front())) return false;
+    }
+    catch (const BrokenFrame&)
+    {
+        throw;
     }
     catch (const std::runtime_error&)
     {
-        return false;
+        // No picture can be made of it, which is no fault of the frame.
     }
+    return IsShorterThanMeant(buffer, bytes.size, questions);
 }
 
-void ReadWhole(const Buffer& buffer, const FrameBytes& bytes, const FrameWish& wish, DeliveredFrame& frame)
+void ReadWhole(
+    const Buffer& buffer, const FrameBytes& bytes, const FrameWish& wish, FrameQuestions& questions,
+    DeliveredFrame& frame)
 {
     const bool asItCame = wish.format == FileFormat::Raw || wish.format == FileFormat::None;
-    if (!asItCame) frame.files = PicturesOf(buffer, bytes, wish);
-    if (asItCame ? IsKnownToBeShort(buffer, bytes) : frame.files.empty())
+    if (!asItCame)
+    {
+        const Contents contents = ReadContents(buffer, bytes, questions);
+        FrameFiles files = PicturesOf(contents, wish);
+        CheckLines(contents);
+        frame.files = std::move(files);
+    }
+    if (asItCame ? IsKnownToBeShort(buffer, bytes, questions) : frame.files.empty())
         frame.state = FrameState::Incomplete;
     else if (wish.format == FileFormat::Raw)
         frame.files = ToRawFile(bytes.data, bytes.size);
 }
 
-void TryToReadWhole(const Buffer& buffer, const FrameBytes& bytes, const FrameWish& wish, DeliveredFrame& frame)
+// What is refused or wrong makes the frame incomplete.
+void TryToRead(
+    const Buffer& buffer, const FrameMemory& memory, const FrameWish& wish, FrameQuestions& questions,
+    DeliveredFrame& frame)
 {
     try
     {
-        return ReadWhole(buffer, bytes, wish, frame);
+        frame.state = StatedState(buffer, questions, frame.size);
+        if (frame.state == FrameState::Whole) ReadWhole(buffer, {memory.Data(), frame.size}, wish, questions, frame);
+        return;
     }
     catch (const UnknownPixelFormat& error)
     {
@@ -92,8 +156,9 @@ FrameFiles FilesOfBroken(const Buffer& buffer, const FrameMemory& memory, size_t
         {
             memory.Blank(size);
             const std::optional<Scan3D> noPoints;
-            FrameFiles files =
-                PicturesOf(buffer, {memory.Data(), memory.Size()}, {wish.format, wish.keepIncomplete, noPoints});
+            FrameQuestions questions; // nothing is held against it any more
+            const Contents contents = ReadContents(buffer, {memory.Data(), memory.Size()}, questions);
+            FrameFiles files = PicturesOf(contents, {wish.format, wish.keepIncomplete, noPoints});
             if (!files.empty()) return files;
         }
         catch (const std::runtime_error&)
@@ -106,20 +171,12 @@ FrameFiles FilesOfBroken(const Buffer& buffer, const FrameMemory& memory, size_t
 
 } // namespace
 
-DeliveredFrame ReadFrame(const Buffer& buffer, const FrameMemory& memory, const FrameWish& wish)
+DeliveredFrame ReadFrame(
+    const Buffer& buffer, const FrameMemory& memory, const FrameWish& wish, FrameQuestions& questions)
 {
     DeliveredFrame frame;
-    frame.size = FilledSize(buffer, memory.Size());
-    const bool hasNewData = IfKnown([&] { return buffer.HasNewData(); }).value_or(true);
-    if (!hasNewData || frame.size == 0)
-    {
-        frame.state = FrameState::Empty;
-        return frame;
-    }
-    if (IsCalledBroken(buffer))
-        frame.state = FrameState::Incomplete;
-    else
-        TryToReadWhole(buffer, {memory.Data(), frame.size}, wish, frame);
+    frame.size = memory.Size();
+    TryToRead(buffer, memory, wish, questions, frame);
     const bool keep = wish.keepIncomplete && wish.format != FileFormat::None;
     if (frame.state == FrameState::Incomplete && keep) frame.files = FilesOfBroken(buffer, memory, frame.size, wish);
     return frame;

@@ -5,6 +5,7 @@
 
 #include "tools/koro/frame_files.h"
 #include "tools/koro/frame_memory.h"
+#include "tools/koro/frame_questions.h"
 #include "tools/koro/grab_statistics.h"
 #include "tools/koro/point_cloud.h"
 #include <koro/koro.hpp>
@@ -35,6 +36,9 @@ struct DeliveredFrame
 };
 
 // No answer of the producer makes this fail: what it refuses or gets wrong becomes the state of the frame.
-DeliveredFrame ReadFrame(const Buffer& buffer, const FrameMemory& memory, const FrameWish& wish);
+// Every format asks the same questions; only a frame that cannot become a picture is incomplete where it is to be one,
+// and whole elsewhere.
+DeliveredFrame ReadFrame(
+    const Buffer& buffer, const FrameMemory& memory, const FrameWish& wish, FrameQuestions& questions);
 
 } // namespace koro::tool

@@ -73,19 +73,6 @@ const char* SuffixOf(FileFormat format)
     return format == FileFormat::TIFF ? ".tiff" : ".png";
 }
 
-bool HasPicture(const FramePart& part)
-{
-    switch (part.kind)
-    {
-    case PartKind::Image:
-    case PartKind::Range:
-    case PartKind::Confidence:
-        return FindPixelFormat(part.layout.pixelFormat) != nullptr;
-    default:
-        return false;
-    }
-}
-
 Depth DepthOf(const FramePart& part)
 {
     return part.isMeasurement || part.kind == PartKind::Range ? Depth::AsSent : Depth::Full;
@@ -94,6 +81,13 @@ Depth DepthOf(const FramePart& part)
 bool IsTooShort(const FramePart& part)
 {
     return HasPicture(part) && BytesNeeded(part.layout) > part.size;
+}
+
+// Known of sizes beyond reason too.
+bool HasMorePixelsThanBytes(const FramePart& part)
+{
+    const FrameLayout& layout = part.layout;
+    return HasPicture(part) && layout.height != 0 && layout.width > part.size / layout.height;
 }
 
 // The picture of each part that has one; empty when one of them is too short.
@@ -125,9 +119,25 @@ const Picture* Companion(
 
 } // namespace
 
+bool HasPicture(const FramePart& part)
+{
+    switch (part.kind)
+    {
+    case PartKind::Image:
+    case PartKind::Range:
+    case PartKind::Confidence:
+        return FindPixelFormat(part.layout.pixelFormat) != nullptr;
+    default:
+        return false;
+    }
+}
+
 bool IsShort(const std::vector<FramePart>& parts)
 {
-    return std::any_of(parts.begin(), parts.end(), IsTooShort);
+    // No pixel has less than a byte.
+    return std::any_of(parts.begin(), parts.end(), [](const FramePart& part) {
+        return HasMorePixelsThanBytes(part) || IsTooShort(part);
+    });
 }
 
 FrameFiles ToRawFile(const uint8_t* bytes, size_t size)

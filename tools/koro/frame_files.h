@@ -35,7 +35,10 @@ struct FrameFile
 // The files of one frame.
 using FrameFiles = std::vector<FrameFile>;
 
-// Whether one of the parts that have a picture is too short for it. Throws ToolError for sizes beyond reason.
+// Whether it is a part of pixels whose format is known.
+bool HasPicture(const FramePart& part);
+// Whether one of the parts that have a picture is too short for it. Throws ToolError for a picture beyond reason that
+// may have come nevertheless.
 bool IsShort(const std::vector<FramePart>& parts);
 
 // The whole frame as it came.

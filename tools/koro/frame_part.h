@@ -30,6 +30,7 @@ struct FramePart
     std::optional<uint64_t> purpose; // of the data, by the camera's count of components
     std::optional<uint64_t> region;
     bool isMeasurement = false; // its numbers mean something, such as disparities, and stay as they are
+    std::optional<size_t> receivedLines; // of the layout's height, as far as the producer states it
     const uint8_t* bytes = nullptr;
     size_t size = 0;
 };

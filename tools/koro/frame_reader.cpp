@@ -27,9 +27,16 @@ void CheckList(uint64_t list)
         "Save the frames as they are with --format raw.");
 }
 
-bool IsBigEndian(const Buffer& buffer)
+bool IsBigEndian(const Buffer& buffer, FrameQuestions& questions)
 {
-    return IfKnown([&] { return buffer.PixelEndianness(); }).value_or(0) == KORO_PIXELENDIANNESS_BIG;
+    const auto order =
+        questions.AskIfKnown({KORO_BUFFER_INFO_PIXEL_ENDIANNESS}, [&] { return buffer.PixelEndianness(); });
+    return order == KORO_PIXELENDIANNESS_BIG;
+}
+
+std::optional<int32_t> PayloadTypeOf(const Buffer& buffer, FrameQuestions& questions)
+{
+    return questions.AskIfKnown({KORO_BUFFER_INFO_PAYLOADTYPE}, [&] { return buffer.PayloadType(); });
 }
 
 PartKind KindOf(int32_t type)
@@ -57,10 +64,29 @@ PartKind KindOf(int32_t type)
     }
 }
 
-// A tag of a part, which a producer need not know.
-std::optional<uint64_t> TagOf(const BufferPart& part, int32_t command)
+// A part, and its number, counted from 1.
+struct NumberedPart
 {
-    const auto info = IfKnown([&] { return part.Info(command); });
+    const BufferPart& part;
+    uint32_t number;
+    FrameQuestions& questions;
+
+    template <typename Read>
+    auto Ask(int32_t command, const Read& read) const
+    {
+        return questions.Ask({command, number}, read);
+    }
+    template <typename Read>
+    auto AskIfKnown(int32_t command, const Read& read) const
+    {
+        return questions.AskIfKnown({command, number}, read);
+    }
+};
+
+// A tag of a part, which a producer need not know.
+std::optional<uint64_t> TagOf(const NumberedPart& from, int32_t command)
+{
+    const auto info = from.AskIfKnown(command, [&] { return from.part.Info(command); });
     uint64_t tag = 0;
     if (!info || info->bytes.size() != sizeof tag) return std::nullopt;
     std::memcpy(&tag, info->bytes.data(), sizeof tag);
@@ -75,33 +101,50 @@ bool IsMeasurement(std::optional<uint64_t> purpose)
     return purpose == range || purpose == disparity;
 }
 
-FramePart ReadPart(const BufferPart& part, const FrameBytes& bytes, bool bigEndian)
+// Where the part lies.
+void Place(const NumberedPart& from, const FrameBytes& bytes, FramePart& read)
 {
-    FramePart read;
-    const auto start = reinterpret_cast<uintptr_t>(part.BasePtr()) - reinterpret_cast<uintptr_t>(bytes.data);
-    read.size = part.Size();
+    const void* base = from.Ask(KORO_BUFFER_PART_INFO_BASE, [&] { return from.part.BasePtr(); });
+    const auto start = reinterpret_cast<uintptr_t>(base) - reinterpret_cast<uintptr_t>(bytes.data);
+    read.size = from.Ask(KORO_BUFFER_PART_INFO_DATA_SIZE, [&] { return from.part.Size(); });
     // A start below the memory wraps round to a large number.
     if (start > bytes.size || read.size > bytes.size - start)
-        throw ToolError("The producer places a part of the frame outside of the buffer.");
+        throw BrokenFrame("The producer places a part of the frame outside of the buffer.");
     read.bytes = bytes.data + start;
-    read.kind = KindOf(part.Type());
-    read.purpose = TagOf(part, KORO_BUFFER_PART_INFO_DATA_PURPOSE_ID);
-    read.region = TagOf(part, KORO_BUFFER_PART_INFO_REGION_ID);
+}
+
+void ReadPixels(const NumberedPart& from, FramePart& read)
+{
+    const BufferPart& part = from.part;
+    FrameLayout& layout = read.layout;
+    layout.pixelFormat = from.Ask(KORO_BUFFER_PART_INFO_DATA_FORMAT, [&] { return part.Format(); });
+    layout.width = from.Ask(KORO_BUFFER_PART_INFO_WIDTH, [&] { return part.Width(); });
+    layout.height = from.Ask(KORO_BUFFER_PART_INFO_HEIGHT, [&] { return part.Height(); });
+    layout.xPadding = from.AskIfKnown(KORO_BUFFER_PART_INFO_XPADDING, [&] { return part.XPadding(); }).value_or(0);
+    read.receivedLines =
+        from.AskIfKnown(KORO_BUFFER_PART_INFO_DELIVERED_IMAGEHEIGHT, [&] { return part.DeliveredImageHeight(); });
+}
+
+FramePart ReadPart(const NumberedPart& from, const FrameBytes& bytes, bool bigEndian)
+{
+    FramePart read;
+    Place(from, bytes, read);
+    read.kind = KindOf(from.Ask(KORO_BUFFER_PART_INFO_DATA_TYPE, [&] { return from.part.Type(); }));
+    read.purpose = TagOf(from, KORO_BUFFER_PART_INFO_DATA_PURPOSE_ID);
+    read.region = TagOf(from, KORO_BUFFER_PART_INFO_REGION_ID);
     read.isMeasurement = IsMeasurement(read.purpose);
     const bool hasPixels =
         read.kind == PartKind::Image || read.kind == PartKind::Range || read.kind == PartKind::Confidence;
     if (!hasPixels) return read;
 
-    const uint64_t list = IfKnown([&] { return part.FormatNamespace(); }).value_or(KORO_PIXELFORMAT_NAMESPACE_UNKNOWN);
-    if (!IsKnownList(list))
+    const auto list =
+        from.AskIfKnown(KORO_BUFFER_PART_INFO_DATA_FORMAT_NAMESPACE, [&] { return from.part.FormatNamespace(); });
+    if (!IsKnownList(list.value_or(KORO_PIXELFORMAT_NAMESPACE_UNKNOWN)))
     {
         read.kind = PartKind::Data;
         return read;
     }
-    read.layout.pixelFormat = part.Format();
-    read.layout.width = part.Width();
-    read.layout.height = part.Height();
-    read.layout.xPadding = IfKnown([&] { return part.XPadding(); }).value_or(0);
+    ReadPixels(from, read);
     read.layout.bigEndian = bigEndian;
     return read;
 }
@@ -144,40 +187,46 @@ void ReadAxes(const NodeMap& nodes, Scan3D& geometry)
 
 } // namespace
 
-bool IsMultiPart(const Buffer& buffer)
+bool IsMultiPart(const Buffer& buffer, FrameQuestions& questions)
 {
-    return IfKnown([&] { return buffer.PayloadType(); }) == KORO_PAYLOAD_TYPE_MULTI_PART;
+    return PayloadTypeOf(buffer, questions) == KORO_PAYLOAD_TYPE_MULTI_PART;
 }
 
-bool HasPlainImage(const Buffer& buffer)
+bool HasPlainImage(const Buffer& buffer, FrameQuestions& questions)
 {
-    const int32_t type = IfKnown([&] { return buffer.PayloadType(); }).value_or(KORO_PAYLOAD_TYPE_UNKNOWN);
+    const int32_t type = PayloadTypeOf(buffer, questions).value_or(KORO_PAYLOAD_TYPE_UNKNOWN);
     return type == KORO_PAYLOAD_TYPE_UNKNOWN || type == KORO_PAYLOAD_TYPE_IMAGE || type == KORO_PAYLOAD_TYPE_CHUNK_DATA;
 }
 
-FramePart ReadImage(const Buffer& buffer, const FrameBytes& bytes)
+FramePart ReadImage(const Buffer& buffer, const FrameBytes& bytes, FrameQuestions& questions)
 {
-    CheckList(IfKnown([&] {
-                  return static_cast<uint64_t>(buffer.PixelFormatNamespace());
-              }).value_or(KORO_PIXELFORMAT_NAMESPACE_UNKNOWN));
+    const auto list = questions.AskIfKnown(
+        {KORO_BUFFER_INFO_PIXELFORMAT_NAMESPACE}, [&] { return static_cast<uint64_t>(buffer.PixelFormatNamespace()); });
+    CheckList(list.value_or(KORO_PIXELFORMAT_NAMESPACE_UNKNOWN));
     FramePart image;
     image.bytes = bytes.data;
     image.size = bytes.size;
-    image.layout.pixelFormat = buffer.PixelFormat();
-    image.layout.width = buffer.Width();
-    image.layout.height = buffer.Height();
-    image.layout.xPadding = IfKnown([&] { return buffer.XPadding(); }).value_or(0);
-    image.layout.imageOffset = IfKnown([&] { return buffer.ImageOffset(); }).value_or(0);
-    image.layout.bigEndian = IsBigEndian(buffer);
+    FrameLayout& layout = image.layout;
+    layout.pixelFormat = questions.Ask({KORO_BUFFER_INFO_PIXELFORMAT}, [&] { return buffer.PixelFormat(); });
+    layout.width = questions.Ask({KORO_BUFFER_INFO_WIDTH}, [&] { return buffer.Width(); });
+    layout.height = questions.Ask({KORO_BUFFER_INFO_HEIGHT}, [&] { return buffer.Height(); });
+    layout.xPadding = questions.AskIfKnown({KORO_BUFFER_INFO_XPADDING}, [&] { return buffer.XPadding(); }).value_or(0);
+    layout.imageOffset =
+        questions.AskIfKnown({KORO_BUFFER_INFO_IMAGEOFFSET}, [&] { return buffer.ImageOffset(); }).value_or(0);
+    layout.bigEndian = IsBigEndian(buffer, questions);
+    image.receivedLines =
+        questions.AskIfKnown({KORO_BUFFER_INFO_DELIVERED_IMAGEHEIGHT}, [&] { return buffer.DeliveredImageHeight(); });
     return image;
 }
 
-std::vector<FramePart> ReadParts(const Buffer& buffer, const FrameBytes& bytes)
+std::vector<FramePart> ReadParts(const Buffer& buffer, const FrameBytes& bytes, FrameQuestions& questions)
 {
-    const bool bigEndian = IsBigEndian(buffer);
+    constexpr int32_t listOfParts = -1; // no command of the standard
+    const bool bigEndian = IsBigEndian(buffer, questions);
     std::vector<FramePart> parts;
-    for (const BufferPart& part : buffer.Parts())
-        parts.push_back(ReadPart(part, bytes, bigEndian));
+    uint32_t number = 0;
+    for (const BufferPart& part : questions.Ask({listOfParts}, [&] { return buffer.Parts(); }))
+        parts.push_back(ReadPart({part, ++number, questions}, bytes, bigEndian));
     return parts;
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "tools/koro/frame_part.h"
+#include "tools/koro/frame_questions.h"
 #include "tools/koro/point_cloud.h"
 #include <koro/koro.hpp>
 
@@ -21,13 +22,17 @@ struct FrameBytes
     size_t size;
 };
 
-bool IsMultiPart(const Buffer& buffer);
+// What the producer is asked passes through `questions`: each of these throws BrokenFrame when it refuses what it has
+// answered before.
+
+bool IsMultiPart(const Buffer& buffer, FrameQuestions& questions);
 // Whether its pixels lie there line by line, as width, height and format say; assumed where the producer does not say.
-bool HasPlainImage(const Buffer& buffer);
-// The image of a buffer that holds one. Throws koro::Error, or ToolError for a list of pixel formats that is not known.
-FramePart ReadImage(const Buffer& buffer, const FrameBytes& bytes);
-// The parts of a multi-part buffer. Throws koro::Error, or ToolError for a part that lies outside the memory.
-std::vector<FramePart> ReadParts(const Buffer& buffer, const FrameBytes& bytes);
+bool HasPlainImage(const Buffer& buffer, FrameQuestions& questions);
+// The image of a buffer that holds one. Throws koro::Error, or UnknownPixelFormat for a list of pixel formats that is
+// not known.
+FramePart ReadImage(const Buffer& buffer, const FrameBytes& bytes, FrameQuestions& questions);
+// The parts of a multi-part buffer. Throws koro::Error, or BrokenFrame for a part that lies outside the memory.
+std::vector<FramePart> ReadParts(const Buffer& buffer, const FrameBytes& bytes, FrameQuestions& questions);
 
 // How a 3D camera measures; empty for a camera without the features. Walks Scan3dCoordinateSelector and sets it back.
 std::optional<Scan3D> ReadScan3D(const NodeMap& nodes);

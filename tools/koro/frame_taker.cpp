@@ -122,7 +122,7 @@ bool FrameTaker::TakeFrame(const Buffer& buffer)
     if (found == source.memory.end()) throw ToolError("The producer delivered a buffer that it was not given.");
 
     DeliveredFrame frame =
-        ReadFrame(buffer, found->second, {settings.format, settings.keepIncomplete, source.geometry});
+        ReadFrame(buffer, found->second, {settings.format, settings.keepIncomplete, source.geometry}, questions);
     // A camera that has not sent one picture will not send another format.
     if (frame.isUnknownFormat && output.numHanded == 0) throw ToolError(frame.problem, frame.hint);
     output.NoteFrame(frame);

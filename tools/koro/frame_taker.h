@@ -6,6 +6,7 @@
 #include "tools/koro/camera_link.h"
 #include "tools/koro/delivered_frame.h"
 #include "tools/koro/frame_memory.h"
+#include "tools/koro/frame_questions.h"
 #include "tools/koro/grab_output.h"
 #include "tools/koro/interrupt.h"
 #include <koro/koro.hpp>
@@ -63,6 +64,7 @@ private:
     const Interrupt& interrupt;
     CameraLink* const link;
     const uint64_t wait_ms;
+    FrameQuestions questions;
 
     uint64_t silent_ms = 0; // since the last frame or time-out
     int timeoutsInRow = 0;

@@ -9,6 +9,15 @@
 //   s  a short frame that its producer does not call incomplete
 //   E  an empty buffer without new data
 //   Q  a frame that is called whole, of which the width cannot be read
+//   F  three bytes that are called whole, of which the pixel format cannot be read
+//   I  a whole frame; whether it is, its producer refuses to answer
+//   Z  a whole frame of which the filled size cannot be read
+//   H  a whole frame, of which only one line was received
+//   U  a whole frame of which only the sides are known
+//   V  a whole frame of which the pixel format cannot be read
+//   v  the same, but three bytes of the eight that were meant to come
+//   P  a whole frame of two parts
+//   p  the same, but five bytes of eight
 //   D  nothing, and from then on the camera is dead: what reaches it fails with GC_ERR_TIMEOUT, and waits first at the
 //      gate when KORO_TEST_GATE names one, a FIFO that opens when somebody writes to it
 //   X  nothing, and the camera leaves the device list; its stream goes on
@@ -68,12 +77,50 @@ void Refuse(Infos& infos, std::initializer_list<BUFFER_INFO_CMD> commands)
         infos[command] = Failing(GC_ERR_NOT_IMPLEMENTED);
 }
 
+Infos PartOfOneLine()
+{
+    return {
+        {BUFFER_PART_INFO_DATA_SIZE, Size(4)},
+        {BUFFER_PART_INFO_DATA_TYPE, Size(PART_DATATYPE_2D_IMAGE)},
+        {BUFFER_PART_INFO_DATA_FORMAT, UInt64(0x01080001)}, // Mono8
+        {BUFFER_PART_INFO_WIDTH, Size(4)},
+        {BUFFER_PART_INFO_HEIGHT, Size(1)},
+    };
+}
+
+void AnswerLittle(Infos& infos)
+{
+    Refuse(
+        infos, {BUFFER_INFO_NEW_DATA, BUFFER_INFO_SIZE_FILLED, BUFFER_INFO_IS_INCOMPLETE,
+                BUFFER_INFO_DATA_LARGER_THAN_BUFFER, BUFFER_INFO_PAYLOADTYPE, BUFFER_INFO_PIXELFORMAT_NAMESPACE,
+                BUFFER_INFO_PIXELFORMAT, BUFFER_INFO_XPADDING, BUFFER_INFO_IMAGEOFFSET, BUFFER_INFO_PIXEL_ENDIANNESS,
+                BUFFER_INFO_DELIVERED_IMAGEHEIGHT, BUFFER_INFO_DATA_SIZE});
+}
+
+// What the producer says of a frame that it does not call incomplete.
+void ChangeAnswers(char letter, Infos& infos)
+{
+    if (std::strchr("FVv", letter)) Refuse(infos, {BUFFER_INFO_PIXELFORMAT});
+    if (letter == 'v') infos[BUFFER_INFO_DATA_SIZE] = Size(8);
+    if (letter == 'I') infos[BUFFER_INFO_IS_INCOMPLETE] = Failing(GC_ERR_TIMEOUT);
+    if (letter == 'Z') Refuse(infos, {BUFFER_INFO_SIZE_FILLED});
+    if (letter == 'H') infos[BUFFER_INFO_DELIVERED_IMAGEHEIGHT] = Size(1);
+    if (letter == 'U') AnswerLittle(infos);
+}
+
 Frame FrameOf(char letter, size_t number)
 {
     Frame frame;
     frame.bytes = std::string(8, static_cast<char>(number));
     frame.incomplete = letter == 'L' || letter == 'B' || letter == 'S';
-    if (letter == 'S' || letter == 's') frame.bytes.resize(3);
+    if (std::strchr("SsFv", letter)) frame.bytes.resize(3);
+    if (letter == 'p') frame.bytes.resize(5);
+    if (letter == 'P' || letter == 'p')
+    {
+        frame.parts = {PartOfOneLine(), PartOfOneLine()};
+        frame.partOffsets = {0, 4};
+    }
+    ChangeAnswers(letter, frame.info);
     if (letter == 'E')
     {
         frame.bytes.clear();
