@@ -376,6 +376,33 @@ TEST(ProducerThatClosesDescriptorsInALoop, LeavesTheOutputOfTheTool)
     EXPECT_EQ(result.err, "koro: " + producer + " has closed descriptors of the process; they are open again.\n");
 }
 
+// Into an output that is closed, or open for reading only, with standard input open and closed.
+TEST(ProducerThatClosesDescriptorsInALoop, LetsNothingPassForOutputThatWasClosed)
+{
+    const std::string producer = ProducerFolder() + "/wild_closes_descriptors.cti";
+    const std::vector<Arguments> commands = {
+        {"get", "wild0-camera", "Width"}, {"set", "wild0-camera", "Width=32"},
+        {"features", "wild0-camera"},     {"info", "wild0-camera"},
+        {"xml", "wild0-camera"},          {"grab", "wild0-camera", "--frames", "1", "--format", "none"},
+    };
+    for (const std::string closed : {">&-", ">&- <&-", "1</dev/null"})
+    {
+        for (const Arguments& command : commands)
+        {
+            Arguments arguments = command;
+            arguments.insert(arguments.end(), {"--producer", producer});
+            const std::string line = "ulimit -Sn 200 && exec \"$0\" \"$@\" " + closed;
+            const ToolResult result = RunInShell(line, arguments, {{"KORO_WILD_LIMIT", "200"}});
+            EXPECT_EQ(result.status, failure) << command.front() << closed << result.err;
+            EXPECT_THAT(
+                result.err, HasSubstr(
+                                "koro: " + producer + " has closed descriptors of the process; they are open again.\n" +
+                                "koro: Cannot write the output: Bad file descriptor.\nhint: "))
+                << command.front() << closed;
+        }
+    }
+}
+
 // The tool in a tree as an installation lays it down, with some producers beside it.
 class Installed
 {

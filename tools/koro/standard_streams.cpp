@@ -35,6 +35,13 @@ void LeaveOutputToParent()
     if (keptErrors >= 0) close(keptErrors);
 }
 
+// An output that was closed, or is open for reading only, is kept too: each write then fails, as it has to.
+std::FILE* StreamOver(int descriptor)
+{
+    std::FILE* const stream = fdopen(descriptor, "w");
+    return stream ? stream : fdopen(descriptor, "r");
+}
+
 } // namespace
 
 void OpenMissingDescriptors()
@@ -52,7 +59,7 @@ void KeepOutput()
     std::fflush(stdout);
     keptErrors = CopyBeyondReach(STDERR_FILENO);
     const int copy = CopyBeyondReach(STDOUT_FILENO);
-    keptOutput = copy < 0 ? nullptr : fdopen(copy, "w");
+    keptOutput = copy < 0 ? nullptr : StreamOver(copy);
     if (!keptOutput) return;
     dup2(STDERR_FILENO, STDOUT_FILENO);
     pthread_atfork(nullptr, nullptr, LeaveOutputToParent);
@@ -81,6 +88,8 @@ int CopyBeyondReach(int descriptor)
 
 Descriptors RestoreDescriptors()
 {
+    // Asked first: without room for a copy the output is descriptor 1, and what takes its place below is another file.
+    const bool isOutputOpen = IsOpen(fileno(Output()));
     bool wereOpen = true;
     for (const int number : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
     {
@@ -89,7 +98,7 @@ Descriptors RestoreDescriptors()
         // Output of producers goes where messages go.
         if (number == STDIN_FILENO || dup2(keptErrors, number) < 0) open("/dev/null", O_RDWR);
     }
-    if (keptOutput && !IsOpen(fileno(keptOutput))) return Descriptors::Lost;
+    if (!isOutputOpen) return Descriptors::Lost;
     return wereOpen ? Descriptors::Untouched : Descriptors::Restored;
 }
 
