@@ -210,6 +210,30 @@ TEST(Texts, ThatAreSetAndWatchedGiveNoOrdersToTheTerminal)
     EXPECT_EQ(camera.Run({"get", "cam", "DeviceUserID", "--set", "DeviceUserID=" + orders}).out, orders + "\n");
 }
 
+// Through the file that the list comes by, and without it.
+TEST(Texts, ThatAreNoUTF8AreShownTheSameByAllCommands)
+{
+    const std::string producer = ProducerFolder() + "/wild_odd_texts.cti";
+    const Arguments runs[] = {
+        {"list", "--producer", producer},
+        {"info", "wild0-camera", "--producer", producer},
+        {"get", "nobody", "Width", "--producer", producer},
+        {"watch", "--changes", "2", "--producer", producer},
+    };
+    for (const Arguments& arguments : runs)
+    {
+        const ToolResult result = RunTool(arguments);
+        EXPECT_THAT(result.out + result.err, HasSubstr("na?me???of two lines")) << arguments.front();
+    }
+    for (const Arguments& arguments : {runs[0], runs[1], runs[3]})
+    {
+        Arguments withJSON = arguments;
+        withJSON.push_back("--json");
+        EXPECT_THAT(RunTool(withJSON).out, HasSubstr("na\xEF\xBF\xBDme\\u0007\\r\\nof two lines"))
+            << arguments.front();
+    }
+}
+
 // Every command that writes JSON, with the orders in names, values and files.
 TEST(Texts, InJSONAreEscapedAndWhole)
 {

@@ -41,7 +41,8 @@ Character CharacterAt(std::string_view text)
     constexpr uint32_t smallest[] = {0, 0, 0x80, 0x800, 0x10000};
     const bool isSurrogate = code >= 0xD800 && code < 0xE000;
     if (code < smallest[size] || isSurrogate || code > 0x10FFFF) return {1, false};
-    return {size, code >= 0xA0}; // C2 80 to C2 9F are controls too
+    constexpr uint32_t replacement = 0xFFFD;            // stands for no UTF-8 where a text came through JSON
+    return {size, code >= 0xA0 && code != replacement}; // C2 80 to C2 9F are controls too
 }
 
 // Of a text that is too long the beginning, which ends with a whole character, and a mark.

@@ -12,7 +12,7 @@ namespace koro::tool
 {
 
 // Texts of cameras and producers end up on a terminal. Control characters become "?", those of 8 bits and bytes that
-// are no UTF-8 included.
+// are no UTF-8 included, and U+FFFD, which stands for such bytes.
 std::string Printable(const std::string& text);
 // The same of a text of any length: of a long one the first `most` bytes, and how many bytes there are.
 std::string PrintableStart(const std::string& text, size_t most = 200);

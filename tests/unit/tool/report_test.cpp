@@ -43,6 +43,11 @@ TEST(Report, BytesThatAreNoUTF8AreQuestionMarks)
     EXPECT_EQ(Printable("\xFF\xC3"), "??");
 }
 
+TEST(Report, ReplacementsOfSuchBytesAreQuestionMarks)
+{
+    EXPECT_EQ(Printable("a\xEF\xBF\xBD\xEF\xBF\xBE"), "a?\xEF\xBF\xBE");
+}
+
 TEST(Report, MessagesKeepTheirLinesAndNothingElse)
 {
     EXPECT_EQ(PrintableLines("one\ntwo\x1B[2J\r"), "one\ntwo?[2J?");
