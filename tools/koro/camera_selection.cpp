@@ -63,13 +63,30 @@ std::string Quoted(const std::string& word)
     return quoted + "'";
 }
 
-// What to write on the command line for this camera and no other: a full id is unique below one producer.
-std::string UniqueName(const std::vector<CameraChoice>& all, const CameraChoice& camera)
+// An "interface:id" comes before the other names, and exact matches before patterns.
+std::vector<CameraChoice> Fitting(const std::vector<CameraChoice>& cameras, const std::string& name)
+{
+    std::vector<CameraChoice> found = WithFullID(cameras, name);
+    if (found.empty()) found = Matching(cameras, [&](const std::string& known) { return known == name; });
+    if (!found.empty()) return found;
+    const NamePattern pattern(name);
+    return Matching(cameras, [&](const std::string& known) { return pattern.Matches(known); });
+}
+
+// How to name this camera and no other. An id that a terminal may not get is named by a pattern.
+std::string HintFor(const std::vector<CameraChoice>& all, const CameraChoice& camera)
 {
     const std::string id = FullID(*camera.interfaceRecord, *camera.camera);
-    const std::string name = id.front() == '-' ? "-- " + Quoted(id) : Quoted(id);
-    if (WithFullID(all, id).size() == 1) return name;
-    return "--producer " + Quoted(camera.producer->path) + " " + name;
+    const std::string name = Printable(id) == id ? id : PrintablePattern(id);
+    const std::string word = name.front() == '-' ? "-- " + Quoted(name) : Quoted(name);
+    const std::string title = "Name one by interface:id, the first one for instance as ";
+    if (Fitting(all, name).size() == 1) return title + word;
+
+    std::vector<CameraChoice> ofProducer = all;
+    std::erase_if(ofProducer, [&](const CameraChoice& other) { return other.producer != camera.producer; });
+    if (Fitting(ofProducer, name).size() == 1)
+        return title + "--producer " + Quoted(camera.producer->path) + " " + word;
+    return "Name one by interface:id; `koro list --json` shows them with all of their characters.";
 }
 
 // With the producers' paths where these are what tells cameras apart.
@@ -108,13 +125,7 @@ std::vector<CameraChoice> SelectCameras(const std::vector<ProducerRecord>& produ
     const std::vector<CameraChoice> all = AllCameras(producers);
     if (all.empty()) throw ToolError("There is no camera.", "`koro doctor` tells why.", exitNoSuchCamera);
 
-    std::vector<CameraChoice> found = WithFullID(all, name);
-    if (found.empty()) found = Matching(all, [&](const std::string& known) { return known == name; });
-    if (found.empty())
-    {
-        const NamePattern pattern(name);
-        found = Matching(all, [&](const std::string& known) { return pattern.Matches(known); });
-    }
+    const std::vector<CameraChoice> found = Fitting(all, name);
     if (!found.empty()) return found;
     throw ToolError(
         List("No camera is called \"" + PrintableStart(name) + "\". There are:", all),
@@ -127,8 +138,7 @@ CameraChoice SelectCamera(const std::vector<ProducerRecord>& producers, const st
     if (found.size() == 1) return found.front();
     throw ToolError(
         List("\"" + PrintableStart(name) + "\" fits several cameras:", found),
-        "Name one by interface:id, the first one for instance as " + UniqueName(AllCameras(producers), found.front()),
-        exitNoSuchCamera);
+        HintFor(AllCameras(producers), found.front()), exitNoSuchCamera);
 }
 
 InterfaceChoice SelectInterface(const std::vector<ProducerRecord>& producers, const std::string& name)

@@ -82,6 +82,27 @@ std::string PrintableLines(const std::string& text)
     return Shown(text, mostOfAMessage, true);
 }
 
+std::string PrintablePattern(const std::string& text)
+{
+    std::string pattern;
+    bool wasShown = true;
+    const std::string_view whole = text;
+    for (size_t at = 0; at < whole.size();)
+    {
+        const Character next = CharacterAt(whole.substr(at));
+        const bool isOfPatterns = std::string_view("*?[").find(whole[at]) != std::string_view::npos;
+        if (next.isShown && isOfPatterns)
+            pattern += std::string("[") + whole[at] + "]";
+        else if (next.isShown)
+            pattern.append(whole, at, next.size);
+        else if (wasShown)
+            pattern += '*';
+        wasShown = next.isShown;
+        at += next.size;
+    }
+    return pattern;
+}
+
 std::string OrDash(const OptionalText& text)
 {
     return text && !text->empty() ? PrintableStart(*text) : "-";

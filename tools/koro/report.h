@@ -19,6 +19,9 @@ std::string PrintableStart(const std::string& text, size_t most = 200);
 // A whole message, in which line feeds are the tool's: they stay. At most 16 KiB are shown.
 std::string PrintableLines(const std::string& text);
 
+// A pattern that fits the text and that a terminal may get: "*" stands where Printable shows "?" for something else.
+std::string PrintablePattern(const std::string& text);
+
 // "-" for what the producer does not know or left empty.
 std::string OrDash(const OptionalText& text);
 

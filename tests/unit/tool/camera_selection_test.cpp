@@ -1,4 +1,5 @@
 #include "tools/koro/camera_selection.h"
+#include "tools/koro/report.h"
 #include "tools/koro/tool_error.h"
 
 #include <gmock/gmock.h>
@@ -93,6 +94,33 @@ TEST(CameraSelection, HintNamesACameraInTheWordsOfAShell)
     std::vector<ProducerRecord> odd = Tree();
     odd[0].interfaces[0].cameras[0].id = "it's $HOME";
     EXPECT_THAT(HintFor(odd, "*"), EndsWith(" as 'eth0:it'\\''s $HOME'"));
+}
+
+// The words of the hint are a pattern then, in quotation marks of the shell.
+TEST(CameraSelection, HintForAnIdWithControlCharactersFindsTheCamera)
+{
+    const char* const ids[] = {"D\x1B[2JX", "a\xC2\x9B*b?", "\x01z", "x\xFFy", "\xEF\xBF\xBD[z]"};
+    for (const std::string id : ids)
+    {
+        std::vector<ProducerRecord> tree = Tree();
+        tree[0].interfaces[0].id = "I\x1B[5m\xC2\x9B";
+        tree[0].interfaces[0].cameras[0].id = id;
+        const std::string hint = HintFor(tree, "*");
+        const size_t begin = hint.find('\'');
+        ASSERT_NE(begin, hint.npos) << hint;
+        const std::string name = hint.substr(begin + 1, hint.size() - begin - 2);
+        EXPECT_EQ(Printable(name), name);
+        EXPECT_EQ(SelectCamera(tree, name).camera->id, id) << hint;
+    }
+}
+
+TEST(CameraSelection, HintForIdsThatDifferInControlCharactersOnlyNamesNone)
+{
+    std::vector<ProducerRecord> tree = Tree();
+    tree[0].interfaces[0].cameras[0].id = "x\x01";
+    tree[0].interfaces[0].cameras[1].id = "x\x02";
+    EXPECT_EQ(
+        HintFor(tree, "*"), "Name one by interface:id; `koro list --json` shows them with all of their characters.");
 }
 
 TEST(CameraSelection, HintForOneCameraOfTwoProducersNamesTheProducer)

@@ -48,6 +48,12 @@ TEST(Report, ReplacementsOfSuchBytesAreQuestionMarks)
     EXPECT_EQ(Printable("a\xEF\xBF\xBD\xEF\xBF\xBE"), "a?\xEF\xBF\xBE");
 }
 
+TEST(Report, PatternsStandForWhatIsNotShown)
+{
+    EXPECT_EQ(PrintablePattern("D\x1B\x1B[2J\xC2\x9B K\xC3\xB6*?]"), "D*[[]2J* K\xC3\xB6[*][?]]");
+    EXPECT_EQ(PrintablePattern(""), "");
+}
+
 TEST(Report, MessagesKeepTheirLinesAndNothingElse)
 {
     EXPECT_EQ(PrintableLines("one\ntwo\x1B[2J\r"), "one\ntwo?[2J?");
