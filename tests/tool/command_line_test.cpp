@@ -124,6 +124,28 @@ TEST(CommandLine, WholeNumbersAreDecimalOrHexadecimal)
             << "the command line is right, and there are no producers";
 }
 
+// The numbers behind the words are the tool's own.
+TEST(CommandLine, OptionsWithWordsTakeAndShowTheWordsOnly)
+{
+    EXPECT_THAT(RunTool({"grab", "--help"}).out, HasSubstr("--format TEXT:{none,png,raw,tiff}\n"));
+    EXPECT_THAT(RunTool({"grab", "--help"}).out, HasSubstr("Needed, except for --format none without --chunks"));
+    EXPECT_THAT(RunTool({"features", "--help"}).out, HasSubstr("--visibility TEXT:{beginner,expert,guru,invisible}\n"));
+    EXPECT_THAT(RunTool({"get", "--help"}).out, HasSubstr("--module TEXT:{device,interface,remote,stream,system}\n"));
+    const std::vector<Arguments> numbers = {
+        {"grab", "cam", "--frames", "1", "--output", "x", "--format", "2"},
+        {"features", "cam", "--visibility", "1"},
+        {"get", "cam", "Width", "--module", "3"},
+    };
+    for (const Arguments& arguments : numbers)
+    {
+        const ToolResult result = RunTool(arguments);
+        EXPECT_EQ(result.status, 2) << arguments.front();
+        EXPECT_THAT(result.err, HasSubstr(" not in {")) << arguments.front();
+    }
+    EXPECT_EQ(RunTool({"features", "cam", "--visibility", "Guru"}).status, 1)
+        << "the command line is right, and there are no producers";
+}
+
 TEST(CommandLine, MissingOptionIsNamed)
 {
     EXPECT_THAT(RunTool({"grab", "cam", "--output", "x"}).err, HasSubstr("--frames is required"));

@@ -1,4 +1,5 @@
 #include "tools/koro/camera_tree_json.h"
+#include "tools/koro/choice_option.h"
 #include "tools/koro/commands.h"
 #include "tools/koro/feature_range.h"
 #include "tools/koro/feature_session.h"
@@ -144,8 +145,9 @@ Action DefineFeatures(CLI::App& command)
         {"guru", KORO_NODE_VISIBILITY_GURU},
         {"invisible", KORO_NODE_VISIBILITY_INVISIBLE}};
     DefineAnyModule(command, options->target, true);
-    command.add_option("--visibility", options->visibility, "beginner, expert, guru (the default) or invisible")
-        ->transform(CLI::CheckedTransformer(levels, CLI::ignore_case));
+    AddChoice(
+        command, "--visibility", options->visibility, levels, "beginner, expert, guru (the default) or invisible",
+        CLI::ignore_case);
     command.add_flag("--all", options->all, "Also name the nodes that are in no category");
     command.add_flag("--json", options->json, "Write JSON");
     return [options] { return Features(*options); };

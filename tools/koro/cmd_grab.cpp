@@ -1,4 +1,5 @@
 #include "tools/koro/assignments.h"
+#include "tools/koro/choice_option.h"
 #include "tools/koro/commands.h"
 #include "tools/koro/discovery.h"
 #include "tools/koro/file_prefix.h"
@@ -70,11 +71,12 @@ Action DefineGrab(CLI::App& command)
         ->required();
     TakesWholeNumber(
         command.add_option("--frames", settings.numPictures, "Number of pictures")->required(), 1, 1000000000);
-    TakesPath(command.add_option("--output", options.output, "Folder of the files; made if it is not there"));
-    command
-        .add_option(
-            "--format", settings.format, "png, tiff, raw (the frame's bytes as they came), or none (only count)")
-        ->transform(CLI::CheckedTransformer(formats));
+    TakesPath(command.add_option(
+        "--output", options.output,
+        "Folder of the files; made if it is not there. Needed, except for --format none without --chunks"));
+    AddChoice(
+        command, "--format", settings.format, formats,
+        "png (the default), tiff, raw (the frame's bytes as they came), or none (only count)");
     TakesWholeNumber(
         command.add_option("--timeout", settings.timeout_ms, "Milliseconds to wait for a frame"), 1, 3600000)
         ->capture_default_str();

@@ -1,6 +1,7 @@
 #include "tools/koro/feature_session.h"
 
 #include "tools/koro/assignments.h"
+#include "tools/koro/choice_option.h"
 #include "tools/koro/discovery.h"
 #include "tools/koro/first_stream.h"
 #include "tools/koro/path_option.h"
@@ -53,8 +54,8 @@ CLI::Option* DefineTarget(CLI::App& command, FeatureTarget& target, bool offersS
         {"interface", ModuleKind::Interface},
         {"system", ModuleKind::System}};
     CLI::Option* const camera = DefineCamera(command, target);
-    command.add_option("--module", target.module, "remote (the camera itself), device, stream, interface or system")
-        ->transform(CLI::CheckedTransformer(modules));
+    AddChoice(
+        command, "--module", target.module, modules, "remote (the camera itself), device, stream, interface or system");
     if (offersSettings) DefineSettings(command, target.settings);
     return camera;
 }
