@@ -23,7 +23,14 @@ const std::string magic = "# {05D8C294-F295-4dfb-9D01-096BD04049F4}\n";
 // A number that the device takes while another one is 7, one that it always takes, and one that is never writable.
 const std::string dependentNodes =
     IntRegister("Mode", 0) + IntRegister("Width", 4) + IntRegister("Height", 8) +
-    "<Integer Name=\"Fixed\"><ImposedAccessMode>RO</ImposedAccessMode><Value>1</Value></Integer>";
+    "<Integer Name=\"Fixed\"><ImposedAccessMode>RO</ImposedAccessMode><Value>1</Value></Integer>"
+    "<Float Name=\"Gain\"><Value>1</Value><DisplayNotation>Fixed</DisplayNotation>"
+    "<DisplayPrecision>2</DisplayPrecision></Float><Float Name=\"Ratio\"><Value>1</Value></Float>"
+    "<Integer Name=\"Mask\"><Value>1</Value><Representation>HexNumber</Representation></Integer>"
+    "<Integer Name=\"SameMask\"><pValue>Mask</pValue><Representation>HexNumber</Representation></Integer>"
+    "<Boolean Name=\"Flag\"><pValue>FlagValue</pValue></Boolean><Integer Name=\"FlagValue\"><Value>0</Value></Integer>"
+    "<IntConverter Name=\"Even\"><FormulaTo>FROM &amp; ~1</FormulaTo><FormulaFrom>TO</FormulaFrom>"
+    "<pValue>EvenValue</pValue></IntConverter><Integer Name=\"EvenValue\"><Value>0</Value></Integer>";
 
 GenTL::GC_ERROR RefuseWidth(scripted::Port& changed, std::uint64_t address)
 {
@@ -91,6 +98,42 @@ TEST_F(KoroSettings, FileThatIsNoneIsAnErrorAndNothingIsWritten)
     EXPECT_EQ(Value("Height"), 0);
     features = NodeMap();
     EXPECT_EQ(CodeOf([&] { Load(magic + "Height\t480\n"); }), KORO_RETURN_CODE_INVALID_HANDLE);
+}
+
+TEST_F(KoroSettings, FileThatCannotBeReadIsAnError)
+{
+    EXPECT_EQ(CodeOf([&] { LoadSettings(features, folder.Path().string()); }), KORO_RETURN_CODE_INVALID_ARGUMENT);
+    EXPECT_EQ(CodeOf([&] { LoadSettings(features, "/proc/self/mem"); }), KORO_RETURN_CODE_ERROR);
+}
+
+TEST_F(KoroSettings, ValuesThatTheCameraWritesInAnotherFormAreTaken)
+{
+    const std::string text = magic + "Gain\t3\nWidth\t640\nRatio\t0.123456789\nMask\t10\nFlag\ttrue\nHeight\t0x10\n";
+    EXPECT_EQ(CodeOf([&] { features.LoadFromFile(File(text)); }), KORO_RETURN_CODE_BAD_ACCESS);
+    EXPECT_THAT(Load(text + "Mode\t7\n"), IsEmpty());
+    EXPECT_EQ(features.Float("Gain").Value(), 3);
+    EXPECT_THAT(Load(magic + "Gain\t4\n"), IsEmpty());
+    EXPECT_EQ(features.Float("Gain").Value(), 4);
+    EXPECT_EQ(features.Float("Ratio").Value(), 0.123456789);
+    EXPECT_EQ(Value("Mask"), 10);
+    EXPECT_TRUE(features.Boolean("Flag").Value());
+    EXPECT_EQ(Value("Height"), 16);
+    EXPECT_EQ(Value("Width"), 640);
+}
+
+TEST_F(KoroSettings, ValuesThatTheCameraHasChangedAreNamed)
+{
+    const auto left = Load(magic + "Gain\t3\nEven\t5\n");
+    ASSERT_EQ(left.size(), 1u);
+    EXPECT_EQ(left[0].feature, "Even");
+    EXPECT_THAT(left[0].reason, HasSubstr("expected '5', found '4'"));
+}
+
+TEST_F(KoroSettings, ValuesThatALaterLineChangesAreReported)
+{
+    const auto left = Load(magic + "Mask\t10\nSameMask\t0x6\n");
+    ASSERT_EQ(left.size(), 1u);
+    EXPECT_THAT(left[0].reason, HasSubstr("Line 2: the value of Mask was changed by another line"));
 }
 
 TEST_F(KoroSettings, CameraThatDoesNotAnswerIsNotAskedForAllOfThem)

@@ -1,16 +1,15 @@
 #include "tools/koro/settings_plan.h"
-#include "tools/koro/producer_watch.h"
 
 #include "tools/koro/access_reason.h"
 #include "tools/koro/feature_range.h"
 #include "tools/koro/feature_value.h"
 #include "tools/koro/if_known.h"
+#include "tools/koro/producer_watch.h"
 #include "tools/koro/report.h"
 #include "tools/koro/tool_error.h"
 
 #include <algorithm>
 #include <cctype>
-#include <cmath>
 #include <exception>
 #include <functional>
 #include <stdexcept>
@@ -137,11 +136,8 @@ bool IsSame(const Node& node, const std::string& left, const std::string& right)
     {
     case KORO_NODE_TYPE_INTEGER:
         return ParseNumber(left) == ParseNumber(right);
-    case KORO_NODE_TYPE_FLOAT: {
-        const double one = ParseReal(left);
-        const double other = ParseReal(right);
-        return std::abs(one - other) <= 1e-6 * std::max(std::abs(one), std::abs(other));
-    }
+    case KORO_NODE_TYPE_FLOAT:
+        return detail::IsSameReal(ParseReal(left), ParseReal(right));
     case KORO_NODE_TYPE_BOOLEAN:
         return ParseBoolean(left) == ParseBoolean(right);
     case KORO_NODE_TYPE_REGISTER:
