@@ -39,13 +39,13 @@ FrameState StatedState(const Buffer& buffer, FrameQuestions& questions, size_t& 
     return isIncomplete || IsLargerThanBuffer(buffer, questions) ? FrameState::Incomplete : FrameState::Whole;
 }
 
-struct Contents
+struct FrameContents
 {
     bool areParts;
     std::vector<FramePart> parts; // or the one image
 };
 
-Contents ReadContents(const Buffer& buffer, const FrameBytes& bytes, FrameQuestions& questions)
+FrameContents ReadContents(const Buffer& buffer, const FrameBytes& bytes, FrameQuestions& questions)
 {
     if (IsMultiPart(buffer, questions)) return {true, ReadParts(buffer, bytes, questions)};
     return {false, {ReadImage(buffer, bytes, questions)}};
@@ -60,12 +60,12 @@ void CheckLines(const FramePart& part)
     throw BrokenFrame("Of " + std::to_string(height) + " lines " + std::to_string(received) + " were received.");
 }
 
-void CheckLines(const Contents& contents)
+void CheckLines(const FrameContents& contents)
 {
     std::for_each(contents.parts.begin(), contents.parts.end(), [](const FramePart& part) { CheckLines(part); });
 }
 
-FrameFiles PicturesOf(const Contents& contents, const FrameWish& wish)
+FrameFiles PicturesOf(const FrameContents& contents, const FrameWish& wish)
 {
     if (contents.areParts) return ToPartFiles(contents.parts, wish.format, wish.geometry);
     return ToPictureFiles(contents.parts.front(), wish.format, wish.geometry);
@@ -84,7 +84,7 @@ bool IsKnownToBeShort(const Buffer& buffer, const FrameBytes& bytes, FrameQuesti
     if (!IsMultiPart(buffer, questions) && !HasPlainImage(buffer, questions)) return false;
     try
     {
-        const Contents contents = ReadContents(buffer, bytes, questions);
+        const FrameContents contents = ReadContents(buffer, bytes, questions);
         if (IsShort(contents.parts)) return true;
         CheckLines(contents);
         if (contents.areParts || HasPicture(contents.parts.front())) return false;
@@ -107,7 +107,7 @@ void ReadWhole(
     const bool asItCame = wish.format == FileFormat::Raw || wish.format == FileFormat::None;
     if (!asItCame)
     {
-        const Contents contents = ReadContents(buffer, bytes, questions);
+        const FrameContents contents = ReadContents(buffer, bytes, questions);
         FrameFiles files = PicturesOf(contents, wish);
         CheckLines(contents);
         frame.files = std::move(files);
@@ -157,7 +157,7 @@ FrameFiles FilesOfBroken(const Buffer& buffer, const FrameMemory& memory, size_t
             memory.Blank(size);
             const std::optional<Scan3D> noPoints;
             FrameQuestions questions; // nothing is held against it any more
-            const Contents contents = ReadContents(buffer, {memory.Data(), memory.Size()}, questions);
+            const FrameContents contents = ReadContents(buffer, {memory.Data(), memory.Size()}, questions);
             FrameFiles files = PicturesOf(contents, {wish.format, wish.keepIncomplete, noPoints});
             if (!files.empty()) return files;
         }
