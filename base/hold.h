@@ -40,12 +40,22 @@ public:
     // Nothing when there is none.
     virtual void RemoveEntry() = 0;
 
-    // Not by two threads at a time.
-    void Keep(std::shared_ptr<Hold> holdAbove) { above = std::move(holdAbove); }
+    // Not by two threads at a time. The first one stays: any other would be of the same object.
+    void Keep(std::shared_ptr<Hold> holdAbove)
+    {
+        if (!above) above = std::move(holdAbove);
+        isLeft = false;
+    }
+    bool KeepsAbove() const noexcept { return above != nullptr; }
+    // The entry goes with the object above, on the thread that ends this. No other thread takes it before, also not the
+    // library's close.
+    void LeaveToObjectAbove() noexcept { isLeft = true; }
+    bool IsLeftToObjectAbove() const noexcept { return isLeft; }
 
 private:
     static inline std::atomic<std::size_t> numLiving{0};
     std::shared_ptr<Hold> above;
+    std::atomic<bool> isLeft{false};
 };
 
 } // namespace koro::internal

@@ -4,7 +4,6 @@
 #include "base/hold.h"
 
 #include <algorithm>
-#include <iterator>
 #include <utility>
 
 namespace koro::internal
@@ -48,6 +47,14 @@ void Instance::AddHold(const std::shared_ptr<Hold>& hold)
     ownHolds.push_back(hold);
 }
 
+void Instance::AddFurtherHold(const std::shared_ptr<Hold>& hold)
+{
+    const std::lock_guard lock(destructionMutex);
+    CheckNotEnded();
+    Prune(ownHolds);
+    ownHolds.push_back(hold);
+}
+
 Instance::Holds Instance::OwnHolds() const
 {
     const std::lock_guard lock(destructionMutex);
@@ -58,7 +65,7 @@ Instance::Holds Instance::OwnHolds() const
 void Instance::AddHoldBelow(const std::shared_ptr<Hold>& hold)
 {
     const std::lock_guard lock(destructionMutex);
-    if (hasEnded) throw InternalErrorException("Pointer has expired!");
+    CheckNotEnded();
     if (holdsBelow.size() >= numHoldsToPrune)
     {
         Prune(holdsBelow);
@@ -79,11 +86,16 @@ void Instance::MarkEnded()
     hasEnded = true;
 }
 
-void Instance::KeepUntilItsEnd(Holds ended)
+void Instance::CheckNotEnded() const
+{
+    if (hasEnded) throw InternalErrorException("Pointer has expired!");
+}
+
+void Instance::KeepUntilItsEnd(std::shared_ptr<Hold> ended)
 {
     const std::lock_guard lock(destructionMutex);
     holdsBelow.clear();
-    endedBelow.insert(endedBelow.end(), std::make_move_iterator(ended.begin()), std::make_move_iterator(ended.end()));
+    endedBelow.push_back(std::move(ended));
 }
 
 Instance::Holds Instance::Living(const WeakHolds& holds)

@@ -40,16 +40,19 @@ public:
 
     // The handles of this object, and of those below it. The lists forget by themselves what has ended.
     void AddHold(const std::shared_ptr<Hold>& hold);
+    // The same for a further handle. Throws InternalErrorException when the object has been ended.
+    void AddFurtherHold(const std::shared_ptr<Hold>& hold);
     Holds OwnHolds() const;
     // Throws InternalErrorException when the object has been ended.
     void AddHoldBelow(const std::shared_ptr<Hold>& hold);
     Holds HoldsBelow() const;
-    // From now on the object counts as gone for what is below it, and no handle comes below it; it may live on for the
-    // calls that are inside.
+    // From now on the object counts as gone for what is below it, and neither a further handle nor one below it comes;
+    // it may live on for the calls that are inside.
     void MarkEnded();
     bool HasEnded() const noexcept { return hasEnded; }
-    // To be dropped, in their order, when the entries of the handles below go: all that is below by now.
-    void KeepUntilItsEnd(Holds ended);
+    // To be dropped when the entries of the handles below go, and in their place: one after the other, all that are
+    // below by now.
+    void KeepUntilItsEnd(std::shared_ptr<Hold> ended);
 
     // What comes before the end of an object, or of one above it; see capi/closing.h. The first throws the standard
     // deadlock error on a thread that the third would wait for.
@@ -66,6 +69,7 @@ private:
     static Holds Living(const WeakHolds& holds);
     void RunStoredCallbacks();
     void EndHoldsBelow();
+    void CheckNotEnded() const;
 
     // Never held while a callback runs: callbacks take the locks of the handle tables, and the tables take this
     // one while they hold theirs.

@@ -162,7 +162,7 @@ KORO_ReturnCode CastTo(
 {
     return GetHandle(handle, baseHandle, [&](const auto& object) {
         const auto parent = std::invoke(parentGetter, *object);
-        return Table<ClassOf<BaseHandle>>().Add(object, parent);
+        return Table<ClassOf<BaseHandle>>().AddFurther(object, parent);
     });
 }
 

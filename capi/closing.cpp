@@ -16,11 +16,17 @@ namespace
 constinit std::mutex
     endMutex; // who is inside is worked out by one thread at a time; nothing is called or closed under it
 
+enum class Purpose
+{
+    Look,
+    End // marks the objects before it looks, so that no handle is missed that another thread makes meanwhile
+};
+
 // The holds of objects that end, and of all that is below them; each before what is below it.
 class Subtree
 {
 public:
-    explicit Subtree(Instance::Holds roots) : numRoots(roots.size())
+    Subtree(Instance::Holds roots, Purpose forPurpose) : purpose(forPurpose), numRoots(roots.size())
     {
         for (auto& root : roots)
             parts.push_back({std::move(root)});
@@ -44,15 +50,22 @@ public:
         return holds;
     }
 
-    // From now on no call gets inside, but those of this thread while it is ending objects.
+    // From now on no call gets inside, but those of this thread while it is ending objects. What keeps the hold above
+    // already is about to be closed by the library's close on another thread.
     void Hide()
     {
         for (std::size_t index = 0; index < parts.size(); ++index)
         {
             auto& [hold, above, isUsed] = parts[index];
-            hold->Object().MarkEnded();
             isUsed = index < numRoots ? hold->HideEntry() : hold->HideEntryWithParent();
+            if (hold->KeepsAbove()) isUsed = true;
         }
+    }
+    // For the library's close: it takes the entries out kind by kind, and is inside what it closes.
+    void CountAllAsUsed()
+    {
+        for (auto& part : parts)
+            part.isUsed = true;
     }
 
     // What a call is inside keeps what is above it, and that in turn what is above; so do the roots, which this thread
@@ -75,14 +88,19 @@ public:
     {
         return std::any_of(parts.begin(), parts.end(), [](const Part& part) { return part.isUsed; });
     }
-    // Ends the entries of the roots; of what is below them too, if a call is inside anywhere. Then what is below one
-    // root, and nobody is inside, goes after its own close.
+    // Ends the entries of the roots; of what is below them too, if a call is inside anywhere. Where nobody is inside
+    // further down than the roots, each object takes what is below it to its own end.
     void RemoveEntries()
     {
         const bool isUsed = IsUsed();
-        for (std::size_t index = 0; index < (isUsed ? parts.size() : numRoots); ++index)
-            parts[index].hold->RemoveEntry();
-        if (isUsed && !isUsedBelow) parts.front().hold->Object().KeepUntilItsEnd(TakeBelow());
+        for (std::size_t index = 0; index < parts.size(); ++index)
+        {
+            if (isUsed || index < numRoots)
+                parts[index].hold->RemoveEntry();
+            else
+                parts[index].hold->LeaveToObjectAbove();
+        }
+        if (isUsed && !isUsedBelow) GiveToObjectsAbove();
     }
     // What nobody is inside closes here, from the leaves. Where the entries below have stayed, these go with the roots.
     void Drop()
@@ -102,8 +120,9 @@ private:
     // An object may have several holds: what is below it comes once.
     void AddBelow(std::size_t index)
     {
-        const Instance& object = parts[index].hold->Object();
+        Instance& object = parts[index].hold->Object();
         if (!seen.insert(&object).second) return;
+        if (purpose == Purpose::End) object.MarkEnded();
         for (auto& hold : object.HoldsBelow())
         {
             parts.push_back({std::move(hold), index});
@@ -111,15 +130,18 @@ private:
         }
     }
 
-    Instance::Holds TakeBelow()
+    // Each to its own, so that the order is the one without a call.
+    void GiveToObjectsAbove()
     {
-        Instance::Holds below;
+        std::vector<Instance*> objects;
+        for (const auto& part : parts)
+            objects.push_back(&part.hold->Object());
         for (std::size_t index = numRoots; index < parts.size(); ++index)
-            below.push_back(std::move(parts[index].hold));
+            objects[parts[index].above]->KeepUntilItsEnd(std::move(parts[index].hold));
         parts.resize(numRoots);
-        return below;
     }
 
+    const Purpose purpose;
     const std::size_t numRoots;
     std::vector<Part> parts;
     std::unordered_set<const Instance*> seen;
@@ -137,11 +159,18 @@ void ForEachObject(const std::vector<std::weak_ptr<Hold>>& holds, Step&& step)
     }
 }
 
+// Not before the waits have ended: another thread may have made further handles meanwhile.
+Instance::Holds OwnHoldsAtTheEnd(std::shared_ptr<Hold> hold)
+{
+    hold->Object().MarkEnded();
+    return hold->Object().OwnHolds();
+}
+
 } // namespace
 
 void EndActivity(const Instance::Holds& roots)
 {
-    const auto holds = Subtree(roots).WeakHolds();
+    const auto holds = Subtree(roots, Purpose::Look).WeakHolds();
     ForEachObject(holds, [](const Instance& object) { object.RefuseEndInCallback(); });
     ForEachObject(holds, [](Instance& object) { object.EndWaits(); });
     ForEachObject(holds, [](Instance& object) { object.EndThreads(); });
@@ -149,12 +178,10 @@ void EndActivity(const Instance::Holds& roots)
 
 void EndObject(std::shared_ptr<Hold> hold)
 {
-    auto roots = hold->Object().OwnHolds();
-    hold.reset();
-    EndActivity(roots);
+    EndActivity({hold});
 
     std::unique_lock lock(endMutex);
-    Subtree subtree(std::move(roots));
+    Subtree subtree(OwnHoldsAtTheEnd(std::move(hold)), Purpose::End);
     subtree.Hide();
     subtree.KeepAbove();
     subtree.RemoveEntries();
@@ -167,8 +194,9 @@ void EndObject(std::shared_ptr<Hold> hold)
 EndOfAll::EndOfAll(const Instance::Holds& roots)
 {
     std::unique_lock lock(endMutex);
-    Subtree subtree(roots);
+    Subtree subtree(roots, Purpose::End);
     subtree.Hide();
+    subtree.CountAllAsUsed();
     subtree.KeepAbove();
     lock.unlock();
     subtree.EndActivityThatCameMeanwhile();

@@ -117,6 +117,13 @@ public:
         return HandleFor(object);
     }
 
+    // The same for a further handle of an object that has one. Throws also when the object itself has been ended.
+    Handle AddFurther(const std::shared_ptr<T>& object, const std::shared_ptr<Instance>& parent)
+    {
+        Insert(object, parent.get(), false, true);
+        return HandleFor(object);
+    }
+
     // Empty when there is no entry. The object lives, and nothing above it is closed, as long as the hold does.
     std::shared_ptr<Held> Find(Handle handle) const
     {
@@ -178,7 +185,7 @@ public:
     }
 
     // Refuses entries from now on, so that a call that overlaps the library's end leaves nothing behind, and drops
-    // all references.
+    // all references but those that an end on another thread is about to drop.
     void Close()
     {
         for (auto& shard : shards)
@@ -187,6 +194,11 @@ public:
             const std::lock_guard lock(shard.mutex);
             shard.isOpen = false;
             dropped.swap(shard.entries);
+            for (auto entry = dropped.begin(); entry != dropped.end();)
+            {
+                const auto left = entry++;
+                if (left->second.held->IsLeftToObjectAbove()) shard.entries.insert(dropped.extract(left));
+            }
         }
     }
 
@@ -225,7 +237,7 @@ private:
 
     Shard& ShardOf(const Key& key) const noexcept { return shards[key.hash >> (64 - shardBits)]; }
 
-    bool Insert(const std::shared_ptr<T>& object, Instance* parent, bool outlivesParent)
+    bool Insert(const std::shared_ptr<T>& object, Instance* parent, bool outlivesParent, bool isFurther = false)
     {
         const Key key(HandleFor(object));
         auto& shard = ShardOf(key);
@@ -239,7 +251,10 @@ private:
         if (!inserted) return false;
         try
         {
-            object->AddHold(held);
+            if (isFurther)
+                object->AddFurtherHold(held);
+            else
+                object->AddHold(held);
             if (parent) parent->AddHoldBelow(held);
         }
         catch (...)

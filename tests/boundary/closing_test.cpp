@@ -446,6 +446,20 @@ TEST_F(Closing, CallInsideGetsNoNewHandleOfAnEndedParent)
     EXPECT_EQ(descriptor, nullptr);
 }
 
+// The device's module is a second handle of the device.
+TEST_F(Closing, EndWithACallInsideHasTheOrderOfOneWithoutAlsoWhereAnObjectHasSeveralHandles)
+{
+    Get<KORO_ModuleHandle>(KORO_Device_ToModule, tree.device);
+    StartWithBuffers(1);
+    CallAtAGate call(producer, "IFGetInfo");
+    call.Enter(InfoOf(KORO_Interface_GetInfo, tree.interface));
+    EXPECT_EQ(Outcome(KORO_Interface_Destruct(tree.interface)), Error{});
+    call.Leave();
+    EXPECT_EQ(
+        CallsOf({"IFClose", "DevClose", "DSClose", "DSGetInfo", "DSStopAcquisition", "DSFlushQueue"}),
+        (Strings{"IFClose(if0)", "DevClose(dead)"}));
+}
+
 // A map with one integer, locked by this thread, and a reader that waits for the lock or comes too late.
 class EndOfALockedMap : public Closing
 {
@@ -702,6 +716,119 @@ INSTANTIATE_TEST_SUITE_P(
             [](const OpenTree& tree) { return KORO_ProducerLibrary_Destruct(tree.producerLibrary); }},
         WaitEnd{"OfTheLibrary", [](const OpenTree&) { return KORO_Library_Close(); }}),
     [](const auto& end) { return end.param.name; });
+
+struct EndAndCast
+{
+    const char* name;
+    KORO_ReturnCode (*end)(const OpenTree& tree);
+    KORO_ModuleHandle (*module)(const OpenTree& tree);
+    KORO_ReturnCode (*reopen)(const OpenTree& tree);
+};
+
+class CastDuringAnEnd : public Closing, public testing::WithParamInterface<EndAndCast>
+{};
+
+// The end is held while it ends the wait of another thread.
+TEST_P(CastDuringAnEnd, EndsWithItsObject)
+{
+    Require(KORO_DataStream_StartAcquisitionInfinite(tree.stream, 0));
+    auto waiter = std::async(std::launch::async, [&] { return OutcomeOfWait(KORO_INFINITE); });
+    producer->AwaitWaiters(1);
+    CallAtAGate kill(producer, "EventKill");
+    kill.Enter([&] { return GetParam().end(tree); });
+    const auto module = GetParam().module(tree);
+    const auto port = PortOf(module);
+    EXPECT_EQ(kill.Leave(), Error{});
+    EXPECT_EQ(waiter.get(), aborted);
+
+    KORO_PortHandle again = nullptr;
+    EXPECT_EQ(Outcome(KORO_Module_GetPort(module, &again)), InvalidHandle("moduleHandle"));
+    EXPECT_EQ(Outcome(ReadOf(port)()), InvalidHandle("portHandle"));
+    EXPECT_EQ(Outcome(GetParam().reopen(tree)), Error{}); // since the producer has it closed
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Closing, CastDuringAnEnd,
+    testing::Values(
+        EndAndCast{
+            "OfTheStream", [](const OpenTree& tree) { return KORO_DataStream_Destruct(tree.stream); },
+            [](const OpenTree& tree) { return Get<KORO_ModuleHandle>(KORO_DataStream_ToModule, tree.stream); },
+            [](const OpenTree& tree) {
+                KORO_DataStreamHandle stream = nullptr;
+                return KORO_DataStreamDescriptor_OpenDataStream(tree.streamDescriptor, &stream);
+            }},
+        EndAndCast{
+            "OfTheDevice", [](const OpenTree& tree) { return KORO_Device_Destruct(tree.device); },
+            [](const OpenTree& tree) { return Get<KORO_ModuleHandle>(KORO_Device_ToModule, tree.device); },
+            [](const OpenTree& tree) {
+                KORO_DeviceHandle device = nullptr;
+                return KORO_DeviceDescriptor_OpenDevice(tree.deviceDescriptor, OpenTree::exclusiveAccess, &device);
+            }},
+        EndAndCast{
+            "OfTheInterface", [](const OpenTree& tree) { return KORO_Interface_Destruct(tree.interface); },
+            [](const OpenTree& tree) { return Get<KORO_ModuleHandle>(KORO_Interface_ToModule, tree.interface); },
+            [](const OpenTree& tree) {
+                KORO_InterfaceHandle interface = nullptr;
+                return KORO_InterfaceDescriptor_OpenInterface(tree.interfaceDescriptor, &interface);
+            }},
+        EndAndCast{
+            "OfTheSystem", [](const OpenTree& tree) { return KORO_System_Destruct(tree.system); },
+            [](const OpenTree& tree) { return Get<KORO_ModuleHandle>(KORO_System_ToModule, tree.system); },
+            [](const OpenTree& tree) {
+                KORO_SystemHandle system = nullptr;
+                return KORO_SystemDescriptor_OpenSystem(tree.systemDescriptor, &system);
+            }}),
+    [](const auto& end) { return end.param.name; });
+
+// The library's close is inside DSClose, and the end that was begun before goes on beside it.
+class EndBesideTheLibrarysClose : public Closing, public testing::WithParamInterface<WaitEnd>
+{};
+
+TEST_P(EndBesideTheLibrarysClose, DoesNotOvertakeIt)
+{
+    const auto controller = ControllerOf(tree);
+    auto waiter = std::async(std::launch::async, [&] {
+        KORO_EventHandle event = nullptr;
+        return Outcome(KORO_EventController_WaitForEvent(controller, KORO_INFINITE, &event));
+    });
+    producer->AwaitWaiters(1);
+    CallAtAGate kill(producer, "EventKill");
+    producer->ClearJournal();
+    kill.Enter([&] { return GetParam().end(tree); });
+    CallAtAGate close(producer, "DSClose");
+    close.Enter([] { return KORO_Library_Close(); });
+
+    EXPECT_EQ(kill.Leave(), Error{});
+    EXPECT_EQ(waiter.get(), aborted);
+    EXPECT_EQ(Closes(), Strings{fromTheLeaves[0]});
+    EXPECT_EQ(close.Leave(), Error{});
+    EXPECT_EQ(Closes(), fromTheLeaves);
+    EXPECT_EQ(producer->InitCount(), 0);
+    Require(KORO_Library_Initialize());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Closing, EndBesideTheLibrarysClose,
+    testing::Values(
+        WaitEnd{"OfTheDevice", [](const OpenTree& tree) { return KORO_Device_Destruct(tree.device); }},
+        WaitEnd{"OfTheInterface", [](const OpenTree& tree) { return KORO_Interface_Destruct(tree.interface); }},
+        WaitEnd{"OfTheSystem", [](const OpenTree& tree) { return KORO_System_Destruct(tree.system); }},
+        WaitEnd{
+            "OfTheProducerLibrary",
+            [](const OpenTree& tree) { return KORO_ProducerLibrary_Destruct(tree.producerLibrary); }}),
+    [](const auto& end) { return end.param.name; });
+
+TEST_F(Closing, OfTheWholeLibraryLeavesToAnEndThatIsRunningWhatThatHasBegun)
+{
+    CallAtAGate close(producer, "IFClose");
+    close.Enter([&] { return KORO_Interface_Destruct(tree.interface); });
+    EXPECT_EQ(Outcome(KORO_Library_Close()), Error{});
+    EXPECT_EQ(Closes(), Strings{"IFClose(if0)"});
+    EXPECT_EQ(close.Leave(), Error{});
+    EXPECT_EQ(Closes(), (Strings{"IFClose(if0)", "DevClose(dead)", "TLClose(system)", "GCCloseLib()"}));
+    EXPECT_EQ(producer->InitCount(), 0);
+    Require(KORO_Library_Initialize());
+}
 
 TEST_F(Closing, WaitForAnEventEndsWithItsController)
 {

@@ -154,6 +154,52 @@ TEST(HandleTables, ParentThatHasBeenEndedTakesNoEntry)
     EXPECT_EQ(child.use_count(), 1);
 }
 
+TEST(HandleTables, ObjectThatHasBeenEndedTakesNoFurtherHandle)
+{
+    HandleTable<Child> table;
+    const auto parent = std::make_shared<Parent>();
+    const auto child = std::make_shared<Child>();
+    child->MarkEnded();
+    EXPECT_THAT(
+        [&] { table.AddFurther(child, parent); }, ThrowsExactly<InternalErrorException>("Pointer has expired!"));
+    EXPECT_EQ(table.Find(HandleFor(child)), nullptr);
+    EXPECT_EQ(child.use_count(), 1);
+}
+
+// A chunk that was destructed, and is still in the list of its buffer, gets a handle again.
+TEST(HandleTables, ObjectThatHasBeenEndedMayGetAHandleAgain)
+{
+    HandleTable<Child> table;
+    const auto parent = std::make_shared<Parent>();
+    const auto child = std::make_shared<Child>();
+    child->MarkEnded();
+    EXPECT_NE(table.Find(table.Add(child, parent)), nullptr);
+}
+
+TEST(HandleTables, CloseLeavesTheEntriesThatGoWithTheObjectAbove)
+{
+    HandleTable<Child> table;
+    auto parent = std::make_shared<Parent>();
+    auto held = table.Find(table.Add(std::make_shared<Child>(), parent));
+    table.Add(std::make_shared<Child>());
+    held->LeaveToObjectAbove();
+    held.reset();
+    table.Close();
+    EXPECT_EQ(SizeOf(table), 1);
+    parent.reset();
+    EXPECT_EQ(SizeOf(table), 0);
+}
+
+TEST(HandleTables, CloseDropsWhatKeepsTheHoldAboveSinceThen)
+{
+    HandleTable<Child> table;
+    const auto held = table.Find(table.Add(std::make_shared<Child>()));
+    held->LeaveToObjectAbove();
+    held->Keep(table.Find(table.Add(std::make_shared<Child>())));
+    table.Close();
+    EXPECT_EQ(SizeOf(table), 0);
+}
+
 TEST(HandleTables, HiddenEntryIsNotFoundAndStillThere)
 {
     HandleTable<Child> table;
