@@ -185,7 +185,7 @@ TEST(Grab, CameraThatVanishesEndsTheGrabWithWholeFiles)
     settings["interfaces"][0]["cameras"][0]["startWithStream"] = false;
     settings["misbehaviour"]["devices"].push_back({{"camera", "cam"}, {"vanishAtFrame", 4}});
     Grab grab(settings);
-    const ToolResult result = grab.Run(10, {"--timeout", "100"});
+    const ToolResult result = grab.Run(10, {"--timeout", "1000"});
     EXPECT_NE(result.status, 0);
     EXPECT_THAT(result.err, HasSubstr("koro: "));
     ASSERT_THAT(grab.FileNames(), ElementsAre("cam-000001.png", "cam-000002.png", "cam-000003.png"));

@@ -16,7 +16,6 @@ using namespace koro::test;
 using nlohmann::json;
 using testing::HasSubstr;
 
-
 // The camera is lost at the fourth frame of each acquisition, for as many updates of the list.
 json VanishingCamera(int missingUpdates)
 {
@@ -39,13 +38,8 @@ json ReplugedCamera(const char* afterReplug, const json& conditions = json::obje
     return settings;
 }
 
-Arguments GrabFrames(const TemporaryFolder& folder, const std::string& frames)
-{
-    return {"grab", "cam", "--frames", frames, "--output", folder.File("out"), "--reconnect", "--timeout", "20"};
-}
-
 // A camera that takes its time is not given up.
-Arguments GrabPatiently(const TemporaryFolder& folder, const std::string& frames)
+Arguments GrabFrames(const TemporaryFolder& folder, const std::string& frames)
 {
     return {"grab", "cam", "--frames", frames, "--output", folder.File("out"), "--reconnect", "--timeout", "5000"};
 }
@@ -77,7 +71,7 @@ TEST(GrabReconnect, StreamThatGoesOnByItselfIsNotOpenedAnew)
 {
     const TemporaryFolder folder;
     const json settings = ReplugedCamera("resume", {{"missingUpdates", 2}});
-    const ToolResult result = RunTool(GrabPatiently(folder, "6"), SimulatorWith(folder, settings));
+    const ToolResult result = RunTool(GrabFrames(folder, "6"), SimulatorWith(folder, settings));
     ASSERT_EQ(result.status, 0) << result.err;
     EXPECT_THAT(result.out, HasSubstr("\ncamera lost after 3 pictures\ncamera back, "));
     EXPECT_THAT(result.out, HasSubstr("\npictures        6\n"));
@@ -92,7 +86,7 @@ TEST(GrabReconnect, StreamThatGoesOnByItselfIsNotOpenedAnew)
 TEST(GrabReconnect, CameraThatWasAwayBetweenTwoLooksIsOpenedAnew)
 {
     const TemporaryFolder folder;
-    const ToolResult result = RunTool(GrabPatiently(folder, "5"), SimulatorWith(folder, ReplugedCamera("reopen")));
+    const ToolResult result = RunTool(GrabFrames(folder, "5"), SimulatorWith(folder, ReplugedCamera("reopen")));
     ASSERT_EQ(result.status, 0) << result.err;
     EXPECT_THAT(result.out, HasSubstr("\ncamera lost after 3 pictures\ncamera back, "));
     EXPECT_THAT(result.out, HasSubstr("\nreconnects      1\n"));
@@ -104,7 +98,7 @@ TEST(GrabReconnect, CameraThatIsOpenedAnewIsNotTakenForLostWhenItIsSlow)
     const TemporaryFolder folder;
     json settings = ReplugedCamera("reopen", {{"missingUpdates", 1}});
     settings["interfaces"][0]["cameras"][0]["rate"] = 2; // slower than the tool looks for it
-    const ToolResult result = RunTool(GrabPatiently(folder, "5"), SimulatorWith(folder, settings));
+    const ToolResult result = RunTool(GrabFrames(folder, "5"), SimulatorWith(folder, settings));
     ASSERT_EQ(result.status, 0) << result.err;
     EXPECT_THAT(result.out, HasSubstr("\nreconnects      1\n"));
 }

@@ -7,9 +7,10 @@
 
 #include <chrono>
 #include <fcntl.h>
+#include <future>
+#include <poll.h>
 #include <string>
 #include <sys/stat.h>
-#include <thread>
 #include <unistd.h>
 
 namespace koro::test::wild
@@ -30,13 +31,18 @@ public:
     // Whether somebody waits; who has been started but has not come yet gets ten seconds.
     bool IsWaitedAt()
     {
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-        do
-        {
-            pipe = open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NONBLOCK);
-            if (pipe < 0) std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        } while (pipe < 0 && std::chrono::steady_clock::now() < deadline);
-        return pipe >= 0;
+        auto opened = std::async(std::launch::async, [this] { return open(path.c_str(), O_WRONLY | O_CLOEXEC); });
+        const bool isWaitedAt = opened.wait_for(patience) == std::future_status::ready;
+        const int other = isWaitedAt ? -1 : open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK); // in place of nobody
+        pipe = opened.get();
+        if (other >= 0) close(other);
+        return isWaitedAt;
+    }
+    // After Await(): whether who waited is gone, with the gate closed; who is about to go gets ten seconds.
+    bool IsLeft() const
+    {
+        pollfd waited = {pipe, 0, 0};
+        return poll(&waited, 1, static_cast<int>(std::chrono::milliseconds(patience).count())) == 1;
     }
     void Open()
     {
@@ -45,6 +51,8 @@ public:
     }
 
 private:
+    static constexpr std::chrono::seconds patience{10};
+
     const std::string path;
     int pipe = -1;
 };
