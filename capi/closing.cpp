@@ -68,31 +68,24 @@ public:
             part.isUsed = true;
     }
 
-    // What a call is inside keeps what is above it, and that in turn what is above; so do the roots, which this thread
-    // is inside.
+    // Where a call is inside further down, all that is below the roots keeps what is above it: also what was idle when
+    // it was hidden, since EndActivity on another thread may have come to it afterwards, and may be the last to leave
+    // it. So do the roots, which this thread is inside.
     void KeepAbove()
     {
-        for (std::size_t index = parts.size(); index-- > numRoots;)
+        const std::size_t numKeeping = IsUsedBelow() ? parts.size() : numRoots;
+        for (std::size_t index = 0; index < numKeeping; ++index)
         {
-            if (!parts[index].isUsed) continue;
-            isUsedBelow = true;
-            Part& above = parts[parts[index].above];
-            above.isUsed = true;
-            parts[index].hold->Keep(above.hold);
+            auto& [hold, above, isUsed] = parts[index];
+            hold->Keep(index < numRoots ? hold->HoldAbove() : parts[above].hold);
         }
-        for (std::size_t index = 0; index < numRoots; ++index)
-            parts[index].hold->Keep(parts[index].hold->HoldAbove());
     }
 
-    bool IsUsed() const
-    {
-        return std::any_of(parts.begin(), parts.end(), [](const Part& part) { return part.isUsed; });
-    }
     // Ends the entries of the roots; of what is below them too, if a call is inside anywhere. Where nobody is inside
     // further down than the roots, each object takes what is below it to its own end.
     void RemoveEntries()
     {
-        const bool isUsed = IsUsed();
+        const bool isUsed = IsUsedFrom(0);
         for (std::size_t index = 0; index < parts.size(); ++index)
         {
             if (isUsed || index < numRoots)
@@ -100,7 +93,7 @@ public:
             else
                 parts[index].hold->LeaveToObjectAbove();
         }
-        if (isUsed && !isUsedBelow) GiveToObjectsAbove();
+        if (isUsed && !IsUsedBelow()) GiveToObjectsAbove();
     }
     // What nobody is inside closes here, from the leaves. Where the entries below have stayed, these go with the roots.
     void Drop()
@@ -114,8 +107,16 @@ private:
     {
         std::shared_ptr<Hold> hold;
         std::size_t above = 0; // its place in the list
-        bool isUsed = false;   // by a call, or by a part below
+        bool isUsed = false;   // by a call
     };
+
+    bool IsUsedFrom(std::size_t first) const
+    {
+        return std::any_of(parts.begin() + static_cast<std::ptrdiff_t>(first), parts.end(), [](const Part& part) {
+            return part.isUsed;
+        });
+    }
+    bool IsUsedBelow() const { return IsUsedFrom(numRoots); }
 
     // An object may have several holds: what is below it comes once.
     void AddBelow(std::size_t index)
@@ -145,11 +146,11 @@ private:
     const std::size_t numRoots;
     std::vector<Part> parts;
     std::unordered_set<const Instance*> seen;
-    bool isUsedBelow = false;
 };
 
 // One after the other, since a thread may take its time to end: whoever else is closing meanwhile finds no references
-// of this one.
+// of this one. A reference to what has been hidden meanwhile was not counted as a call, and need not be: either what is
+// below keeps what is above, see KeepAbove, or an object closes after those above it anyway.
 template <class Step>
 void ForEachObject(const std::vector<std::weak_ptr<Hold>>& holds, Step&& step)
 {
