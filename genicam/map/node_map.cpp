@@ -10,6 +10,7 @@
 #include <Base/GCException.h>
 #include <GenApi/GenApiVersion.h>
 #include <GenApi/IPortStacked.h>
+#include <algorithm>
 #include <set>
 #include <utility>
 
@@ -27,6 +28,12 @@ size_t MostDescents(size_t nodeCount)
     return (size_t(1) << 19) + 16 * nodeCount;
 }
 
+// In the orders of callbacks that are kept.
+size_t MostOrderedNodes(size_t nodeCount)
+{
+    return 1000 + 4 * nodeCount;
+}
+
 // Nothing is ever written through these.
 bool IsReadOnlyKind(Element kind)
 {
@@ -37,7 +44,7 @@ bool IsReadOnlyKind(Element kind)
 
 NodeMap::NodeMap(std::shared_ptr<const Description> source, const gcstring& device, CLock* userLock)
     : description(std::move(source)), deviceName(device), lock(userLock ? userLock : &ownLock),
-      maxDescents(MostDescents(description->nodes.size()))
+      filled(description->dependents), maxDescents(MostDescents(description->nodes.size()))
 {
     nodes.reserve(description->nodes.size());
     for (NodeIndex node = 0; node < description->nodes.size(); ++node)
@@ -221,6 +228,7 @@ void NodeMap::Walk(std::vector<Node*>& list, size_t first)
         for (const NodeIndex dependent : description->dependents.Of(list[i]->Index()))
             Meet(*At(dependent), list);
     }
+    walked += list.size() - first;
 }
 
 void NodeMap::Dependents(Node& node, std::vector<Node*>& list)
@@ -258,112 +266,187 @@ void NodeMap::Terminals(Node& node, std::vector<Node*>& list)
     }
 }
 
-void NodeMap::Announce(Node& node)
+Span<NodeIndex> NodeMap::StartsOf(size_t change) const
+{
+    const size_t end = change + 1 < changes.size() ? changes[change + 1].first : changed.size();
+    return {changed.data() + changes[change].first, changed.data() + end};
+}
+
+// Without `withThem` the starts keep their caches, also where one of them depends on another.
+void NodeMap::Drop(Span<NodeIndex> starts, bool withThem)
 {
     NewMark();
-    const size_t first = changed.size();
-    Meet(node, changed);
-    Walk(changed, first);
-    for (size_t i = first; i < changed.size(); ++i)
-        changed[i]->DropCaches();
+    if (!withThem)
+    {
+        for (const NodeIndex start : starts)
+            At(start)->mark = lastMark;
+    }
+    for (const NodeIndex node : filled.Take(starts))
+    {
+        if (At(node)->mark != lastMark) At(node)->DropCaches();
+    }
+    if (withThem) return;
+    for (const NodeIndex start : starts)
+        filled.Add(start);
+}
+
+void NodeMap::Announce(Node& node)
+{
+    BeginChange(true);
+    changed.push_back(node.Index());
+    Drop(StartsOf(changes.size() - 1), true);
 }
 
 void NodeMap::Announce(const std::vector<Node*>& several)
 {
-    NewMark();
-    const size_t first = changed.size();
+    BeginChange(true);
     for (Node* const node : several)
-        Meet(*node, changed);
-    Walk(changed, first);
-    for (size_t i = first; i < changed.size(); ++i)
-        changed[i]->DropCaches();
+        changed.push_back(node->Index());
+    Drop(StartsOf(changes.size() - 1), true);
 }
 
 void NodeMap::AnnounceAlone(const std::vector<Node*>& several)
 {
+    BeginChange(false);
     for (Node* const node : several)
+    {
         node->DropCaches();
-    changed.insert(changed.end(), several.begin(), several.end());
+        changed.push_back(node->Index());
+    }
 }
 
 void NodeMap::AnnounceWrite(Node& node)
 {
     terminals.clear();
     Terminals(node, terminals);
-    NewMark();
-    const size_t first = changed.size();
-    Meet(node, changed);
+    BeginChange(true);
+    changed.push_back(node.Index());
     for (Node* const terminal : terminals)
-        Meet(*terminal, changed);
-    const size_t written = changed.size();
-    Walk(changed, first);
-    for (size_t i = written; i < changed.size(); ++i)
-        changed[i]->DropCaches();
-    // A node that is written keeps its own caches, unless it also depends on another one that is written.
-    for (size_t i = first; i < written; ++i)
     {
-        for (const NodeIndex dependent : description->dependents.Of(changed[i]->Index()))
-        {
-            if (At(dependent) == &node) node.DropCaches();
-        }
+        if (terminal != &node) changed.push_back(terminal->Index());
+    }
+    const Span<NodeIndex> starts = StartsOf(changes.size() - 1);
+    Drop(starts, false);
+    // A node that is written keeps its own caches, unless it also depends on another one that is written.
+    for (const NodeIndex written : starts)
+    {
+        const Span<NodeIndex> dependents = description->dependents.Of(written);
+        if (std::binary_search(dependents.begin(), dependents.end(), node.Index())) node.DropCaches();
     }
 }
 
 void NodeMap::DropDependents(const Node& node)
 {
-    dropped.clear();
-    Dependents(*At(node.Index()), dropped);
-    for (Node* const dependent : dropped)
-        dependent->DropCaches();
+    const NodeIndex start = node.Index();
+    Drop({&start, &start + 1}, false);
 }
 
 void NodeMap::DropInvalidatedBy(const Node& node)
 {
-    dropped.clear();
-    NewMark();
-    for (const NodeIndex dependent : description->dependents.Of(node.Index()))
-    {
-        ForEachLink(*description, dependent, [&](NodeIndex target, Property link) {
-            if (link == Property::pInvalidator && target == node.Index()) Meet(*At(dependent), dropped);
-        });
-    }
-    Walk(dropped, 0);
-    for (Node* const invalidated : dropped)
-        invalidated->DropCaches();
+    Drop(description->invalidated.Of(node.Index()), true);
 }
 
 void NodeMap::DropChanged(bool written)
 {
-    for (Node* const node : changed)
-        written ? node->DropCaches() : node->DropValue();
+    for (size_t change = 0; change < changes.size(); ++change)
+    {
+        const Span<NodeIndex> starts = StartsOf(change);
+        if (changes[change].withDependents)
+        {
+            DropChange(starts, written);
+            continue;
+        }
+        for (const NodeIndex node : starts)
+            written ? At(node)->DropCaches() : At(node)->DropValue();
+    }
+}
+
+void NodeMap::DropChange(Span<NodeIndex> starts, bool written)
+{
+    if (written) return Drop(starts, true);
+    dropped = filled.Take(starts);
+    for (const NodeIndex node : dropped)
+        At(node)->DropValue();
+    for (const NodeIndex node : dropped) // which keep their other caches
+        filled.Add(node);
 }
 
 CallbackList NodeMap::CollectCallbacks()
 {
     CallbackList list;
     if (entryDepth > 1) return list;
-    if (suppressMode == csmOff)
-    {
-        NewMark();
-        for (Node* const node : changed)
-        {
-            if (node->mark == lastMark) continue; // several writes of one operation
-            node->mark = lastMark;
-            list.Add(node->callbacks);
-        }
-    }
+    if (suppressMode == csmOff && nodesWithCallbacks > 0) AddCallbacks(list);
     if (suppressMode == csmOnce) suppressMode = csmOff;
     changed.clear();
+    changes.clear();
     return list;
+}
+
+void NodeMap::AddCallbacks(CallbackList& list)
+{
+    Order called;
+    for (size_t change = 0; change < changes.size(); ++change)
+    {
+        const Span<NodeIndex> starts = StartsOf(change);
+        if (!changes[change].withDependents)
+        {
+            called.insert(called.end(), starts.begin(), starts.end());
+            continue;
+        }
+        const Order& order = CallbackOrder(starts);
+        called.insert(called.end(), order.begin(), order.end());
+    }
+    NewMark();
+    for (const NodeIndex node : called)
+    {
+        if (At(node)->mark == lastMark) continue; // several writes of one operation
+        At(node)->mark = lastMark;
+        list.Add(At(node)->callbacks);
+    }
+}
+
+// The nodes with callbacks among the starts and their dependents, in the order of the walk. The first change that
+// starts so walks; others find the order kept, while the same nodes have callbacks and there is room.
+const NodeMap::Order& NodeMap::CallbackOrder(Span<NodeIndex> starts)
+{
+    Order key(starts.begin(), starts.end());
+    const auto known = callbackOrders.find(key);
+    if (known != callbackOrders.end()) return known->second;
+    std::vector<Node*> list;
+    NewMark();
+    for (const NodeIndex start : starts)
+        Meet(*At(start), list);
+    Walk(list, 0);
+    Order order;
+    for (const Node* const node : list)
+    {
+        if (!node->callbacks.empty()) order.push_back(node->Index());
+    }
+    const size_t size = key.size() + order.size();
+    if (orderedNodes + size > MostOrderedNodes(nodes.size())) ForgetOrders();
+    orderedNodes += size;
+    return callbackOrders.emplace(std::move(key), std::move(order)).first->second;
+}
+
+void NodeMap::ForgetOrders()
+{
+    callbackOrders.clear();
+    orderedNodes = 0;
+}
+
+void NodeMap::CountNodeWithCallbacks(bool more)
+{
+    more ? ++nodesWithCallbacks : --nodesWithCallbacks;
+    ForgetOrders();
 }
 
 void NodeMap::DropAll()
 {
-    NewMark();
+    BeginChange(false);
     for (const std::unique_ptr<Node>& node : nodes)
     {
         node->DropCaches();
-        Meet(*node, changed);
+        changed.push_back(node->Index());
     }
 }
 

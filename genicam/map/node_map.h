@@ -5,6 +5,7 @@
 #pragma once
 
 #include "map/callback_list.h"
+#include "map/filled_caches.h"
 #include "nodes/node.h"
 #include "nodes/register_cache.h"
 
@@ -12,6 +13,7 @@
 #include <GenApi/IDeviceInfo.h>
 #include <GenApi/INodeMap.h>
 #include <GenApi/IUserData.h>
+#include <map>
 
 namespace GENAPI_NAMESPACE::runtime
 {
@@ -90,8 +92,12 @@ public:
     void Dependents(Node& node, std::vector<Node*>& list);
     // Adds what depends on the nodes of the list; each node is there once.
     void AddDependents(std::vector<Node*>& list);
+    // Something came into the caches of the node. A drop passes over nodes of which that was not reported.
+    void NoteFilled(const Node& node) { filled.Add(node.Index()); }
     // Drops the caches of everything that depends on the node.
     void DropDependents(const Node& node);
+    // Drops the caches of these nodes and of everything that depends on them.
+    void DropWithDependents(Span<NodeIndex> starts) { Drop(starts, true); }
     // Drops the caches of the nodes that name this one as pInvalidator, and of what depends on those.
     void DropInvalidatedBy(const Node& node);
     // Drops the values of all remembered nodes, since a write among them failed; and all their caches if something had
@@ -102,8 +108,12 @@ public:
     // null.
     template <class Act>
     void Operate(const Node* node, const char* operation, const Act& act);
+    // A node has its first callback, or has none left.
+    void CountNodeWithCallbacks(bool more);
     // Ends with the map: an adapter may outlive it.
     std::weak_ptr<const void> Life() const { return life; }
+    // How many nodes were visited for drops and for callbacks so far; for tests.
+    uint64_t Visits() const { return filled.Visits() + walked; }
 
 private:
     friend class Entry;
@@ -118,9 +128,24 @@ private:
         bool running; // in the poll that is at work
     };
 
+    // The nodes of `changed` from `first` to the next change, by themselves or with their dependents.
+    struct Change
+    {
+        size_t first;
+        bool withDependents;
+    };
+    using Order = std::vector<NodeIndex>;
+
     void Walk(std::vector<Node*>& list, size_t first);
+    void BeginChange(bool withDependents) { changes.push_back({changed.size(), withDependents}); }
+    Span<NodeIndex> StartsOf(size_t change) const;
+    void Drop(Span<NodeIndex> starts, bool withThem);
+    void DropChange(Span<NodeIndex> starts, bool written);
     void DropAll();
     CallbackList CollectCallbacks();
+    void AddCallbacks(CallbackList& list);
+    const Order& CallbackOrder(Span<NodeIndex> starts);
+    void ForgetOrders();
 
     const std::shared_ptr<const void> life = std::make_shared<char>();
     std::shared_ptr<const Description> description;
@@ -129,6 +154,7 @@ private:
     CLock* lock;
     RegisterCache registers;
     std::vector<std::unique_ptr<Node>> nodes;
+    FilledCaches filled;
     std::vector<PollState> polled;
     UserData_t userData = nullptr;
 
@@ -143,10 +169,15 @@ private:
     const size_t maxDescents; // before "Too many nodes are read for one value"
     bool unrestricted = false;
     uint32_t lastMark = 0;
-    std::vector<Node*> changed;   // by the operation at work
-    std::vector<Node*> terminals; // scratch
-    std::vector<Node*> passed;    // scratch
-    std::vector<Node*> dropped;   // scratch
+    uint64_t walked = 0;
+    std::vector<NodeIndex> changed; // by the operation at work
+    std::vector<Change> changes;    // of the same operation
+    std::vector<Node*> terminals;   // scratch
+    std::vector<Node*> passed;      // scratch
+    Order dropped;                  // scratch
+    size_t nodesWithCallbacks = 0;
+    std::map<Order, Order> callbackOrders; // by starts; until a node gets its first callback or loses its last one
+    size_t orderedNodes = 0;               // in them
     ECallbackSuppressMode suppressMode = csmOff;
 };
 

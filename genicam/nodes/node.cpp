@@ -141,11 +141,14 @@ EAccessMode Node::ComputedMode() const
             const EAccessMode most = Kind() == Element::Category ? RO : RW;
             cachedMode = static_cast<uint8_t>(Combine(most, ImposedMode()));
             conditionFailed = true;
+            NoteFilled();
         }
         throw;
     }
     modeInWork = false;
-    if (cached && AccessCacheable()) cachedMode = static_cast<uint8_t>(mode);
+    if (!cached || !AccessCacheable()) return mode;
+    cachedMode = static_cast<uint8_t>(mode);
+    NoteFilled();
     return mode;
 }
 
@@ -333,6 +336,11 @@ ECachingMode Node::CachingMode() const
     return static_cast<ECachingMode>(cachedCaching);
 }
 
+void Node::NoteFilled() const
+{
+    map.NoteFilled(*this);
+}
+
 void Node::DropCaches()
 {
     cachedMode = _UndefinedAccesMode;
@@ -445,7 +453,11 @@ CallbackHandleType Node::RegisterCallback(CNodeCallback* pCallback)
 {
     if (!pCallback) throw INVALID_ARGUMENT_EXCEPTION("A callback must not be NULL");
     const Entry entry(*this, "RegisterCallback");
-    if (FindCallback(pCallback) == callbacks.end()) callbacks.push_back(std::make_shared<Registration>(pCallback));
+    if (FindCallback(pCallback) == callbacks.end())
+    {
+        callbacks.push_back(std::make_shared<Registration>(pCallback));
+        if (callbacks.size() == 1) map.CountNodeWithCallbacks(true);
+    }
     return reinterpret_cast<CallbackHandleType>(pCallback);
 }
 
@@ -457,6 +469,7 @@ bool Node::DeregisterCallback(CallbackHandleType hCallback)
     const std::shared_ptr<Registration> ended = *found; // destroyed when the list is whole again
     ended->End();
     callbacks.erase(found);
+    if (callbacks.empty()) map.CountNodeWithCallbacks(false);
     return true;
 }
 

@@ -122,6 +122,8 @@ public:
     virtual bool IsPolled() { return true; }
     // A node that cannot be read blocks nothing; it joins `unreadable` and is not asked again.
     bool IsPollingBlocked(std::set<const Node*>& unreadable) const;
+    // Whoever puts something into a cache of this node says so here; see FilledCaches.
+    void NoteFilled() const;
     // Drops value, range and access caches.
     virtual void DropCaches();
     // Drops the value that was made of other nodes or of bytes; the bytes of a register stay.

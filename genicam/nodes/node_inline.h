@@ -21,6 +21,7 @@ inline Entry::Entry(NodeMap& owner, const Node* node, const char* operation) : m
     map.entryNode = node;
     map.entryOperation = operation;
     map.changed.clear();
+    map.changes.clear();
 }
 
 inline Entry::~Entry()

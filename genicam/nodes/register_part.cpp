@@ -4,8 +4,6 @@
 #include "nodes/port_node.h"
 
 #include <Base/GCException.h>
-#include <algorithm>
-#include <iterator>
 #include <string.h>
 
 namespace GENAPI_NAMESPACE::runtime
@@ -97,6 +95,7 @@ int64_t RegisterPart::Address(ReadOptions options)
     }
     address = sum;
     addressKnown = cachable;
+    if (addressKnown) node.NoteFilled();
     return address;
 }
 
@@ -156,6 +155,7 @@ RegisterCache::Block* RegisterPart::Block(int64_t start, int64_t length)
     if (block && block->place == place) return block;
     Release();
     block = node.Map().Registers().Acquire(place, node);
+    if (block->valid) node.NoteFilled();
     return block;
 }
 
@@ -207,7 +207,7 @@ void RegisterPart::ReadBytes(uint8_t* bytes, int64_t count, ReadOptions options)
     // The length may have changed while the device answered.
     if (Length(options.verify) != length) return;
     cache->bytes.assign(bytes, bytes + length);
-    cache->valid = true;
+    Fill(*cache);
 }
 
 void RegisterPart::WriteBytes(const uint8_t* bytes, int64_t count, bool verify)
@@ -237,23 +237,29 @@ void RegisterPart::WriteBytes(const uint8_t* bytes, int64_t count, bool verify)
     if (!known) return;
     cache->bytes.resize(static_cast<size_t>(length));
     memcpy(cache->bytes.data(), bytes, static_cast<size_t>(count));
-    cache->valid = true;
+    Fill(*cache);
+}
+
+// The bytes are known now, to all nodes that lie there.
+void RegisterPart::Fill(RegisterCache::Block& filled)
+{
+    filled.valid = true;
+    for (const Node* const user : filled.users)
+        user->NoteFilled();
 }
 
 // What other registers know of the place: their values and what is made of them.
 void RegisterPart::DropOverlapping(const RegisterCache::Place& place)
 {
-    std::vector<Node*> users;
+    std::vector<NodeIndex> users;
     node.Map().Registers().ForEachOverlapping(place, [&](RegisterCache::Block& overlapping) {
         overlapping.valid = false;
-        std::copy_if(overlapping.users.begin(), overlapping.users.end(), std::back_inserter(users), [this](Node* user) {
-            return user != &node;
-        });
+        for (const Node* const user : overlapping.users)
+        {
+            if (user != &node) users.push_back(user->Index());
+        }
     });
-    if (users.empty()) return;
-    node.Map().AddDependents(users);
-    for (Node* const outdated : users)
-        outdated->DropCaches();
+    if (!users.empty()) node.Map().DropWithDependents({users.data(), users.data() + users.size()});
 }
 
 void RegisterPart::DropBytes()

@@ -42,6 +42,7 @@ private:
     void Release();
     // The length; RangeError when `count` bytes are more.
     int64_t LengthFor(int64_t count, bool verify);
+    void Fill(RegisterCache::Block& filled);
     void DropOverlapping(const RegisterCache::Place& place);
     const PropertyRecord* OffsetBehind(const PropertyRecord* index) const;
     int64_t IndexPart(const PropertyRecord* record, ReadOptions options);

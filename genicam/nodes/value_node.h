@@ -37,6 +37,7 @@ protected:
         const Descent descent(*this);
         cached = read();
         valueCached = !options.ignoreCache && CachingMode() != NoCache;
+        if (valueCached) NoteFilled();
         return cached;
     }
 
@@ -49,6 +50,7 @@ protected:
         write();
         cached = value;
         valueCached = CachingMode() == WriteThrough;
+        if (valueCached) NoteFilled();
     }
 
     bool valueCached = false;

@@ -110,7 +110,8 @@ public:
 
     // Links against the direction of the file; see links.h.
     NodeLists parents;    // by reading links, and an enumeration for its entries
-    NodeLists dependents; // parents, nodes with this one as pInvalidator, and what this one selects
+    NodeLists dependents; // parents, nodes with this one as pInvalidator, and what this one selects; in rising order
+    NodeLists invalidated; // the nodes with this one as pInvalidator
     NodeLists selected;   // by pSelected, and what depends on a selected selector
     NodeLists selecting;  // the reverse, nearest selector first
     NodeLists namedBy;    // the selectors among those that name the node in pSelected

@@ -74,6 +74,7 @@ public:
         GatherEdges(description.parents, Count(), [this](const auto& add) { ForEachParent(add); });
         FillSelection(description, sources);
         GatherEdges(description.dependents, Count(), [this](const auto& add) { ForEachDependent(add); });
+        GatherEdges(description.invalidated, Count(), [this](const auto& add) { ForEachInvalidated(add); });
         MarkFeatures();
     }
 
@@ -98,6 +99,8 @@ private:
     void ForEachParent(const Add& add) const;
     template <class Add>
     void ForEachDependent(const Add& add) const;
+    template <class Add>
+    void ForEachInvalidated(const Add& add) const;
     void MarkFeatures();
 
     Description& description;
@@ -229,6 +232,17 @@ void Resolver::ForEachDependent(const Add& add) const
         });
         for (const NodeIndex selector : description.selecting.Of(node))
             add(selector, node);
+    }
+}
+
+template <class Add>
+void Resolver::ForEachInvalidated(const Add& add) const
+{
+    for (NodeIndex node = 0; node < Count(); ++node)
+    {
+        ForEachLink(description, node, [&](NodeIndex target, Property link) {
+            if (link == P::pInvalidator) add(target, node);
+        });
     }
 }
 

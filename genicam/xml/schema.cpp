@@ -11,10 +11,10 @@ namespace GENAPI_NAMESPACE::runtime
 namespace
 {
 
-const size_t elementCount = static_cast<size_t>(Element::Count);
-const size_t propertyCount = static_cast<size_t>(Property::Count);
+const size_t numElements = static_cast<size_t>(Element::Count);
+const size_t numProperties = static_cast<size_t>(Property::Count);
 
-typedef std::bitset<propertyCount> Properties;
+typedef std::bitset<numProperties> Properties;
 using P = Property;
 
 Properties Set(std::initializer_list<Property> list)
@@ -29,7 +29,7 @@ Properties Set(std::initializer_list<Property> list)
 struct Schema
 {
     Schema();
-    Properties children[elementCount];
+    Properties children[numElements];
     Properties& operator[](Element element) { return children[static_cast<size_t>(element)]; }
 };
 

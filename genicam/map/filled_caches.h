@@ -1,0 +1,63 @@
+// FilledCaches: which nodes may have something in their caches, and where among their dependents such nodes are, so
+// that a drop visits these and not all dependents.
+//
+// Owned by the node map, used with its lock held. The links from a node to those that depend on it do not change; each
+// is open or closed. A node is entered when something comes into its caches. Two rules hold between calls: all links to
+// an entered node are open, and the node that an open link comes from is entered, too. So the open links lead from any
+// node to everything filled that depends on it. A node without anything in its caches may be entered: it is visited in
+// vain, once. A link is opened again only after a visit has closed it, so this costs no more than the visits
+// themselves.
+#pragma once
+
+#include "xml/description.h"
+
+#include <stdint.h>
+#include <vector>
+
+namespace GENAPI_NAMESPACE::runtime
+{
+
+class FilledCaches
+{
+public:
+    explicit FilledCaches(const NodeLists& dependents);
+    FilledCaches(const FilledCaches&) = delete;
+    FilledCaches& operator=(const FilledCaches&) = delete;
+
+    // Something comes into the caches of the node.
+    void Add(NodeIndex node) noexcept
+    {
+        if (!nodes[node].entered) AddNew(node);
+    }
+    // Takes out the entered nodes among these and all that depend on them; valid until the next call.
+    const std::vector<NodeIndex>& Take(Span<NodeIndex> starts) noexcept;
+    // How many nodes were entered and taken so far; for tests.
+    uint64_t Visits() const { return visits; }
+
+private:
+    using Link = uint32_t; // position in dependents.nodes
+    static constexpr Link none = UINT32_MAX;
+
+    // The first link of each list; `next` has the others.
+    struct NodeState
+    {
+        Link open = none;   // from the node
+        Link closed = none; // to the node
+        bool entered = false;
+    };
+
+    void AddNew(NodeIndex node) noexcept;
+    void Enter(NodeIndex node) noexcept;
+    void Leave(NodeIndex node) noexcept;
+    void OpenLinksTo(NodeIndex node) noexcept;
+    void CloseLinksFrom(NodeIndex node) noexcept;
+
+    const NodeLists& dependents;
+    std::vector<NodeState> nodes;
+    std::vector<NodeIndex> sources; // of each link
+    std::vector<Link> next;         // in the list that the link is in
+    std::vector<NodeIndex> met;     // by the call at work, each node once; has room for all
+    uint64_t visits = 0;
+};
+
+} // namespace GENAPI_NAMESPACE::runtime
