@@ -257,11 +257,12 @@ void NodeMap::Terminals(Node& node, std::vector<Node*>& list)
     for (size_t i = 0; i < passed.size(); ++i)
     {
         bool writes = false;
-        ForEachLink(*description, passed[i]->Index(), [&](NodeIndex target, Property link) {
-            if (!IsWriteLink(link)) return;
+        for (const PropertyRecord& record : description->EssentialsOf(passed[i]->Index()))
+        {
+            if (!IsWriteLink(record.property)) continue;
             writes = true;
-            Meet(*At(target), passed);
-        });
+            Meet(*At(record.node), passed);
+        }
         if (!writes && !IsReadOnlyKind(passed[i]->Kind())) list.push_back(passed[i]);
     }
 }

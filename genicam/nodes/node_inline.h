@@ -3,6 +3,7 @@
 
 #include "map/node_map.h"
 #include "nodes/node.h"
+#include "xml/links.h"
 
 namespace GENAPI_NAMESPACE::runtime
 {
@@ -33,7 +34,8 @@ inline Entry::~Entry()
 template <class Act>
 void Node::ForEachLinked(Property property, const Act& act) const
 {
-    for (const PropertyRecord& record : Source().PropertiesOf(index))
+    for (const PropertyRecord& record :
+         IsWalkedInUse(property) ? Source().EssentialsOf(index) : Source().PropertiesOf(index))
     {
         if (record.property == property) act(*map.At(record.node));
     }

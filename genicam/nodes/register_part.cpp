@@ -83,7 +83,7 @@ int64_t RegisterPart::Address(ReadOptions options)
     const Description& source = node.Source();
     int64_t sum = 0;
     bool cachable = true;
-    const Span<PropertyRecord> records = source.PropertiesOf(node.Index());
+    const Span<PropertyRecord> records = source.EssentialsOf(node.Index());
     for (const PropertyRecord* record = records.begin(); record != records.end(); ++record)
     {
         if (record->property == Property::Address) sum = Sum(sum, record->number);
@@ -102,7 +102,7 @@ int64_t RegisterPart::Address(ReadOptions options)
 // The offset stands behind its index; null without one.
 const PropertyRecord* RegisterPart::OffsetBehind(const PropertyRecord* index) const
 {
-    if (index + 1 == node.Source().PropertiesOf(node.Index()).end()) return nullptr;
+    if (index + 1 == node.Source().EssentialsOf(node.Index()).end()) return nullptr;
     const Property next = index[1].property;
     return next == Property::Offset || next == Property::pOffset ? index + 1 : nullptr;
 }
@@ -127,7 +127,7 @@ EAccessMode RegisterPart::LinkedMode() const
 {
     if (!port) return NI;
     EAccessMode mode = port->AccessMode();
-    for (const PropertyRecord& record : node.Source().PropertiesOf(node.Index()))
+    for (const PropertyRecord& record : node.Source().EssentialsOf(node.Index()))
     {
         if (!IsPlace(record.property)) continue;
         const EAccessMode source = node.Map().At(record.node)->AccessMode();
@@ -140,7 +140,7 @@ ECachingMode RegisterPart::Caching(ECachingMode absent) const
 {
     const PropertyRecord* const own = node.Source().Find(node.Index(), Property::Cachable);
     ECachingMode mode = own ? static_cast<ECachingMode>(own->number) : absent;
-    for (const PropertyRecord& record : node.Source().PropertiesOf(node.Index()))
+    for (const PropertyRecord& record : node.Source().EssentialsOf(node.Index()))
     {
         if (!IsPlace(record.property) || record.property == Property::pLength) continue;
         mode = Combine(mode, node.Map().At(record.node)->CachingMode());

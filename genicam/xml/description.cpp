@@ -12,9 +12,17 @@ Span<PropertyRecord> Description::PropertiesOf(NodeIndex node) const
     return {first, first + record.propertyCount};
 }
 
+Span<PropertyRecord> Description::EssentialsOf(NodeIndex node) const
+{
+    const NodeRecord& record = nodes[node];
+    if (record.essentialCount == 0) return PropertiesOf(node);
+    const PropertyRecord* const first = properties.data() + record.firstEssential;
+    return {first, first + record.essentialCount};
+}
+
 const PropertyRecord* Description::Find(NodeIndex node, Property property) const
 {
-    for (const PropertyRecord& record : PropertiesOf(node))
+    for (const PropertyRecord& record : EssentialsOf(node))
     {
         if (record.property == property) return &record;
     }

@@ -45,6 +45,8 @@ struct NodeRecord
     TextPlace name;
     uint32_t firstProperty;
     uint32_t propertyCount;
+    uint32_t firstEssential;
+    uint32_t essentialCount; // 0: all properties are essential
     uint32_t sourceOffset; // bytes from the start of the XML text to the element
     NodeIndex madeBy;      // the node whose element brings this one along: entries, parts of formulas; else noNode
     Element element;       // None: mentioned, not (yet) there
@@ -92,6 +94,9 @@ class Description
 {
 public:
     Span<PropertyRecord> PropertiesOf(NodeIndex node) const;
+    // Those that are looked at while nodes are used, in the same order. Of a property that a node may have any number
+    // of times, and that its use does not walk through, only the first one is among them.
+    Span<PropertyRecord> EssentialsOf(NodeIndex node) const;
     // The first record of the property, or null.
     const PropertyRecord* Find(NodeIndex node, Property property) const;
     std::string_view Text(TextPlace place) const { return {texts.data() + place.offset, place.length}; }
@@ -104,7 +109,7 @@ public:
 
     DeviceRecord device;
     std::vector<NodeRecord> nodes;
-    std::vector<PropertyRecord> properties;
+    std::vector<PropertyRecord> properties; // of all nodes, then the essentials that are kept apart
     std::string texts;
     NameTable names;
 

@@ -6,6 +6,7 @@
 #include <Base/GCException.h>
 #include <GenApi/Types.h>
 #include <algorithm>
+#include <bitset>
 
 namespace GENAPI_NAMESPACE::runtime
 {
@@ -14,6 +15,8 @@ namespace
 {
 
 using P = Property;
+
+const size_t fewProperties = 16;
 
 bool IsNumberKind(Element element)
 {
@@ -76,6 +79,8 @@ public:
         GatherEdges(description.dependents, Count(), [this](const auto& add) { ForEachDependent(add); });
         GatherEdges(description.invalidated, Count(), [this](const auto& add) { ForEachInvalidated(add); });
         MarkFeatures();
+        for (NodeIndex node = 0; node < Count(); ++node)
+            SetEssentialsApart(node);
     }
 
 private:
@@ -102,6 +107,7 @@ private:
     template <class Add>
     void ForEachInvalidated(const Add& add) const;
     void MarkFeatures();
+    void SetEssentialsApart(NodeIndex node);
 
     Description& description;
     const SourceTexts& sources;
@@ -265,6 +271,26 @@ void Resolver::MarkFeatures()
     }
 }
 
+// A selector of thousands of features would otherwise be searched through at each use.
+void Resolver::SetEssentialsApart(NodeIndex node)
+{
+    const Span<PropertyRecord> all = description.PropertiesOf(node);
+    if (all.size() <= fewProperties) return;
+    std::bitset<static_cast<size_t>(P::Count)> met;
+    std::vector<PropertyRecord> essentials;
+    for (const PropertyRecord& record : all)
+    {
+        const size_t property = static_cast<size_t>(record.property);
+        if (!met.test(property) || IsWalkedInUse(record.property)) essentials.push_back(record);
+        met.set(property);
+    }
+    if (2 * essentials.size() > all.size()) return;
+    NodeRecord& record = description.nodes[node];
+    record.firstEssential = static_cast<uint32_t>(description.properties.size());
+    record.essentialCount = static_cast<uint32_t>(essentials.size());
+    description.properties.insert(description.properties.end(), essentials.begin(), essentials.end());
+}
+
 } // namespace
 
 bool IsReadLink(Property property)
@@ -285,6 +311,23 @@ bool IsReadLink(Property property)
 bool IsWriteLink(Property property)
 {
     return property == P::pConvertTo || property == P::pConvertFrom || IsValueLink(property);
+}
+
+bool IsWalkedInUse(Property property)
+{
+    switch (property)
+    {
+    case P::Address:
+    case P::Offset:
+    case P::pAddress:
+    case P::pError:
+    case P::pIndex:
+    case P::pLength:
+    case P::pOffset:
+        return true;
+    default:
+        return IsWriteLink(property);
+    }
 }
 
 bool IsValueLink(Property property)

@@ -14,6 +14,9 @@ bool IsWriteLink(Property property);
 // The value itself lies behind it: copies and indexed values, not the index.
 bool IsValueLink(Property property);
 
+// The use of a node walks through all of these; each is among its essential properties.
+bool IsWalkedInUse(Property property);
+
 // Calls `act` with each linked node and its property, in the order of the file.
 template <class Act>
 void ForEachLink(const Description& description, NodeIndex node, const Act& act)
@@ -28,7 +31,8 @@ void ForEachLink(const Description& description, NodeIndex node, const Act& act)
 // told.
 typedef std::vector<std::string_view> SourceTexts;
 
-// Checks names, types and circles, then fills the reverse lists and marks the features. Throws RuntimeException.
+// Checks names, types and circles, then fills the reverse lists, marks the features and sets the essential properties
+// apart. Throws RuntimeException.
 void ResolveLinks(Description& description, const SourceTexts& sources);
 
 // "Node 'Gain' at line 12", with the number of an injected description.

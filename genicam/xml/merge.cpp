@@ -289,6 +289,7 @@ void Merger::EmitProperties(const std::vector<std::vector<PropertyRecord>>& prop
         record.madeBy = maker == noNode ? noNode : emitted[maker];
         record.firstProperty = static_cast<uint32_t>(result->properties.size());
         record.propertyCount = static_cast<uint32_t>(properties[pair].size());
+        record.essentialCount = 0; // not known yet
         for (PropertyRecord property : properties[pair])
         {
             if (IsLink(property.property)) property.node = emitted[property.node];

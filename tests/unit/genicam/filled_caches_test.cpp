@@ -183,4 +183,27 @@ TEST(FilledCaches, ACallbackBehindTheSelectorDoesNotMakeThemMore)
         EXPECT_LT(VisitsFor(800, name), 5 * VisitsFor(200, name)) << name;
 }
 
+TEST(EssentialProperties, OfALongSelectorAreFewAndKeepFirstsAndOrder)
+{
+    const SmallMap map(
+        ManyBehindASelector(500, "<pError>E</pError><Value>1</Value><pError>F</pError>") +
+        "<Enumeration Name=\"E\"><EnumEntry Name=\"Fine\"><Value>0</Value></EnumEntry><Value>0</Value>"
+        "</Enumeration><Enumeration Name=\"F\"><EnumEntry Name=\"Fine\"><Value>0</Value></EnumEntry>"
+        "<Value>0</Value></Enumeration>");
+    const Description& source = dynamic_cast<const NodeMap&>(*map.map).Source();
+    const NodeIndex selector = source.FindNode("S");
+    std::vector<Property> kept;
+    for (const PropertyRecord& record : source.EssentialsOf(selector))
+        kept.push_back(record.property);
+    const std::vector<Property> expected = {Property::pSelected, Property::pError, Property::Value,
+                                            Property::pError,    Property::Min,    Property::Max};
+    EXPECT_EQ(kept, expected);
+    EXPECT_EQ(source.PropertiesOf(selector).size(), 505u);
+    EXPECT_EQ(source.NameOf(source.Find(selector, Property::pSelected)->node), "N0");
+    const CSelectorPtr named = map.Node("S");
+    FeatureList_t selected;
+    named->GetSelectedFeatures(selected);
+    EXPECT_EQ(selected.size(), 500u);
+}
+
 } // namespace
