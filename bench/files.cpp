@@ -1,5 +1,6 @@
 // What the settings of a camera and its files cost through the exports, beside the GenICam runtime alone and beside the
-// bare accesses to the same registers.
+// bare accesses to the same registers; then settings of many features behind one selector, for one feature, which must
+// not cost more where there are more.
 #include "bench/measure.h"
 #include "bench/producer_access.h"
 #include "bench/runtime_map.h"
@@ -226,6 +227,61 @@ void PrintSettings(const Effort& effort)
         [&] { Require(KORO_NodeMap_LoadFromFile(map, file.path.c_str(), file.path.size() + 1)); }, microsecond);
 }
 
+// Features that have a register for each of two places of one selector.
+// The producer keeps all registers in 4 KiB; none of these shares its place there with the selector.
+std::string DescribedBehindOneSelector(std::size_t count)
+{
+    std::string names;
+    std::string selected;
+    std::string nodes;
+    for (std::size_t number = 0; number < count; ++number)
+    {
+        const std::string name = "Feature" + std::to_string(number);
+        names += "<pFeature>" + name + "</pFeature>";
+        selected += "<pSelected>" + name + "</pSelected>";
+        nodes += "<Integer Name=\"" + name + "\"><Streamable>Yes</Streamable><pValue>" + name +
+                 "Reg</pValue></Integer>" +
+                 Register(name + "Reg", 32 * number, "RW", "<pIndex Offset=\"8\">Selector</pIndex>");
+    }
+    return Described(
+        "<Category Name=\"Root\">" + names + "</Category><Integer Name=\"Selector\"><pValue>SelectorReg</pValue>" +
+        "<Min>0</Min><Max>1</Max>" + selected + "</Integer>" + Register("SelectorReg", 16, "RW") + nodes);
+}
+
+// Microseconds for one feature: stored, loaded.
+std::vector<double> OneFeatureOf(std::size_t count)
+{
+    const ServedDescription served(DescribedBehindOneSelector(count));
+    Tree tree;
+    const KORO_NodeMapHandle map = NodeMapOf(tree.OpenDevice(0));
+    const TemporaryFile file;
+    const auto store = [&] { Require(KORO_NodeMap_StoreToFile(map, file.path.c_str(), file.path.size() + 1)); };
+    const auto load = [&] { Require(KORO_NodeMap_LoadFromFile(map, file.path.c_str(), file.path.size() + 1)); };
+    store(); // the first use makes the nodes
+    const double scale = microsecond * static_cast<double>(count);
+    return {ProcessorNanosecondsPerCall(1, store) / scale, ProcessorNanosecondsPerCall(1, load) / scale};
+}
+
+void PrintGrowth(bool quick)
+{
+    const std::size_t few = quick ? 50 : 2000;
+    std::vector<std::vector<double>> columns;
+    std::printf("\n%-34s", "us per feature behind one selector");
+    for (const std::size_t count : {few, 2 * few, 4 * few})
+    {
+        columns.push_back(OneFeatureOf(count));
+        std::printf(" %10zu", count);
+    }
+    const char* const names[] = {"settings stored", "settings loaded"};
+    for (std::size_t row = 0; row < 2; ++row)
+    {
+        std::printf("\n%-34s", names[row]);
+        for (const std::vector<double>& column : columns)
+            std::printf(" %10.1f", column[row]);
+    }
+    std::printf("\n");
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -238,6 +294,7 @@ int main(int argc, char** argv)
         PrintTransfers(effort, 65536);
         PrintTransfers(effort, 512);
         PrintSettings(effort);
+        PrintGrowth(effort.rounds == 1);
     }
     catch (const std::exception& exception)
     {
