@@ -131,15 +131,12 @@ private:
         }
     }
 
-    // Each to its own, so that the order is the one without a call.
-    void GiveToObjectsAbove()
+    // Each to its own, so that the order is the one without a call. The references here stay for what comes before the
+    // drop, and are not the last ones then.
+    void GiveToObjectsAbove() const
     {
-        std::vector<Instance*> objects;
-        for (const auto& part : parts)
-            objects.push_back(&part.hold->Object());
         for (std::size_t index = numRoots; index < parts.size(); ++index)
-            objects[parts[index].above]->KeepUntilItsEnd(std::move(parts[index].hold));
-        parts.resize(numRoots);
+            parts[parts[index].above].hold->Object().KeepUntilItsEnd(parts[index].hold);
     }
 
     const Purpose purpose;

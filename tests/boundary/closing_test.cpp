@@ -648,9 +648,9 @@ INSTANTIATE_TEST_SUITE_P(
         WaitEnd{"WithTheLibrary", [](const OpenTree&) { return KORO_Library_Close(); }}),
     [](const auto& end) { return end.param.name; });
 
-// A monitor of a device on the second interface that begins while the end waits for a monitor on the first one. The kill
-// of the waiter says that the end has gathered what ends.
-class MonitorThatBeginsDuringTheEnd : public Closing, public testing::WithParamInterface<WaitEnd>
+// A monitor of a device on the second interface that begins while the end waits for a monitor on the first one. The
+// kill of the waiter says that the end has gathered what ends.
+class MonitorDuringAnEnd : public Closing
 {
 protected:
     // Blocks until the monitor is at the gate.
@@ -677,9 +677,11 @@ protected:
         Require(KORO_Interface_UpdateDevices(interface, 0));
         return Get<KORO_DeviceDescriptorHandle>(KORO_Interface_GetDevice, interface, std::size_t{0});
     }
+
+    void EndsBeforeTheEndReturns(KORO_ReturnCode (*end)(const OpenTree& tree));
 };
 
-TEST_P(MonitorThatBeginsDuringTheEnd, HasEndedWhenTheEndReturns)
+void MonitorDuringAnEnd::EndsBeforeTheEndReturns(KORO_ReturnCode (*end)(const OpenTree& tree))
 {
     Require(KORO_DataStream_StartAcquisitionInfinite(tree.stream, 0));
     auto waiter = std::async(std::launch::async, [&] { return OutcomeOfWait(KORO_INFINITE); });
@@ -688,8 +690,9 @@ TEST_P(MonitorThatBeginsDuringTheEnd, HasEndedWhenTheEndReturns)
     producer->OnEntry("EventKill", [&] { killed.set_value(); });
     std::promise<void> firstGate;
     Monitor(tree.deviceDescriptor, firstGate);
-    auto ending = std::async(std::launch::async, [&] { return GetParam().end(tree); });
+    auto ending = std::async(std::launch::async, [&] { return end(tree); });
     killed.get_future().wait();
+    EXPECT_EQ(waiter.get(), aborted);
     std::promise<void> secondGate;
     Monitor(DeviceOfTheSecondInterface(), secondGate);
 
@@ -701,7 +704,14 @@ TEST_P(MonitorThatBeginsDuringTheEnd, HasEndedWhenTheEndReturns)
     EXPECT_THAT(CallsOf({"TLClose", "GCCloseLib"}), IsEmpty()); // the monitor is still inside the producer
     secondGate.set_value();
     EXPECT_EQ(ending.get(), KORO_RETURN_CODE_SUCCESS);
-    EXPECT_EQ(waiter.get(), aborted);
+}
+
+class MonitorThatBeginsDuringTheEnd : public MonitorDuringAnEnd, public testing::WithParamInterface<WaitEnd>
+{};
+
+TEST_P(MonitorThatBeginsDuringTheEnd, HasEndedWhenTheEndReturns)
+{
+    EndsBeforeTheEndReturns(GetParam().end);
     EXPECT_THAT(producer->Open(), IsEmpty());
     EXPECT_EQ(CallsOf({"IFClose"}).size(), 2u);
     if (!Get<KORO_Bool8>(KORO_Library_IsInitialized)) Require(KORO_Library_Initialize());
@@ -716,6 +726,16 @@ INSTANTIATE_TEST_SUITE_P(
             [](const OpenTree& tree) { return KORO_ProducerLibrary_Destruct(tree.producerLibrary); }},
         WaitEnd{"OfTheLibrary", [](const OpenTree&) { return KORO_Library_Close(); }}),
     [](const auto& end) { return end.param.name; });
+
+TEST_F(MonitorDuringAnEnd, HasEndedWhenTheEndReturnsAlsoWhereACallIsInsideTheEndedObject)
+{
+    CallAtAGate call(producer, "TLGetInfo");
+    call.Enter(InfoOf(KORO_System_GetInfo, tree.system));
+    EndsBeforeTheEndReturns([](const OpenTree& opened) { return KORO_System_Destruct(opened.system); });
+    EXPECT_EQ(call.Leave(), Error{});
+    EXPECT_EQ(Closes().front(), "TLClose(system)");
+    EXPECT_EQ(Closes().size(), 4u);
+}
 
 struct EndAndCast
 {
