@@ -182,14 +182,13 @@ void Buffer::UpdateChunks()
         std::vector<SINGLE_CHUNK_DATA> records(count);
         gentl.Call<&GenTLProxy::DSGetBufferChunkData>(stream->Handle(), Handle(), records.data(), &count);
 
-        std::vector<std::shared_ptr<BufferChunk>> newChunks;
-        newChunks.reserve(records.size());
+        const auto newChunks = std::make_shared<ChunkList>();
+        newChunks->reserve(records.size());
         // Of all records, also when fewer were delivered than told of: those that are left are zero.
         for (const auto& record : records)
-            newChunks.push_back(std::make_shared<BufferChunk>(record, WeakSelf()));
+            newChunks->push_back(std::make_shared<BufferChunk>(record, WeakSelf()));
 
-        const std::lock_guard lock(chunksLock);
-        chunks.swap(newChunks); // the old ones go after the lock
+        Exchange<ChunkList>(chunks, newChunks);
     });
 }
 
@@ -199,26 +198,33 @@ void Buffer::UpdateParts()
         const std::uint32_t count = NumParts();
         CheckClaim(partsBound, count, gentl.Proxy()->DSGetNumBufferParts.Name());
 
-        std::vector<std::shared_ptr<BufferPart>> newParts;
-        newParts.reserve(count);
+        const auto newParts = std::make_shared<PartList>();
+        newParts->reserve(count);
         for (std::uint32_t index = 0; index < count; ++index)
-            newParts.push_back(std::make_shared<BufferPart>(index, WeakSelf(), gentl.Proxy()));
+            newParts->push_back(std::make_shared<BufferPart>(index, WeakSelf(), gentl.Proxy()));
 
-        const std::lock_guard lock(partsLock);
-        parts.swap(newParts);
+        Exchange<PartList>(parts, newParts);
     });
 }
 
-std::vector<std::shared_ptr<BufferChunk>> Buffer::Chunks() const
+std::shared_ptr<const Buffer::ChunkList> Buffer::Chunks() const
 {
-    const std::lock_guard lock(chunksLock);
+    const std::lock_guard lock(listsLock);
     return chunks;
 }
 
-std::vector<std::shared_ptr<BufferPart>> Buffer::Parts() const
+std::shared_ptr<const Buffer::PartList> Buffer::Parts() const
 {
-    const std::lock_guard lock(partsLock);
+    const std::lock_guard lock(listsLock);
     return parts;
+}
+
+// The old list goes after the lock.
+template <class List>
+void Buffer::Exchange(std::shared_ptr<const List>& list, std::shared_ptr<const List> newList)
+{
+    const std::lock_guard lock(listsLock);
+    list.swap(newList);
 }
 
 std::uint32_t Buffer::NumParts() const

@@ -69,9 +69,12 @@ public:
     // Nothing else refreshes the two lists: until then they tell of what the buffer held before.
     void UpdateChunks();
     void UpdateParts();
-    // In the producer's order, which is not asked. Empty before the first update.
-    std::vector<std::shared_ptr<BufferChunk>> Chunks() const;
-    std::vector<std::shared_ptr<BufferPart>> Parts() const;
+    // In the producer's order, which is not asked. Empty before the first update; never null. An update makes a new
+    // list, so that asking for each element of a long one copies nothing.
+    using ChunkList = std::vector<std::shared_ptr<BufferChunk>>;
+    using PartList = std::vector<std::shared_ptr<BufferPart>>;
+    std::shared_ptr<const ChunkList> Chunks() const;
+    std::shared_ptr<const PartList> Parts() const;
 
     // Kept until the revocation; an entry with the same key stays as it is. An empty function is allowed. False, and
     // nothing is kept, when the revocation has been told already.
@@ -100,6 +103,8 @@ private:
     std::size_t SizeInfo(std::int32_t command) const;
     std::uint64_t NumberInfo(std::int32_t command) const;
     std::uint32_t NumParts() const;
+    template <class List>
+    void Exchange(std::shared_ptr<const List>& list, std::shared_ptr<const List> newList);
     std::weak_ptr<Buffer> WeakSelf();
     std::unordered_map<const void*, RevocationCallback> TakeRevocationCallbacks();
 
@@ -111,10 +116,9 @@ private:
     std::unordered_map<const void*, RevocationCallback> revocationCallbacks;
     bool isRevocationTold = false;
 
-    mutable std::mutex chunksLock; // both guard the swap and the copying of their list alone
-    std::vector<std::shared_ptr<BufferChunk>> chunks;
-    mutable std::mutex partsLock;
-    std::vector<std::shared_ptr<BufferPart>> parts;
+    mutable std::mutex listsLock; // guards the two pointers; the lists do not change
+    std::shared_ptr<const ChunkList> chunks = std::make_shared<ChunkList>();
+    std::shared_ptr<const PartList> parts = std::make_shared<PartList>();
 };
 
 } // namespace koro::internal

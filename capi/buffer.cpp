@@ -24,9 +24,9 @@ KORO_ReturnCode GetRemembered(
 {
     return WithObject(handle, [&](const auto& buffer) {
         const auto elements = std::invoke(list, *buffer);
-        if (index >= elements.size()) throw std::out_of_range("invalid vector subscript");
+        if (index >= elements->size()) throw std::out_of_range("invalid vector subscript");
         if (!output.value) return InvalidPointer(output);
-        *output.value = Table<Element>().Add(elements[index], buffer);
+        *output.value = Table<Element>().Add((*elements)[index], buffer);
         return success;
     });
 }
@@ -212,7 +212,7 @@ KORO_ReturnCode KORO_Buffer_UpdateParts(KORO_BufferHandle bufferHandle)
 KORO_ReturnCode KORO_Buffer_GetNumChunks(KORO_BufferHandle bufferHandle, size_t* numChunks)
 {
     return GetScalar(
-        KORO_ARG(bufferHandle), KORO_ARG(numChunks), [](const auto& buffer) { return buffer.Chunks().size(); });
+        KORO_ARG(bufferHandle), KORO_ARG(numChunks), [](const auto& buffer) { return buffer.Chunks()->size(); });
 }
 
 KORO_ReturnCode KORO_Buffer_GetChunk(
@@ -224,7 +224,7 @@ KORO_ReturnCode KORO_Buffer_GetChunk(
 KORO_ReturnCode KORO_Buffer_GetNumParts(KORO_BufferHandle bufferHandle, size_t* numParts)
 {
     return GetScalar(
-        KORO_ARG(bufferHandle), KORO_ARG(numParts), [](const auto& buffer) { return buffer.Parts().size(); });
+        KORO_ARG(bufferHandle), KORO_ARG(numParts), [](const auto& buffer) { return buffer.Parts()->size(); });
 }
 
 KORO_ReturnCode KORO_Buffer_GetPart(

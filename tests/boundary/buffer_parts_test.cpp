@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <numeric>
 #include <vector>
 
 using namespace koro::test;
@@ -94,6 +95,19 @@ const Error invalidSubscript{KORO_RETURN_CODE_ERROR, "invalid vector subscript"}
 const InfoQuery sizeQuery{"DSGetBufferPartInfo", 1, "BUFFER_PART_INFO_DATA_SIZE"};
 
 } // namespace
+
+// Work that grows with the square of their number would not end in time.
+TEST_F(BufferParts, EachOfAsManyAsThereMayBeIsFound)
+{
+    constexpr std::size_t count = 65536;
+    std::vector<std::size_t> sizes(count);
+    std::iota(sizes.begin(), sizes.end(), 0u);
+    FillAndUpdate(sizes);
+    ASSERT_EQ(NumParts(), count);
+    for (std::size_t index = 0; index < count; ++index)
+        ASSERT_NE(Part(index), nullptr);
+    EXPECT_EQ(Size(Part(count - 1)), count - 1);
+}
 
 TEST_F(BufferParts, BufferHasPartsWhenTheirNumberIsNotZero)
 {

@@ -28,8 +28,8 @@ protected:
         objects.stream->WaitForFinishedBuffer(0);
         buffer->UpdateChunks();
         buffer->UpdateParts();
-        chunk = buffer->Chunks().front();
-        part = buffer->Parts().front();
+        chunk = buffer->Chunks()->front();
+        part = buffer->Parts()->front();
         objects.producer->ClearJournal();
     }
 
@@ -96,6 +96,12 @@ TEST_F(BufferLists, StreamThatHasGoneHasExpiredForBoth)
     EXPECT_THAT(objects.producer->Journal(), IsEmpty());
 }
 
+TEST_F(BufferLists, AreNotCopiedForWhoAsksForThem)
+{
+    EXPECT_EQ(buffer->Chunks().get(), buffer->Chunks().get());
+    EXPECT_EQ(buffer->Parts().get(), buffer->Parts().get());
+}
+
 TEST_F(BufferLists, RevokedBufferIsNotUpdatedAndKeepsItsLists)
 {
     objects.stream->RevokeBuffer(buffer);
@@ -103,7 +109,7 @@ TEST_F(BufferLists, RevokedBufferIsNotUpdatedAndKeepsItsLists)
     EXPECT_THAT([&] { buffer->UpdateChunks(); }, expired);
     EXPECT_THAT([&] { buffer->UpdateParts(); }, expired);
     EXPECT_THAT([&] { buffer->HasParts(); }, expired);
-    EXPECT_EQ(buffer->Chunks().size(), 1u);
-    EXPECT_EQ(buffer->Parts().size(), 1u);
+    EXPECT_EQ(buffer->Chunks()->size(), 1u);
+    EXPECT_EQ(buffer->Parts()->size(), 1u);
     EXPECT_THAT(objects.producer->Journal(), IsEmpty());
 }
