@@ -167,6 +167,47 @@ TEST_F(Output, OfAWatchEndsItWhenItsReaderGoes)
     EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), std::to_string(brokenPipe) + "\n");
 }
 
+// While frames come, while none comes, and with files.
+TEST_F(Output, OfALongGrabEndsItWhenNobodyReads)
+{
+    const PipeWithoutReader pipe;
+    const std::string into = ">&" + std::to_string(PipeWithoutReader::number);
+    const std::string pictures = " --format raw --output '" + folder.File("raw") + "'";
+    const std::string grabs[] = {
+        " --format none --json", " --format none", pictures + " --json",
+        " --format none --json --timeout 3600000 --set TriggerMode=On"};
+    for (const std::string& how : grabs)
+    {
+        const ToolResult result = RunInto(into, "grab cam --frames 1000000" + how, "timeout 60 ");
+        EXPECT_EQ(result.status, brokenPipe) << how;
+        EXPECT_EQ(result.err, "") << how;
+    }
+}
+
+TEST_F(Output, OfALongGrabEndsItWhenItsReaderGoes)
+{
+    const std::string status = folder.File("status");
+    const std::string pictures = folder.File("pictures");
+    const std::string reader = "; echo $? >'" + status + "'; } | { read line; }";
+    const std::string grab = "grab cam --frames 1000000 --format raw --json --output '" + pictures + "'";
+    EXPECT_EQ(RunInto(reader, grab, "{ timeout 60 ").status, 0);
+    std::ifstream file(status);
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), std::to_string(brokenPipe) + "\n");
+    EXPECT_FALSE(std::filesystem::is_empty(pictures));
+    for (const auto& entry : std::filesystem::directory_iterator(pictures))
+        EXPECT_EQ(entry.file_size(), 64u * 48u) << entry.path();
+}
+
+// The pictures are the result.
+TEST_F(Output, OfAGrabThatSavesPicturesMayBeReadByNobody)
+{
+    const PipeWithoutReader pipe;
+    const std::string pictures = folder.File("pictures");
+    const std::string into = ">&" + std::to_string(PipeWithoutReader::number);
+    EXPECT_EQ(RunInto(into, "grab cam --frames 5 --format raw --output '" + pictures + "'").status, brokenPipe);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(pictures), {}), 5);
+}
+
 // What a terminal would take for an order: as an escape and as one character of 8 bits.
 const std::string orders = "a\x1B[2J\xC2\x9B"
                            "31mb";

@@ -4,7 +4,6 @@
 #include "tools/koro/producer_watch.h"
 #include "tools/koro/tool_error.h"
 
-#include <algorithm>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <utility>
@@ -15,10 +14,17 @@ namespace koro::tool
 namespace
 {
 
-// How often a camera that may come and go is looked for while no frame comes.
+// How often a camera that may come and go, or the reader of the output, is looked for while no frame comes.
 constexpr uint64_t lookInterval_ms = 250;
 // How long the stream of a camera that is back may stay silent.
 constexpr uint64_t patience_ms = 1000;
+
+// The time-out in equal waits of about that interval or less.
+uint64_t WaitOf(uint64_t timeout_ms)
+{
+    const uint64_t numWaits = (timeout_ms + lookInterval_ms - 1) / lookInterval_ms;
+    return (timeout_ms + numWaits - 1) / numWaits;
+}
 
 // Of all points of the frame, how many lie beyond the limit.
 uint64_t PointsLeftOut(const FrameFiles& files)
@@ -37,13 +43,13 @@ FrameTaker::FrameTaker(
     const RunningStream& from, const GrabSettings& wished, GrabOutput& target, const Interrupt& asked,
     CameraLink* cameraLink)
     : source(from), settings(wished), output(target), interrupt(asked), link(cameraLink),
-      wait_ms(link ? std::min(wished.timeout_ms, lookInterval_ms) : wished.timeout_ms),
+      wait_ms(link || target.needsReader ? WaitOf(wished.timeout_ms) : wished.timeout_ms),
       numLossesSeen(from.numLossesBefore)
 {}
 
 GrabEnd FrameTaker::Run()
 {
-    while (output.numHanded < settings.numPictures && !interrupt.IsRequested())
+    while (output.numHanded < settings.numPictures && !interrupt.IsRequested() && output.IsWanted())
     {
         const std::optional<Buffer> buffer = Wait();
         if (interrupt.IsRequested()) break;

@@ -24,7 +24,7 @@ constexpr int maxUselessInRow = 64;
 
 enum class GrabEnd
 {
-    Finished, // all pictures are taken, or the user interrupts
+    Finished, // all pictures are taken, the user interrupts, or the reader of the output has gone
     Silent,   // the camera sends nothing
     Useless,  // the camera sends nothing that is whole
     Lost,     // the camera has gone

@@ -1,5 +1,6 @@
 #include "tools/koro/grab_output.h"
 
+#include "tools/koro/output.h"
 #include "tools/koro/report.h"
 
 #include <algorithm>
@@ -7,6 +8,11 @@
 
 namespace koro::tool
 {
+
+bool GrabOutput::IsWanted() const
+{
+    return !needsReader || OutputHasReader();
+}
 
 void GrabOutput::NoteLoss()
 {

@@ -41,12 +41,15 @@ struct GrabOutput
     Progress& progress;
     ChunkTable* table;            // null without chunks
     bool describesFrames = false; // as JSON, those that are not saved too
+    bool needsReader = false;     // what is printed is the result: without a reader the grab has no purpose
     GrabStatistics statistics{};
     uint64_t numHanded = 0;      // whole frames handed to the saver
     uint64_t numFiled = 0;       // frames handed to the saver, whole or not
     bool cameraIsLost = false;   // the next frame ends the outage
     bool problemIsNamed = false; // of a frame that cannot be read
 
+    // False when the reader of what is printed has gone, and the grab needs one.
+    bool IsWanted() const;
     // The camera has gone; once until the next frame.
     void NoteLoss();
     // Counts a frame that has come. The first reason why one cannot be read is shown.

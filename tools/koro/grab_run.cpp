@@ -55,7 +55,9 @@ GrabRun::GrabRun(const GrabOptions& wished, const Discovery& discovery, const Ca
     if (options.settings.chunks) table.emplace(folder / (options.prefix + "-chunks.csv"));
     progress.emplace(Output(), FormOf(options), options.settings.numPictures);
     saver.emplace(folder, options.prefix, *progress);
-    output.emplace(GrabOutput{*saver, *progress, table ? &*table : nullptr, options.json});
+    const bool writesFiles = options.settings.format != FileFormat::None || table;
+    output.emplace(
+        GrabOutput{*saver, *progress, table ? &*table : nullptr, options.json, options.json || !writesFiles});
 }
 
 int GrabRun::Run()
@@ -92,11 +94,12 @@ void GrabRun::Stream()
     }
 }
 
-// Looks for the camera until it can be opened and streams again. Empty after an interrupt.
+// Looks for the camera until it can be opened and streams again. Empty after an interrupt, and without a reader that
+// the grab needs.
 std::unique_ptr<GrabSession> GrabRun::OpenAgain()
 {
     Pause pause(interrupt);
-    while (!interrupt.IsRequested())
+    while (!interrupt.IsRequested() && output->IsWanted())
     {
         try
         {
@@ -189,6 +192,7 @@ int GrabRun::ReportEnd()
     if (cause) return ReportFailure(cause);
     const uint64_t numPictures = options.settings.numPictures;
     if (interrupt.IsRequested() || output->numHanded >= numPictures) return exitSuccess;
+    if (!output->IsWanted()) return exitBrokenPipe;
     if (end == GrabEnd::Useless)
     {
         PrintEnd(
