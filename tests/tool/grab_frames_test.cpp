@@ -52,6 +52,20 @@ TEST(GrabFrames, QueryThatFailsForAWholeFrameCostsThatFrameAndIsNamedOnce)
     EXPECT_THAT(result.err, Not(HasSubstr("Frame 3")));
 }
 
+TEST(GrabFrames, FrameWithoutBytesIsIncompleteWhereItsProducerCallsItSo)
+{
+    for (const std::string format : {"png", "raw", "none"})
+    {
+        const PlayedCamera camera("WOoEW*");
+        const ToolResult result = camera.Grab(2, {"--format", format, "--keep-incomplete"});
+        EXPECT_EQ(result.status, 0) << result.err;
+        EXPECT_THAT(result.out, HasSubstr("\nincomplete  1\n")) << format;
+        EXPECT_THAT(result.out, HasSubstr("\nempty       2\n")) << format;
+        EXPECT_EQ(result.err, "");
+        EXPECT_EQ(camera.FileNames().size(), format == "none" ? 0u : 2u);
+    }
+}
+
 TEST(GrabFrames, BrokenFramesAreNotSavedInAnyFormat)
 {
     for (const std::string format : {"png", "tiff", "raw"})

@@ -33,10 +33,10 @@ FrameState StatedState(const Buffer& buffer, FrameQuestions& questions, size_t& 
     const auto filled =
         questions.AskIfKnown({KORO_BUFFER_INFO_SIZE_FILLED}, [&] { return buffer.DeliveredDataSize(); });
     size = std::min(filled.value_or(size), size);
-    if (size == 0) return FrameState::Empty;
     const bool isIncomplete =
         questions.AskRequired({KORO_BUFFER_INFO_IS_INCOMPLETE}, [&] { return buffer.IsIncomplete(); }).value_or(false);
-    return isIncomplete || IsLargerThanBuffer(buffer, questions) ? FrameState::Incomplete : FrameState::Whole;
+    if (isIncomplete || IsLargerThanBuffer(buffer, questions)) return FrameState::Incomplete;
+    return size == 0 ? FrameState::Empty : FrameState::Whole;
 }
 
 struct FrameContents
@@ -177,7 +177,7 @@ DeliveredFrame ReadFrame(
     DeliveredFrame frame;
     frame.size = memory.Size();
     TryToRead(buffer, memory, wish, questions, frame);
-    const bool keep = wish.keepIncomplete && wish.format != FileFormat::None;
+    const bool keep = wish.keepIncomplete && wish.format != FileFormat::None && frame.size != 0;
     if (frame.state == FrameState::Incomplete && keep) frame.files = FilesOfBroken(buffer, memory, frame.size, wish);
     return frame;
 }

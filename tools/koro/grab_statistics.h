@@ -12,7 +12,7 @@ enum class FrameState
 {
     Whole,
     Incomplete, // the producer says so, it is too short for its picture, or it cannot be read
-    Empty,      // a buffer without new data
+    Empty,      // a buffer without new data, or without bytes that the producer misses
 };
 
 class GrabStatistics

@@ -8,6 +8,8 @@
 //   S  a short frame: incomplete, three bytes
 //   s  a short frame that its producer does not call incomplete
 //   E  an empty buffer without new data
+//   O  a frame of no bytes: incomplete
+//   o  a frame of no bytes that its producer does not call incomplete
 //   Q  a frame that is called whole, of which the width cannot be read
 //   F  three bytes that are called whole, of which the pixel format cannot be read
 //   I  a whole frame; whether it is, its producer refuses to answer
@@ -112,9 +114,10 @@ Frame FrameOf(char letter, size_t number)
 {
     Frame frame;
     frame.bytes = std::string(8, static_cast<char>(number));
-    frame.incomplete = letter == 'L' || letter == 'B' || letter == 'S';
+    frame.incomplete = std::strchr("LBSO", letter) != nullptr;
     if (std::strchr("SsFv", letter)) frame.bytes.resize(3);
     if (letter == 'p') frame.bytes.resize(5);
+    if (letter == 'O' || letter == 'o') frame.bytes.clear();
     if (letter == 'P' || letter == 'p')
     {
         frame.parts = {PartOfOneLine(), PartOfOneLine()};
