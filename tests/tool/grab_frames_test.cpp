@@ -120,6 +120,65 @@ TEST(GrabFrames, StateOfABrokenFrameIsTheSameWhereItIsOnlyDescribed)
     EXPECT_THAT(result.out, HasSubstr("\"state\":\"incomplete\""));
 }
 
+TEST(GrabFrames, PayloadThatIsNoPixelsEndsAGrabOfPictures)
+{
+    const std::pair<std::string, std::string> types[] = {
+        {"2", "2 (raw data)"},        {"3", "3 (file)"},  {"5", "5 (JPEG)"},
+        {"6", "6 (JPEG 2000)"},       {"7", "7 (H.264)"}, {"8", "8 (chunks only)"},
+        {"9", "9 (device specific)"}, {"G", "11 (GenDC)"}};
+    for (const auto& [letter, type] : types)
+    {
+        for (const std::string format : {"png", "tiff"})
+        {
+            const PlayedCamera camera(letter + "*");
+            const ToolResult result = camera.Grab(2, {"--format", format});
+            EXPECT_EQ(result.status, failure) << letter;
+            EXPECT_EQ(
+                result.err, "koro: Payload type " + type +
+                                " cannot be turned into a picture.\nhint: Save the frames as they are with --format "
+                                "raw.\n");
+            EXPECT_THAT(camera.FileNames(), testing::IsEmpty());
+        }
+        const PlayedCamera camera(letter + "*");
+        EXPECT_EQ(camera.Grab(2, {"--format", "raw"}).status, 0) << letter;
+        EXPECT_THAT(camera.FileNames(), ElementsAre("000001.raw", "000002.raw"));
+    }
+}
+
+TEST(GrabFrames, PayloadThatIsNoPixelsAmongPicturesIsNamedOnce)
+{
+    const PlayedCamera camera("W77W*");
+    const ToolResult result = camera.Grab(2);
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.out, HasSubstr("\nincomplete  2\n"));
+    EXPECT_EQ(
+        result.err, "koro: Frame 2 cannot be read and counts as incomplete: Payload type 7 (H.264) cannot be turned "
+                    "into a picture.\nhint: Save the frames as they are with --format raw.\n");
+}
+
+TEST(GrabFrames, PayloadOfAnOpenTypeIsReadAsTheImageThatItsProducerDescribes)
+{
+    const PlayedCamera camera("4CW*");
+    const ToolResult result = camera.Grab(3);
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.out, HasSubstr("\nincomplete  0\n"));
+    EXPECT_EQ(GreyOf(camera.File("000002.png")), 2);
+}
+
+TEST(GrabFrames, FrameThatHasNoImageAsItsProducerStatesIsNoPicture)
+{
+    const PlayedCamera camera("WNW*");
+    const ToolResult result = camera.Grab(2);
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.out, HasSubstr("\nincomplete  1\n"));
+    EXPECT_THAT(result.err, HasSubstr("incomplete: The producer states that the frame has no image.\nhint: "));
+    for (const std::string format : {"raw", "none"})
+    {
+        const PlayedCamera same("WNW*");
+        EXPECT_THAT(same.Grab(2, {"--format", format}).out, HasSubstr("\nincomplete  0\n")) << format;
+    }
+}
+
 TEST(GrabFrames, QuestionThatIsNeverAnsweredIsNotHeldAgainstTheFrames)
 {
     for (const std::string format : {"raw", "none"})

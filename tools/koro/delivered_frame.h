@@ -32,7 +32,7 @@ struct DeliveredFrame
     FrameFiles files;             // none for what is not to be saved
     std::string problem;          // why a frame that the producer calls whole cannot be read; else empty
     std::string hint;             // what to try against it
-    bool isUnknownFormat = false; // the problem is the pixel format, so the next frame will have it too
+    bool isUnknownFormat = false; // the problem is the format of the frames, so the next will have it too
 };
 
 // No answer of the producer makes this fail: what it refuses or gets wrong becomes the state of the frame.

@@ -27,6 +27,32 @@ void CheckList(uint64_t list)
         "Save the frames as they are with --format raw.");
 }
 
+// Of the payload types that are no pixels; null for the others, those that the standard does not define included.
+const char* NameWithoutPixels(int32_t payloadType)
+{
+    switch (payloadType)
+    {
+    case KORO_PAYLOAD_TYPE_RAW_DATA:
+        return "raw data";
+    case KORO_PAYLOAD_TYPE_FILE:
+        return "file";
+    case KORO_PAYLOAD_TYPE_JPEG:
+        return "JPEG";
+    case KORO_PAYLOAD_TYPE_JPEG2000:
+        return "JPEG 2000";
+    case KORO_PAYLOAD_TYPE_H264:
+        return "H.264";
+    case KORO_PAYLOAD_TYPE_CHUNK_ONLY:
+        return "chunks only";
+    case KORO_PAYLOAD_TYPE_DEVICE_SPECIFIC:
+        return "device specific";
+    case KORO_PAYLOAD_TYPE_GENDC:
+        return "GenDC";
+    default:
+        return nullptr;
+    }
+}
+
 bool IsBigEndian(const Buffer& buffer, FrameQuestions& questions)
 {
     const auto order =
@@ -37,6 +63,20 @@ bool IsBigEndian(const Buffer& buffer, FrameQuestions& questions)
 std::optional<int32_t> PayloadTypeOf(const Buffer& buffer, FrameQuestions& questions)
 {
     return questions.AskIfKnown({KORO_BUFFER_INFO_PAYLOADTYPE}, [&] { return buffer.PayloadType(); });
+}
+
+// Sides and a pixel format may be answered all the same.
+void CheckThatItHasPixels(const Buffer& buffer, FrameQuestions& questions)
+{
+    const int32_t type = PayloadTypeOf(buffer, questions).value_or(KORO_PAYLOAD_TYPE_UNKNOWN);
+    const char* const hint = "Save the frames as they are with --format raw.";
+    if (const char* const name = NameWithoutPixels(type))
+    {
+        throw UnknownPixelFormat(
+            "Payload type " + std::to_string(type) + " (" + name + ") cannot be turned into a picture.", hint);
+    }
+    const auto hasImage = questions.AskIfKnown({KORO_BUFFER_INFO_IMAGEPRESENT}, [&] { return buffer.HasImage(); });
+    if (!hasImage.value_or(true)) throw ToolError("The producer states that the frame has no image.", hint);
 }
 
 PartKind KindOf(int32_t type)
@@ -200,6 +240,7 @@ bool HasPlainImage(const Buffer& buffer, FrameQuestions& questions)
 
 FramePart ReadImage(const Buffer& buffer, const FrameBytes& bytes, FrameQuestions& questions)
 {
+    CheckThatItHasPixels(buffer, questions);
     const auto list = questions.AskIfKnown(
         {KORO_BUFFER_INFO_PIXELFORMAT_NAMESPACE}, [&] { return static_cast<uint64_t>(buffer.PixelFormatNamespace()); });
     CheckList(list.value_or(KORO_PIXELFORMAT_NAMESPACE_UNKNOWN));

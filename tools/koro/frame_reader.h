@@ -28,8 +28,8 @@ struct FrameBytes
 bool IsMultiPart(const Buffer& buffer, FrameQuestions& questions);
 // Whether its pixels lie there line by line, as width, height and format say; assumed where the producer does not say.
 bool HasPlainImage(const Buffer& buffer, FrameQuestions& questions);
-// The image of a buffer that holds one. Throws koro::Error, or UnknownPixelFormat for a list of pixel formats that is
-// not known.
+// The image of a buffer that holds one. Throws koro::Error, UnknownPixelFormat for a payload type without pixels and
+// for a list of pixel formats that is not known, and ToolError where the producer states that there is no image.
 FramePart ReadImage(const Buffer& buffer, const FrameBytes& bytes, FrameQuestions& questions);
 // The parts of a multi-part buffer. Throws koro::Error, or BrokenFrame for a part that lies outside the memory.
 std::vector<FramePart> ReadParts(const Buffer& buffer, const FrameBytes& bytes, FrameQuestions& questions);

@@ -22,7 +22,8 @@ struct FrameLayout
     bool bigEndian = false;
 };
 
-// The pixels have a format that cannot become a picture. No other frame of the camera will do better.
+// The frame has no pixels, or pixels of a format that cannot become a picture. No other frame of the camera will do
+// better.
 class UnknownPixelFormat : public ToolError
 {
 public:

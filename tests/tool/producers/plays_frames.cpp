@@ -18,6 +18,8 @@
 //   U  a whole frame of which only the sides are known
 //   V  a whole frame of which the pixel format cannot be read
 //   v  the same, but three bytes of the eight that were meant to come
+//   2 to 9, G, C  a whole frame of that payload type; G is 11 (GenDC), C is 1000, which the standard leaves open
+//   N  a whole frame without an image, as its producer states
 //   P  a whole frame of two parts
 //   p  the same, but five bytes of eight
 //   D  nothing, and from then on the camera is dead: what reaches it fails with GC_ERR_TIMEOUT, and waits first at the
@@ -96,7 +98,15 @@ void AnswerLittle(Infos& infos)
         infos, {BUFFER_INFO_NEW_DATA, BUFFER_INFO_SIZE_FILLED, BUFFER_INFO_IS_INCOMPLETE,
                 BUFFER_INFO_DATA_LARGER_THAN_BUFFER, BUFFER_INFO_PAYLOADTYPE, BUFFER_INFO_PIXELFORMAT_NAMESPACE,
                 BUFFER_INFO_PIXELFORMAT, BUFFER_INFO_XPADDING, BUFFER_INFO_IMAGEOFFSET, BUFFER_INFO_PIXEL_ENDIANNESS,
-                BUFFER_INFO_DELIVERED_IMAGEHEIGHT, BUFFER_INFO_DATA_SIZE});
+                BUFFER_INFO_DELIVERED_IMAGEHEIGHT, BUFFER_INFO_DATA_SIZE, BUFFER_INFO_IMAGEPRESENT});
+}
+
+void ChangePayloadType(char letter, Infos& infos)
+{
+    if (letter >= '2' && letter <= '9') infos[BUFFER_INFO_PAYLOADTYPE] = Size(static_cast<size_t>(letter - '0'));
+    if (letter == 'G') infos[BUFFER_INFO_PAYLOADTYPE] = Size(PAYLOAD_TYPE_GENDC);
+    if (letter == 'C') infos[BUFFER_INFO_PAYLOADTYPE] = Size(PAYLOAD_TYPE_CUSTOM_ID);
+    if (letter == 'N') infos[BUFFER_INFO_IMAGEPRESENT] = Bool8(false);
 }
 
 // What the producer says of a frame that it does not call incomplete.
@@ -108,6 +118,7 @@ void ChangeAnswers(char letter, Infos& infos)
     if (letter == 'Z') Refuse(infos, {BUFFER_INFO_SIZE_FILLED});
     if (letter == 'H') infos[BUFFER_INFO_DELIVERED_IMAGEHEIGHT] = Size(1);
     if (letter == 'U') AnswerLittle(infos);
+    ChangePayloadType(letter, infos);
 }
 
 Frame FrameOf(char letter, size_t number)
