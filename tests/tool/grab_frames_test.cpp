@@ -238,6 +238,30 @@ TEST(GrabFrames, IncompleteFramesThatAreKeptSayItInTheirNames)
     EXPECT_EQ(GreyOf(camera.File("000005.png")), 6);
 }
 
+TEST(GrabFrames, LinesThatAreMissingInAKeptFrameAreBlack)
+{
+    for (const std::string format : {"png", "tiff"})
+    {
+        const PlayedCamera camera("WHhW*");
+        const ToolResult result = camera.Grab(2, {"--keep-incomplete", "--format", format});
+        EXPECT_EQ(result.status, 0) << result.err;
+        const auto read = format == "png" ? ReadPNG : ReadTIFF;
+        EXPECT_THAT(
+            std::get<koro::tool::Samples8>(read(camera.File("000002-incomplete." + format)).samples),
+            ElementsAre(2, 2, 2, 2, 0, 0, 0, 0));
+        // The second part comes behind the missing line of the first and is whole.
+        EXPECT_THAT(
+            std::get<koro::tool::Samples8>(read(camera.File("000003-incomplete-image." + format)).samples),
+            ElementsAre(3, 3, 0, 0));
+        EXPECT_THAT(
+            std::get<koro::tool::Samples8>(read(camera.File("000003-incomplete-image2." + format)).samples),
+            ElementsAre(3, 3, 3, 3));
+    }
+    const PlayedCamera camera("WHW*");
+    ASSERT_EQ(camera.Grab(2, {"--keep-incomplete", "--format", "raw"}).status, 0);
+    EXPECT_EQ(BytesOf(camera.File("000002-incomplete.raw")), std::string(8, '\2'));
+}
+
 TEST(GrabFrames, IncompleteFramesThatAreKeptRawHaveTheBytesThatCame)
 {
     const PlayedCamera camera("BSW*");

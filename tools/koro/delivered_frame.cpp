@@ -52,12 +52,18 @@ FrameContents ReadContents(const Buffer& buffer, const FrameBytes& bytes, FrameQ
 }
 
 // Behind the lines that were received lies what an older frame left there. No line at all is no statement.
-void CheckLines(const FramePart& part)
+bool LacksLines(const FramePart& part)
 {
     const size_t received = part.receivedLines.value_or(0);
-    const size_t height = part.layout.height;
-    if (received == 0 || received >= height) return;
-    throw BrokenFrame("Of " + std::to_string(height) + " lines " + std::to_string(received) + " were received.");
+    return received != 0 && received < part.layout.height;
+}
+
+void CheckLines(const FramePart& part)
+{
+    if (!LacksLines(part)) return;
+    throw BrokenFrame(
+        "Of " + std::to_string(part.layout.height) + " lines " + std::to_string(*part.receivedLines) +
+        " were received.");
 }
 
 void CheckLines(const FrameContents& contents)
@@ -147,7 +153,20 @@ void TryToRead(
     frame.state = FrameState::Incomplete;
 }
 
-// A picture where the frame can be read, black where bytes are missing at its end; else its bytes.
+void BlankMissingLines(const FrameMemory& memory, const FrameContents& contents)
+{
+    if (IsShort(contents.parts)) return; // no picture comes of it
+    for (const FramePart& part : contents.parts)
+    {
+        if (!HasPicture(part) || !LacksLines(part)) continue;
+        FrameLayout received = part.layout;
+        received.height = *part.receivedLines;
+        const auto start = static_cast<size_t>(part.bytes - memory.Data());
+        memory.Blank(start + BytesNeeded(received), start + BytesNeeded(part.layout));
+    }
+}
+
+// A picture where the frame can be read, black where bytes at its end or lines are missing; else its bytes.
 FrameFiles FilesOfBroken(const Buffer& buffer, const FrameMemory& memory, size_t size, const FrameWish& wish)
 {
     if (wish.format != FileFormat::Raw)
@@ -158,6 +177,7 @@ FrameFiles FilesOfBroken(const Buffer& buffer, const FrameMemory& memory, size_t
             const std::optional<Scan3D> noPoints;
             FrameQuestions questions; // nothing is held against it any more
             const FrameContents contents = ReadContents(buffer, {memory.Data(), memory.Size()}, questions);
+            BlankMissingLines(memory, contents);
             FrameFiles files = PicturesOf(contents, {wish.format, wish.keepIncomplete, noPoints});
             if (!files.empty()) return files;
         }

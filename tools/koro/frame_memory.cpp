@@ -26,9 +26,10 @@ FrameMemory::FrameMemory(size_t bytes, size_t alignment) : size(bytes)
     std::memset(block, 0, bytes);
 }
 
-void FrameMemory::Blank(size_t bytes) const noexcept
+void FrameMemory::Blank(size_t first, size_t end) const noexcept
 {
-    if (bytes < size) std::memset(memory.get() + bytes, 0, size - bytes);
+    end = std::min(end, size);
+    if (first < end) std::memset(memory.get() + first, 0, end - first);
 }
 
 } // namespace koro::tool

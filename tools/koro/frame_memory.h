@@ -18,8 +18,9 @@ public:
 
     uint8_t* Data() const noexcept { return memory.get(); }
     size_t Size() const noexcept { return size; }
-    // Zeroes what lies behind the first `bytes`.
-    void Blank(size_t bytes) const noexcept;
+    // Zeroes what lies from byte `first` to the end, or to byte `end`; nothing beyond the memory.
+    void Blank(size_t first) const noexcept { Blank(first, size); }
+    void Blank(size_t first, size_t end) const noexcept;
 
 private:
     struct Free

@@ -15,6 +15,7 @@
 //   I  a whole frame; whether it is, its producer refuses to answer
 //   Z  a whole frame of which the filled size cannot be read
 //   H  a whole frame, of which only one line was received
+//   h  a whole frame of two parts of two lines, of which only one line of the first was received
 //   U  a whole frame of which only the sides are known
 //   V  a whole frame of which the pixel format cannot be read
 //   v  the same, but three bytes of the eight that were meant to come
@@ -92,6 +93,14 @@ Infos PartOfOneLine()
     };
 }
 
+Infos PartOfTwoLines()
+{
+    Infos part = PartOfOneLine();
+    part[BUFFER_PART_INFO_WIDTH] = Size(2);
+    part[BUFFER_PART_INFO_HEIGHT] = Size(2);
+    return part;
+}
+
 void AnswerLittle(Infos& infos)
 {
     Refuse(
@@ -132,6 +141,12 @@ Frame FrameOf(char letter, size_t number)
     if (letter == 'P' || letter == 'p')
     {
         frame.parts = {PartOfOneLine(), PartOfOneLine()};
+        frame.partOffsets = {0, 4};
+    }
+    if (letter == 'h')
+    {
+        frame.parts = {PartOfTwoLines(), PartOfTwoLines()};
+        frame.parts.front()[BUFFER_PART_INFO_DELIVERED_IMAGEHEIGHT] = Size(1);
         frame.partOffsets = {0, 4};
     }
     ChangeAnswers(letter, frame.info);
