@@ -145,6 +145,21 @@ TEST(GrabFrames, PayloadThatIsNoPixelsEndsAGrabOfPictures)
     }
 }
 
+TEST(GrabFrames, FrameOfAFormatThatEndsTheGrabIsCountedAndDescribed)
+{
+    const PlayedCamera camera("E7*");
+    const ToolResult result = camera.Grab(2, {"--keep-incomplete"});
+    EXPECT_EQ(result.status, failure);
+    EXPECT_THAT(result.out, HasSubstr("\nframes      2\n"));
+    EXPECT_THAT(result.out, HasSubstr("\nincomplete  1\n"));
+    EXPECT_THAT(camera.FileNames(), ElementsAre("000001-incomplete.raw"));
+    const PlayedCamera same("7*");
+    const ToolResult described = same.Grab(2, {"--json"});
+    EXPECT_EQ(described.status, failure);
+    EXPECT_THAT(described.out, HasSubstr("\"problem\":\"Payload type 7 (H.264) cannot be turned into a picture.\""));
+    EXPECT_THAT(described.out, HasSubstr("\"incomplete\":1"));
+}
+
 TEST(GrabFrames, PayloadThatIsNoPixelsAmongPicturesIsNamedOnce)
 {
     const PlayedCamera camera("W77W*");

@@ -5,6 +5,7 @@
 #include "tools/koro/tool_error.h"
 
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -129,11 +130,16 @@ bool FrameTaker::TakeFrame(const Buffer& buffer)
 
     DeliveredFrame frame =
         ReadFrame(buffer, found->second, {settings.format, settings.keepIncomplete, source.geometry}, questions);
-    // A camera that has not sent one picture will not send another format.
-    if (frame.isUnknownFormat && output.numHanded == 0) throw ToolError(frame.problem, frame.hint);
     output.NoteFrame(frame);
+    // A camera that has not sent one picture will not send another format.
+    std::optional<ToolError> end;
+    if (frame.isUnknownFormat && output.numHanded == 0)
+        end.emplace(frame.problem, frame.hint);
+    else
+        output.NameProblem(frame);
     const bool isWhole = frame.state == FrameState::Whole;
     if (isWhole || !frame.files.empty() || output.describesFrames) SaveFrame(buffer, std::move(frame));
+    if (end) throw ToolError(*end);
     return isWhole;
 }
 

@@ -35,6 +35,10 @@ void GrabOutput::NoteFrame(const DeliveredFrame& frame)
         progress.Say(text);
     }
     statistics.Count(frame.state, frame.size);
+}
+
+void GrabOutput::NameProblem(const DeliveredFrame& frame)
+{
     if (frame.problem.empty() || problemIsNamed) return;
     problemIsNamed = true;
     progress.Warn(

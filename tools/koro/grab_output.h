@@ -52,8 +52,10 @@ struct GrabOutput
     bool IsWanted() const;
     // The camera has gone; once until the next frame.
     void NoteLoss();
-    // Counts a frame that has come. The first reason why one cannot be read is shown.
+    // Counts a frame that has come.
     void NoteFrame(const DeliveredFrame& frame);
+    // Shows why the frame that was counted last cannot be read, for the first such frame.
+    void NameProblem(const DeliveredFrame& frame);
 };
 
 } // namespace koro::tool
