@@ -1,6 +1,5 @@
 #include "tools/koro/image_writer.h"
 
-#include "tools/koro/pending_file.h"
 #include "tools/koro/tool_error.h"
 
 #include <bit>
@@ -126,21 +125,19 @@ bool EncodeTIFF(TIFF* tiff, const Picture& picture)
 
 } // namespace
 
-void WritePNG(const Picture& picture, const std::filesystem::path& path)
+void WritePNG(const Picture& picture, PendingFile& file)
 {
-    PendingFile file(path);
     PNGFailure failure;
     png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, &failure, KeepPNGError, IgnorePNGWarning);
     png_infop info = png ? png_create_info_struct(png) : nullptr;
     const bool written = info && EncodePNG(png, info, file.Stream(), picture, BytesOf(picture));
     png_destroy_write_struct(&png, &info);
-    if (!written) throw WriteError(path, failure.text);
-    file.Commit();
+    if (!written) throw WriteError(file.FinalPath(), failure.text);
 }
 
-void WriteTIFF(const Picture& picture, const std::filesystem::path& path)
+void WriteTIFF(const Picture& picture, PendingFile& file)
 {
-    PendingFile file(path);
+    const std::filesystem::path& path = file.FinalPath();
     TIFFSetErrorHandler(KeepTIFFError);
     tiffFailure = "unknown reason";
     // libtiff closes what it is given; the pending file keeps its own descriptor.
@@ -153,11 +150,9 @@ void WriteTIFF(const Picture& picture, const std::filesystem::path& path)
         throw WriteError(path, tiffFailure);
     }
     if (!EncodeTIFF(tiff.get(), picture)) throw WriteError(path, tiffFailure);
-    tiff.reset();
-    file.Commit();
 }
 
-void WritePLY(const PointCloud& points, const std::filesystem::path& path)
+void WritePLY(const PointCloud& points, PendingFile& file)
 {
     const bool hasColours = !points.colours.empty();
     std::string content = "ply\nformat binary_little_endian 1.0\nelement vertex " + std::to_string(points.NumPoints()) +
@@ -176,16 +171,42 @@ void WritePLY(const PointCloud& points, const std::filesystem::path& path)
         for (size_t channel = 0; hasColours && channel < 3; ++channel)
             content.push_back(static_cast<char>(points.colours[3 * point + channel]));
     }
-    WriteRaw(reinterpret_cast<const uint8_t*>(content.data()), content.size(), path);
+    WriteRaw(reinterpret_cast<const uint8_t*>(content.data()), content.size(), file);
+}
+
+void WriteRaw(const uint8_t* bytes, size_t size, PendingFile& file)
+{
+    if (std::fwrite(bytes, 1, size, file.Stream()) != size)
+    {
+        throw WriteError(file.FinalPath(), std::generic_category().message(errno));
+    }
+}
+
+void WritePNG(const Picture& picture, const std::filesystem::path& path)
+{
+    PendingFile file(path);
+    WritePNG(picture, file);
+    file.Commit();
+}
+
+void WriteTIFF(const Picture& picture, const std::filesystem::path& path)
+{
+    PendingFile file(path);
+    WriteTIFF(picture, file);
+    file.Commit();
+}
+
+void WritePLY(const PointCloud& points, const std::filesystem::path& path)
+{
+    PendingFile file(path);
+    WritePLY(points, file);
+    file.Commit();
 }
 
 void WriteRaw(const uint8_t* bytes, size_t size, const std::filesystem::path& path)
 {
     PendingFile file(path);
-    if (std::fwrite(bytes, 1, size, file.Stream()) != size)
-    {
-        throw WriteError(path, std::generic_category().message(errno));
-    }
+    WriteRaw(bytes, size, file);
     file.Commit();
 }
 

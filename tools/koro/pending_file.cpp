@@ -85,22 +85,36 @@ PendingFile::~PendingFile()
     if (!pendingPath.empty()) std::filesystem::remove(pendingPath, ignored);
 }
 
-void PendingFile::Commit()
+void PendingFile::Complete()
 {
     std::error_code failure;
+    if (std::filesystem::is_directory(std::filesystem::symlink_status(finalPath, failure))) Fail("rename", EISDIR);
     // Without this the new name could reach the disk before the new content, and a loss of power would take both.
-    const bool replaces = std::filesystem::exists(finalPath, failure);
+    replaces = std::filesystem::exists(finalPath, failure);
     const bool written = std::fflush(stream) == 0 && std::ferror(stream) == 0 && (!replaces || Sync(fileno(stream)));
     const int reason = errno;
     const bool closed = std::fclose(stream) == 0;
     stream = nullptr;
     if (!written) Fail("write", reason);
     if (!closed) Fail("write", errno);
+}
 
+void PendingFile::Commit()
+{
+    if (stream) Complete();
+    std::error_code failure;
     std::filesystem::rename(pendingPath, finalPath, failure);
     if (failure) Fail("rename", failure.value());
     pendingPath.clear();
+    isCommitted = true;
     if (replaces && !SyncFolder(finalPath.parent_path())) Fail("keep", errno);
+}
+
+void PendingFile::Withdraw() noexcept
+{
+    std::error_code ignored;
+    if (isCommitted) std::filesystem::remove(finalPath, ignored);
+    isCommitted = false;
 }
 
 void PendingFile::Fail(const char* action, int reason) const

@@ -24,9 +24,16 @@ public:
     std::FILE* Stream() const noexcept { return stream; }
     // The neighbour, for what reads or writes its files itself.
     const std::filesystem::path& Path() const noexcept { return pendingPath; }
-    // Writes out and renames; an older file of that name is replaced. What replaces one is on the disk afterwards, file
-    // and folder. Throws ToolError with the system's reason.
+    // The path that it will have, for messages.
+    const std::filesystem::path& FinalPath() const noexcept { return finalPath; }
+    // Writes out and closes, so that only the name is missing; the stream is gone. Throws ToolError with the system's
+    // reason, and when a folder has the name.
+    void Complete();
+    // Completes what is not, and renames; an older file of that name is replaced. What replaces one is on the disk
+    // afterwards, file and folder. Throws ToolError with the system's reason.
     void Commit();
+    // Removes the file that was committed, if it was, under its name.
+    void Withdraw() noexcept;
 
 private:
     [[noreturn]] void Fail(const char* action, int reason) const;
@@ -34,6 +41,8 @@ private:
     std::filesystem::path finalPath;
     std::filesystem::path pendingPath;
     std::FILE* stream;
+    bool replaces = false; // an older file
+    bool isCommitted = false;
 };
 
 } // namespace koro::tool

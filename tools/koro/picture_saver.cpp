@@ -2,6 +2,7 @@
 
 #include "tools/koro/camera_tree_json.h"
 #include "tools/koro/image_writer.h"
+#include "tools/koro/pending_file.h"
 
 #include <cinttypes>
 #include <cstdio>
@@ -16,14 +17,30 @@ namespace
 // Bounds the memory when the disk is slower than the camera.
 constexpr size_t maxWaiting = 8;
 
-void Write(const FrameFile& file, const std::filesystem::path& path)
+void Write(const FrameFile& file, PendingFile& target)
 {
     if (const auto* picture = std::get_if<Picture>(&file.content))
-        file.suffix == ".tiff" ? WriteTIFF(*picture, path) : WritePNG(*picture, path);
+        file.suffix == ".tiff" ? WriteTIFF(*picture, target) : WritePNG(*picture, target);
     else if (const auto* points = std::get_if<PointCloud>(&file.content))
-        WritePLY(*points, path);
+        WritePLY(*points, target);
     else if (const auto* bytes = std::get_if<RawBytes>(&file.content))
-        WriteRaw(bytes->data(), bytes->size(), path);
+        WriteRaw(bytes->data(), bytes->size(), target);
+    target.Complete(); // a frame may have more parts than a process has descriptors
+}
+
+void CommitAll(std::deque<PendingFile>& files)
+{
+    try
+    {
+        for (PendingFile& file : files)
+            file.Commit();
+    }
+    catch (...)
+    {
+        for (PendingFile& file : files)
+            file.Withdraw();
+        throw;
+    }
 }
 
 } // namespace
@@ -114,13 +131,15 @@ void PictureSaver::WriteOne(Frame& frame, uint64_t number)
     char digits[64];
     std::snprintf(digits, sizeof digits, "-%06" PRIu64 "%s", number, frame.note.isWhole ? "" : "-incomplete");
     std::vector<std::string> paths;
+    std::deque<PendingFile> pending;
     for (const FrameFile& file : frame.files)
     {
         const std::string label = file.label.empty() ? "" : "-" + file.label;
         const std::filesystem::path path = folder / (prefix + digits + label + file.suffix);
-        Write(file, path);
+        Write(file, pending.emplace_back(path));
         paths.push_back(path.string());
     }
+    CommitAll(pending);
     if (frame.note.object)
     {
         (*frame.note.object)["files"] = paths;

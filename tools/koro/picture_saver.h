@@ -39,8 +39,8 @@ public:
     // Frames that still stand in line are written.
     ~PictureSaver();
 
-    // Takes the files of the next frame, or none of a frame that is only counted or described. Throws what an earlier
-    // write failed with; nothing is taken after that.
+    // Takes the files of the next frame, which are written together or not at all, or none of a frame that is only
+    // counted or described. Throws what an earlier write failed with; nothing is taken after that.
     void Save(FrameFiles files, FrameNote note = {});
     // Waits for the last file. Throws what a write failed with.
     void Finish();

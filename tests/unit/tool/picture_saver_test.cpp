@@ -1,3 +1,4 @@
+#include "tests/support/file_size_limit.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/unit/tool/image_files.h"
 #include "tools/koro/picture_saver.h"
@@ -5,6 +6,7 @@
 
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <iterator>
 
 namespace
 {
@@ -94,6 +96,35 @@ TEST(PictureSaver, FailureReachesTheCaller)
         ToolError);
     EXPECT_THROW(saver.Finish(), ToolError);
     EXPECT_EQ(saver.NumSaved(), 0u);
+}
+
+// A frame of which the second file cannot be written.
+void ExpectNothingOfAFrameOf(size_t numBytes, const TemporaryFolder& folder)
+{
+    Silence silence;
+    PictureSaver saver(folder.Path(), "cam", silence.progress);
+    saver.Save({{"image", ".raw", RawBytes{1, 2, 3}}, {"range", ".raw", RawBytes(numBytes, 4)}});
+    EXPECT_THROW(saver.Finish(), ToolError);
+    EXPECT_EQ(saver.NumSaved(), 0u);
+    EXPECT_EQ(saver.NumFiles(), 0u);
+}
+
+TEST(PictureSaver, FrameThatDoesNotFitOnTheDiskLeavesNoneOfItsFiles)
+{
+    const TemporaryFolder folder;
+    const koro::test::FileSizeLimit disk(9);
+    ExpectNothingOfAFrameOf(10, folder);
+    EXPECT_TRUE(std::filesystem::is_empty(folder.Path()));
+}
+
+TEST(PictureSaver, FrameOfWhichOneNameIsTakenByAFolderLeavesTheOlderFiles)
+{
+    const TemporaryFolder folder;
+    const std::string older = folder.MakeFile("cam-000001-image.raw", "older");
+    std::filesystem::create_directory(folder.File("cam-000001-range.raw"));
+    ExpectNothingOfAFrameOf(1, folder);
+    EXPECT_EQ(std::filesystem::file_size(older), 5u);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.Path()), {}), 2);
 }
 
 TEST(PictureSaver, FrameWithoutFilesUsesUpNoNumber)
