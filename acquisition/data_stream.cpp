@@ -58,7 +58,8 @@ DataStream::~DataStream()
 {
     try
     {
-        const EndingScope scope;
+        const auto device = parent.lock(); // which others may have ended
+        const EndingScope scope({device.get()});
         StopAndReleaseAll();
     }
     catch (const std::exception&) // reaches nobody, and what could not be released must not be closed over
@@ -244,7 +245,6 @@ void DataStream::Withdraw(const std::shared_ptr<Buffer>& buffer) noexcept
 {
     try
     {
-        const EndingScope scope;
         buffer->DropRevocationCallbacks();
         Release(buffer);
     }

@@ -20,7 +20,7 @@ std::shared_ptr<T> LockOrThrow(const std::weak_ptr<T>& parent, const char* text 
     if (!locked) throw InternalErrorException(text);
     if constexpr (std::is_base_of_v<Instance, T>)
     {
-        if (locked->HasEnded() && !IsInEndingScope()) throw InternalErrorException(text);
+        if (locked->HasEnded() && !EndingScope::HasParent(*locked)) throw InternalErrorException(text);
     }
     return locked;
 }

@@ -31,7 +31,7 @@ public:
     // Of the object that the entry ends with; empty without one, and when that has gone.
     virtual std::shared_ptr<Hold> HoldAbove() const = 0;
 
-    // From now on the entry is found by a thread that is ending objects, and by no other. Returns whether anybody has a
+    // From now on the entry is found by the thread that ends its object, and by no other. Returns whether anybody has a
     // reference but the entry and the caller, who has one; also when there is no entry any more, since the object would
     // have gone with it if nobody had been inside.
     virtual bool HideEntry() = 0;

@@ -80,15 +80,15 @@ Instance::Holds Instance::HoldsBelow() const
     return Living(holdsBelow);
 }
 
-void Instance::MarkEnded()
+void Instance::MarkEnded(const EndingScope& end)
 {
     const std::lock_guard lock(destructionMutex);
-    hasEnded = true;
+    if (!HasEnded()) endedBy = end.Number();
 }
 
 void Instance::CheckNotEnded() const
 {
-    if (hasEnded) throw InternalErrorException("Pointer has expired!");
+    if (HasEnded()) throw InternalErrorException("Pointer has expired!");
 }
 
 void Instance::KeepUntilItsEnd(std::shared_ptr<Hold> ended)

@@ -4,6 +4,8 @@
 // handles that end with it. Any thread.
 #pragma once
 
+#include "base/ending_scope.h"
+
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
@@ -48,8 +50,10 @@ public:
     Holds HoldsBelow() const;
     // From now on the object counts as gone for what is below it, and neither a further handle nor one below it comes;
     // it may live on for the calls that are inside.
-    void MarkEnded();
-    bool HasEnded() const noexcept { return hasEnded; }
+    // The first end that comes to it has it.
+    void MarkEnded(const EndingScope& end);
+    EndNumber EndedBy() const noexcept { return endedBy; }
+    bool HasEnded() const noexcept { return endedBy != 0; }
     // To be dropped when the entries of the handles below go, and in their place: one after the other, all that are
     // below by now.
     void KeepUntilItsEnd(std::shared_ptr<Hold> ended);
@@ -79,7 +83,7 @@ private:
     WeakHolds holdsBelow;
     std::size_t numHoldsToPrune = 16; // of those below
     Holds endedBelow;
-    std::atomic<bool> hasEnded{false};
+    std::atomic<EndNumber> endedBy{0};
 };
 
 } // namespace koro::internal

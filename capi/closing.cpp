@@ -16,17 +16,12 @@ namespace
 constinit std::mutex
     endMutex; // who is inside is worked out by one thread at a time; nothing is called or closed under it
 
-enum class Purpose
-{
-    Look,
-    End // marks the objects before it looks, so that no handle is missed that another thread makes meanwhile
-};
-
 // The holds of objects that end, and of all that is below them; each before what is below it.
 class Subtree
 {
 public:
-    Subtree(Instance::Holds roots, Purpose forPurpose) : purpose(forPurpose), numRoots(roots.size())
+    // For an end it marks the objects before it looks, so that no handle is missed that another thread makes meanwhile.
+    explicit Subtree(Instance::Holds roots, const EndingScope* ofEnd = nullptr) : end(ofEnd), numRoots(roots.size())
     {
         for (auto& root : roots)
             parts.push_back({std::move(root)});
@@ -50,7 +45,7 @@ public:
         return holds;
     }
 
-    // From now on no call gets inside, but those of this thread while it is ending objects. What keeps the hold above
+    // From now on no call gets inside, but those of this thread. What keeps the hold above
     // already is about to be closed by the library's close on another thread.
     void Hide()
     {
@@ -123,7 +118,7 @@ private:
     {
         Instance& object = parts[index].hold->Object();
         if (!seen.insert(&object).second) return;
-        if (purpose == Purpose::End) object.MarkEnded();
+        if (end) object.MarkEnded(*end);
         for (auto& hold : object.HoldsBelow())
         {
             parts.push_back({std::move(hold), index});
@@ -139,7 +134,7 @@ private:
             parts[parts[index].above].hold->Object().KeepUntilItsEnd(parts[index].hold);
     }
 
-    const Purpose purpose;
+    const EndingScope* const end;
     const std::size_t numRoots;
     std::vector<Part> parts;
     std::unordered_set<const Instance*> seen;
@@ -158,9 +153,9 @@ void ForEachObject(const std::vector<std::weak_ptr<Hold>>& holds, Step&& step)
 }
 
 // Not before the waits have ended: another thread may have made further handles meanwhile.
-Instance::Holds OwnHoldsAtTheEnd(std::shared_ptr<Hold> hold)
+Instance::Holds OwnHoldsAt(const EndingScope& end, std::shared_ptr<Hold> hold)
 {
-    hold->Object().MarkEnded();
+    hold->Object().MarkEnded(end);
     return hold->Object().OwnHolds();
 }
 
@@ -168,7 +163,7 @@ Instance::Holds OwnHoldsAtTheEnd(std::shared_ptr<Hold> hold)
 
 void EndActivity(const Instance::Holds& roots)
 {
-    const auto holds = Subtree(roots, Purpose::Look).WeakHolds();
+    const auto holds = Subtree(roots).WeakHolds();
     ForEachObject(holds, [](const Instance& object) { object.RefuseEndInCallback(); });
     ForEachObject(holds, [](Instance& object) { object.EndWaits(); });
     ForEachObject(holds, [](Instance& object) { object.EndThreads(); });
@@ -178,13 +173,13 @@ void EndObject(std::shared_ptr<Hold> hold)
 {
     EndActivity({hold});
 
+    const EndingScope scope;
     std::unique_lock lock(endMutex);
-    Subtree subtree(OwnHoldsAtTheEnd(std::move(hold)), Purpose::End);
+    Subtree subtree(OwnHoldsAt(scope, std::move(hold)), &scope);
     subtree.Hide();
     subtree.KeepAbove();
     subtree.RemoveEntries();
     lock.unlock();
-    const EndingScope scope;
     subtree.EndActivityThatCameMeanwhile();
     subtree.Drop();
 }
@@ -192,7 +187,7 @@ void EndObject(std::shared_ptr<Hold> hold)
 EndOfAll::EndOfAll(const Instance::Holds& roots)
 {
     std::unique_lock lock(endMutex);
-    Subtree subtree(roots, Purpose::End);
+    Subtree subtree(roots, &scope);
     subtree.Hide();
     subtree.CountAllAsUsed();
     subtree.KeepAbove();

@@ -1,5 +1,7 @@
 #include "firmware/firmware_updater.h"
 
+#include "base/ending_scope.h"
+#include "base/hold.h"
 #include "capi/arguments.h"
 #include "firmware/firmware_update_information.h"
 #include "firmware/firmware_update_progress_observer.h"
@@ -14,6 +16,14 @@ namespace
 {
 
 constexpr std::uint64_t defaultResetTimeout_ms = 60'000;
+
+EndingScope::Objects ObjectsAbove(const Hold& hold)
+{
+    EndingScope::Objects above;
+    for (auto next = hold.HoldAbove(); next; next = next->HoldAbove())
+        above.push_back(&next->Object());
+    return above;
+}
 
 } // namespace
 
@@ -98,7 +108,7 @@ KORO_ReturnCode KORO_FirmwareUpdater_UpdateDeviceWithResetTimeout(
         if (firmwareUpdateProgressObserverHandle && !observer)
             return InvalidHandle(KORO_ARG(firmwareUpdateProgressObserverHandle));
 
-        const EndingScope scope; // the end of a parent is no end of the update
+        const EndingScope scope(ObjectsAbove(*descriptor)); // their end is no end of the update
         updater->UpdateDevice(
             descriptor->Get(), information->Get(), observer ? observer->Get() : nullptr, resetTimeout_ms);
         return success;

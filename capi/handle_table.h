@@ -132,7 +132,7 @@ public:
         const std::lock_guard lock(shard.mutex);
         const auto entry = shard.entries.find(key);
         if (entry == shard.entries.end()) return nullptr;
-        if (entry->second.isHidden && !IsInEndingScope()) return nullptr;
+        if (entry->second.isHidden && !EndingScope::IsInEndOf(*entry->second.held->Get())) return nullptr;
         return entry->second.held;
     }
 

@@ -1,6 +1,7 @@
 // Ends while calls are inside the producer: nobody waits for them, and the last one out closes in order.
 #include "tests/boundary/described_camera.h"
 #include "tests/boundary/file_camera.h"
+#include "tests/boundary/firmware_test.h"
 #include "tests/boundary/stream_test.h"
 
 #include <atomic>
@@ -879,6 +880,91 @@ TEST_F(Closing, AnnouncementThatFailsInAnEndedStreamIsTakenBackWithoutItsCallbac
     EXPECT_EQ(CallsOf({"DSRevokeBuffer"}).size(), 1u);
     EXPECT_EQ(numCalls, 0);
 }
+
+namespace
+{
+
+// Another producer's tree, which a thread is ending, and what a callback asks it that runs in an end of the first one.
+struct QuestionToAnEndedTree
+{
+    const char* name;
+    std::function<std::function<KORO_ReturnCode()>(const OpenTree&)> of;
+    const char* handle;
+};
+
+const std::vector<QuestionToAnEndedTree> questions = {
+    {"ReadsAPort",
+     [](const OpenTree& tree) {
+         return ReadOf(PortOf(Get<KORO_ModuleHandle>(KORO_Interface_ToModule, tree.interface)));
+     },
+     "portHandle"},
+    {"AsksAModule", [](const OpenTree& tree) { return InfoOf(KORO_Device_GetInfo, tree.device); }, "deviceHandle"},
+    {"EndsAnInterface",
+     [](const OpenTree& tree) { return [handle = tree.interface] { return KORO_Interface_Destruct(handle); }; },
+     "interfaceHandle"},
+    {"EndsADevice",
+     [](const OpenTree& tree) { return [handle = tree.device] { return KORO_Device_Destruct(handle); }; },
+     "deviceHandle"},
+    {"EndsAStream",
+     [](const OpenTree& tree) { return [handle = tree.stream] { return KORO_DataStream_Destruct(handle); }; },
+     "dataStreamHandle"},
+};
+
+// Nothing of the other tree answers, and its producer is not called, while `callback` asks. It runs inside TLClose.
+void ExpectEndedForTheCallback(
+    const QuestionToAnEndedTree& question, const std::function<void(const std::function<void()>&)>& runCallback)
+{
+    const ScriptedProducer other;
+    const OpenTree otherTree(other.Path());
+    const auto ask = question.of(otherTree);
+    other->ClearJournal();
+    CallAtAGate close(other, "TLClose");
+    close.Enter([&] { return KORO_ProducerLibrary_Destruct(otherTree.producerLibrary); });
+
+    std::optional<Error> answer;
+    runCallback([&] { answer = Outcome(ask()); });
+    EXPECT_EQ(answer, InvalidHandle(question.handle));
+    EXPECT_THAT(CallsOf(other->Journal(), {"GCReadPort", "DevGetInfo", "IFClose", "DevClose", "DSClose"}), IsEmpty());
+    EXPECT_EQ(close.Leave(), Error{});
+    EXPECT_EQ(other->InitCount(), 0);
+}
+
+} // namespace
+
+class RevocationDuringAnEndElsewhere : public Closing, public testing::WithParamInterface<QuestionToAnEndedTree>
+{};
+
+TEST_P(RevocationDuringAnEndElsewhere, FindsThatEnded)
+{
+    ExpectEndedForTheCallback(GetParam(), [&](const std::function<void()>& ask) {
+        Memory memory{};
+        const auto callback = [](void*, void*, void* context) {
+            (*static_cast<const std::function<void()>*>(context))();
+        };
+        std::function<void()> function = ask;
+        Announce(memory, callback, &function);
+        Require(KORO_DataStream_Destruct(tree.stream));
+    });
+}
+
+class UpdateDuringAnEndElsewhere : public FirmwareTest, public testing::WithParamInterface<QuestionToAnEndedTree>
+{};
+
+TEST_P(UpdateDuringAnEndElsewhere, FindsThatEndedInItsReports)
+{
+    ExpectEndedForTheCallback(GetParam(), [&](const std::function<void()>& ask) {
+        observer.onReport = [&](const std::string& report) {
+            if (report == "step 1 finished") ask();
+        };
+        EXPECT_EQ(Apply(FileWithSteps(firmware::WriteGain("7"))), Error{});
+        observer.onReport = nullptr;
+    });
+    EXPECT_EQ(Gain(), 7u);
+}
+
+const auto nameOfQuestion = [](const auto& question) { return question.param.name; };
+INSTANTIATE_TEST_SUITE_P(Closing, RevocationDuringAnEndElsewhere, testing::ValuesIn(questions), nameOfQuestion);
+INSTANTIATE_TEST_SUITE_P(Closing, UpdateDuringAnEndElsewhere, testing::ValuesIn(questions), nameOfQuestion);
 
 TEST_F(Closing, EndWithoutAWaiterKillsNothing)
 {

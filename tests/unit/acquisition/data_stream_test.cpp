@@ -60,7 +60,7 @@ GC_ERROR RevokeAnything(DS_HANDLE, BUFFER_HANDLE, void**, void**)
 TEST_F(DataStreamClass, WaitThatComesBehindTheEndOfItsDeviceIsAborted)
 {
     stream->EndWaits();
-    objects.device->MarkEnded();
+    objects.device->MarkEnded(EndingScope());
     EXPECT_THROW(stream->WaitForFinishedBuffer(0), AbortedException);
     EXPECT_THAT([&] { stream->PayloadSize(); }, expired);
 }

@@ -148,7 +148,7 @@ TEST(HandleTables, ParentThatHasBeenEndedTakesNoEntry)
     HandleTable<Child> table;
     const auto parent = std::make_shared<Parent>();
     const auto child = std::make_shared<Child>();
-    parent->MarkEnded();
+    parent->MarkEnded(EndingScope());
     EXPECT_THAT([&] { table.Add(child, parent); }, ThrowsExactly<InternalErrorException>("Pointer has expired!"));
     EXPECT_EQ(table.Find(HandleFor(child)), nullptr);
     EXPECT_EQ(child.use_count(), 1);
@@ -159,7 +159,7 @@ TEST(HandleTables, ObjectThatHasBeenEndedTakesNoFurtherHandle)
     HandleTable<Child> table;
     const auto parent = std::make_shared<Parent>();
     const auto child = std::make_shared<Child>();
-    child->MarkEnded();
+    child->MarkEnded(EndingScope());
     EXPECT_THAT(
         [&] { table.AddFurther(child, parent); }, ThrowsExactly<InternalErrorException>("Pointer has expired!"));
     EXPECT_EQ(table.Find(HandleFor(child)), nullptr);
@@ -172,7 +172,7 @@ TEST(HandleTables, ObjectThatHasBeenEndedMayGetAHandleAgain)
     HandleTable<Child> table;
     const auto parent = std::make_shared<Parent>();
     const auto child = std::make_shared<Child>();
-    child->MarkEnded();
+    child->MarkEnded(EndingScope());
     EXPECT_NE(table.Find(table.Add(child, parent)), nullptr);
 }
 
