@@ -94,7 +94,7 @@ std::vector<std::shared_ptr<DeviceDescriptor>> Interface::Monitored() const
 
 void Interface::RefuseEndInCallback() const
 {
-    if (const auto system = parent.lock(); system && connectionChangeSubscription) system->RefuseEndInCallback();
+    if (const auto system = parent.lock()) system->RefuseEndInCallback();
     for (const auto& descriptor : Monitored())
         descriptor->Monitor().RefuseInCallback();
 }
@@ -110,21 +110,15 @@ void Interface::EndThreads()
         descriptor->Monitor().End();
 }
 
+// Two threads may end the interface at a time: the second one waits as well, and finds the subscription gone.
 void Interface::EndConnectionChanges()
 {
-    const auto subscription = connectionChangeSubscription.exchange(nullptr);
+    const auto subscription = connectionChangeSubscription.load();
     if (!subscription) return;
     const auto system = parent.lock();
     if (!system) return; // and its listener with it
-    try
-    {
-        system->UnsubscribeConnectionChange(subscription);
-    }
-    catch (...)
-    {
-        connectionChangeSubscription = subscription;
-        throw;
-    }
+    system->UnsubscribeConnectionChange(subscription);
+    connectionChangeSubscription = nullptr;
 }
 
 // Every interface of the system sees every record.

@@ -413,6 +413,53 @@ TEST_F(EndDuringACallback, OfTheInterfaceWaits)
     ExpectToWait([&] { return KORO_Interface_Destruct(interface); });
 }
 
+TEST_F(EndDuringACallback, OfTheInterfaceWaitsOnTwoThreads)
+{
+    std::promise<void> entered;
+    std::atomic<int> numBegun{0};
+    std::atomic<int> numEnded{0};
+    reports.onReport = [&](KORO_DeviceDescriptorHandle) {
+        entered.set_value();
+        while (numBegun < 2)
+            std::this_thread::yield();
+        for (int turn = 0; turn < 10000; ++turn)
+            std::this_thread::yield(); // both are most likely inside by then
+        EXPECT_EQ(numEnded, 0);
+    };
+    ASSERT_TRUE(producer.Send({.deviceFlag = 0}));
+    entered.get_future().wait();
+    const auto end = [&] {
+        ++numBegun;
+        const auto code = KORO_Interface_Destruct(interface);
+        ++numEnded;
+        return code;
+    };
+    auto other = std::async(std::launch::async, end);
+    const auto code = end();
+    const auto otherCode = other.get();
+    EXPECT_TRUE(code == KORO_RETURN_CODE_SUCCESS || otherCode == KORO_RETURN_CODE_SUCCESS);
+    EXPECT_EQ(CallsOf({"IFClose"}), Strings{"IFClose(if0)"});
+}
+
+TEST_F(EndDuringACallback, OfTheInterfaceIsRefusedToTheCallbackThatAnotherThreadWaitsFor)
+{
+    std::promise<void> entered;
+    std::promise<void> ending;
+    Error outcome = deadlock;
+    reports.onReport = [&](KORO_DeviceDescriptorHandle) {
+        entered.set_value();
+        ending.get_future().wait();
+        for (int turn = 0; turn < 10000 && outcome == deadlock; ++turn)
+            outcome = Outcome(KORO_Interface_Destruct(interface)); // the other thread comes to wait meanwhile
+    };
+    ASSERT_TRUE(producer.Send({.deviceFlag = 0}));
+    entered.get_future().wait();
+    ending.set_value();
+    EXPECT_EQ(Outcome(KORO_Interface_Destruct(interface)), Error{});
+    EXPECT_EQ(outcome, deadlock);
+    EXPECT_EQ(CallsOf({"IFClose"}), Strings{"IFClose(if0)"});
+}
+
 TEST_F(EndDuringACallback, OfTheSystemWaits)
 {
     ExpectToWait([&] { return KORO_System_Destruct(system); });
