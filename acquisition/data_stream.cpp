@@ -265,23 +265,19 @@ void DataStream::Release(const std::shared_ptr<Buffer>& buffer)
 std::shared_ptr<Buffer> DataStream::WaitForFinishedBuffer(std::uint64_t timeout_ms)
 {
     return WithStandardExceptionsAsInternalErrors([&] {
-        const auto device = DeviceOfWait();
-        return FindOrWrap(FinishedBufferHandle(NewBufferEvents().WaitForBlock(timeout_ms)));
+        try
+        {
+            const auto device = ParentDevice();
+            auto buffer = FindOrWrap(FinishedBufferHandle(NewBufferEvents().WaitForBlock(timeout_ms)));
+            if (HasEndReached()) throw EventController::EndedWait(); // the frame is lost with its stream
+            return buffer;
+        }
+        catch (const InternalErrorException&) // which may be what the end has left
+        {
+            if (HasEndReached()) throw EventController::EndedWait();
+            throw;
+        }
     });
-}
-
-// An end marks the waits before it takes the device: a wait that comes in between was ended, and has found no fault.
-std::shared_ptr<Device> DataStream::DeviceOfWait() const
-{
-    try
-    {
-        return ParentDevice();
-    }
-    catch (const InternalErrorException&)
-    {
-        if (haveWaitsEnded) throw EventController::EndedWait();
-        throw;
-    }
 }
 
 std::shared_ptr<Buffer> DataStream::FindOrWrap(BUFFER_HANDLE handle)

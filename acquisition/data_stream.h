@@ -82,7 +82,6 @@ public:
     void Flush(std::int32_t flushMode);
 
     std::shared_ptr<Device> ParentDevice() const;
-    std::shared_ptr<Device> DeviceOfWait() const;
     std::shared_ptr<Module> ParentModule() const override;
 
 private:
@@ -98,6 +97,7 @@ private:
     EventController& NewBufferEvents();
     template <class Announce>
     std::shared_ptr<Buffer> Announced(Announce&& announce);
+    bool HasEndReached() const noexcept { return haveWaitsEnded || HasEnded(); }
     std::shared_ptr<Buffer> FindOrWrap(GenTL::BUFFER_HANDLE handle);
     // Of a buffer of this stream.
     void Release(const std::shared_ptr<Buffer>& buffer);

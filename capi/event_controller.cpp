@@ -4,7 +4,28 @@
 #include "events/event.h"
 #include <koro/event_controller.h>
 
+#include <memory>
+
 using namespace koro::internal;
+
+namespace
+{
+
+// What came together with the end of the controller is lost with it, and the wait is one that the end has reached.
+KORO_EventHandle EnterEvent(const std::shared_ptr<EventController>& controller, const std::shared_ptr<Event>& event)
+{
+    try
+    {
+        return Table<Event>().Add(event, controller);
+    }
+    catch (const Exception&)
+    {
+        if (controller->HasEndReached()) throw EventController::EndedWait();
+        throw;
+    }
+}
+
+} // namespace
 
 KORO_ReturnCode KORO_EventController_Destruct(KORO_EventControllerHandle eventControllerHandle)
 {
@@ -53,7 +74,7 @@ KORO_ReturnCode KORO_EventController_WaitForEvent(
     KORO_EventControllerHandle eventControllerHandle, uint64_t timeout_ms, KORO_EventHandle* eventHandle)
 {
     return GetHandle(KORO_ARG(eventControllerHandle), KORO_ARG(eventHandle), [&](const auto& controller) {
-        return Table<Event>().Add(controller->WaitForEvent(timeout_ms), controller);
+        return EnterEvent(controller, controller->WaitForEvent(timeout_ms));
     });
 }
 

@@ -47,7 +47,8 @@ public:
 
     // Ends the waits that are inside, as kills do; from now on there is none any more.
     void EndWaits() noexcept override;
-    // What a wait that comes after this throws.
+    // Then a wait throws this, also where the producer had an event for it.
+    bool HasEndReached() const noexcept { return haveWaitsEnded || HasEnded(); }
     static AbortedException EndedWait();
     // Ends one wait; without a waiter the kill stays pending in the producer and ends the next one.
     void KillWait();

@@ -77,7 +77,7 @@ KORO_DataStream_RevokeBuffer(KORO_DataStreamHandle dataStreamHandle, KORO_Buffer
  * @param[in]  timeout_ms   milliseconds; KORO_INFINITE waits without end
  * @param[out] bufferHandle the handle from the announcement: nothing new to destruct
  * @return KORO_RETURN_CODE_TIMEOUT when none came; KORO_RETURN_CODE_ABORTED after KORO_DataStream_KillWait
- *         and when the stream, or what it is opened from, is ended meanwhile
+ *         and when the stream, or what it is opened from, is ended meanwhile: a frame that came then is lost
  */
 KORO_API KORO_ReturnCode KORO_DataStream_WaitForFinishedBuffer(
     KORO_DataStreamHandle dataStreamHandle, uint64_t timeout_ms, KORO_BufferHandle* bufferHandle);

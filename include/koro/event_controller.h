@@ -67,7 +67,8 @@ KORO_EventController_GetEventDataMaxSize(KORO_EventControllerHandle eventControl
  * @param[in]  timeout_ms  milliseconds; KORO_INFINITE waits without end
  * @param[out] eventHandle a new handle; end it with KORO_Event_Destruct
  * @return KORO_RETURN_CODE_TIMEOUT when none came; KORO_RETURN_CODE_ABORTED after
- *         KORO_EventController_KillWait and when the controller, or its module, is ended meanwhile
+ *         KORO_EventController_KillWait and when the controller, or its module, is ended meanwhile: an event that came
+ *         then is lost
  */
 KORO_API KORO_ReturnCode KORO_EventController_WaitForEvent(
     KORO_EventControllerHandle eventControllerHandle, uint64_t timeout_ms, KORO_EventHandle* eventHandle);

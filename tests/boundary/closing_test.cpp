@@ -636,6 +636,35 @@ TEST_P(EndOfAWait, ForAnEventIsThatOfAKill)
     if (!Get<KORO_Bool8>(KORO_Library_IsInitialized)) Require(KORO_Library_Initialize());
 }
 
+// The producer has the event for the waiter before it hears of the end.
+TEST_P(EndOfAWait, IsThatOfAKillAlsoWhereAnEventHasCome)
+{
+    const auto controller = EnableEvents(GenTL::EVENT_ERROR);
+    CallAtAGate wait(producer, "EventGetData");
+    KORO_EventHandle event = nullptr;
+    wait.Enter([&] { return KORO_EventController_WaitForEvent(controller, KORO_INFINITE, &event); });
+    ASSERT_TRUE(producer->Fire(streamID, GenTL::EVENT_ERROR, "block"));
+    producer->Intercept("EventKill", [](const auto&) { return GenTL::GC_ERR_SUCCESS; });
+    EXPECT_EQ(GetParam().end(tree), KORO_RETURN_CODE_SUCCESS);
+    EXPECT_EQ(wait.Leave().code, KORO_RETURN_CODE_ABORTED);
+    EXPECT_EQ(event, nullptr);
+    if (!Get<KORO_Bool8>(KORO_Library_IsInitialized)) Require(KORO_Library_Initialize());
+}
+
+TEST_P(EndOfAWait, IsThatOfAKillAlsoWhereAFrameHasCome)
+{
+    StartWithBuffers(1);
+    CallAtAGate wait(producer, "EventGetData");
+    KORO_BufferHandle buffer = nullptr;
+    wait.Enter([&] { return KORO_DataStream_WaitForFinishedBuffer(tree.stream, KORO_INFINITE, &buffer); });
+    ASSERT_TRUE(Deliver());
+    producer->Intercept("EventKill", [](const auto&) { return GenTL::GC_ERR_SUCCESS; });
+    EXPECT_EQ(GetParam().end(tree), KORO_RETURN_CODE_SUCCESS);
+    EXPECT_EQ(wait.Leave().code, KORO_RETURN_CODE_ABORTED);
+    EXPECT_EQ(buffer, nullptr);
+    if (!Get<KORO_Bool8>(KORO_Library_IsInitialized)) Require(KORO_Library_Initialize());
+}
+
 INSTANTIATE_TEST_SUITE_P(
     Closing, EndOfAWait,
     testing::Values(
