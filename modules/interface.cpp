@@ -141,18 +141,24 @@ void Interface::OnConnectionChange(const Record& record)
 
 void Interface::OnReconnect(const std::shared_ptr<DeviceDescriptor>& descriptor, const Record& record)
 {
-    // Not held any longer: a callback may close the device and open it anew.
-    if (const auto device = descriptor->OpenedDevice())
-    {
-        if (const auto remoteDevice = device->FetchedRemoteDevice())
-        {
-            for (const auto& nodeMap : remoteDevice->NodeMaps())
-                nodeMap->InvalidateNodes();
-        }
-        TestGVCPCommandLength(*device);
-    }
+    Refresh(descriptor->OpenedDevice());
+    // The device is not held any longer: a callback may close it and open it again.
     reconnectedCallbacks.TriggerCallback(
         descriptor, {record.reconnectFlag1 != 0, record.reconnectFlag2 != 0, record.reconnectValue});
+}
+
+// Inside the device as a call is, by a share of its holds. These go after the last use of it.
+void Interface::Refresh(std::shared_ptr<Device> opened)
+{
+    const auto holds = opened ? opened->OwnHolds() : Instance::Holds();
+    const auto device = std::move(opened);
+    if (!device || device->HasEnded()) return;
+    if (const auto remoteDevice = device->FetchedRemoteDevice())
+    {
+        for (const auto& nodeMap : remoteDevice->NodeMaps())
+            nodeMap->InvalidateNodes();
+    }
+    if (!device->HasEnded()) TestGVCPCommandLength(*device);
 }
 
 // By the key, which the descriptor tells without holding this interface's system.

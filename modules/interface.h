@@ -22,6 +22,7 @@
 namespace koro::internal
 {
 
+class Device;
 class System;
 
 // What a producer adds to the report that a device came back. Handed on; nothing is concluded from it.
@@ -89,6 +90,7 @@ private:
     using Record = ConnectionChangeEventListener::Record;
     void OnConnectionChange(const Record& record);
     void OnReconnect(const std::shared_ptr<DeviceDescriptor>& descriptor, const Record& record);
+    static void Refresh(std::shared_ptr<Device> opened);
     std::shared_ptr<DeviceDescriptor> FindListed(const std::string& deviceID) const;
 
     const std::weak_ptr<System> parent;

@@ -38,12 +38,14 @@ public:
     }
     void Forget() { isRegistered = false; }
 
-    // The callback may unregister itself, which ends this object: nothing of it is touched afterwards.
+    // The callback may unregister itself, which ends this object: nothing of it is touched afterwards. A call that is
+    // inside may be going on after the end of the module.
     void operator()(INode*)
     {
         const auto heldCallback = callback;
         const auto heldNode = node;
-        if (*heldCallback) (*heldCallback)(heldNode);
+        if (!*heldCallback || heldNode->HasEnded()) return;
+        (*heldCallback)(heldNode);
     }
 
 private:

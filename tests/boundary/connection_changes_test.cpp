@@ -470,6 +470,49 @@ TEST_F(ConnectionChanges, ReconnectInvalidatesTheNodesOfTheRemoteDeviceBeforeItI
     EXPECT_EQ(readsInCallback, 1u);
 }
 
+// The listener is inside the device as a call is: nobody waits for it, and the callbacks to come do not run any more.
+TEST_F(ConnectionChanges, DeviceThatEndsWhileItsReconnectChangesItsNodesIsClosedBehindIt)
+{
+    producer->Edit([](scripted::Tree& edited) {
+        DescribePort(
+            edited.interfaces[0]->devices[0]->remotePort,
+            DescriptionOf(IntRegister("First", 0) + IntRegister("Second", 4)));
+    });
+    Require(KORO_Device_Destruct(tree.device));
+    tree.device = Get<KORO_DeviceHandle>(KORO_DeviceDescriptor_OpenDevice, descriptor, OpenTree::exclusiveAccess);
+    const auto remoteDevice = Get<KORO_RemoteDeviceHandle>(KORO_Device_GetRemoteDevice, tree.device);
+    const auto map = Get<KORO_NodeMapHandle>(
+        KORO_Module_GetNodeMap, Get<KORO_ModuleHandle>(KORO_RemoteDevice_ToModule, remoteDevice), std::size_t{0});
+
+    struct Changes
+    {
+        int count = 0;
+        std::promise<void> entered;
+        std::promise<void> gate;
+    } changes;
+    const auto onChange = [](KORO_NodeHandle, void* context) {
+        auto& self = *static_cast<Changes*>(context);
+        if (++self.count > 1) return;
+        self.entered.set_value();
+        self.gate.get_future().wait();
+    };
+    for (const std::string name : {"First", "Second"})
+    {
+        KORO_NodeChangedCallbackHandle handle = nullptr;
+        const auto node = Get<KORO_NodeHandle>(KORO_NodeMap_FindNode, map, name.c_str(), name.size() + 1);
+        Require(KORO_Node_RegisterChangedCallback(node, onChange, &changes, &handle));
+    }
+    producer->ClearJournal();
+    ASSERT_TRUE(producer.Send({.id = "if0-dev0", .changeKind = 1}));
+    changes.entered.get_future().wait();
+    EXPECT_EQ(Outcome(KORO_Device_Destruct(tree.device)), Error{}); // and does not wait
+    EXPECT_EQ(CallsOf(producer->Journal(), {"DevClose"}), Strings{});
+    changes.gate.set_value();
+    EXPECT_EQ(reports.Next(), ConnectionReports::Reconnected(descriptor));
+    EXPECT_EQ(CallsOf(producer->Journal(), {"DevClose"}), Strings{"DevClose(if0-dev0)"});
+    EXPECT_EQ(changes.count, 1);
+}
+
 TEST_F(ConnectionChanges, ReconnectTestsTheCommandLengthAgain)
 {
     const std::string testRegister =
