@@ -7,6 +7,7 @@ namespace
 {
 
 constinit thread_local bool isOwn = false;
+constinit thread_local int numMapLocks = 0;
 
 } // namespace
 
@@ -23,6 +24,21 @@ OwnThread::OwnThread() noexcept
 OwnThread::~OwnThread()
 {
     isOwn = false;
+}
+
+bool HoldsMapLock() noexcept
+{
+    return numMapLocks > 0;
+}
+
+MapLockHolder::MapLockHolder() noexcept
+{
+    ++numMapLocks;
+}
+
+MapLockHolder::~MapLockHolder()
+{
+    --numMapLocks;
 }
 
 } // namespace koro::internal

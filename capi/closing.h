@@ -1,8 +1,9 @@
 // Closing: how objects end whose handles were handed out.
 //
-// An end waits for the monitors and listeners of what ends, and for nobody else. A call that is inside keeps its object
-// and, from the end on, all that is above it: so the last thread out closes children before parents and the producer
-// last. See docs/decisions/0021-the-last-one-out-closes.md.
+// An end waits for the monitors and listeners of what ends, and for nobody else but who has the lock of a node map that
+// an attached buffer is taken off. A call that is inside keeps its object and, from the end on, all that is above it:
+// so the last thread out closes children before parents and the producer last. See
+// docs/decisions/0021-the-last-one-out-closes.md.
 #pragma once
 
 #include "base/ending_scope.h"

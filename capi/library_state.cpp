@@ -35,7 +35,7 @@ struct UnloadGuard
     ~UnloadGuard()
     {
         if (IsLibraryInitialized() || Hold::NumLiving() != 0) return; // a call is inside that needs the tables
-        delete std::exchange(tables, nullptr); // an exit handler may start anew
+        delete std::exchange(tables, nullptr);                        // an exit handler may start anew
         FreeEndedCallbacks();
     }
 } unloadGuard;
@@ -48,10 +48,11 @@ struct Ending
     Ending& operator=(const Ending&) = delete;
 };
 
-// A callback on a thread of the library's own must not wait for an end that waits for that thread.
+// A callback on a thread of the library's own must not wait for an end that waits for that thread, nor one who holds
+// the lock of a node map for an end that may wait for that.
 std::unique_lock<CheckedMutex> LockState()
 {
-    if (!IsOnOwnThread()) return std::unique_lock(stateMutex);
+    if (!IsOnOwnThread() && !HoldsMapLock()) return std::unique_lock(stateMutex);
     std::unique_lock lock(stateMutex, std::defer_lock);
     while (!lock.try_lock())
     {

@@ -1,6 +1,7 @@
 // The change notifications of a node.
 
 #include "base/ended_objects.h"
+#include "base/own_threads.h"
 #include "nodes/node.h"
 
 #include <GenApi/NodeCallback.h>
@@ -45,6 +46,7 @@ public:
         const auto heldCallback = callback;
         const auto heldNode = node;
         if (!*heldCallback || heldNode->HasEnded()) return;
+        const MapLockHolder holdsLock;
         (*heldCallback)(heldNode);
     }
 

@@ -1,4 +1,5 @@
 // The lock of a map as applications hold it, from one call to another.
+#include "base/own_threads.h"
 #include "nodes/node_map.h"
 
 #include <memory>
@@ -15,13 +16,16 @@ namespace
 struct HeldLock
 {
     std::shared_ptr<NodeMap> nodeMap;
-    HeldLock* next;
+    HeldLock* next = nullptr;
+    MapLockHolder holder{};
 };
 constinit thread_local HeldLock* heldLocks = nullptr;
 
 std::unique_ptr<HeldLock> NewHeldLock(std::shared_ptr<NodeMap> nodeMap)
 {
-    return std::make_unique<HeldLock>(HeldLock{std::move(nodeMap), nullptr});
+    auto lock = std::make_unique<HeldLock>();
+    lock->nodeMap = std::move(nodeMap);
+    return lock;
 }
 
 void Push(std::unique_ptr<HeldLock> lock) noexcept

@@ -21,6 +21,8 @@ extern "C" {
  * Ends the handle, with its Module and EventSupportingModule handles, and the buffers' handles. Waits on the stream
  * that are inside return KORO_RETURN_CODE_ABORTED. When the last use of the stream ends, it stops, discards and revokes
  * what is left and is closed. Destruct before the device: a stream whose device went first can only be dropped.
+ * To revoke a buffer that is attached to a node map (KORO_NodeMap_UpdateChunkNodes) it takes the lock of that map: it
+ * waits for a call that is inside the map, and for a thread that holds the lock.
  */
 KORO_API KORO_ReturnCode KORO_DataStream_Destruct(KORO_DataStreamHandle dataStreamHandle);
 

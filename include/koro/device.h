@@ -19,7 +19,8 @@ extern "C" {
 /**
  * Ends the handle, with its RemoteDevice, Module and EventSupportingModule handles, and all handles below it. The
  * device is closed when its last use ends. Waits on it and on its streams that are inside return
- * KORO_RETURN_CODE_ABORTED.
+ * KORO_RETURN_CODE_ABORTED. Where another call is inside below it, its idle streams end first, which may wait as
+ * KORO_DataStream_Destruct does. Nothing else is waited for.
  */
 KORO_API KORO_ReturnCode KORO_Device_Destruct(KORO_DeviceHandle deviceHandle);
 

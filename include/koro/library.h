@@ -22,8 +22,12 @@ KORO_API KORO_ReturnCode KORO_Library_Initialize(void);
  * Counts down; the last call ends every handle, children before parents, closes all modules and all producers.
  * The code of a producer that has started stays mapped: docs/ownership.md. Waits that are inside return
  * KORO_RETURN_CODE_ABORTED, and callbacks of changed information and of the producer's own reports are waited for. Any
- * other call on another thread is not: what it uses is closed when it returns, children before parents. Closing what
- * was never initialised is a success.
+ * other call on another thread is not: what it uses is closed when it returns, children before parents. One exception:
+ * to revoke a buffer that is attached to a node map it takes the lock of that map, as KORO_DataStream_Destruct does,
+ * and KORO_Library_Initialize and KORO_Library_Close on other threads wait with it. Closing what was never initialised
+ * is a success.
+ * During the last close, KORO_Library_Initialize and KORO_Library_Close give KORO_RETURN_CODE_ERROR to a callback that
+ * it waits for, to a changed callback of a node, and to a thread that holds the lock of a node map.
  * @return KORO_RETURN_CODE_ERROR for the last call inside a callback that it would wait for: nothing ends then
  */
 KORO_API KORO_ReturnCode KORO_Library_Close(void);

@@ -77,7 +77,9 @@ enum KORO_NodeCachingModes
 /**
  * Called after a node may have changed, on the thread that caused it, while that holds the lock of the map. It may use
  * any node of the map, register and unregister; it must not wait for another thread that uses the map. A change that it
- * makes is told within it, to itself as well: one that changes its own node at each call never ends.
+ * makes is told within it, to itself as well: one that changes its own node at each call never ends. During the last
+ * KORO_Library_Close on another thread, KORO_Library_Initialize and KORO_Library_Close in it give
+ * KORO_RETURN_CODE_ERROR.
  */
 typedef void (*KORO_NodeChangedCallback)(KORO_NodeHandle nodeHandle, void* callbackContext);
 /* What a registration gives, for unregistering alone. */

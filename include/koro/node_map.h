@@ -76,7 +76,8 @@ KORO_API KORO_ReturnCode KORO_NodeMap_GetHasBufferSupportedChunks(
  * the next update, or until the buffer is revoked, after which they are not available. So read them before the buffer
  * is queued again: the producer fills it while they look. Nodes of chunks that the buffer does not have are not
  * available. A buffer without chunks succeeds and changes nothing. Takes the lock; the changed callbacks of chunk nodes
- * run within, on this thread. Meanwhile no other thread may revoke a buffer that was given to this map. A buffer whose
+ * run within, on this thread. Meanwhile no other thread may revoke a buffer that was given to this map. The revocation
+ * of the attached buffer takes the lock, at the end of the stream too. A buffer whose
  * producer tells the same chunk layout id as for the buffer before is attached without a look at its bytes.
  * @return KORO_RETURN_CODE_ERROR when the layout or the checksum of the buffer is broken, or when its transport layer
  *         type has no form of chunks. The nodes then read what they read before

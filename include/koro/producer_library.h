@@ -32,7 +32,8 @@ KORO_API KORO_ReturnCode KORO_ProducerLibrary_Construct(
  * destruct from the leaves: streams, devices, interfaces, system, library. A call that is inside the producer is not
  * waited for: what it uses is closed when it returns, and the producer last. Waits inside return
  * KORO_RETURN_CODE_ABORTED; callbacks of changed information and of the producer's own reports are waited for, and
- * there is none after it.
+ * there is none after it. Where a call is inside, idle streams end first, which may wait as KORO_DataStream_Destruct
+ * does.
  * @return KORO_RETURN_CODE_ERROR inside a callback that it would wait for: nothing ends then
  */
 KORO_API KORO_ReturnCode KORO_ProducerLibrary_Destruct(KORO_ProducerLibraryHandle producerLibraryHandle);

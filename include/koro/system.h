@@ -19,7 +19,8 @@ extern "C" {
 /**
  * Ends the handle, with its Module and EventSupportingModule handles, and all handles below it. The system is
  * closed when its last use ends. Waits inside return KORO_RETURN_CODE_ABORTED; callbacks of changed information and of
- * the producer's own reports are waited for, and there is none after it. Nothing else is waited for.
+ * the producer's own reports are waited for, and there is none after it. Where another call is inside below it, its
+ * idle streams end first, which may wait as KORO_DataStream_Destruct does. Nothing else is waited for.
  * @return KORO_RETURN_CODE_ERROR inside a callback that it would wait for: nothing ends then
  */
 KORO_API KORO_ReturnCode KORO_System_Destruct(KORO_SystemHandle systemHandle);

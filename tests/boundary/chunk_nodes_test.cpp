@@ -1,14 +1,17 @@
 // Chunks of buffers as nodes: which adapter reads them, which road a buffer takes, and what its revocation does.
 #include "tests/boundary/chunk_test.h"
+#include "tests/boundary/connection_changes.h"
 #include "tests/boundary/lock_elsewhere.h"
 #include "tests/support/in_thread.h"
 
 #include <functional>
+#include <future>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <optional>
 #include <thread>
 #include <utility>
+#include <vector>
 
 namespace koro::test
 {
@@ -421,6 +424,53 @@ TEST_F(ChunkNodes, EndOfTheStreamDetachesItsBuffer)
     Require(KORO_NodeMap_UpdateChunkNodes(map, Deliver(Chunks(7, 8))));
     Require(KORO_DataStream_Destruct(tree.stream));
     EXPECT_EQ(Value("Counter"), std::nullopt);
+}
+
+// The end of the stream waits for the lock of the map: who holds it must not wait for the library's close in turn.
+TEST_F(ChunkNodes, HolderOfTheLockIsRefusedToStartAndToEndTheLibraryWhileItsCloseWaitsForTheLock)
+{
+    Require(KORO_NodeMap_UpdateChunkNodes(map, Deliver(Chunks(7, 8))));
+    std::promise<void> revoked;
+    std::promise<void> holding;
+    producer->OnEntry("DSRevokeBuffer", [&] { revoked.set_value(); });
+    std::vector<Error> outcomes;
+    auto holder = std::async(std::launch::async, [&] {
+        Require(KORO_NodeMap_Lock(map));
+        holding.set_value();
+        revoked.get_future().wait();
+        outcomes = {Outcome(KORO_Library_Initialize()), Outcome(KORO_Library_Close())};
+        return KORO_NodeMap_Unlock(map);
+    });
+    holding.get_future().wait();
+    EXPECT_EQ(Outcome(KORO_Library_Close()), Error{});
+    EXPECT_EQ(holder.get(), KORO_RETURN_CODE_NOT_INITIALIZED); // and given back nevertheless
+    EXPECT_EQ(outcomes, (std::vector{deadlock, deadlock}));
+    producer->OnEntry("DSRevokeBuffer", nullptr);
+    Require(KORO_Library_Initialize());
+}
+
+TEST_F(ChunkNodes, ChangedCallbackIsRefusedToStartAndToEndTheLibraryWhileItsCloseWaitsForTheLock)
+{
+    Require(KORO_NodeMap_UpdateChunkNodes(map, Deliver(Chunks(7, 8))));
+    std::promise<void> revoked;
+    std::promise<void> changed;
+    producer->OnEntry("DSRevokeBuffer", [&] { revoked.set_value(); });
+    std::vector<Error> outcomes;
+    bool isFirst = true;
+    OnChange("Counter", [&] {
+        if (!std::exchange(isFirst, false)) return;
+        changed.set_value();
+        revoked.get_future().wait();
+        outcomes = {Outcome(KORO_Library_Initialize()), Outcome(KORO_Library_Close())};
+    });
+    auto invalidation = std::async(std::launch::async, [&] { return KORO_NodeMap_InvalidateNodes(map); });
+    changed.get_future().wait();
+    EXPECT_EQ(Outcome(KORO_Library_Close()), Error{});
+    EXPECT_EQ(invalidation.get(), KORO_RETURN_CODE_SUCCESS);
+    EXPECT_EQ(outcomes, (std::vector{deadlock, deadlock}));
+    producer->OnEntry("DSRevokeBuffer", nullptr);
+    callback = [] {};
+    Require(KORO_Library_Initialize());
 }
 
 TEST_F(ChunkNodes, RevocationOfWhatIsNotAttachedWaitsForNoLock)
