@@ -62,8 +62,9 @@ KORO_Interface_GetTLType(KORO_InterfaceHandle interfaceHandle, char* tlType, siz
  * each search finds something, gets KORO_RETURN_CODE_ERROR in the end. An update that finds something waits for the
  * reports of another thread's.
  * When a callback has ended the interface, or what is above it, no further found or lost callback of the interface is
- * called, and the update succeeds. A program that registers callbacks for the producer's own reports must not end an
- * interface in a found or lost callback: the end waits for a report that may wait for this callback.
+ * called, and the update succeeds. A program that registers callbacks for the producer's own reports, or for changed
+ * information, must not end an interface or what is above it in a found or lost callback, nor start or close the
+ * library there while another thread may close it: that waits for a callback that may wait for this one.
  * The first update always reads the list. A device that stayed keeps its descriptor and handle.
  * @param[in] timeout_ms milliseconds for the producer's search; KORO_INFINITE waits without end
  */

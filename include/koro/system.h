@@ -86,7 +86,7 @@ KORO_API KORO_ReturnCode KORO_System_GetCharacterEncoding(KORO_SystemHandle syst
  * where each search finds something, gets KORO_RETURN_CODE_ERROR in the end. An update that finds something waits for
  * the reports of another thread's.
  * When a callback has ended the system, or what is above it, no further found or lost callback of the system is called,
- * and the update succeeds.
+ * and the update succeeds. What KORO_Interface_UpdateDevices says about ends in such callbacks holds here too.
  * The first update always reads the list. An interface that stayed keeps its descriptor and handle.
  * @param[in] timeout_ms milliseconds for the producer's search; KORO_INFINITE waits without end
  */

@@ -91,7 +91,8 @@ Handle Opened(Handle handle) noexcept
 } // namespace detail
 
 // One count of the library's initialisation. Keep it until everything else of this header has gone. exit(), called by
-// any function, gives back the counts that are left: end your own threads before.
+// any function but a callback, gives back the counts that are left: end your own threads before. In a callback it may
+// not be able to: a call that never returns holds modules, and a close on a thread of the library's own is refused.
 class Library
 {
 public:
