@@ -57,11 +57,11 @@ if(NOT opened MATCHES "tree/include/GenApi/INodeMap.h" OR NOT opened MATCHES "tr
 endif()
 
 # What was linked: the runtime of the tree, whose name spaces end with the version, and nothing of it leaves the library.
-execute_process(COMMAND ${NM} -C ${WORK}/library/capi/libzvr_koro.so OUTPUT_VARIABLE symbols COMMAND_ERROR_IS_FATAL ANY)
+execute_process(COMMAND ${NM} -C ${WORK}/library/src/capi/libzvr_koro.so OUTPUT_VARIABLE symbols COMMAND_ERROR_IS_FATAL ANY)
 if(NOT symbols MATCHES "GenApi_3_4::CNodeMapFactory::CreateNodeMap" OR symbols MATCHES "GenApi_3_4_")
     message(FATAL_ERROR "The library was not linked with the runtime of the tree")
 endif()
-execute_process(COMMAND ${NM} -DC --defined-only ${WORK}/library/capi/libzvr_koro.so OUTPUT_VARIABLE exported COMMAND_ERROR_IS_FATAL ANY)
+execute_process(COMMAND ${NM} -DC --defined-only ${WORK}/library/src/capi/libzvr_koro.so OUTPUT_VARIABLE exported COMMAND_ERROR_IS_FATAL ANY)
 if(exported MATCHES "(GenApi|GenICam)_3_4[^\n]*")
     message(FATAL_ERROR "The library exports ${CMAKE_MATCH_0}")
 endif()
