@@ -1,6 +1,6 @@
 // Texts of port URLs, as producers write them: every parser answers or refuses, by the same sections as the others.
 #include "fuzz/fuzz_target.h"
-#include "nodes/port_url_text.h"
+#include "gentl/port_url_text.h"
 
 #include <algorithm>
 #include <string>

@@ -1,10 +1,10 @@
-#include "acquisition/buffer.h"
+#include "modules/buffer.h"
 
-#include "acquisition/buffer_chunk.h"
-#include "acquisition/buffer_part.h"
-#include "acquisition/data_stream.h"
 #include "base/exceptions.h"
 #include "capi/arguments.h"
+#include "modules/buffer_chunk.h"
+#include "modules/buffer_part.h"
+#include "modules/data_stream.h"
 #include <koro/buffer.h>
 
 #include <functional>

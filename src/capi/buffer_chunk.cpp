@@ -1,7 +1,7 @@
-#include "acquisition/buffer_chunk.h"
+#include "modules/buffer_chunk.h"
 
-#include "acquisition/buffer.h"
 #include "capi/arguments.h"
+#include "modules/buffer.h"
 #include <koro/buffer_chunk.h>
 
 using namespace koro::internal;

@@ -1,7 +1,7 @@
-#include "acquisition/buffer_part.h"
+#include "modules/buffer_part.h"
 
-#include "acquisition/buffer.h"
 #include "capi/arguments.h"
+#include "modules/buffer.h"
 #include <koro/buffer_part.h>
 
 using namespace koro::internal;

@@ -1,7 +1,7 @@
-#include "acquisition/data_stream.h"
+#include "modules/data_stream.h"
 
-#include "acquisition/buffer.h"
 #include "capi/arguments.h"
+#include "modules/buffer.h"
 #include "modules/device.h"
 #include <koro/data_stream.h>
 

@@ -1,4 +1,4 @@
-#include "events/event.h"
+#include "modules/event.h"
 
 #include "capi/arguments.h"
 #include <koro/event.h>

@@ -1,7 +1,7 @@
-#include "events/event_controller.h"
+#include "modules/event_controller.h"
 
 #include "capi/arguments.h"
-#include "events/event.h"
+#include "modules/event.h"
 #include <koro/event_controller.h>
 
 #include <memory>

@@ -1,7 +1,7 @@
 #include "modules/event_supporting_module.h"
 
 #include "capi/arguments.h"
-#include "events/event_controller.h"
+#include "modules/event_controller.h"
 #include <koro/event_supporting_module.h>
 
 using namespace koro::internal;

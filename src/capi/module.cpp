@@ -1,8 +1,8 @@
 #include "modules/module.h"
 
 #include "capi/arguments.h"
+#include "gentl/port.h"
 #include "nodes/node_map.h"
-#include "nodes/port.h"
 #include <koro/module.h>
 
 using namespace koro::internal;

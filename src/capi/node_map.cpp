@@ -1,8 +1,8 @@
 #include "nodes/node_map.h"
 
-#include "acquisition/buffer.h"
 #include "capi/node_entries.h"
-#include "events/event.h"
+#include "modules/buffer.h"
+#include "modules/event.h"
 #include <koro/node_map.h>
 
 #include <stdexcept>

@@ -1,4 +1,4 @@
-#include "nodes/port.h"
+#include "gentl/port.h"
 
 #include "capi/arguments.h"
 #include <koro/port.h>

@@ -1,7 +1,7 @@
-#include "nodes/port_url.h"
+#include "gentl/port_url.h"
 
 #include "capi/arguments.h"
-#include "nodes/port.h"
+#include "gentl/port.h"
 #include <koro/port_url.h>
 
 using namespace koro::internal;

@@ -3,7 +3,7 @@
 #include "base/exceptions.h"
 #include "base/expiring.h"
 #include "base/own_threads.h"
-#include "events/event_controller.h"
+#include "modules/event_controller.h"
 #include "modules/event_supporting_module.h"
 
 #include <atomic>

@@ -1,7 +1,7 @@
 #include "modules/data_stream_descriptor.h"
 
-#include "acquisition/data_stream.h"
 #include "base/expiring.h"
+#include "modules/data_stream.h"
 #include "modules/device.h"
 
 namespace koro::internal

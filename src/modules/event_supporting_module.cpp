@@ -1,6 +1,6 @@
 #include "modules/event_supporting_module.h"
 
-#include "events/event_controller.h"
+#include "modules/event_controller.h"
 
 namespace koro::internal
 {

@@ -1,8 +1,8 @@
 #include "modules/module.h"
 
-#include "nodes/description_retrieval.h"
+#include "gentl/port.h"
+#include "modules/description_retrieval.h"
 #include "nodes/node_map.h"
-#include "nodes/port.h"
 
 namespace koro::internal
 {

@@ -1,7 +1,7 @@
 #include "nodes/genapi_port.h"
 
 #include "base/exceptions.h"
-#include "nodes/port.h"
+#include "gentl/port.h"
 
 #include <utility>
 

@@ -3,9 +3,9 @@
 #include "base/exceptions.h"
 #include "base/filesystem.h"
 #include "gentl/bounds.h"
+#include "gentl/port.h"
 #include "nodes/make_node.h"
 #include "nodes/node.h"
-#include "nodes/port.h"
 #include "nodes/translate_genapi_exceptions.h"
 
 #include <GenApi/INode.h>

@@ -4,8 +4,8 @@
 // when a buffer is attached; a buffer with the same layout only tells its address afterwards. The nodes read the memory
 // itself, so the buffer gets a notice that takes it off the map when it is revoked.
 
-#include "acquisition/buffer.h"
 #include "base/exceptions.h"
+#include "modules/buffer.h"
 #include "nodes/node_map.h"
 #include "nodes/translate_genapi_exceptions.h"
 

@@ -5,13 +5,13 @@
 // the local device, and belong to the maps of the remote one.
 
 #include "base/exceptions.h"
-#include "events/event.h"
-#include "events/event_controller.h"
+#include "gentl/port.h"
 #include "modules/device.h"
+#include "modules/event.h"
+#include "modules/event_controller.h"
 #include "modules/remote_device.h"
 #include "nodes/event_message.h"
 #include "nodes/node_map.h"
-#include "nodes/port.h"
 #include "nodes/translate_genapi_exceptions.h"
 
 #include <GenApi/EventAdapter1394.h>

@@ -1,5 +1,5 @@
+#include "gentl/port.h"
 #include "modules/module.h"
-#include "nodes/port.h"
 #include "tests/support/journal.h"
 #include "tests/unit/modules/open_objects.h"
 

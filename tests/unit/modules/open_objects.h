@@ -3,7 +3,7 @@
 // Dropping a member ends that object alone: what is below it stays, with a parent that has gone.
 #pragma once
 
-#include "acquisition/data_stream.h"
+#include "modules/data_stream.h"
 #include "modules/device.h"
 #include "modules/device_descriptor.h"
 #include "modules/interface.h"

@@ -1,6 +1,6 @@
 #include "base/exceptions.h"
+#include "gentl/port.h"
 #include "nodes/genapi_port.h"
-#include "nodes/port.h"
 #include "tests/support/scripted_producer.h"
 #include "tests/support/throws_exactly.h"
 

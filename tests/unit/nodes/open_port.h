@@ -1,8 +1,8 @@
 // OpenPort: the port "TLPort" of an open system, without the module above it, and node maps over it.
 #pragma once
 
+#include "gentl/port.h"
 #include "nodes/node_map.h"
-#include "nodes/port.h"
 #include "tests/support/scripted_producer.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
-#include "nodes/port_url.h"
+#include "gentl/port_url.h"
 
 #include "base/expiring.h"
-#include "nodes/port.h"
+#include "gentl/port.h"
 
 namespace koro::internal
 {

@@ -8,7 +8,7 @@
 #include "base/instance.h"
 #include "gentl/child_manager.h"
 #include "gentl/info_accessor.h"
-#include "nodes/port_url.h"
+#include "gentl/port_url.h"
 
 #include <cstdint>
 #include <memory>

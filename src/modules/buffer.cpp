@@ -1,9 +1,9 @@
-#include "acquisition/buffer.h"
+#include "modules/buffer.h"
 
-#include "acquisition/buffer_chunk.h"
-#include "acquisition/buffer_part.h"
 #include "base/expiring.h"
 #include "gentl/bounds.h"
+#include "modules/buffer_chunk.h"
+#include "modules/buffer_part.h"
 
 namespace koro::internal
 {

@@ -1,5 +1,5 @@
 #include "base/exceptions.h"
-#include "nodes/port.h"
+#include "gentl/port.h"
 #include "tests/support/scripted_producer.h"
 #include "tests/support/throws_exactly.h"
 

@@ -1,7 +1,7 @@
-#include "events/event.h"
+#include "modules/event.h"
 
 #include "base/expiring.h"
-#include "events/event_controller.h"
+#include "modules/event_controller.h"
 
 namespace koro::internal
 {

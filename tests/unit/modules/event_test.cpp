@@ -1,5 +1,5 @@
-#include "events/event.h"
-#include "events/event_controller.h"
+#include "modules/event.h"
+#include "modules/event_controller.h"
 #include "tests/support/throws_exactly.h"
 #include "tests/unit/modules/open_objects.h"
 

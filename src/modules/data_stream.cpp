@@ -1,9 +1,9 @@
-#include "acquisition/data_stream.h"
+#include "modules/data_stream.h"
 
-#include "acquisition/buffer.h"
 #include "base/ending_scope.h"
-#include "events/event_controller.h"
+#include "modules/buffer.h"
 #include "modules/device.h"
+#include "modules/event_controller.h"
 
 #include <algorithm>
 #include <cstring>

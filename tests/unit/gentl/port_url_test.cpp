@@ -1,6 +1,6 @@
 #include "base/exceptions.h"
-#include "nodes/port.h"
-#include "nodes/port_url.h"
+#include "gentl/port.h"
+#include "gentl/port_url.h"
 #include "tests/support/scripted_producer.h"
 #include "tests/support/throws_exactly.h"
 

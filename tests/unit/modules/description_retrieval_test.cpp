@@ -1,7 +1,7 @@
 // What is wrong with a URL; at the exports these texts reach nobody.
 #include "base/exceptions.h"
-#include "nodes/description_retrieval.h"
-#include "nodes/port_url.h"
+#include "gentl/port_url.h"
+#include "modules/description_retrieval.h"
 #include "tests/support/throws_exactly.h"
 #include "tests/unit/nodes/open_port.h"
 

@@ -1,7 +1,7 @@
 // Chunks and parts that are still held when their buffer has gone, and the lists of a buffer that has.
-#include "acquisition/buffer.h"
-#include "acquisition/buffer_chunk.h"
-#include "acquisition/buffer_part.h"
+#include "modules/buffer.h"
+#include "modules/buffer_chunk.h"
+#include "modules/buffer_part.h"
 #include "tests/support/throws_exactly.h"
 #include "tests/unit/modules/open_objects.h"
 

@@ -1,4 +1,4 @@
-#include "acquisition/buffer.h"
+#include "modules/buffer.h"
 #include "tests/support/journal.h"
 #include "tests/support/throws_exactly.h"
 #include "tests/unit/modules/open_objects.h"

@@ -1,8 +1,8 @@
-#include "events/event_controller.h"
+#include "modules/event_controller.h"
 
 #include "base/expiring.h"
-#include "events/event.h"
 #include "gentl/bounds.h"
+#include "modules/event.h"
 #include "modules/event_supporting_module.h"
 
 #include <algorithm>

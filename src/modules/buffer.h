@@ -5,8 +5,8 @@
 // InternalErrorException once the stream has gone or the buffer was revoked. Any thread.
 #pragma once
 
-#include "acquisition/data_stream.h"
 #include "gentl/info_accessor.h"
+#include "modules/data_stream.h"
 #include "modules/event_supporting_module.h"
 
 #include <atomic>

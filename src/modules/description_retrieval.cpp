@@ -1,14 +1,14 @@
-#include "nodes/description_retrieval.h"
+#include "modules/description_retrieval.h"
 
 #include "base/exceptions.h"
 #include "base/filesystem.h"
 #include "gentl/bounds.h"
+#include "gentl/port.h"
+#include "gentl/port_url.h"
+#include "gentl/port_url_text.h"
 #include "modules/module.h"
 #include "modules/system.h"
 #include "nodes/node_map.h"
-#include "nodes/port.h"
-#include "nodes/port_url.h"
-#include "nodes/port_url_text.h"
 
 #include <optional>
 #include <string>

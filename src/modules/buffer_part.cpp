@@ -1,7 +1,7 @@
-#include "acquisition/buffer_part.h"
+#include "modules/buffer_part.h"
 
-#include "acquisition/buffer.h"
 #include "base/expiring.h"
+#include "modules/buffer.h"
 
 namespace koro::internal
 {

@@ -1,7 +1,7 @@
-#include "acquisition/buffer_chunk.h"
+#include "modules/buffer_chunk.h"
 
-#include "acquisition/buffer.h"
 #include "base/expiring.h"
+#include "modules/buffer.h"
 
 namespace koro::internal
 {

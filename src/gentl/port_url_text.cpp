@@ -1,4 +1,4 @@
-#include "nodes/port_url_text.h"
+#include "gentl/port_url_text.h"
 
 #include "gentl/api/gentl.h"
 
