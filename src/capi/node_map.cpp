@@ -78,7 +78,7 @@ KORO_ReturnCode KORO_NodeMap_GetHasBufferSupportedChunks(
     KORO_NodeMapHandle nodeMapHandle, KORO_BufferHandle bufferHandle, KORO_Bool8* hasSupportedChunks)
 {
     return WithMapAnd(KORO_ARG(nodeMapHandle), KORO_ARG(bufferHandle), [&](auto& nodeMap, const auto& buffer) {
-        const KORO_Bool8 has = nodeMap.HasBufferSupportedChunks(buffer);
+        const KORO_Bool8 has = nodeMap.HasBufferSupportedChunks(*buffer);
         return CopyScalarOut(has, hasSupportedChunks, "hasSupportedChunks");
     });
 }
@@ -86,7 +86,7 @@ KORO_ReturnCode KORO_NodeMap_GetHasBufferSupportedChunks(
 KORO_ReturnCode KORO_NodeMap_UpdateChunkNodes(KORO_NodeMapHandle nodeMapHandle, KORO_BufferHandle bufferHandle)
 {
     return WithMapAnd(KORO_ARG(nodeMapHandle), KORO_ARG(bufferHandle), [](auto& nodeMap, const auto& buffer) {
-        nodeMap.UpdateChunkNodes(buffer);
+        nodeMap.UpdateChunkNodes(*buffer);
         return success;
     });
 }
@@ -95,7 +95,7 @@ KORO_ReturnCode KORO_NodeMap_GetHasEventSupportedData(
     KORO_NodeMapHandle nodeMapHandle, KORO_EventHandle eventHandle, KORO_Bool8* hasSupportedData)
 {
     return WithMapAnd(KORO_ARG(nodeMapHandle), KORO_ARG(eventHandle), [&](auto& nodeMap, const auto& event) {
-        const KORO_Bool8 has = nodeMap.HasEventSupportedData(event);
+        const KORO_Bool8 has = nodeMap.HasEventSupportedData(*event);
         return CopyScalarOut(has, hasSupportedData, "hasSupportedData");
     });
 }
@@ -103,7 +103,7 @@ KORO_ReturnCode KORO_NodeMap_GetHasEventSupportedData(
 KORO_ReturnCode KORO_NodeMap_UpdateEventNodes(KORO_NodeMapHandle nodeMapHandle, KORO_EventHandle eventHandle)
 {
     return WithMapAnd(KORO_ARG(nodeMapHandle), KORO_ARG(eventHandle), [](auto& nodeMap, const auto& event) {
-        nodeMap.UpdateEventNodes(event);
+        nodeMap.UpdateEventNodes(*event);
         return success;
     });
 }

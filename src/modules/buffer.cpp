@@ -4,6 +4,7 @@
 #include "gentl/bounds.h"
 #include "modules/buffer_chunk.h"
 #include "modules/buffer_part.h"
+#include "nodes/node_map.h"
 
 namespace koro::internal
 {
@@ -262,6 +263,15 @@ void Buffer::Revoke(DS_HANDLE streamHandle)
         if (callback) callback(Handle(), base, userPtr);
     }
     revoked = true;
+}
+
+// The key belongs to this map as long as the buffer keeps the callback: memory of an object that somebody holds weakly
+// is not used again.
+bool Buffer::DetachAtRevocation(const std::shared_ptr<NodeMap>& nodeMap)
+{
+    return AddRevocationCallback(nodeMap.get(), [map = std::weak_ptr(nodeMap)](BUFFER_HANDLE handle, void*, void*) {
+        if (const auto held = map.lock()) held->DetachRevoked(handle);
+    });
 }
 
 void Buffer::DropRevocationCallbacks()

@@ -8,6 +8,7 @@
 #include "gentl/info_accessor.h"
 #include "modules/data_stream.h"
 #include "modules/event_supporting_module.h"
+#include "nodes/chunk_source.h"
 
 #include <atomic>
 #include <cstdint>
@@ -24,7 +25,9 @@ namespace koro::internal
 class BufferChunk;
 class BufferPart;
 
-class Buffer final : public TGenTLInfoAccessor<GenTL::BUFFER_INFO_CMD_LIST>, public EventSupportingModule
+class Buffer final : public TGenTLInfoAccessor<GenTL::BUFFER_INFO_CMD_LIST>,
+                     public EventSupportingModule,
+                     public ChunkSource
 {
 public:
     using RevocationCallback = DataStream::RevocationCallback;
@@ -33,8 +36,9 @@ public:
         GenTL::BUFFER_HANDLE handle, const std::weak_ptr<DataStream>& stream,
         const std::shared_ptr<const GenTLProxy>& proxy);
 
-    void* BasePtr() const;
-    std::size_t Size() const; // bytes, as announced
+    GenTL::BUFFER_HANDLE Handle() const override { return EventSupportingModule::Handle(); }
+    void* BasePtr() const override;
+    std::size_t Size() const override; // bytes, as announced
     void* UserPtr() const;
     std::uint64_t Timestamp_ticks() const;
     std::uint64_t Timestamp_ns() const;
@@ -42,10 +46,10 @@ public:
     bool IsQueued() const;
     bool IsAcquiring() const;
     bool IsIncomplete() const;
-    std::string TLType() const;
-    std::size_t ExpectedDataSize() const;  // bytes
-    std::size_t DeliveredDataSize() const; // bytes
-    std::size_t Width() const;             // pixels, as the next three
+    std::string TLType() const override;
+    std::size_t ExpectedDataSize() const;           // bytes
+    std::size_t DeliveredDataSize() const override; // bytes
+    std::size_t Width() const;                      // pixels, as the next three
     std::size_t Height() const;
     std::size_t XOffset() const;
     std::size_t YOffset() const;
@@ -60,9 +64,9 @@ public:
     std::int32_t PixelEndianness() const;
     std::size_t DeliveredImageHeight() const;
     std::size_t DeliveredChunkPayloadSize() const; // bytes
-    std::uint64_t ChunkLayoutID() const;
+    std::uint64_t ChunkLayoutID() const override;
     std::string FileName() const;
-    bool HasChunks() const;
+    bool HasChunks() const override;
     // Throws NoDataException where the producer says so.
     bool HasParts() const;
 
@@ -86,6 +90,8 @@ public:
         revocationCallbacks.try_emplace(callbackKey, std::forward<Callback>(callback));
         return true;
     }
+
+    bool DetachAtRevocation(const std::shared_ptr<NodeMap>& nodeMap) override;
 
     // Called by the stream alone, with its handle. On success every callback has run and the object is dead.
     void Revoke(GenTL::DS_HANDLE streamHandle);

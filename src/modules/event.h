@@ -8,6 +8,7 @@
 #include "base/instance.h"
 #include "base/once.h"
 #include "gentl/info_accessor.h"
+#include "nodes/event_source.h"
 
 #include <cstdint>
 #include <memory>
@@ -18,7 +19,7 @@ namespace koro::internal
 
 class EventController;
 
-class Event final : public TGenTLInfoAccessor<GenTL::EVENT_DATA_INFO_CMD_LIST>, public Instance
+class Event final : public TGenTLInfoAccessor<GenTL::EVENT_DATA_INFO_CMD_LIST>, public Instance, public EventSource
 {
 public:
     Event(
@@ -28,10 +29,12 @@ public:
     std::uint64_t ID() const; // asked at each call
     // Asked of the producer once, of whatever type it is; a failure leaves the next call to ask again.
     const std::vector<std::uint8_t>& Data();
-    const std::vector<std::uint8_t>& RawData() const { return rawData; }
+    const std::vector<std::uint8_t>& RawData() const override { return rawData; }
     std::int32_t Type() const { return type; }
 
     std::shared_ptr<EventController> ParentController() const;
+    // A camera's events come from the local device, and belong to the maps of the remote one.
+    std::shared_ptr<Port> PortOfNodes() const override;
 
 private:
     GenTL::GC_ERROR QueryInfo(

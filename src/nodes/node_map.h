@@ -30,8 +30,8 @@
 namespace koro::internal
 {
 
-class Buffer;
-class Event;
+class ChunkSource;
+class EventSource;
 class Node;
 class Port;
 
@@ -56,17 +56,19 @@ public:
 
     // The adapter that reads the chunks is that of the first buffer's transport layer, for the life of the map; one
     // without an adapter throws InternalErrorException. A buffer without chunks is false, and updates nothing.
-    bool HasBufferSupportedChunks(const std::shared_ptr<Buffer>& buffer);
+    bool HasBufferSupportedChunks(ChunkSource& buffer);
     // Takes the lock; callbacks of nodes run within. Afterwards the nodes of chunks read the memory of this buffer
     // itself, until the next update, or until it is revoked. Throws for a broken layout or checksum: then they read
     // what they read before.
-    void UpdateChunkNodes(const std::shared_ptr<Buffer>& buffer);
+    void UpdateChunkNodes(ChunkSource& buffer);
+    // Takes the nodes of chunks off a buffer that was revoked; nothing for one that is not attached. Any thread.
+    void DetachRevoked(GenTL::BUFFER_HANDLE handle);
     // Whether the event is one of the module that this map describes. The adapter is that of the port's transport
     // layer; one without an adapter throws InternalErrorException.
-    bool HasEventSupportedData(const std::shared_ptr<Event>& event);
+    bool HasEventSupportedData(const EventSource& event);
     // Takes the lock; callbacks of nodes run within. The bytes of the event are copied. Throws
     // InvalidArgumentException for an event of somebody else.
-    void UpdateEventNodes(const std::shared_ptr<Event>& event);
+    void UpdateEventNodes(const EventSource& event);
 
     // The values of the features as a text file, told in docs/feature-files.md, and back. The path is UTF-8. Storing
     // empties the file first. Loading holds the lock and writes all that it can; storing leaves locking to GenApi.
@@ -108,13 +110,11 @@ private:
     void EndAdapters();
 
     // With the lock held.
-    GENAPI_NAMESPACE::CChunkAdapter& EnsureChunkAdapter(const Buffer& buffer);
-    void ShowChunks(const Buffer& buffer, std::uint8_t* base, std::size_t size);
-    void DetachAtRevocation(Buffer& buffer);
+    GENAPI_NAMESPACE::CChunkAdapter& EnsureChunkAdapter(const ChunkSource& buffer);
+    void ShowChunks(const ChunkSource& buffer, std::uint8_t* base, std::size_t size);
+    void DetachAtRevocation(ChunkSource& buffer);
     GENAPI_NAMESPACE::CEventAdapter& EnsureEventAdapter();
-    bool IsOfThisMap(const Event& event) const;
-    // Any thread.
-    void DetachRevoked(GenTL::BUFFER_HANDLE handle);
+    bool IsOfThisMap(const EventSource& event) const;
 
     const std::shared_ptr<internal::Port> port;
     GenApiPort genApiPort;

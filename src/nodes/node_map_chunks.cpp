@@ -5,7 +5,7 @@
 // itself, so the buffer gets a notice that takes it off the map when it is revoked.
 
 #include "base/exceptions.h"
-#include "modules/buffer.h"
+#include "nodes/chunk_source.h"
 #include "nodes/node_map.h"
 #include "nodes/translate_genapi_exceptions.h"
 
@@ -40,7 +40,7 @@ struct Memory
 };
 
 // 0 for a producer that does not know.
-std::size_t FilledSizeOf(const Buffer& buffer)
+std::size_t FilledSizeOf(const ChunkSource& buffer)
 {
     try
     {
@@ -54,7 +54,7 @@ std::size_t FilledSizeOf(const Buffer& buffer)
 
 // The chunks end where the frame ends. In a buffer that is larger than the frame the last trailer of an older, larger
 // frame may still lie at the end of the memory.
-Memory MemoryOf(const Buffer& buffer)
+Memory MemoryOf(const ChunkSource& buffer)
 {
     const std::size_t size = buffer.Size();
     const std::size_t filled = FilledSizeOf(buffer);
@@ -68,7 +68,7 @@ std::int64_t Length(const Memory& memory)
 }
 
 // The adapter is looked at first: it spares the others a question to the producer.
-void CheckChecksum(CChunkAdapter& adapter, const Buffer& buffer, const Memory& memory)
+void CheckChecksum(CChunkAdapter& adapter, const ChunkSource& buffer, const Memory& memory)
 {
     auto* const dcam = dynamic_cast<CChunkAdapterDcam*>(&adapter);
     if (!dcam || buffer.TLType() != "IIDC") return;
@@ -79,7 +79,7 @@ void CheckChecksum(CChunkAdapter& adapter, const Buffer& buffer, const Memory& m
 }
 
 // Empty for a producer that cannot tell: then each buffer is a new layout.
-std::optional<std::uint64_t> ChunkLayoutIdOf(const Buffer& buffer)
+std::optional<std::uint64_t> ChunkLayoutIdOf(const ChunkSource& buffer)
 {
     try
     {
@@ -93,32 +93,32 @@ std::optional<std::uint64_t> ChunkLayoutIdOf(const Buffer& buffer)
 
 } // namespace
 
-bool NodeMap::HasBufferSupportedChunks(const std::shared_ptr<Buffer>& buffer)
+bool NodeMap::HasBufferSupportedChunks(ChunkSource& buffer)
 {
     return InBothLayers([&] {
-        if (!buffer->HasChunks()) return false;
+        if (!buffer.HasChunks()) return false;
         const AutoLock lock(GenApiLock());
-        CChunkAdapter& adapter = EnsureChunkAdapter(*buffer);
-        const Memory memory = MemoryOf(*buffer);
+        CChunkAdapter& adapter = EnsureChunkAdapter(buffer);
+        const Memory memory = MemoryOf(buffer);
         return adapter.CheckBufferLayout(memory.base, Length(memory));
     });
 }
 
-void NodeMap::UpdateChunkNodes(const std::shared_ptr<Buffer>& buffer)
+void NodeMap::UpdateChunkNodes(ChunkSource& buffer)
 {
     InBothLayers([&] {
-        if (!buffer->HasChunks()) return;
+        if (!buffer.HasChunks()) return;
         const AutoLock lock(GenApiLock());
-        CChunkAdapter& adapter = EnsureChunkAdapter(*buffer);
-        const Memory memory = MemoryOf(*buffer);
-        CheckChecksum(adapter, *buffer, memory);
-        ShowChunks(*buffer, memory.base, memory.size);
-        DetachAtRevocation(*buffer);
+        CChunkAdapter& adapter = EnsureChunkAdapter(buffer);
+        const Memory memory = MemoryOf(buffer);
+        CheckChecksum(adapter, buffer, memory);
+        ShowChunks(buffer, memory.base, memory.size);
+        DetachAtRevocation(buffer);
     });
 }
 
 // That of the first buffer stays, whatever later ones say.
-CChunkAdapter& NodeMap::EnsureChunkAdapter(const Buffer& buffer)
+CChunkAdapter& NodeMap::EnsureChunkAdapter(const ChunkSource& buffer)
 {
     if (!chunkAdapter) chunkAdapter = MakeChunkAdapter(buffer.TLType(), nodeMapRef._Ptr);
     return *chunkAdapter;
@@ -126,7 +126,7 @@ CChunkAdapter& NodeMap::EnsureChunkAdapter(const Buffer& buffer)
 
 // What is attached is noted before the callbacks of nodes run, since those may update and revoke. A failure comes
 // before them and leaves what was attached.
-void NodeMap::ShowChunks(const Buffer& buffer, std::uint8_t* base, std::size_t size)
+void NodeMap::ShowChunks(const ChunkSource& buffer, std::uint8_t* base, std::size_t size)
 {
     const auto layoutId = ChunkLayoutIdOf(buffer);
     // In fewer bytes chunks of the same layout might end behind them: the buffer has to be looked at.
@@ -154,17 +154,11 @@ void NodeMap::ShowChunks(const Buffer& buffer, std::uint8_t* base, std::size_t s
     }
 }
 
-// The key is this map's alone as long as the buffer keeps the notice: memory of an object that somebody holds weakly is
-// not used again.
-void NodeMap::DetachAtRevocation(Buffer& buffer)
+void NodeMap::DetachAtRevocation(ChunkSource& buffer)
 {
     try
     {
-        const bool isKept =
-            buffer.AddRevocationCallback(this, [map = weak_from_this()](GenTL::BUFFER_HANDLE handle, void*, void*) {
-                if (const auto held = map.lock()) held->DetachRevoked(handle);
-            });
-        if (!isKept) throw InternalErrorException("Pointer has expired!");
+        if (!buffer.DetachAtRevocation(shared_from_this())) throw InternalErrorException("Pointer has expired!");
     }
     catch (...)
     {

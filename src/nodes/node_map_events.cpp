@@ -1,16 +1,12 @@
 // The data of events as nodes of a map.
 //
 // An adapter of GenApi takes an event's block apart, as the camera's transport has made it, and shows it as the event
-// ports of the map. Which map an event belongs to is told by the module that it came from: a camera's events come from
-// the local device, and belong to the maps of the remote one.
+// ports of the map. The event names the port to whose maps it belongs.
 
 #include "base/exceptions.h"
 #include "gentl/port.h"
-#include "modules/device.h"
-#include "modules/event.h"
-#include "modules/event_controller.h"
-#include "modules/remote_device.h"
 #include "nodes/event_message.h"
+#include "nodes/event_source.h"
 #include "nodes/node_map.h"
 #include "nodes/translate_genapi_exceptions.h"
 
@@ -36,31 +32,24 @@ std::unique_ptr<CEventAdapter> MakeEventAdapter(const std::string& tlType, INode
     throw InternalErrorException("Event adapter for TLType " + tlType + " not supported!");
 }
 
-// Of the module that the event came from.
-bool HasDataForNodes(std::int32_t eventType)
-{
-    return eventType == GenTL::EVENT_FEATURE_INVALIDATE || eventType == GenTL::EVENT_FEATURE_CHANGE ||
-           eventType == GenTL::EVENT_MODULE || eventType >= GenTL::EVENT_CUSTOM_ID;
-}
-
 } // namespace
 
-bool NodeMap::HasEventSupportedData(const std::shared_ptr<Event>& event)
+bool NodeMap::HasEventSupportedData(const EventSource& event)
 {
     return InBothLayers([&] {
         const AutoLock lock(GenApiLock());
         EnsureEventAdapter();
-        return IsOfThisMap(*event);
+        return IsOfThisMap(event);
     });
 }
 
-void NodeMap::UpdateEventNodes(const std::shared_ptr<Event>& event)
+void NodeMap::UpdateEventNodes(const EventSource& event)
 {
     InBothLayers([&] {
         const AutoLock lock(GenApiLock());
         CEventAdapter& adapter = EnsureEventAdapter();
-        if (!IsOfThisMap(*event)) throw InvalidArgumentException("Event does not have supported data!");
-        const auto& message = event->RawData();
+        if (!IsOfThisMap(event)) throw InvalidArgumentException("Event does not have supported data!");
+        const auto& message = event.RawData();
         adapter.DeliverMessage(message.data(), EventMessageSize(message.size()));
     });
 }
@@ -71,14 +60,9 @@ CEventAdapter& NodeMap::EnsureEventAdapter()
     return *eventAdapter;
 }
 
-bool NodeMap::IsOfThisMap(const Event& event) const
+bool NodeMap::IsOfThisMap(const EventSource& event) const
 {
-    const auto module = event.ParentController()->ParentModule();
-    if (event.Type() != GenTL::EVENT_REMOTE_DEVICE) return module->Port() == port && HasDataForNodes(event.Type());
-
-    const auto device = std::dynamic_pointer_cast<Device>(module);
-    if (!device) throw InternalErrorException("Violation of GenTL remote device event specification detected!");
-    return device->GetRemoteDevice()->Port() == port;
+    return event.PortOfNodes() == port;
 }
 
 } // namespace koro::internal

@@ -63,28 +63,28 @@ protected:
 TEST_F(ChunksOfBuffers, StatisticsAreThoseOfTheLatestAttachment)
 {
     EXPECT_EQ(Statistics(), std::tuple(0, 0, 0));
-    map->UpdateChunkNodes(Announce(one));
+    map->UpdateChunkNodes(*Announce(one));
     EXPECT_EQ(Statistics(), std::tuple(3, 1, 2));
     TellLayout(2);
-    map->UpdateChunkNodes(Announce(two));
+    map->UpdateChunkNodes(*Announce(two));
     EXPECT_EQ(Statistics(), std::tuple(3, 2, 1));
 }
 
 TEST_F(ChunksOfBuffers, ShortRoadAndRefusalLeaveTheStatistics)
 {
-    map->UpdateChunkNodes(Announce(one));
+    map->UpdateChunkNodes(*Announce(one));
     std::string other(one.size() + 100, 'x');
-    map->UpdateChunkNodes(Announce(other));
+    map->UpdateChunkNodes(*Announce(other));
     EXPECT_EQ(Statistics(), std::tuple(3, 1, 2));
     TellLayout(2);
-    EXPECT_THROW(map->UpdateChunkNodes(Announce(two = std::string(20, 'x'))), InternalErrorException);
+    EXPECT_THROW(map->UpdateChunkNodes(*Announce(two = std::string(20, 'x'))), InternalErrorException);
     EXPECT_EQ(Statistics(), std::tuple(3, 1, 2));
 }
 
 TEST_F(ChunksOfBuffers, NoticeKeepsNoMapAlive)
 {
     const auto buffer = Announce(one);
-    map->UpdateChunkNodes(buffer);
+    map->UpdateChunkNodes(*buffer);
     const std::weak_ptr<NodeMap> watched = map;
     map.reset();
     EXPECT_TRUE(watched.expired());
@@ -99,7 +99,7 @@ TEST_F(ChunksOfBuffers, NextMapHasANoticeOfItsOwn)
     {
         map = std::make_shared<NodeMap>(
             objects.remoteDevice->Port(), NodeMapDescription{.data = {description.begin(), description.end()}});
-        map->UpdateChunkNodes(buffer);
+        map->UpdateChunkNodes(*buffer);
     }
     const auto mode = [&] {
         return dynamic_cast<GENAPI_NAMESPACE::IPort&>(*map->GenApiNodeMap()->GetNode("One")).GetAccessMode();
@@ -113,19 +113,19 @@ TEST_F(ChunksOfBuffers, BufferThatWasRevokedHasExpired)
 {
     const auto buffer = Announce(one);
     objects.stream->RevokeBuffer(buffer);
-    EXPECT_THAT([&] { map->UpdateChunkNodes(buffer); }, ThrowsExactly<InternalErrorException>("Pointer has expired!"));
+    EXPECT_THAT([&] { map->UpdateChunkNodes(*buffer); }, ThrowsExactly<InternalErrorException>("Pointer has expired!"));
     EXPECT_THAT(
-        [&] { map->HasBufferSupportedChunks(buffer); }, ThrowsExactly<InternalErrorException>("Pointer has expired!"));
+        [&] { map->HasBufferSupportedChunks(*buffer); }, ThrowsExactly<InternalErrorException>("Pointer has expired!"));
 }
 
 // Between the last question to the producer and the notice.
 TEST_F(ChunksOfBuffers, BufferThatIsRevokedDuringTheUpdateIsNotLeftAttached)
 {
     const auto buffer = Announce(one);
-    map->UpdateChunkNodes(buffer); // makes the adapter, for which more is asked
+    map->UpdateChunkNodes(*buffer); // makes the adapter, for which more is asked
     int asked = 0;
     objects.producer->OnEntry("DSGetBufferInfo", [&] { ++asked; });
-    map->UpdateChunkNodes(buffer);
+    map->UpdateChunkNodes(*buffer);
     const int last = asked;
     for (int revokedAt = 1; revokedAt <= last; ++revokedAt)
     {
@@ -136,7 +136,7 @@ TEST_F(ChunksOfBuffers, BufferThatIsRevokedDuringTheUpdateIsNotLeftAttached)
         objects.producer->OnEntry("DSGetBufferInfo", [&] {
             if (++asked == revokedAt) objects.stream->RevokeBuffer(next);
         });
-        EXPECT_THROW(map->UpdateChunkNodes(next), InternalErrorException);
+        EXPECT_THROW(map->UpdateChunkNodes(*next), InternalErrorException);
         objects.producer->OnEntry("DSGetBufferInfo", {});
     }
     objects.stream->RevokeBuffer(buffer);

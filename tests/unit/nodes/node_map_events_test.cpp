@@ -43,8 +43,8 @@ protected:
     void ExpectExpired() const
     {
         const auto expired = ThrowsExactly<InternalErrorException>("Pointer has expired!");
-        EXPECT_THAT([&] { map->HasEventSupportedData(event); }, expired);
-        EXPECT_THAT([&] { map->UpdateEventNodes(event); }, expired);
+        EXPECT_THAT([&] { map->HasEventSupportedData(*event); }, expired);
+        EXPECT_THAT([&] { map->UpdateEventNodes(*event); }, expired);
     }
 };
 
@@ -52,8 +52,8 @@ protected:
 
 TEST_F(EventsOfDevices, EventIsDeliveredToThePortOfItsId)
 {
-    EXPECT_TRUE(map->HasEventSupportedData(event));
-    map->UpdateEventNodes(event);
+    EXPECT_TRUE(map->HasEventSupportedData(*event));
+    map->UpdateEventNodes(*event);
     auto& port = dynamic_cast<GENAPI_NAMESPACE::IPort&>(*map->GenApiNodeMap()->GetNode("One"));
     std::string data(4, ' ');
     port.Read(data.data(), 16, 4);
@@ -68,7 +68,7 @@ TEST_F(EventsOfDevices, EventWhoseControllerHasGoneHasExpired)
 
 TEST_F(EventsOfDevices, EventWhoseModuleHasGoneHasExpired)
 {
-    EXPECT_TRUE(map->HasEventSupportedData(event)); // makes the adapter, which needs the device
+    EXPECT_TRUE(map->HasEventSupportedData(*event)); // makes the adapter, which needs the device
     objects.device.reset();
     ExpectExpired();
 }

@@ -1,0 +1,36 @@
+// ChunkSource: what a node map asks of a buffer to show its chunks as nodes. Buffers implement it, so that the node
+// maps need not know streams and buffers.
+//
+// Each question goes to the producer and throws InternalErrorException when the buffer was revoked.
+#pragma once
+
+#include "gentl/api/gentl.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace koro::internal
+{
+
+class NodeMap;
+
+class ChunkSource
+{
+public:
+    virtual GenTL::BUFFER_HANDLE Handle() const = 0;
+    virtual std::string TLType() const = 0;
+    virtual bool HasChunks() const = 0;
+    virtual void* BasePtr() const = 0;
+    virtual std::size_t Size() const = 0;              // bytes, as announced
+    virtual std::size_t DeliveredDataSize() const = 0; // bytes
+    virtual std::uint64_t ChunkLayoutID() const = 0;
+    // The revocation calls the map's `DetachRevoked`; the map is held weakly. False when the buffer was revoked before.
+    virtual bool DetachAtRevocation(const std::shared_ptr<NodeMap>& nodeMap) = 0;
+
+protected:
+    ~ChunkSource() = default;
+};
+
+} // namespace koro::internal
