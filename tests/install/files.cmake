@@ -6,7 +6,8 @@ file(READ_SYMLINK ${LIBDIR}/libzvr_koro.so.1 runtime)
 Expect(${development} "^libzvr_koro\\.so\\.1$")
 Expect(${runtime} "^libzvr_koro\\.so\\.${VERSION}$")
 
-foreach(file IN ITEMS include/koro/koro.h include/koro/koro.hpp share/doc/zvr_koro/LICENSE share/doc/zvr_koro/docs/abi.md)
+foreach(file IN ITEMS share/man/man1/koro.1 share/man/man1/koro-grab.1 share/bash-completion/completions/koro
+    include/koro/koro.h include/koro/koro.hpp share/doc/zvr_koro/LICENSE share/doc/zvr_koro/docs/abi.md)
     if(NOT EXISTS ${PREFIX}/${file})
         message(FATAL_ERROR "not installed: ${file}")
     endif()

@@ -36,5 +36,6 @@ Action DefineSettingsFiles(CLI::App& command);
 Action DefineFiles(CLI::App& command);
 Action DefineFirmware(CLI::App& command);
 Action DefineProbe(CLI::App& command);
+Action DefineReference(CLI::App& command);
 
 } // namespace koro::tool

@@ -42,6 +42,7 @@ constexpr Command commands[] = {
     {"files", DefineFiles, "List, read, write and delete the files of a camera"},
     {"firmware", DefineFirmware, "Show, apply and make firmware updates"},
     {"probe", DefineProbe, "Try one producer (used by the other commands)"},
+    {"reference", DefineReference, "Write manual pages and completion (used by the build)"},
 };
 
 int Run(const Action& action)
