@@ -1,11 +1,11 @@
 /*
- * A feature that is on or off.
+ * A boolean feature: it is on or off.
  *
- * A handle comes from KORO_Node_ToBooleanNode and ends with the map; there is nothing to destruct. Any thread. Getters
- * may read registers, on this thread, and wait for another thread that works on the same map; writes hold the lock of
- * the map. What GenApi refuses arrives with GenApi's own text: KORO_RETURN_CODE_BAD_ACCESS for a node that cannot be
- * read or written at this time, KORO_RETURN_CODE_ERROR for most else. A transfer that fails arrives with the code and
- * the text of the producer's failure.
+ * A handle comes from KORO_Node_ToBooleanNode and ends with the map; do not destruct it. Any thread may call these
+ * functions. Getters may read registers, on the calling thread, and may wait for another thread that uses the same map;
+ * writes hold the lock of the map. A call that GenApi refuses fails with GenApi's own text: KORO_RETURN_CODE_BAD_ACCESS
+ * for a node that cannot be read or written now, KORO_RETURN_CODE_ERROR in most other cases. A register transfer that
+ * fails returns the code and the text of the producer's failure.
  */
 #ifndef KORO_BOOLEAN_NODE_H
 #define KORO_BOOLEAN_NODE_H
@@ -27,13 +27,13 @@ KORO_API KORO_ReturnCode KORO_BooleanNode_GetValue(
     KORO_BooleanNodeHandle booleanNodeHandle, KORO_NodeCachePolicy cachePolicy, KORO_Bool8* value);
 
 /**
- * Writes the value. Changed callbacks run before it returns, on this thread.
+ * Writes the value. Changed callbacks run on the calling thread before the function returns.
  * @param[in] value 0 for off, any other number for on
- * @return KORO_RETURN_CODE_BAD_ACCESS for a node that cannot be written at this time
+ * @return KORO_RETURN_CODE_BAD_ACCESS for a node that cannot be written now
  */
 KORO_API KORO_ReturnCode KORO_BooleanNode_SetValue(KORO_BooleanNodeHandle booleanNodeHandle, KORO_Bool8 value);
 
-/** Gives the node as a plain node: the handle that KORO_NodeMap_FindNode gives for it. */
+/** Returns the node as a general Node: the same handle that KORO_NodeMap_FindNode returns. */
 KORO_API KORO_ReturnCode KORO_BooleanNode_ToNode(KORO_BooleanNodeHandle booleanNodeHandle, KORO_NodeHandle* nodeHandle);
 
 #ifdef __cplusplus

@@ -1,9 +1,9 @@
 /*
- * An opened device, seen from this side of the line: the transport layer's view of a camera, its streams, and the
- * way to the camera's own features, the remote device.
+ * An opened device: the transport layer's side of a camera. It leads to the data streams and to the remote device,
+ * which has the features of the camera itself.
  *
- * The handle ends with KORO_Device_Destruct, or with its interface. It stays valid when the device is lost; its
- * calls then fail at the producer. Every query but key and id asks the producer anew. Any thread.
+ * The handle ends with KORO_Device_Destruct, or with its interface. It stays valid when the device is lost; calls then
+ * fail with the producer's error. Each query except key and id calls the producer. Any thread may call these functions.
  */
 #ifndef KORO_DEVICE_H
 #define KORO_DEVICE_H
@@ -17,108 +17,110 @@ extern "C" {
 #endif
 
 /**
- * Ends the handle, with its RemoteDevice, Module and EventSupportingModule handles, and all handles below it. The
- * device is closed when its last use ends. Waits on it and on its streams that are inside return
- * KORO_RETURN_CODE_ABORTED. Where another call is inside below it, its idle streams end first, which may wait as
- * KORO_DataStream_Destruct does. Nothing else is waited for.
+ * Ends the handle, its RemoteDevice, Module and EventSupportingModule handles, and all handles below it. The device is
+ * closed when no call uses it any more. Waits that are running on it and on its streams return
+ * KORO_RETURN_CODE_ABORTED. If another thread is inside a call below the device, streams that no call uses are closed
+ * first, and this may wait as KORO_DataStream_Destruct does. The function waits for nothing else.
  */
 KORO_API KORO_ReturnCode KORO_Device_Destruct(KORO_DeviceHandle deviceHandle);
 
-/** Gives the key: the interface's key, "|", the id. No producer call. */
+/** Returns the key: the interface's key, "|" and the id. Does not call the producer. */
 KORO_API KORO_ReturnCode KORO_Device_GetKey(KORO_DeviceHandle deviceHandle, char* key, size_t* keySize);
 
-/** Gives the device's id. */
+/** Returns the device's id. */
 KORO_API KORO_ReturnCode KORO_Device_GetID(KORO_DeviceHandle deviceHandle, char* id, size_t* idSize);
 
 /**
- * Gives any information of the device as raw bytes.
- * @param[in]  infoCommand    KORO_DEVICE_INFO_... or a number of the producer's own
- * @param[out] infoDataType   KORO_INFO_DATATYPE_... of the answer; valid also when the buffer is too small
+ * Returns any information about the device as raw bytes.
+ * @param[in]  infoCommand    KORO_DEVICE_INFO_... or a producer-specific number
+ * @param[out] infoDataType   KORO_INFO_DATATYPE_... of the information; also set when the buffer is too small
  * @param[out] info, infoSize the bytes as the producer delivered them
  */
 KORO_API KORO_ReturnCode KORO_Device_GetInfo(
     KORO_DeviceHandle deviceHandle, int32_t infoCommand, int32_t* infoDataType, uint8_t* info, size_t* infoSize);
 
-/** Gives the name to show to a person. */
+/** Returns the display name, a text for people. */
 KORO_API KORO_ReturnCode
 KORO_Device_GetDisplayName(KORO_DeviceHandle deviceHandle, char* displayName, size_t* displayNameSize);
 
-/** Gives the vendor of the device. */
+/** Returns the vendor of the device. */
 KORO_API KORO_ReturnCode
 KORO_Device_GetVendorName(KORO_DeviceHandle deviceHandle, char* vendorName, size_t* vendorNameSize);
 
-/** Gives the model name of the device. */
+/** Returns the model name of the device. */
 KORO_API KORO_ReturnCode
 KORO_Device_GetModelName(KORO_DeviceHandle deviceHandle, char* modelName, size_t* modelNameSize);
 
-/** Gives the version of the device. */
+/** Returns the version of the device. */
 KORO_API KORO_ReturnCode KORO_Device_GetVersion(KORO_DeviceHandle deviceHandle, char* version, size_t* versionSize);
 
-/** Gives the transport layer type of the device, such as "GEV" or "U3V". */
+/** Returns the transport layer type of the device, such as "GEV" or "U3V". */
 KORO_API KORO_ReturnCode KORO_Device_GetTLType(KORO_DeviceHandle deviceHandle, char* tlType, size_t* tlTypeSize);
 
 /**
- * Gives the name that its user gave the device.
- * @return KORO_RETURN_CODE_ERROR when the producer says that there is none; the text tells its code
+ * Returns the user-defined name of the device.
+ * @return KORO_RETURN_CODE_ERROR when the producer reports that there is none; the error text contains the producer's
+ *         code
  */
 KORO_API KORO_ReturnCode
 KORO_Device_GetUserDefinedName(KORO_DeviceHandle deviceHandle, char* userDefinedName, size_t* userDefinedNameSize);
 
 /**
- * Gives the serial number.
- * @return KORO_RETURN_CODE_ERROR when the producer says that there is none; the text tells its code
+ * Returns the serial number.
+ * @return KORO_RETURN_CODE_ERROR when the producer reports that there is none; the error text contains the producer's
+ *         code
  */
 KORO_API KORO_ReturnCode
 KORO_Device_GetSerialNumber(KORO_DeviceHandle deviceHandle, char* serialNumber, size_t* serialNumberSize);
 
 /**
- * Tells how the device is open.
+ * Reports how the device is opened.
  * @param[out] accessStatus KORO_DEVICE_ACCESS_STATUS_...
  */
 KORO_API KORO_ReturnCode KORO_Device_GetAccessStatus(KORO_DeviceHandle deviceHandle, int32_t* accessStatus);
 
 /**
- * Gives the frequency of the device's time stamp counter.
+ * Returns the frequency of the device's timestamp counter.
  * @param[out] timestampTickFrequency ticks per second
  */
 KORO_API KORO_ReturnCode
 KORO_Device_GetTimestampTickFrequency(KORO_DeviceHandle deviceHandle, uint64_t* timestampTickFrequency);
 
-/** Gives the number of data streams. Read from the producer once in the life of the device. */
+/** Returns the number of data streams. The list is read from the producer once for each opened device. */
 KORO_API KORO_ReturnCode KORO_Device_GetNumDataStreams(KORO_DeviceHandle deviceHandle, size_t* numDataStreams);
 
 /**
- * Gives one data stream, not yet opened. The same handle each time.
- * A dead device handle is reported as "interfaceHandle is invalid!".
- * @param[in]  index                      0 to the number of data streams less 1
- * @param[out] dataStreamDescriptorHandle ends with the device; there is nothing to destruct
+ * Returns one data stream, not yet opened. Each call returns the same handle.
+ * For an invalid device handle the error text is "interfaceHandle is invalid!", with this name of the parameter.
+ * @param[in]  index                      0 to the number of data streams minus 1
+ * @param[out] dataStreamDescriptorHandle ends with the device; do not destruct it
  * @return KORO_RETURN_CODE_OUT_OF_RANGE for an index beyond the list
  */
 KORO_API KORO_ReturnCode KORO_Device_GetDataStream(
     KORO_DeviceHandle deviceHandle, size_t index, KORO_DataStreamDescriptorHandle* dataStreamDescriptorHandle);
 
 /**
- * Gives the camera behind the device. The same handle each time.
- * @param[out] remoteDeviceHandle ends with the device; there is nothing to destruct
+ * Returns the remote device: the camera that this device represents. Each call returns the same handle.
+ * @param[out] remoteDeviceHandle ends with the device; do not destruct it
  */
 KORO_API KORO_ReturnCode
 KORO_Device_GetRemoteDevice(KORO_DeviceHandle deviceHandle, KORO_RemoteDeviceHandle* remoteDeviceHandle);
 
 /**
- * Gives the interface of the device.
- * @param[out] interfaceHandle the handle from the opening: nothing new to destruct
+ * Returns the interface of the device.
+ * @param[out] interfaceHandle the existing handle from its opening; do not destruct it separately
  */
 KORO_API KORO_ReturnCode
 KORO_Device_GetParentInterface(KORO_DeviceHandle deviceHandle, KORO_InterfaceHandle* interfaceHandle);
 
 /**
- * Gives the device as a module, for its port. The same handle each time.
+ * Returns the device as a Module, which has a port and features. Each call returns the same handle.
  * @param[out] moduleHandle ends with the device's handle
  */
 KORO_API KORO_ReturnCode KORO_Device_ToModule(KORO_DeviceHandle deviceHandle, KORO_ModuleHandle* moduleHandle);
 
 /**
- * Gives the device as a module with events. The same handle each time.
+ * Returns the device as an EventSupportingModule, which registers events. Each call returns the same handle.
  * @param[out] eventSupportingModuleHandle ends with the device's handle
  */
 KORO_API KORO_ReturnCode KORO_Device_ToEventSupportingModule(

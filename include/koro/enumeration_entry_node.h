@@ -1,8 +1,8 @@
 /*
- * One entry of a choice. Whether it can be chosen at this time is the access status of its node.
+ * One entry of an enumeration. The access status of its node reports whether it can be selected now.
  *
- * A handle comes from the enumeration or from KORO_Node_ToEnumerationEntryNode and ends with the map; there is nothing
- * to destruct. Any thread.
+ * A handle comes from the enumeration node or from KORO_Node_ToEnumerationEntryNode and ends with the map; there is no
+ * function to destruct it. Any thread may call these functions.
  */
 #ifndef KORO_ENUMERATION_ENTRY_NODE_H
 #define KORO_ENUMERATION_ENTRY_NODE_H
@@ -14,19 +14,19 @@
 extern "C" {
 #endif
 
-/** Tells whether the device leaves this entry by itself after it was chosen. */
+/** Reports whether the device resets the enumeration by itself after this entry was selected. */
 KORO_API KORO_ReturnCode KORO_EnumerationEntryNode_GetIsSelfClearing(
     KORO_EnumerationEntryNodeHandle enumerationEntryNodeHandle, KORO_Bool8* isSelfClearing);
 
-/** Gives the name of the entry within its enumeration, such as "Mono8". */
+/** Returns the name of the entry in its enumeration, for example "Mono8". */
 KORO_API KORO_ReturnCode KORO_EnumerationEntryNode_GetSymbolicValue(
     KORO_EnumerationEntryNodeHandle enumerationEntryNodeHandle, char* symbolicValue, size_t* symbolicValueSize);
 
-/** Gives the number that is written for the entry. */
+/** Returns the number that is written to the device for the entry. */
 KORO_API KORO_ReturnCode
 KORO_EnumerationEntryNode_GetValue(KORO_EnumerationEntryNodeHandle enumerationEntryNodeHandle, int64_t* value);
 
-/** Gives the node as a plain node: the handle that KORO_NodeMap_FindNode gives for it. */
+/** Returns the node as a general Node: the same handle that KORO_NodeMap_FindNode returns. */
 KORO_API KORO_ReturnCode KORO_EnumerationEntryNode_ToNode(
     KORO_EnumerationEntryNodeHandle enumerationEntryNodeHandle, KORO_NodeHandle* nodeHandle);
 

@@ -1,7 +1,9 @@
 /*
  * The search for producers: the .cti files in the directories of the environment variable GENICAM_GENTL64_PATH.
  *
- * The list is one per process, empty before the first update, and outlives KORO_Library_Close. Any thread may call;
+ * There is one list per process. It is empty before the first update and outlives KORO_Library_Close. Any thread may
+ * call these functions. An update loads each new candidate once to find out whether it can be used; readers wait
+ * meanwhile.
  * an update blocks the readers, since it loads each new candidate once to see whether it can be used.
  */
 #ifndef KORO_ENVIRONMENT_INSPECTOR_H
@@ -15,23 +17,23 @@ extern "C" {
 #endif
 
 /**
- * Searches the directories of GENICAM_GENTL64_PATH, which are separated by ":" or ";". Files that cannot be used
- * are left out without a report.
- * @return KORO_RETURN_CODE_NOT_FOUND when the variable is not set; the list then stays as it was
+ * Searches the directories of GENICAM_GENTL64_PATH, which are separated by ":" or ";". Files that cannot be used are
+ * left out silently.
+ * @return KORO_RETURN_CODE_NOT_FOUND when the variable is not set; the list is not changed then
  */
 KORO_API KORO_ReturnCode KORO_EnvironmentInspector_UpdateCTIPaths(void);
 
 /**
- * Gives the number of producers that the last update found.
+ * Returns the number of producers that the last update found.
  * @param[out] numCtiPaths number of paths
  */
 KORO_API KORO_ReturnCode KORO_EnvironmentInspector_GetNumCTIPaths(size_t* numCtiPaths);
 
 /**
- * Gives the canonical path of one producer, for KORO_ProducerLibrary_Construct.
- * @param[in]  index                0 to the number of paths less 1
+ * Returns the canonical path of one producer, for KORO_ProducerLibrary_Construct.
+ * @param[in]  index                0 to the number of paths minus 1
  * @param[out] ctiPath, ctiPathSize the path
- * @return KORO_RETURN_CODE_OUT_OF_RANGE for an index beyond the list, always before the first update
+ * @return KORO_RETURN_CODE_OUT_OF_RANGE for an index beyond the list; always before the first update
  */
 KORO_API KORO_ReturnCode KORO_EnvironmentInspector_GetCTIPath(size_t index, char* ctiPath, size_t* ctiPathSize);
 

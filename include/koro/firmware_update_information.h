@@ -1,12 +1,13 @@
 /*
- * What an update file says about one of its updates. A file may hold several.
+ * The information in an update file about one of its updates. A file may contain several updates.
  *
- * The handle comes from KORO_FirmwareUpdater_GetFirmwareUpdateInformation and ends with the updater, or from the
- * callback of a started update and ends with the observer. There is nothing to destruct. It is a copy: neither the
- * file nor what the updater collects later changes it. Any thread.
+ * The handle comes from KORO_FirmwareUpdater_GetFirmwareUpdateInformation and ends with the updater, or it comes from
+ * the update started callback and ends with the observer. There is no function to destruct it. The information is a
+ * copy: neither changes to the file nor later collections of the updater change it. Any thread may call these
+ * functions.
  *
- * Texts are as they stand in the file; of several languages English, else the one without a language, else the first.
- * An entry that the file does not have is an empty text.
+ * Texts are returned as they are in the file. Of several languages English is chosen, otherwise the text without a
+ * language, otherwise the first one. An entry that is missing in the file is an empty text.
  */
 #ifndef KORO_FIRMWARE_UPDATE_INFORMATION_H
 #define KORO_FIRMWARE_UPDATE_INFORMATION_H
@@ -26,7 +27,7 @@ enum KORO_FirmwareUpdateVersionStyles
     KORO_FIRMWARE_UPDATE_VERSION_STYLE_SEMVER = 1
 };
 
-/* Whether a camera keeps its stored settings over the update. */
+/* Whether a camera keeps its stored settings during the update. */
 typedef int32_t KORO_FirmwareUpdatePersistence;
 enum KORO_FirmwareUpdatePersistences
 {
@@ -35,61 +36,63 @@ enum KORO_FirmwareUpdatePersistences
 };
 
 /**
- * Tells whether the information was read from a file.
+ * Reports whether the information was read from a file.
  * @param[out] isValid 1 if it was
  */
 KORO_API KORO_ReturnCode KORO_FirmwareUpdateInformation_GetIsValid(
     KORO_FirmwareUpdateInformationHandle firmwareUpdateInformationHandle, KORO_Bool8* isValid);
 
-/** Gives the path of the update file, as it was given to the updater. */
+/** Returns the path of the update file, as it was passed to the updater. */
 KORO_API KORO_ReturnCode KORO_FirmwareUpdateInformation_GetFileName(
     KORO_FirmwareUpdateInformationHandle firmwareUpdateInformationHandle, char* fileName, size_t* fileNameSize);
 
-/** Gives the name of the update, for a person. */
+/** Returns the name of the update, a text for people. */
 KORO_API KORO_ReturnCode KORO_FirmwareUpdateInformation_GetDescription(
     KORO_FirmwareUpdateInformationHandle firmwareUpdateInformationHandle, char* description, size_t* descriptionSize);
 
-/** Gives the version of the firmware that the update installs. */
+/** Returns the version of the firmware that the update installs. */
 KORO_API KORO_ReturnCode KORO_FirmwareUpdateInformation_GetVersion(
     KORO_FirmwareUpdateInformationHandle firmwareUpdateInformationHandle, char* version, size_t* versionSize);
 
 /**
- * Gives the regular expression that finds the installed version in the camera's feature "DeviceFirmwareVersion": its
- * first group, or without groups the whole match.
+ * Returns the regular expression that extracts the installed version from the camera's feature "DeviceFirmwareVersion".
+ * The version is the first group of the match, or the whole match if there are no groups.
  */
 KORO_API KORO_ReturnCode KORO_FirmwareUpdateInformation_GetVersionExtractionPattern(
     KORO_FirmwareUpdateInformationHandle firmwareUpdateInformationHandle, char* versionExtractionPattern,
     size_t* versionExtractionPatternSize);
 
 /**
- * Gives how versions are written. This and the two persistences answer with their first number whatever the file says:
- * they are not told yet, and are not to be built upon.
+ * Returns the style of version numbers. This function and the two persistence functions always return their first
+ * number, regardless of the file, because the entries are not evaluated yet. Do not rely on them.
  * @param[out] versionStyle KORO_FIRMWARE_UPDATE_VERSION_STYLE_DOTTED
  */
 KORO_API KORO_ReturnCode KORO_FirmwareUpdateInformation_GetVersionStyle(
     KORO_FirmwareUpdateInformationHandle firmwareUpdateInformationHandle,
     KORO_FirmwareUpdateVersionStyle* versionStyle);
 
-/** Gives what is new, for a person. */
+/** Returns the release notes, a text for people. */
 KORO_API KORO_ReturnCode KORO_FirmwareUpdateInformation_GetReleaseNotes(
     KORO_FirmwareUpdateInformationHandle firmwareUpdateInformationHandle, char* releaseNotes, size_t* releaseNotesSize);
 
-/** Gives where more about it can be read. The address is the file's; nobody has checked it. */
+/** Returns the address of further information. It is taken from the file unchecked. */
 KORO_API KORO_ReturnCode KORO_FirmwareUpdateInformation_GetReleaseNotesURL(
     KORO_FirmwareUpdateInformationHandle firmwareUpdateInformationHandle, char* releaseNotesUrl,
     size_t* releaseNotesUrlSize);
 
 /**
- * Gives whether the camera keeps its user sets.
- * @param[out] userSetPersistence KORO_FIRMWARE_UPDATE_PERSISTENCE_NONE; see the version style
+ * Reports whether the camera keeps its user sets.
+ * @param[out] userSetPersistence KORO_FIRMWARE_UPDATE_PERSISTENCE_NONE; see
+ *                                KORO_FirmwareUpdateInformation_GetVersionStyle
  */
 KORO_API KORO_ReturnCode KORO_FirmwareUpdateInformation_GetUserSetPersistence(
     KORO_FirmwareUpdateInformationHandle firmwareUpdateInformationHandle,
     KORO_FirmwareUpdatePersistence* userSetPersistence);
 
 /**
- * Gives whether the camera keeps its sequencer sets.
- * @param[out] sequencerSetPersistence KORO_FIRMWARE_UPDATE_PERSISTENCE_NONE; see the version style
+ * Reports whether the camera keeps its sequencer sets.
+ * @param[out] sequencerSetPersistence KORO_FIRMWARE_UPDATE_PERSISTENCE_NONE; see
+ *                                     KORO_FirmwareUpdateInformation_GetVersionStyle
  */
 KORO_API KORO_ReturnCode KORO_FirmwareUpdateInformation_GetSequencerSetPersistence(
     KORO_FirmwareUpdateInformationHandle firmwareUpdateInformationHandle,

@@ -1,17 +1,18 @@
 /*
- * Follows firmware updates: six kinds of report, each with any number of callbacks.
+ * Reports the progress of firmware updates by six kinds of callbacks. Each kind may have any number of callbacks.
  *
- * Give the handle to KORO_FirmwareUpdater_UpdateDevice; one observer may serve several updates. The reports of an
- * update come one at a time, on the thread that called it and within that call: started, then for each step its start,
- * its progress any number of times and its end, and at last finished or, at any point, failed.
+ * Pass the handle to KORO_FirmwareUpdater_UpdateDevice; one observer may serve several updates. The callbacks of an
+ * update run one at a time, within the call and on the thread that called it: first "update started"; then for each
+ * step "step started", any number of "progress changed" and "step finished"; at last "update finished" or, at any
+ * point, "update failed".
  *
- * A callback may call any export but those that register and unregister its own kind of report at this observer: they
- * answer KORO_RETURN_CODE_ERROR there. Other threads that call them wait until the report is over. An update that
- * starts inside a callback needs another observer: this one cannot be given the report that is under way, which for a
- * start and an end is KORO_RETURN_CODE_ERROR, and two threads that try could wait for each other without end. A
- * callback must not throw, and must not close the library.
+ * A callback may call any function with one exception: registering or unregistering a callback of its own kind at this
+ * observer returns KORO_RETURN_CODE_ERROR. Other threads that do this wait until the callback has returned. A callback
+ * that starts another update must use another observer: this one cannot deliver the kind of callback that is running.
+ * For "update started", "update finished" and "update failed" the attempt returns KORO_RETURN_CODE_ERROR, and two
+ * threads that try it could wait for each other forever. A callback must not throw and must not close the library.
  *
- * Any thread.
+ * Any thread may call these functions.
  */
 #ifndef KORO_FIRMWARE_UPDATE_PROGRESS_OBSERVER_H
 #define KORO_FIRMWARE_UPDATE_PROGRESS_OBSERVER_H
@@ -23,7 +24,7 @@
 extern "C" {
 #endif
 
-/* What an update does; the numbers of GenApi. */
+/* The kinds of update steps; the numbers are those of GenApi. */
 typedef int32_t KORO_FirmwareUpdateStep;
 enum KORO_FirmwareUpdateSteps
 {
@@ -38,11 +39,11 @@ enum KORO_FirmwareUpdateSteps
 };
 
 /*
- * Callbacks. Durations are what the update file expects, in milliseconds. Texts live for the length of the call, and
- * their sizes count the terminating zero.
+ * Callbacks. Durations are the ones that the update file expects, in milliseconds. Texts are valid only during the
+ * call; their sizes include the terminating zero.
  */
 
-/* The handle of the information ends with the observer. */
+/* The information handle ends with the observer. */
 typedef void (*KORO_FirmwareUpdateStartedCallback)(
     KORO_FirmwareUpdateInformationHandle firmwareUpdateInformationHandle, uint32_t expectedDuration_ms,
     void* callbackContext);
@@ -57,7 +58,7 @@ typedef void (*KORO_FirmwareUpdateFinishedCallback)(void* callbackContext);
 typedef void (*KORO_FirmwareUpdateFailedCallback)(
     const char* errorDescription, size_t errorDescriptionSize, void* callbackContext);
 
-/* What a registration gives, for unregistering alone. */
+/* Handles of registered callbacks. They serve only to unregister the callback. */
 typedef struct KORO_FirmwareUpdateStartedCallback_st* KORO_FirmwareUpdateStartedCallbackHandle;
 typedef struct KORO_FirmwareUpdateStepStartedCallback_st* KORO_FirmwareUpdateStepStartedCallbackHandle;
 typedef struct KORO_FirmwareUpdateStepProgressChangedCallback_st* KORO_FirmwareUpdateStepProgressChangedCallbackHandle;
@@ -66,21 +67,21 @@ typedef struct KORO_FirmwareUpdateFinishedCallback_st* KORO_FirmwareUpdateFinish
 typedef struct KORO_FirmwareUpdateFailedCallback_st* KORO_FirmwareUpdateFailedCallbackHandle;
 
 /**
- * Makes an observer.
+ * Creates an observer.
  * @param[out] firmwareUpdateProgressObserverHandle a new handle; end it with
  * KORO_FirmwareUpdateProgressObserver_Destruct
  */
 KORO_API KORO_ReturnCode KORO_FirmwareUpdateProgressObserver_Construct(
     KORO_FirmwareUpdateProgressObserverHandle* firmwareUpdateProgressObserverHandle);
 
-/** Ends the handle. An update that is running goes on reporting to the callbacks that are registered. */
+/** Ends the handle. An update that is running continues to call the registered callbacks. */
 KORO_API KORO_ReturnCode KORO_FirmwareUpdateProgressObserver_Destruct(
     KORO_FirmwareUpdateProgressObserverHandle firmwareUpdateProgressObserverHandle);
 
 /**
- * Calls the application at the start of an update, before anything is written to the camera.
- * @param[in]  callbackContext passed to the callback as it is; may be null
- * @param[out] callbackHandle  for unregistering; ends there or with the observer
+ * Registers a callback for the start of an update, before anything is written to the camera.
+ * @param[in]  callbackContext passed to the callback unchanged; may be null
+ * @param[out] callbackHandle  handle for unregistering; ends with the unregistration or with the observer
  * @return KORO_RETURN_CODE_ERROR inside a callback of this kind
  */
 KORO_API KORO_ReturnCode KORO_FirmwareUpdateProgressObserver_RegisterUpdateStartedCallback(
@@ -88,46 +89,46 @@ KORO_API KORO_ReturnCode KORO_FirmwareUpdateProgressObserver_RegisterUpdateStart
     KORO_FirmwareUpdateStartedCallback callback, void* callbackContext,
     KORO_FirmwareUpdateStartedCallbackHandle* callbackHandle);
 
-/** Calls the application at the start of each step. */
+/** Registers a callback for the start of each step. */
 KORO_API KORO_ReturnCode KORO_FirmwareUpdateProgressObserver_RegisterUpdateStepStartedCallback(
     KORO_FirmwareUpdateProgressObserverHandle firmwareUpdateProgressObserverHandle,
     KORO_FirmwareUpdateStepStartedCallback callback, void* callbackContext,
     KORO_FirmwareUpdateStepStartedCallbackHandle* callbackHandle);
 
-/** Calls the application as a step goes on. Of the steps, uploads alone tell it. */
+/** Registers a callback for the progress of a step. Only file uploads report progress. */
 KORO_API KORO_ReturnCode KORO_FirmwareUpdateProgressObserver_RegisterUpdateStepProgressChangedCallback(
     KORO_FirmwareUpdateProgressObserverHandle firmwareUpdateProgressObserverHandle,
     KORO_FirmwareUpdateStepProgressChangedCallback callback, void* callbackContext,
     KORO_FirmwareUpdateStepProgressChangedCallbackHandle* callbackHandle);
 
-/** Calls the application at the end of each step that succeeded. */
+/** Registers a callback for the end of each step that succeeded. */
 KORO_API KORO_ReturnCode KORO_FirmwareUpdateProgressObserver_RegisterUpdateStepFinishedCallback(
     KORO_FirmwareUpdateProgressObserverHandle firmwareUpdateProgressObserverHandle,
     KORO_FirmwareUpdateStepFinishedCallback callback, void* callbackContext,
     KORO_FirmwareUpdateStepFinishedCallbackHandle* callbackHandle);
 
-/** Calls the application at the end of an update that succeeded. */
+/** Registers a callback for the end of an update that succeeded. */
 KORO_API KORO_ReturnCode KORO_FirmwareUpdateProgressObserver_RegisterUpdateFinishedCallback(
     KORO_FirmwareUpdateProgressObserverHandle firmwareUpdateProgressObserverHandle,
     KORO_FirmwareUpdateFinishedCallback callback, void* callbackContext,
     KORO_FirmwareUpdateFinishedCallbackHandle* callbackHandle);
 
-/** Calls the application at the failure of an update, which is its last report. */
+/** Registers a callback for the failure of an update. This is the last callback of the update. */
 KORO_API KORO_ReturnCode KORO_FirmwareUpdateProgressObserver_RegisterUpdateFailedCallback(
     KORO_FirmwareUpdateProgressObserverHandle firmwareUpdateProgressObserverHandle,
     KORO_FirmwareUpdateFailedCallback callback, void* callbackContext,
     KORO_FirmwareUpdateFailedCallbackHandle* callbackHandle);
 
 /**
- * Ends the calls of a callback; waits for a report that is under way on another thread. An unknown handle is ignored,
- * so a second time is no failure.
- * @return KORO_RETURN_CODE_ERROR inside a callback of this kind: the registration stands
+ * Unregisters a callback. Waits while another thread is inside the callback. An unknown handle is ignored, so a second
+ * call is not a failure.
+ * @return KORO_RETURN_CODE_ERROR inside a callback of this kind; the registration stays
  */
 KORO_API KORO_ReturnCode KORO_FirmwareUpdateProgressObserver_UnregisterUpdateStartedCallback(
     KORO_FirmwareUpdateProgressObserverHandle firmwareUpdateProgressObserverHandle,
     KORO_FirmwareUpdateStartedCallbackHandle callbackHandle);
 
-/** The same for the other kinds of report. */
+/** The next five functions do the same for the other kinds of callbacks. */
 KORO_API KORO_ReturnCode KORO_FirmwareUpdateProgressObserver_UnregisterUpdateStepStartedCallback(
     KORO_FirmwareUpdateProgressObserverHandle firmwareUpdateProgressObserverHandle,
     KORO_FirmwareUpdateStepStartedCallbackHandle callbackHandle);

@@ -1,11 +1,11 @@
 /*
- * Numbers of the GenTL standard that pass through the exports unchanged, with KORO_ before their names. A producer may
- * answer, and understand, others; its own begin at the ..._CUSTOM_ID of each list.
+ * Numbers of the GenTL standard that the functions pass through unchanged; their names have the prefix KORO_. A
+ * producer may return and accept other numbers. Producer-specific numbers begin at the ..._CUSTOM_ID of each list.
  */
 #ifndef KORO_GENTL_VALUES_H
 #define KORO_GENTL_VALUES_H
 
-/* Types of information, as every ..._GetInfo reports them. */
+/* Data types of information, as each ..._GetInfo function reports them. */
 enum KORO_INFO_DATATYPE
 {
     KORO_INFO_DATATYPE_UNKNOWN = 0,

@@ -1,29 +1,33 @@
 /*
- * zvr_koro: cameras through GenICam GenTL, as plain C functions over opaque handles.
+ * zvr_koro: machine vision cameras through GenICam GenTL, as plain C functions that take opaque handles.
  *
- * The conventions that hold for every function, so that the single ones need not repeat them:
+ * These conventions hold for every function. The comments of the functions do not repeat them.
  *
- *  1. KORO_<Family>_<Operation> takes the handle of the family's object first, then inputs, then outputs, and returns a
- *     KORO_ReturnCode: 0 for success. Go by the return value, and read the text of a failure on the same thread by
- *     KORO_Library_GetLastError.
- *  2. Call KORO_Library_Initialize first and KORO_Library_Close last. In between any thread may call any function,
- *     unless its description says otherwise.
- *  3. A handle stays valid until its description says that it ends; a dead one, a null one and one of another kind are
- *     answered with KORO_RETURN_CODE_INVALID_HANDLE. The same object gives the same handle each time. Handles are
- *     ended by ..._Destruct or by the end of their parent; there is no other release. An ended handle may come back for
- *     a new object one day, but not soon: the last 4,096 of its kind, or 1 MiB of objects, are kept out of use.
- *  4. Results lie in the caller's memory and nothing has to be freed. Text and bytes go into a buffer with its size:
- *     `name` is the buffer, null to ask for the size; `nameSize` holds its capacity, and after a success the bytes
- *     written. Sizes of texts count the terminating zero. A buffer that is too small is left as it was.
- *  5. A null output pointer, or a null size pointer, is answered with KORO_RETURN_CODE_INVALID_ARGUMENT.
- *  6. Between a size query and its fetch the text may grow; the fetch then answers KORO_RETURN_CODE_BUFFER_TOO_SMALL,
- *     and the pair is repeated.
- *  7. Texts are in the producer's encoding (KORO_System_GetCharacterEncoding). Numbers of the GenTL standard pass
- *     through unchanged; <koro/gentl_values.h> has their names.
- *  8. A failure of the producer arrives with the code that fits its GenTL error, and with the function, number, name
- *     and the producer's own text in the last error. Queries of information, which most getters are, have three codes
- *     only: KORO_RETURN_CODE_IO_ERROR for GC_ERR_IO, KORO_RETURN_CODE_NOT_FOUND for GC_ERR_INVALID_ID, and
- *     KORO_RETURN_CODE_ERROR for all others, GC_ERR_NOT_IMPLEMENTED and GC_ERR_NOT_AVAILABLE among them.
+ *  1. KORO_<Family>_<Operation> takes the handle of the object first, then inputs, then outputs. It returns a
+ *     KORO_ReturnCode; 0 means success. Test the return value. After a failure KORO_Library_GetLastError returns the
+ *     error text; call it on the same thread.
+ *  2. Call KORO_Library_Initialize before and KORO_Library_Close after all other functions. In between, any thread may
+ *     call any function, unless its comment says otherwise.
+ *  3. A handle stays valid until it ends: by a ..._Destruct function, or together with its parent object. The comment
+ *     of the function that returns a handle says when it ends ("ends with the device"). Where there is no ..._Destruct
+ *     function, there is nothing to release. A function that is asked again for the same object returns the same
+ *     handle. Ended handles, null and handles of another kind are answered with KORO_RETURN_CODE_INVALID_HANDLE. The
+ *     number of an ended handle may return for a new object, but not soon: the last 4,096 handles of each kind, or 1
+ *     MiB of objects, are not used again.
+ *  4. Results are written to memory of the caller, so there is nothing to free. A text or a block of bytes takes two
+ *     parameters, for example `name` and `nameSize`. `name` points to the buffer; null only queries the size.
+ *     `nameSize` holds the capacity of the buffer before the call and the number of bytes written after a success.
+ *     Sizes of texts include the terminating zero. A buffer that is too small is not changed.
+ *  5. A null output pointer or a null size pointer is answered with KORO_RETURN_CODE_INVALID_ARGUMENT.
+ *  6. A text may grow between the size query and the call that fetches it. That call then returns
+ *     KORO_RETURN_CODE_BUFFER_TOO_SMALL: repeat both calls.
+ *  7. Texts are in the encoding of the producer (KORO_System_GetCharacterEncoding). Numbers of the GenTL standard are
+ *     passed through unchanged; <koro/gentl_values.h> lists their names.
+ *  8. When the producer fails, the return code is the one that corresponds to its GenTL error. The last error text
+ *     contains the GenTL function, the number and the name of the error, and the producer's own text. Functions that
+ *     query information, which most getters are, return only three codes for such a failure: KORO_RETURN_CODE_IO_ERROR
+ *     for GC_ERR_IO, KORO_RETURN_CODE_NOT_FOUND for GC_ERR_INVALID_ID, and KORO_RETURN_CODE_ERROR for all others,
+ *     including GC_ERR_NOT_IMPLEMENTED and GC_ERR_NOT_AVAILABLE.
  */
 #ifndef KORO_KORO_H
 #define KORO_KORO_H

@@ -1,6 +1,7 @@
 /*
- * What all opened modules have in common: a port, and the features that descriptions tell. A handle comes from one of
- * the six ..._ToModule casts and ends with the handle that it was cast from. Any thread.
+ * What all opened modules have in common: a port, and the features that their descriptions define. A handle comes from
+ * one of the six ..._ToModule functions and ends with the handle that was passed to it. Any thread may call these
+ * functions.
  */
 #ifndef KORO_MODULE_H
 #define KORO_MODULE_H
@@ -13,25 +14,26 @@ extern "C" {
 #endif
 
 /**
- * Gives the port, through which the registers of the module are read and written. No producer call; the same handle
- * each time.
- * @param[out] portHandle ends with the module; there is nothing to destruct
+ * Returns the port, which reads and writes the registers of the module. Does not call the producer. Each call returns
+ * the same handle.
+ * @param[out] portHandle ends with the module; do not destruct it
  */
 KORO_API KORO_ReturnCode KORO_Module_GetPort(KORO_ModuleHandle moduleHandle, KORO_PortHandle* portHandle);
 
 /**
- * Gives the number of descriptions that the module's features are told by. The first call, of this or of
- * KORO_Module_GetNodeMap, reads them all from the registers, on this thread; they are not refreshed afterwards. A
- * description that cannot be fetched is left out without a word. A file for debugging beside the producer comes first:
- * tl_system_dbg.xml, tl_interface_dbg.xml, tl_device_dbg.xml, tl_datastream_dbg.xml or tl_remotedevice_dbg.xml.
- * @param[out] numNodeMaps 0 when there is no usable description; that is no failure
+ * Returns the number of node maps, one for each description of the module's features. The first call of this function
+ * or of KORO_Module_GetNodeMap reads all descriptions from the registers, on the calling thread; they are not read
+ * again later. A description that cannot be fetched is left out silently. For debugging, a file beside the producer
+ * takes precedence: tl_system_dbg.xml, tl_interface_dbg.xml, tl_device_dbg.xml, tl_datastream_dbg.xml or
+ * tl_remotedevice_dbg.xml.
+ * @param[out] numNodeMaps 0 when there is no usable description, which is not a failure
  */
 KORO_API KORO_ReturnCode KORO_Module_GetNumNodeMaps(KORO_ModuleHandle moduleHandle, size_t* numNodeMaps);
 
 /**
- * Gives the features as one description tells them. The same handle each time.
- * @param[in]  index         0 to the number of node maps less 1; 0 is the main one
- * @param[out] nodeMapHandle ends with the module; there is nothing to destruct
+ * Returns the node map of one description. Each call returns the same handle.
+ * @param[in]  index         0 to the number of node maps minus 1; 0 is the main one
+ * @param[out] nodeMapHandle ends with the module; do not destruct it
  * @return KORO_RETURN_CODE_OUT_OF_RANGE for an index beyond the list
  */
 KORO_API KORO_ReturnCode

@@ -1,6 +1,6 @@
 /*
- * What all descriptors have in common. A handle comes from one of the four ..._ToModuleDescriptor casts and ends
- * with the parent of the descriptor that it was cast from. Any thread.
+ * What all descriptors have in common. A handle comes from one of the four ..._ToModuleDescriptor functions and ends
+ * with the parent of the descriptor that was passed to it. Any thread may call these functions.
  */
 #ifndef KORO_MODULE_DESCRIPTOR_H
 #define KORO_MODULE_DESCRIPTOR_H
@@ -12,7 +12,7 @@
 extern "C" {
 #endif
 
-/** Gives the id that the producer uses for what is described. */
+/** Returns the id by which the producer identifies the described module. */
 KORO_API KORO_ReturnCode
 KORO_ModuleDescriptor_GetID(KORO_ModuleDescriptorHandle moduleDescriptorHandle, char* id, size_t* idSize);
 

@@ -1,13 +1,13 @@
 /*
- * The features of a module, as one description tells them: a map of nodes by list and by name. A handle comes from
- * KORO_Module_GetNodeMap and ends with the module; there is nothing to destruct.
+ * The features of a module, as one description defines them: a map of nodes, accessible by index and by name. A handle
+ * comes from KORO_Module_GetNodeMap and ends with the module; there is no function to destruct it.
  *
- * A description is read when the first function needs it, so the first call on a map may take long, and tells what is
- * wrong with the description. A call after a failure tries again. Nodes never change afterwards: names and handles stay
- * for the life of the map.
+ * The description is parsed when a function first needs it, so the first call on a map may take long, and it reports
+ * errors of the description. The next call after a failure tries again. After that the set of nodes never changes:
+ * names and handles stay valid for the life of the map.
  *
- * Every map has one lock, which is recursive. Functions that write, invalidate or poll take it for their own length;
- * callbacks of nodes run while it is held. Any thread may call any function.
+ * Every map has one recursive lock. Functions that write, invalidate or poll hold it while they run, and callbacks of
+ * nodes are called while it is held. Any thread may call these functions.
  */
 #ifndef KORO_NODE_MAP_H
 #define KORO_NODE_MAP_H
@@ -20,18 +20,18 @@ extern "C" {
 #endif
 
 /**
- * Tells whether the map has a node. The letter case of names counts.
- * @param[in]  nodeName     name without name space; need not be terminated
- * @param[in]  nodeNameSize its size in bytes, with a terminating zero counted: strlen + 1
+ * Reports whether the map has a node with this name. Names are case-sensitive.
+ * @param[in]  nodeName     name without namespace; need not be zero-terminated
+ * @param[in]  nodeNameSize number of bytes including a terminating zero, strlen + 1; the last byte is not read
  * @param[out] hasNode      1 if there is one
  */
 KORO_API KORO_ReturnCode KORO_NodeMap_GetHasNode(
     KORO_NodeMapHandle nodeMapHandle, const char* nodeName, size_t nodeNameSize, KORO_Bool8* hasNode);
 
 /**
- * Gives a node by its name. The same handle each time. No call of the producer but for the first use of the map.
- * @param[in]  nodeName     name without name space; need not be terminated
- * @param[in]  nodeNameSize its size in bytes, with a terminating zero counted
+ * Returns a node by its name. Each call returns the same handle. Only the first use of the map calls the producer.
+ * @param[in]  nodeName     name without namespace; need not be zero-terminated
+ * @param[in]  nodeNameSize number of bytes including a terminating zero, strlen + 1; the last byte is not read
  * @param[out] nodeHandle   ends with the map
  * @return KORO_RETURN_CODE_NOT_FOUND when there is no such node
  */
@@ -39,20 +39,20 @@ KORO_API KORO_ReturnCode KORO_NodeMap_FindNode(
     KORO_NodeMapHandle nodeMapHandle, const char* nodeName, size_t nodeNameSize, KORO_NodeHandle* nodeHandle);
 
 /**
- * Gives a node by its name; one that is missing is no failure.
- * @param[in]  nodeName     name without name space; need not be terminated
- * @param[in]  nodeNameSize its size in bytes, with a terminating zero counted
+ * Returns a node by its name; a missing node is not a failure.
+ * @param[in]  nodeName     name without namespace; need not be zero-terminated
+ * @param[in]  nodeNameSize number of bytes including a terminating zero, strlen + 1; the last byte is not read
  * @param[out] nodeHandle   ends with the map; null when there is no such node
  */
 KORO_API KORO_ReturnCode KORO_NodeMap_TryFindNode(
     KORO_NodeMapHandle nodeMapHandle, const char* nodeName, size_t nodeNameSize, KORO_NodeHandle* nodeHandle);
 
-/** Gives the number of nodes, those that are no features included. */
+/** Returns the number of all nodes, including those that are not features. */
 KORO_API KORO_ReturnCode KORO_NodeMap_GetNumNodes(KORO_NodeMapHandle nodeMapHandle, size_t* numNodes);
 
 /**
- * Gives one node. The same handle each time.
- * @param[in]  index      0 to the number of nodes less 1
+ * Returns one node. Each call returns the same handle.
+ * @param[in]  index      0 to the number of nodes minus 1
  * @param[out] nodeHandle ends with the map
  * @return KORO_RETURN_CODE_ERROR for an index beyond the list
  */
@@ -60,106 +60,109 @@ KORO_API KORO_ReturnCode
 KORO_NodeMap_GetNode(KORO_NodeMapHandle nodeMapHandle, size_t index, KORO_NodeHandle* nodeHandle);
 
 /**
- * Tells whether the chunks of a buffer can be read as nodes of this map: whether the bytes of the buffer are a
- * whole chain of chunks in the form of the transport layer: those that the frame filled
- * (KORO_Buffer_GetDeliveredDataSize), or all that were announced where the producer does not know. Takes the lock. A
- * buffer without chunks has none that are supported. The first buffer with chunks that a map is asked about decides the
- * form, by its transport layer type, for the life of the map: "GEV", "U3V" and "IIDC" have one.
- * @param[out] hasSupportedChunks 1 when KORO_NodeMap_UpdateChunkNodes can take the buffer
- * @return KORO_RETURN_CODE_ERROR for a transport layer type without a form of chunks
+ * Reports whether the chunks of a buffer can be read as nodes of this map. This requires that the buffer's bytes form a
+ * complete chain of chunks in the layout of the transport layer. The bytes are those that the frame filled
+ * (KORO_Buffer_GetDeliveredDataSize), or all announced bytes if the producer does not report the number. For a buffer
+ * without chunks the result is 0. The first buffer with chunks that is passed for a map determines the layout, by its
+ * transport layer type, for the life of the map: layouts exist for "GEV", "U3V" and "IIDC". Takes the lock.
+ * @param[out] hasSupportedChunks 1 when KORO_NodeMap_UpdateChunkNodes accepts the buffer
+ * @return KORO_RETURN_CODE_ERROR for a transport layer type that has no chunk layout
  */
 KORO_API KORO_ReturnCode KORO_NodeMap_GetHasBufferSupportedChunks(
     KORO_NodeMapHandle nodeMapHandle, KORO_BufferHandle bufferHandle, KORO_Bool8* hasSupportedChunks);
 
 /**
- * Attaches a buffer: from now on the chunk nodes of the map read, and write, the memory of this buffer itself, until
- * the next update, or until the buffer is revoked, after which they are not available. So read them before the buffer
- * is queued again: the producer fills it while they look. Nodes of chunks that the buffer does not have are not
- * available. A buffer without chunks succeeds and changes nothing. Takes the lock; the changed callbacks of chunk nodes
- * run within, on this thread. Meanwhile no other thread may revoke a buffer that was given to this map. The revocation
- * of the attached buffer takes the lock, at the end of the stream too. A buffer whose
- * producer tells the same chunk layout id as for the buffer before is attached without a look at its bytes.
- * @return KORO_RETURN_CODE_ERROR when the layout or the checksum of the buffer is broken, or when its transport layer
- *         type has no form of chunks. The nodes then read what they read before
+ * Attaches a buffer: from now on the chunk nodes of the map read and write the memory of this buffer, until the next
+ * update or until the buffer is revoked. After the revocation they are not available. Read them before the buffer is
+ * queued again, since the producer then overwrites what they read. Nodes of chunks that the buffer does not contain are
+ * not available. For a buffer without chunks the function succeeds and changes nothing.
+ * The function takes the lock; the changed callbacks of chunk nodes run on the calling thread before it returns.
+ * Meanwhile no other thread may revoke a buffer that was attached to this map. Revoking the attached buffer takes the
+ * lock too, also when the end of the stream revokes it. If the producer reports the same chunk layout id as for the
+ * previous buffer, the buffer is attached without a check of its bytes.
+ * @return KORO_RETURN_CODE_ERROR when the layout or the checksum of the buffer is wrong, or when its transport layer
+ *         type has no chunk layout. The nodes then keep reading the previous buffer
  */
 KORO_API KORO_ReturnCode
 KORO_NodeMap_UpdateChunkNodes(KORO_NodeMapHandle nodeMapHandle, KORO_BufferHandle bufferHandle);
 
 /**
- * Tells whether an event has data for nodes of this map. Events of the camera, KORO_EVENT_REMOTE_DEVICE, are taken from
- * the local device and belong to the maps of its remote device. KORO_EVENT_FEATURE_INVALIDATE,
- * KORO_EVENT_FEATURE_CHANGE, KORO_EVENT_MODULE and events of the producer's own belong to the maps of the module that
- * they were taken from. Takes the lock.
- * The form of the events is that of the transport layer type of the map's port: "GEV", "U3V", "CL" and "1394" have one.
- * @param[out] hasSupportedData 1 when KORO_NodeMap_UpdateEventNodes can take the event
- * @return KORO_RETURN_CODE_ERROR for a transport layer type without a form of events
+ * Reports whether an event has data for nodes of this map. Events of the camera, KORO_EVENT_REMOTE_DEVICE, are received
+ * from the local device and belong to the maps of its remote device. KORO_EVENT_FEATURE_INVALIDATE,
+ * KORO_EVENT_FEATURE_CHANGE, KORO_EVENT_MODULE and producer-specific events belong to the maps of the module from which
+ * they were received. The transport layer type of the map's port determines the layout of the events: layouts exist for
+ * "GEV", "U3V", "CL" and "1394". Takes the lock.
+ * @param[out] hasSupportedData 1 when KORO_NodeMap_UpdateEventNodes accepts the event
+ * @return KORO_RETURN_CODE_ERROR for a transport layer type that has no event layout
  */
 KORO_API KORO_ReturnCode KORO_NodeMap_GetHasEventSupportedData(
     KORO_NodeMapHandle nodeMapHandle, KORO_EventHandle eventHandle, KORO_Bool8* hasSupportedData);
 
 /**
- * Delivers an event: the nodes with its id change, and the event nodes of the map read its data until the next event of
- * that id. The bytes are copied, so the event may be destructed. An id that no node has changes nothing.
- * Takes the lock; the changed callbacks of those nodes run within, on this thread.
+ * Delivers an event to the map: the event nodes with its id take its data, until the next event with that id. The bytes
+ * are copied, so the event may be destructed. An id that belongs to no node changes nothing. Takes the lock; the
+ * changed callbacks of those nodes run on the calling thread before the function returns.
  * @return KORO_RETURN_CODE_INVALID_ARGUMENT when the event has no data for this map; KORO_RETURN_CODE_ERROR when its
- *         bytes are no message of the transport layer. The nodes then read what they read before
+ *         bytes are not a message of the transport layer. The nodes then keep their values
  */
 KORO_API KORO_ReturnCode KORO_NodeMap_UpdateEventNodes(KORO_NodeMapHandle nodeMapHandle, KORO_EventHandle eventHandle);
 
 /**
- * Writes the values of the features to a text file: all that are streamable and can be read and written now, those
- * with selectors at each combination of these. Selectors are moved for this and set back. A file that is there is
- * emptied first, so a failure leaves it without features.
- * @param[in] filePath     in UTF-8; need not be terminated. The folder must be there
- * @param[in] filePathSize its size in bytes, with a terminating zero counted
- * @return KORO_RETURN_CODE_INVALID_ARGUMENT when the file cannot be opened, KORO_RETURN_CODE_IO_ERROR when it cannot be
- *         written to its end; what a feature refuses arrives with the text of that feature
+ * Writes the values of the features to a text file: of all features that are streamable and can be read and written
+ * now. Features with selectors are written for each combination of selector values; the selectors are changed for this
+ * and restored. An existing file is cleared first, so after a failure it contains no features.
+ * @param[in] filePath     path in UTF-8; need not be zero-terminated. The folder must exist
+ * @param[in] filePathSize number of bytes including a terminating zero, strlen + 1; the last byte is not read
+ * @return KORO_RETURN_CODE_INVALID_ARGUMENT when the file cannot be opened; KORO_RETURN_CODE_IO_ERROR when it cannot be
+ *         written completely; if a feature fails, the code and the text of that failure
  */
 KORO_API KORO_ReturnCode
 KORO_NodeMap_StoreToFile(KORO_NodeMapHandle nodeMapHandle, const char* filePath, size_t filePathSize);
 
 /**
- * Writes the values of such a file back to the device, in the order of the file, and then compares what can be read
- * with the file. All that can be written is written, whatever values are refused; a failed transfer ends the loading.
- * Nothing is set back after a failure. Takes the lock; the file is read before that. Changed callbacks run within, on
- * this thread.
- * @param[in] filePath     in UTF-8; need not be terminated
- * @param[in] filePathSize its size in bytes, with a terminating zero counted
- * @return KORO_RETURN_CODE_INVALID_ARGUMENT when the file cannot be opened, KORO_RETURN_CODE_ERROR when it is no
- *         feature file, then nothing is written, and when a value was refused or is read back as another one: the text
- *         is that of the first such feature; the code of a failed transfer
+ * Reads a file that KORO_NodeMap_StoreToFile wrote. Writes its values to the device, in the order of the file, and then
+ * compares all readable values with the file. A value that the device refuses does not stop the loading; a failed
+ * transfer does. After a failure nothing is restored. The function takes the lock after it has read the file. Changed
+ * callbacks run on the calling thread before it returns.
+ * @param[in] filePath     path in UTF-8; need not be zero-terminated
+ * @param[in] filePathSize number of bytes including a terminating zero, strlen + 1; the last byte is not read
+ * @return KORO_RETURN_CODE_INVALID_ARGUMENT when the file cannot be opened; KORO_RETURN_CODE_ERROR when it is not a
+ *         feature file, in which case nothing is written, and when a value is refused or reads back differently, with
+ *         the text of the first such feature; the code of a transfer that failed
  */
 KORO_API KORO_ReturnCode
 KORO_NodeMap_LoadFromFile(KORO_NodeMapHandle nodeMapHandle, const char* filePath, size_t filePathSize);
 
 /**
- * Drops everything that the nodes remember of the registers, so that the next reads ask the producer. Takes the lock.
- * The changed callbacks of all nodes run within, on this thread.
+ * Discards all cached register values, so that the next reads call the producer. Takes the lock. The changed callbacks
+ * of all nodes run on the calling thread before the function returns.
  */
 KORO_API KORO_ReturnCode KORO_NodeMap_InvalidateNodes(KORO_NodeMapHandle nodeMapHandle);
 
 /**
- * Tells the nodes that time has passed: those whose polling time is over drop what they remember, and their changed
- * callbacks run, on this thread. Takes the lock. The library has no thread that polls: call it regularly.
+ * Advances the polling clock of the map. Nodes whose polling time has expired discard their cached values, and their
+ * changed callbacks run on the calling thread. Takes the lock. The library has no polling thread: call this function
+ * regularly.
  * @param[in] elapsedTime_ms milliseconds since the last call
  */
 KORO_API KORO_ReturnCode KORO_NodeMap_PollNodes(KORO_NodeMapHandle nodeMapHandle, int64_t elapsedTime_ms);
 
 /**
- * Takes the lock for several calls that belong together, such as choosing by a selector and setting what it selects.
- * Waits without end while another thread holds it. Each success needs one KORO_NodeMap_Unlock on the same thread,
- * before the module ends. When that ends meanwhile, the lock is given back at the latest by the unlock, which then
- * answers KORO_RETURN_CODE_INVALID_HANDLE.
- * A thread that ends before its unlock never gives the lock back: who needs it waits for ever, and the map is not freed.
+ * Takes the lock for several calls that belong together, for example setting a selector and then the selected feature.
+ * Waits without limit while another thread holds the lock. Each success requires one KORO_NodeMap_Unlock on the same
+ * thread, before the module ends. If the module ends before that, the lock is released at the latest by the unlock,
+ * which then returns KORO_RETURN_CODE_INVALID_HANDLE.
+ * A thread that ends without unlocking never releases the lock: threads that need it wait forever, and the map is not
+ * freed.
  */
 KORO_API KORO_ReturnCode KORO_NodeMap_Lock(KORO_NodeMapHandle nodeMapHandle);
 
-/** Gives back one KORO_NodeMap_Lock. On a thread that does not hold the lock it changes nothing. */
+/** Releases one KORO_NodeMap_Lock. On a thread that does not hold the lock it changes nothing. */
 KORO_API KORO_ReturnCode KORO_NodeMap_Unlock(KORO_NodeMapHandle nodeMapHandle);
 
 /**
- * Takes the lock if no other thread holds it, without waiting.
- * @param[out] locked 1 when the lock was taken, then give it back by KORO_NodeMap_Unlock; 0 when it was not
+ * Takes the lock if no other thread holds it. Does not wait.
+ * @param[out] locked 1 when the lock was taken and must be released by KORO_NodeMap_Unlock; 0 when it was not taken
  */
 KORO_API KORO_ReturnCode KORO_NodeMap_TryLock(KORO_NodeMapHandle nodeMapHandle, KORO_Bool8* locked);
 

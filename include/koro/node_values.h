@@ -1,12 +1,12 @@
 /*
- * The numbers by which typed nodes tell about their values, and how they are to be read.
+ * The numbers by which typed nodes describe their values and how to read them.
  */
 #ifndef KORO_NODE_VALUES_H
 #define KORO_NODE_VALUES_H
 
 #include <stdint.h>
 
-/* How a number is best shown; the numbers of GenApi. */
+/* How a number should be displayed; the numbers are those of GenApi. */
 typedef int32_t KORO_NodeRepresentation;
 enum KORO_NodeRepresentations
 {
@@ -20,7 +20,7 @@ enum KORO_NodeRepresentations
     KORO_NODE_REPRESENTATION_UNDEFINED = 7
 };
 
-/* Which values between the limits a node takes; the numbers of GenApi. */
+/* Which values between the limits a node accepts; the numbers are those of GenApi. */
 typedef int32_t KORO_NodeIncrementType;
 enum KORO_NodeIncrementTypes
 {
@@ -29,7 +29,7 @@ enum KORO_NodeIncrementTypes
     KORO_NODE_INCREMENT_TYPE_LIST = 2
 };
 
-/* How a real number is best written; the numbers of GenApi. */
+/* How a floating-point number should be written; the numbers are those of GenApi. */
 typedef int32_t KORO_NodeDisplayNotation;
 enum KORO_NodeDisplayNotations
 {
@@ -39,12 +39,15 @@ enum KORO_NodeDisplayNotations
     KORO_NODE_DISPLAY_NOTATION_UNDEFINED = 3
 };
 
-/* Where a read may take its value from. Any number but KORO_NODE_CACHE_POLICY_IGNORE_CACHE means the first. */
+/*
+ * Whether a read may use a cached value. Any number except KORO_NODE_CACHE_POLICY_IGNORE_CACHE means
+ * KORO_NODE_CACHE_POLICY_USE_CACHE.
+ */
 typedef int32_t KORO_NodeCachePolicy;
 enum KORO_NodeCachePolicies
 {
-    KORO_NODE_CACHE_POLICY_USE_CACHE = 0,   /* what is remembered will do */
-    KORO_NODE_CACHE_POLICY_IGNORE_CACHE = 1 /* ask the device */
+    KORO_NODE_CACHE_POLICY_USE_CACHE = 0,   /* a cached value may be returned */
+    KORO_NODE_CACHE_POLICY_IGNORE_CACHE = 1 /* the value is read from the device */
 };
 
 #endif

@@ -1,12 +1,12 @@
 /*
  * A feature with raw bytes.
  *
- * A handle comes from KORO_Node_ToRegisterNode and ends with the map; there is nothing to destruct. Any thread. Getters
- * may read registers, on this thread, and wait for another thread that works on the same map; writes hold the lock of
- * the map. What GenApi refuses arrives with GenApi's own text: KORO_RETURN_CODE_BAD_ACCESS for a node that cannot be
- * read or written at this time, KORO_RETURN_CODE_OUT_OF_RANGE for a length that it does not have,
- * KORO_RETURN_CODE_ERROR for most else. A transfer that fails arrives with the code and the text of the producer's
- * failure.
+ * A handle comes from KORO_Node_ToRegisterNode and ends with the map; do not destruct it. Any thread may call these
+ * functions. Getters may read registers, on the calling thread, and may wait for another thread that uses the same map;
+ * writes hold the lock of the map. A call that GenApi refuses fails with GenApi's own text: KORO_RETURN_CODE_BAD_ACCESS
+ * for a node that cannot be read or written now, KORO_RETURN_CODE_OUT_OF_RANGE for a length beyond that of the
+ * register, KORO_RETURN_CODE_ERROR in most other cases. A register transfer that fails returns the code and the text of
+ * the producer's failure.
  */
 #ifndef KORO_REGISTER_NODE_H
 #define KORO_REGISTER_NODE_H
@@ -19,35 +19,35 @@
 extern "C" {
 #endif
 
-/** Gives the address of the register in its port. */
+/** Returns the address of the register in its port. */
 KORO_API KORO_ReturnCode KORO_RegisterNode_GetAddress(KORO_RegisterNodeHandle registerNodeHandle, uint64_t* address);
 
-/** Gives the length of the register in bytes. */
+/** Returns the length of the register in bytes. */
 KORO_API KORO_ReturnCode KORO_RegisterNode_GetLength(KORO_RegisterNodeHandle registerNodeHandle, size_t* length);
 
 /**
- * Reads the bytes. Unlike other reads this one may use the cache whatever the policy says.
- * @param[in]  cachePolicy KORO_NODE_CACHE_POLICY_IGNORE_CACHE has the node's error nodes looked at after the reading,
- *                         as writes do; all other numbers do not
- * @param[out] data        room for dataSize bytes
- * @param[in]  dataSize    at most the length of the register: its first bytes are read
- * @return KORO_RETURN_CODE_OUT_OF_RANGE for more bytes than the register has;
- *         KORO_RETURN_CODE_BAD_ACCESS for a node that cannot be read at this time
+ * Reads the bytes. Unlike other reads, this one may use the cache with either cache policy.
+ * @param[in]  cachePolicy KORO_NODE_CACHE_POLICY_IGNORE_CACHE makes the read check the error nodes of the node
+ *                         afterwards, as writes do; other numbers do not
+ * @param[out] data        buffer for dataSize bytes
+ * @param[in]  dataSize    number of bytes to read from the start of the register; at most its length
+ * @return KORO_RETURN_CODE_OUT_OF_RANGE for more bytes than the register has; KORO_RETURN_CODE_BAD_ACCESS for a node
+ *         that cannot be read now
  */
 KORO_API KORO_ReturnCode KORO_RegisterNode_Read(
     KORO_RegisterNodeHandle registerNodeHandle, KORO_NodeCachePolicy cachePolicy, uint8_t* data, size_t dataSize);
 
 /**
- * Writes the bytes. Changed callbacks run before it returns, on this thread.
+ * Writes the bytes. Changed callbacks run on the calling thread before the function returns.
  * @param[in] data     dataSize bytes
- * @param[in] dataSize at most the length of the register: its first bytes are written
- * @return KORO_RETURN_CODE_OUT_OF_RANGE for more bytes than the register has;
- *         KORO_RETURN_CODE_BAD_ACCESS for a node that cannot be written at this time
+ * @param[in] dataSize number of bytes to write to the start of the register; at most its length
+ * @return KORO_RETURN_CODE_OUT_OF_RANGE for more bytes than the register has; KORO_RETURN_CODE_BAD_ACCESS for a node
+ *         that cannot be written now
  */
 KORO_API KORO_ReturnCode
 KORO_RegisterNode_Write(KORO_RegisterNodeHandle registerNodeHandle, const uint8_t* data, size_t dataSize);
 
-/** Gives the node as a plain node: the handle that KORO_NodeMap_FindNode gives for it. */
+/** Returns the node as a general Node: the same handle that KORO_NodeMap_FindNode returns. */
 KORO_API KORO_ReturnCode
 KORO_RegisterNode_ToNode(KORO_RegisterNodeHandle registerNodeHandle, KORO_NodeHandle* nodeHandle);
 
