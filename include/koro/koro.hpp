@@ -1,25 +1,28 @@
-// The C++ face: owners for handles, exceptions for return codes, std::string and std::vector for size-query pairs.
+// The C++ interface: owning objects for handles, exceptions for return codes, std::string and std::vector for pairs of
+// size query and fetch.
 //
-// Header-only, C++17, over the exported C functions alone; it has no binary interface of its own.
+// Header-only, C++17, based only on the exported C functions; it has no binary interface.
 //
-// Ownership. Library, ProducerLibrary, System, Interface, Device, DataStream, EventController, Event, BufferPart,
-// BufferChunk, FileAdapter, FirmwareUpdater and FirmwareUpdateProgressObserver own what they stand for: move-only,
-// closed by their destructor or by Close(). SystemDescriptor, InterfaceDescriptor, DeviceDescriptor,
-// DataStreamDescriptor, RemoteDevice, Buffer, Port, PortURL, NodeMap, all nodes and FirmwareUpdateInformation are
-// views, free to copy: what they name belongs to its parent, and after the parent's end every call on them throws Error
-// with KORO_RETURN_CODE_INVALID_HANDLE. Nothing here dangles. What hands out an owner's object, as a parent, gives a
-// view of the same calls: DataStreamView, DeviceView, InterfaceView, SystemView, ProducerLibraryView.
+// Ownership. Objects of Library, ProducerLibrary, System, Interface, Device, DataStream, EventController, Event,
+// BufferPart, BufferChunk, FileAdapter, FirmwareUpdater and FirmwareUpdateProgressObserver own what they represent.
+// They can be moved but not copied, and they close it in their destructor or by Close(). Objects of SystemDescriptor,
+// InterfaceDescriptor, DeviceDescriptor, DataStreamDescriptor, RemoteDevice, Buffer, Port, PortURL, NodeMap, all nodes
+// and FirmwareUpdateInformation are views and can be copied. The object behind a view belongs to its parent; after the
+// end of the parent each call on the view throws Error with KORO_RETURN_CODE_INVALID_HANDLE, so no reference dangles. A
+// function that returns an owned object, such as a parent, returns a view with the same calls: DataStreamView,
+// DeviceView, InterfaceView, SystemView or ProducerLibraryView.
 //
-// Order of destruction. GenTL wants the leaves closed first: Event, EventController, DataStream, Device, Interface,
-// System, ProducerLibrary, Library. Variables declared from the library down end in this order by themselves. Another
-// order is safe, but the producer then sees a parent close before its children. A Registration of a callback ends
-// before the object it was made on. Memory that was announced to a stream outlives its announcement: revoke it or close
-// the stream first. exit() closes the library for all owners that it leaves behind.
+// Order of destruction. GenTL requires that children are closed first: Event, EventController, DataStream, Device,
+// Interface, System, ProducerLibrary, Library. Variables that are declared from the library downwards are destroyed in
+// this order. Another order is safe, but the producer then sees that a parent closes before its children. Destroy the
+// Registration of a callback before the object where it was made. Memory that was announced to a stream must stay valid
+// until it is revoked or the stream is closed. exit() closes the library for all owners that still exist.
 //
-// Threads. Every call is as free as the C function behind it; one owner must not be moved or closed while another
-// thread uses it, with one exception that the C functions make: KillWait() is there to be called from elsewhere.
+// Threads. A call may be made on any thread where the C function that it uses may be called. Do not move or close an
+// owner while another thread uses it. There is one exception, as in C: KillWait() is meant to be called on another
+// thread.
 //
-// docs/cpp.md is the page with the reasons and examples.
+// docs/cpp.md explains the reasons and shows examples.
 #ifndef KORO_KORO_HPP
 #define KORO_KORO_HPP
 

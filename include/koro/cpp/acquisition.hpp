@@ -1,6 +1,7 @@
-// Streaming as cameras want it: the stream starts first, then the camera; the camera stops first, then the stream.
+// Acquisition in the order that cameras expect: the stream starts first, then the camera; the camera stops first, then
+// the stream.
 //
-// Included by <koro/koro.hpp>, which is the header for programs.
+// Programs include <koro/koro.hpp>, which includes this header.
 #ifndef KORO_CPP_ACQUISITION_HPP
 #define KORO_CPP_ACQUISITION_HPP
 
@@ -22,7 +23,7 @@ namespace koro
 namespace detail
 {
 
-// The node "PayloadSize", if the camera has it and it can be read; else empty.
+// The node "PayloadSize" if the camera has it and it can be read; otherwise empty.
 inline IntegerNode ReadablePayloadSize(NodeMap camera)
 {
     const Node node = camera ? camera.TryNode("PayloadSize") : Node();
@@ -31,9 +32,10 @@ inline IntegerNode ReadablePayloadSize(NodeMap camera)
 
 } // namespace detail
 
-// Bytes of a frame: what the stream says if it defines the size, else what the camera's node "PayloadSize" says, else
-// what the stream says all the same. Producers are known that do not answer it. `camera` may be empty, for a camera
-// without features. Throws the stream's refusal when there is no node to ask.
+// Returns the size of a frame in bytes. It is the payload size of the stream if the stream defines it; otherwise the
+// value of the camera's node "PayloadSize"; otherwise the payload size of the stream nevertheless, since some producers
+// do not report whether the stream defines it. `camera` may be empty, for a camera without features. Throws the failure
+// of the stream if there is no node either.
 inline size_t FrameSize(DataStreamView stream, NodeMap camera)
 {
     KORO_Bool8 defines = 0;
@@ -49,13 +51,13 @@ inline size_t FrameSize(DataStreamView stream, NodeMap camera)
     return static_cast<size_t>(size);
 }
 
-// Why a wait for a buffer may have ended with nothing.
+// The reason why a wait for a buffer may have returned nothing.
 enum class NoFrameReason
 {
-    CameraGone,    // the camera does not answer
+    CameraGone,    // the camera does not respond
     NotStarted,    // the stream has not been started, or has stopped by itself
-    NothingQueued, // no buffer is there to be filled
-    NoFrameSent,   // none of these: the camera waits for a trigger, exposes for longer, or its frames get lost
+    NothingQueued, // no buffer is queued
+    NoFrameSent,   // none of these: the camera waits for a trigger, the exposure takes longer, or frames are lost
 };
 
 inline const char* TextOf(NoFrameReason reason) noexcept
@@ -77,7 +79,7 @@ inline const char* TextOf(NoFrameReason reason) noexcept
 namespace detail
 {
 
-// `otherwise` where the producer does not answer.
+// Returns `otherwise` when the producer does not have the information.
 template <typename Question>
 bool Answered(const Question& question, bool otherwise)
 {
@@ -91,7 +93,7 @@ bool Answered(const Question& question, bool otherwise)
     }
 }
 
-// A refusal is an answer too.
+// A refusal counts as a response of the camera, too.
 inline bool Answers(RemoteDevice camera)
 {
     try
@@ -108,8 +110,9 @@ inline bool Answers(RemoteDevice camera)
 
 } // namespace detail
 
-// Asks camera and stream after a time-out: the camera for its first register, which takes as long as a camera that has
-// gone takes to fail, then the stream for its state. What the stream does not answer counts as in order.
+// Finds out the reason after a timeout. It first reads the first register of the camera; for a lost camera this takes
+// until the transfer fails. Then it queries the state of the stream. Information that the stream does not have counts
+// as in order.
 inline NoFrameReason WhyNoFrame(DataStreamView stream, RemoteDevice camera)
 {
     if (!detail::Answers(camera)) return NoFrameReason::CameraGone;
@@ -118,14 +121,14 @@ inline NoFrameReason WhyNoFrame(DataStreamView stream, RemoteDevice camera)
     return NoFrameReason::NoFrameSent;
 }
 
-// A running acquisition. Buffers are announced and queued before. It holds handles: the owner of the stream may move,
-// and a stream that has ended makes its calls fail. One thread, but for waits.
+// A running acquisition. Announce and queue buffers before. It holds handles only: the owner of the stream may be
+// moved, and after the end of the stream the calls fail. Use it on one thread; other threads may wait for buffers.
 class Acquisition
 {
 public:
-    // DSStartAcquisition, TLParamsLocked to 1, AcquisitionStart. Nodes that the camera does not have are left out, and
-    // with an empty `camera` both. When a step fails, those before it are taken back, and its failure is thrown.
-    // A stream that is a temporary is refused by the compiler.
+    // Calls DSStartAcquisition, sets TLParamsLocked to 1 and executes AcquisitionStart. Nodes that the camera does not
+    // have are left out, so with an empty `camera` only the first step remains. When a step fails, the steps before it
+    // are undone and the failure is thrown. A temporary stream is refused by the compiler.
     Acquisition(DataStreamView dataStream, NodeMap camera, uint64_t numToAcquire = infinite)
         : stream(dataStream), nodes(camera)
     {
@@ -145,11 +148,11 @@ public:
     }
     Acquisition(const Acquisition&) = delete;
     Acquisition& operator=(const Acquisition&) = delete;
-    // Stops; failures are swallowed.
+    // Stops the acquisition and ignores failures.
     ~Acquisition() { TakeBack(); }
 
-    // AcquisitionStop, DSStopAcquisition, TLParamsLocked to 0. Each is tried regardless of those before it; the first
-    // failure is thrown. A second call does nothing.
+    // Executes AcquisitionStop, calls DSStopAcquisition and sets TLParamsLocked to 0. Each step is attempted even if
+    // one before it fails; the first failure is thrown. A second call does nothing.
     void Stop()
     {
         if (const std::exception_ptr failure = TakeBack()) std::rethrow_exception(failure);
@@ -174,7 +177,7 @@ private:
         if (std::exchange(locked, false)) attempt([this] { SetLocked(0); });
         return failure;
     }
-    // The node if the camera has it, else empty.
+    // The node if the camera has it, otherwise empty.
     Node Find(const std::string& name, KORO_NodeType type) const
     {
         const Node node = nodes ? nodes.TryNode(name) : Node();

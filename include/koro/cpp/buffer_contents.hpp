@@ -1,6 +1,6 @@
-// What lies in a finished buffer beside one image: parts of a multi-part buffer, and chunks.
+// The contents of a finished buffer other than a single image: parts of a multi-part buffer, and chunks.
 //
-// Included by <koro/koro.hpp>, which is the header for programs.
+// Programs include <koro/koro.hpp>, which includes this header.
 #ifndef KORO_CPP_BUFFER_CONTENTS_HPP
 #define KORO_CPP_BUFFER_CONTENTS_HPP
 
@@ -16,17 +16,17 @@ namespace koro
 
 class Buffer;
 
-// One part of a buffer, by its index: every answer is the producer's at the moment of the call. Owns its handle, which
-// the buffer's end ends too.
+// One part of a buffer, identified by its index. Each query calls the producer. Owns its handle, which ends at the
+// latest with the buffer.
 class BufferPart : public detail::Owner<KORO_BufferPartHandle, KORO_BufferPart_Destruct>
 {
 public:
     using Owner::Owner;
 
-    // Inside the buffer's memory, if the producer tells the truth.
+    // Points into the buffer's memory, unless the producer reports a wrong address.
     void* BasePtr() const { return detail::Get(KORO_BufferPart_GetBasePtr, Get()); }
     size_t Size() const { return detail::Get(KORO_BufferPart_GetSize, Get()); }
-    // A value of the GenTL list PART_DATATYPE.
+    // A number of the GenTL list PART_DATATYPE.
     int32_t Type() const { return detail::Get(KORO_BufferPart_GetType, Get()); }
     uint64_t Format() const { return detail::Get(KORO_BufferPart_GetFormat, Get()); }
     uint64_t FormatNamespace() const { return detail::Get(KORO_BufferPart_GetFormatNamespace, Get()); }
@@ -41,14 +41,15 @@ public:
     Buffer ParentBuffer() const;
 };
 
-// One chunk of a buffer, as it lay there when the list was made. Owns its handle, which the buffer's end ends too.
+// One chunk of a buffer, as it was when the list was read. Owns its handle, which ends at the latest with the buffer.
 class BufferChunk : public detail::Owner<KORO_BufferChunkHandle, KORO_BufferChunk_Destruct>
 {
 public:
     using Owner::Owner;
 
     uint64_t ID() const { return detail::Get(KORO_BufferChunk_GetID, Get()); }
-    // The buffer's base and the offset that the producer told; nothing compares it with the buffer's memory.
+    // The buffer's base address plus the offset that the producer reported. The library does not check that it lies in
+    // the buffer.
     void* BasePtr() const { return detail::Get(KORO_BufferChunk_GetBasePtr, Get()); }
     size_t Size() const { return detail::Get(KORO_BufferChunk_GetSize, Get()); }
     Buffer ParentBuffer() const;
@@ -57,7 +58,7 @@ public:
 namespace detail
 {
 
-// Reads a list of the buffer anew; empty where the producer says that there is none.
+// Reads a list of the buffer from the producer; empty when the producer reports that there is none.
 template <typename Child, typename ChildHandle>
 std::vector<Child> UpdatedChildren(
     KORO_ReturnCode (*update)(KORO_BufferHandle), KORO_ReturnCode (*getNum)(KORO_BufferHandle, size_t*),

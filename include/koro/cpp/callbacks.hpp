@@ -1,6 +1,6 @@
-// Functions that the library calls: how they are kept, and the registrations that end them.
+// Functions of the application that the library calls: how they are stored, and the registrations that unregister them.
 //
-// Included by <koro/koro.hpp>, which is the header for programs. Any thread.
+// Programs include <koro/koro.hpp>, which includes this header. Any thread may call these functions.
 #ifndef KORO_CPP_CALLBACKS_HPP
 #define KORO_CPP_CALLBACKS_HPP
 
@@ -26,12 +26,12 @@ namespace koro
 namespace detail
 {
 
-// The functions that the library may call. Their context is a number and no address: a call that comes late, on any
-// thread, finds nothing instead of freed memory. Never destroyed, since exit handlers may end registrations.
+// The functions that the library may call. Their context is a number instead of an address, so a late call on any
+// thread finds no function instead of freed memory. Never destroyed, since exit handlers may end registrations.
 class KeptFunctions
 {
 public:
-    using Number = void*; // as the library passes it back; never null
+    using Number = void*; // the library passes it back unchanged; never null
 
     static KeptFunctions& OfProcess()
     {
@@ -39,7 +39,7 @@ public:
         return *functions;
     }
 
-    // `group` is an address that several are dropped by, or null.
+    // `group` is an address by which several functions are dropped together, or null.
     Number Keep(std::shared_ptr<void> function, const void* group)
     {
         const std::lock_guard<std::mutex> lock(mutex);
@@ -48,8 +48,8 @@ public:
         last = number;
         return reinterpret_cast<Number>(number);
     }
-    // A call of a function, from the look-up to its return; null if the function has been dropped. Calls that run form
-    // a list on the stacks of their threads: a call needs no memory.
+    // One call of a function, from the look-up to its return; the function is null if it has been dropped. Running
+    // calls form a list on the stacks of their threads, so a call allocates no memory.
     class Call
     {
     public:
@@ -64,7 +64,7 @@ public:
         Call& operator=(const Call&) = delete;
         ~Call()
         {
-            function.reset(); // if it was the last reference, what the function captured ends within the call
+            function.reset(); // if it was the last reference, the captured objects are destroyed within the call
             const std::lock_guard<std::mutex> lock(kept.mutex);
             Call** link = &kept.running;
             while (*link != this)
@@ -82,13 +82,13 @@ public:
         KeptFunctions& kept;
         const std::thread::id thread = std::this_thread::get_id();
         std::shared_ptr<void> function;
-        Call* next = nullptr; // guarded by the mutex of all
+        Call* next = nullptr; // guarded by the mutex of KeptFunctions
     };
 
-    // Returns when no other thread is inside the function any more. A function that drops itself does not wait.
+    // Drops a function. Returns when no other thread is inside it. A function that drops itself does not wait.
     void Drop(Number number) noexcept
     {
-        const std::shared_ptr<void> dropped = Take(number); // ends outside of the lock: it is the application's code
+        const std::shared_ptr<void> dropped = Take(number); // destroyed outside of the lock
         const auto of = reinterpret_cast<uintptr_t>(number);
         std::unique_lock<std::mutex> lock(mutex);
         const auto own = std::this_thread::get_id();
@@ -106,7 +106,7 @@ public:
     }
     void DropGroup(const void* group) noexcept
     {
-        std::map<uintptr_t, Entry> dropped; // ends outside of the lock: it is the application's code
+        std::map<uintptr_t, Entry> dropped; // destroyed outside of the lock
         const std::lock_guard<std::mutex> lock(mutex);
         for (auto entry = functions.begin(); entry != functions.end();)
         {
@@ -131,13 +131,13 @@ private:
     }
 
     std::mutex mutex;
-    std::condition_variable returned;     // a call
-    std::map<uintptr_t, Entry> functions; // guarded by mutex, as the next ones
+    std::condition_variable returned;     // signalled when a call returns
+    std::map<uintptr_t, Entry> functions; // guarded by mutex, like the next fields
     uintptr_t last = 0;
     Call* running = nullptr;
 };
 
-// One of them, dropped at the end of this object.
+// A kept function, which is dropped when this object is destroyed.
 class KeptFunction
 {
 public:
@@ -168,7 +168,7 @@ private:
     KeptFunctions::Number number = nullptr;
 };
 
-// Calls the function of a context, if it has not been dropped.
+// Calls the function of a context if it has not been dropped.
 template <typename Function, typename... Arguments>
 void CallKept(void* context, Arguments&&... arguments)
 {
@@ -178,11 +178,12 @@ void CallKept(void* context, Arguments&&... arguments)
 
 } // namespace detail
 
-// A registered callback: ends with this object. The function runs on the thread that causes the news, with a lock held:
-// that of the registry for found and lost, that of the map for nodes. List changed, disconnected and reconnected come
-// by themselves, on a thread of the library that all interfaces of the system share, with the lock of their registry. A
-// function must not throw (that ends the program). But for those of nodes it must not make registrations of its own
-// kind; what comes by itself must not open or close an interface of its system, or what holds that, either.
+// A registered callback, which ends with this object. The function runs on the thread that causes the notification. It
+// runs while a lock is held: the lock of the callback registry for found and lost, the lock of the map for nodes. The
+// unsolicited notifications (list changed, disconnected, reconnected) run on a thread of the library that all
+// interfaces of the system share, with the lock of their registry. A function must not throw: that would end the
+// program. A function, except one for nodes, must not make or end registrations of its own kind. A function for
+// unsolicited notifications also must not open or close an interface of its system or a parent of the interface.
 class Registration
 {
 public:
@@ -205,10 +206,11 @@ public:
     }
     ~Registration() { End(); }
 
-    // From here on the function is not called any more, and one that is running on another thread has returned, even if
-    // the module was ended before. Two functions that end each other on two threads may wait for each other for ever.
-    // Inside a callback of the same kind the library refuses, and the code says so. The function is not called then
-    // either; a second End() elsewhere tries once more. A function that ends itself lasts until it returns.
+    // Unregisters the callback. Afterwards the function is not called any more, and calls of it on other threads have
+    // returned, even if the module ended before. Two functions that end each other's registrations on two threads may
+    // wait for each other forever. Inside a callback of the same kind the library refuses, and this function returns
+    // its code. The application's function is still not called any more then; another End() elsewhere tries the
+    // unregistration again. A function that ends its own registration stays alive until it returns.
     KORO_ReturnCode End() noexcept
     {
         const KORO_ReturnCode code = unregister ? unregister() : KORO_RETURN_CODE_SUCCESS;

@@ -1,6 +1,6 @@
-// Events of modules: what is registered, and what is taken from it.
+// Events of modules: registrations, and the events that a wait returns.
 //
-// Included by <koro/koro.hpp>, which is the header for programs. Any thread.
+// Programs include <koro/koro.hpp>, which includes this header. Any thread may call these functions.
 #ifndef KORO_CPP_EVENTS_HPP
 #define KORO_CPP_EVENTS_HPP
 
@@ -15,17 +15,17 @@
 namespace koro
 {
 
-// Time-outs are milliseconds; this one has no end. As a number of frames: without end.
+// Timeouts are in milliseconds; this value means no limit, also as a number of frames.
 constexpr uint64_t infinite = ~uint64_t{0};
 
-// A producer's own types begin at 1000, as static_cast<EventType>(1000).
+// Producer-specific types begin at 1000: static_cast<EventType>(1000).
 enum class EventType : int32_t
 {
     Error = 0,
-    NewBuffer = 1, // a data stream takes these itself
+    NewBuffer = 1, // the library registers it itself for each data stream
     FeatureInvalidate = 2,
     FeatureChange = 3,
-    RemoteDevice = 4, // what the camera sends; asked for at the device
+    RemoteDevice = 4, // events that the camera sends; registered at the device
     Module = 5,
 };
 
@@ -46,14 +46,16 @@ class EventController : public detail::Owner<KORO_EventControllerHandle, KORO_Ev
 public:
     using Owner::Owner;
 
-    // Throws Error with KORO_RETURN_CODE_TIMEOUT when none came, KORO_RETURN_CODE_ABORTED after KillWait().
+    // Throws Error with KORO_RETURN_CODE_TIMEOUT when no event arrived in time, and with KORO_RETURN_CODE_ABORTED after
+    // KillWait().
     Event WaitForEvent(uint64_t timeout_ms = infinite) const
     {
         KORO_EventHandle event{};
         detail::Check(KORO_EventController_WaitForEvent(Get(), timeout_ms, &event));
         return Event(event);
     }
-    // Empty when none came in time; throws as WaitForEvent() for all else, KillWait() included.
+    // Returns empty when no event arrived in time. Throws like WaitForEvent() for all other failures, including
+    // KillWait().
     std::optional<Event> TryWait(uint64_t timeout_ms) const
     {
         KORO_EventHandle event{};
@@ -62,7 +64,8 @@ public:
         detail::Check(code);
         return Event(event);
     }
-    // Ends one wait: the running one, or else the next. Not from a signal handler, as <koro/event_controller.h> says.
+    // Ends one wait: the running one, or otherwise the next. Do not call it in a signal handler;
+    // <koro/event_controller.h> gives the reasons.
     void KillWait() const { detail::Check(KORO_EventController_KillWait(Get())); }
     void FlushPendingKillWaits() const { detail::Check(KORO_EventController_FlushPendingKillWaits(Get())); }
     void FlushEvents() const { detail::Check(KORO_EventController_FlushEvents(Get())); }

@@ -1,7 +1,7 @@
-// Files on a device: firmware, user data, tables.
+// Files on a device, such as firmware, user data and tables.
 //
-// Included by <koro/koro.hpp>, which is the header for programs. Any thread; each call holds the lock of the map for
-// its own length.
+// Programs include <koro/koro.hpp>, which includes this header. Any thread may call these functions; each call holds
+// the lock of the node map while it runs.
 #ifndef KORO_CPP_FILES_HPP
 #define KORO_CPP_FILES_HPP
 
@@ -18,14 +18,14 @@
 namespace koro
 {
 
-// One file of a device. Owns its handle; it does not keep the features open, and once these have gone every call
-// throws Error.
+// One file of a device. Owns its handle. It does not keep the node map; after the end of the map each call throws
+// Error.
 class FileAdapter : public detail::Owner<KORO_FileAdapterHandle, KORO_FileAdapter_Destruct>
 {
 public:
     FileAdapter() = default;
-    // `file` is an entry of the enumeration "FileSelector". Throws Error with KORO_RETURN_CODE_NOT_AVAILABLE for any
-    // other, with the name in its text.
+    // `file` is an entry of the enumeration "FileSelector". For any other name the constructor throws Error with
+    // KORO_RETURN_CODE_NOT_AVAILABLE and the name in its text.
     FileAdapter(const NodeMap& features, const std::string& file)
         : Owner(Construct(features.Get(), file)), nodes(features), name(file)
     {}
@@ -33,29 +33,31 @@ public:
     uint64_t Size() const { return detail::Get(KORO_FileAdapter_GetSize, Get()); }
     uint64_t MaxSize() const { return detail::Get(KORO_FileAdapter_GetMaxSize, Get()); }
 
-    // All of these bytes, or Error: with KORO_RETURN_CODE_OUT_OF_RANGE when the file ends earlier.
+    // Reads exactly this number of bytes. Throws Error otherwise, with KORO_RETURN_CODE_OUT_OF_RANGE when the file ends
+    // earlier.
     std::vector<uint8_t> Read(uint64_t size, uint64_t offset = 0) const
     {
         if (size > detail::maxBytesSize)
             throw Error(KORO_RETURN_CODE_ERROR, "A file is not read in pieces of " + std::to_string(size) + " bytes!");
-        std::vector<uint8_t> bytes(static_cast<size_t>(size) + 1); // never without an address
+        std::vector<uint8_t> bytes(static_cast<size_t>(size) + 1); // never empty, so that it has an address
         uint64_t count = 0;
         detail::Check(KORO_FileAdapter_Read(Get(), size, offset, bytes.data(), &count));
         bytes.resize(static_cast<size_t>(size));
         return bytes;
     }
-    // As many bytes as the file has at the moment.
+    // Reads the whole file with its current size.
     std::vector<uint8_t> Read() const { return Read(Size()); }
 
-    // All of these bytes, or Error with what the device says; some may have been written then.
+    // Writes all bytes. Throws Error with the device's reason otherwise; some bytes may have been written then.
     void Write(const void* data, uint64_t size, uint64_t offset = 0) const
     {
         const uint8_t nothing = 0;
         const auto* const bytes = size > 0 ? static_cast<const uint8_t*>(data) : &nothing;
-        const std::optional<NodeMapLock> lock = LockNodes(); // for the answers that belong to this write
+        const std::optional<NodeMapLock> lock = LockNodes(); // so that the device's status belongs to this write
         std::string refusal;
         const Registration watch = KeepRefusal(refusal);
-        // One failure alone comes without a text, and leaves the record of the one before, which must not look alike.
+        // One kind of failure has no error text and does not change the record of the previous failure, which must not
+        // be reported instead.
         if (detail::LastErrorCode() == KORO_RETURN_CODE_ERROR) KORO_FileAdapter_GetSize(Get(), nullptr);
         const KORO_ReturnCode code = KORO_FileAdapter_Write(Get(), bytes, size, offset);
         if (code == KORO_RETURN_CODE_ERROR && detail::LastErrorCode() != code)
@@ -68,7 +70,8 @@ public:
         Write(bytes.data(), bytes.size(), offset);
     }
 
-    // Throws Error when the device says that it refused, or the file still has bytes. The C function hides both.
+    // Throws Error when the device reports a refusal, or when the file is not empty afterwards. The C function reports
+    // neither.
     void Delete() const
     {
         const std::optional<NodeMapLock> lock = LockNodes();
@@ -94,7 +97,7 @@ private:
         return handle;
     }
 
-    // Empty when the features have gone: the calls behind it say so.
+    // Empty when the node map has ended: the calls that follow report this.
     std::optional<NodeMapLock> LockNodes() const
     {
         try
@@ -111,7 +114,7 @@ private:
         const Node found = nodes.TryNode(node);
         return found && found.Type() == KORO_NODE_TYPE_ENUMERATION ? found.ToEnumeration() : EnumerationNode();
     }
-    // Whether the selected file has this entry; yes where the device does not say.
+    // Whether the selected file has this entry; true when the device does not report it.
     bool Offers(const char* node, const char* entry) const
     {
         try
@@ -125,7 +128,7 @@ private:
             return true;
         }
     }
-    // Empty where the device does not say.
+    // Empty when the device does not report it.
     static std::string Current(const EnumerationNode& choice)
     {
         try
@@ -137,7 +140,7 @@ private:
             return {};
         }
     }
-    // Of the last operation; empty where the device does not say.
+    // The status of the last operation; empty when the device does not report it.
     std::string Status() const
     {
         try
@@ -149,8 +152,8 @@ private:
             return {};
         }
     }
-    // Keeps the first refusal of the operations of a transfer. The one that comes last is the closing, so each is asked
-    // for when the next one is chosen.
+    // Stores the first refusal among the operations of a transfer. The last operation is the closing, so the status of
+    // each operation is queried when the next one is selected.
     Registration KeepRefusal(std::string& refusal) const
     {
         try
@@ -168,13 +171,13 @@ private:
             return {};
         }
     }
-    // The end of a text.
+    // The final part of an error text.
     std::string Reason(const char* mode, const std::string& refusal) const
     {
         if (!refusal.empty()) return ": FileOperationStatus is " + refusal + "!";
         try
         {
-            // What a file can be opened for may depend on the operation.
+            // The modes in which a file can be opened may depend on the operation.
             const EnumerationNode operation = Choice("FileOperationSelector");
             if (operation) operation.SetCurrentEntry(std::string("Open"));
         }

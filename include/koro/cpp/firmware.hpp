@@ -1,6 +1,6 @@
-// Firmware: what an update file offers, applying it to a camera, and following the update.
+// Firmware updates: the contents of an update file, applying an update to a camera, and observing the update.
 //
-// Included by <koro/koro.hpp>, which is the header for programs.
+// Programs include <koro/koro.hpp>, which includes this header.
 #ifndef KORO_CPP_FIRMWARE_HPP
 #define KORO_CPP_FIRMWARE_HPP
 
@@ -18,8 +18,8 @@
 namespace koro
 {
 
-// What an update tells about itself. A view: it ends with the updater that found it, or with the observer that was told
-// of its start.
+// The information about one update. A view: it ends with the updater that found it, or with the observer that received
+// it at the start of the update.
 class FirmwareUpdateInformation : public detail::View<KORO_FirmwareUpdateInformationHandle>
 {
 public:
@@ -27,7 +27,7 @@ public:
 
     bool IsValid() const { return detail::Flag(KORO_FirmwareUpdateInformation_GetIsValid, Get()); }
     std::string FileName() const { return detail::Text(KORO_FirmwareUpdateInformation_GetFileName, Get()); }
-    // Texts are empty where the file says nothing.
+    // A text that is missing in the file is empty.
     std::string Description() const { return detail::Text(KORO_FirmwareUpdateInformation_GetDescription, Get()); }
     std::string Version() const { return detail::Text(KORO_FirmwareUpdateInformation_GetVersion, Get()); }
     std::string VersionExtractionPattern() const
@@ -39,7 +39,7 @@ public:
     {
         return detail::Text(KORO_FirmwareUpdateInformation_GetReleaseNotesURL, Get());
     }
-    // 0, whatever the file says, and so are the two below.
+    // Always 0, regardless of the file, like the two functions below.
     KORO_FirmwareUpdateVersionStyle VersionStyle() const
     {
         return detail::Get(KORO_FirmwareUpdateInformation_GetVersionStyle, Get());
@@ -54,8 +54,8 @@ public:
     }
 };
 
-// Follows updates. The functions run one at a time on the thread that updates, inside its call. They must not throw,
-// and must not make registrations of their own kind; each Registration ends before its observer.
+// Observes updates. The functions run one at a time, on the thread that updates and within its call. They must not
+// throw and must not make or end registrations of their own kind. Each Registration must end before its observer.
 class FirmwareUpdateProgressObserver
     : public detail::Owner<KORO_FirmwareUpdateProgressObserverHandle, KORO_FirmwareUpdateProgressObserver_Destruct>
 {
@@ -158,7 +158,8 @@ public:
 
     FirmwareUpdater() : Owner(Construct()) {}
 
-    // All updates of the file, and those that fit the camera. For the latter it must not be open.
+    // The first function collects all updates of the file, the second only those that fit the camera, which must not be
+    // open.
     std::vector<FirmwareUpdateInformation> Collect(const std::string& updateFilePath) const
     {
         detail::Check(KORO_FirmwareUpdater_CollectAllFirmwareUpdateInformation(
@@ -171,7 +172,7 @@ public:
             Get(), updateFilePath.c_str(), updateFilePath.size() + 1, camera.Get()));
         return Found();
     }
-    // Of the latest collection that succeeded.
+    // The updates of the last collection that succeeded.
     std::vector<FirmwareUpdateInformation> Found() const
     {
         return detail::Children<FirmwareUpdateInformation>(
@@ -179,9 +180,9 @@ public:
             Get());
     }
 
-    // Returns when the update is done; throws Error with KORO_RETURN_CODE_TIMEOUT when the camera does not come back
-    // from a reset in time, which is a minute where no time is given. The camera must not be open; its descriptor may
-    // have ended afterwards, fetch it again.
+    // Updates the camera and returns when the update is done. Throws Error with KORO_RETURN_CODE_TIMEOUT when the
+    // camera does not return from a reset in time, by default within one minute. The camera must not be open. Its
+    // descriptor may end during the update; get it again afterwards.
     void Update(const CameraView& camera, FirmwareUpdateInformation update) const
     {
         detail::Check(KORO_FirmwareUpdater_UpdateDevice(

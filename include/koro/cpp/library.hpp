@@ -1,6 +1,6 @@
-// The library itself: its initialisation, the producers that are there, and the end of the process.
+// The library: its initialisation, the installed producers, and the end of the process.
 //
-// Included by <koro/koro.hpp>, which is the header for programs.
+// Programs include <koro/koro.hpp>, which includes this header.
 #ifndef KORO_CPP_LIBRARY_HPP
 #define KORO_CPP_LIBRARY_HPP
 
@@ -23,13 +23,14 @@ namespace koro
 namespace detail
 {
 
-// Closes the library when the process ends by exit(), which ends no object of a function that has not returned: some
-// producers crash when their static objects end while something is open.
+// Closes the library when the process ends by exit(). exit() does not destroy the local variables of functions that
+// have not returned, and some producers crash if their static objects are destroyed while a module is open.
 //
-// Exit handlers run in the reverse order of their registration, mixed with the ends of static objects, in the reverse
-// order of their beginnings. A handler has to be younger than the static objects of a producer, those included that its
-// functions make when they run for the first time: so one is registered behind each file that is loaded for the first
-// time, and behind the first openings that follow. The first of them that runs closes; the others find nothing to do.
+// Exit handlers and destructors of static objects run together, in the reverse order of their registrations and
+// constructions. A handler must run before the destructors of a producer's static objects, including those that its
+// functions construct at their first call. So a handler is registered after each file that is loaded for the first
+// time, and after the first openings that follow. The first handler that runs closes the library; the others find
+// nothing to do.
 class ClosingAtExit
 {
 public:
@@ -40,7 +41,7 @@ public:
     }
 
     void Opened() noexcept { ++numOpen; }
-    // Whether the caller has to close, which the handler has not done for it.
+    // Returns whether the caller must close the library, because the handler has not done it.
     bool TakeOne() noexcept
     {
         for (int count = numOpen; count > 0;)
@@ -80,7 +81,7 @@ private:
     std::set<std::string> files; // guarded by mutex
 };
 
-// What an opening function gives, by the way of the handlers at exit.
+// Returns the result of an opening function after registering the exit handler.
 template <typename Handle>
 Handle Opened(Handle handle) noexcept
 {
@@ -90,9 +91,10 @@ Handle Opened(Handle handle) noexcept
 
 } // namespace detail
 
-// One count of the library's initialisation. Keep it until everything else of this header has gone. exit(), called by
-// any function but a callback, gives back the counts that are left: end your own threads before. In a callback it may
-// not be able to: a call that never returns holds modules, and a close on a thread of the library's own is refused.
+// One initialisation of the library, which is counted. Keep it until all other objects of this interface have been
+// destroyed. exit() closes the initialisations that are left; end your own threads before. When exit() is called in a
+// callback, it may fail to do so: a call that does not return holds its modules, and a close on a thread of the library
+// is refused.
 class Library
 {
 public:
@@ -124,7 +126,7 @@ public:
         detail::Check(KORO_Library_IsInitialized(&initialized));
         return initialized != 0;
     }
-    // As "1.11.1".
+    // The version as a text, for example "1.11.1".
     static std::string Version()
     {
         uint32_t major = 0;
@@ -142,13 +144,13 @@ private:
     bool counted = true;
 };
 
-// The producers that GENICAM_GENTL64_PATH leads to. The list belongs to the process and outlives the library's end.
+// The producers in the directories of GENICAM_GENTL64_PATH. The list belongs to the process and outlives the library.
 class EnvironmentInspector
 {
 public:
-    // Loads every new candidate once to see whether it works.
+    // Searches the directories. Loads each new candidate once to find out whether it works.
     static void Update() { detail::Check(KORO_EnvironmentInspector_UpdateCTIPaths()); }
-    // The list of the latest update.
+    // Returns the list of the last update.
     static std::vector<std::string> CTIPaths()
     {
         size_t count = 0;

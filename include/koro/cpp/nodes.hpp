@@ -1,7 +1,8 @@
-// Features: node maps, nodes, and nodes with values. Views all of them, free to copy; they end with their module.
+// Features: node maps, nodes, and nodes with values. All of them are views that can be copied; they end with their
+// module.
 //
-// Included by <koro/koro.hpp>, which is the header for programs. Any thread, as the C functions behind it; what belongs
-// together, such as a selector and what it selects, is kept together by NodeMap::Lock().
+// Programs include <koro/koro.hpp>, which includes this header. Any thread may call these functions. NodeMap::Lock()
+// protects calls that belong together, such as setting a selector and then the selected feature.
 #ifndef KORO_CPP_NODES_HPP
 #define KORO_CPP_NODES_HPP
 
@@ -23,7 +24,7 @@ namespace koro
 enum class CachePolicy : int32_t
 {
     UseCache = 0,
-    IgnoreCache = 1, // asks the device
+    IgnoreCache = 1, // reads from the device
 };
 
 class Buffer;
@@ -39,7 +40,7 @@ class CategoryNode;
 class EnumerationNode;
 class EnumerationEntryNode;
 
-// What all nodes have in common. Numbers without a type of their own are those of <koro/node.h>.
+// What all nodes have in common. Numbers for which this header has no type are those of <koro/node.h>.
 class Node : public detail::View<KORO_NodeHandle>
 {
 public:
@@ -114,7 +115,7 @@ public:
         return detail::FindByName<Node>(KORO_Node_FindSelectingNode, Get(), name);
     }
 
-    // Each throws Error with KORO_RETURN_CODE_INVALID_CAST for a node of another type.
+    // Each cast throws Error with KORO_RETURN_CODE_INVALID_CAST for a node of another type.
     IntegerNode ToInteger() const;
     FloatNode ToFloat() const;
     BooleanNode ToBoolean() const;
@@ -125,8 +126,8 @@ public:
     EnumerationNode ToEnumeration() const;
     EnumerationEntryNode ToEnumerationEntry() const;
 
-    // The function may use any node of the map and end its own registration, which lasts until it returns; it must not
-    // wait for another thread that uses the map.
+    // The function may use any node of the map, and may end its own registration, which stays alive until the function
+    // returns. It must not wait for another thread that uses the map.
     [[nodiscard]] Registration OnChanged(std::function<void(Node)> changed) const
     {
         return detail::Register(
@@ -138,7 +139,7 @@ public:
 namespace detail
 {
 
-// A node with values. Usable where a Node is, at the price of a look-up; what is asked most of nodes is at hand.
+// A node with values. It converts to a Node by a look-up; the most frequent calls on nodes are available directly.
 template <typename Handle, KORO_ReturnCode (*toNode)(Handle, KORO_NodeHandle*)>
 class TypedNode : public View<Handle>
 {
@@ -228,10 +229,10 @@ class CommandNode : public detail::TypedNode<KORO_CommandNodeHandle, KORO_Comman
 public:
     using TypedNode::TypedNode;
 
-    // Starts the command; does not wait for its end.
+    // Starts the command. Does not wait until it is done.
     void Execute() const { detail::Check(KORO_CommandNode_Execute(Get())); }
     bool IsDone() const { return detail::Flag(KORO_CommandNode_GetIsDone, Get()); }
-    // Throws Error with KORO_RETURN_CODE_TIMEOUT when the command goes on.
+    // Throws Error with KORO_RETURN_CODE_TIMEOUT when the command is not done in time.
     void WaitUntilDone(uint64_t timeout_ms) const { detail::Check(KORO_CommandNode_WaitUntilDone(Get(), timeout_ms)); }
     void WaitUntilDone() const { detail::Check(KORO_CommandNode_WaitUntilDoneInfinite(Get())); }
 };
@@ -251,7 +252,7 @@ public:
     {
         detail::Check(KORO_StringNode_SetValue(Get(), value.c_str(), value.size() + 1));
     }
-    // Bytes, no terminating zero counted.
+    // Bytes, without the terminating zero.
     int64_t MaximumLength() const { return detail::Get(KORO_StringNode_GetMaximumLength, Get()); }
 };
 
@@ -262,7 +263,8 @@ public:
 
     uint64_t Address() const { return detail::Get(KORO_RegisterNode_GetAddress, Get()); }
     size_t Length() const { return detail::Get(KORO_RegisterNode_GetLength, Get()); }
-    // The whole register. IgnoreCache has the access checked, and may use the cache all the same.
+    // Reads the whole register. IgnoreCache makes the read check the error nodes of the node, and may still use the
+    // cache.
     std::vector<uint8_t> Read(CachePolicy policy = CachePolicy::UseCache) const
     {
         const size_t length = Length();
@@ -273,11 +275,11 @@ public:
         detail::Check(KORO_RegisterNode_Read(Get(), static_cast<int32_t>(policy), bytes.data(), bytes.size()));
         return bytes;
     }
-    // Nothing to write is no failure and nothing that the device hears of.
+    // Writing no bytes is not a failure, and the device is not accessed.
     void Write(const std::vector<uint8_t>& bytes) const
     {
         if (bytes.empty())
-            Node(); // for the handle
+            Node(); // checks the handle
         else
             detail::Check(KORO_RegisterNode_Write(Get(), bytes.data(), bytes.size()));
     }
@@ -328,7 +330,7 @@ public:
         detail::Check(KORO_EnumerationNode_SetCurrentEntryBySymbolicValue(
             Get(), symbolicValue.c_str(), symbolicValue.size() + 1));
     }
-    // In the order of the description, available or not.
+    // In the order of the description, including entries that are not available.
     std::vector<EnumerationEntryNode> Entries() const
     {
         return detail::Children<EnumerationEntryNode>(
@@ -345,7 +347,7 @@ public:
         return detail::FindByName<EnumerationEntryNode>(
             KORO_EnumerationNode_FindEntryBySymbolicValue, Get(), symbolicValue);
     }
-    // Empty when there is none.
+    // Empty when there is no such object.
     EnumerationEntryNode TryEntry(int64_t value) const
     {
         KORO_EnumerationEntryNodeHandle entry{};
@@ -372,7 +374,7 @@ public:
     }
 };
 
-// Holds the lock of a node map, which is recursive, until its end; ends on the thread that made it.
+// Holds the recursive lock of a node map while it exists. Destroy it on the thread that created it.
 class NodeMapLock
 {
 public:
@@ -390,7 +392,7 @@ private:
     KORO_NodeMapHandle locked;
 };
 
-// The features of a module. The first call on a map reads its description and tells what is wrong with it.
+// The node map of a module. The first call on a map parses its description and reports errors of the description.
 class NodeMap : public detail::View<KORO_NodeMapHandle>
 {
 public:
@@ -402,23 +404,23 @@ public:
         detail::Check(KORO_NodeMap_GetHasNode(Get(), name.c_str(), name.size() + 1, &hasNode));
         return hasNode != 0;
     }
-    // Throws Error with KORO_RETURN_CODE_NOT_FOUND when there is none.
+    // Throws Error with KORO_RETURN_CODE_NOT_FOUND when there is no such node.
     koro::Node Node(const std::string& name) const
     {
         return detail::FindByName<koro::Node>(KORO_NodeMap_FindNode, Get(), name);
     }
-    // Empty when there is none.
+    // Empty when there is no such object.
     koro::Node TryNode(const std::string& name) const
     {
         return detail::FindByName<koro::Node>(KORO_NodeMap_TryFindNode, Get(), name);
     }
-    // All of them, features or not.
+    // All nodes, including those that are not features.
     std::vector<koro::Node> Nodes() const
     {
         return detail::Children<koro::Node>(KORO_NodeMap_GetNumNodes, KORO_NodeMap_GetNode, Get());
     }
 
-    // Each is Node(name) and its cast.
+    // Each function is Node(name) followed by the cast.
     IntegerNode Integer(const std::string& name) const { return Node(name).ToInteger(); }
     FloatNode Float(const std::string& name) const { return Node(name).ToFloat(); }
     BooleanNode Boolean(const std::string& name) const { return Node(name).ToBoolean(); }
@@ -428,29 +430,29 @@ public:
     CategoryNode Category(const std::string& name) const { return Node(name).ToCategory(); }
     EnumerationNode Enumeration(const std::string& name) const { return Node(name).ToEnumeration(); }
 
-    // Whether the chunks of the buffer are in a form that UpdateChunkNodes can show.
+    // Whether UpdateChunkNodes accepts the chunks of the buffer.
     bool HasBufferSupportedChunks(const Buffer& buffer) const;
-    // From now on chunk nodes read the memory of this buffer, until the next update or its revocation.
+    // Attaches the buffer: chunk nodes read its memory until the next call or until the buffer is revoked.
     void UpdateChunkNodes(const Buffer& buffer) const;
-    // Whether the event is one of the module that this map describes.
+    // Whether the event belongs to the module that this map describes.
     bool HasEventSupportedData(const Event& event) const;
-    // Copies the event's data to its nodes and calls their callbacks.
+    // Copies the event's data to its nodes and calls their changed callbacks.
     void UpdateEventNodes(const Event& event) const;
 
-    // The values of the features as a text file, and back. Paths are UTF-8. A load that fails by values has written all
-    // others; one that fails by a transfer ends there.
+    // Stores the values of the features in a text file, and loads them. Paths are UTF-8. A value that is refused does
+    // not stop the loading of the others; a failed transfer does.
     void StoreToFile(const std::string& path) const
     {
         detail::Check(KORO_NodeMap_StoreToFile(Get(), path.c_str(), path.size() + 1));
     }
-    // LoadSettings() of <koro/cpp/settings.hpp> gets further and says which lines fail.
+    // LoadSettings() of <koro/cpp/settings.hpp> loads more values and reports the lines that fail.
     void LoadFromFile(const std::string& path) const
     {
         detail::Check(KORO_NodeMap_LoadFromFile(Get(), path.c_str(), path.size() + 1));
     }
 
     void InvalidateNodes() const { detail::Check(KORO_NodeMap_InvalidateNodes(Get())); }
-    // Tells the nodes that time has passed; the library has no thread that does.
+    // Advances the polling clock by this time; the library has no polling thread.
     void PollNodes(int64_t elapsed_ms) const { detail::Check(KORO_NodeMap_PollNodes(Get(), elapsed_ms)); }
 
     [[nodiscard]] NodeMapLock Lock() const
@@ -458,7 +460,7 @@ public:
         detail::Check(KORO_NodeMap_Lock(Get()));
         return NodeMapLock(Get());
     }
-    // Empty while another thread holds the lock.
+    // Returns empty while another thread holds the lock.
     [[nodiscard]] std::optional<NodeMapLock> TryLock() const
     {
         KORO_Bool8 locked = 0;

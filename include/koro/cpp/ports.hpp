@@ -1,6 +1,6 @@
-// Register access of modules, and the places where their descriptions lie. Views, free to copy.
+// Register access of modules, and the locations of their descriptions. All are views that can be copied.
 //
-// Included by <koro/koro.hpp>, which is the header for programs. Any thread.
+// Programs include <koro/koro.hpp>, which includes this header. Any thread may call these functions.
 #ifndef KORO_CPP_PORTS_HPP
 #define KORO_CPP_PORTS_HPP
 
@@ -17,7 +17,7 @@ namespace koro
 
 class Port;
 
-// One place where the description of a module's features lies.
+// One location of a description of a module's features.
 class PortURL : public detail::View<KORO_PortURLHandle>
 {
 public:
@@ -38,7 +38,7 @@ public:
     Port ParentPort() const;
 };
 
-// Register access of a module.
+// The register access of a module.
 class Port : public detail::View<KORO_PortHandle>
 {
 public:
@@ -58,7 +58,7 @@ public:
     bool IsImplemented() const { return detail::Flag(KORO_Port_GetIsImplemented, Get()); }
     RawInfo Info(int32_t command) const { return detail::Info(KORO_Port_GetInfo, Get(), command); }
 
-    // Nothing to read or write is no failure and nothing that the module hears of.
+    // Reading or writing no bytes is not a failure, and the module is not accessed.
     std::vector<uint8_t> Read(uint64_t address, size_t size) const
     {
         std::vector<uint8_t> bytes(size);
@@ -81,7 +81,7 @@ public:
     }
 
 private:
-    // Without an output the query answers for the handle, and asks the producer nothing.
+    // Without an output the query only checks the handle and does not call the producer.
     void RequireValid() const
     {
         if (KORO_Port_GetInfo(Get(), 0, nullptr, nullptr, nullptr) == KORO_RETURN_CODE_INVALID_HANDLE)

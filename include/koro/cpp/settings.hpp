@@ -1,6 +1,6 @@
-// Settings of a camera from a file, written as far as they go, with the reasons of what is left.
+// Loads the settings of a camera from a file as far as possible, and reports the reasons for those that fail.
 //
-// Included by <koro/koro.hpp>, which is the header for programs.
+// Programs include <koro/koro.hpp>, which includes this header.
 #ifndef KORO_CPP_SETTINGS_HPP
 #define KORO_CPP_SETTINGS_HPP
 
@@ -30,12 +30,12 @@
 namespace koro
 {
 
-// A record of a settings file that the camera did not take.
+// A record of a settings file that the camera did not accept.
 struct SettingFailure
 {
-    size_t line = 0; // in the file, from 1; 0 when all records were taken one by one, but not the file as a whole
+    size_t line = 0; // in the file, from 1; 0 when each record was accepted, but not the file as a whole
     std::string feature;
-    std::string reason; // the library's text, or the producer's
+    std::string reason; // the error text of the library or the producer
     KORO_ReturnCode code = KORO_RETURN_CODE_ERROR;
 };
 
@@ -44,7 +44,7 @@ namespace detail
 
 constexpr const char* settingsMagic = "{05D8C294-F295-4dfb-9D01-096BD04049F4}";
 
-// One record of a settings file as it stands there: name, selectors and value, with the tabs between them.
+// One record of a settings file as it is written there: name, selectors and value, separated by tabs.
 struct SettingsRecord
 {
     size_t line;
@@ -60,7 +60,7 @@ struct SettingsRecord
     }
 };
 
-// Empty for a file that cannot be read, as a folder.
+// Empty for a file that cannot be read, such as a folder.
 inline std::optional<std::string> ReadSettingsText(const std::string& path)
 {
     std::ifstream file(path, std::ios::binary);
@@ -70,19 +70,19 @@ inline std::optional<std::string> ReadSettingsText(const std::string& path)
         for (std::istreambuf_iterator<char> next(file), end; next != end; ++next)
         {
             if (text.size() >= maxBytesSize) throw Error(KORO_RETURN_CODE_ERROR, "The settings file is too large!");
-            if (*next == '\0') break; // here the library ends too
+            if (*next == '\0') break; // the library ends the text here, too
             if (*next != '\r') text.push_back(*next);
         }
     }
-    catch (const std::ios_base::failure&) // of the stream's buffer, which fails like this for any stream
+    catch (const std::ios_base::failure&) // thrown by the stream's buffer, for any stream
     {
         return std::nullopt;
     }
     return text;
 }
 
-// Each is a line; blank ones and comments stand between them. Throws Error, with the number, for any other line: a file
-// that is broken is not written in parts.
+// Each record is one line; blank lines and comments may stand between them. Throws Error with the line number for any
+// other line: a broken file is not written in parts.
 inline std::vector<SettingsRecord> RecordsOf(const std::string& text)
 {
     std::vector<SettingsRecord> records;
@@ -118,13 +118,14 @@ inline bool IsSettingsText(const std::string& text)
     return text.substr(0, text.find('\n')).find(settingsMagic) != std::string::npos;
 }
 
-// Files keep few digits of a real number.
+// Files store few digits of a floating-point number.
 inline bool IsSameReal(double left, double right)
 {
     return std::abs(left - right) <= 1e-6 * std::max(std::abs(left), std::abs(right));
 }
 
-// Of a whole number in decimal, or in hexadecimal behind 0x, or of a real one. Empty for any other text.
+// The number that a text names: a decimal integer, a hexadecimal integer after 0x, or a floating-point number. Empty
+// for any other text.
 template <typename Number>
 std::optional<Number> NumberIn(const std::string& text, int base = 10)
 {
@@ -165,7 +166,7 @@ inline bool IsSameBytes(const std::vector<uint8_t>& value, const std::string& te
     return isSame;
 }
 
-// Whether a number, a flag or bytes have the value that a text names, in any of the forms of such a value.
+// Whether a number, a boolean or bytes have the value that a text names, in any form of writing it.
 inline bool HasValue(const Node& node, const std::string& text)
 {
     switch (node.Type())
@@ -185,7 +186,7 @@ inline bool HasValue(const Node& node, const std::string& text)
     }
 }
 
-// A file in memory that the library reads by its path.
+// A file in memory that the library can open by a path.
 class MemoryFile
 {
 public:
@@ -220,8 +221,8 @@ private:
     int file;
 };
 
-// One round over records: those that fail, with their reasons. A camera that has stopped answering is not asked for
-// each of its features.
+// One round over the records: collects those that fail, with their reasons. When the camera has stopped responding, the
+// remaining records are not tried and get the last reason.
 class SettingsRound
 {
 public:
@@ -232,11 +233,11 @@ public:
     }
 
     std::vector<SettingsRecord> left;
-    std::vector<SettingFailure> failures;     // of each of those
-    std::vector<SettingsRecord> inOtherWords; // taken, and read back as another text
+    std::vector<SettingFailure> failures;     // the reason for each of the records
+    std::vector<SettingsRecord> inOtherWords; // accepted, but read back as another text
 
 private:
-    static constexpr int mostFailedTransfers = 8; // in a row
+    static constexpr int mostFailedTransfers = 8; // one after the other
 
     void Write(const SettingsRecord& record)
     {
@@ -265,8 +266,8 @@ private:
             Note(record, error);
         }
     }
-    // The library compares texts when it has written, and a camera may write 3 as 3.00. The selectors of the record are
-    // still set then.
+    // After writing, the library compares texts, and a camera may write 3 as 3.00. The selectors of the record are
+    // still set at that time.
     bool IsTaken(const SettingsRecord& record, const Error& error) const
     {
         const std::string comparison = "Error while verifying node '" + record.feature + "': expected '";
@@ -291,8 +292,9 @@ private:
     int failedTransfers = 0;
 };
 
-// Reads all back and compares, now that nothing is in the way: the library compares what the camera writes as the file
-// does, and the rest is compared by value. What has selectors was compared when they were set.
+// Reads all values back and compares them after all records are written. The library compares values that the camera
+// writes in the same form as the file; the others are compared as numbers. Records with selectors were compared when
+// they were written.
 inline void CheckLoaded(
     const NodeMap& features, const std::vector<SettingsRecord>& records,
     const std::vector<SettingsRecord>& inOtherWords)
@@ -314,7 +316,7 @@ inline void CheckLoaded(
     }
 }
 
-// The rounds over the records, until one changes nothing.
+// Repeats rounds over the records until a round changes nothing.
 inline std::vector<SettingFailure> LoadRecords(const NodeMap& features, const std::vector<SettingsRecord>& records)
 {
     std::vector<SettingsRecord> left = records;
@@ -339,11 +341,12 @@ inline std::vector<SettingFailure> LoadRecords(const NodeMap& features, const st
 
 } // namespace detail
 
-// Loads a settings file as NodeMap::LoadFromFile does, and where that fails goes on: each record is written for itself,
-// and those that fail are tried again until a round changes nothing, since a value may wait for another one, as a Width
-// that is too large for an offset that comes later in the file. Values are compared, where the library compares texts:
-// a camera that writes 3 as 3.00 has taken a 3. Returns what is left, in the order of the file; empty when the camera
-// has all values. Throws Error for a file that cannot be read or is no settings file, and writes nothing then.
+// Loads a settings file as NodeMap::LoadFromFile does. If that fails, each record is written separately, and records
+// that fail are tried again until a round changes nothing, because a value may depend on another one: a Width may be
+// too large until an offset that comes later in the file is set. Values are compared as numbers, while the library
+// compares texts: a camera that writes 3 as 3.00 has accepted 3. Returns the records that still fail, in the order of
+// the file; empty when the camera has all values. Throws Error for a file that cannot be read or is not a settings
+// file, and writes nothing in that case.
 inline std::vector<SettingFailure> LoadSettings(const NodeMap& features, const std::string& path)
 {
     try

@@ -1,6 +1,6 @@
 // Acquisition on the host: buffers, the streams that fill them, and their descriptors.
 //
-// Included by <koro/koro.hpp>, which is the header for programs. Any thread.
+// Programs include <koro/koro.hpp>, which includes this header. Any thread may call these functions.
 #ifndef KORO_CPP_STREAMS_HPP
 #define KORO_CPP_STREAMS_HPP
 
@@ -36,7 +36,7 @@ enum class FlushMode : int32_t
     AllDiscard = 4,
 };
 
-// A producer's own modes begin at 1000, as static_cast<StartMode>(1000); the same for the next.
+// Producer-specific modes begin at 1000: static_cast<StartMode>(1000). The same applies to StopMode.
 enum class StartMode : int32_t
 {
     Default = 0,
@@ -44,14 +44,14 @@ enum class StartMode : int32_t
 
 enum class StopMode : int32_t
 {
-    Default = 0, // the frame that is under way may be finished
+    Default = 0, // the current frame may be finished
     Kill = 1,
 };
 
 namespace detail
 {
 
-// The features of a module as each of its descriptions tells them.
+// The node maps of a module, one for each of its descriptions.
 template <typename Handle>
 std::vector<NodeMap> NodeMapsOf(KORO_ReturnCode (*toModule)(Handle, KORO_ModuleHandle*), Handle handle)
 {
@@ -72,14 +72,15 @@ Port PortOf(KORO_ReturnCode (*toModule)(Handle, KORO_ModuleHandle*), Handle hand
 
 } // namespace detail
 
-// Memory known to a data stream. A view: the stream revokes it at its own end. Every answer is the producer's at the
-// moment of the call; what a producer does not know throws.
+// A buffer that is announced to a data stream. A view: the stream revokes the buffer when it ends. Each query calls the
+// producer; information that the producer does not have throws Error.
 class Buffer : public detail::View<KORO_BufferHandle>
 {
 public:
     using View::View;
 
-    // Image bytes: of whoever announced them, readable until the buffer is queued again or revoked.
+    // The image data. The memory belongs to the application or the producer, whichever allocated it, and can be read
+    // until the buffer is queued again or revoked.
     void* BasePtr() const { return detail::Get(KORO_Buffer_GetBasePtr, Get()); }
     size_t Size() const { return detail::Get(KORO_Buffer_GetSize, Get()); }
     void* UserPtr() const { return detail::Get(KORO_Buffer_GetUserPtr, Get()); }
@@ -111,7 +112,8 @@ public:
     std::string FileName() const { return detail::Text(KORO_Buffer_GetFileName, Get()); }
     bool HasChunks() const { return detail::Flag(KORO_Buffer_GetHasChunks, Get()); }
     bool HasParts() const { return detail::Flag(KORO_Buffer_GetHasParts, Get()); }
-    // Both are read anew, for the image that lies in the buffer now; empty where the producer says that it has none.
+    // Each call reads the list from the producer, for the frame that is in the buffer now; empty when the producer
+    // reports that there is none.
     std::vector<BufferPart> Parts() const
     {
         return detail::UpdatedChildren<BufferPart>(
@@ -173,8 +175,8 @@ inline void CallRevoked(void* buffer, void* userPtr, void* context) noexcept
     if (revoked) (*revoked)(buffer, userPtr);
 }
 
-// A stream that has ended before, with its device, revokes nothing any more. One that ends here may do it later: a call
-// that is running on another thread holds it.
+// A stream that ended earlier together with its device revokes nothing. A stream that ends here may revoke its buffers
+// later, when a call that is running on another thread returns.
 inline KORO_ReturnCode EndStream(KORO_DataStreamHandle stream)
 {
     const KORO_ReturnCode code = KORO_DataStream_Destruct(stream);
@@ -182,7 +184,7 @@ inline KORO_ReturnCode EndStream(KORO_DataStreamHandle stream)
     return code;
 }
 
-// What can be asked of a stream, and done with it, by its handle.
+// The calls on a stream, through its handle.
 template <typename Base>
 class StreamCalls : public Base
 {
@@ -191,9 +193,9 @@ public:
     using Base::Get;
     using RevocationFunction = detail::RevocationFunction;
 
-    // The caller's memory, which must live until the revocation. `revoked` runs once, at the revocation, on the
-    // thread that revokes; it must not throw. It is dropped without a call when this function throws, and when its
-    // stream's device ended before the stream did.
+    // Announces memory of the caller, which must stay valid until the buffer is revoked. `revoked` runs once when the
+    // buffer is revoked, on the thread that revokes it; it must not throw. It is discarded without a call when this
+    // function throws, or when the device ended before the stream.
     Buffer AnnounceBuffer(
         void* memory, size_t size, void* userPtr = nullptr, RevocationFunction revoked = nullptr) const
     {
@@ -202,7 +204,7 @@ public:
         KORO_BufferHandle buffer{};
         Check(KORO_DataStream_AnnounceBuffer(
             Get(), memory, size, userPtr, kept.Number() ? CallRevoked : nullptr, kept.Number(), &buffer));
-        kept.Release(); // the revocation takes it, or the end of the stream
+        kept.Release(); // the revocation or the end of the stream releases it
         return Buffer(buffer);
     }
     Buffer AllocAndAnnounceBuffer(size_t size, void* userPtr = nullptr) const
@@ -212,18 +214,19 @@ public:
         return Buffer(buffer);
     }
     void QueueBuffer(Buffer buffer) const { Check(KORO_DataStream_QueueBuffer(Get(), buffer.Get())); }
-    // When the producer refuses, the buffer stays announced and valid.
+    // If the producer refuses, the buffer stays announced and valid.
     void RevokeBuffer(Buffer buffer) const { Check(KORO_DataStream_RevokeBuffer(Get(), buffer.Get())); }
 
-    // Throws Error with KORO_RETURN_CODE_TIMEOUT when none came, KORO_RETURN_CODE_ABORTED after KillWait().
+    // Throws Error with KORO_RETURN_CODE_TIMEOUT when no buffer was finished in time, and with KORO_RETURN_CODE_ABORTED
+    // after KillWait().
     Buffer WaitForFinishedBuffer(uint64_t timeout_ms = infinite) const
     {
         KORO_BufferHandle buffer{};
         Check(KORO_DataStream_WaitForFinishedBuffer(Get(), timeout_ms, &buffer));
         return Buffer(buffer);
     }
-    // Empty when none came in time, and WhyNoFrame() finds out why; throws as WaitForFinishedBuffer() for all else,
-    // KillWait() included.
+    // Returns empty when no buffer was finished in time; WhyNoFrame() finds out why. Throws like
+    // WaitForFinishedBuffer() for all other failures, including KillWait().
     std::optional<Buffer> TryWait(uint64_t timeout_ms) const
     {
         KORO_BufferHandle buffer{};
@@ -232,7 +235,8 @@ public:
         Check(code);
         return Buffer(buffer);
     }
-    // Ends one wait: the running one, or else the next. Not from a signal handler, as <koro/data_stream.h> says.
+    // Ends one wait: the running one, or otherwise the next. Do not call it in a signal handler; <koro/data_stream.h>
+    // gives the reasons.
     void KillWait() const { Check(KORO_DataStream_KillWait(Get())); }
     void FlushPendingKillWaits() const { Check(KORO_DataStream_FlushPendingKillWaits(Get())); }
     void StartAcquisition(uint64_t numToAcquire = infinite, StartMode mode = StartMode::Default) const
@@ -282,21 +286,22 @@ public:
 
 } // namespace detail
 
-// A stream that somebody else owns, as DataStream does; free to copy.
+// A view of a stream that a DataStream owns; it can be copied.
 class DataStreamView : public detail::StreamCalls<detail::View<KORO_DataStreamHandle>>
 {
 public:
     using StreamCalls::StreamCalls;
 };
 
-// An open stream. Its end stops, discards and revokes; it happens on the thread that ends it.
+// An open stream. When it is closed, the library stops the acquisition and discards and revokes the buffers, on the
+// thread that closes it.
 class DataStream : public detail::StreamCalls<detail::Owner<KORO_DataStreamHandle, detail::EndStream>>
 {
 public:
     using StreamCalls::StreamCalls;
 
     operator DataStreamView() const& noexcept { return DataStreamView(Get()); }
-    operator DataStreamView() const&& = delete; // its stream ends at once
+    operator DataStreamView() const&& = delete; // the stream ends at once
 };
 
 class DataStreamDescriptor : public detail::View<KORO_DataStreamDescriptorHandle>

@@ -1,6 +1,6 @@
-// What the C++ face is made of: exceptions for return codes, owners and views of handles.
+// The foundation of the C++ interface: exceptions for return codes, owners and views of handles.
 //
-// Included by <koro/koro.hpp>, which is the header for programs.
+// Programs include <koro/koro.hpp>, which includes this header.
 #ifndef KORO_CPP_SUPPORT_HPP
 #define KORO_CPP_SUPPORT_HPP
 
@@ -17,7 +17,7 @@
 namespace koro
 {
 
-// A failed call: its return code, and the library's text as what().
+// A failed call: its return code, and the error text of the library as what().
 class Error : public std::runtime_error
 {
 public:
@@ -29,7 +29,7 @@ private:
     KORO_ReturnCode code;
 };
 
-// Raw information as the producer delivered it; dataType is a value of the GenTL INFO_DATATYPE list.
+// Raw information as the producer delivered it; dataType is a number of the GenTL list INFO_DATATYPE.
 struct RawInfo
 {
     int32_t dataType = 0;
@@ -39,10 +39,10 @@ struct RawInfo
 namespace detail
 {
 
-// Some texts come from the producer without a bound in between: what is larger is refused here.
+// The producer passes some texts through without a limit; larger ones are refused here.
 constexpr size_t maxTextSize = size_t{16} << 20;
 constexpr size_t maxBytesSize = size_t{256} << 20;
-// How often a value may grow between the size query and the fetch.
+// How often a value may grow between the size query and the fetch before the call gives up.
 constexpr int maxAttempts = 16;
 
 inline std::string LastErrorText()
@@ -57,7 +57,7 @@ inline std::string LastErrorText()
     return text;
 }
 
-// Of this thread's latest failure that was recorded; success before the first one.
+// The code of the last failure that was recorded on this thread; success before the first failure.
 inline KORO_ReturnCode LastErrorCode()
 {
     KORO_ReturnCode code = KORO_RETURN_CODE_SUCCESS;
@@ -66,13 +66,14 @@ inline KORO_ReturnCode LastErrorCode()
     return code;
 }
 
-// The text belongs to this thread's latest failure: nothing may be called in between.
+// The text belongs to the last failure on this thread, so no other call may come in between.
 inline void Check(KORO_ReturnCode code)
 {
     if (code != KORO_RETURN_CODE_SUCCESS) throw Error(code, LastErrorText());
 }
 
-// Runs `query(Element* buffer, size_t* size)` for the size and again for the content, anew if the value grew between.
+// Calls `query(Element* buffer, size_t* size)` for the size and again for the content, and repeats this if the value
+// has grown in between.
 template <typename Sequence, typename Query>
 Sequence Fetch(const Query& query, size_t maxSize)
 {
@@ -125,7 +126,7 @@ RawInfo Info(KORO_ReturnCode (*get)(Handle, int32_t, int32_t*, uint8_t*, size_t*
     return info;
 }
 
-// Numbers whose size is told in bytes.
+// Lists of numbers whose size the C function counts in bytes.
 template <typename Value, typename Handle>
 std::vector<Value> Values(KORO_ReturnCode (*get)(Handle, Value*, size_t*), Handle handle)
 {
@@ -165,7 +166,7 @@ Child GetAt(KORO_ReturnCode (*get)(Handle, size_t, Child*), Handle handle, size_
     return child;
 }
 
-// All children of a list that is told by number and index.
+// All objects of a list that the C functions offer as a number and by index.
 template <typename Child, typename Handle, typename ChildHandle>
 std::vector<Child> Children(
     KORO_ReturnCode (*getNum)(Handle, size_t*), KORO_ReturnCode (*getChild)(Handle, size_t, ChildHandle*),
@@ -193,7 +194,7 @@ std::string DescriptorID(
     return Text(KORO_ModuleDescriptor_GetID, Get(toModuleDescriptor, descriptor));
 }
 
-// A handle that ends with its owner. Failures of the end are swallowed: a dead handle has already ended.
+// A handle that ends with its owner. Failures of the end are ignored: an invalid handle has already ended.
 template <typename Handle, KORO_ReturnCode (*destruct)(Handle)>
 class Owner
 {
@@ -201,8 +202,8 @@ public:
     Owner() = default;
     explicit Owner(Handle owned) noexcept : handle(owned) {}
     Owner(Owner&& other) noexcept : handle(std::exchange(other.handle, Handle{})) {}
-    // The replaced handle ends, unless it is the number that comes: then its object has ended by itself, and a new one
-    // has got its place.
+    // The replaced handle ends, unless the new handle has the same number: then the old object has already ended, and
+    // the new object has received its number.
     Owner& operator=(Owner&& other) noexcept
     {
         if (this != &other)
@@ -215,7 +216,7 @@ public:
     }
     ~Owner() { Close(); }
 
-    // Empty after a move and after Close(); every call then throws with KORO_RETURN_CODE_INVALID_HANDLE.
+    // Empty after a move and after Close(); each call then throws Error with KORO_RETURN_CODE_INVALID_HANDLE.
     explicit operator bool() const noexcept { return handle != Handle{}; }
     KORO_ReturnCode Close() noexcept
     {

@@ -1,6 +1,6 @@
-// The modules of a producer: libraries, systems, interfaces, devices, and the descriptors of those that are not open.
+// The modules of a producer: libraries, systems, interfaces, devices, and the descriptors of modules that are not open.
 //
-// Included by <koro/koro.hpp>, which is the header for programs. Any thread.
+// Programs include <koro/koro.hpp>, which includes this header. Any thread may call these functions.
 #ifndef KORO_CPP_TREE_HPP
 #define KORO_CPP_TREE_HPP
 
@@ -37,7 +37,7 @@ enum class AccessType : uint32_t
 enum class DeviceAccessStatus : int32_t
 {
     Unknown = 0,
-    ReadWrite = 1, // can be opened for all
+    ReadWrite = 1, // can be opened for reading and writing
     ReadOnly = 2,  // can be opened for reading
     NoAccess = 3,
     Busy = 4, // open elsewhere
@@ -45,7 +45,7 @@ enum class DeviceAccessStatus : int32_t
     OpenReadOnly = 6,
 };
 
-// The camera's own side of a device. A view: the device owns it.
+// The remote device: the camera itself, as opposed to the device of the transport layer. A view: the device owns it.
 class RemoteDevice : public detail::View<KORO_RemoteDeviceHandle>
 {
 public:
@@ -89,7 +89,7 @@ public:
     {
         return koro::RemoteDevice(detail::Get(KORO_Device_GetRemoteDevice, Get()));
     }
-    // The streams as they were at the first call.
+    // The streams as listed at the first call.
     std::vector<DataStreamDescriptor> DataStreams() const
     {
         return detail::Children<DataStreamDescriptor>(KORO_Device_GetNumDataStreams, KORO_Device_GetDataStream, Get());
@@ -106,21 +106,21 @@ public:
 
 } // namespace detail
 
-// One that somebody else owns, as Device does; free to copy.
+// A view of an object that a Device owns; it can be copied.
 class DeviceView : public detail::DeviceCalls<detail::View<KORO_DeviceHandle>>
 {
 public:
     using DeviceCalls::DeviceCalls;
 };
 
-// An open device: the transport layer's view of a camera.
+// An open device: the transport layer's side of a camera.
 class Device : public detail::DeviceCalls<detail::Owner<KORO_DeviceHandle, KORO_Device_Destruct>>
 {
 public:
     using DeviceCalls::DeviceCalls;
 
     operator DeviceView() const& noexcept { return DeviceView(Get()); }
-    operator DeviceView() const&& = delete; // it ends at once
+    operator DeviceView() const&& = delete; // the object ends at once
 };
 
 class DeviceDescriptor : public detail::View<KORO_DeviceDescriptorHandle>
@@ -151,7 +151,7 @@ public:
         detail::Check(KORO_DeviceDescriptor_GetIsOpenable(Get(), static_cast<uint32_t>(accessType), &openable));
         return openable != 0;
     }
-    // Whether it can be opened for reading, in spite of the name, which is the C function's.
+    // Returns whether it can be opened for reading. The name is that of the C function.
     bool IsOpenableExclusive() const { return detail::Flag(KORO_DeviceDescriptor_GetIsOpenableExclusive, Get()); }
     RawInfo Info(int32_t command) const { return detail::Info(KORO_DeviceDescriptor_GetInfo, Get(), command); }
     Device OpenDevice(AccessType accessType = AccessType::Control) const
@@ -162,7 +162,8 @@ public:
     }
     InterfaceView ParentInterface() const;
 
-    // Monitoring: the library asks for these roles, KORO_DEVICE_INFO_..., at an interval, once somebody listens.
+    // Monitoring: while a callback is registered, the library queries these roles, KORO_DEVICE_INFO_..., at an
+    // interval.
     void AddInformationRoleToMonitoring(int32_t role) const
     {
         detail::Check(KORO_DeviceDescriptor_AddInformationRoleToMonitoring(Get(), role));
@@ -185,8 +186,9 @@ public:
     {
         detail::Check(KORO_DeviceDescriptor_SetMonitoringUpdateInterval(Get(), interval_ms));
     }
-    // The function gets the roles that changed, on a thread of this descriptor. It must not make registrations of this
-    // descriptor, nor close the library. The registration may end after the descriptor.
+    // The function receives the roles that have changed, on a thread of this descriptor. It must not register or
+    // unregister callbacks of this descriptor and must not close the library. The registration may end after the
+    // descriptor.
     [[nodiscard]] Registration OnInformationChanged(
         std::function<void(const std::vector<int32_t>& roles)> changed) const
     {
@@ -213,7 +215,7 @@ public:
     std::string TLType() const { return detail::Text(KORO_Interface_GetTLType, Get()); }
     RawInfo Info(int32_t command) const { return detail::Info(KORO_Interface_GetInfo, Get(), command); }
     void UpdateDevices(uint64_t timeout_ms) const { detail::Check(KORO_Interface_UpdateDevices(Get(), timeout_ms)); }
-    // The list of the latest update.
+    // Returns the list of the last update.
     std::vector<DeviceDescriptor> Devices() const
     {
         return detail::Children<DeviceDescriptor>(KORO_Interface_GetNumDevices, KORO_Interface_GetDevice, Get());
@@ -230,15 +232,16 @@ public:
             KORO_Interface_RegisterDeviceLostCallback, KORO_Interface_UnregisterDeviceLostCallback, Get(),
             &detail::CallLost, std::move(lost));
     }
-    // The producer's own news, if it tells any; they change no list. See Registration for the thread.
+    // Unsolicited notifications, if the producer sends them. They do not change the list. Registration documents the
+    // thread.
     [[nodiscard]] Registration OnDeviceListChanged(std::function<void()> changed) const
     {
         return detail::Register(
             KORO_Interface_RegisterDeviceListChangedCallback, KORO_Interface_UnregisterDeviceListChangedCallback, Get(),
             &detail::CallListChanged, std::move(changed));
     }
-    // The descriptor is valid if it was fetched by Devices() or OnDeviceFound() before; else its calls throw Error with
-    // KORO_RETURN_CODE_INVALID_HANDLE. The same for the next.
+    // The descriptor is valid only if Devices() or OnDeviceFound() has returned it before; otherwise its calls throw
+    // Error with KORO_RETURN_CODE_INVALID_HANDLE. The same applies to the next function.
     [[nodiscard]] Registration OnDeviceDisconnected(std::function<void(DeviceDescriptor)> disconnected) const
     {
         return detail::Register(
@@ -264,7 +267,7 @@ public:
 
 } // namespace detail
 
-// One that somebody else owns, as Interface does; free to copy.
+// A view of an object that a Interface owns; it can be copied.
 class InterfaceView : public detail::InterfaceCalls<detail::View<KORO_InterfaceHandle>>
 {
 public:
@@ -277,7 +280,7 @@ public:
     using InterfaceCalls::InterfaceCalls;
 
     operator InterfaceView() const& noexcept { return InterfaceView(Get()); }
-    operator InterfaceView() const&& = delete; // it ends at once
+    operator InterfaceView() const&& = delete; // the object ends at once
 };
 
 class InterfaceDescriptor : public detail::View<KORO_InterfaceDescriptorHandle>
@@ -321,7 +324,7 @@ public:
     int32_t CharacterEncoding() const { return detail::Get(KORO_System_GetCharacterEncoding, Get()); }
     RawInfo Info(int32_t command) const { return detail::Info(KORO_System_GetInfo, Get(), command); }
     void UpdateInterfaces(uint64_t timeout_ms) const { detail::Check(KORO_System_UpdateInterfaces(Get(), timeout_ms)); }
-    // The list of the latest update.
+    // Returns the list of the last update.
     std::vector<InterfaceDescriptor> Interfaces() const
     {
         return detail::Children<InterfaceDescriptor>(KORO_System_GetNumInterfaces, KORO_System_GetInterface, Get());
@@ -350,7 +353,7 @@ public:
 
 } // namespace detail
 
-// One that somebody else owns, as System does; free to copy.
+// A view of an object that a System owns; it can be copied.
 class SystemView : public detail::SystemCalls<detail::View<KORO_SystemHandle>>
 {
 public:
@@ -363,7 +366,7 @@ public:
     using SystemCalls::SystemCalls;
 
     operator SystemView() const& noexcept { return SystemView(Get()); }
-    operator SystemView() const&& = delete; // it ends at once
+    operator SystemView() const&& = delete; // the object ends at once
 };
 
 class SystemDescriptor : public detail::View<KORO_SystemDescriptorHandle>
@@ -404,14 +407,14 @@ public:
 
 } // namespace detail
 
-// One that somebody else owns, as ProducerLibrary does; free to copy.
+// A view of an object that a ProducerLibrary owns; it can be copied.
 class ProducerLibraryView : public detail::ProducerLibraryCalls<detail::View<KORO_ProducerLibraryHandle>>
 {
 public:
     using ProducerLibraryCalls::ProducerLibraryCalls;
 };
 
-// One loaded and initialised producer, the root of its tree. A second one of the same file fails on some producers.
+// A loaded and initialised producer, the root of its modules. Some producers fail when the same file is loaded twice.
 class ProducerLibrary
     : public detail::ProducerLibraryCalls<detail::Owner<KORO_ProducerLibraryHandle, KORO_ProducerLibrary_Destruct>>
 {
@@ -420,7 +423,7 @@ public:
     explicit ProducerLibrary(const std::string& ctiPath) : ProducerLibraryCalls(Construct(ctiPath)) {}
 
     operator ProducerLibraryView() const& noexcept { return ProducerLibraryView(Get()); }
-    operator ProducerLibraryView() const&& = delete; // it ends at once
+    operator ProducerLibraryView() const&& = delete; // the object ends at once
 
 private:
     static KORO_ProducerLibraryHandle Construct(const std::string& ctiPath)
