@@ -1,7 +1,8 @@
+#include "base/failures.h"
+
 #include <Base/GCException.h>
 #include <GenApi/Filestream.h>
 #include <GenApi/Synch.h>
-#include <cxxabi.h>
 #include <thread>
 
 namespace GENAPI_NAMESPACE
@@ -9,22 +10,6 @@ namespace GENAPI_NAMESPACE
 
 namespace
 {
-
-// What nodes and ports throw ends an operation and goes no further.
-template <class Act>
-void Quietly(const Act& act)
-{
-    try
-    {
-        act();
-    }
-    catch (const abi::__forced_unwind&)
-    {
-        throw; // a cancelled thread
-    }
-    catch (...)
-    {}
-}
 
 // Null for neither direction.
 const char* OpenModeFor(std::ios_base::openmode mode)
@@ -111,7 +96,7 @@ bool FileProtocolAdapter::openFile(const char* pFileName, std::ios_base::openmod
     const AutoLock held(map->GetLock());
     nodes.file->FromString(pFileName);
     bool good = false;
-    Quietly([&] {
+    runtime::Succeeds([&] {
         nodes.openMode->FromString(openMode);
         nodes.operation->FromString("Open");
         ExecuteAndWait();
@@ -125,7 +110,7 @@ bool FileProtocolAdapter::closeFile(const char* pFileName)
     if (!map) return false;
     const AutoLock held(map->GetLock());
     bool good = false;
-    Quietly([&] { good = SelectAndRun(pFileName, "Close"); });
+    runtime::Succeeds([&] { good = SelectAndRun(pFileName, "Close"); });
     return good;
 }
 
@@ -134,7 +119,7 @@ bool FileProtocolAdapter::deleteFile(const char* pFileName)
     if (!map) return false;
     const AutoLock held(map->GetLock());
     bool good = false;
-    Quietly([&] { good = SelectAndRun(pFileName, "Delete"); });
+    runtime::Succeeds([&] { good = SelectAndRun(pFileName, "Delete"); });
     return good;
 }
 
@@ -148,7 +133,7 @@ int64_t FileProtocolAdapter::Transfer(
     if (!map || offset < 0 || length <= 0) return 0;
     const AutoLock held(map->GetLock());
     int64_t done = 0;
-    Quietly([&] {
+    runtime::Succeeds([&] {
         Select(file, operation);
         const int64_t capacity = nodes.buffer->GetLength();
         while (done < length)
@@ -193,7 +178,7 @@ int64_t FileProtocolAdapter::getBufSize(const char* pFileName, std::ios_base::op
     if (!map || !OpenModeFor(mode)) return 0;
     const AutoLock held(map->GetLock());
     int64_t size = 0;
-    Quietly([&] {
+    runtime::Succeeds([&] {
         Select(pFileName, (mode & std::ios_base::out) != 0 ? "Write" : "Read");
         size = nodes.buffer->GetLength();
     });

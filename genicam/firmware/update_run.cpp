@@ -1,5 +1,6 @@
 #include "firmware/update_run.h"
 
+#include "base/failures.h"
 #include "firmware/bounds.h"
 #include "firmware/device_file.h"
 #include "firmware/matching.h"
@@ -25,19 +26,7 @@ UpdateRun::UpdateRun(
 template <class Act>
 void UpdateRun::Report(const Act& act)
 {
-    if (!observer) return;
-    try
-    {
-        act(*observer);
-    }
-    catch (const abi::__forced_unwind&)
-    {
-        throw; // the thread is cancelled
-    }
-    catch (...)
-    {
-        // A report that fails does not fail the update.
-    }
+    if (observer) Succeeds([&] { act(*observer); }); // a report that fails does not fail the update
 }
 
 void UpdateRun::ReportError(const GenericException& error)

@@ -1,5 +1,6 @@
 #include "formula/compiler.h"
 
+#include "base/quoted.h"
 #include "formula/arithmetic.h"
 
 #include <algorithm>
@@ -50,12 +51,6 @@ const NamedOperation* FindOperator(const NamedOperation (&table)[N], const Token
     const auto found = std::find_if(
         std::begin(table), std::end(table), [&](const NamedOperation& entry) { return token.text == entry.name; });
     return found == std::end(table) ? nullptr : found;
-}
-
-// Part of the formula for a message: it may be of any length.
-std::string Quoted(std::string_view text)
-{
-    return "'" + std::string(text.substr(0, 200)) + "'";
 }
 
 bool SameLetters(std::string_view text, const char* name)

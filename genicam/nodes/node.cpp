@@ -1,12 +1,12 @@
 #include "nodes/node.h"
 
+#include "base/failures.h"
 #include "nodes/errors.h"
 #include "nodes/node_inline.h"
 #include "xml/links.h"
 
 #include <GenApi/NodeCallback.h>
 #include <algorithm>
-#include <cxxabi.h>
 #include <limits>
 #include <utility>
 
@@ -188,19 +188,11 @@ EAccessMode Node::Conditioned(EAccessMode mode) const
 bool Node::IsPollingBlocked(std::set<const Node*>& unreadable) const
 {
     if (!blocker || unreadable.count(blocker) != 0) return false;
-    try
-    {
-        return IsReadable(blocker->AccessMode()) && blocker->PlainNumber() != 0;
-    }
-    catch (const abi::__forced_unwind&) // of a thread that is cancelled
-    {
-        throw;
-    }
-    catch (...) // a port may throw anything
-    {
-        unreadable.insert(blocker);
-        return false;
-    }
+    bool isBlocked = false;
+    const bool isKnown =
+        Succeeds([&] { isBlocked = IsReadable(blocker->AccessMode()) && blocker->PlainNumber() != 0; });
+    if (!isKnown) unreadable.insert(blocker);
+    return isBlocked;
 }
 
 // Limits need to be there; whether they can be read shows when they are asked for.

@@ -1,9 +1,10 @@
+#include "base/failures.h"
+
 #include <Base/GCException.h>
 #include <GenApi/Persistence.h>
 #include <GenApi/Pointer.h>
 #include <GenApi/Synch.h>
 #include <algorithm>
-#include <cxxabi.h>
 #include <sstream>
 #include <string>
 #include <utility>
@@ -110,21 +111,6 @@ gcstring TooManyCombinations(const INode& node)
 {
     return "The selectors of feature '" + node.GetName() + "' have too many combinations: at most " +
            Number(maxCombinations) + " are walked at a time";
-}
-
-// For the time after a failure that is on its way already.
-void RestoreQuietly(CSelectorSet& selectors)
-{
-    try
-    {
-        selectors.Restore();
-    }
-    catch (const abi::__forced_unwind&)
-    {
-        throw; // a cancelled thread
-    }
-    catch (...)
-    {}
 }
 
 } // namespace
@@ -239,7 +225,7 @@ int64_t CFeatureBag::StoreNode(INode& node, int64_t limit, int64_t& combinations
     }
     catch (...)
     {
-        RestoreQuietly(selectors);
+        runtime::Succeeds([&] { selectors.Restore(); }); // a failure is on its way already
         throw;
     }
     selectors.Restore();

@@ -1,5 +1,6 @@
 #include "xml/description_builder.h"
 
+#include "base/quoted.h"
 #include "xml/numbers.h"
 #include "xml/parser.h"
 
@@ -11,11 +12,6 @@ namespace GENAPI_NAMESPACE::runtime
 
 namespace
 {
-
-std::string Quoted(std::string_view text)
-{
-    return "'" + std::string(text.substr(0, 200)) + "'";
-}
 
 // The parts of a knife or a converter.
 struct FormulaParts

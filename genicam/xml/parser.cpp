@@ -1,5 +1,6 @@
 #include "xml/parser.h"
 
+#include "base/quoted.h"
 #include "xml/description_builder.h"
 #include "xml/links.h"
 #include "xml/xml_reader.h"
@@ -26,11 +27,6 @@ std::string_view WithoutBlanks(std::string_view text)
     const size_t first = text.find_first_not_of(" \t\r\n");
     const size_t last = text.find_last_not_of(" \t\r\n");
     return first == std::string_view::npos ? std::string_view() : text.substr(first, last - first + 1);
-}
-
-std::string Quoted(std::string_view text)
-{
-    return "'" + std::string(text.substr(0, 200)) + "'";
 }
 
 // Registers are padded behind the text.

@@ -1,6 +1,7 @@
 #include "firmware/firmware_updatable_device.h"
 
 #include "base/exceptions.h"
+#include "base/failures.h"
 #include "firmware/first_node_map.h"
 #include "modules/device_descriptor.h"
 #include "modules/interface.h"
@@ -9,7 +10,6 @@
 #include "nodes/text.h"
 
 #include <algorithm>
-#include <cxxabi.h>
 #include <limits>
 #include <vector>
 
@@ -36,24 +36,6 @@ std::shared_ptr<TypedNode> FindTyped(NodeMap& map, const char* name, const char*
     auto node = std::dynamic_pointer_cast<TypedNode>(map.FindNode(name));
     if (!node) throw InternalErrorException(std::string("Node cannot be cast to ") + kind + " node!");
     return node;
-}
-
-// For a step of the search.
-template <class Step>
-void IgnoringFailures(Step&& step)
-{
-    try
-    {
-        step();
-    }
-    catch (const abi::__forced_unwind&) // of a thread that is cancelled
-    {
-        throw;
-    }
-    catch (...)
-    {
-        // The next device, or the next pass, may do better.
-    }
 }
 
 // A time-out that no clock reaches stays one.
@@ -140,13 +122,13 @@ std::shared_ptr<Device> FirmwareUpdatableDevice::Reopen(
 std::shared_ptr<Device> FirmwareUpdatableDevice::Search(std::uint64_t updateTimeout_ms) const
 {
     std::vector<std::shared_ptr<DeviceDescriptor>> candidates;
-    IgnoringFailures([&] {
+    Succeeds([&] {
         parentInterface->UpdateChildren(updateTimeout_ms);
         candidates = parentInterface->Children();
     });
     std::shared_ptr<Device> found;
     for (auto candidate = candidates.begin(); candidate != candidates.end() && !found; ++candidate)
-        IgnoringFailures([&] { found = TryOpen(**candidate); });
+        Succeeds([&] { found = TryOpen(**candidate); });
     return found;
 }
 

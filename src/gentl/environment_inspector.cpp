@@ -1,11 +1,11 @@
 #include "gentl/environment_inspector.h"
 
 #include "base/exceptions.h"
+#include "base/failures.h"
 #include "base/filesystem.h"
 
 #include <algorithm>
 #include <cstdlib>
-#include <cxxabi.h>
 #include <mutex>
 
 namespace koro::internal
@@ -44,22 +44,11 @@ bool IsNoPlainFile(const fs::path& path)
     return fs::exists(status) && !fs::is_regular_file(status);
 }
 
-// The unwinding of a cancelled thread has no object, so its reference binds to null: nothing for the sanitizer.
-__attribute__((noinline, no_sanitize("null"))) bool PassesTest(
-    const EnvironmentInspector::UsabilityTest& isUsable, const std::string& path)
+// One producer that does not load must not hide the others.
+bool PassesTest(const EnvironmentInspector::UsabilityTest& isUsable, const std::string& path)
 {
-    try
-    {
-        return isUsable(path);
-    }
-    catch (const abi::__forced_unwind&)
-    {
-        throw; // a cancelled thread has to unwind to its end
-    }
-    catch (...) // one producer that does not load must not hide the others
-    {
-        return false;
-    }
+    bool passes = false;
+    return Succeeds([&] { passes = isUsable(path); }) && passes;
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "modules/gvcp_command_length.h"
 
 #include "base/exceptions.h"
+#include "base/failures.h"
 #include "modules/device.h"
 #include "modules/remote_device.h"
 #include "nodes/integer_node.h"
@@ -10,7 +11,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cxxabi.h>
 #include <memory>
 #include <string>
 #include <vector>
@@ -50,18 +50,9 @@ std::shared_ptr<TypedNode> Find(NodeMap& map, const char* name)
 template <class Step>
 auto NothingIfItFails(Step&& step) -> decltype(step())
 {
-    try
-    {
-        return step();
-    }
-    catch (const abi::__forced_unwind&) // of a thread that is cancelled
-    {
-        throw;
-    }
-    catch (...)
-    {
-        return {};
-    }
+    decltype(step()) result{};
+    Succeeds([&] { result = step(); });
+    return result;
 }
 
 TestNodes FindNodes(Device& device)
@@ -94,8 +85,7 @@ void TestGVCPCommandLength(Device& device)
 
     std::int64_t length = firstLength;
     std::int64_t step = granularity;
-    try
-    {
+    const bool hasPassed = Succeeds([&] {
         for (;;)
         {
             const std::vector<std::uint8_t> payload(static_cast<std::size_t>(length), '0');
@@ -105,17 +95,10 @@ void TestGVCPCommandLength(Device& device)
             if (length > std::min(nodes.limit->Value(CachePolicy::UseCache), longestDatagram)) return;
             nodes.length->SetValue(length + headerLength);
         }
-    }
-    catch (const abi::__forced_unwind&) // of a thread that is cancelled
-    {
-        throw;
-    }
-    catch (...) // the length that did not pass
-    {
-        if (length <= firstLength) return;
-        length -= step;
-        nodes.length->SetValue(std::min(nodes.limit->Value(CachePolicy::UseCache), length + headerLength));
-    }
+    });
+    if (hasPassed || length <= firstLength) return;
+    length -= step; // the last one that passed
+    nodes.length->SetValue(std::min(nodes.limit->Value(CachePolicy::UseCache), length + headerLength));
 }
 
 } // namespace koro::internal

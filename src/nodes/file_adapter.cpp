@@ -2,13 +2,13 @@
 
 #include "base/exceptions.h"
 #include "base/expiring.h"
+#include "base/failures.h"
 #include "nodes/enumeration_entry_node.h"
 #include "nodes/enumeration_node.h"
 #include "nodes/integer_node.h"
 #include "nodes/translate_genapi_exceptions.h"
 
 #include <algorithm>
-#include <cxxabi.h>
 #include <ios>
 #include <utility>
 
@@ -89,18 +89,7 @@ public:
     // May throw the unwinding of a cancelled thread, and nothing else.
     ~OpenFile() noexcept(false)
     {
-        try
-        {
-            opened.closeFile(opened.fileName.c_str());
-        }
-        catch (const abi::__forced_unwind&)
-        {
-            throw;
-        }
-        catch (...)
-        {
-            // What came before is the answer.
-        }
+        Succeeds([&] { opened.closeFile(opened.fileName.c_str()); }); // a failure would hide the answer
     }
     OpenFile(const OpenFile&) = delete;
     OpenFile& operator=(const OpenFile&) = delete;
