@@ -27,17 +27,19 @@ std::string SuitesOf(std::string_view fileName)
     return filter;
 }
 
-// Results of each file get a file of their own where a folder for results is named.
+// The results of each subject get their own file where the environment names a folder for results: runs at the same
+// time would choose one name. To be called before GoogleTest is initialised, which opens the file.
 void NameResults(const std::string& subject)
 {
-    std::string& output = GTEST_FLAG_GET(output);
-    if (output.ends_with('/')) output += "boundary_" + subject + ".xml";
+    const std::string output = GTEST_FLAG_GET(output);
+    if (output.ends_with('/')) GTEST_FLAG_SET(output, output + "boundary_" + subject + ".xml");
 }
 
 } // namespace
 
 int main(int argc, char** argv)
 {
+    if (argc > 1) NameResults(argv[1]);
     testing::InitGoogleMock(&argc, argv);
     if (argc < 2) return RUN_ALL_TESTS();
     const std::string subject = argv[1];
@@ -47,7 +49,6 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "no test lies in %s_test.cpp\n", subject.c_str());
         return 1;
     }
-    NameResults(subject);
     // A filter of the command line stays: a death test starts the program again with one.
     if (GTEST_FLAG_GET(filter) == "*") GTEST_FLAG_SET(filter, filter);
     return RUN_ALL_TESTS();
