@@ -21,6 +21,9 @@ extern "C" {
  * closed when no call uses it any more. Waits that are running on it and on its streams return
  * KORO_RETURN_CODE_ABORTED. If another thread is inside a call below the device, streams that no call uses are closed
  * first, and this may wait as KORO_DataStream_Destruct does. The function waits for nothing else.
+ *
+ * While a call is running on the device itself, which includes the library's own work after a reconnection, its streams
+ * stay open too, and the producer may write into queued buffers. Destruct the streams first, or keep the memory.
  */
 KORO_API KORO_ReturnCode KORO_Device_Destruct(KORO_DeviceHandle deviceHandle);
 

@@ -11,11 +11,12 @@ using namespace koro::internal;
 namespace
 {
 
-// What came together with the end of the controller is lost with it, and the wait is one that the end has reached.
+// An event that arrives while the controller ends is lost with it: the wait returns as one that the end has ended.
 KORO_EventHandle EnterEvent(const std::shared_ptr<EventController>& controller, const std::shared_ptr<Event>& event)
 {
     try
     {
+        if (controller->HasEndReached()) throw EventController::EndedWait();
         return Table<Event>().Add(event, controller);
     }
     catch (const Exception&)

@@ -651,6 +651,24 @@ TEST_P(EndOfAWait, IsThatOfAKillAlsoWhereAnEventHasCome)
     if (!Get<KORO_Bool8>(KORO_Library_IsInitialized)) Require(KORO_Library_Initialize());
 }
 
+TEST_P(EndOfAWait, IsThatOfAKillAlsoWhereAnEventIsTakenDuringTheEnd)
+{
+    const auto controller = EnableEvents(GenTL::EVENT_ERROR);
+    CallAtAGate wait(producer, "EventGetData");
+    KORO_EventHandle event = nullptr;
+    wait.Enter([&] { return KORO_EventController_WaitForEvent(controller, KORO_INFINITE, &event); });
+    ASSERT_TRUE(producer->Fire(streamID, GenTL::EVENT_ERROR, "block"));
+    std::optional<KORO_ReturnCode> code;
+    producer->Intercept("EventKill", [&](const auto&) {
+        if (!code) code = wait.Leave().code;
+        return GenTL::GC_ERR_SUCCESS;
+    });
+    EXPECT_EQ(GetParam().end(tree), KORO_RETURN_CODE_SUCCESS);
+    EXPECT_EQ(code, KORO_RETURN_CODE_ABORTED);
+    EXPECT_EQ(event, nullptr);
+    if (!Get<KORO_Bool8>(KORO_Library_IsInitialized)) Require(KORO_Library_Initialize());
+}
+
 TEST_P(EndOfAWait, IsThatOfAKillAlsoWhereAFrameHasCome)
 {
     StartWithBuffers(1);

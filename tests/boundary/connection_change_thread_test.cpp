@@ -6,13 +6,16 @@
 
 #include <atomic>
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <future>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <thread>
+#include <unistd.h>
 #include <vector>
 
 namespace koro::test
@@ -36,6 +39,20 @@ void AwaitNumThreads(std::size_t count)
 {
     while (NumThreads() != count)
         std::this_thread::yield();
+}
+
+// Returns when the system has put the thread to sleep, for a lock or a condition, or when the thread has ended.
+void AwaitSleepOrEnd(pid_t thread)
+{
+    const std::string path = "/proc/self/task/" + std::to_string(thread) + "/stat";
+    for (;;)
+    {
+        std::ifstream file(path);
+        const std::string text{std::istreambuf_iterator<char>(file), {}};
+        const auto name = text.rfind(") "); // the state follows
+        if (name == std::string::npos || text[name + 2] == 'S') return;
+        std::this_thread::yield();
+    }
 }
 
 class ConnectionChangeThread : public testing::Test
@@ -416,26 +433,24 @@ TEST_F(EndDuringACallback, OfTheInterfaceWaits)
 TEST_F(EndDuringACallback, OfTheInterfaceWaitsOnTwoThreads)
 {
     std::promise<void> entered;
-    std::atomic<int> numBegun{0};
+    std::promise<pid_t> begun[2];
     std::atomic<int> numEnded{0};
     reports.onReport = [&](KORO_DeviceDescriptorHandle) {
         entered.set_value();
-        while (numBegun < 2)
-            std::this_thread::yield();
-        for (int turn = 0; turn < 10000; ++turn)
-            std::this_thread::yield(); // both are most likely inside by then
+        for (auto& thread : begun)
+            AwaitSleepOrEnd(thread.get_future().get());
         EXPECT_EQ(numEnded, 0);
     };
     ASSERT_TRUE(producer.Send({.deviceFlag = 0}));
     entered.get_future().wait();
-    const auto end = [&] {
-        ++numBegun;
+    const auto end = [&](int thread) {
+        begun[thread].set_value(gettid());
         const auto code = KORO_Interface_Destruct(interface);
         ++numEnded;
         return code;
     };
-    auto other = std::async(std::launch::async, end);
-    const auto code = end();
+    auto other = std::async(std::launch::async, end, 1);
+    const auto code = end(0);
     const auto otherCode = other.get();
     EXPECT_TRUE(code == KORO_RETURN_CODE_SUCCESS || otherCode == KORO_RETURN_CODE_SUCCESS);
     EXPECT_EQ(CallsOf({"IFClose"}), Strings{"IFClose(if0)"});
@@ -444,17 +459,16 @@ TEST_F(EndDuringACallback, OfTheInterfaceWaitsOnTwoThreads)
 TEST_F(EndDuringACallback, OfTheInterfaceIsRefusedToTheCallbackThatAnotherThreadWaitsFor)
 {
     std::promise<void> entered;
-    std::promise<void> ending;
-    Error outcome = deadlock;
+    std::promise<pid_t> ending;
+    Error outcome;
     reports.onReport = [&](KORO_DeviceDescriptorHandle) {
         entered.set_value();
-        ending.get_future().wait();
-        for (int turn = 0; turn < 10000 && outcome == deadlock; ++turn)
-            outcome = Outcome(KORO_Interface_Destruct(interface)); // the other thread comes to wait meanwhile
+        AwaitSleepOrEnd(ending.get_future().get());
+        outcome = Outcome(KORO_Interface_Destruct(interface));
     };
     ASSERT_TRUE(producer.Send({.deviceFlag = 0}));
     entered.get_future().wait();
-    ending.set_value();
+    ending.set_value(gettid());
     EXPECT_EQ(Outcome(KORO_Interface_Destruct(interface)), Error{});
     EXPECT_EQ(outcome, deadlock);
     EXPECT_EQ(CallsOf({"IFClose"}), Strings{"IFClose(if0)"});
