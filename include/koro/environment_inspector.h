@@ -4,7 +4,6 @@
  * There is one list per process. It is empty before the first update and outlives KORO_Library_Close. Any thread may
  * call these functions. An update loads each new candidate once to find out whether it can be used; readers wait
  * meanwhile.
- * an update blocks the readers, since it loads each new candidate once to see whether it can be used.
  */
 #ifndef KORO_ENVIRONMENT_INSPECTOR_H
 #define KORO_ENVIRONMENT_INSPECTOR_H

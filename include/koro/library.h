@@ -30,12 +30,6 @@ KORO_API KORO_ReturnCode KORO_Library_Initialize(void);
  * the objects that it uses when it returns, children before parents. There is one exception: to revoke a buffer that is
  * attached to a node map it takes the lock of that map, as KORO_DataStream_Destruct does, and KORO_Library_Initialize
  * and KORO_Library_Close on other threads wait as long.
- * The code of a producer that has started stays mapped: docs/ownership.md. Waits that are inside return
- * KORO_RETURN_CODE_ABORTED, and callbacks of changed information and of the producer's own reports are waited for. Any
- * other call on another thread is not: what it uses is closed when it returns, children before parents. One exception:
- * to revoke a buffer that is attached to a node map it takes the lock of that map, as KORO_DataStream_Destruct does,
- * and KORO_Library_Initialize and KORO_Library_Close on other threads wait with it. Closing what was never initialised
- * is a success.
  * During the last close KORO_Library_Initialize and KORO_Library_Close return KORO_RETURN_CODE_ERROR when they are
  * called in a callback that the close waits for, in a changed callback of a node, or on a thread that holds the lock of
  * a node map.
