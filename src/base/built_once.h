@@ -1,8 +1,8 @@
 // BuiltOnce: a value that is built on first use and never changes afterwards.
 //
-// No lock is held while it is built, so a build may take any lock in any order, and so may those who wait for nothing:
-// callers that come at the same time each build, one result is kept and the others are dropped. A failure leaves the
-// next caller to build. For one that must not be built twice see Once.
+// No lock is held during the build, so a build may take any lock. Callers that arrive at the same time each build a
+// value; one result is kept and the others are discarded. After a failure the next caller builds again. For a value
+// that must not be built twice see Once.
 #pragma once
 
 #include <atomic>
@@ -20,7 +20,7 @@ public:
     BuiltOnce& operator=(const BuiltOnce&) = delete;
     ~BuiltOnce() { delete kept.load(std::memory_order_acquire); }
 
-    // Any thread. The value lives as long as this object.
+    // Thread-safe. The value lives as long as this object.
     template <class Build>
     const T& Get(Build&& build)
     {

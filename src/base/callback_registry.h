@@ -1,7 +1,7 @@
 // TCallbackManager: the registry of callbacks of one kind and one owner.
 //
-// Its mutex is held while callbacks run. A callback that comes back to the registry that is calling it gets the
-// standard deadlock error (CheckedMutex); other threads wait until the round is over.
+// Its mutex is held while callbacks run. A callback that calls the registry that is calling it gets the standard
+// deadlock error (CheckedMutex); other threads wait until all callbacks have been called.
 #pragma once
 
 #include "base/checked_mutex.h"

@@ -1,7 +1,7 @@
 // CheckedMutex: a plain, non-recursive mutex that knows its owner.
 //
-// A second lock by the owning thread throws the standard deadlock error instead of hanging. For the locks
-// that are held while an application's callback runs.
+// A second lock by the owning thread throws the standard deadlock error instead of waiting forever. Used for locks that
+// are held while callbacks of the application run.
 #pragma once
 
 #include <atomic>

@@ -1,8 +1,8 @@
-// EndedObjects: keeps the addresses of objects that have ended out of use for a while, first in, first out.
+// EndedObjects: prevents the addresses of ended objects from being used again for a while, first in, first out.
 //
-// A handle is an address: were it given to the next object of the kind, a stale handle would name a stranger. What is
-// kept is the memory that std::make_shared took for the object, by a weak reference; all that the object owned is
-// freed. Under the address sanitizer this memory is poisoned. Any thread.
+// A handle is an address. If the next object of the kind received the address, an old handle would refer to the wrong
+// object. EndedObjects keeps the memory that std::make_shared allocated, by a weak reference; everything that the
+// object owned is freed. The address sanitizer sees this memory as poisoned. Thread-safe.
 #pragma once
 
 #include <cstddef>

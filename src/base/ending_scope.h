@@ -1,9 +1,10 @@
-// EndingScope: while it lives, its thread works on objects that have been ended.
+// EndingScope: while it exists, its thread works on objects that have been ended.
 //
-// Each end has a number, which marks the objects that it ends. Its thread finds their entries, which are hidden from
-// other threads, and as parents they do not count as gone. Nor do the parents that a scope names: for an object that
-// closes after others have ended its parent, and for an operation that outlasts the end of a parent on purpose. What
-// other ends have ended is ended for this thread as well, in the callbacks that it runs meanwhile too.
+// Each end has a number, which marks the objects that it ends. Its thread still finds their entries, which other
+// threads do not see, and these objects still count as parents for it. A scope can also name parents that still count:
+// for an object that closes after its parent was ended by others, and for an operation that intentionally outlasts the
+// end of a parent. Objects that other ends have ended count as ended for this thread too, also in the callbacks that it
+// runs meanwhile.
 #pragma once
 
 #include <cstdint>

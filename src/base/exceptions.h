@@ -1,7 +1,7 @@
-// The exception family: every failure below the exported functions.
+// The exception classes: all failures below the exported functions.
 //
-// what() is exactly the text that the thrower composed: no prefix, class name or code is added.
-// The return code of each class is decided in capi/call_frame.cpp alone.
+// what() is exactly the text that the thrower composed: no prefix, class name or code is added. Only
+// capi/call_frame.cpp maps the classes to return codes.
 #pragma once
 
 #include <stdexcept>

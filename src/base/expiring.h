@@ -1,4 +1,4 @@
-// LockOrThrow: the way from a child to its parent.
+// LockOrThrow: access from a child to its parent.
 #pragma once
 
 #include "base/ending_scope.h"

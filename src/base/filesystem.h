@@ -1,4 +1,4 @@
-// One name for the file system library: ghc::filesystem where the system has it, else the standard one.
+// One name for the file system library: ghc::filesystem where it is installed, otherwise the standard library.
 #pragma once
 
 #ifdef KORO_HAVE_GHC_FILESYSTEM

@@ -1,9 +1,9 @@
-// Hold: what the entry of a handle shares with the calls that came by it: the reference to the object.
+// Hold: the reference to an object that the entry of a handle shares with the calls that use the handle.
 //
-// An object ends with its last hold: when its entries have gone and the last call has left, on the thread of that call.
-// A call costs one reference to the hold of its own object and nothing for the parents. What is above is added by the
-// one who ends it: a hold that is left over keeps the hold above, so that no parent closes before its child.
-// See capi/closing.h.
+// An object ends with its last hold: after its entries have been removed and the last call has returned, on the thread
+// of that call. A call costs one reference to the hold of its own object and none for the parents. The thread that ends
+// a parent links the remaining holds: a hold that is still used keeps the hold of its parent, so no parent closes
+// before its child. See capi/closing.h.
 #pragma once
 
 #include <atomic>

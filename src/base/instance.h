@@ -1,7 +1,7 @@
-// Instance: common base of everything that an application can hold a handle for.
+// Instance: the common base of all objects that have handles.
 //
-// It carries the destruction callbacks, and the links between handles: the holds of its own handles, and those of the
-// handles that end with it. Any thread.
+// It stores the destruction callbacks and the links between handles: the holds of its own handles, and those of the
+// handles that end with it. Thread-safe.
 #pragma once
 
 #include "base/ending_scope.h"

@@ -1,4 +1,4 @@
-// Once: a step that is done once, by whoever comes first; a failure leaves it open for the next caller.
+// Once: a step that is executed once, by the first caller; after a failure the next caller tries again.
 //
 // std::call_once promises the same, but its underlying pthread_once hangs at the second call after an
 // exception when a thread sanitizer watches it.
@@ -13,7 +13,7 @@ namespace koro::internal
 class Once
 {
 public:
-    // Any thread. Callers that come while the step runs wait for its end.
+    // Thread-safe. Callers that come while the step runs wait for its end.
     template <class Step>
     void Run(Step&& step)
     {

@@ -1,5 +1,5 @@
-// The library's own threads: a monitor's and a listener's. Who ends what they serve waits for them, and with them for a
-// callback of the application that they are in: that callback must not wait in turn.
+// The library's own threads: monitors and listeners. Ending an object waits for the threads that serve it, and so for a
+// callback of the application that runs on such a thread. That callback must not wait in turn.
 #pragma once
 
 namespace koro::internal

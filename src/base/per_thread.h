@@ -1,8 +1,8 @@
-// PerThread: an object that each thread has for itself, made on first use and destroyed with the thread.
+// PerThread: an object that each thread has for itself, created on first use and destroyed with the thread.
 //
-// Declare it constinit thread_local. Unlike a plain thread_local object it may be used to the very end: what runs
-// after the thread's own objects have gone, such as static objects and exit handlers of an application on the main
-// thread, finds a new object and not a destroyed one. While it exists the library stays mapped.
+// Declare it constinit thread_local. Unlike a plain thread_local object it may be used until the very end: code that
+// runs after the thread's own objects were destroyed, such as static objects and exit handlers on the main thread, gets
+// a new object instead of a destroyed one. While it exists the library stays mapped.
 #pragma once
 
 #include <cstddef>

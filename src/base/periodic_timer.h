@@ -1,7 +1,7 @@
-// PeriodicTimer: calls its tick function at an interval, on a thread of its own that lives from Start() to a stop.
+// PeriodicTimer: calls its tick function at an interval, on its own thread, from Start() until it is stopped.
 //
-// A stop takes effect within 50 ms and the length of a tick; a new interval counts for the wait that is running. Any
-// thread, but stopping and the end of the timer never on the timer's own.
+// A stop takes effect within 50 ms plus the length of a tick; a new interval applies to the wait that is running.
+// Thread-safe, but do not stop or destroy the timer on its own thread.
 #pragma once
 
 #include <atomic>

@@ -1,6 +1,6 @@
-// What bodies of exports do with their arguments: look up handles, test pointers, hand results out.
+// What all exported functions do with their arguments: look up handles, check pointers, return results.
 //
-// Handles come first: a call with a dead handle and a null pointer reports the handle.
+// Handles are checked first: a call with an invalid handle and a null pointer reports the handle.
 #pragma once
 
 #include "capi/call_frame.h"

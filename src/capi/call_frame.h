@@ -1,7 +1,7 @@
-// The call frame: what every exported function runs in.
+// The call frame, in which the body of every exported function runs.
 //
-// It refuses calls before initialisation and turns whatever leaves the body into a return code and a last error. No
-// exception crosses the boundary; only the unwinding of a cancelled thread passes. No lock; a successful call
+// It refuses calls before initialisation and converts every exception of the body into a return code and a last error.
+// No exception crosses the C interface, except the unwinding of a cancelled thread. It takes no lock; a successful call
 // allocates nothing here.
 #pragma once
 

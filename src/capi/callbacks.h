@@ -1,4 +1,4 @@
-// Callbacks of the application at the boundary.
+// Callbacks of the application at the C interface.
 #pragma once
 
 #include "capi/arguments.h"

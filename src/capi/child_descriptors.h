@@ -1,5 +1,5 @@
-// Descriptors of children at the boundary: entering them, withdrawing them when their child is lost, and calling the
-// application's found and lost callbacks.
+// Descriptors of children at the C interface: entering them in the handle tables, removing them when their child is
+// lost, and calling the found and lost callbacks of the application.
 #pragma once
 
 #include "base/expiring.h"

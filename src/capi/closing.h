@@ -1,9 +1,9 @@
-// Closing: how objects end whose handles were handed out.
+// Closing: how objects that have handles end.
 //
-// An end waits for the monitors and listeners of what ends, and for nobody else but who has the lock of a node map that
-// an attached buffer is taken off. A call that is inside keeps its object and, from the end on, all that is above it:
-// so the last thread out closes children before parents and the producer last. See
-// docs/decisions/0021-the-last-one-out-closes.md.
+// An end waits for the monitors and listeners of the ended objects, and for a thread that holds the lock of a node map
+// from which an attached buffer must be removed; it waits for nothing else. A running call keeps its object and, from
+// the end on, all parents of the object: so the last thread that leaves closes children before parents and the producer
+// last. See docs/decisions/0021-the-last-one-out-closes.md.
 #pragma once
 
 #include "base/ending_scope.h"

@@ -1,4 +1,5 @@
-// The pointers of this family are tested first, and its messages are its own: texts do not change.
+// This family checks its pointers first and has its own messages. Programs may depend on the messages, so they do not
+// change.
 #include "nodes/file_adapter.h"
 
 #include "capi/arguments.h"

@@ -1,4 +1,4 @@
-// The 36 kinds of handles and the class that each stands for.
+// The 36 kinds of handles and the class that belongs to each.
 #pragma once
 
 #include <koro/types.h>

@@ -1,11 +1,11 @@
 // HandleTable: the handles of one kind, each with a hold of its object.
 //
-// The entry is what keeps an object alive on behalf of the application; a call that comes by it shares its hold. An
-// entry with a parent ends with the parent object. Any thread. Sharded, so that threads with different objects rarely
-// meet; no hold is dropped under a shard's mutex. The address of an object whose entry has gone stays out of use for a
-// while: see base/ended_objects.h.
+// The entry keeps the object alive on behalf of the application; a call through the handle shares the entry's hold. An
+// entry with a parent ends with the parent object. Thread-safe. The table is divided into shards, so threads that use
+// different objects rarely wait for each other; no hold is released while a shard's mutex is held. The address of an
+// object whose entry was removed is not used again for a while: see base/ended_objects.h.
 //
-// Lock order: a shard's mutex, then that of an Instance.
+// Lock order: the mutex of a shard before that of an Instance.
 #pragma once
 
 #include "base/ended_objects.h"

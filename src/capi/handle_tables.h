@@ -1,6 +1,6 @@
 // HandleTables: the tables of all kinds, in the order in which closing the library empties them.
 //
-// One for the process, made by the first initialisation; see capi/library_state.h. Any thread.
+// There is one object per process, created by the first initialisation; see capi/library_state.h. Thread-safe.
 #pragma once
 
 #include "capi/handle_table.h"

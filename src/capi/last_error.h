@@ -1,7 +1,7 @@
 // The last error: code and text of the calling thread's most recent failure.
 //
-// One record per thread, from its first use to the thread's end; no lock, since nothing is shared. Nothing clears
-// it: neither a later success nor closing the library.
+// There is one record per thread, from its first use to the end of the thread; it needs no lock. Neither a later
+// success nor closing the library clears it.
 #pragma once
 
 #include <koro/return_codes.h>

@@ -1,6 +1,6 @@
-// The library's life: a counter of initialisations, and the handle tables from the first of them on.
+// The life of the library: a count of initialisations, and the handle tables from the first initialisation on.
 //
-// Any thread; starting and closing exclude each other.
+// Thread-safe; initialising and closing exclude each other.
 #pragma once
 
 namespace koro::internal

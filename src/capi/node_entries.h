@@ -1,4 +1,4 @@
-// Nodes at the boundary: entering them.
+// Nodes at the C interface: entering them in the handle tables.
 #pragma once
 
 #include "capi/arguments.h"

@@ -1,7 +1,7 @@
-// The four routines by which every result leaves through the caller's memory.
+// The four functions that write results to the caller's memory.
 //
-// `name` is the result's parameter and the base of all messages. A null buffer is a size query; a buffer that is too
-// small is not touched, and neither is its size.
+// `name` is the name of the parameter; all messages contain it. A null buffer is a size query. A buffer that is too
+// small is not changed, nor is its size.
 #pragma once
 
 #include "capi/last_error.h"

@@ -1,8 +1,8 @@
-// FirmwareUpdatableDevice: the device that the runtime applies an update to: opened, prepared, and found again after
-// its resets.
+// FirmwareUpdatableDevice: the device to which the runtime applies an update. It opens and prepares the device, and
+// finds it again after resets.
 //
-// Lives on the stack of one update, on the caller's thread, and keeps the device open for as long. No lock is held
-// while it searches. Failures go up as they are raised, missing node maps as the standard out-of-range failure.
+// Exists during one update, on the caller's thread, and keeps the device open meanwhile. No lock is held while it
+// searches. Failures pass unchanged; a missing node map is the standard out-of-range failure.
 #pragma once
 
 #include "firmware/search_clock.h"

@@ -1,8 +1,8 @@
-// FirmwareUpdateInformation: what an update file says about one of its updates.
+// FirmwareUpdateInformation: the information of an update file about one of its updates.
 //
-// A copy of the runtime's own, so it needs neither the file nor the updater that read it. Shared by the handle table
-// and whoever collected it. Constant. Standard failures leave as InternalErrorException; those of the runtime are not
-// translated.
+// A copy of the runtime's record, so it needs neither the file nor the updater that read it. Shared by the handle table
+// and the updater or observer. Constant. Standard exceptions leave as InternalErrorException; exceptions of the runtime
+// are not translated.
 #pragma once
 
 #include "base/instance.h"

@@ -1,7 +1,7 @@
-// FirmwareUpdateInformationCollector: takes the updates of a file while the runtime reads it: all of them, or those
+// FirmwareUpdateInformationCollector: receives the updates of a file while the runtime reads it: all of them, or those
 // that fit one device.
 //
-// Lives on the stack of one call.
+// Exists during one call.
 #pragma once
 
 #include <FirmwareUpdate/FirmwareUpdateInfoCollector.h>

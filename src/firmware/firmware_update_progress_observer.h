@@ -1,8 +1,8 @@
-// FirmwareUpdateProgressObserver: the callbacks of an application that follows updates: six kinds of report, each with
-// any number of callbacks.
+// FirmwareUpdateProgressObserver: the callbacks of an application that observes updates. There are six kinds of
+// reports, each with any number of callbacks.
 //
-// Owned by the handle table, and by an update as long as it runs. Any thread. Reports come on the thread that updates,
-// one at a time; a trigger's mutex is held meanwhile.
+// Owned by the handle table, and by an update while it runs. Thread-safe. Reports are made on the thread that updates,
+// one at a time, while the mutex of their callback list is held.
 #pragma once
 
 #include "base/callback_registry.h"

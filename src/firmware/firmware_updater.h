@@ -1,7 +1,8 @@
 // FirmwareUpdater: reads update files, and applies one update to one device.
 //
-// Owned by the handle table. Any thread; the reading of a file and an update run to their end on the caller's, and no
-// lock is held meanwhile. GenICam exceptions are translated, standard ones leave as InternalErrorException.
+// Owned by the handle table. Thread-safe; reading a file and updating run on the caller's thread until they are done,
+// and no lock is held meanwhile. GenICam exceptions are translated, standard exceptions leave as
+// InternalErrorException.
 #pragma once
 
 #include "base/instance.h"

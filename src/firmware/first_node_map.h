@@ -1,4 +1,4 @@
-// The node map of a module that an update works on: the first.
+// The node map of a module that an update uses: the first one.
 #pragma once
 
 #include "modules/device.h"

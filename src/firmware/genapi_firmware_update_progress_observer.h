@@ -1,6 +1,6 @@
-// GenApiFirmwareUpdateProgressObserver: through which the runtime reaches an observer.
+// GenApiFirmwareUpdateProgressObserver: passes reports of the runtime to an observer.
 //
-// Lives on the stack of one update, and keeps the observer for as long. What a callback throws goes up to the runtime.
+// Exists during one update and keeps the observer meanwhile. Exceptions of callbacks pass to the runtime.
 #pragma once
 
 #include <FirmwareUpdate/FirmwareUpdateProgressObserver.h>

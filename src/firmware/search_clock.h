@@ -1,4 +1,4 @@
-// SearchClock: the time and the pauses by which a device is searched. Tests bring their own.
+// SearchClock: the clock and the pauses of the search for a device. Tests replace it.
 #pragma once
 
 #include <chrono>

@@ -1,9 +1,9 @@
-// TGenTLChildManager: the list of what lies below a module in the producer's tree.
+// TGenTLChildManager: the list of the children of a module in the producer's tree.
 //
-// An update asks the producer for the present children, matches them by key against those held, keeps the object of
-// a child that stayed, and reports what was lost and what was found. Nothing but the key is ever compared.
-// Any thread; `listMutex` is held across the producer calls of an update, never during a callback. Reports come in the
-// order of the walks that made them, so for one child what was found before its loss.
+// An update queries the producer for the current children and compares their keys with the stored ones. It keeps the
+// object of a child that is still there, and reports lost and found children. Only the keys are compared. Thread-safe;
+// `listMutex` is held during the producer calls of an update, never during a callback. Reports are delivered in the
+// order of the updates that made them, so a child is reported as found before it is reported as lost.
 #pragma once
 
 #include "base/callback_registry.h"

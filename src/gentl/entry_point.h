@@ -1,7 +1,7 @@
 // Entry points: callable members of GenTLProxy, one for each function of a producer.
 //
-// Each knows its name, so that no message can name another function than the one that was called.
-// Bound once while the proxy is constructed, read-only afterwards. Any thread may call.
+// Each one stores its name, so a message always names the function that was called. They are bound once while the proxy
+// is constructed and never change afterwards. Thread-safe.
 #pragma once
 
 #include "gentl/api/gentl.h"

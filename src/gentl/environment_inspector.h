@@ -1,7 +1,7 @@
-// EnvironmentInspector: the producers that GENICAM_GENTL64_PATH leads to.
+// EnvironmentInspector: the producers in the directories of GENICAM_GENTL64_PATH.
 //
-// One for the process, never destroyed before its end; closing the library leaves it alone. Any thread; a producer
-// that comes back here while it is tested gets the standard deadlock error.
+// There is one object per process. It is never destroyed, and closing the library does not change it. Thread-safe; a
+// producer that calls it while being tested gets the standard deadlock error.
 #pragma once
 
 #include "base/checked_mutex.h"

@@ -1,7 +1,7 @@
-// GenTLCaller: the checked layer over a producer's entry points, held by value by everything that calls it.
+// GenTLCaller: checked calls of a producer's functions. Objects that call the producer hold one by value.
 //
-// It is one shared reference to the proxy. The function is named once, as the entry point, so that the call and the
-// name in the message of its failure cannot differ:
+// It contains one shared reference to the proxy. A call names the function once, as its entry point, so the called
+// function and the name in an error message cannot differ:
 //
 //     gentl.Call<&GenTLProxy::DSQueueBuffer>(Handle(), buffer.Handle());
 #pragma once

@@ -1,6 +1,6 @@
-// What a failed GenTL call turns into: the producer's code and text, one message format, one table of exceptions.
+// The conversion of a failed GenTL call: the producer's code and text, one message format, one table of exceptions.
 //
-// Call and fetch have to happen on one thread: the producer keeps its last error per thread.
+// Fetch the error on the thread of the failed call: the producer stores its last error per thread.
 #pragma once
 
 #include "gentl/gentl_proxy.h"

@@ -1,8 +1,8 @@
 // GenTLProxy: one loaded GenTL producer with the table of its entry points.
 //
-// Held by shared reference by everything that belongs to the producer, so that the file stays loaded while any of
-// it lives; one that has started stays mapped to the end of the process. Constant after construction: all threads call
-// through it without a lock.
+// All objects of the producer share a reference to it, so the file stays loaded while one of them exists. A producer
+// that has started stays mapped until the process ends. Constant after construction, so all threads call through it
+// without a lock.
 #pragma once
 
 #include "gentl/api/gentl.h"

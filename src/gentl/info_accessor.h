@@ -1,7 +1,7 @@
-// TGenTLInfoAccessor: typed queries of a GenTL object's information, a base of each class that has some.
+// TGenTLInfoAccessor: typed queries of a GenTL object's information. A base of each class that has information.
 //
-// A query is two producer calls, size and data, and nothing is cached: every value is read fresh. The delivered
-// type and size have to be the expected ones. Standard exceptions leave as InternalErrorException. Any thread.
+// A query calls the producer twice, for size and data. Nothing is cached. The delivered type and size must be the
+// expected ones. Standard exceptions leave as InternalErrorException. Thread-safe.
 #pragma once
 
 #include "base/exceptions.h"

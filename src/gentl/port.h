@@ -1,8 +1,7 @@
-// Port: the register road of one module, and the list of URLs at which its description lies.
+// Port: register access of one module, and the list of URLs of its descriptions.
 //
-// Shared by the owning module, by its node maps and weakly by its PortURLs. The GenTL handle belongs to the module
-// that made the port and is not closed here. Any thread: no lock is taken around a transfer, its order is the
-// producer's business.
+// Shared by the owning module and its node maps; PortURLs hold it weakly. The GenTL handle belongs to the module that
+// created the port and is not closed here. Thread-safe: no lock is taken around a transfer, the producer orders them.
 #pragma once
 
 #include "base/instance.h"

@@ -1,7 +1,7 @@
-// PortURL: one place where the description of a port's module lies, as the producer tells it.
+// PortURL: one location of a module's description, as the producer reports it.
 //
-// Made by its port's list; holds the port weakly. Everything is asked of the producer at each call, and throws
-// InternalErrorException once the port has gone. Any thread.
+// Created by the list of its port, which it holds weakly. Every operation queries the producer and throws
+// InternalErrorException after the port has ended. Thread-safe.
 #pragma once
 
 #include "base/instance.h"

@@ -1,9 +1,9 @@
-// The text of a port's URL, for producers that do not answer the questions about its parts:
+// Parsers for the text of a port's URL, for producers that do not answer queries about its parts:
 //
 //     local:///name.xml;F0F00000;3BF?SchemaVersion=1.0.0      scheme : name ; register address ; size ? query
 //
-// Address and size are hexadecimal, with or without 0x. Each parser looks at its own part alone and is empty when that
-// cannot be read.
+// Address and size are hexadecimal, with or without 0x. Each parser reads only its own part and returns empty if that
+// part cannot be read.
 #pragma once
 
 #include <cstdint>

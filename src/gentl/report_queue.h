@@ -1,8 +1,8 @@
-// ReportQueue: the reports of one list of children, delivered in the order in which they came, each once.
+// ReportQueue: the reports of one list of children, each delivered once, in the order of their arrival.
 //
-// One thread at a time delivers, under no lock of the queue. A report may lead to further ones: what comes while its
-// thread is inside a report, of any queue, or is one of the library's own, is left to the thread that is delivering and
-// waited for by nobody, so that reports cannot wait for each other in a circle. Any thread.
+// One thread at a time delivers; the queue's lock is not held meanwhile. A report may cause further reports. If a
+// thread that adds one is inside a report of any queue, or is a thread of the library, it does not wait: the thread
+// that is delivering delivers the new report too. So reports cannot wait for each other in a circle. Thread-safe.
 #pragma once
 
 #include <condition_variable>

@@ -1,6 +1,7 @@
 // SharedObject: one loaded .cti file.
 //
-// Owned by GenTLProxy only. The destructor unloads the file, unless KeepMapped was called. Any thread once constructed.
+// Owned only by GenTLProxy. The destructor unloads the file, unless KeepMapped was called. Thread-safe after
+// construction.
 #pragma once
 
 #include <string>

@@ -1,8 +1,8 @@
-// Buffer: one GenTL buffer of a data stream; every question about it goes to the producer at that moment.
+// Buffer: one GenTL buffer of a data stream. Every query calls the producer.
 //
-// The image's memory belongs to whoever announced it and is never touched here. Owned by the stream and by the
-// handle table until it is revoked; holds the stream weakly. Every operation that asks the producer throws
-// InternalErrorException once the stream has gone or the buffer was revoked. Any thread.
+// The image memory belongs to the application or the producer, whichever allocated it, and is never accessed here. The
+// stream and the handle table own the buffer until it is revoked; it holds the stream weakly. Every operation that
+// calls the producer throws InternalErrorException after the stream has ended or the buffer was revoked. Thread-safe.
 #pragma once
 
 #include "gentl/info_accessor.h"

@@ -1,8 +1,8 @@
-// BufferChunk: one piece of data that a camera sent beside the image, as the producer told it at an update of its
-// Buffer's list.
+// BufferChunk: one block of data that a camera sent together with the image, as the producer reported it when the list
+// of chunks was updated.
 //
-// Id, place and length are a copy: when the buffer holds another image they tell of the former one. Owned by the list
-// of its Buffer and by the handle table; holds the buffer weakly. Any thread: constant.
+// Id, offset and length are copies: when the buffer has been filled again, they still describe the earlier frame. Owned
+// by the list of its Buffer and by the handle table; holds the buffer weakly. Thread-safe, since it is constant.
 #pragma once
 
 #include "base/instance.h"
@@ -24,7 +24,7 @@ public:
 
     std::uint64_t ID() const noexcept { return id; }
 
-    // All throw InternalErrorException once the buffer has gone; the first also whatever its base does.
+    // All throw InternalErrorException after the buffer has ended; the first also whatever its base does.
     void* BasePtr() const;    // from the buffer's base of this moment; not compared with its size
     std::size_t Size() const; // bytes
     std::shared_ptr<Buffer> ParentBuffer() const;

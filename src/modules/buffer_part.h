@@ -1,9 +1,9 @@
-// BufferPart: one image or data block of a buffer that holds several, seen by its index; every question about it goes
-// to the producer at that moment.
+// BufferPart: one image or data block of a buffer that holds several, identified by its index. Every query calls the
+// producer.
 //
-// Owned by the list of its Buffer and by the handle table; holds the buffer weakly. One that its buffer's list has
-// dropped still answers for its index, of what the buffer holds by then. Every operation throws
-// InternalErrorException once the buffer or its stream has gone. Any thread.
+// Owned by the list of its Buffer and by the handle table; holds the buffer weakly. A part that was removed from the
+// list still answers queries about its index, for the current contents of the buffer. Every operation throws
+// InternalErrorException after the buffer or its stream has ended. Thread-safe.
 #pragma once
 
 #include "base/instance.h"

@@ -1,9 +1,9 @@
-// ConnectionChangeEventListener: waits for a producer's reports that a device went or came, and hands each one to all
-// subscribers.
+// ConnectionChangeEventListener: waits for a producer's notifications that a device was disconnected or connected, and
+// passes each one to all subscribers.
 //
-// Owned by its System. A thread of its own waits and delivers; it runs exactly while there is a subscriber. Where the
-// producer lacks the event it is not available, which is no failure. Any thread. An end on its own thread, when a
-// subscriber was the last to hold the system, lets that thread run out.
+// Owned by its System. Its own thread waits and delivers; the thread runs exactly while there is a subscriber. If the
+// producer does not have the event, the listener is not available, which is not a failure. Thread-safe. If a subscriber
+// is the last to hold the system, the listener ends on its own thread, which then runs to its end.
 #pragma once
 
 #include "base/callback_registry.h"

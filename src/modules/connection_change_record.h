@@ -1,7 +1,7 @@
-// The record that a producer's custom event 1000 delivers: a device went, or came.
+// The record of a producer's custom event 1000: a device was disconnected or connected.
 //
-// A format of its own beside the standard, fixed byte by byte; what the fields behind it mean to the producer is not
-// known here.
+// This format is not part of the GenTL standard; its bytes are fixed. The meaning of the last fields is known only to
+// the producer.
 #pragma once
 
 #include "gentl/api/gentl.h"

@@ -1,9 +1,9 @@
-// DataStream: an opened data stream, to which buffers are announced and from which finished ones are taken.
+// DataStream: an opened data stream. Buffers are announced to it, and finished buffers are taken from it.
 //
-// It has no thread and no queue: finished buffers come from the producer's new-buffer event, on the caller's thread,
-// and no image byte is ever copied. What is queued is the producer's to know. Owned by the handle table; holds its
-// Device weakly. Every operation but Key() throws InternalErrorException once the device has gone: a stream that
-// outlives its device cannot be used any more, not even to stop or to close. Any thread.
+// It has no thread and no queue: finished buffers come from the producer's new-buffer event, on the caller's thread.
+// Image data is never copied, and only the producer knows which buffers are queued. Owned by the handle table; holds
+// its Device weakly. Every operation except Key() throws InternalErrorException after the device has ended: a stream
+// that outlives its device can no longer be used, not even to stop or close it. Thread-safe.
 #pragma once
 
 #include "base/expiring.h"

@@ -1,6 +1,6 @@
 // DataStreamDescriptor: a data stream of a device, before it is opened.
 //
-// Held by the child list of its Device, which it holds weakly. Any thread.
+// Held by the child list of its Device, which it holds weakly. Thread-safe.
 #pragma once
 
 #include "modules/module.h"

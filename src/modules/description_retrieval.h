@@ -1,6 +1,6 @@
-// Retrieval: from what a module's port says of its descriptions to the node maps of the module.
+// Retrieval: creates the node maps of a module from the descriptions that its port offers.
 //
-// Reads the descriptions, but parses nothing: the maps do, when they are used. Any thread; no lock is held.
+// Reads the descriptions but does not parse them: the maps do this when they are used. Thread-safe; no lock is held.
 #pragma once
 
 #include "nodes/node_map_description.h"

@@ -1,9 +1,9 @@
 // Device: an opened GenTL device, the transport layer's side of a camera.
 //
-// Owned by the handle table; owns its RemoteDevice, holds its Interface weakly. Everything but Key() throws
-// InternalErrorException once the interface has gone. What is open below it is known to the handle tables alone.
-// It does not react to being reported lost: its calls go to the producer and fail there as they may. Any thread.
-// The destructor closes the producer's device.
+// Owned by the handle table; owns its RemoteDevice, holds its Interface weakly. Every operation except Key() throws
+// InternalErrorException after the interface has ended. Only the handle tables know which of its streams are open. It
+// does not react when it is reported lost: its calls still go to the producer and fail there. Thread-safe. The
+// destructor closes the producer's device.
 #pragma once
 
 #include "base/once.h"

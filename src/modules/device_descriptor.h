@@ -1,7 +1,7 @@
 // DeviceDescriptor: a device that an interface reports, opened or not.
 //
-// Held by the child list of its Interface, which it holds weakly; lives on while a handle or an application holds
-// it. Everything but Key() throws InternalErrorException once the interface has gone. Any thread.
+// Held by the child list of its Interface, which it holds weakly; stays alive while a handle or the application holds
+// it. Every operation except Key() throws InternalErrorException after the interface has ended. Thread-safe.
 #pragma once
 
 #include "modules/device_information.h"

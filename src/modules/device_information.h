@@ -1,6 +1,6 @@
-// DeviceInformation: what a producer tells of a device, common to Device and DeviceDescriptor.
+// DeviceInformation: the information that a producer reports about a device, common to Device and DeviceDescriptor.
 //
-// Each is one query, made at each call. Any thread.
+// Each function queries the producer at each call. Thread-safe.
 #pragma once
 
 #include "gentl/info_accessor.h"

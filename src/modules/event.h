@@ -1,8 +1,7 @@
-// Event: one event taken from an EventController: the block as delivered, and access to the data decoded by the
-// producer.
+// Event: one event from an EventController: the block as delivered, and access to the data that the producer decodes.
 //
-// Made by the controller, which it holds weakly; type and block stay readable after the controller has gone. Any
-// thread.
+// Created by the controller, which it holds weakly; type and block stay readable after the controller has ended.
+// Thread-safe.
 #pragma once
 
 #include "base/instance.h"

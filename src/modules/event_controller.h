@@ -1,8 +1,8 @@
-// EventController: one registration of an event type on a module, from which events are pulled.
+// EventController: one registration of an event type at a module, from which events are taken.
 //
-// Registered from birth; the destructor unregisters. Holds its module weakly, and its events do not keep it alive.
-// There is no thread, no queue and no count here: the queue and the pending kills are the producer's, the waiting
-// thread is the caller's. No lock is held across a wait, so that another thread can end it.
+// The constructor registers, the destructor unregisters. Holds its module weakly; its events do not keep it alive. It
+// has no thread, no queue and no counter: the producer holds the queue and the pending kills, and the caller's thread
+// waits. No lock is held during a wait, so another thread can end it.
 #pragma once
 
 #include "base/instance.h"

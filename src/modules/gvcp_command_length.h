@@ -1,4 +1,4 @@
-// The GVCP command length test: how long a command may be on the way to a GigE Vision camera.
+// The GVCP command length test: determines how long a control command to a GigE Vision camera may be.
 #pragma once
 
 namespace koro::internal

@@ -1,8 +1,9 @@
 // Interface: an opened GenTL interface, with the list of its devices.
 //
-// Owned by the handle table; holds its System weakly. Everything but Key() throws InternalErrorException once that
-// has gone. Any thread; found and lost callbacks run on the thread of the update, those of connection changes on the
-// system's own. The destructor ends the latter and closes the producer's interface.
+// Owned by the handle table; holds its System weakly. Every operation except Key() throws InternalErrorException after
+// the system has ended. Thread-safe; found and lost callbacks run on the thread of the update, callbacks of connection
+// changes on the system's listener thread. The destructor ends the latter callbacks and closes the producer's
+// interface.
 #pragma once
 
 #include "base/callback_registry.h"

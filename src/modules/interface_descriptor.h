@@ -1,7 +1,8 @@
-// InterfaceDescriptor: an interface that a system knows, opened or not.
+// InterfaceDescriptor: an interface in the list of a system, opened or not.
 //
-// Held by the child list of its System, which it holds weakly. Everything but Key() throws InternalErrorException
-// once that has gone. Keeps no link to the interfaces opened from it. Any thread.
+// Held by the child list of its System, which it holds weakly. Every operation except Key() throws
+// InternalErrorException after the system has ended. Has no link to the interfaces that were opened from it.
+// Thread-safe.
 #pragma once
 
 #include "modules/interface_information.h"

@@ -1,6 +1,7 @@
-// InterfaceInformation: what a producer tells of an interface, common to Interface and InterfaceDescriptor.
+// InterfaceInformation: the information that a producer reports about an interface, common to Interface and
+// InterfaceDescriptor.
 //
-// Each is one query, made at each call. Any thread.
+// Each function queries the producer at each call. Thread-safe.
 #pragma once
 
 #include "gentl/info_accessor.h"

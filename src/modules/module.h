@@ -1,9 +1,8 @@
-// Module and ModuleDescriptor: the roots of everything in a producer's tree that can be opened, and of its form before
-// that.
+// Module and ModuleDescriptor: the base classes of all modules that can be opened, and of their descriptors.
 //
-// Nothing below keeps anything above alive: a child holds its parent weakly, a parent holds the descriptors of its
-// children, and what ties an opened child to its parent is the handle table. Module handles are closed by the
-// destructors of the concrete classes; what the producer answers to that reaches nobody.
+// No child keeps its parent alive: a child holds its parent weakly, a parent holds the descriptors of its children, and
+// the handle table links an opened child to its parent. The destructors of the concrete classes close the module
+// handles; failures of these calls are ignored.
 #pragma once
 
 #include "base/instance.h"

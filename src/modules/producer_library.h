@@ -1,7 +1,7 @@
-// ProducerLibrary: one GenTL producer in use, the root of its module tree.
+// ProducerLibrary: one loaded GenTL producer, the root of its module tree.
 //
-// Initialises the producer for its own life. Ends when its handle goes, and the entries of the tree below with it,
-// before the producer's GCCloseLib. Any thread.
+// Keeps the producer initialised during its life. It ends when its handle ends; the entries of the modules below are
+// removed before the producer's GCCloseLib. Thread-safe.
 #pragma once
 
 #include "base/instance.h"

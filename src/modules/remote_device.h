@@ -1,6 +1,6 @@
-// RemoteDevice: the camera's side of an opened device, on the port that the device hands out.
+// RemoteDevice: the camera's side of an opened device, through the port that the device provides.
 //
-// Owned by its Device, which it holds weakly. Its port belongs to the device and is never closed by itself.
+// Owned by its Device, which it holds weakly. Its port belongs to the device and is never closed separately.
 #pragma once
 
 #include "modules/module.h"

@@ -1,9 +1,9 @@
-// TRoleBasedPropertyMonitor: tells when information of an object changes, by asking for it at an interval.
+// TRoleBasedPropertyMonitor: reports changed information of an object, by querying it at an interval.
 //
-// A role is the number of an information command. While a callback is registered, a thread of the monitor's own
-// reads the roles one by one, compares the bytes with the last ones and reports the roles that differ. The first report
-// holds every role that has a value. Roles and interval can be changed at any time; without a callback there is no
-// thread and no query. Any thread; not to be ended on the monitor's own.
+// A role is the number of an information command. While a callback is registered, a thread of the monitor reads the
+// roles one by one, compares their bytes with the previous ones and reports the roles that differ. The first report
+// contains every role that has a value. Roles and interval can be changed at any time; without a callback there is no
+// thread and no query. Thread-safe, but not to be ended on its own thread.
 #pragma once
 
 #include "base/callback_registry.h"

@@ -1,8 +1,8 @@
 // System: the opened system module of one producer, with the list of its interfaces.
 //
-// Owned by the handle table; holds its ProducerLibrary weakly. Everything but Key() throws InternalErrorException
-// once that has gone. Any thread. The destructor ends the thread of the connection reports and closes the producer's
-// system.
+// Owned by the handle table; holds its ProducerLibrary weakly. Every operation except Key() throws
+// InternalErrorException after the library has ended. Thread-safe. The destructor ends the thread for connection
+// changes and closes the producer's system.
 #pragma once
 
 #include "base/once.h"

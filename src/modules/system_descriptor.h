@@ -1,7 +1,7 @@
-// SystemDescriptor: the one system that a producer offers, before it is opened.
+// SystemDescriptor: the system of a producer, before it is opened.
 //
-// Held by its ProducerLibrary, which it holds weakly. Answers by asking the producer through the library; throws
-// InternalErrorException once that has gone. Any thread.
+// Held by its ProducerLibrary, which it holds weakly. Queries the producer through the library; throws
+// InternalErrorException after the library has ended. Thread-safe.
 #pragma once
 
 #include "modules/module.h"

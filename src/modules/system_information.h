@@ -1,6 +1,6 @@
-// SystemInformation: what a producer tells of its system, common to System and SystemDescriptor.
+// SystemInformation: the information that a producer reports about its system, common to System and SystemDescriptor.
 //
-// Each is one query, made at each call. Any thread.
+// Each function queries the producer at each call. Thread-safe.
 #pragma once
 
 #include "gentl/info_accessor.h"

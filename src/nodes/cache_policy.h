@@ -1,4 +1,4 @@
-// CachePolicy: where a read may take its value from.
+// CachePolicy: whether a read may use a cached value.
 #pragma once
 
 #include <cstdint>

@@ -1,6 +1,6 @@
 // CategoryNode: a feature that groups others.
 //
-// Made and owned by its NodeMap. Any thread.
+// Created and owned by its NodeMap. Thread-safe.
 #pragma once
 
 #include "nodes/node.h"

@@ -1,7 +1,7 @@
-// ChunkSource: what a node map asks of a buffer to show its chunks as nodes. Buffers implement it, so that the node
-// maps need not know streams and buffers.
+// ChunkSource: the information about a buffer that a node map needs to present its chunks as nodes. Buffers implement
+// it, so node maps do not depend on streams and buffers.
 //
-// Each question goes to the producer and throws InternalErrorException when the buffer was revoked.
+// Each function queries the producer and throws InternalErrorException after the buffer was revoked.
 #pragma once
 
 #include "gentl/api/gentl.h"

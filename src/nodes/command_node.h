@@ -1,6 +1,6 @@
-// CommandNode: a feature that does something.
+// CommandNode: a feature that executes a command of the device.
 //
-// Made and owned by its NodeMap. Any thread. Executing holds the map's lock; asking and waiting do not.
+// Created and owned by its NodeMap. Thread-safe. Executing holds the lock of the map; queries and waits do not.
 #pragma once
 
 #include "nodes/node.h"

@@ -1,6 +1,6 @@
-// EnumerationEntryNode: one entry of a choice.
+// EnumerationEntryNode: one entry of an enumeration.
 //
-// Made and owned by its NodeMap. Any thread.
+// Created and owned by its NodeMap. Thread-safe.
 #pragma once
 
 #include "nodes/node.h"

@@ -1,6 +1,6 @@
-// EnumerationNode: a feature with a choice.
+// EnumerationNode: a feature whose value is one of a list of entries.
 //
-// Made and owned by its NodeMap. Any thread. Reads take no lock of ours; a write holds the map's.
+// Created and owned by its NodeMap. Thread-safe. Reads take no lock of the library; a write holds the lock of the map.
 #pragma once
 
 #include "nodes/node.h"

@@ -1,4 +1,4 @@
-// EventMessageSize: the size of an event's block as GenApi takes it.
+// EventMessageSize: the size of an event's block as GenApi expects it.
 #pragma once
 
 #include "base/exceptions.h"

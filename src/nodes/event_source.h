@@ -1,5 +1,5 @@
-// EventSource: what a node map asks of an event to show its data as nodes. Events implement it, so that the node maps
-// need not know modules and event controllers.
+// EventSource: the information about an event that a node map needs to present its data as nodes. Events implement it,
+// so node maps do not depend on modules and event controllers.
 #pragma once
 
 #include <cstdint>

@@ -1,6 +1,6 @@
-// The text of feature files, read and written apart from what keeps the records.
+// Reads and writes the text of feature files, independent of the object that stores the records.
 //
-// docs/feature-files.md tells the format. Any thread; nothing is kept between calls.
+// docs/feature-files.md describes the format. Thread-safe; no state is kept between calls.
 #pragma once
 
 #include <Base/GCString.h>

@@ -1,4 +1,4 @@
-// For the magics alone; the stream operators are those of node_map_settings.cpp.
+// Included only for the magic numbers; the stream operators are those of node_map_settings.cpp.
 #define GENAPI_DONT_USE_DEFAULT_PERSISTENCE_FILE_FORMAT
 
 #include "nodes/feature_file.h"

@@ -1,11 +1,11 @@
 // FileAdapter: one file of a device, named by an entry of the enumeration FileSelector.
 //
-// Made by an application, which alone owns it; holds its map weakly, and once that has gone every operation throws
-// InternalErrorException with "Pointer has expired!". Any thread: each operation holds the lock of the map from its
-// first node to its last, so that other threads' node accesses wait for a whole transfer.
+// Created and owned only by the application. Holds its map weakly; after the map has ended every operation throws
+// InternalErrorException with "Pointer has expired!". Thread-safe: each operation holds the lock of the map from its
+// first node to its last, so node accesses of other threads wait for the whole transfer.
 //
-// BadAccessException says which node is missing or may not be used now. What the nodes refuse comes translated; what
-// goes wrong in the middle of a transfer ends it and shows in the number of bytes alone.
+// BadAccessException states which node is missing or must not be used now. Failures of nodes are translated. A failure
+// in the middle of a transfer ends the transfer; only the number of bytes shows it.
 #pragma once
 
 #include "base/instance.h"

@@ -1,7 +1,7 @@
-// GenApiPort: the road on which the nodes of a map reach the registers of a Port.
+// GenApiPort: gives the nodes of a map access to the registers of a Port.
 //
-// Owned by the node map that is connected to it; shares the Port. No cache and no lock of its own: any thread that the
-// map lets through. Exceptions of the Port pass unchanged through the nodes above.
+// Owned by the node map that is connected to it; shares the Port. It has no cache and no lock: the map decides which
+// threads call it. Exceptions of the Port pass unchanged through the nodes.
 #pragma once
 
 #include <GenApi/IPort.h>

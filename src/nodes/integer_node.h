@@ -1,6 +1,6 @@
-// IntegerNode: a feature with a whole number.
+// IntegerNode: a feature with an integer value.
 //
-// Made and owned by its NodeMap. Any thread. Reads take no lock of ours; a write holds the map's.
+// Created and owned by its NodeMap. Thread-safe. Reads take no lock of the library; a write holds the lock of the map.
 #pragma once
 
 #include "nodes/node.h"

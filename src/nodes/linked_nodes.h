@@ -1,7 +1,7 @@
 // LinkedNodes: nodes of one map that another node of the map refers to, by index and by name.
 //
-// Plain pointers on purpose: nodes of one map refer to each other in circles, and the map owns them all. Whoever looks
-// must hold the map. Constant after it was built.
+// Uses plain pointers because nodes of one map refer to each other in circles and the map owns them all. A caller must
+// hold the map. Constant after it was built.
 #pragma once
 
 #include <GenApi/Container.h>

@@ -1,8 +1,8 @@
-// Node: one feature of a node map: what it is called, how it may be used, what it depends on, and news of its changes.
+// Node: one feature of a node map: its names, access, relations to other nodes, and notification of its changes.
 //
-// Owned by its NodeMap, which it holds weakly: every operation keeps the map for its length, and throws
-// InternalErrorException with "Pointer has expired!" once that has gone. Any thread. Getters take no lock of ours;
-// numbers are GenApi's own unless said otherwise. The typed nodes derive from it.
+// Owned by its NodeMap, which it holds weakly: every operation keeps the map while it runs, and throws
+// InternalErrorException with "Pointer has expired!" after the map has ended. Thread-safe. Getters take no lock of the
+// library; numbers are those of GenApi unless stated otherwise. The typed nodes derive from it.
 #pragma once
 
 #include "base/built_once.h"

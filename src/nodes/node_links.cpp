@@ -1,4 +1,4 @@
-// The lists of a node: what it invalidates and selects, and by what it is invalidated and selected.
+// The lists of a node: the nodes that it invalidates and selects, and the nodes that invalidate and select it.
 
 #include "base/exceptions.h"
 #include "nodes/node.h"

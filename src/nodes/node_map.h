@@ -1,11 +1,11 @@
-// NodeMap: what an application sees of one description: its nodes, by list and by name, over one Port. Nodes of chunks
-// and events read the buffer or the event that the map was given last: node_map_chunks.cpp, node_map_events.cpp.
+// NodeMap: one description as applications see it: its nodes, by index and by name, over one Port. Nodes of chunks and
+// events read the buffer or the event that was last passed to the map: node_map_chunks.cpp, node_map_events.cpp.
 //
-// Owned by its module and the handle table; owns its nodes, which hold it weakly. Any thread. Nothing is read or parsed
-// before the first operation: then the description becomes a GenApi map, and with the first node that is asked for the
-// table of all. Both never change afterwards.
+// Owned by its module and the handle table; owns its nodes, which hold it weakly. Thread-safe. The first operation
+// parses the description into a GenApi map; the first access to a node creates the table of all nodes. Both never
+// change afterwards.
 //
-// The lock of the GenApi map is the one lock of all its nodes. It is recursive, and applications may hold it
+// The lock of the GenApi map is the only lock for all its nodes. It is recursive, and applications may hold it
 // themselves.
 #pragma once
 
@@ -61,7 +61,7 @@ public:
     // itself, until the next update, or until it is revoked. Throws for a broken layout or checksum: then they read
     // what they read before.
     void UpdateChunkNodes(ChunkSource& buffer);
-    // Takes the nodes of chunks off a buffer that was revoked; nothing for one that is not attached. Any thread.
+    // Takes the nodes of chunks off a buffer that was revoked; nothing for one that is not attached. Thread-safe.
     void DetachRevoked(GenTL::BUFFER_HANDLE handle);
     // Whether the event is one of the module that this map describes. The adapter is that of the port's transport
     // layer; one without an adapter throws InternalErrorException.

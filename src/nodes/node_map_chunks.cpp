@@ -1,8 +1,8 @@
 // The chunks of buffers as nodes of a map.
 //
-// An adapter of GenApi shows the memory of one buffer as the chunk ports of the map. Where the chunks lie is worked out
-// when a buffer is attached; a buffer with the same layout only tells its address afterwards. The nodes read the memory
-// itself, so the buffer gets a notice that takes it off the map when it is revoked.
+// An adapter of GenApi presents the memory of one buffer as the chunk ports of the map. The offsets of the chunks are
+// determined when a buffer is attached; for a buffer with the same layout only the address changes. The nodes read the
+// memory itself, so the buffer gets a callback that detaches it from the map when it is revoked.
 
 #include "base/exceptions.h"
 #include "nodes/chunk_source.h"

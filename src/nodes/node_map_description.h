@@ -1,4 +1,4 @@
-// NodeMapDescription: where a node map's description comes from: bytes that a port gave, or a file.
+// NodeMapDescription: the source of a node map's description: bytes from a port, or a file.
 #pragma once
 
 #include <cstdint>

@@ -1,7 +1,7 @@
 // The data of events as nodes of a map.
 //
-// An adapter of GenApi takes an event's block apart, as the camera's transport has made it, and shows it as the event
-// ports of the map. The event names the port to whose maps it belongs.
+// An adapter of GenApi decodes the block of an event, as the camera's transport layer built it, and presents it as the
+// event ports of the map. The event states the port whose maps it belongs to.
 
 #include "base/exceptions.h"
 #include "gentl/port.h"

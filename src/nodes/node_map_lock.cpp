@@ -1,4 +1,4 @@
-// The lock of a map as applications hold it, from one call to another.
+// The lock of a map when applications hold it from one call to another.
 #include "base/own_threads.h"
 #include "nodes/node_map.h"
 

@@ -1,5 +1,5 @@
-// The file side of NodeMap: features to a file and back. The bag's own stream operators are left out in favour of those
-// here, so this is the one source file that may use them.
+// The file functions of NodeMap: storing features in a file and loading them. The stream operators here replace those
+// of the bag, so only this source file may use them.
 #define GENAPI_DONT_USE_DEFAULT_PERSISTENCE_FILE_FORMAT
 
 #include "base/exceptions.h"

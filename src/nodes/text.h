@@ -1,4 +1,4 @@
-// Texts of GenApi as ours and the other way round. Bytes stay as they are, zeros included.
+// Converts texts of GenApi to those of the library and back. Bytes do not change, including zeros.
 #pragma once
 
 #include <Base/GCString.h>

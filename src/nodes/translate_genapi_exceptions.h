@@ -1,8 +1,8 @@
 // TranslateGenApiExceptions: the wrapper around every call into the GenICam runtime that can throw.
 //
-// The runtime's exceptions are no standard ones; here they become the library's own, with the whole text of the source.
-// Everything else passes untouched: exceptions of the library come through the runtime when a port throws them. Any
-// thread.
+// The runtime's exceptions are not standard exceptions; here they become exceptions of the library, with the complete
+// text. All other exceptions pass unchanged, including exceptions of the library that a port throws through the
+// runtime. Thread-safe.
 #pragma once
 
 #include "base/exceptions.h"

@@ -1,4 +1,4 @@
-// ToVector: a list of values of GenApi as one of ours.
+// ToVector: converts a list of values of GenApi to a vector.
 #pragma once
 
 #include <GenApi/Autovector.h>
