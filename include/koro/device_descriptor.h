@@ -150,12 +150,14 @@ KORO_DeviceDescriptor_AddInformationRoleToMonitoring(KORO_DeviceDescriptorHandle
 /**
  * Removes a role and its last value. A role that is not monitored is ignored.
  * Waits while another thread reads the roles.
+ * @param[in] role the role that was added
  */
 KORO_API KORO_ReturnCode KORO_DeviceDescriptor_RemoveInformationRoleFromMonitoring(
     KORO_DeviceDescriptorHandle deviceDescriptorHandle, int32_t role);
 
 /**
  * Reports whether a role is monitored. Waits while another thread reads the roles.
+ * @param[in]  role                       any role
  * @param[out] isInformationRoleMonitored 1 if it is
  */
 KORO_API KORO_ReturnCode KORO_DeviceDescriptor_IsInformationRoleMonitored(

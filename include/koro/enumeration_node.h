@@ -42,6 +42,7 @@ KORO_API KORO_ReturnCode KORO_EnumerationNode_SetCurrentEntry(
 
 /**
  * Selects an entry by its number. Changed callbacks run on the calling thread before the function returns.
+ * @param[in] value the number of the entry, as KORO_EnumerationEntryNode_GetValue gives it
  * @return KORO_RETURN_CODE_INVALID_ARGUMENT for a number without an entry; KORO_RETURN_CODE_BAD_ACCESS when node or
  *         entry are not available now
  */
@@ -74,6 +75,7 @@ KORO_API KORO_ReturnCode KORO_EnumerationNode_GetEntry(
 
 /**
  * Returns the first entry with a number. Does not read registers.
+ * @param[in]  value                      the number of the entry
  * @param[out] enumerationEntryNodeHandle the entry's own handle; ends with the map
  * @return KORO_RETURN_CODE_NOT_FOUND when there is none
  */
@@ -94,6 +96,8 @@ KORO_API KORO_ReturnCode KORO_EnumerationNode_FindEntryBySymbolicValue(
 
 /**
  * Works like KORO_EnumerationNode_FindEntryByValue, but returns success and a null handle when there is no such entry.
+ * @param[in]  value                      the number of the entry
+ * @param[out] enumerationEntryNodeHandle the handle of the entry, or null; ends with the map
  */
 KORO_API KORO_ReturnCode KORO_EnumerationNode_TryFindEntryByValue(
     KORO_EnumerationNodeHandle enumerationNodeHandle, int64_t value,
@@ -102,6 +106,9 @@ KORO_API KORO_ReturnCode KORO_EnumerationNode_TryFindEntryByValue(
 /**
  * Works like KORO_EnumerationNode_FindEntryBySymbolicValue, but returns success and a null handle when there is no such
  * entry.
+ * @param[in]  symbolicValue              such as "Mono8"; need not be terminated
+ * @param[in]  symbolicValueSize          its size in bytes, including a terminating zero
+ * @param[out] enumerationEntryNodeHandle the handle of the entry, or null; ends with the map
  */
 KORO_API KORO_ReturnCode KORO_EnumerationNode_TryFindEntryBySymbolicValue(
     KORO_EnumerationNodeHandle enumerationNodeHandle, const char* symbolicValue, size_t symbolicValueSize,
@@ -109,6 +116,7 @@ KORO_API KORO_ReturnCode KORO_EnumerationNode_TryFindEntryBySymbolicValue(
 
 /**
  * Reports whether there is an entry with a number.
+ * @param[in]  value    the number of the entry
  * @param[out] hasEntry 1 if there is one, available or not
  */
 KORO_API KORO_ReturnCode KORO_EnumerationNode_GetHasEntryByValue(

@@ -80,6 +80,7 @@ KORO_API KORO_ReturnCode KORO_FirmwareUpdateProgressObserver_Destruct(
 
 /**
  * Registers a callback for the start of an update, before anything is written to the camera.
+ * @param[in]  callback        the function to call
  * @param[in]  callbackContext passed to the callback unchanged; may be null
  * @param[out] callbackHandle  handle for unregistering; ends with the unregistration or with the observer
  * @return KORO_RETURN_CODE_ERROR inside a callback of this kind
@@ -89,62 +90,117 @@ KORO_API KORO_ReturnCode KORO_FirmwareUpdateProgressObserver_RegisterUpdateStart
     KORO_FirmwareUpdateStartedCallback callback, void* callbackContext,
     KORO_FirmwareUpdateStartedCallbackHandle* callbackHandle);
 
-/** Registers a callback for the start of each step. */
+/**
+ * Registers a callback for the start of each step.
+ * @param[in]  callback        the function to call
+ * @param[in]  callbackContext passed to the callback unchanged; may be null
+ * @param[out] callbackHandle  handle for unregistering; ends with the unregistration or with the observer
+ * @return KORO_RETURN_CODE_ERROR inside a callback of this kind
+ */
 KORO_API KORO_ReturnCode KORO_FirmwareUpdateProgressObserver_RegisterUpdateStepStartedCallback(
     KORO_FirmwareUpdateProgressObserverHandle firmwareUpdateProgressObserverHandle,
     KORO_FirmwareUpdateStepStartedCallback callback, void* callbackContext,
     KORO_FirmwareUpdateStepStartedCallbackHandle* callbackHandle);
 
-/** Registers a callback for the progress of a step. Only file uploads report progress. */
+/**
+ * Registers a callback for the progress of a step. Only file uploads report progress.
+ * @param[in]  callback        the function to call
+ * @param[in]  callbackContext passed to the callback unchanged; may be null
+ * @param[out] callbackHandle  handle for unregistering; ends with the unregistration or with the observer
+ * @return KORO_RETURN_CODE_ERROR inside a callback of this kind
+ */
 KORO_API KORO_ReturnCode KORO_FirmwareUpdateProgressObserver_RegisterUpdateStepProgressChangedCallback(
     KORO_FirmwareUpdateProgressObserverHandle firmwareUpdateProgressObserverHandle,
     KORO_FirmwareUpdateStepProgressChangedCallback callback, void* callbackContext,
     KORO_FirmwareUpdateStepProgressChangedCallbackHandle* callbackHandle);
 
-/** Registers a callback for the end of each step that succeeded. */
+/**
+ * Registers a callback for the end of each step that succeeded.
+ * @param[in]  callback        the function to call
+ * @param[in]  callbackContext passed to the callback unchanged; may be null
+ * @param[out] callbackHandle  handle for unregistering; ends with the unregistration or with the observer
+ * @return KORO_RETURN_CODE_ERROR inside a callback of this kind
+ */
 KORO_API KORO_ReturnCode KORO_FirmwareUpdateProgressObserver_RegisterUpdateStepFinishedCallback(
     KORO_FirmwareUpdateProgressObserverHandle firmwareUpdateProgressObserverHandle,
     KORO_FirmwareUpdateStepFinishedCallback callback, void* callbackContext,
     KORO_FirmwareUpdateStepFinishedCallbackHandle* callbackHandle);
 
-/** Registers a callback for the end of an update that succeeded. */
+/**
+ * Registers a callback for the end of an update that succeeded.
+ * @param[in]  callback        the function to call
+ * @param[in]  callbackContext passed to the callback unchanged; may be null
+ * @param[out] callbackHandle  handle for unregistering; ends with the unregistration or with the observer
+ * @return KORO_RETURN_CODE_ERROR inside a callback of this kind
+ */
 KORO_API KORO_ReturnCode KORO_FirmwareUpdateProgressObserver_RegisterUpdateFinishedCallback(
     KORO_FirmwareUpdateProgressObserverHandle firmwareUpdateProgressObserverHandle,
     KORO_FirmwareUpdateFinishedCallback callback, void* callbackContext,
     KORO_FirmwareUpdateFinishedCallbackHandle* callbackHandle);
 
-/** Registers a callback for the failure of an update. This is the last callback of the update. */
+/**
+ * Registers a callback for the failure of an update. This is the last callback of the update.
+ * @param[in]  callback        the function to call
+ * @param[in]  callbackContext passed to the callback unchanged; may be null
+ * @param[out] callbackHandle  handle for unregistering; ends with the unregistration or with the observer
+ * @return KORO_RETURN_CODE_ERROR inside a callback of this kind
+ */
 KORO_API KORO_ReturnCode KORO_FirmwareUpdateProgressObserver_RegisterUpdateFailedCallback(
     KORO_FirmwareUpdateProgressObserverHandle firmwareUpdateProgressObserverHandle,
     KORO_FirmwareUpdateFailedCallback callback, void* callbackContext,
     KORO_FirmwareUpdateFailedCallbackHandle* callbackHandle);
 
 /**
- * Unregisters a callback. Waits while another thread is inside the callback. An unknown handle is ignored, so a second
- * call is not a failure.
+ * Unregisters a callback for the start of an update. Waits while another thread is inside the callback. An unknown
+ * handle is ignored, so a second call is not a failure.
+ * @param[in] callbackHandle the handle that the registration returned
  * @return KORO_RETURN_CODE_ERROR inside a callback of this kind; the registration stays
  */
 KORO_API KORO_ReturnCode KORO_FirmwareUpdateProgressObserver_UnregisterUpdateStartedCallback(
     KORO_FirmwareUpdateProgressObserverHandle firmwareUpdateProgressObserverHandle,
     KORO_FirmwareUpdateStartedCallbackHandle callbackHandle);
 
-/** The next five functions do the same for the other kinds of callbacks. */
+/**
+ * Unregisters a callback for the start of each step, as
+ * KORO_FirmwareUpdateProgressObserver_UnregisterUpdateStartedCallback does.
+ * @param[in] callbackHandle the handle that the registration returned
+ */
 KORO_API KORO_ReturnCode KORO_FirmwareUpdateProgressObserver_UnregisterUpdateStepStartedCallback(
     KORO_FirmwareUpdateProgressObserverHandle firmwareUpdateProgressObserverHandle,
     KORO_FirmwareUpdateStepStartedCallbackHandle callbackHandle);
 
+/**
+ * Unregisters a callback for the progress of a step, as
+ * KORO_FirmwareUpdateProgressObserver_UnregisterUpdateStartedCallback does.
+ * @param[in] callbackHandle the handle that the registration returned
+ */
 KORO_API KORO_ReturnCode KORO_FirmwareUpdateProgressObserver_UnregisterUpdateStepProgressChangedCallback(
     KORO_FirmwareUpdateProgressObserverHandle firmwareUpdateProgressObserverHandle,
     KORO_FirmwareUpdateStepProgressChangedCallbackHandle callbackHandle);
 
+/**
+ * Unregisters a callback for the end of each step, as
+ * KORO_FirmwareUpdateProgressObserver_UnregisterUpdateStartedCallback does.
+ * @param[in] callbackHandle the handle that the registration returned
+ */
 KORO_API KORO_ReturnCode KORO_FirmwareUpdateProgressObserver_UnregisterUpdateStepFinishedCallback(
     KORO_FirmwareUpdateProgressObserverHandle firmwareUpdateProgressObserverHandle,
     KORO_FirmwareUpdateStepFinishedCallbackHandle callbackHandle);
 
+/**
+ * Unregisters a callback for the end of an update, as
+ * KORO_FirmwareUpdateProgressObserver_UnregisterUpdateStartedCallback does.
+ * @param[in] callbackHandle the handle that the registration returned
+ */
 KORO_API KORO_ReturnCode KORO_FirmwareUpdateProgressObserver_UnregisterUpdateFinishedCallback(
     KORO_FirmwareUpdateProgressObserverHandle firmwareUpdateProgressObserverHandle,
     KORO_FirmwareUpdateFinishedCallbackHandle callbackHandle);
 
+/**
+ * Unregisters a callback for the failure of an update, as
+ * KORO_FirmwareUpdateProgressObserver_UnregisterUpdateStartedCallback does.
+ * @param[in] callbackHandle the handle that the registration returned
+ */
 KORO_API KORO_ReturnCode KORO_FirmwareUpdateProgressObserver_UnregisterUpdateFailedCallback(
     KORO_FirmwareUpdateProgressObserverHandle firmwareUpdateProgressObserverHandle,
     KORO_FirmwareUpdateFailedCallbackHandle callbackHandle);

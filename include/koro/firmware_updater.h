@@ -40,6 +40,8 @@ KORO_API KORO_ReturnCode KORO_FirmwareUpdater_CollectAllFirmwareUpdateInformatio
  * Reads the updates of a file whose conditions the camera meets. Opens the camera with KORO_DEVICE_ACCESS_CONTROL and
  * closes it again. Otherwise the function works like KORO_FirmwareUpdater_CollectAllFirmwareUpdateInformation. If no
  * update fits the camera, the list is empty.
+ * @param[in] updateFilePath, updateFilePathSize the path; the size includes the terminating zero
+ * @param[in] deviceDescriptorHandle             the camera, which must not be open
  * @return KORO_RETURN_CODE_BAD_ACCESS when the camera is open elsewhere, which includes this program
  */
 KORO_API KORO_ReturnCode KORO_FirmwareUpdater_CollectFirmwareUpdateInformation(
@@ -55,6 +57,7 @@ KORO_API KORO_ReturnCode KORO_FirmwareUpdater_GetNumFirmwareUpdateInformation(
 
 /**
  * Returns the information about one update, in the order of the file.
+ * @param[in]  index                           from 0, less than the number of updates that were found
  * @param[out] firmwareUpdateInformationHandle ends with the updater; the same handle each time
  * @return KORO_RETURN_CODE_OUT_OF_RANGE for an index beyond the list
  */

@@ -85,6 +85,7 @@ KORO_FloatNode_GetValue(KORO_FloatNodeHandle floatNodeHandle, KORO_NodeCachePoli
 /**
  * Writes the value after checking access and limits. A value between two increments is passed on unchanged. Changed
  * callbacks run on the calling thread before the function returns.
+ * @param[in] value in the unit of the node, between its minimum and its maximum
  * @return KORO_RETURN_CODE_OUT_OF_RANGE for a value beyond the limits; KORO_RETURN_CODE_BAD_ACCESS for a node that
  *         cannot be written now
  */

@@ -67,6 +67,7 @@ KORO_IntegerNode_GetValue(KORO_IntegerNodeHandle integerNodeHandle, KORO_NodeCac
 /**
  * Writes the value after checking access and limits. Changed callbacks run on the calling thread before the function
  * returns.
+ * @param[in] value in the unit of the node, between its minimum and its maximum, and on its increment
  * @return KORO_RETURN_CODE_OUT_OF_RANGE for a value beyond the limits or between two increments;
  *         KORO_RETURN_CODE_BAD_ACCESS for a node that cannot be written now
  */
