@@ -50,14 +50,14 @@ inline KORO_ReturnCode IndexOutOfRange()
     return RecordLastError(KORO_RETURN_CODE_OUT_OF_RANGE, "index is out of range!");
 }
 
-// `size` counts a terminating zero and is taken at its word; 0 is no text.
+// `size` includes a terminating zero and is trusted as given; 0 means an empty text.
 inline std::string TextArgument(const char* text, std::size_t size)
 {
     return {text, size > 0 ? size - 1 : 0};
 }
 
-// Runs `body` with the handle's object, which lives until the body is done whatever other threads do. If it has ended
-// meanwhile it closes here, and after it what is above it.
+// Runs `body` with the object of the handle. The object stays alive until the body returns, even if another thread ends
+// it. In that case it is closed here, and then its parents.
 template <class Handle, class Body>
 KORO_ReturnCode WithObject(const NamedArgument<Handle>& handle, Body&& body)
 {

@@ -45,7 +45,7 @@ HandleOf<Descriptor> EnterDescriptor(
     const std::shared_ptr<Parent>& parent, const std::shared_ptr<Descriptor>& descriptor)
 {
     const auto handle = EnterUntilLost(parent, descriptor);
-    // An update of another thread may have told the loss before the closure was there.
+    // An update on another thread may have reported the loss before the removal function was registered.
     const auto children = parent->Children();
     if (std::find(children.begin(), children.end(), descriptor) == children.end()) Remove(handle);
     return handle;

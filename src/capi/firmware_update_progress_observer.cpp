@@ -17,7 +17,7 @@ namespace
 using Observer = FirmwareUpdateProgressObserver;
 using ObserverHandle = NamedArgument<KORO_FirmwareUpdateProgressObserverHandle>;
 
-// `function` calls the application's callback with what the trigger tells.
+// `function` calls the application's callback with the arguments of the trigger.
 template <class Callback, class CallbackHandle, class Trigger, class Function>
 KORO_ReturnCode RegisterAt(
     Trigger Observer::*trigger, const ObserverHandle& handle, const NamedArgument<Callback>& callback,

@@ -108,7 +108,7 @@ public:
         return HandleFor(object);
     }
 
-    // Enters an object whose entry ends with `parent`. `isNew` tells whether there was no entry before. Throws
+    // Enters an object whose entry ends with `parent`. `isNew` reports whether there was no entry before. Throws
     // InternalErrorException when the parent has been ended.
     Handle Add(const std::shared_ptr<T>& object, const std::shared_ptr<Instance>& parent, bool* isNew = nullptr)
     {

@@ -35,7 +35,7 @@ struct UnloadGuard
     ~UnloadGuard()
     {
         if (IsLibraryInitialized() || Hold::NumLiving() != 0) return; // a call is inside that needs the tables
-        delete std::exchange(tables, nullptr);                        // an exit handler may start anew
+        delete std::exchange(tables, nullptr);                        // an exit handler may initialise again
         FreeEndedCallbacks();
     }
 } unloadGuard;

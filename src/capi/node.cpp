@@ -35,7 +35,8 @@ KORO_ReturnCode FindLinked(
     });
 }
 
-// By the class of the object, whatever GenApi calls the node. `kind` is what messages call the class.
+// Decides by the class of the object, regardless of the type that GenApi reports. `kind` is the name of the class in
+// messages.
 template <class TypedHandle>
 KORO_ReturnCode CastNode(
     const NamedArgument<KORO_NodeHandle>& handle, const NamedArgument<TypedHandle*>& typedHandle, const char* kind)

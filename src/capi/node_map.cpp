@@ -148,7 +148,7 @@ KORO_ReturnCode KORO_NodeMap_Unlock(KORO_NodeMapHandle nodeMapHandle)
     return Perform(KORO_ARG(nodeMapHandle), &NodeMap::UnlockForApplication);
 }
 
-// A lock that nobody is told of is given back.
+// If the result cannot be reported, the lock is released.
 KORO_ReturnCode KORO_NodeMap_TryLock(KORO_NodeMapHandle nodeMapHandle, KORO_Bool8* locked)
 {
     return WithObject(KORO_ARG(nodeMapHandle), [&](const auto& nodeMap) {

@@ -42,9 +42,9 @@ std::string FirmwareUpdateInformation::ReleaseNotesURL() const
     return Text(FirmwareUpdateInfoKey_ReleaseNotesURL);
 }
 
-// This and the persistence compare addresses and not texts, on purpose. The runtime hands out texts of the file, which
-// never are these constants, so the numbers tell 0 whatever the file says. Applications rely on it: the texts behind
-// the numbers must not be compared instead.
+// This function and the persistence functions intentionally compare addresses instead of texts. The runtime returns
+// texts of the file, which are never these constants, so the result is always 0, regardless of the file. Applications
+// rely on this: do not compare the texts.
 FirmwareUpdateVersionStyle FirmwareUpdateInformation::VersionStyle() const
 {
     return WithStandardExceptionsAsInternalErrors([&] {

@@ -9,7 +9,7 @@ namespace koro::internal
 
 struct ClaimBound
 {
-    const char* name; // as messages tell it
+    const char* name; // as messages print it
     std::uint64_t limit;
 };
 

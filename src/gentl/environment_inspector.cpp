@@ -36,7 +36,7 @@ std::vector<std::string> FindCandidates(std::string_view variable)
     return candidates;
 }
 
-// A link that leads nowhere is not told apart here: its canonical form fails, which is the error to report.
+// A dangling link is not detected here: computing its canonical path fails, and that error is reported.
 bool IsNoPlainFile(const fs::path& path)
 {
     std::error_code failure;

@@ -17,7 +17,7 @@ namespace koro::internal
 class EnvironmentInspector
 {
 public:
-    // Tells whether the producer at a path can be used; whatever it throws means no.
+    // Returns whether the producer at a path can be used; any exception means that it cannot.
     using UsabilityTest = std::function<bool(const std::string& ctiPath)>;
 
     static EnvironmentInspector& Shared();

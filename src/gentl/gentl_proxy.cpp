@@ -164,7 +164,7 @@ void GenTLProxy::CloseIgnoringFailures() noexcept
     {
         GCCloseLib();
     }
-    catch (...) // the failure that led here is the one to tell
+    catch (...) // the earlier failure is the one to report
     {}
 }
 

@@ -32,7 +32,7 @@ std::vector<std::string> Sections(const std::string& url)
     return sections;
 }
 
-// Blanks, a sign and 0x in front are accepted, and whatever follows the digits.
+// Accepts leading blanks, a sign and 0x, and ignores any text after the digits.
 std::optional<std::uint64_t> ParseHexadecimal(const std::string& text)
 {
     try

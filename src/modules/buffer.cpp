@@ -185,7 +185,7 @@ void Buffer::UpdateChunks()
 
         const auto newChunks = std::make_shared<ChunkList>();
         newChunks->reserve(records.size());
-        // Of all records, also when fewer were delivered than told of: those that are left are zero.
+        // All records, even if the producer returned fewer than announced; the rest stay zero.
         for (const auto& record : records)
             newChunks->push_back(std::make_shared<BufferChunk>(record, WeakSelf()));
 

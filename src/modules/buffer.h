@@ -70,7 +70,7 @@ public:
     // Throws NoDataException where the producer says so.
     bool HasParts() const;
 
-    // Nothing else refreshes the two lists: until then they tell of what the buffer held before.
+    // Nothing else updates the two lists: until the next call they describe the earlier contents of the buffer.
     void UpdateChunks();
     void UpdateParts();
     // In the producer's order, which is not asked. Empty before the first update; never null. An update makes a new
@@ -80,8 +80,8 @@ public:
     std::shared_ptr<const ChunkList> Chunks() const;
     std::shared_ptr<const PartList> Parts() const;
 
-    // Kept until the revocation; an entry with the same key stays as it is. An empty function is allowed. False, and
-    // nothing is kept, when the revocation has been told already.
+    // Stored until the revocation; an entry with the same key is not replaced. An empty function is allowed. Returns
+    // false and stores nothing when the callbacks of the revocation have run already.
     template <class Callback>
     bool AddRevocationCallback(const void* callbackKey, Callback&& callback)
     {

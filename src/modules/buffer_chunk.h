@@ -24,8 +24,9 @@ public:
 
     std::uint64_t ID() const noexcept { return id; }
 
-    // All throw InternalErrorException after the buffer has ended; the first also whatever its base does.
-    void* BasePtr() const;    // from the buffer's base of this moment; not compared with its size
+    // All throw InternalErrorException after the buffer has ended; BasePtr also throws the exceptions of the buffer's
+    // base.
+    void* BasePtr() const;    // relative to the buffer's current base; not checked against its size
     std::size_t Size() const; // bytes
     std::shared_ptr<Buffer> ParentBuffer() const;
 

@@ -110,7 +110,7 @@ void ConnectionChangeEventListener::Delivery::DeliverNext()
     }
     catch (...)
     {
-        // There is nobody to tell; the next record may fare better.
+        // No caller could receive the failure; the next record may be readable.
     }
 }
 
@@ -135,7 +135,7 @@ void ConnectionChangeEventListener::Delivery::EndRunning()
     {
         try
         {
-            events->FlushPendingKillWaits(); // registers anew, which ends a wait too
+            events->FlushPendingKillWaits(); // registers again, which also ends a wait
         }
         catch (...)
         {}

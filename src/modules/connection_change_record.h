@@ -17,9 +17,9 @@ struct S_EVENT_DEVICE_CONNECTION_CHANGE_DATA
 {
     GenTL::IF_HANDLE interface; // that the record is for
     std::uint8_t notRead8[8];
-    char deviceID[256];       // as IFGetDeviceID tells it
-    std::uint16_t changeKind; // 1: came; all else: went
-    std::uint8_t deviceFlag;  // 0: the news is about the list only
+    char deviceID[256];       // as IFGetDeviceID returns it
+    std::uint16_t changeKind; // 1: connected; any other number: disconnected
+    std::uint8_t deviceFlag;  // 0: only the list has changed
     std::uint8_t reconnectFlag1;
     std::uint8_t reconnectFlag2;
     std::uint8_t notRead277[6];

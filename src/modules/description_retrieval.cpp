@@ -83,7 +83,7 @@ Value AskOrParse(
     }
 }
 
-// Passes over what the library's own exceptions tell.
+// Ignores failures that are exceptions of the library.
 template <class Step>
 void IgnoringFailures(Step&& step)
 {

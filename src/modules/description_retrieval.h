@@ -16,12 +16,12 @@ class NodeMap;
 class PortURL;
 
 // First a description file for debugging beside the producer, if there is one, then one map for each URL that can be
-// fetched, in their order. What fails with a single one of them is passed over without a word; whatever else fails,
-// such as asking for the port's name, throws.
+// fetched, in their order. The failure of a single one is ignored; any other failure, such as a query for the port's
+// name, throws.
 std::vector<std::shared_ptr<NodeMap>> RetrieveNodeMaps(Module& module);
 
-// Fetches what one URL names, in one transfer. Throws InternalErrorException for a URL that does not lead into the
-// registers of the port or cannot be understood, and whatever the transfer throws.
+// Fetches the description at one URL, in one transfer. Throws InternalErrorException for a URL that does not refer to
+// registers of the port or cannot be parsed, and any exception of the transfer.
 NodeMapDescription FetchDescription(const PortURL& url);
 
 } // namespace koro::internal

@@ -86,7 +86,7 @@ public:
 
 private:
     const std::shared_ptr<DeviceDescriptor> descriptor;
-    std::mutex endMutex; // never taken on the monitor's thread: whoever holds it may be waiting for that
+    std::mutex endMutex;    // never taken on the monitor's thread: whoever holds it may be waiting for that
     void* handle = nullptr; // null when it is taken back; guarded by endMutex
 };
 

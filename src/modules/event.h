@@ -26,7 +26,7 @@ public:
         const std::weak_ptr<EventController>& parentController, const std::shared_ptr<const GenTLProxy>& proxy);
 
     std::uint64_t ID() const; // asked at each call
-    // Asked of the producer once, of whatever type it is; a failure leaves the next call to ask again.
+    // Queries the producer once and accepts any data type; after a failure the next call tries again.
     const std::vector<std::uint8_t>& Data();
     const std::vector<std::uint8_t>& RawData() const override { return rawData; }
     std::int32_t Type() const { return type; }

@@ -52,8 +52,8 @@ public:
     static AbortedException EndedWait();
     // Ends one wait; without a waiter the kill stays pending in the producer and ends the next one.
     void KillWait();
-    // Registers anew, since the standard has no call for this: queued events and the event handle go with it. Must
-    // not run while another thread waits on this controller.
+    // Registers the event again, since the standard has no call for this: queued events and the old event handle are
+    // lost. Must not run while another thread waits on this controller.
     void FlushPendingKillWaits();
     void FlushEvents();
 

@@ -27,7 +27,7 @@ constexpr const char* lengthNodeName = "GevGVCPCMDLength";
 constexpr std::int64_t firstLength = 536;
 constexpr std::int64_t granularity = 256;
 constexpr std::int64_t headerLength = 36; // which the transport layer counts and the camera does not
-// A command is one datagram: whatever a camera claims, none is longer.
+// A command is one datagram, so none is longer, regardless of what a camera reports.
 constexpr std::int64_t longestDatagram = 65'535;
 
 struct TestNodes

@@ -161,7 +161,7 @@ void Interface::Refresh(std::shared_ptr<Device> opened)
     if (!device->HasEnded()) TestGVCPCommandLength(*device);
 }
 
-// By the key, which the descriptor tells without holding this interface's system.
+// Compares keys, since the descriptor returns its key without locking this interface's system.
 std::shared_ptr<DeviceDescriptor> Interface::FindListed(const std::string& deviceID) const
 {
     const auto listed = ListedChildren();

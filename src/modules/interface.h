@@ -47,8 +47,8 @@ public:
     const std::string& Key() const { return key; }
     std::string ID() const;
 
-    // Of connection changes, which the producer tells by itself: they come on the system's thread, one after the other,
-    // and change no list. A producer without that event never calls them.
+    // Callbacks for connection changes, which the producer reports unsolicited. They run on the system's thread, one
+    // after the other, and do not change the list. They are never called if the producer does not have that event.
     using ListChangedCallbacks = TCallbackManager<>;
     using DisconnectedCallbacks = TCallbackManager<std::shared_ptr<DeviceDescriptor>>;
     using ReconnectedCallbacks = TCallbackManager<std::shared_ptr<DeviceDescriptor>, ReconnectInformation>;

@@ -120,7 +120,7 @@ private:
     const Source& source;
     std::unordered_map<Role, std::vector<std::uint8_t>> lastValues; // empty before the first read
     TCallbackManager<const Roles&> changedCallbacks;
-    mutable std::mutex rolesMutex; // over lastValues, also while the producer is asked
+    mutable std::mutex rolesMutex;              // over lastValues, also while the producer is asked
     PeriodicTimer timer{[this] { Compare(); }}; // its end, the first of all, ends the thread
 };
 

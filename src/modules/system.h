@@ -36,8 +36,9 @@ public:
     const std::string& Key() const { return key; }
     std::string ID() const;
 
-    // The producer's own reports that a device went or came, for the interfaces. The empty handle when the producer
-    // does not tell them. Each subscriber sees all records of the system. For the failures see the listener.
+    // Unsolicited notifications of the producer that a device was disconnected or connected, for the interfaces.
+    // Returns an empty handle if the producer does not have the event. Each subscriber receives all records of the
+    // system. The listener documents the failures.
     using ConnectionChanges = ConnectionChangeEventListener::Subscribers;
     ConnectionChanges::Handle SubscribeConnectionChange(ConnectionChanges::Function function);
     void UnsubscribeConnectionChange(ConnectionChanges::Handle handle);

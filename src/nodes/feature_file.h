@@ -36,7 +36,7 @@ void WriteFeatureRecord(
     std::ostream& stream, const GENICAM_NAMESPACE::gcstring& name, const GENICAM_NAMESPACE::gcstring& value,
     GENAPI_NAMESPACE::CSelectorState& selectors);
 
-// What is told of a load that GenApi has refused: the first of its texts.
+// The text that is reported when GenApi has refused to load: the first of its texts.
 std::string TextOfRefusedLoad(const GENICAM_NAMESPACE::gcstring_vector& errors);
 
 } // namespace koro::internal

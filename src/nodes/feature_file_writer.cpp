@@ -57,7 +57,7 @@ void WriteFeatureFileHead(std::ostream& stream, const gcstring& info)
 {
     Put(stream, "# " GENAPI_PERSISTENCE_MAGIC "\n");
     if (info.empty()) return;
-    // A constant of the format, whatever runtime this is built with.
+    // A constant of the format, independent of the version of the runtime.
     Put(stream, "# GenApi persistence file (version 3.4.1)\n");
     PutComment(stream, ToView(info));
 }

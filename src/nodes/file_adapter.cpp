@@ -20,7 +20,7 @@ using namespace GENAPI_NAMESPACE;
 namespace
 {
 
-constexpr std::uint64_t furthest = INT64_MAX; // what GenApi's lengths and offsets can tell
+constexpr std::uint64_t furthest = INT64_MAX; // the largest length and offset in GenApi
 
 std::shared_ptr<EnumerationNode> FindFileSelector(NodeMap& map)
 {
@@ -47,7 +47,7 @@ std::uint64_t NotNegative(std::int64_t size)
     return static_cast<std::uint64_t>(size);
 }
 
-// Some devices tell the right limits of the offset only while the length is a valid one.
+// Some devices report the right limits of the offset only while the length is valid.
 void PrepareLength(NodeMap& map)
 {
     const auto length = FindNumber(map, "FileAccessLength", "Missing FileAccessLength node!");
@@ -67,7 +67,7 @@ void CheckOffset(NodeMap& map, std::uint64_t offset)
     }
 }
 
-// `move` gets offset and length as GenApi takes them. Nothing lies further out than they can tell.
+// `move` receives offset and length as GenApi expects them. Nothing lies beyond their largest values.
 template <class Move>
 std::uint64_t MoveWithinRange(std::uint64_t size, std::uint64_t offset, const Move& move)
 {

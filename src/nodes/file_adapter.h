@@ -33,7 +33,7 @@ public:
     // be opened. OutOfRangeException for writing at an offset beyond the maximum of FileAccessOffset.
     std::uint64_t Read(char* data, std::uint64_t size, std::uint64_t offset);
     std::uint64_t Write(const char* data, std::uint64_t size, std::uint64_t offset);
-    // Whether the device did it is not told.
+    // Does not report whether the device has deleted it.
     void Delete();
 
 private:

@@ -26,7 +26,7 @@ public:
         {
             Deregister(genApiCallbackHandle);
         }
-        catch (...) // nobody to tell
+        catch (...) // no caller could receive the failure
         {}
     }
     ChangedCallbackDelegate(const ChangedCallbackDelegate&) = delete;

@@ -20,7 +20,8 @@ using namespace GENAPI_NAMESPACE;
 namespace
 {
 
-// GenApi opens the file itself: it must not wait for a pipe nor swallow a disk. A file that is missing is its to tell.
+// GenApi opens the file itself: it must neither wait for a pipe nor read a whole disk. A missing file is left to GenApi
+// to report.
 void CheckDescriptionFile(const std::string& path)
 {
     std::error_code error;
@@ -66,8 +67,8 @@ NodeMap::~NodeMap()
     }
 }
 
-// Adapters end before the nodes that they serve. That takes the lock and tells the nodes, while callbacks are not to
-// run any more. If somebody holds the lock, who cannot give it back, they end after the nodes, as GenApi allows.
+// Adapters end before the nodes that they serve. Their end takes the lock and notifies the nodes, while callbacks must
+// not run any more. If another thread holds the lock and cannot release it, they end after the nodes, as GenApi allows.
 void NodeMap::EndAdapters()
 {
     if (!chunkAdapter && !eventAdapter) return;
@@ -145,7 +146,7 @@ INodeMap& NodeMap::EnsureGenApiMap()
     return *nodeMapRef._Ptr;
 }
 
-// A map that cannot be connected is given up, so that the next attempt begins anew.
+// A map that cannot be connected is discarded, so the next attempt starts from the beginning.
 void NodeMap::CreateGenApiMap()
 {
     const CNodeMapRefT<CGeneric_XMLLoaderParams> created(LoadDescription());

@@ -70,10 +70,11 @@ public:
     // InvalidArgumentException for an event of somebody else.
     void UpdateEventNodes(const EventSource& event);
 
-    // The values of the features as a text file, told in docs/feature-files.md, and back. The path is UTF-8. Storing
-    // empties the file first. Loading holds the lock and writes all that it can; storing leaves locking to GenApi.
-    // InvalidArgumentException: the file cannot be opened. IOException: it cannot be written to its end.
-    // InternalErrorException: it is no feature file, or not all of it could be written to the device or verified.
+    // Stores the values of the features in a text file and loads them; docs/feature-files.md describes the format. The
+    // path is UTF-8. Storing clears the file first. Loading holds the lock and writes as many values as possible;
+    // storing leaves locking to GenApi. InvalidArgumentException: the file cannot be opened. IOException: it cannot be
+    // written completely. InternalErrorException: it is not a feature file, or some values could not be written to the
+    // device or verified.
     void StoreToFile(const std::string& filePath);
     void LoadFromFile(const std::string& filePath);
 

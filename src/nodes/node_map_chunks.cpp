@@ -78,7 +78,7 @@ void CheckChecksum(CChunkAdapter& adapter, const ChunkSource& buffer, const Memo
     }
 }
 
-// Empty for a producer that cannot tell: then each buffer is a new layout.
+// Empty if the producer does not report it: each buffer then counts as a new layout.
 std::optional<std::uint64_t> ChunkLayoutIdOf(const ChunkSource& buffer)
 {
     try
@@ -117,7 +117,7 @@ void NodeMap::UpdateChunkNodes(ChunkSource& buffer)
     });
 }
 
-// That of the first buffer stays, whatever later ones say.
+// The adapter for the first buffer stays, regardless of the types of later buffers.
 CChunkAdapter& NodeMap::EnsureChunkAdapter(const ChunkSource& buffer)
 {
     if (!chunkAdapter) chunkAdapter = MakeChunkAdapter(buffer.TLType(), nodeMapRef._Ptr);
