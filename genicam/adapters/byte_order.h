@@ -1,4 +1,4 @@
-// Numbers from bytes that need not be aligned. The caller has checked that they are there.
+// Reads numbers from bytes at any alignment. The caller has checked that the bytes exist.
 #pragma once
 
 #include <Base/GCNamespace.h>

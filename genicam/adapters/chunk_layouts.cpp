@@ -1,4 +1,4 @@
-// The derived chunk adapters: each is a layout, that is, a walk.
+// The derived chunk adapters. Each one implements the walk through one layout.
 #include "adapters/byte_order.h"
 #include "adapters/chunk_walk.h"
 #include "adapters/crc16.h"

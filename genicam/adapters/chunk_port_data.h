@@ -1,4 +1,4 @@
-// What a chunk port holds.
+// The data of a chunk port.
 #pragma once
 
 #include "adapters/hex_id.h"

@@ -1,7 +1,7 @@
-// ChunkPorts: the chunk ports of one node map, as an adapter shows them the chunks of its buffers.
+// ChunkPorts: the chunk ports of one node map, to which an adapter shows the chunks of its buffers.
 //
-// Owned by the adapter. Each operation takes the lock of the map. A buffer of the layout of the one before needs no
-// memory but for the callbacks to call and for an id that another node says.
+// Owned by the adapter. Each operation takes the lock of the map. A buffer with the same layout as the previous one
+// needs no allocation, except for the list of callbacks and for a chunk id that comes from another node.
 #pragma once
 
 #include "adapters/chunk_walk.h"

@@ -1,8 +1,8 @@
-// ChunkWalk: gives the chunks of a buffer one after the other. TrailerWalk: GigE Vision and USB3 Vision. DcamWalk:
+// ChunkWalk: returns the chunks of a buffer one after the other. TrailerWalk: GigE Vision and USB3 Vision. DcamWalk:
 // IIDC.
 //
-// Every number of the buffer is compared with what is left of the buffer before it is used. A walk goes once, writes
-// nothing and allocates nothing.
+// Every number in the buffer is checked against the remaining size before it is used. A walk goes through the buffer
+// once, writes nothing and allocates nothing.
 #pragma once
 
 #include "adapters/byte_order.h"

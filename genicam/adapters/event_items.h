@@ -1,5 +1,5 @@
 // EventItems: the events inside one message, one after the other. The readers throw RuntimeException when the header of
-// a message is malformed; an event that does not fit behind a good header ends the message.
+// a message is malformed. An event that does not fit into a message with a valid header ends the message.
 #pragma once
 
 #include "adapters/byte_order.h"

@@ -1,4 +1,4 @@
-// The derived event adapters: each is a form of message.
+// The derived event adapters. Each one implements one message format.
 #include "adapters/byte_order.h"
 #include "adapters/event_items.h"
 #include "adapters/event_nodes.h"
@@ -23,7 +23,7 @@ const uint8_t* BytesOf(const void* structure)
     return static_cast<const uint8_t*>(structure);
 }
 
-// A message whose header alone tells how long it is.
+// A message whose length is only in its header.
 runtime::EventItems ReadStructure(const void* structure, uint16_t command, bool extended)
 {
     const uint8_t* const message = BytesOf(structure);

@@ -1,6 +1,6 @@
-// EventNodes: the nodes of one node map that have an event id, as an adapter tells them of events.
+// EventNodes: the nodes of one node map that have an event id, to which an adapter delivers events.
 //
-// Shared by the adapter and its deliveries at work. Each operation takes the lock of the map.
+// Shared by the adapter and its running deliveries. Each operation takes the lock of the map.
 #pragma once
 
 #include "adapters/event_items.h"

@@ -1,4 +1,4 @@
-// What an event port holds.
+// The data of an event port.
 #pragma once
 
 #include "adapters/hex_id.h"

@@ -1,6 +1,7 @@
 // HexId: the id of a chunk or an event, a number of any length.
 //
-// Its canonical form is its bytes, big endian and without zeros in front; ids of any source are compared by that form.
+// Its canonical form is its bytes in big endian order without leading zeros; ids from all sources are compared in this
+// form.
 #pragma once
 
 #include <Base/GCString.h>

@@ -1,4 +1,4 @@
-// MapLink: how an adapter holds a node map, which may end first.
+// MapLink: the reference of an adapter to a node map, which may end first.
 #pragma once
 
 #include "nodes/node_inline.h"

@@ -1,7 +1,7 @@
-// Archive: the entries of a zip archive that came from a device or a file, and their bytes.
+// Archive: the entries of a zip archive from a device or a file, and their bytes.
 //
-// The archive does not own its bytes unless it was read from a file. Constant after construction: safe to read from any
-// thread. All that is wrong with an archive is a RuntimeException whose text begins with "Invalid zip archive".
+// The archive owns its bytes only if it was read from a file. Constant after construction: safe to read from any
+// thread. Every error in an archive is a RuntimeException whose text begins with "Invalid zip archive".
 #pragma once
 
 #include <Base/GCNamespace.h>

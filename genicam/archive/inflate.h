@@ -1,4 +1,4 @@
-// Deflated data and check sums, as zip archives have them.
+// Deflated data and checksums of zip archives.
 #pragma once
 
 #include <Base/GCNamespace.h>

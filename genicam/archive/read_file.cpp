@@ -29,7 +29,7 @@ std::string ReadFile(const std::string& path, size_t maxSize)
     std::string bytes;
     for (;;)
     {
-        // One byte more than allowed tells that there is more.
+        // Reading one byte more than allowed shows that the file is too long.
         const size_t before = bytes.size();
         bytes.resize(before + std::min(bytesAtOnce, maxSize + 1 - before));
         const size_t count = fread(bytes.data() + before, 1, bytes.size() - before, file.get());

@@ -1,4 +1,4 @@
-// ReadFile: a file's bytes, bounded.
+// ReadFile: reads a file up to a maximum size.
 #pragma once
 
 #include <Base/GCNamespace.h>

@@ -73,7 +73,7 @@ bool Read(const Word<E> (&words)[N], const gcstring& text, E* value)
     return true;
 }
 
-// An undefined number is told as the undefined enumerator, which stands behind the defined ones.
+// An undefined number is written as the undefined enumerator, which follows the defined ones.
 template <class E, size_t N>
 const char* Write(const Word<E> (&words)[N], E value, E undefined)
 {

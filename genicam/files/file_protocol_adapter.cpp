@@ -76,7 +76,7 @@ void FileProtocolAdapter::ExecuteAndWait()
     }
 }
 
-// The device changes the answer by itself, whatever its description says about caching.
+// The device changes the value by itself, regardless of the caching mode in its description.
 bool FileProtocolAdapter::Succeeded()
 {
     return nodes.status->ToString(false, true) == "Success";
@@ -123,8 +123,8 @@ bool FileProtocolAdapter::deleteFile(const char* pFileName)
     return good;
 }
 
-// Block after block until all is moved, or the device moves nothing or reports a failure. A device that says to have
-// moved more than it was told to is not believed, and ends the transfer.
+// Transfers block after block until everything is moved, the device moves nothing or it reports a failure. A device
+// that claims to have moved more than requested is not believed, and the transfer ends.
 template <class Prepare, class Finish>
 int64_t FileProtocolAdapter::Transfer(
     const char* file, const char* operation, int64_t offset, int64_t length, const Prepare& prepare,

@@ -1,5 +1,4 @@
-// Bounds of what an update file may be, beyond which it is refused, and the values where the standard leaves the
-// choice.
+// The bounds beyond which an update file is refused, and the values that the standard leaves open.
 #pragma once
 
 #include <Base/GCNamespace.h>
@@ -27,7 +26,7 @@ const uint32_t executionLimit_ms = 60000;      // of a command whose step names 
 const uint32_t fileOperationLimit_ms = 600000; // devices check a whole image while they close the file
 const uint32_t shortestPause_us = 50; // between two questions to a device that is at work; each is twice the former
 const uint32_t longestPause_us = 5000;
-const size_t uploadReportSize = 64u << 10; // an upload tells its progress each time that so much has gone
+const size_t uploadReportSize = 64u << 10; // an upload reports its progress after this many bytes
 const char* const unknownExceptionText = "Unknown exception";
 
 } // namespace GENAPI_NAMESPACE::runtime

@@ -1,4 +1,4 @@
-// ParseControlFile: from the XML text of a control file to records.
+// ParseControlFile: converts the XML text of a control file to records.
 #pragma once
 
 #include "firmware/texts.h"
@@ -12,7 +12,7 @@
 namespace GENAPI_NAMESPACE::runtime
 {
 
-// One step of a procedure; which fields count is told by the type.
+// One step of a procedure; the type determines which fields are used.
 struct Step
 {
     EFirmwareUpdateProgressStepType type = ProgressStepType_Invalid;

@@ -1,4 +1,4 @@
-// The grammar of control files: what may stand in what, in which order, with which attributes.
+// The grammar of control files: the children of each element, their order, and the attributes.
 #pragma once
 
 #include <FirmwareUpdate/FirmwareUpdateProgressObserver.h>

@@ -82,7 +82,7 @@ void DeviceFile::CloseAfterFailure() noexcept
     }
     catch (...)
     {
-        // The first failure is the one to tell.
+        // The first failure is the one to report.
     }
 }
 

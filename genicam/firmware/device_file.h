@@ -1,10 +1,10 @@
-// DeviceFile: a file on a device that is written from its begin, through the features for file access.
+// DeviceFile: a file on a device that is written from its beginning, through the features for file access.
 //
-// One use: Open, Write, Close. The nodes belong to the map, which must outlive the object. Each operation of the
-// device, a block of a write included, holds the lock of the map from the selection to the status, so that no other
-// thread's selection can lead it elsewhere. It tells why it failed, which a stream does not: LogicalErrorException for
-// a feature that is missing, RuntimeException for an operation that the device refused or did not finish, the node's or
-// the port's own exception otherwise.
+// Used once: Open, Write, Close. The nodes belong to the map, which must outlive the object. Each operation of the
+// device, including a block of a write, holds the lock of the map from selecting the file to reading the status, so no
+// other thread can change the selection in between. Unlike a stream it reports why it failed: LogicalErrorException for
+// a missing feature, RuntimeException for an operation that the device refused or did not finish, otherwise the
+// exception of the node or port.
 #pragma once
 
 #include <GenApi/Pointer.h>
@@ -23,7 +23,7 @@ public:
     DeviceFile(INodeMap& map, const std::string& name, uint32_t limit_ms);
 
     void Open();
-    // After each block, without the lock, the progress is told the number of bytes that the device has taken.
+    // After each block `progress` receives the number of bytes that the device has accepted; the lock is not held.
     void Write(std::string_view bytes, const std::function<void(size_t)>& progress);
     void Close();
     // So that the file can be opened again; what fails meanwhile is left out.

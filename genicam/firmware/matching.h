@@ -1,4 +1,4 @@
-// The conditions of an update, compared with a device.
+// Compares the conditions of an update with a device.
 #pragma once
 
 #include "firmware/update_record.h"

@@ -85,7 +85,7 @@ std::optional<Pattern::Range> Pattern::Search(std::string_view text) const
     const std::unique_ptr<pcre2_match_context, FreeContext> limits(pcre2_match_context_create(nullptr));
     const std::unique_ptr<pcre2_match_data, FreeData> data(pcre2_match_data_create_from_pattern(code.get(), nullptr));
     if (!limits || !data) throw BAD_ALLOC_EXCEPTION("Not enough memory to match a pattern");
-    // The steps are counted anew for each place where a match may begin.
+    // The steps are counted separately for each position where a match may begin.
     const uint32_t steps = patternSteps / static_cast<uint32_t>(text.size() + 1);
     pcre2_set_match_limit(limits.get(), steps);
     pcre2_set_depth_limit(limits.get(), steps);

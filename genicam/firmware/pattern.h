@@ -1,6 +1,6 @@
-// Pattern: a Perl-compatible regular expression out of an update file, under limits of time and memory.
+// Pattern: a Perl-compatible regular expression from an update file, matched with limits on time and memory.
 //
-// A value of one thread. Patterns and texts are bytes; a part of a text that matches is enough.
+// A value, used by one thread. Patterns and texts are bytes; it is enough that a part of a text matches.
 #pragma once
 
 #include <Base/GCNamespace.h>

@@ -1,4 +1,4 @@
-// The files of a package that a procedure uploads.
+// The files of a package that an update procedure uploads.
 #pragma once
 
 #include "firmware/bounds.h"

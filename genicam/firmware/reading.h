@@ -1,4 +1,4 @@
-// From an update file to the records of its updates.
+// Reads the records of the updates in an update file.
 #pragma once
 
 #include "firmware/update_record.h"

@@ -1,4 +1,4 @@
-// Texts in several languages, and texts of strangers in messages.
+// Texts in several languages, and untrusted texts in messages.
 #pragma once
 
 #include <Base/GCNamespace.h>

@@ -1,7 +1,7 @@
 // UpdateFile: an update file in memory: the container, the package inside it, the files inside the package.
 //
-// Constant after construction. Throws FileNotFoundException, FileIOException (cannot be read), FormatException (is no
-// update file); each text begins with what is wrong and names the path.
+// Constant after construction. Throws FileNotFoundException, FileIOException (the file cannot be read) and
+// FormatException (it is not an update file); each text begins with the error and contains the path.
 #pragma once
 
 #include "archive/archive.h"
@@ -11,7 +11,7 @@
 namespace GENAPI_NAMESPACE::runtime
 {
 
-// Tells whether two packages are the same.
+// Identifies a package: equal packages have equal fingerprints.
 struct Fingerprint
 {
     size_t size = 0;

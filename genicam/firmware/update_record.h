@@ -1,4 +1,4 @@
-// UpdateRecord: what CFirmwareUpdateInfo shows, and what finding and applying the update takes.
+// UpdateRecord: the data that CFirmwareUpdateInfo returns, and the data for finding and applying the update.
 #pragma once
 
 #include "firmware/control_file.h"

@@ -1,4 +1,4 @@
-// UpdateRun: one update, applied to one device. Lives for one call, on the caller's thread.
+// UpdateRun: applies one update to one device. Exists during one call, on the caller's thread.
 #pragma once
 
 #include "firmware/payloads.h"
@@ -19,7 +19,7 @@ public:
         IFirmwareUpdatableDevice& device, const CFirmwareUpdateInfo& info, IFirmwareUpdateProgressObserver* observer,
         const char* preferredLanguage);
 
-    // Every failure before the end report is told to the observer and goes up as it is.
+    // Every failure before the final report is reported to the observer and passed on unchanged.
     void Run();
 
 private:

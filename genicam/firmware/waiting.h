@@ -1,4 +1,4 @@
-// Commands of a device that take their time.
+// Waits for commands of a device.
 #pragma once
 
 #include <GenApi/ICommand.h>

@@ -1,4 +1,4 @@
-// What the operators of formulas compute: 64-bit integers that wrap, and doubles. Failures are FormulaErrors.
+// The operators of formulas: 64-bit integers that wrap around, and doubles. Failures are FormulaErrors.
 #pragma once
 
 #include "formula/formula.h"

@@ -84,7 +84,7 @@ bool ReadLiteral(std::string_view text, int64_t& number)
     return result.ec != std::errc::invalid_argument && result.ptr == digits.data() + digits.size();
 }
 
-// Whether a decimal number lies below 1; from_chars does not tell too small from too large.
+// Whether a decimal number is below 1; from_chars does not distinguish too small from too large.
 bool IsBelowOne(std::string_view digits)
 {
     const size_t letter = std::min(digits.find_first_of("eE"), digits.size());

@@ -1,7 +1,8 @@
-// FormulaCompiler: from the text of a formula to its bytecode, in one pass. Lives for one compilation.
+// FormulaCompiler: compiles the text of a formula to bytecode, in one pass. Exists during one compilation.
 //
-// Precedence, highest first, every binary operator from the left: signs, "~", functions; then ** << >> & | ^ alike;
-// then * / %; then + -; then comparisons, && || and "? :" alike. docs/genicam-runtime.md has the grammar.
+// Precedence, highest first: signs, "~", functions; then ** << >> & | ^ with equal precedence; then * / %; then + -;
+// then comparisons, && || and "? :" with equal precedence. Every binary operator associates from the left.
+// docs/genicam-runtime.md contains the grammar.
 #pragma once
 
 #include "formula/tokens.h"

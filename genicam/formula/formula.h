@@ -1,7 +1,7 @@
 // Formula: one formula of a description, compiled once into a small bytecode.
 //
-// Constant after compilation: safe to evaluate from any thread. Nothing is lazy: both branches of "? :" and both sides
-// of "&&" are computed, and a failure in any of them fails the formula.
+// Constant after compilation: safe to evaluate on any thread. Evaluation is never lazy: both branches of "? :" and both
+// sides of "&&" are computed, and a failure in one of them fails the formula.
 #pragma once
 
 #include <Base/GCNamespace.h>

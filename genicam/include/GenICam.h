@@ -1,4 +1,4 @@
-// GenICam.h: the whole runtime as one include.
+// GenICam.h: includes the whole runtime.
 #pragma once
 
 #include <Base/GCBase.h>

@@ -1,4 +1,4 @@
-// GenICamFwd.h: names of the interfaces, for headers that only point at them.
+// GenICamFwd.h: forward declarations of the interfaces.
 #pragma once
 
 #include <Base/GCNamespace.h>

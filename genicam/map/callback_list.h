@@ -1,5 +1,5 @@
-// Registration: a callback from its registration to its destruction. CallbackList: those that one operation fires, each
-// once.
+// Registration: a callback, from its registration to its destruction. CallbackList: the callbacks that one operation
+// calls, each once.
 #pragma once
 
 #include <GenApi/NodeCallback.h>

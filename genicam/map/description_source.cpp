@@ -12,7 +12,7 @@ namespace GENAPI_NAMESPACE::runtime
 namespace
 {
 
-// The first entry is the description, whatever its name. A folder has no bytes, which is for the parser to refuse.
+// The first entry is the description; its name does not matter. A folder has no bytes, so the parser refuses it.
 std::string Unpacked(const Archive& archive)
 {
     if (archive.Entries().empty()) throw RUNTIME_EXCEPTION("Invalid zip archive: it has no entries");

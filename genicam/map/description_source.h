@@ -1,4 +1,4 @@
-// DescriptionSource: where the text of a camera description comes from, until it is parsed.
+// DescriptionSource: the source of the text of a camera description, until it is parsed.
 #pragma once
 
 #include <GenApi/NodeMapFactory.h>

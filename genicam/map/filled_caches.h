@@ -1,12 +1,12 @@
-// FilledCaches: which nodes may have something in their caches, and where among their dependents such nodes are, so
-// that a drop visits these and not all dependents.
+// FilledCaches: records which nodes may have cached values and which dependents lead to such nodes, so that discarding
+// caches visits these nodes instead of all dependents.
 //
-// Owned by the node map, used with its lock held. The links from a node to those that depend on it do not change; each
-// is open or closed. A node is entered when something comes into its caches. Two rules hold between calls: all links to
-// an entered node are open, and the node that an open link comes from is entered, too. So the open links lead from any
-// node to everything filled that depends on it. A node without anything in its caches may be entered: it is visited in
-// vain, once. A link is opened again only after a visit has closed it, so this costs no more than the visits
-// themselves.
+// Owned by the node map, used while its lock is held. The links from a node to its dependents do not change; each link
+// is open or closed. A node is entered when one of its caches gets a value. Two rules hold between calls: all links to
+// an entered node are open, and the node from which an open link starts is entered too. So the open links lead from any
+// node to every dependent with cached values. An entered node may have no cached value: it is then visited once in
+// vain. A link is opened again only after a visit has closed it, so maintaining the links costs no more than the
+// visits.
 #pragma once
 
 #include "xml/description.h"

@@ -220,7 +220,7 @@ void NodeMap::Meet(Node& node, std::vector<Node*>& list)
     list.push_back(&node);
 }
 
-// Adds what depends on the nodes from `first` on; the marks tell which are listed.
+// Adds the dependents of the nodes from `first` on; the marks record which nodes are listed.
 void NodeMap::Walk(std::vector<Node*>& list, size_t first)
 {
     for (size_t i = first; i < list.size(); ++i)

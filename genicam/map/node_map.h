@@ -1,7 +1,7 @@
-// NodeMap: all live nodes of one description over its ports.
+// NodeMap: all runtime nodes of one description over its ports.
 //
-// Made by CNodeMapFactory; ends with Destroy. One recursive lock, its own or the application's, guards the map and its
-// nodes.
+// Created by CNodeMapFactory; destroyed by Destroy. One recursive lock, its own or the application's, guards the map
+// and its nodes.
 #pragma once
 
 #include "map/callback_list.h"

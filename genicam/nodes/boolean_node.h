@@ -1,4 +1,4 @@
-// BooleanNode: the element Boolean: on or off, told by the number behind.
+// BooleanNode: the element Boolean: on or off, depending on an underlying number.
 #pragma once
 
 #include "nodes/value_node.h"

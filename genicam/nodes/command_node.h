@@ -1,4 +1,4 @@
-// CommandNode: the element Command: a number to write, and the place where it is written.
+// CommandNode: the element Command: a number, and the node or register to which it is written.
 #pragma once
 
 #include "nodes/value_node.h"

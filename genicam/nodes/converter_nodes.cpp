@@ -30,7 +30,8 @@ void ConverterNode<Base, Number>::Write(Number written, bool verify)
     WriteTo(*value, to->Compute(written, {verify, false}), verify);
 }
 
-// One limit of the value, sent through the formula; which one, the slope tells. Doubles stop at the largest.
+// One limit of the value, converted by the formula. The slope determines which limit it becomes. Doubles stop at the
+// largest number.
 template <class Base, class Number>
 Number ConverterNode<Base, Number>::Limit(bool upper)
 {

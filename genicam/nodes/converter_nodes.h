@@ -1,4 +1,4 @@
-// ConverterNode: a value that is kept elsewhere in other units. IntegerConverter, FloatConverter: the elements
+// ConverterNode: the value of another node, converted to other units. IntegerConverter, FloatConverter: the elements
 // IntConverter and Converter.
 #pragma once
 

@@ -1,4 +1,4 @@
-// Exceptions of nodes: they name the node where they arose and the operation that the application called.
+// Exceptions of nodes: they contain the node that raised them and the operation that the application called.
 #pragma once
 
 #include <Base/GCException.h>

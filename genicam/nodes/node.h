@@ -1,8 +1,8 @@
-// Node: what all live nodes have in common: attributes, access mode, caches, callbacks, and how other nodes read and
-// write them.
+// Node: what all runtime nodes have in common: attributes, access mode, caches, callbacks, and the functions by which
+// other nodes read and write them.
 //
-// Owned by its NodeMap. Public operations of the interfaces take the map's lock; those of the runtime itself (below "As
-// other nodes see it") are called with the lock held.
+// Owned by its NodeMap. Public operations of the interfaces take the lock of the map; those of the runtime itself
+// (below "As other nodes see it") are called while the lock is held.
 #pragma once
 
 #include "map/callback_list.h"
@@ -80,7 +80,7 @@ public:
     UserData_t GetUserData() const override { return userData; }
     UserData_t SetUserData(UserData_t data) override;
 
-    // As other nodes see it: a number, whatever the kind. The defaults refuse.
+    // As other nodes see it: a number, for any kind of node. The defaults refuse.
     virtual int64_t ReadInteger(ReadOptions options);
     virtual double ReadReal(ReadOptions options);
     virtual void WriteInteger(int64_t value, bool verify);
@@ -116,7 +116,8 @@ public:
     std::string Name() const;
     Element Kind() const;
     const Description& Source() const;
-    // An error enumeration throws RuntimeException unless it says that there is none; other kinds tell of no errors.
+    // An error enumeration throws RuntimeException unless it reports that there is no error; other nodes report no
+    // errors.
     virtual void ThrowIfError();
     // Takes part in polling at this moment.
     virtual bool IsPolled() { return true; }
@@ -146,7 +147,7 @@ protected:
     void CheckReadable() const;
     void CheckWritable() const;
     void CheckAvailable() const;
-    // Throws RuntimeException when an error node tells of an error.
+    // Throws RuntimeException when an error node reports an error.
     void CheckErrors() const;
 
     // Runs `act`, which writes, as the operation of an application: caches, callbacks, and what is to be undone on a

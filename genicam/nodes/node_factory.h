@@ -1,4 +1,4 @@
-// MakeNode: the live node for a record of the description.
+// MakeNode: creates the runtime node for a record of the description.
 #pragma once
 
 #include "nodes/node.h"

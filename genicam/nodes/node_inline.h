@@ -1,4 +1,4 @@
-// What Node and NodeMap need of each other: templates, and what is too small for a call.
+// Functions that Node and NodeMap need of each other: templates and inline functions.
 #pragma once
 
 #include "map/node_map.h"

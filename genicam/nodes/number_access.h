@@ -1,4 +1,4 @@
-// What other nodes say, in the kind of number that is computed with: int64_t or double.
+// Reads values of other nodes as the number type of the computation: int64_t or double.
 #pragma once
 
 #include "map/node_map.h"

@@ -1,7 +1,7 @@
-// NumberBase: what nodes with a number have in common, whatever it is made from. Number is int64_t or double, Interface
-// IInteger or IFloat, List its list of valid values.
+// NumberBase: what nodes with a number have in common, regardless of the source of the number. Number is int64_t or
+// double, Interface is IInteger or IFloat, List is the type of their list of valid values.
 //
-// Kinds implement Read and Write; those are called with the lock held.
+// Derived classes implement Read and Write, which are called while the lock is held.
 #pragma once
 
 #include "nodes/number_access.h"

@@ -1,4 +1,5 @@
-// IntegerNode, FloatNode: the elements Integer and Float. Limits: a number, a node, or those of the value behind.
+// IntegerNode, FloatNode: the elements Integer and Float. A limit is a number, a node, or the limit of the underlying
+// value.
 #pragma once
 
 #include "nodes/number_base.h"

@@ -1,6 +1,6 @@
-// RegisterCache: the bytes of registers by port, address and length, shared by all nodes that lie there.
+// RegisterCache: the bytes of registers by port, address and length, shared by all nodes at that address.
 //
-// Owned by the node map, used with its lock held.
+// Owned by the node map, used while its lock is held.
 #pragma once
 
 #include <Base/GCNamespace.h>

@@ -96,7 +96,8 @@ int64_t IntegerRegister::MinOfWrites()
     return isSigned ? -static_cast<int64_t>(Mask(field.width - 1)) - 1 : 0;
 }
 
-// Of 64 unsigned bits a whole register stays within the signed numbers; a field of so many tells -1 and takes nothing.
+// An unsigned register of 64 bits is limited to the range of signed numbers; a bit field of 64 bits returns -1 and
+// accepts nothing.
 int64_t IntegerRegister::MaxOfWrites()
 {
     const Field field = LimitField();

@@ -1,5 +1,5 @@
-// The elements that are registers: IntReg, MaskedIntReg and struct entries, FloatReg, StringReg, Register,
-// AdvFeatureLock and SmartFeature.
+// The register elements: IntReg, MaskedIntReg and struct entries, FloatReg, StringReg, Register, AdvFeatureLock and
+// SmartFeature.
 #pragma once
 
 #include "nodes/number_base.h"
@@ -109,7 +109,7 @@ protected:
     EAccessMode KindMode() const override { return RO; }
 };
 
-// Both read-only integers: AdvFeatureLock tells 1, SmartFeature the address at its end.
+// Both are read-only integers: AdvFeatureLock returns 1, SmartFeature the address at its end.
 class FeatureLockNode : public RegisterOf<IntegerBase>
 {
 public:

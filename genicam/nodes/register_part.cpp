@@ -159,7 +159,7 @@ RegisterCache::Block* RegisterPart::Block(int64_t start, int64_t length)
     return block;
 }
 
-// A length that is told by other nodes may have become shorter since the caller asked for it.
+// A length that comes from other nodes may have become shorter since the caller queried it.
 int64_t RegisterPart::LengthFor(int64_t count, bool verify)
 {
     const int64_t length = Length(verify);

@@ -1,5 +1,5 @@
-// RegisterPart: where a register lies and its bytes; part of every node with the register interface.
-// RegisterOf<Base>: adds the interface to a kind of node.
+// RegisterPart: the address and the bytes of a register; a part of every node with the register interface.
+// RegisterOf<Base>: adds the interface to a node class.
 #pragma once
 
 #include "nodes/node_inline.h"

@@ -1,4 +1,4 @@
-// CategoryNode, PlainNode: the elements Category and Node, which order and describe.
+// CategoryNode, PlainNode: the elements Category and Node, which have no value.
 #pragma once
 
 #include "nodes/value_node.h"

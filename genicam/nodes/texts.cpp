@@ -66,14 +66,14 @@ std::chars_format FormatOf(EDisplayNotation notation)
     }
 }
 
-// With a point, whatever the locale of the application.
+// With a decimal point, regardless of the application's locale.
 std::string Shown(double value, EDisplayNotation notation, int precision)
 {
     char text[512]; // 309 digits before the point and maxDigits behind it
     return std::string(text, std::to_chars(text, text + sizeof text, value, FormatOf(notation), precision).ptr);
 }
 
-// Half a unit of the last place of the mantissa, whatever the exponent.
+// Half a unit of the last digit of the mantissa, without regard to the exponent.
 double HalfUnit(std::string_view text)
 {
     const std::string_view mantissa = text.substr(0, text.find_first_of("eE"));

@@ -1,4 +1,4 @@
-// Values as texts and back. Readers answer false for a text that stands for no value.
+// Converts values to texts and back. The reading functions return false for a text that is not a value.
 #pragma once
 
 #include <GenApi/Types.h>

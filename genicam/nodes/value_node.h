@@ -1,6 +1,6 @@
 // ValueNode: a node with a value as text, and the cache of that value.
 //
-// Kinds implement ValueText and SetText; those are called with the lock held.
+// Derived classes implement ValueText and SetText, which are called while the lock is held.
 #pragma once
 
 #include "nodes/node.h"

@@ -1,7 +1,7 @@
-// ValueSource: where the number of a node lives: in the node itself, behind pValue with its copies, or chosen by an
+// ValueSource: the place of a node's number: in the node itself, in the node of pValue and its copies, or chosen by an
 // index.
 //
-// Part of its node; used with the lock of the map held.
+// Part of its node; used while the lock of the map is held.
 #pragma once
 
 #include "nodes/node.h"

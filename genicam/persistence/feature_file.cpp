@@ -1,4 +1,4 @@
-// The default file format of feature bags: a line for each record, as told in docs/genicam-runtime.md.
+// The default file format of feature bags: one line for each record, as documented in docs/genicam-runtime.md.
 #include <Base/GCException.h>
 #include <GenApi/Persistence.h>
 #include <GenICamVersion.h>

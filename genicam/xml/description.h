@@ -1,7 +1,7 @@
-// Description: a camera description as flat records: nodes in the order of their first mention, and what each says
-// about itself.
+// Description: a camera description as flat records: nodes in the order in which they are first mentioned, and the
+// properties of each.
 //
-// Made once by ParseDescription, then constant: all maps of a factory share one. Safe to read from any thread.
+// Created once by ParseDescription, then constant: all maps of a factory share one. Safe to read from any thread.
 #pragma once
 
 #include "xml/elements.h"
@@ -27,7 +27,7 @@ struct TextPlace
     uint32_t length;
 };
 
-// One property of a node; which member counts is told by FormOf. Words are numbers of enumerators.
+// One property of a node; FormOf determines which member is used. Words are numbers of enumerators.
 struct PropertyRecord
 {
     Property property;
@@ -47,13 +47,13 @@ struct NodeRecord
     uint32_t propertyCount;
     uint32_t firstEssential;
     uint32_t essentialCount; // 0: all properties are essential
-    uint32_t sourceOffset; // bytes from the start of the XML text to the element
-    NodeIndex madeBy;      // the node whose element brings this one along: entries, parts of formulas; else noNode
-    Element element;       // None: mentioned, not (yet) there
-    uint8_t source;        // number of the XML text
-    int8_t mergePriority;  // -1, 0, 1
-    bool standard;         // name space
-    bool feature;          // reachable from the category Root
+    uint32_t sourceOffset;   // bytes from the start of the XML text to the element
+    NodeIndex madeBy;        // the node whose element brings this one along: entries, parts of formulas; else noNode
+    Element element;         // None: mentioned, not (yet) there
+    uint8_t source;          // number of the XML text
+    int8_t mergePriority;    // -1, 0, 1
+    bool standard;           // namespace
+    bool feature;            // reachable from the category Root
 };
 
 struct DeviceRecord
@@ -114,12 +114,12 @@ public:
     NameTable names;
 
     // Links against the direction of the file; see links.h.
-    NodeLists parents;    // by reading links, and an enumeration for its entries
-    NodeLists dependents; // parents, nodes with this one as pInvalidator, and what this one selects; in rising order
+    NodeLists parents;     // by reading links, and an enumeration for its entries
+    NodeLists dependents;  // parents, nodes with this one as pInvalidator, and what this one selects; in rising order
     NodeLists invalidated; // the nodes with this one as pInvalidator
-    NodeLists selected;   // by pSelected, and what depends on a selected selector
-    NodeLists selecting;  // the reverse, nearest selector first
-    NodeLists namedBy;    // the selectors among those that name the node in pSelected
+    NodeLists selected;    // by pSelected, and what depends on a selected selector
+    NodeLists selecting;   // the reverse, nearest selector first
+    NodeLists namedBy;     // the selectors among those that name the node in pSelected
 };
 
 } // namespace GENAPI_NAMESPACE::runtime

@@ -1,6 +1,6 @@
-// DescriptionBuilder: puts nodes, their properties and texts into a description while it is read.
+// DescriptionBuilder: adds nodes, their properties and texts to a description while it is read.
 //
-// Lives for one text. Keeps the bounds of a description.
+// Exists during one text. Enforces the bounds of a description.
 #pragma once
 
 #include "xml/node_draft.h"
@@ -12,7 +12,7 @@ namespace GENAPI_NAMESPACE::runtime
 class DescriptionBuilder
 {
 public:
-    // The reader tells the places.
+    // The reader provides the positions for messages.
     explicit DescriptionBuilder(const XmlReader& source) : reader(source), description(std::make_shared<Description>())
     {}
 

@@ -1,4 +1,4 @@
-// GatherEdges: lists of nodes for each node, from edges between them.
+// GatherEdges: builds lists of nodes for each node from the edges between them.
 #pragma once
 
 #include "xml/description.h"

@@ -1,4 +1,5 @@
-// Elements and properties of a camera description: their names, how their text is read, and which element takes which.
+// Elements and properties of a camera description: their names, the formats of their texts, and the children of each
+// element.
 #pragma once
 
 #include <Base/GCNamespace.h>

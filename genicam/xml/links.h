@@ -1,4 +1,4 @@
-// Links between the nodes of a description: which property is which kind of link, their reverse, and the checks over
+// Links between the nodes of a description: the kind of link of each property, the reverse links, and the checks on
 // them.
 #pragma once
 
@@ -27,8 +27,8 @@ void ForEachLink(const Description& description, NodeIndex node, const Act& act)
     }
 }
 
-// The XML texts that nodes come from, by the number in their record. An empty one is not there any more: no line is
-// told.
+// The XML texts that nodes come from, by the number in their record. An empty text is not available any more: messages
+// then contain no line.
 typedef std::vector<std::string_view> SourceTexts;
 
 // Checks names, types and circles, then fills the reverse lists, marks the features and sets the essential properties

@@ -1,4 +1,4 @@
-// Merge: one description made of two.
+// Merge: combines two descriptions.
 #pragma once
 
 #include "xml/links.h"

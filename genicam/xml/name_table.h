@@ -1,4 +1,5 @@
-// NameTable: node names to node indices, by open addressing. The texts lie elsewhere and are handed in for comparison.
+// NameTable: maps node names to node indices, by open addressing. The texts are stored elsewhere and passed in for
+// comparison.
 #pragma once
 
 #include <Base/GCNamespace.h>
@@ -14,8 +15,8 @@ class NameTable
 public:
     NameTable() : slots(256) {}
 
-    // The slot of the name: its value is 0 when the name is new, else the index plus one. `nameOf` tells the name of an
-    // index.
+    // The slot of the name: its value is 0 when the name is new, otherwise the index plus one. `nameOf` returns the
+    // name of an index.
     template <class NameOf>
     uint32_t Find(std::string_view name, const NameOf& nameOf) const
     {

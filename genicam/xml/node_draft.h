@@ -1,4 +1,4 @@
-// NodeDraft: one node element while it is read: its properties so far.
+// NodeDraft: one node element while it is read, with the properties read so far.
 #pragma once
 
 #include "xml/description.h"

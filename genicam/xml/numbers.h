@@ -1,4 +1,5 @@
-// How descriptions write numbers. Each answers false for a text that is none; blanks around are none.
+// The formats of numbers in descriptions. Each function returns false for a text that is not a number; blanks around it
+// are not allowed.
 #pragma once
 
 #include <Base/GCNamespace.h>

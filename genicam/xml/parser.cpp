@@ -57,7 +57,7 @@ bool IsRomKey(Element element)
     return element == Element::TextDesc || element == Element::IntKey;
 }
 
-// A knife among the address parts of these is told apart by their name.
+// Formulas among the address parts of these elements are distinguished by their names.
 bool NamesItsKnives(Element element)
 {
     return element == Element::IntReg || element == Element::MaskedIntReg || element == Element::FloatReg ||
@@ -120,7 +120,7 @@ private:
     std::string text;
     std::vector<PropertyRecord> attributeRecords; // of the open property
 
-    // The entries of the open StructReg, until its end tells what they share.
+    // The entries of the open StructReg, until its end provides what they share.
     DescriptionBuilder::StructEntries structEntries;
 };
 

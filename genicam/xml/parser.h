@@ -1,4 +1,4 @@
-// ReadDescription: from the XML text of a camera description to flat records.
+// ReadDescription: converts the XML text of a camera description to flat records.
 #pragma once
 
 #include "xml/description.h"

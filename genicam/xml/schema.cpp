@@ -1,4 +1,4 @@
-// Which element takes which children.
+// The children that each element may have.
 #include "xml/elements.h"
 
 #include <bitset>
@@ -25,7 +25,7 @@ Properties Set(std::initializer_list<Property> list)
     return set;
 }
 
-// The children of each element, as the schemas tell them.
+// The children of each element, according to the schemas.
 struct Schema
 {
     Schema();

@@ -1,4 +1,4 @@
-// What selectors select: what pSelected names, and what reads that.
+// The nodes that selectors select: those that pSelected names, and those that read these.
 #pragma once
 
 #include "xml/links.h"
@@ -9,7 +9,8 @@ namespace GENAPI_NAMESPACE::runtime
 // Bound of the links that are followed, over all selectors.
 const size_t maxSelectionSteps = 1u << 24;
 
-// Fills `selected`, `selecting` and `namedBy`. The parents must be there; pSelected must have no circles. Throws RuntimeException.
+// Fills `selected`, `selecting` and `namedBy`. The parents must be there; pSelected must have no circles. Throws
+// RuntimeException.
 void FillSelection(Description& description, const SourceTexts& sources);
 
 } // namespace GENAPI_NAMESPACE::runtime

@@ -1,4 +1,4 @@
-// How the texts of properties are read, and the words that some of them may have.
+// The formats of property texts, and the words that some of them may contain.
 #include "xml/elements.h"
 
 #include <GenApi/Types.h>

@@ -1,7 +1,7 @@
-// XmlReader: an XML text as a row of events, over expat, with the places for messages. Descriptions and control files
-// of firmware updates are read by it, so that one set of bounds holds for both.
+// XmlReader: an XML text as a sequence of events, based on expat, with positions for messages. It reads descriptions
+// and control files of firmware updates, so the same bounds apply to both.
 //
-// Lives for one text. What comes from outside the text is refused; what the text declares itself is bounded.
+// Exists during one text. References to sources outside the text are refused; declarations in the text are bounded.
 #pragma once
 
 #include <Base/GCException.h>
@@ -19,7 +19,7 @@ namespace GENAPI_NAMESPACE::runtime
 const unsigned maxEntities = 1000;
 const float maxAmplification = 10;
 
-// The attributes of one element; valid while its start is told.
+// The attributes of one element; valid only during the call for its start.
 class XmlAttributes
 {
 public:
@@ -37,8 +37,8 @@ private:
     const char** list; // name, value, ..., null
 };
 
-// Who is told. Names of elements stand behind their name space and a nameSpaceSeparator. What a call throws ends the
-// reading.
+// Receives the events. Names of elements follow their namespace and a nameSpaceSeparator. An exception of a call ends
+// the reading.
 class XmlHandler
 {
 public:
@@ -67,7 +67,7 @@ public:
     // No event follows, and Run returns. Called by the handler.
     void Stop();
 
-    // Of the event that is being told.
+    // The position of the current event.
     uint32_t Offset() const; // in bytes
     unsigned long Line() const;
     std::string Where() const { return handler.Where(); }

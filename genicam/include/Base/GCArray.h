@@ -1,7 +1,7 @@
-// GCArray.h: GCSequence<T>, what gcstring_vector, node_vector and value_vector have in common: the operations of a
-// standard vector behind virtual functions, with iterators of its own.
+// GCArray.h: GCSequence<T>, the common base of gcstring_vector, node_vector and value_vector: the operations of a
+// standard vector as virtual functions, with its own iterators.
 //
-// A value: copies are independent. Iterators end with the next change of the length.
+// A value: copies are independent. Iterators become invalid when the length changes.
 #pragma once
 
 #include <Base/GCTypes.h>

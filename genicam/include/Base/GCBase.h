@@ -1,4 +1,4 @@
-// GCBase.h: the Base part as one include.
+// GCBase.h: includes all headers of Base.
 #pragma once
 
 #include <Base/GCArray.h>

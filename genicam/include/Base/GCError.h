@@ -1,4 +1,4 @@
-// GCError.h: the error codes of the GenTL standard as enumerators. Beside a header of GenTL itself they would be
+// GCError.h: the error codes of the GenTL standard as enumerators. Together with a GenTL header they would be
 // ambiguous: do not open GENICAM_NAMESPACE there.
 #pragma once
 

@@ -1,4 +1,4 @@
-// GenericException and its family: what this runtime throws. None of them is a standard exception.
+// GenericException and its derived classes: the exceptions of this runtime. None of them is a standard exception.
 //
 // A value, copyable; what() is composed once, in the constructor. Thrown by the macros below:
 //     throw RUNTIME_EXCEPTION("Node '%s' is missing", name);

@@ -1,8 +1,8 @@
 // GCNamespace.h: the two versioned namespaces and their plain aliases.
 //
-// Code writes GENICAM_NAMESPACE and GENAPI_NAMESPACE, or the aliases GenICam and GenApi. GENICAM_COMPANY_SUFFIX, where
-// the build sets it, becomes the last part of both names: a process may hold several copies of such a runtime, and
-// exceptions are caught by the name of their type.
+// Code uses GENICAM_NAMESPACE and GENAPI_NAMESPACE, or the aliases GenICam and GenApi. If the build defines
+// GENICAM_COMPANY_SUFFIX, it becomes the last part of both names: a process may contain several copies of such a
+// runtime, and exceptions are caught by the name of their type.
 #pragma once
 
 #include <GenICamVersion.h>

@@ -1,6 +1,6 @@
-// gcstring: a text of bytes with a length; embedded zeros are kept, c_str() is zero-terminated.
+// gcstring: a text of bytes with a length. Embedded zeros are kept; c_str() is zero-terminated.
 //
-// A value: copies are independent. Safe to read from several threads, not to change.
+// A value: copies are independent. Several threads may read it, but not change it.
 #pragma once
 
 #include <Base/GCLinkage.h>

@@ -1,4 +1,4 @@
-// gcstring_vector: a list of texts. A value, as GCSequence.
+// gcstring_vector: a list of texts. A value, like GCSequence.
 #pragma once
 
 #include <Base/GCArray.h>

@@ -1,5 +1,5 @@
-// CLock: a recursive lock. AutoLock: holds one for the length of a block. These are Base's own; the lock of a node map
-// is the one of GenApi/Synch.h. Code that opens both namespaces has to say which it means.
+// CLock: a recursive lock. AutoLock: holds one during a block. These classes belong to Base; the lock of a node map is
+// the one of GenApi/Synch.h. Code that opens both namespaces must state which one it uses.
 #pragma once
 
 #include <Base/GCLinkage.h>

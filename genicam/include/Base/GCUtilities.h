@@ -1,4 +1,4 @@
-// GCUtilities.h: number casts that notice a loss, and small macros.
+// GCUtilities.h: number casts that detect a loss of value, and small macros.
 #pragma once
 
 #include <Base/GCException.h>

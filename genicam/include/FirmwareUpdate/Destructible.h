@@ -1,4 +1,4 @@
-// IDestructible: what can be ended through a pointer to its interface.
+// IDestructible: objects that are destroyed through a pointer to their interface.
 #pragma once
 
 #include <Base/GCLinkage.h>

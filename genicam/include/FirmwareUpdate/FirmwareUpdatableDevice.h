@@ -1,4 +1,4 @@
-// IFirmwareUpdatableDevice: the device that an update is applied to. Implemented by the application, which owns the
+// IFirmwareUpdatableDevice: the device to which an update is applied. Implemented by the application, which owns the
 // device and its node maps.
 #pragma once
 

@@ -1,4 +1,4 @@
-// CFirmwareUpdateDefaultInfoCollector: keeps every update of a file.
+// CFirmwareUpdateDefaultInfoCollector: stores every update of a file.
 #pragma once
 
 #include <FirmwareUpdate/FirmwareUpdateInfoCollector.h>

@@ -1,6 +1,6 @@
-// What is wrong with an update file: it is not there, it cannot be read, or it is read and is no update file.
+// Errors of update files: the file does not exist, it cannot be read, or it is not an update file.
 //
-// Thrown as the other exceptions are; what() does not name the type.
+// Thrown like the other exceptions; what() does not contain the type.
 #pragma once
 
 #include <Base/GCException.h>

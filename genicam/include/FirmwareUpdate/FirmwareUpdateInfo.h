@@ -1,7 +1,7 @@
-// CFirmwareUpdateInfo: what an update file says about one of its updates.
+// CFirmwareUpdateInfo: the information of an update file about one of its updates.
 //
-// A value; copies share their data and outlive the reader. Constant once made: safe to read from any thread. All texts
-// live as long as any copy does.
+// A value; copies share their data and outlive the reader. Constant after construction: safe to read from any thread.
+// All texts are valid as long as one of the copies exists.
 #pragma once
 
 #include <Base/GCLinkage.h>

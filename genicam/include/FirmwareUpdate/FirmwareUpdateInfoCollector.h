@@ -1,4 +1,4 @@
-// IFirmwareUpdateInfoCollector: takes the updates of a file while it is read. Implemented by the application.
+// IFirmwareUpdateInfoCollector: receives the updates of a file while it is read. Implemented by the application.
 #pragma once
 
 #include <FirmwareUpdate/Destructible.h>

@@ -1,7 +1,8 @@
-// IFirmwareUpdateProgressObserver: is told how an update goes on, on the thread that applies it. Implemented by the
-// application.
+// IFirmwareUpdateProgressObserver: receives the progress of an update, on the thread that applies it. Implemented by
+// the application.
 //
-// An exception out of the reports of the begin and of the end fails the update; those out of the others are swallowed.
+// An exception from the reports of the beginning and the end fails the update; exceptions from the other reports are
+// ignored.
 #pragma once
 
 #include <Base/GCException.h>

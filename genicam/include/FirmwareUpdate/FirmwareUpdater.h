@@ -1,7 +1,8 @@
-// CFirmwareUpdater: reads update files, tells which updates fit a device, and applies one.
+// CFirmwareUpdater: reads update files, finds the updates that fit a device, and applies one.
 //
-// Not thread-safe. All work is done on the caller's thread and ends with the call. Files raise FileNotFoundException,
-// FileIOException, FormatException (FirmwareUpdateExceptions.h), and RuntimeException for faults of their control file.
+// Not thread-safe. All work is done on the caller's thread before the call returns. Errors of files raise
+// FileNotFoundException, FileIOException and FormatException (FirmwareUpdateExceptions.h), and RuntimeException for
+// errors in the control file.
 #pragma once
 
 #include <FirmwareUpdate/FirmwareUpdatableDevice.h>

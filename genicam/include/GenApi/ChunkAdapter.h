@@ -1,8 +1,9 @@
-// CChunkAdapter: shows the chunks of a buffer as the chunk ports of a node map. One derived class for each layout.
+// CChunkAdapter: presents the chunks of a buffer as the chunk ports of a node map. There is one derived class for each
+// layout.
 //
-// All operations take the lock of the map; callbacks of the type "outside" are called after it was released. A buffer
-// that is refused leaves the nodes as they were. The nodes read the buffer itself, so it must live until the next
-// attach or detach; only ports that ask for it get a copy. May outlive the map: it is detached then.
+// All operations take the lock of the map; callbacks of the type "outside" are called after it was released. If a
+// buffer is refused, the nodes do not change. The nodes read the buffer itself, so it must stay valid until the next
+// attach or detach; only ports that request it get a copy. The adapter may outlive the map, which detaches it.
 #pragma once
 
 #include <GenApi/ChunkPort.h>

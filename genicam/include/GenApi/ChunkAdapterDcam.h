@@ -1,5 +1,5 @@
-// CChunkAdapterDcam: chunks of IIDC cameras. Each is data with a trailer behind it, little endian; a checksum may stand
-// behind the last one.
+// CChunkAdapterDcam: chunks of IIDC cameras. Each chunk is data followed by a trailer, little endian; a checksum may
+// follow the last one.
 #pragma once
 
 #include <GenApi/ChunkAdapter.h>

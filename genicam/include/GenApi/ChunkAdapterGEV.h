@@ -1,4 +1,4 @@
-// CChunkAdapterGEV: chunks of GigE Vision. Each is data with a trailer behind it, big endian.
+// CChunkAdapterGEV: chunks of GigE Vision. Each chunk is data followed by a trailer, big endian.
 #pragma once
 
 #include <GenApi/ChunkAdapter.h>

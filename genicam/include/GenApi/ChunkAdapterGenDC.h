@@ -1,4 +1,5 @@
-// CChunkAdapterGenDC: chunks in the metadata parts of a GenDC container. Inside a part they lie as in USB3 Vision.
+// CChunkAdapterGenDC: chunks in the metadata parts of a GenDC container. Their layout inside a part is that of USB3
+// Vision.
 #pragma once
 
 #include <GenApi/ChunkAdapterU3V.h>

@@ -1,5 +1,5 @@
-// CChunkAdapterGeneric: chunks that the caller lists. The bytes of the buffer are not looked at; that the chunks lie
-// inside of it is the caller's promise.
+// CChunkAdapterGeneric: chunks that the caller lists. The bytes of the buffer are not examined; the caller guarantees
+// that the chunks lie inside the buffer.
 #pragma once
 
 #include <Base/GCString.h>
@@ -30,7 +30,7 @@ public:
         : CChunkAdapter(pNodeMap, MaxChunkCacheSize)
     {}
 
-    // False: the bytes alone tell of no chunks.
+    // Returns false: the bytes do not show where chunks are.
     bool CheckBufferLayout(uint8_t* pBuffer, int64_t BufferLength) override;
     // RuntimeException, for the same reason.
     void AttachBuffer(uint8_t* pBuffer, int64_t BufferLength, AttachStatistics_t* pAttachStatistics = NULL) override;

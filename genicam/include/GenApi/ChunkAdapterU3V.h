@@ -1,4 +1,4 @@
-// CChunkAdapterU3V: chunks of USB3 Vision. Each is data with a trailer behind it, little endian.
+// CChunkAdapterU3V: chunks of USB3 Vision. Each chunk is data followed by a trailer, little endian.
 #pragma once
 
 #include <GenApi/ChunkAdapter.h>

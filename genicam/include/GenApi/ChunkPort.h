@@ -1,7 +1,8 @@
 // CChunkPort: the data of one chunk as the registers of a chunk port. Address 0 is the first byte of the data.
 //
-// Made and owned by a chunk adapter, which calls it with the lock of the node map held; whoever uses one alone brings
-// that lock. What is attached is not owned: it lives until the next attach or detach. It may outlive the node map.
+// Created and owned by a chunk adapter, which calls it while it holds the lock of the node map; other users must take
+// that lock themselves. The attached memory is not owned: it must stay valid until the next attach or detach. The port
+// may outlive the node map.
 #pragma once
 
 #include <GenApi/IPortConstruct.h>

@@ -1,5 +1,5 @@
-// CNodeWriteConcatenator: a list of names and values to be written to a map in one go. Made by INodeMap, ended by
-// Destroy.
+// CNodeWriteConcatenator: a list of names and values to be written to a map in one operation. Created by INodeMap,
+// destroyed by Destroy.
 #pragma once
 
 #include <Base/GCString.h>

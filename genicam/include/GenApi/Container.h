@@ -1,4 +1,4 @@
-// node_vector and value_vector: lists of nodes and of value interfaces; the nodes belong to their map. Values, as
+// node_vector and value_vector: lists of nodes and of value interfaces; the nodes belong to their map. Values, like
 // GCSequence; at() past the end throws the standard exception.
 #pragma once
 

@@ -1,4 +1,4 @@
-// EnumClasses.h: the enumerations as the texts that descriptions write.
+// EnumClasses.h: converts the enumerations to and from the texts in descriptions.
 #pragma once
 
 #include <Base/GCString.h>

@@ -1,8 +1,8 @@
-// CEventAdapter: shows the bytes of events as the event ports of a node map, and fires the nodes of an event. One
-// derived class for each form of message.
+// CEventAdapter: presents the bytes of events as the event ports of a node map, and notifies the nodes of an event.
+// There is one derived class for each message format.
 //
-// Takes the lock of the map for each event; callbacks of the type "outside" are called after it was released. A message
-// that is refused leaves the nodes as they were. May outlive the map: it is detached then.
+// Takes the lock of the map for each event; callbacks of the type "outside" are called after it was released. If a
+// message is refused, the nodes do not change. The adapter may outlive the map, which detaches it.
 #pragma once
 
 #include <GenApi/EventPort.h>

@@ -1,5 +1,5 @@
-// CEventAdapterCL: event messages of Camera Link cameras that speak GenCP. All numbers are big endian; the checksums
-// are not looked at.
+// CEventAdapterCL: event messages of Camera Link cameras that use GenCP. All numbers are big endian; the checksums are
+// not verified.
 #pragma once
 
 #include <GenApi/EventAdapter.h>

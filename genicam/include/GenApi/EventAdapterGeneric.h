@@ -1,4 +1,4 @@
-// CEventAdapterGeneric: events whose id the caller tells. All bytes belong to the event.
+// CEventAdapterGeneric: events whose id the caller passes. All bytes belong to the event.
 #pragma once
 
 #include <Base/GCString.h>

@@ -35,7 +35,7 @@ class GENAPI_DECL CEventAdapterU3V : public CEventAdapter
 public:
     explicit CEventAdapterU3V(INodeMap* pNodeMap = NULL) : CEventAdapter(pNodeMap) {}
 
-    // One event, whatever its first field says.
+    // One event; its first field is ignored.
     void DeliverMessage(const uint8_t msg[], uint32_t numBytes) override;
     // As many bytes as the header says lie behind it.
     void DeliverEventMessage(const U3V_EVENT_MESSAGE* pMessage);

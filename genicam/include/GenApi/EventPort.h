@@ -1,8 +1,8 @@
-// CEventPort: a node with an event id, and, when it is a port, the bytes of the last event as its registers. Address 0
-// is the first byte of the event, behind the header of the message.
+// CEventPort: a node with an event id; if it is a port, its registers are the bytes of the last event. Address 0 is the
+// first byte of the event, after the header of the message.
 //
-// Made and owned by an event adapter, which calls it with the lock of the node map held; whoever uses one alone brings
-// that lock. Keeps a copy of the bytes. It may outlive the node map.
+// Created and owned by an event adapter, which calls it while it holds the lock of the node map; other users must take
+// that lock themselves. Stores a copy of the bytes. The port may outlive the node map.
 #pragma once
 
 #include <GenApi/INode.h>

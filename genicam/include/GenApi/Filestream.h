@@ -1,9 +1,9 @@
-// FileProtocolAdapter: files on a device, through the nodes of the file access features. Above it the streams
-// IDevFileStream and ODevFileStream.
+// FileProtocolAdapter: files on a device, through the nodes of the file access features. The streams IDevFileStream and
+// ODevFileStream use it.
 //
-// The map must outlive the adapter. Each operation holds the map's lock from its first node to its last. What nodes and
-// ports throw during an operation ends it and is told by its result only; the one exception that passes is that of an
-// unknown file name in openFile.
+// The map must outlive the adapter. Each operation holds the map's lock from its first node to its last. An exception
+// of a node or port during an operation ends the operation, and only the result shows it; the one exception that passes
+// is that of an unknown file name in openFile.
 #pragma once
 
 #include <GenApi/INodeMap.h>
@@ -128,7 +128,7 @@ private:
     enum
     {
         maxBlock = 1 << 20
-    }; // bytes, whatever the device says
+    }; // bytes, regardless of what the device reports
 
     bool opened;
 };

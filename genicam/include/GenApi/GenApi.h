@@ -1,4 +1,4 @@
-// GenApi.h: the interfaces of GenApi as one include.
+// GenApi.h: includes all interfaces of GenApi.
 #pragma once
 
 #include <GenApi/IBase.h>

@@ -1,4 +1,4 @@
-// GenApiVersion.h: the version of GenApi, which is that of the whole runtime.
+// GenApiVersion.h: the version of GenApi, which is the version of the whole runtime.
 #pragma once
 
 #include <GenICamVersion.h>

@@ -1,4 +1,4 @@
-// IBoolean: a truth value. Belongs to the node map.
+// IBoolean: a boolean value. Belongs to the node map.
 #pragma once
 
 #include <GenApi/IValue.h>

@@ -1,4 +1,4 @@
-// ICategory: a folder of features. Belongs to the node map.
+// ICategory: a group of features. Belongs to the node map.
 #pragma once
 
 #include <GenApi/IValue.h>

@@ -1,4 +1,4 @@
-// ICommand: something that the device does when told. Belongs to the node map.
+// ICommand: a command that the device executes. Belongs to the node map.
 #pragma once
 
 #include <GenApi/IValue.h>

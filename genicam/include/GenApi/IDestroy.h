@@ -1,4 +1,4 @@
-// IDestroy: how a node map ends.
+// IDestroy: destroys a node map.
 #pragma once
 
 #include <Base/GCLinkage.h>

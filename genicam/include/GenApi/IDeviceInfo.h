@@ -1,4 +1,4 @@
-// IDeviceInfo: what a description says about its device. Belongs to the node map.
+// IDeviceInfo: the information of a description about its device. Belongs to the node map.
 #pragma once
 
 #include <Base/GCLinkage.h>

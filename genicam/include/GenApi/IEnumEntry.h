@@ -1,4 +1,4 @@
-// IEnumEntry: one choice of an enumeration. Belongs to the node map.
+// IEnumEntry: one entry of an enumeration. Belongs to the node map.
 #pragma once
 
 #include <GenApi/IValue.h>

@@ -1,4 +1,4 @@
-// IEnumeration: a choice among named entries. Belongs to the node map.
+// IEnumeration: a value that is one of a list of named entries. Belongs to the node map.
 #pragma once
 
 #include <GenApi/IEnumEntry.h>

@@ -1,5 +1,5 @@
-// IEnumerationT<EnumT>: an enumeration whose choices are the enumerators of a C++ enumeration. CEnumerationTRef<EnumT>:
-// the reference that offers it over any enumeration node. For generated parameter classes.
+// IEnumerationT<EnumT>: an enumeration whose entries are the enumerators of a C++ enumeration. CEnumerationTRef<EnumT>:
+// the reference that provides it for any enumeration node. For generated parameter classes.
 #pragma once
 
 #include <GenApi/IEnumeration.h>
@@ -21,7 +21,7 @@ GENICAM_INTERFACE IEnumerationT : virtual public IEnumeration
     using IEnumeration::GetEntry;
 };
 
-// Enumerators are matched with entries by their texts, whatever number an entry has in the device.
+// Enumerators and entries are matched by their texts, regardless of the number of an entry in the device.
 template <class EnumT>
 class CEnumerationTRef : public CValueRefT<IEnumeration, IEnumerationT<EnumT>>, public IEnumReference
 {

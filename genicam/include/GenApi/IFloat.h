@@ -1,4 +1,4 @@
-// IFloat: a floating point number with a range. Belongs to the node map.
+// IFloat: a floating-point number with a range. Belongs to the node map.
 #pragma once
 
 #include <GenApi/Autovector.h>

@@ -1,5 +1,5 @@
-// INodeMap: all nodes of one description over its ports. Made by CNodeMapFactory, ended by IDestroy. Thread-safe: one
-// recursive lock guards the map and its nodes.
+// INodeMap: all nodes of one description over its ports. Created by CNodeMapFactory, destroyed by IDestroy.
+// Thread-safe: one recursive lock guards the map and its nodes.
 #pragma once
 
 #include <Base/GCString.h>

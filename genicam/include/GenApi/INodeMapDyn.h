@@ -1,4 +1,4 @@
-// INodeMapDyn: a node map as a virtual base. No map of this runtime offers more by it than INodeMap does.
+// INodeMapDyn: a node map as a virtual base class. In this runtime it offers nothing beyond INodeMap.
 #pragma once
 
 #include <GenApi/INodeMap.h>

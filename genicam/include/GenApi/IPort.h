@@ -1,5 +1,5 @@
-// IPort: the road to the registers. Implemented by the application, which owns it and keeps it alive while it is
-// connected; what its operations throw passes through the nodes unchanged.
+// IPort: access to the registers. Implemented by the application, which owns it and keeps it alive while it is
+// connected; exceptions of its operations pass through the nodes unchanged.
 #pragma once
 
 #include <GenApi/IBase.h>

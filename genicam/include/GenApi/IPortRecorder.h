@@ -1,4 +1,4 @@
-// IPortRecorder: a port that notes its writes and plays them back. Implemented by the application.
+// IPortRecorder: a port that records its writes and replays them. Implemented by the application.
 #pragma once
 
 #include <GenApi/IPort.h>

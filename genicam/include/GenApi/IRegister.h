@@ -1,4 +1,4 @@
-// IRegister: the bytes behind a node. Belongs to the node map.
+// IRegister: the bytes of a register node. Belongs to the node map.
 #pragma once
 
 #include <GenApi/IValue.h>

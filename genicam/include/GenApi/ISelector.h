@@ -1,4 +1,4 @@
-// ISelector: which features a node selects and by which it is selected. Belongs to the node map.
+// ISelector: the features that a node selects, and those by which it is selected. Belongs to the node map.
 #pragma once
 
 #include <GenApi/IBase.h>

@@ -1,4 +1,4 @@
-// IUserData: one pointer that the application keeps at a node or a map; the runtime never looks at it.
+// IUserData: one pointer that the application stores at a node or a map; the runtime never uses it.
 #pragma once
 
 #include <Base/GCLinkage.h>

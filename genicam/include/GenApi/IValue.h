@@ -1,4 +1,4 @@
-// IValue: the value of a node as text. Belongs to the node map; every operation takes the map's lock.
+// IValue: the value of a node as a text. Belongs to the node map; every operation takes the lock of the map.
 #pragma once
 
 #include <GenApi/INode.h>

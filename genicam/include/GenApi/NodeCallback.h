@@ -1,7 +1,8 @@
-// CNodeCallback: tells the application that a node may have changed.
+// CNodeCallback: notifies the application that a node may have changed.
 //
-// A registered callback belongs to its node, which destroys it on deregistration and when the node ends. It is called
-// on the thread that caused the change: inside the lock of the map, or outside, after the lock was released.
+// A registered callback belongs to its node, which destroys it when it is deregistered or when the node ends. It is
+// called on the thread that caused the change: either while the lock of the map is held ("inside") or after it was
+// released ("outside").
 #pragma once
 
 #include <GenApi/INode.h>

@@ -1,7 +1,7 @@
-// CNodeMapFactory: makes node maps from one camera description.
+// CNodeMapFactory: creates node maps from one camera description.
 //
-// A copyable reference to shared data. The constructors load nothing: what is wrong with a description comes out of
-// CreateNodeMap. Not thread-safe.
+// A copyable reference to shared data. The constructors load nothing: CreateNodeMap reports errors of a description.
+// Not thread-safe.
 #pragma once
 
 #include <Base/GCString.h>

@@ -1,6 +1,6 @@
 // CNodeMapRefT: a counted reference to a node map, with operations that load one. The last reference destroys the map.
 //
-// A reference is not thread-safe; the map behind it is.
+// A reference is not thread-safe; its map is.
 #pragma once
 
 #include <Base/GCException.h>

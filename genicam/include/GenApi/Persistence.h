@@ -1,9 +1,10 @@
-// CFeatureBag: the streamable features of a node map as texts, to be kept in a file and written back.
+// CFeatureBag: the streamable features of a node map as texts, to be stored in a file and written back.
 //
-// A value; not thread-safe. StoreToBag and LoadFromBag hold the lock of the map all the time.
+// A value; not thread-safe. StoreToBag and LoadFromBag hold the lock of the map while they run.
 //
-// Who wants a file format of his own defines GENAPI_DONT_USE_DEFAULT_PERSISTENCE_FILE_FORMAT before the include and
-// the two stream operators in GENAPI_NAMESPACE, all in one source file: as friends they reach the records.
+// To use another file format, define GENAPI_DONT_USE_DEFAULT_PERSISTENCE_FILE_FORMAT before the include and define the
+// two stream operators in GENAPI_NAMESPACE, all in one source file: the operators are friends and can access the
+// records.
 #pragma once
 
 #include <Base/GCStringVector.h>

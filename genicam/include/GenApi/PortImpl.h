@@ -1,6 +1,6 @@
-// CPortImpl: a base for port classes of the application, to override what they do themselves. As it stands it passes
-// everything on to the port that it was given by SetPortImpl, and is not implemented without one. Does not own that
-// port.
+// CPortImpl: a base for port classes of the application, which override the functions that they implement. The
+// functions of the base forward to the port that was passed to SetPortImpl, and report "not implemented" without one.
+// Does not own that port.
 #pragma once
 
 #include <Base/GCException.h>

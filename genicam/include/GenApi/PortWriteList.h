@@ -1,4 +1,4 @@
-// CPortWriteList: notes writes with copies of their bytes, to play them back into a port. A value; not thread-safe.
+// CPortWriteList: records writes with copies of their bytes, to replay them into a port. A value; not thread-safe.
 #pragma once
 
 #include <Base/GCException.h>

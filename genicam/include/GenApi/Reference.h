@@ -1,8 +1,8 @@
-// CReferenceT<T, I>: stands for a feature that may be there or not, as a member of a generated parameter class. It has
-// the interface I and passes each operation on to the object that it was given. Does not own: nodes belong to their
-// map.
+// CReferenceT<T, I>: represents a feature that may or may not exist, as a member of a generated parameter class. It has
+// the interface I and forwards each operation to the object that was assigned to it. Does not own it: nodes belong to
+// their map.
 //
-// The templates for the single interfaces stand beside them: CIntegerRefT in IInteger.h.
+// The templates for the individual interfaces are in their headers: CIntegerRefT in IInteger.h.
 #pragma once
 
 #include <Base/GCException.h>
@@ -21,7 +21,7 @@ protected:
     ~IReference() = default;
 };
 
-// Tells a reference to an enumeration which texts belong to the numbers of a C++ enumeration.
+// Passes to a reference to an enumeration the texts that belong to the numbers of a C++ enumeration.
 GENICAM_INTERFACE GENAPI_DECL_ABSTRACT IEnumReference
 {
     virtual void SetEnumReference(int Index, GENICAM_NAMESPACE::gcstring Name) = 0;

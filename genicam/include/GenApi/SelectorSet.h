@@ -1,7 +1,8 @@
-// CSelectorSet: walks all combinations of the values of a node's selectors, the outermost turning slowest.
+// CSelectorSet: iterates over all combinations of the values of a node's selectors; the outermost selector changes
+// slowest.
 //
-// Made for one walk over a map that outlives it; hold the map's lock meanwhile. The nodes really change their values:
-// Restore sets them back, nothing else does.
+// Used for one iteration over a map that must outlive it; hold the lock of the map meanwhile. The selectors really
+// change their values; only Restore sets them back.
 #pragma once
 
 #include <GenApi/SelectorState.h>

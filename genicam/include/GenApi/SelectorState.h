@@ -1,4 +1,4 @@
-// CSelectorState: the values that the selectors of a feature had when it was read, outermost selector first.
+// CSelectorState: the values that the selectors of a feature had when the feature was read, outermost selector first.
 //
 // A value with a position. Not thread-safe; RestoreState takes the map's lock.
 #pragma once

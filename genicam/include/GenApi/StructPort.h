@@ -1,10 +1,10 @@
-// CTestPortStruct<Struct>: a port whose registers are the fields of a structure, the first one at a base address.
+// CTestPortStruct<Struct>: a port whose registers are the fields of a structure; the first field is at a base address.
 //
 //     struct Registers { uint32_t Width; uint32_t Height; };
 //     CTestPortStruct<Registers> port(0x1000);
 //     port.Height = 480; // what a node reads at 0x1004
 //
-// Not thread-safe. The bytes are those in memory: numbers lie in the byte order of the machine.
+// Not thread-safe. The bytes are those in memory: numbers have the byte order of the machine.
 #pragma once
 
 #include <GenApi/PortImpl.h>

@@ -1,4 +1,4 @@
-// CLock: the recursive lock of a node map. AutoLock: holds one for the length of a block.
+// CLock: the recursive lock of a node map. AutoLock: holds one during a block.
 #pragma once
 
 #include <Base/GCLinkage.h>
