@@ -1,4 +1,4 @@
-// Registers of the zero-cost producer's cameras that mean something; all others are plain memory.
+// The registers of the zero-cost producer's cameras that have a meaning; all others are plain memory.
 #pragma once
 
 #include <cstdint>

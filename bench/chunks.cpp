@@ -1,5 +1,5 @@
-// What the chunks of a frame cost through the exports, beside the same loop without chunks and beside the runtime's
-// adapter alone. Buffers of one layout take the short road; each row tells how often a buffer was attached.
+// Measures the cost of a frame's chunks through the exports, beside the same loop without chunks and beside the adapter
+// of the runtime. Buffers with the same layout take a shorter path; each row shows how often a buffer was attached.
 #include "bench/camera_registers.h"
 #include "bench/measure.h"
 #include "bench/producer_access.h"

@@ -1,6 +1,6 @@
-// What the settings of a camera and its files cost through the exports, beside the GenICam runtime alone and beside the
-// bare accesses to the same registers; then settings of many features behind one selector, for one feature, which must
-// not cost more where there are more.
+// Measures the cost of a camera's settings and files through the exports, beside the GenICam runtime without the
+// library and beside plain accesses to the same registers. Then measures one feature of many that share a selector,
+// whose cost must not grow with their number.
 #include "bench/measure.h"
 #include "bench/producer_access.h"
 #include "bench/runtime_map.h"
@@ -57,7 +57,7 @@ std::string Choice(const std::string& name, const std::vector<std::string>& entr
     return text + value + "</Enumeration>";
 }
 
-// A camera that takes and gives every block as soon as it is told to.
+// A camera that accepts and delivers every block as soon as it is requested.
 std::string DescribedFile(std::size_t blockSize)
 {
     const std::string constant = "<Value>0</Value>";

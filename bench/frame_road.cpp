@@ -1,5 +1,5 @@
-// What the exports cost above the producer's calls on the road of a frame, side by side with the same calls made
-// directly: each step by itself, then whole frames on one, two and four threads with a stream each.
+// Measures the cost that the exports add to the producer's calls for a frame, side by side with the same calls made
+// directly: first each step, then whole frames on one, two and four threads with one stream each.
 #include "bench/measure.h"
 #include "bench/producer_access.h"
 

@@ -1,9 +1,9 @@
-// What the GenICam runtime costs: making node maps of a description beside a bare pass of the XML parser over the same
-// bytes, their memory, and single operations of nodes beside the port's own cost.
+// Measures the cost of the GenICam runtime: creating node maps from a description, beside a plain pass of the XML
+// parser over the same bytes; their memory; and single operations of nodes, beside the cost of the port.
 //
 //     bench_genapi [--quick] [description.xml]
 //
-// Without a file: the largest one of camera-descriptions/ below KORO_REFERENCE_DATA, else one that is made up.
+// Without a file it uses the largest one of camera-descriptions/ below KORO_REFERENCE_DATA, otherwise a generated one.
 #include "bench/genapi_descriptions.h"
 #include "bench/measure.h"
 

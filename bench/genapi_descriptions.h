@@ -1,4 +1,4 @@
-// Descriptions for the bench of the GenICam runtime, made up so that it runs without any file.
+// Generated descriptions for the bench of the GenICam runtime, which so runs without any file.
 #pragma once
 
 #include <cstddef>

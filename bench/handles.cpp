@@ -1,5 +1,5 @@
-// What the look-up of a handle costs in an export, on one, two and four threads, with a handle of its own for each
-// thread and with one handle for all. Beside it an export without a handle, and a plain map under one mutex.
+// Measures the cost of looking up a handle in an export, on one, two and four threads, with a separate handle for each
+// thread and with one handle for all. Beside it an export without a handle, and a plain map with one mutex.
 #include "bench/measure.h"
 #include "bench/producer_access.h"
 

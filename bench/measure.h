@@ -1,4 +1,4 @@
-// Timing for the benches: medians over rounds in which the things to compare take turns.
+// Timing for the benches: medians over rounds in which the compared variants alternate.
 #pragma once
 
 #include <algorithm>

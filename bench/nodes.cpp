@@ -1,10 +1,10 @@
-// What features cost through the exports, beside the same access made by the GenICam runtime alone and beside the bare
-// call of the producer; then walks over long lists, for one element, which must not cost more where there are more;
-// then the first use of a large description beside a bare pass of the XML parser over it.
+// Measures the cost of features through the exports, beside the same access by the GenICam runtime without the library
+// and beside the plain call of the producer. Then walks over long lists, where the cost of one element must not grow
+// with the length. Then the first use of a large description, beside a plain pass of the XML parser over it.
 //
 //     bench_nodes [--quick] [description.xml]
 //
-// Without a file: the largest one of camera-descriptions/ below KORO_REFERENCE_DATA, else one that is made up.
+// Without a file it uses the largest one of camera-descriptions/ below KORO_REFERENCE_DATA, otherwise a generated one.
 #include "bench/genapi_descriptions.h"
 #include "bench/measure.h"
 #include "bench/producer_access.h"

@@ -1,4 +1,4 @@
-// The two ways to the frames of the zero-cost producer: its functions called directly, and the exports.
+// Two ways to get the frames of the zero-cost producer: calling its functions directly, and the exports.
 #pragma once
 
 #include "gentl/api/gentl.h"

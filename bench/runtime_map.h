@@ -1,5 +1,5 @@
-// RuntimeMap: a node map of the GenICam runtime alone over the registers of the zero-cost producer. Its road to the
-// producer is the calls that the library makes at the end of its own.
+// RuntimeMap: a node map of the GenICam runtime over the registers of the zero-cost producer, without the library. It
+// makes the same calls of the producer that the library makes.
 #pragma once
 
 #include "bench/producer_access.h"

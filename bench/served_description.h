@@ -1,5 +1,5 @@
-// ServedDescription: a description that the zero-cost producer's cameras serve from the next opening on, in a file of
-// the bench's own, and the map that an opened camera then has.
+// ServedDescription: a description that the zero-cost producer's cameras provide from the next opening on, stored in a
+// file of the bench, and the node map that an opened camera then has.
 #pragma once
 
 #include "bench/producer_access.h"

@@ -1,4 +1,5 @@
-// One row: the same work by bare calls of the producer, by the GenICam runtime alone, and through the exports.
+// One row: the same work by plain calls of the producer, by the GenICam runtime without the library, and through the
+// exports.
 #pragma once
 
 #include "bench/measure.h"

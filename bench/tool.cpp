@@ -1,5 +1,5 @@
-// Commands of the tool over long lists: the processor time of whole runs. Linear work has equal columns, but for the
-// start of the process and of the producer, which weighs more in a short list.
+// Measures commands of the tool over long lists: the processor time of whole runs. Work that grows linearly has equal
+// columns, except for the start of the process and the producer, which weighs more in a short list.
 #include "bench/genapi_descriptions.h"
 #include "bench/measure.h"
 #include "bench/served_description.h"

@@ -1,11 +1,12 @@
-// A producer whose functions cost next to nothing: what a bench measures on top of it is the library's own cost.
+// A producer whose functions cost almost nothing, so that a bench measures the cost of the library.
 //
-// Eight devices with one stream each; every wait delivers the buffer queued longest ago at once. Nothing is checked,
-// and no two threads may use one stream: this is a floor to measure against, not a model of a producer.
+// It has eight devices with one stream each. Every wait returns at once with the buffer that has been queued longest.
+// Nothing is checked, and no two threads may use one stream: this is a lower bound to compare with, not a model of a
+// producer.
 //
-// The cameras have features when the environment variable KORO_BENCH_DESCRIPTION names a description file at the time
-// a device is opened: registers of plain memory, and the file beyond them. Every buffer says that it has chunks of GigE
-// Vision; what lies in it is the bench's. Three registers mean something: see camera_registers.h.
+// The cameras have features if the environment variable KORO_BENCH_DESCRIPTION names a description file when a device
+// is opened: registers of plain memory, followed by the file. Every buffer reports chunks of GigE Vision; the bench
+// provides its contents. Three registers have a meaning: see camera_registers.h.
 #define GENTL_PRODUCER
 #include "bench/camera_registers.h"
 #include "gentl/api/gentl.h"
@@ -356,7 +357,7 @@ GC_ERROR GCGetNumPortURLs(PORT_HANDLE port, uint32_t* count)
 
 GC_ERROR GCGetPortURLInfo(PORT_HANDLE, uint32_t, URL_INFO_CMD command, INFO_DATATYPE* type, void* buffer, size_t* size)
 {
-    if (command != URL_INFO_URL) return GC_ERR_NOT_IMPLEMENTED; // the text tells the rest
+    if (command != URL_INFO_URL) return GC_ERR_NOT_IMPLEMENTED; // the URL contains the rest
     char text[64];
     std::snprintf(text, sizeof text, "local:bench.xml;%llX;%zX", 0ULL + descriptionAddress, description.size());
     return DeliverText(text, type, buffer, size);

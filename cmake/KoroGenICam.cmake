@@ -1,4 +1,4 @@
-# The GenICam runtime behind one target, `genicam`, that the rest links.
+# Provides the GenICam runtime as one target, `genicam`, to which the other targets link.
 #
 # KORO_GENICAM=bundled builds genicam/. KORO_GENICAM=reference uses the SDK tree below GENICAM_ROOT instead: its headers, and
 # its libraries GenApi, GCBase and FirmwareUpdate, or those that GENICAM_LIBRARIES names.

@@ -1,11 +1,11 @@
-# What `cmake --install` lays down: headers, library, CMake package, pkg-config file, tool, simulator, documents.
+# Defines what `cmake --install` installs: headers, library, CMake package, pkg-config file, tool, simulator, documents.
 
 include(CMakePackageConfigHelpers)
 
 set(KORO_INSTALL_PACKAGEDIR ${CMAKE_INSTALL_LIBDIR}/cmake/${PROJECT_NAME})
 set(KORO_INSTALL_PRODUCERDIR ${CMAKE_INSTALL_LIBDIR}/${PROJECT_NAME})
 
-# The object library's include folders are not for consumers, so the package names its own.
+# The include folders of the object library are not for consumers, so the package names its own.
 target_include_directories(zvr_koro INTERFACE $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
 set_target_properties(zvr_koro PROPERTIES EXPORT_NAME koro)
 install(TARGETS zvr_koro EXPORT ${PROJECT_NAME}Targets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
@@ -20,7 +20,7 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/${PROJECT_NAME}ConfigVers
 install(FILES ${PROJECT_BINARY_DIR}/${PROJECT_NAME}Config.cmake ${PROJECT_BINARY_DIR}/${PROJECT_NAME}ConfigVersion.cmake
     DESTINATION ${KORO_INSTALL_PACKAGEDIR})
 
-# The file finds the prefix from its own place, so that the tree may be installed anywhere and moved.
+# The file finds the prefix from its own location, so the tree may be installed anywhere and moved.
 if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
     set(KORO_PC_PREFIX ${CMAKE_INSTALL_PREFIX})
 else()

@@ -1,5 +1,5 @@
-# The API reference, made by Doxygen from the public headers: the target `koro_reference`, and a test that makes it. A
-# comment that does not fit its declaration is an error.
+# The API reference, which Doxygen generates from the public headers: the target `koro_reference`, and a test that
+# builds it. A comment that does not match its declaration is an error.
 
 find_package(Doxygen)
 if(NOT DOXYGEN_FOUND)

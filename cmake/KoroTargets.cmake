@@ -2,7 +2,7 @@
 
 find_package(Threads REQUIRED)
 
-# A compiler cache is used where there is one; a launcher that the user chose stays.
+# A compiler cache is used if one is installed; a launcher that the user has set is kept.
 find_program(KORO_CCACHE ccache)
 if(KORO_CCACHE AND PROJECT_IS_TOP_LEVEL)
     foreach(language C CXX)

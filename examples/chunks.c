@@ -1,6 +1,6 @@
 /*
- * Switches chunks on and reads them as features. Chunks make frames larger, so the buffers are announced afterwards.
- * The values of chunk nodes are those of the buffer that was given last.
+ * Enables chunks and reads them as features. Chunks make frames larger, so the buffers are announced afterwards. The
+ * values of chunk nodes are those of the last buffer that was passed to the node map.
  */
 #include "example.h"
 

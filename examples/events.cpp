@@ -1,4 +1,4 @@
-// Takes events that the camera sends: the end of each exposure. They are registered at the device, and their data are
+// Receives events of the camera: the end of each exposure. The events are registered at the device, and their data are
 // features of the camera.
 #include "example.hpp"
 

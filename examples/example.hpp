@@ -1,4 +1,4 @@
-// What the examples in C++ share: the road to a stream.
+// What the C++ examples share: opening a stream.
 #pragma once
 
 #include <koro/koro.hpp>

@@ -1,4 +1,4 @@
-// The first program in C++: one frame of the first camera, and its size. What is open closes by itself.
+// The first program in C++: takes one frame of the first camera and prints its size. All objects close by themselves.
 #include "example.hpp"
 
 int main()

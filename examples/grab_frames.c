@@ -1,6 +1,6 @@
 /*
- * Grabs ten frames into memory of its own. The producer writes straight into that memory: a frame is read in place
- * between the wait that returns its buffer and the call that queues it again.
+ * Grabs ten frames into its own memory. The producer writes directly into that memory: a frame is read in place,
+ * between the wait that returns its buffer and the call that queues the buffer again.
  */
 #include "example.h"
 

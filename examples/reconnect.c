@@ -1,6 +1,7 @@
 /*
- * Grabs on when the camera was away: a wait that runs out may mean that the camera has gone. Then the device is closed,
- * and opened again when its interface lists it. A serial number says that it is the same camera.
+ * Continues grabbing after the camera was disconnected. A timeout of a wait may mean that the camera is gone. The
+ * program then closes the device and opens it again when the interface lists it. The serial number shows that it is the
+ * same camera.
  */
 #include "example.h"
 

@@ -1,6 +1,6 @@
 /*
- * Keeps the settings of the camera in a file and writes them back. A load that fails has written what it could; the
- * program in C++ beside this one gets further and names the lines that are left.
+ * Stores the settings of the camera in a file and writes them back. A load that fails has written all values that it
+ * could; the C++ program of the same name tries again and reports the lines that still fail.
  */
 #include "example.h"
 

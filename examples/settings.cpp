@@ -1,5 +1,5 @@
-// Keeps the settings of the camera in a file and writes them back. Values that wait for each other are tried again;
-// what is left is named with its line.
+// Stores the settings of the camera in a file and writes them back. Values that depend on each other are tried again;
+// those that still fail are reported with their line.
 #include "example.hpp"
 
 int main(int argc, char** argv)

@@ -1,4 +1,4 @@
-/* Takes a frame whenever the program asks for one, by a software trigger. */
+/* Takes a frame each time the program requests one, by a software trigger. */
 #include "example.h"
 
 #include <stdio.h>

@@ -1,7 +1,6 @@
 /*
- * Updates the firmware of the first camera. The update works on the calling thread and returns when it is done; what
- * it is doing meanwhile is reported by callbacks. The camera must not be open: the update opens it, and finds it again
- * when it has reset itself.
+ * Updates the firmware of the first camera. The update runs on the calling thread and returns when it is done;
+ * callbacks report its progress. The camera must not be open: the update opens it, and finds it again after a reset.
  */
 #include "example.h"
 
@@ -83,7 +82,7 @@ int main(int argc, char** argv)
 
     KORO_FirmwareUpdateProgressObserverHandle observer = MakeObserver();
     Check(KORO_FirmwareUpdater_UpdateDevice(updater, camera, update, observer));
-    /* The camera may have left the list and come back: its descriptor would have to be fetched anew. */
+    /* The camera may have disappeared from the list and returned: its descriptor would have to be fetched again. */
     printf("done\n");
 
     Check(KORO_FirmwareUpdateProgressObserver_Destruct(observer));

@@ -1,6 +1,6 @@
 /*
- * Takes frames on a thread of the application's own and ends its wait from another one. The library has no such
- * thread: a wait without end blocks its caller until a frame comes or somebody kills the wait.
+ * Takes frames on a thread of the application, and ends its wait from another one. The library has no acquisition
+ * thread: a wait without a limit blocks its caller until a frame arrives or another thread kills the wait.
  */
 #include "example.h"
 

@@ -1,6 +1,6 @@
-// CameraRoad: cameras of a scripted producer with descriptions of the target's, opened through the exports.
+// CameraRoad: cameras of a scripted producer that have the target's descriptions, opened through the exports.
 //
-// Made once for the process and never closed: an input begins and ends with nothing announced.
+// Created once per process and never closed: no buffer is announced at the beginning and the end of an input.
 #pragma once
 
 #include "producers/scripted/script.h"

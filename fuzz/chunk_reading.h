@@ -1,4 +1,4 @@
-// A second reading of buffers with chunks, written after the layouts alone: what the targets compare with.
+// A second parser for buffers with chunks, written only from the layouts, with which the targets compare.
 #pragma once
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// A second reading of event messages, written after the layouts alone: what the targets compare with.
+// A second parser for event messages, written only from the layouts, with which the targets compare.
 #pragma once
 
 #include <algorithm>

@@ -1,4 +1,5 @@
-// A zip archive: its entries lie inside and hold what they claim, and as a camera description it loads or is refused.
+// Zip archives: their entries lie inside and contain what they claim; as a camera description an archive loads or is
+// refused.
 #include "archive/archive.h"
 #include "archive/inflate.h"
 #include "fuzz/fuzz_target.h"

@@ -1,5 +1,5 @@
-// Buffers with chunks. The first byte chooses the layout, the rest is the buffer, in a heap block of its size. What an
-// adapter shows is compared with a second reading of the buffer.
+// Buffers with chunks. The first byte selects the layout; the rest is the buffer, in a heap block of its size. The
+// nodes are compared with a second parser of the buffer.
 #include "fuzz/chunk_reading.h"
 #include "fuzz/fuzz_target.h"
 

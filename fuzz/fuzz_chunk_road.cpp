@@ -1,7 +1,7 @@
-// Buffers with chunks on the road of an application: announced, filled, given to the node map, read, revoked. The first
-// byte chooses the transport layer; then come frames, each with a byte of options, a length of two bytes, and its
-// bytes. What the exports answer is compared with a second reading of the buffers and with what is attached by the
-// rules.
+// Buffers with chunks as an application uses them: announced, filled, passed to the node map, read, revoked. The first
+// byte selects the transport layer. Then come frames, each with a byte of options, a length of two bytes, and its
+// bytes. The answers of the exports are compared with a second parser of the buffers and with the buffers that should
+// be attached.
 #include "fuzz/camera_road.h"
 #include "fuzz/chunk_reading.h"
 #include "fuzz/fuzz_target.h"

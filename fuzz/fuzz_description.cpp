@@ -1,6 +1,6 @@
-// A camera description: it loads or is refused with a reason, and every node of what loads stands every question and
-// every write, over memory and over a port that fails. Behind a first "&" stand two texts, split by the first "]]": the
-// second is injected into the first.
+// Camera descriptions: each one loads or is refused with a reason, and every node of one that loads survives every
+// query and every write, over memory and over a port that fails. After a leading "&" come two texts, divided at the
+// first "]]": the second is injected into the first.
 #include "fuzz/fuzz_target.h"
 #include "tests/unit/genicam/use_of_nodes.h"
 

@@ -1,5 +1,5 @@
-// Event messages. The first byte chooses the transport, the rest is the message, in a heap block of its size. What
-// reaches the nodes is compared with a second reading of the message.
+// Event messages. The first byte selects the transport layer; the rest is the message, in a heap block of its size. The
+// data that reach the nodes are compared with a second parser of the message.
 #include "fuzz/event_reading.h"
 #include "fuzz/fuzz_target.h"
 

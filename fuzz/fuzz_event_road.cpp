@@ -1,6 +1,6 @@
-// Event messages on the road of an application: taken from the local device and given to the map of the camera. The
-// first byte chooses the transport layer; then come messages, each with a length of two bytes. What the exports answer
-// and what the nodes read is compared with a second reading of the messages.
+// Event messages as an application uses them: received from the local device and passed to the map of the camera. The
+// first byte selects the transport layer. Then come messages, each with a length of two bytes. The answers of the
+// exports and the values of the nodes are compared with a second parser of the messages.
 #include "fuzz/camera_road.h"
 #include "fuzz/event_reading.h"
 #include "fuzz/fuzz_target.h"

@@ -1,4 +1,4 @@
-// A feature file: what is read reads the same when it was written again, and can be loaded whatever it says.
+// Feature files: a file that was read reads the same after it was written again, and any contents can be loaded.
 #include "fuzz/fuzz_target.h"
 #include "fuzz/stored_features.h"
 

@@ -1,5 +1,5 @@
-// Firmware update files. The first byte tells what the rest is: F a whole file, P the package inside one, C the control
-// file inside that, R a pattern, a line feed and a text.
+// Firmware update files. The first byte determines the meaning of the rest: F a whole file, P the package inside one, C
+// the control file inside that, R a pattern, a line feed and a text.
 #include "firmware/bounds.h"
 #include "firmware/pattern.h"
 #include "firmware/payloads.h"

@@ -1,6 +1,6 @@
-// Firmware update files through the exports, as an application has them: a file is collected, and what was found is
-// asked for everything. The first byte tells what the rest is: F a whole file, P the package inside one, C the control
-// file inside that.
+// Firmware update files through the exports, as an application uses them: the updates of a file are collected and all
+// their information is queried. The first byte determines the meaning of the rest: F a whole file, P the package inside
+// one, C the control file inside the package.
 #include "fuzz/fuzz_target.h"
 #include "tests/unit/genicam/zip_builder.h"
 #include <koro/koro.h>

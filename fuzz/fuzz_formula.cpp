@@ -1,5 +1,5 @@
-// A formula: compiled and computed in both kinds of number. Brackets around the whole change nothing, and a name that
-// no variable has is never taken.
+// Formulas, compiled and computed with both number types. Brackets around the whole do not change the result, and a
+// name that is not a variable is never accepted.
 #include "formula/formula.h"
 #include "fuzz/fuzz_target.h"
 

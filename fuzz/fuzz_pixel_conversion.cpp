@@ -1,4 +1,4 @@
-// A frame as a producer describes it: format, sizes and bytes that need not fit together.
+// Frames as a producer describes them: format, sizes and bytes that need not be consistent.
 //
 // Input: format code (4 bytes), width, height, padding, offset (2 bytes each), byte order (1 byte), then the frame.
 #include "fuzz/fuzz_target.h"

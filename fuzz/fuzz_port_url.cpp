@@ -1,4 +1,5 @@
-// Texts of port URLs, as producers write them: every parser answers or refuses, by the same sections as the others.
+// Texts of port URLs, as producers write them: every parser returns a value or refuses, and all split the text at the
+// same places.
 #include "fuzz/fuzz_target.h"
 #include "gentl/port_url_text.h"
 

@@ -1,5 +1,5 @@
-// A feature file, loaded by the exports into a camera of a scripted producer: it is accepted or refused by words, and
-// what the camera stores afterwards can be loaded again.
+// Feature files, loaded by the exports into a camera of a scripted producer: each file is accepted or refused with a
+// text, and the file that the camera stores afterwards can be loaded again.
 #include "fuzz/fuzz_target.h"
 #include "fuzz/stored_features.h"
 #include "tests/support/boundary.h"

@@ -1,4 +1,5 @@
-// The settings file of the simulated cameras. What is accepted must be within the bounds that the cameras rely on.
+// The settings file of the simulated cameras. Settings that are accepted must be within the bounds on which the cameras
+// rely.
 #include "fuzz/fuzz_target.h"
 #include "producers/simulator/failure.h"
 #include "producers/simulator/settings.h"

@@ -1,5 +1,5 @@
-// What a fuzz target defines and what it uses: the entry that libFuzzer or the replay driver calls, and a check that
-// ends the process whatever the build type.
+// The function that a fuzz target defines and the one that it uses: the entry that libFuzzer or the replay driver
+// calls, and a check that ends the process in every build type.
 #pragma once
 
 #include <cstddef>

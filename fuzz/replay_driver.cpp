@@ -1,5 +1,5 @@
-// Replays a corpus: runs the target once on each file of the folders named, without a fuzzer.
-// An empty corpus is a failure, since it would show nothing.
+// Replays a corpus: runs the target once on each file of the given folders, without a fuzzer. An empty corpus is a
+// failure, since it would show nothing.
 #include "fuzz/fuzz_target.h"
 
 #include <algorithm>
@@ -39,7 +39,7 @@ int main(int argc, char** argv)
         for (const auto& file : FilesOf(argv[index]))
         {
             std::printf("%s\n", file.filename().c_str());
-            std::fflush(stdout); // the last name tells which input broke
+            std::fflush(stdout); // the last name shows the input that failed
             const auto contents = ContentsOf(file);
             LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(contents.data()), contents.size());
             ++numInputs;

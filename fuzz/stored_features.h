@@ -1,4 +1,4 @@
-// The stored features of a camera: a register that two selectors choose, a float and a text.
+// The stored features of a camera: a register that depends on two selectors, a float and a text.
 #pragma once
 
 namespace koro::fuzz

@@ -1,4 +1,4 @@
-# What the commands here share; to be sourced.
+# Functions that the scripts share; to be sourced.
 
 name=${0##*/}
 
@@ -16,8 +16,8 @@ quietly()
     }
 }
 
-# Builds a preset and shows how far it is: on a terminal in one line that changes, else in a line every ten seconds.
-# Prints the output of the build only if it fails.
+# Builds a preset and shows the progress: on a terminal in one line that changes, otherwise in one line every ten
+# seconds. Prints the output of the build only if it fails.
 build()
 {
     local log=build/last_step.log line shown=-10 status=0

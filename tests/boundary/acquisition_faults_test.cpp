@@ -213,7 +213,7 @@ const std::vector<Row> queryRows = {
         [](Scene& scene) { return KORO_Event_GetData(scene.event, nullptr, &scene.size); }, TakeEvent),
 };
 
-// A frame from queue to wait, whatever the stream went through before.
+// One frame from queueing to waiting, regardless of what happened to the stream before.
 void ExpectUsable(Scene& scene)
 {
     EXPECT_EQ(Outcome(Kill(scene)), Error{});
@@ -304,7 +304,7 @@ TEST_P(AcquisitionFaults, ExceptionsOfTheProducerAreCodeOneAndLeaveTheStreamUsab
 INSTANTIATE_TEST_SUITE_P(Calls, AcquisitionFaults, testing::ValuesIn(callRows), NameOf);
 INSTANTIATE_TEST_SUITE_P(Queries, AcquisitionFaults, testing::ValuesIn(queryRows), NameOf);
 
-// Unregistered, and not registered again: the stream keeps a dead event, and the way out is to open it anew.
+// Unregistered, and not registered again: the stream has no usable event, so it must be opened again.
 TEST(AcquisitionFaultsAtRegistrationAnew, EveryCodeArrivesAndTheStreamCanBeOpenedAnew)
 {
     Scene scene;

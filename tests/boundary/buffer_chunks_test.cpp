@@ -1,4 +1,4 @@
-// The chunks of a buffer: a list that one call refreshes, and what each chunk tells from its copy.
+// The chunks of a buffer: a list that one call refreshes, and what each chunk returns from its copy.
 #include "tests/boundary/stream_test.h"
 
 #include <functional>
@@ -187,7 +187,7 @@ TEST_F(BufferChunks, ListTellsOfTheFormerFillUntilTheNextUpdate)
     Require(KORO_Buffer_UpdateChunks(buffer));
     EXPECT_THAT(IDs(), ElementsAre(100));
 
-    // The handle from before still tells what it told.
+    // The earlier handle still returns the same values.
     EXPECT_EQ(ID(stale), 7u);
     EXPECT_EQ(Get<void*>(KORO_BufferChunk_GetBasePtr, stale), Base() + 5);
 }

@@ -15,7 +15,7 @@ namespace
 
 using Parts = std::vector<scripted::Infos>;
 
-// Parts of which each tells these data sizes.
+// Parts that report these data sizes.
 Parts PartsOfSizes(const std::vector<std::size_t>& sizes)
 {
     Parts parts;

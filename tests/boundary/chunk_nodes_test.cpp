@@ -302,7 +302,7 @@ TEST_F(ChunkNodes, ProducerThatFailsTheLayoutQueryGetsAnAttachmentForEveryBuffer
             EXPECT_EQ(Value("Counter"), counter);
         }
     }
-    // What could not be told counts as 0 afterwards.
+    // A number that could not be queried counts as 0 afterwards.
     producer->SetInfo("DSGetBufferInfo", BUFFER_INFO_CHUNKLAYOUTID, scripted::UInt64(0));
     producer->ClearJournal();
     EXPECT_EQ(Update(Deliver(Chunks(5, 2))), Error{});

@@ -63,7 +63,7 @@ public:
         (*this)->SetInfo("EventGetInfo", GenTL::EVENT_SIZE_MAX, scripted::Size(recordSize));
     }
 
-    // Tells whether the library listens.
+    // Returns whether the library listens.
     bool Send(ConnectionRecord record, const std::string& interfaceID = "if0") const
     {
         record.interface = (*this)->HandleOf(interfaceID);

@@ -188,7 +188,7 @@ TEST_F(DataStream, OutOfMemoryIsTheResultOfTheAllocationItself)
     producer->Answer("DSAllocAndAnnounceBuffer", GC_ERR_OUT_OF_MEMORY);
     EXPECT_EQ(alloc(), FailureAs(KORO_RETURN_CODE_BAD_ALLOC, "DSAllocAndAnnounceBuffer", GC_ERR_OUT_OF_MEMORY));
 
-    // The text tells what the producer says of it.
+    // The text contains the producer's reason.
     producer->SetLastError({.code = GC_ERR_BUSY});
     EXPECT_EQ(alloc(), FailureAs(KORO_RETURN_CODE_BAD_ALLOC, "DSAllocAndAnnounceBuffer", GC_ERR_BUSY));
 

@@ -45,7 +45,7 @@ inline const std::string oneOfEach =
     "</Enumeration>"
     "<Node Name=\"Plain\"/>";
 
-// One URL, which tells where the description lies and how large it is.
+// One URL, which contains the address and the size of the description.
 inline void DescribePort(
     scripted::Port& port, const std::string& description, const std::string& fileName = "test.xml",
     std::uint64_t descriptionAddress = 0x20000)
@@ -67,7 +67,7 @@ protected:
     // The port of the first camera, as the producer has it.
     static scripted::Port& RemotePort(scripted::Tree& edited) { return edited.interfaces[0]->devices[0]->remotePort; }
 
-    // Opens the camera anew with one URL: a description of these nodes, or any bytes.
+    // Opens the camera again with one URL: a description of these nodes, or any bytes.
     KORO_NodeMapHandle Describe(const std::string& nodes)
     {
         DescribeBy(DescriptionOf(nodes));
@@ -79,7 +79,7 @@ protected:
         Reopen();
     }
 
-    // Opens the camera anew, which fetches the descriptions. What was open of it before has ended.
+    // Opens the camera again, which fetches the descriptions. Everything that was open below it has ended.
     void Reopen()
     {
         Require(KORO_Device_Destruct(tree.device));

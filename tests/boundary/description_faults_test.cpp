@@ -22,7 +22,7 @@ using Strings = std::vector<std::string>;
 class DescriptionFaults : public DescribedCamera
 {
 protected:
-    // What using the description ends in; twice, since the second use is to tell the same.
+    // The error of using the description; used twice, since the second use must report the same error.
     Error Refusal(const std::string& bytes, const std::string& fileName = "test.xml")
     {
         DescribeBy(bytes, fileName);

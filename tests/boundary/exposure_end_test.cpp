@@ -1,4 +1,5 @@
-// The end of an exposure on the simulator's default cameras: waited for, handed to the node map, and told to callbacks.
+// The end of an exposure on the simulator's default cameras: waited for, passed to the node map, and reported to
+// callbacks.
 #include "tests/support/boundary.h"
 #include "tests/support/environment_variable.h"
 #include "tests/support/scripted_producer.h"

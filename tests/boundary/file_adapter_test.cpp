@@ -373,7 +373,7 @@ TEST_F(FileAdapter, LengthThatIsMissingOrNotWritableIsToldAndTheFileIsClosed)
     auto nodes = FileNodes();
     nodes["FileAccessLength"] = "<Float Name=\"FileAccessLength\"><Value>1</Value></Float>";
     OpenFiles(nodes);
-    // Without that node nothing is opened at all, and the count is all that tells.
+    // Without that node nothing is opened, and only the count shows it.
     EXPECT_EQ(Read(Adapter(), 4).outcome, unknown);
 
     for (const auto mode : {"RO", "NA", "NI"})

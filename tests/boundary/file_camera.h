@@ -1,4 +1,5 @@
-// FileCamera: an open camera with files, which the test looks into and steers. What it was told stands in its diary.
+// FileCamera: an open camera with files, which the test examines and controls. Its diary lists the requests that it
+// received.
 #pragma once
 
 #include "tests/boundary/described_camera.h"
@@ -43,7 +44,7 @@ public:
     bool refusesOpening = false;
     bool refusesDeleting = false;
     int failingBlock = -1;                            // the transfer of executing it fails; the first is 0
-    std::size_t mostBytes = blockLength;              // of one block, whatever is asked for
+    std::size_t mostBytes = blockLength;              // of one block, regardless of the request
     std::int64_t lie = 0;                             // added to the result of each block
     std::uint64_t failingAddress = ~std::uint64_t{0}; // writes there fail
     std::function<void()> whileExecuting;             // must not use the script
@@ -163,7 +164,7 @@ inline std::map<std::string, std::string> FileNodes()
 class FileCamera : public DescribedCamera
 {
 protected:
-    // Opens the camera anew with these nodes, over files of its own.
+    // Opens the camera again with these nodes, over its own files.
     KORO_NodeMapHandle OpenFiles(const std::map<std::string, std::string>& nodes = FileNodes())
     {
         std::string text;

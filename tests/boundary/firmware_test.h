@@ -1,4 +1,4 @@
-// FirmwareTest: a scripted camera that can be updated, an updater, and an observer that writes down what it is told.
+// FirmwareTest: a scripted camera that can be updated, an updater, and an observer that records its reports.
 #pragma once
 
 #include "tests/boundary/producer_errors.h"

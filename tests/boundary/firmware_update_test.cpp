@@ -1,4 +1,4 @@
-// Updates from end to end on a scripted camera: what is written and told, and how each way of failing ends.
+// Updates from end to end on a scripted camera: what is written and reported, and how each way of failing ends.
 #include "tests/boundary/firmware_test.h"
 
 #include <algorithm>

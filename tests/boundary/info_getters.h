@@ -124,7 +124,7 @@ void ExpectNumberGetter(
 template <class Handle>
 using InfoExport = KORO_ReturnCode (*)(Handle, std::int32_t, std::int32_t*, std::uint8_t*, std::size_t*);
 
-// Raw information: a command of the producer's own passes with whatever type and size it has.
+// Raw information: a producer-specific command passes with any type and size.
 template <class Handle>
 void ExpectRawInfo(
     const ScriptedProducer& producer, const char* producerFunction, InfoExport<Handle> function, Handle handle)

@@ -69,7 +69,7 @@ protected:
         producer->Edit([&](scripted::Tree& edited) { DescribePort(StreamPort(edited), description, fileName); });
     }
 
-    // Opens the stream anew: it has not fetched anything yet.
+    // Opens the stream again, so that it has fetched nothing yet.
     void ReopenStream()
     {
         Require(KORO_DataStream_Destruct(tree.stream));

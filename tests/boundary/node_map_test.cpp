@@ -342,7 +342,7 @@ TEST_F(NodeMap, LookingForNodesNeedsNoLock)
     EXPECT_EQ(Get<KORO_NodeMapHandle>(KORO_Node_GetParentNodeMap, feature), map);
 }
 
-// The order of events tells: what waits for the lock cannot be done before it is given back.
+// The order of events shows it: an operation that waits for the lock cannot finish before the lock is released.
 TEST_F(NodeMap, InvalidatingAndPollingWaitForTheLock)
 {
     const auto map = Describe(FeatureOnRegister("<PollingTime>1</PollingTime>"));

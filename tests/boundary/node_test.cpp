@@ -1,4 +1,4 @@
-// What every node tells: attributes, relations, casts.
+// What every node returns: attributes, relations, casts.
 #include "tests/boundary/described_camera.h"
 #include "tests/boundary/producer_errors.h"
 #include "tests/support/in_thread.h"

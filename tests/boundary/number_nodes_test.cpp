@@ -1,4 +1,4 @@
-// Nodes with a number, a flag, a text or bytes: what they tell, how they read and write.
+// Nodes with a number, a flag, a text or bytes: what they return, how they are read and written.
 #include "tests/boundary/described_camera.h"
 #include "tests/boundary/producer_errors.h"
 #include "tests/support/in_thread.h"

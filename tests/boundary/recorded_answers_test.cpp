@@ -1,4 +1,4 @@
-// Descriptions with recorded answers of the reference runtime: the exports must tell the same about every node. They
+// Descriptions with recorded answers of the reference runtime: the exports must return the same for every node. They
 // lie in the folder that KORO_REFERENCE_DATA names.
 #include "tests/boundary/described_camera.h"
 #include "tests/boundary/recorded_files.h"
@@ -334,7 +334,7 @@ private:
         if (recorded != answers.end() && recorded->second == "(null)")
             EXPECT_NE(answer.code, KORO_RETURN_CODE_SUCCESS) << name;
         else if (current && Ask<std::int64_t>(KORO_EnumerationEntryNode_GetValue, current).text == answers.at("enval"))
-            ++compared; // of several entries with one number the library tells the first
+            ++compared; // of several entries with one number the library returns the first
         else
             Dynamic("encur", answer);
 
@@ -360,7 +360,7 @@ private:
         return answer;
     }
 
-    // What the description alone tells, and what hangs on registers.
+    // Answers that depend only on the description, and answers that depend on registers.
     void Static(const std::string& label, const Answer& answer)
     {
         const auto recorded = answers.find(label);

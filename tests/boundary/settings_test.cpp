@@ -62,7 +62,7 @@ protected:
         return Load(map, folder.MakeFile("settings.txt", text));
     }
 
-    // Opens the camera anew, with the registers of a camera in use.
+    // Opens the camera again, with the registers of a camera in use.
     KORO_NodeMapHandle UsedCamera()
     {
         const auto map = Describe(camera);

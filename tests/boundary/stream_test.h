@@ -15,7 +15,7 @@
 namespace koro::test
 {
 
-// A failing call of the scripted producer, as the exports tell it.
+// A failing call of the scripted producer, as the exports report it.
 inline Error Failure(const std::string& function, GenTL::GC_ERROR code)
 {
     return CallFailure(function, ProducerErrorOf(code));

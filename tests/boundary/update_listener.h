@@ -1,4 +1,4 @@
-// UpdateListener: found and lost callbacks of one module, registered for the object's life; keeps what they were told.
+// UpdateListener: found and lost callbacks of one module, registered for the object's life; records their arguments.
 //
 // The exports of the family are its template arguments.
 #pragma once

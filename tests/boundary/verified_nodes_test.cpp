@@ -1,4 +1,4 @@
-// What is verified: a camera tells an error beside its features, and verified accesses alone look at it.
+// Verification: a camera reports an error in other features, and only verified accesses check it.
 #include "tests/boundary/described_camera.h"
 
 #include <gmock/gmock.h>

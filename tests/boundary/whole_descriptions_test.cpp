@@ -1,4 +1,4 @@
-// Whole descriptions, asked for everything that every node tells: those of the simulated cameras, and, where
+// Whole descriptions, queried for every property of every node: those of the simulated cameras, and, where
 // KORO_REFERENCE_DATA names the folder that holds them, those of real cameras.
 #include "tests/boundary/described_camera.h"
 #include "tests/support/environment_variable.h"
@@ -132,7 +132,7 @@ TEST(SimulatedCameras, TellEverythingOfEveryNodeOfEveryModule)
     }
 }
 
-// Their registers are not there, so much of the access status cannot be told; but nothing breaks.
+// Their registers do not exist, so many access states cannot be determined; but nothing breaks.
 TEST_F(WholeDescriptions, OfRealCamerasTellEverythingOfEveryNode)
 {
     const char* const data = std::getenv("KORO_REFERENCE_DATA");

@@ -55,7 +55,7 @@ public:
     Application(const Application&) = delete;
     Application& operator=(const Application&) = delete;
 
-    // Each change is told by one report on the camera and one on the list.
+    // Each change is reported once for the camera and once for the list.
     void AwaitChanges(std::uint64_t count)
     {
         std::unique_lock lock(mutex);

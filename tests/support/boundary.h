@@ -1,6 +1,7 @@
-// What tests of the exports share: errors as values, handles and texts in one call, and a tree that is open at once.
+// What tests of the exports share: errors as values, handles and texts by one call, and a module tree that is opened at
+// once.
 //
-// A header only, so that unit tests need no zvr_koro. Owned by the test; the library's own rules on threads hold.
+// Header-only, so that unit tests need no zvr_koro. Owned by the test; the thread rules of the library apply.
 #pragma once
 
 #include <koro/koro.h>

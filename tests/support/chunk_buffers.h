@@ -1,4 +1,4 @@
-// Buffers with chunks, byte by byte, as the transports lay them out: data first, its trailer behind it.
+// Builds buffers with chunks byte by byte, as the transport layers lay them out: data first, followed by its trailer.
 #pragma once
 
 #include <cstddef>

@@ -1,4 +1,4 @@
-// Changes to a test's own copy of a shared object, for files that no compiler makes.
+// Changes a test's copy of a shared object, to make files that no compiler produces.
 //
 // 64-bit little-endian ELF only; throws std::runtime_error when the file is not as expected.
 #pragma once

@@ -1,6 +1,6 @@
-// EnvironmentVariable: sets or removes one variable of the process and puts the old state back when it goes.
+// EnvironmentVariable: sets or removes one variable of the process and restores it when the object is destroyed.
 //
-// Owned by the test; nested ones go in reverse order. Not thread-safe, as the environment itself.
+// Owned by the test; destroy nested objects in reverse order. Not thread-safe, like the environment itself.
 #pragma once
 
 #include <optional>

@@ -1,4 +1,4 @@
-// Messages of events, byte by byte, as the transports send them.
+// Builds event messages byte by byte, as the transport layers send them.
 #pragma once
 
 #include "tests/support/chunk_buffers.h"

@@ -1,7 +1,7 @@
-// FileSizeLimit: no file that this process, or one that it starts, writes gets longer, as on a disk without room: the
-// write fails with EFBIG.
+// FileSizeLimit: limits the size of files that this process and its children write, as on a full disk: the write fails
+// with EFBIG.
 //
-// Owned by the test. One thread.
+// Owned by the test. Used by one thread.
 #pragma once
 
 #include <csignal>

@@ -1,4 +1,4 @@
-// InThread: runs a body on another thread and waits for its end; gives what it returns or throws what it throws.
+// InThread: runs a function on another thread and waits for its end; returns its result or throws its exception.
 #pragma once
 
 #include <future>

@@ -1,4 +1,4 @@
-// Reading a scripted producer's journal.
+// Reads a scripted producer's journal.
 #pragma once
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 // The firmware features of a scripted camera, over registers in plain memory, and update files that fit it.
 //
-// An operation on a file is done as soon as it is started, with the status that the register holds: all that is written
-// is taken, and the block written last stays in the buffer.
+// A file operation is done as soon as it is started, with the status that the register contains: all written bytes are
+// accepted, and the last written block stays in the buffer.
 #pragma once
 
 #include "producers/scripted/script.h"

@@ -1,7 +1,7 @@
-// ScriptedProducer: a copy of a scripted producer in a folder of the test's own, loaded, with its script at hand.
+// ScriptedProducer: a loaded copy of a scripted producer in a folder of the test, with access to its script.
 //
-// Each object is a producer of its own, since the loader knows files by their path. The object keeps the file loaded,
-// so that the journal outlives the library's use of it.
+// Each object is a separate producer, since the loader identifies files by their path. The object keeps the file
+// loaded, so the journal outlives the library's use of the producer.
 #pragma once
 
 #include "producers/scripted/script.h"
@@ -16,7 +16,7 @@ namespace koro::test
 // The built file of a variant: "scripted_1_5".
 std::string BuiltProducer(const std::string& variant);
 
-// Tells whether the process has the file loaded.
+// Returns whether the process has the file loaded.
 bool IsMapped(const std::string& path);
 
 class ScriptedProducer

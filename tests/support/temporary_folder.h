@@ -1,6 +1,6 @@
-// TemporaryFolder: a folder of one test's own, removed with all that is in it when the object goes.
+// TemporaryFolder: a folder for one test, which is removed with its contents when the object is destroyed.
 //
-// Owned by the test. One thread.
+// Owned by the test. Used by one thread.
 #pragma once
 
 #include <filesystem>

@@ -1,4 +1,4 @@
-// ThrowsExactly: matches a callable that throws one class, and none derived from it, with one whole text.
+// ThrowsExactly: matches a callable that throws exactly this class, not a derived one, with exactly this text.
 //
 //     EXPECT_THAT([&] { port.Read(0, 4); }, ThrowsExactly<IOException>("[Function: GCReadPort | ..."));
 #pragma once

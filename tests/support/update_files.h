@@ -1,6 +1,6 @@
 // Update files for tests: the texts of control files, packages and containers around them.
 //
-// Needs zlib, and nothing of the library.
+// Requires zlib, but not the library.
 #pragma once
 
 #include "tests/support/temporary_folder.h"

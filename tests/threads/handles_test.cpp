@@ -46,7 +46,7 @@ protected:
     }
 };
 
-// Asks until the handle is gone; tells whether every answer before was one of the allowed ones.
+// Calls until the handle has ended; returns whether every earlier answer was one of the allowed ones.
 template <class Ask>
 bool AsksUntilInvalid(const Ask& ask, const Error& invalid, const std::vector<Error>& allowed)
 {

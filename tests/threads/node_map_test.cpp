@@ -176,7 +176,7 @@ TEST(SharedNodeMap, OutsideCallbackRunsWithoutTheLock)
     Deregister(handle);
 }
 
-// Tells when it is destroyed; must not be running then.
+// Reports when it is destroyed; must not be running then.
 class Tracked : public CNodeCallback
 {
 public:

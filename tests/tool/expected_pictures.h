@@ -40,7 +40,7 @@ inline simulator::Component ComponentCalled(char letter)
     }
 }
 
-// The sample that the camera sends, stretched to 8 or 16 bits as docs/tool.md tells.
+// The sample that the camera sends, scaled to 8 or 16 bits as docs/tool.md documents.
 inline unsigned SampleAt(const PictureCase& picture, char component, size_t x, size_t y, uint64_t n)
 {
     const unsigned value =

@@ -18,7 +18,6 @@ using testing::ContainsRegex;
 using testing::HasSubstr;
 using testing::Not;
 
-
 // The camera "cam" with these nodes, all of them features.
 class DescribedCamera
 {
@@ -369,7 +368,8 @@ TEST(Describe, CameraThatIsInUseIsDescribedFromReading)
     const ToolResult result = Camera(settings).Run({"describe", "cam", "Width"});
     EXPECT_EQ(result.status, 0) << result.err;
     EXPECT_THAT(
-        result.out, ContainsRegex("\nnot writable +The camera could be opened for reading only: .Function: IFOpenDevice"));
+        result.out,
+        ContainsRegex("\nnot writable +The camera could be opened for reading only: .Function: IFOpenDevice"));
     EXPECT_EQ(result.out.find("not writable"), result.out.rfind("not writable")) << result.out;
 }
 
@@ -388,7 +388,7 @@ TEST(Describe, UnknownFeatureIsToldAsEverywhere)
 
 TEST(Watch, PrintsValuesAndTheirChanges)
 {
-    // The camera warms up; it is asked anew each second.
+    // The camera warms up; it is queried every second.
     const ToolResult result = Camera().Run({"watch", "cam", "DeviceTemperature", "Width", "--changes", "4"});
     EXPECT_EQ(result.status, 0) << result.err;
     EXPECT_THAT(result.out, ContainsRegex("^ +[0-9.]+  DeviceTemperature=[0-9.]+\n +[0-9.]+  Width=64\n"));

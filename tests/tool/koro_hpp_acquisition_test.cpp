@@ -37,7 +37,7 @@ struct StreamingCamera
         producer->ClearJournal();
     }
 
-    // What the stream and the camera's registers were told, without sizes and flags.
+    // The calls of the stream and the writes to the camera's registers, without sizes and flags.
     std::vector<std::string> Told() const
     {
         std::vector<std::string> told;

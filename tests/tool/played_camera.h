@@ -1,4 +1,4 @@
-// Grabs from the camera that plays the frames of a text; tests/tool/producers/plays_frames.cpp tells the letters.
+// Grabs from the camera that plays the frames of a text; tests/tool/producers/plays_frames.cpp explains the letters.
 #pragma once
 
 #include "tests/support/temporary_folder.h"

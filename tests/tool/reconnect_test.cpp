@@ -53,7 +53,7 @@ TEST(GrabReconnect, CameraThatComesBackIsOpenedAnewAndGoesOn)
     EXPECT_THAT(result.out, HasSubstr(" s without a frame\n4/5 "));
     EXPECT_THAT(result.out, HasSubstr("\npictures        5\n"));
     EXPECT_THAT(result.out, HasSubstr("\nreconnects      1\nlongest outage  "));
-    // The acquisition after the loss counts its frames anew.
+    // The acquisition after the loss counts its frames from the beginning.
     EXPECT_EQ(DifferenceToPattern(ReadPNG(folder.File("out/cam-000003.png")), {"Mono8", "M", 8}, 3), "");
     EXPECT_EQ(DifferenceToPattern(ReadPNG(folder.File("out/cam-000004.png")), {"Mono8", "M", 8}, 1), "");
     EXPECT_FALSE(std::filesystem::exists(folder.File("out/cam-000006.png")));

@@ -115,7 +115,7 @@ TEST_F(Settings, SaveThatLosesTheCameraLeavesTheOlderFile)
     EXPECT_FALSE(HasPendingFile());
 }
 
-// A camera of a test's own, whose values begin anew at each run.
+// A camera for one test, whose values start from the beginning at each run.
 class SettingsOfDescribed : public Settings
 {
 protected:

@@ -17,7 +17,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsSupersetOf;
 
-
 // "change place" of each line.
 std::vector<std::string> ChangesOf(const ToolResult& result)
 {
@@ -80,7 +79,7 @@ TEST(WatchTree, EndsWithinAListThatHasMore)
 TEST(WatchTree, CameraThatGoesAndComesIsReportedByItself)
 {
     const TemporaryFolder folder;
-    // An interval beyond the test: nothing is listed anew, what comes after the first list comes by itself.
+    // An interval longer than the test: the list is not read again, and later lines come from notifications.
     ToolRun run({"watch", "--interval", "3600000"}, SimulatorWith(folder, UnpluggedCamera(true)));
     ASSERT_TRUE(run.AwaitOutput("disconnected  if:SimulatedCamera_cam"));
     ASSERT_TRUE(run.AwaitOutput("reconnected   if:SimulatedCamera_cam"));

@@ -20,7 +20,7 @@ const std::string accessDenied = "IFOpenDevice .* Error-Code: -1005";
 const std::string whyNotStarted = "wild_refuses_to_start.cti.*Code: -1001";
 
 const std::vector<Row> rows = {
-    // Cameras of one serial number are told apart by their ids.
+    // Cameras with the same serial number are distinguished by their ids.
     {"same_serial_numbers", "list", {0, {Says("wild0-camera/left"), Says("3 cameras")}}},
     {"same_serial_numbers", "doctor", {0, {Says("3 usable cameras")}}},
     {"same_serial_numbers", "info", {0, {Says("serial number +W-one")}}},

@@ -1,8 +1,10 @@
-/* GenTL: the C interface between a consumer and its producers (.cti files), versions 1.0 to 1.6.
+/*
+ * GenTL: the C interface between a consumer and its producers (.cti files), versions 1.0 to 1.6.
  *
- * Numbers behind members and functions tell the first version that has them; where none stands, it is the version of
- * the list, 1.0 if that has none either. In C++ everything lies in namespace GenTL; linkage is C in both languages.
- * A producer defines GENTL_PRODUCER before the inclusion, which exports the functions; a consumer binds them by name.
+ * A number after a member or a function is the first version that has it. Without a number it is the version of the
+ * list, or 1.0 if the list has none either. In C++ all names are in the namespace GenTL; linkage is C in both
+ * languages. A producer defines GENTL_PRODUCER before including this file, which exports the functions; a consumer
+ * binds them by name.
  */
 #ifndef KORO_GENTL_API_GENTL_H
 #define KORO_GENTL_API_GENTL_H

@@ -5,7 +5,7 @@
 
 extern "C" __attribute__((visibility("default"))) GenTL::GC_ERROR GCInitLib()
 {
-    // The usual handling, whatever a sanitizer has put there: a crash as a crash.
+    // The default handling, even if a sanitizer has installed its own: the process must end by the signal.
     std::signal(SIGSEGV, SIG_DFL);
     std::raise(SIGSEGV);
     return GenTL::GC_ERR_ERROR;

@@ -71,7 +71,7 @@ TEST_F(CallFrame, ChildOfAListedExceptionHasItsParentsCode)
     EXPECT_EQ(OutcomeOfThrowing(ProducersAbort("text")), "3: text");
 }
 
-// Both at once: the one that is caught first decides. The second base tells nothing about the order of the bases.
+// Both at once: the one that is caught first decides. The second base shows nothing about the order of the bases.
 template <class First, class Second>
 struct Both : Second, First
 {

@@ -1,4 +1,4 @@
-// What an update tells about itself, and the collector that takes it from a file.
+// The information about an update, and the collector that takes it from a file.
 #include "base/exceptions.h"
 #include "firmware/firmware_update_information.h"
 #include "firmware/firmware_update_information_collector.h"

@@ -1,4 +1,5 @@
-// FileDevice: a port that plays a device with files, and a description of it. What it was told stands in its journal.
+// FileDevice: a port that plays a device with files, and a description of it. Its journal lists the requests that it
+// received.
 #pragma once
 
 #include "tests/support/file_nodes.h"
@@ -87,7 +88,7 @@ public:
     int failingBlock = -1;         // this one fails; the first is 0
     int throwingBlock = -1;        // executing this one throws
     std::set<std::string> refused; // operations that fail
-    int64_t mostBytes = 1 << 20;   // of one block, whatever is asked
+    int64_t mostBytes = 1 << 20;   // of one block, regardless of the request
     int64_t lie = 0;               // added to every result
     int busyPolls = 0;             // questions until an operation is done; -1: never
     int busyQuestions = 0;

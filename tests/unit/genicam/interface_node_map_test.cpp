@@ -1,4 +1,4 @@
-// Node maps as an application meets them: made, shared, locked, told about and ended through the interface alone.
+// Node maps as an application meets them: made, shared, locked, observed and destroyed only through the interface.
 #include "tests/unit/genicam/small_map.h"
 
 #include <GenApi/ConcatenatedWrite.h>

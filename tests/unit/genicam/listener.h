@@ -1,4 +1,4 @@
-// Listener: notes which nodes tell of a change.
+// Listener: records which nodes report a change.
 #pragma once
 
 #include "tests/unit/genicam/small_map.h"

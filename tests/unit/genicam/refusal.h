@@ -9,7 +9,7 @@
 namespace koro::test
 {
 
-// The description of the exception of class E that `act` throws; tells so when it is another class or none.
+// The description of the exception of class E that `act` throws; says so if it is of another class or missing.
 template <class E, class Act>
 std::string RefusalOf(const Act& act)
 {

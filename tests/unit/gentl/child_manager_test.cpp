@@ -92,7 +92,7 @@ protected:
             [this](const std::shared_ptr<Child>& child) { reports.push_back("found " + child->id); });
     }
 
-    // The producer's interfaces from now on; the next update is told that something changed.
+    // The producer's interfaces from now on; the next update reports a change.
     void SetInterfaces(const std::vector<std::string>& ids)
     {
         producer->Edit([&](scripted::Tree& tree) {

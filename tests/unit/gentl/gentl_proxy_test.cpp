@@ -18,7 +18,7 @@ using GenTL::GC_ERROR;
 namespace
 {
 
-// Whatever number the platform has for a missing symbol.
+// Accepts any number that the platform has for a missing symbol.
 void ExpectBrokenClaim(const std::string& path, const std::string& function, const std::string& version)
 {
     const std::string thrown = WhatIsThrownBy([&] { GenTLProxy proxy(path); });

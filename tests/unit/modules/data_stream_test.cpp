@@ -185,8 +185,8 @@ TEST_F(DataStreamClass, RefusedRevokeKeepsBothLists)
     EXPECT_EQ(CallsOf({"DSRevokeBuffer"}).size(), 1u);
 }
 
-// The memory can be announced again as soon as its revocation is told, and the producer may give the same handle for
-// it: the new buffer must not go out with the old one.
+// The memory can be announced again as soon as its revocation is reported, and the producer may return the same handle
+// for it: the new buffer must not be removed together with the old one.
 TEST_F(DataStreamClass, BufferAnnouncedInTheRevocationOfAnotherIsListedUnderTheSameHandle)
 {
     const auto proxy = std::make_shared<GenTLProxy>(objects.producer.Path());

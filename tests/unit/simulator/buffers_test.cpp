@@ -14,7 +14,7 @@ std::string HangingCamera()
     return OneCamera(R"(, "misbehaviour": {"frames": [{"camera": "A", "count": "every", "late_ms": 60000}]})");
 }
 
-// The places of buffers, as far as queries tell them apart.
+// The states of buffers, as far as queries distinguish them.
 struct Counts
 {
     std::size_t queued;

@@ -22,7 +22,7 @@ GC_ERROR Write(const Producer& producer, void* port, std::uint64_t address)
     return producer.GCWritePort(port, address, &one, &size);
 }
 
-// Takes what comes until told to stop; how much that was.
+// Takes everything that arrives until it is stopped, and counts it.
 class Taker
 {
 public:

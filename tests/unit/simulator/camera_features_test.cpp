@@ -17,7 +17,7 @@ using GENICAM_NAMESPACE::InvalidArgumentException;
 using GENICAM_NAMESPACE::OutOfRangeException;
 using testing::HasSubstr;
 
-// 64 x 32 pixels unless told otherwise.
+// 64 x 32 pixels by default.
 std::string Sized(const std::string& keys)
 {
     return keys.find("width") == std::string::npos ? R"(, "width": 64, "height": 32)" + keys : keys;

@@ -48,7 +48,7 @@ struct Files
         text.resize(static_cast<std::size_t>(got));
         return text;
     }
-    // Runs it and tells its status.
+    // Runs it and returns its status.
     std::string Do(const char* operation) const
     {
         map.Set("FileOperationSelector", operation);

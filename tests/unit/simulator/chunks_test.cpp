@@ -324,7 +324,7 @@ TEST(SimulatorChunkLayoutId, CanBeUnknownToTheProducer)
     EXPECT_TRUE(tree.Flag(buffer, BUFFER_INFO_CONTAINS_CHUNKDATA));
 }
 
-// Whatever a consumer writes into its buffer, the query ends, and stays within it.
+// The query ends and stays within the buffer, regardless of what a consumer has written there.
 TEST(SimulatorChunkQuery, SurvivesAnyMemory)
 {
     const Producer producer(CameraOf("GEV"));

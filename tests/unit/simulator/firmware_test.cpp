@@ -235,7 +235,7 @@ TEST(SimulatorReset, TimeAndUpdatesHaveToPassBoth)
     EXPECT_GE(missed, 3U);
 }
 
-// A second camera, which is reset later and returns, tells when the first one would have come back.
+// A second camera, which is reset later and returns, shows when the first one would have returned.
 TEST(SimulatorReset, MayTakeTheCameraAwayForGood)
 {
     const std::string absence = R"(, "resetAbsence_ms": 1, "resetMissingUpdates": 1)";

@@ -53,7 +53,7 @@ public:
         camera.Write(0xE08, file == firmware ? onlyWrite : readWrite);
     }
 
-    // Runs it to its end and tells its status.
+    // Runs it to its end and returns its status.
     std::uint32_t Do(Operation operation) const
     {
         camera.Write(0xE04, std::uint32_t{operation});

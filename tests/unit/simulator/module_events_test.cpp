@@ -1,4 +1,4 @@
-// Events of the local modules: test events, errors, and what devices tell of features.
+// Events of the local modules: test events, errors, and notifications of devices about their features.
 #include "tests/unit/simulator/feature_map.h"
 
 #include <GenApi/EventAdapterCL.h>

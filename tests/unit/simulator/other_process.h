@@ -45,7 +45,7 @@ public:
         int toPart[2];
         int fromPart[2];
         if (pipe(toPart) != 0 || pipe(fromPart) != 0) throw std::runtime_error("no pipe");
-        std::signal(SIGPIPE, SIG_IGN); // one that has ended is told by the result
+        std::signal(SIGPIPE, SIG_IGN); // the result reports a process that has ended
         process = fork();
         if (process < 0) throw std::runtime_error("no process");
         if (process == 0)

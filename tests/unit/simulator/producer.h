@@ -46,7 +46,7 @@ struct LastError
 class Producer
 {
 public:
-    // Empty settings: the built-in cameras. Initialises unless told otherwise.
+    // Empty settings: the built-in cameras. Initialises by default.
     explicit Producer(const std::string& settings = "", bool initialise = true);
     Producer(const Producer&) = delete;
     Producer& operator=(const Producer&) = delete;
@@ -196,7 +196,7 @@ class Tree
 public:
     explicit Tree(const Producer& loaded, const std::string& interfaceId = "I", const std::string& camera = "A");
 
-    // Allocated by the producer, payload sized unless told; queued if wanted.
+    // Allocated by the producer, by default with the payload size; queued if requested.
     BUFFER_HANDLE Announce(bool queued = true, std::size_t bytes = 0, void* userPointer = nullptr) const;
     void Start(std::uint64_t number = GENTL_INFINITE) const;
     // Takes the next entry, waiting up to a minute.

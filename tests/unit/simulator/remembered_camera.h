@@ -15,7 +15,7 @@
 namespace koro::simulator::test
 {
 
-// Registers of a camera, four bytes each unless told.
+// Registers of a camera, four bytes each by default.
 namespace at
 {
 inline constexpr std::uint64_t userName = 0x240; // 64 bytes

@@ -27,7 +27,7 @@ TEST(PixelFormat, UnknownCodeIsNotFoundAndIsCalledByItsNumber)
 
 TEST(PixelFormat, SizeInTheCodeIsTheSizeInMemory)
 {
-    // Bits 23 to 16 of a code tell the bits that a pixel takes.
+    // Bits 23 to 16 of a code are the number of bits that a pixel takes.
     for (uint32_t number = 0; number < 0x200; ++number)
     {
         for (const uint32_t head :
