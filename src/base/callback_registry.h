@@ -33,7 +33,7 @@ public:
             EndCallback(std::move(function));
     }
 
-    // An empty function is stored all the same; the round that meets it ends with std::bad_function_call.
+    // An empty function is stored too; a call of all functions that reaches it ends with std::bad_function_call.
     Handle RegisterCallback(Function function)
     {
         auto stored = std::make_shared<Function>(std::move(function));
@@ -49,12 +49,12 @@ public:
         if (auto removed = Take(handle)) EndCallback(std::move(removed));
     }
 
-    // Calls every function, in no defined order, on this thread. An exception ends the round.
+    // Calls every function, in no defined order, on this thread. An exception ends the loop.
     void TriggerCallback(const Arguments&... arguments)
     {
         TriggerCallbackWhile([] { return true; }, arguments...);
     }
-    // The same as long as `isWanted` says so, which is asked before each function.
+    // Does the same while `isWanted` returns true; it is called before each function.
     template <class Predicate>
     void TriggerCallbackWhile(Predicate&& isWanted, const Arguments&... arguments)
     {

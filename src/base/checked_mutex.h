@@ -20,10 +20,10 @@ public:
 
     // Throws std::system_error (resource_deadlock_would_occur) on the owning thread.
     void lock();
-    // Throws as lock() does; false when another thread holds it.
+    // Throws like lock(); returns false when another thread holds it.
     bool try_lock();
     void unlock();
-    // Throws as lock() does, and takes nothing.
+    // Throws like lock(), but does not take the lock.
     void RefuseOwner() const;
 
 private:

@@ -63,7 +63,7 @@ try
 }
 catch (...)
 {
-    // Out of memory: the address comes back at once.
+    // Out of memory: the address may be used again at once.
 }
 
 void EndedObjects::Release(Shell& shell) noexcept

@@ -24,7 +24,7 @@ public:
     EndedObjects& operator=(const EndedObjects&) = delete;
     ~EndedObjects();
 
-    // Objects of about one size. One that still lives is kept as well: it ends later.
+    // The objects must be of about the same size. An object that is still alive is kept too, and ends later.
     void Add(std::weak_ptr<const void> object, const void* address, std::size_t size) noexcept;
 
 private:
@@ -40,7 +40,8 @@ private:
     std::deque<Shell> shells;
 };
 
-// One for the handles of callbacks, which no table knows. Freed at unload; whoever asks later makes it again.
+// The ended objects of callback handles, which no handle table contains. Freed at unload; a later call creates a new
+// one.
 EndedObjects& EndedCallbacks();
 void FreeEndedCallbacks() noexcept;
 

@@ -15,16 +15,16 @@ namespace koro::internal
 
 class Instance;
 
-using EndNumber = std::uint64_t; // 0: of no end
+using EndNumber = std::uint64_t; // 0: not part of an end
 
 class EndingScope
 {
 public:
     using Objects = std::vector<const Instance*>;
 
-    // A new end.
+    // Begins a new end.
     EndingScope() noexcept;
-    // Nothing ends: these objects count as parents as long as they live.
+    // Ends nothing: these objects count as parents while they are alive.
     explicit EndingScope(Objects parentObjects) noexcept;
     ~EndingScope();
     EndingScope(const EndingScope&) = delete;
@@ -32,7 +32,7 @@ public:
 
     EndNumber Number() const noexcept { return number; }
 
-    // Of the calling thread.
+    // Whether the calling thread ends the object.
     static bool IsInEndOf(const Instance& object) noexcept;
     static bool HasParent(const Instance& object) noexcept;
 

@@ -14,7 +14,7 @@ class Exception : public std::runtime_error
 {
 public:
     explicit Exception(const std::string& text);
-    // A null text is no text: what() then answers "Unknown exception".
+    // For a null text what() returns "Unknown exception".
     explicit Exception(const char* text);
 };
 

@@ -11,8 +11,8 @@
 namespace koro::internal
 {
 
-// A strong reference for the length of an operation. Throws InternalErrorException when the parent has gone, or has
-// been ended and lives for the calls that are inside only.
+// Returns a strong reference for the duration of an operation. Throws InternalErrorException when the parent has been
+// destroyed, or when it has been ended and is alive only for running calls.
 template <class T>
 std::shared_ptr<T> LockOrThrow(const std::weak_ptr<T>& parent, const char* text = "Pointer has expired!")
 {

@@ -6,8 +6,8 @@
 namespace koro::internal
 {
 
-// Returns false when the step throws. Only the unwinding of a cancelled thread passes, since that has to reach the end
-// of the thread. It has no object, so the reference to it is null, which is no fault for the sanitizer to report.
+// Returns false when the step throws. Only the unwinding of a cancelled thread passes, since it must reach the end of
+// the thread. It has no exception object, so the reference to it is null; the sanitizer must not report this.
 template <class Step>
 __attribute__((noinline, no_sanitize("null"))) bool Succeeds(Step&& step)
 {

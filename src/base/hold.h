@@ -22,33 +22,33 @@ public:
     Hold() { ++numLiving; }
     Hold(const Hold&) = delete;
     Hold& operator=(const Hold&) = delete;
-    virtual ~Hold() { --numLiving; } // of the object first, of what is above it afterwards
+    virtual ~Hold() { --numLiving; } // ends the object first, then the hold of its parent
 
-    // Of all kinds: 0 when the library is closed and no call is inside any more.
+    // Counts holds of all kinds: 0 when the library is closed and no call is running any more.
     static std::size_t NumLiving() noexcept { return numLiving; }
 
     virtual Instance& Object() const = 0;
-    // Of the object that the entry ends with; empty without one, and when that has gone.
+    // The hold of the object with which the entry ends; empty if there is none or it has been destroyed.
     virtual std::shared_ptr<Hold> HoldAbove() const = 0;
 
-    // From now on the entry is found by the thread that ends its object, and by no other. Returns whether anybody has a
-    // reference but the entry and the caller, who has one; also when there is no entry any more, since the object would
-    // have gone with it if nobody had been inside.
+    // Hides the entry from all threads except the one that ends its object. Returns whether anything except the entry
+    // and the caller has a reference. Also returns true when the entry is already removed, since the object would have
+    // been destroyed with it if no call were running.
     virtual bool HideEntry() = 0;
-    // The same for the end of what is above. An entry that outlives it is left to a new hold.
+    // Does the same for the end of a parent. An entry that outlives the parent gets a new hold.
     virtual bool HideEntryWithParent() = 0;
-    // Nothing when there is none.
+    // Does nothing when there is no entry.
     virtual void RemoveEntry() = 0;
 
-    // Not by two threads at a time. The first one stays: any other would be of the same object.
+    // Must not be called by two threads at a time. The first hold stays: any other would belong to the same object.
     void Keep(std::shared_ptr<Hold> holdAbove)
     {
         if (!above) above = std::move(holdAbove);
         isLeft = false;
     }
     bool KeepsAbove() const noexcept { return above != nullptr; }
-    // The entry goes with the object above, on the thread that ends this. No other thread takes it before, also not the
-    // library's close.
+    // The entry is removed together with the parent, on the thread that ends the parent. No other thread removes it
+    // earlier, not even the library's close.
     void LeaveToObjectAbove() noexcept { isLeft = true; }
     bool IsLeftToObjectAbove() const noexcept { return isLeft; }
 

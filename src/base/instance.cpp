@@ -61,7 +61,8 @@ Instance::Holds Instance::OwnHolds() const
     return Living(ownHolds);
 }
 
-// Pruned whenever the list has doubled, so that a child costs the same however many came before it.
+// Removes ended entries whenever the list has doubled, so adding a child costs the same for any number of earlier
+// children.
 void Instance::AddHoldBelow(const std::shared_ptr<Hold>& hold)
 {
     const std::lock_guard lock(destructionMutex);

@@ -31,8 +31,8 @@ public:
     Instance(const Instance&) = delete;
     Instance& operator=(const Instance&) = delete;
 
-    // Runs the callbacks that are left; then the entries of the handles below go. An empty callback ends the process
-    // with std::bad_function_call, as any exception out of a destructor does.
+    // Runs the remaining callbacks; then removes the entries of the child handles. An empty callback ends the process
+    // with std::bad_function_call, like any exception from a destructor.
     virtual ~Instance();
 
     // Returns the address of the stored callable, unique while it is stored.
@@ -40,32 +40,31 @@ public:
     // An unknown id is ignored.
     void RemoveDestructionCallback(DestructionCallbackID id);
 
-    // The handles of this object, and of those below it. The lists forget by themselves what has ended.
+    // The handles of this object and of its children. Ended entries are removed from the lists automatically.
     void AddHold(const std::shared_ptr<Hold>& hold);
-    // The same for a further handle. Throws InternalErrorException when the object has been ended.
+    // Does the same for an additional handle. Throws InternalErrorException when the object has been ended.
     void AddFurtherHold(const std::shared_ptr<Hold>& hold);
     Holds OwnHolds() const;
     // Throws InternalErrorException when the object has been ended.
     void AddHoldBelow(const std::shared_ptr<Hold>& hold);
     Holds HoldsBelow() const;
-    // From now on the object counts as gone for what is below it, and neither a further handle nor one below it comes;
-    // it may live on for the calls that are inside.
-    // The first end that comes to it has it.
+    // From now on the object counts as ended for its children, and it gets no more handles or children. It may stay
+    // alive for running calls. If several ends reach it, it belongs to the first one.
     void MarkEnded(const EndingScope& end);
     EndNumber EndedBy() const noexcept { return endedBy; }
     bool HasEnded() const noexcept { return endedBy != 0; }
-    // To be dropped when the entries of the handles below go, and in their place: one after the other, all that are
-    // below by now.
+    // Stores holds that are released when the entries of the child handles are removed, and in their order: one after
+    // the other, for all children that exist at that time.
     void KeepUntilItsEnd(std::shared_ptr<Hold> ended);
 
-    // What comes before the end of an object, or of one above it; see capi/closing.h. The first throws the standard
-    // deadlock error on a thread that the third would wait for.
+    // The steps before the end of an object or of a parent; see capi/closing.h. The first one throws the standard
+    // deadlock error on a thread for which the third one would wait.
     virtual void RefuseEndInCallback() const {}
     virtual void EndWaits() noexcept {}
     virtual void EndThreads() {}
 
 protected:
-    // For the class whose children's entries have to go before its own close call.
+    // For the class whose child entries must be removed before its own close call.
     void RunDestructionCallbacks();
 
 private:
@@ -81,7 +80,7 @@ private:
     std::map<DestructionCallbackID, std::unique_ptr<DestructionCallback>> destructionCallbacks;
     WeakHolds ownHolds;
     WeakHolds holdsBelow;
-    std::size_t numHoldsToPrune = 16; // of those below
+    std::size_t numHoldsToPrune = 16; // for the holds of children
     Holds endedBelow;
     std::atomic<EndNumber> endedBy{0};
 };

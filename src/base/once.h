@@ -24,7 +24,7 @@ public:
         done = true;
     }
 
-    // In one order with all else that is sequentially consistent.
+    // Sequentially consistent.
     bool IsDone() const { return done; }
 
 private:

@@ -7,7 +7,7 @@ namespace koro::internal
 
 bool IsOnOwnThread() noexcept;
 
-// Marks the calling thread for its life.
+// Marks the calling thread while the object exists.
 class OwnThread
 {
 public:
@@ -17,11 +17,11 @@ public:
     OwnThread& operator=(const OwnThread&) = delete;
 };
 
-// Whether the thread is in a changed callback of a node, or holds the lock of a node map from call to call. The end of
-// a stream may wait for such a lock, see docs/threading.md: whoever has it must not wait for the library's close.
+// Whether the thread is in a changed callback of a node, or holds the lock of a node map between calls. The end of a
+// stream may wait for such a lock, see docs/threading.md: such a thread must not wait for the library's close.
 bool HoldsMapLock() noexcept;
 
-// Says so for its life; counted.
+// Marks the thread as such while the object exists; counted.
 class MapLockHolder
 {
 public:

@@ -47,7 +47,7 @@ void PeriodicTimer::Run()
     }
 }
 
-// In slices, so that a stop and a new interval are seen soon.
+// Waits in short intervals, so that a stop or a new interval takes effect soon.
 void PeriodicTimer::WaitForInterval() const
 {
     constexpr std::uint64_t slice_ms = 50;
@@ -56,7 +56,7 @@ void PeriodicTimer::WaitForInterval() const
     {
         const auto elapsed_ms = std::chrono::duration_cast<milliseconds>(WallClock::now() - start).count();
         const auto interval = interval_ms.load();
-        // A clock that was set back is no reason to tick early.
+        // A clock that was set back must not cause an early tick.
         if (elapsed_ms >= 0 && static_cast<std::uint64_t>(elapsed_ms) >= interval) return;
         const auto remaining_ms = elapsed_ms < 0 ? slice_ms : interval - static_cast<std::uint64_t>(elapsed_ms);
         std::this_thread::sleep_for(milliseconds(remaining_ms < slice_ms ? remaining_ms : slice_ms));

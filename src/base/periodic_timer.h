@@ -25,20 +25,21 @@ public:
     ~PeriodicTimer();
 
     std::uint64_t Interval_ms() const noexcept { return interval_ms; }
-    // 0 makes a loop without a pause.
+    // 0 means ticks without a pause.
     void SetInterval_ms(std::uint64_t value) noexcept { interval_ms = value; }
 
-    // Nothing when it runs. Throws std::system_error when there is no thread to be had; the timer counts as started
-    // all the same. Throws InternalErrorException after End().
+    // Does nothing when the timer is running. Throws std::system_error when no thread can be started; the timer counts
+    // as started nevertheless. Throws InternalErrorException after End().
     void Start();
-    // Waits for the thread unless `keep` answers true; nothing when the timer is idle. Starts wait meanwhile.
+    // Stops the timer and waits for the thread, unless `keep` returns true; does nothing when the timer is not running.
+    // Calls of Start() wait meanwhile.
     template <class Predicate>
     void StopUnless(Predicate&& keep)
     {
         const std::lock_guard lock(startMutex);
         if (started && !keep()) Join();
     }
-    // Waits for the thread. There is none any more afterwards.
+    // Stops the timer for good and waits for the thread.
     void End();
     bool IsStarted() const noexcept { return started; }
 
@@ -54,7 +55,7 @@ private:
     std::atomic<bool> started{false};
     std::atomic<bool> keepRunning{false};
     std::atomic<std::uint64_t> interval_ms{1000};
-    std::mutex startMutex; // from idle to running and back is one step
+    std::mutex startMutex; // makes starting and stopping atomic
     bool hasEnded = false; // guarded by startMutex
 };
 

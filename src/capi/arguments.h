@@ -78,7 +78,7 @@ KORO_ReturnCode Perform(const NamedArgument<Handle>& handle, Operation&& operati
     });
 }
 
-// A getter runs before its output is tested: if it fails, its failure is the answer.
+// A getter runs before its output pointer is checked: if the getter fails, its failure is returned.
 template <class Handle, class Output, class Getter>
 KORO_ReturnCode GetScalar(const NamedArgument<Handle>& handle, const NamedArgument<Output*>& output, Getter&& getter)
 {
@@ -105,7 +105,7 @@ KORO_ReturnCode GetBytes(
     });
 }
 
-// The data type is stored before the buffer is looked at, so it is valid even when that is too small.
+// The data type is stored before the buffer is checked, so it is valid even when the buffer is too small.
 template <class Handle>
 KORO_ReturnCode GetRawInfo(
     const NamedArgument<Handle>& handle, std::int32_t infoCommand, const NamedArgument<std::int32_t*>& infoDataType,
@@ -119,7 +119,8 @@ KORO_ReturnCode GetRawInfo(
     });
 }
 
-// Runs `supply`, which gives the new handle, only when there is a place for it: nothing is made that nobody can end.
+// Calls `supply`, which returns the new handle, only when the output pointer is valid: otherwise nobody could end the
+// new object.
 template <class Handle, class NewHandle, class Supply>
 KORO_ReturnCode GetHandle(
     const NamedArgument<Handle>& handle, const NamedArgument<NewHandle*>& newHandle, Supply&& supply)
@@ -131,7 +132,7 @@ KORO_ReturnCode GetHandle(
     });
 }
 
-// Gives the handle of one element of a list; `enter` makes its entry.
+// Returns the handle of one element of a list; `enter` makes its entry.
 template <class Handle, class NewHandle, class List, class Enter>
 KORO_ReturnCode GetIndexed(
     const NamedArgument<Handle>& handle, std::size_t index, const NamedArgument<NewHandle*>& newHandle, List&& list,
@@ -146,7 +147,7 @@ KORO_ReturnCode GetIndexed(
     });
 }
 
-// Hands out a parent by its address. No entry is made: the parent's own is expected to be there.
+// Returns the handle of a parent. Makes no entry, since the parent already has one.
 template <class Handle, class ParentHandle, class Getter>
 KORO_ReturnCode GetParent(
     const NamedArgument<Handle>& handle, const NamedArgument<ParentHandle*>& parentHandle, Getter&& getter)
@@ -154,8 +155,8 @@ KORO_ReturnCode GetParent(
     return GetHandle(handle, parentHandle, [&](const auto& object) { return HandleFor(std::invoke(getter, *object)); });
 }
 
-// Casts to a base kind: an entry of its own, tied to the object's parent and not to the object, which it would keep
-// alive. The parent is locked first, so a cast fails when it has gone.
+// Casts to a base type. The result is a separate entry that is tied to the object's parent, not to the object, which it
+// would keep alive. The parent is locked first, so a cast fails after the parent has ended.
 template <class Handle, class BaseHandle, class ParentGetter>
 KORO_ReturnCode CastTo(
     const NamedArgument<Handle>& handle, const NamedArgument<BaseHandle*>& baseHandle, ParentGetter&& parentGetter)
@@ -166,7 +167,7 @@ KORO_ReturnCode CastTo(
     });
 }
 
-// Ends the object of a handle, with what it was cast to and all that is below it.
+// Ends the object of a handle, its base handles and everything below it.
 template <class Handle>
 KORO_ReturnCode Destruct(const NamedArgument<Handle>& handle)
 {

@@ -15,8 +15,8 @@ using namespace koro::internal;
 namespace
 {
 
-// An element of a list that the buffer remembers. The text and the order of the tests are not those of other lists;
-// kept, since they do not change.
+// Returns an element of a list that the buffer stores. Text and order of the checks differ from those of other lists
+// and are kept for compatibility.
 template <class Element, class List>
 KORO_ReturnCode GetRemembered(
     const NamedArgument<KORO_BufferHandle>& handle, std::size_t index, const NamedArgument<HandleOf<Element>*>& output,
@@ -171,7 +171,7 @@ KORO_ReturnCode KORO_Buffer_GetDeliveredChunkPayloadSize(
 
 KORO_ReturnCode KORO_Buffer_GetChunkLayoutID(KORO_BufferHandle bufferHandle, uint64_t* deliveredImageHeight)
 {
-    // The output is named like the delivered height; kept, since its name is part of a message.
+    // The parameter is named after the delivered height; the name is kept, since messages contain it.
     return GetScalar(KORO_ARG(bufferHandle), KORO_ARG(deliveredImageHeight), &Buffer::ChunkLayoutID);
 }
 
@@ -194,7 +194,7 @@ KORO_ReturnCode KORO_Buffer_GetHasParts(KORO_BufferHandle bufferHandle, KORO_Boo
         }
         catch (const NoDataException&)
         {
-            return false; // for this question an answer, for an update a failure
+            return false; // here an answer, in an update a failure
         }
     });
 }

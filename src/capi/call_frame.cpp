@@ -17,8 +17,8 @@ KORO_ReturnCode RecordNotInitialized() noexcept
         "KORO_Library_Initialize() before anything else.");
 }
 
-// The order is part of the contract. Exception stands behind its children, which it would swallow.
-// The unwinding of a cancelled thread has no object, so its reference binds to null: nothing for the sanitizer.
+// The order is part of the contract: Exception comes after its derived classes, which it would catch. The unwinding of
+// a cancelled thread has no exception object, so its reference binds to null, which the sanitizer must not report.
 __attribute__((no_sanitize("null"))) KORO_ReturnCode RecordCurrentException()
 {
     try

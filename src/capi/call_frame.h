@@ -11,7 +11,7 @@
 namespace koro::internal
 {
 
-// A typed zero, so that the branches of a body agree on their type.
+// A typed zero, so that all branches of a body have the same type.
 inline constexpr KORO_ReturnCode success = KORO_RETURN_CODE_SUCCESS;
 
 enum class InitializationCheck

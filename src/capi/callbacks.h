@@ -6,7 +6,7 @@
 namespace koro::internal
 {
 
-// Registers the application's callback and hands out its callback handle.
+// Registers the application's callback and returns its callback handle.
 template <class Handle, class Callback, class CallbackHandle, class Register>
 KORO_ReturnCode RegisterCallback(
     const NamedArgument<Handle>& handle, const NamedArgument<Callback>& callback,

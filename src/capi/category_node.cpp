@@ -18,7 +18,7 @@ KORO_ReturnCode KORO_CategoryNode_GetSubNode(
 {
     return GetHandle(KORO_ARG(categoryNodeHandle), KORO_ARG(nodeHandle), [&](const auto& node) {
         const auto& subNodes = node->SubNodes();
-        // Not the answer of other lists; kept, since texts do not change.
+        // Differs from other lists; kept for compatibility.
         if (index >= subNodes.size()) throw std::out_of_range("invalid vector subscript");
         return EnterNode(subNodes[index]);
     });

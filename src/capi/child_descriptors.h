@@ -12,9 +12,9 @@
 namespace koro::internal
 {
 
-// Enters a descriptor whose handle is withdrawn when the loss of the child is reported, which is yet to come. For this
-// one closure per entry stays in the parent's lost registry, until the parent goes. Throws the deadlock error inside a
-// lost callback of the same parent; then there is no entry either.
+// Enters a descriptor whose handle is removed when the loss of the child is reported later. For this each entry keeps
+// one removal function in the parent's lost registry until the parent ends. Throws the deadlock error inside a lost
+// callback of the same parent; no entry is made then.
 template <class Parent, class Descriptor>
 HandleOf<Descriptor> EnterUntilLost(
     const std::shared_ptr<Parent>& parent, const std::shared_ptr<Descriptor>& descriptor)
@@ -24,8 +24,9 @@ HandleOf<Descriptor> EnterUntilLost(
     if (!isNew) return handle;
     try
     {
-        // Weak, since the registry would keep a lost descriptor alive. The memory of the object stays taken as long as
-        // the closure is there, so no later descriptor gets its address: a withdrawn handle does not come back to life.
+        // Weak, since the registry would otherwise keep a lost descriptor alive. The memory of the object stays in use
+        // as long as the removal function exists, so no later descriptor gets its address, and a removed handle does
+        // not become valid again.
         parent->RegisterLostCallback([id = descriptor->ID(), handle,
                                       entered = std::weak_ptr<Descriptor>(descriptor)](const std::string& lostID) {
             if (lostID == id) Table<Descriptor>().RemoveEntryOf(handle, entered);
@@ -39,7 +40,7 @@ HandleOf<Descriptor> EnterUntilLost(
     return handle;
 }
 
-// The same for a child of which nobody knows whether it was lost meanwhile: then its handle is invalid from the start.
+// Does the same for a child that may have been lost meanwhile: its handle is then invalid from the start.
 template <class Parent, class Descriptor>
 HandleOf<Descriptor> EnterDescriptor(
     const std::shared_ptr<Parent>& parent, const std::shared_ptr<Descriptor>& descriptor)
@@ -51,8 +52,8 @@ HandleOf<Descriptor> EnterDescriptor(
     return handle;
 }
 
-// The descriptor is entered before the application sees its handle, and its loss is reported later: also when an update
-// inside a callback has lost it already. The parent is held weakly: it owns the registry.
+// The descriptor is entered before the application receives its handle, and its loss is reported later, even if an
+// update inside a callback has lost it already. The parent is held weakly because it owns the registry.
 template <class Handle, class Callback, class CallbackHandle>
 KORO_ReturnCode RegisterFound(
     const NamedArgument<Handle>& handle, const NamedArgument<Callback>& callback, void* context,
@@ -66,7 +67,7 @@ KORO_ReturnCode RegisterFound(
     });
 }
 
-// The id is all that is given: what it named has gone.
+// Only the id is passed, since the object has ended.
 template <class Handle, class Callback, class CallbackHandle>
 KORO_ReturnCode RegisterLost(
     const NamedArgument<Handle>& handle, const NamedArgument<Callback>& callback, void* context,

@@ -14,13 +14,14 @@ namespace
 {
 
 constinit std::mutex
-    endMutex; // who is inside is worked out by one thread at a time; nothing is called or closed under it
+    endMutex; // only one thread at a time determines the running calls; nothing is called or closed under it
 
-// The holds of objects that end, and of all that is below them; each before what is below it.
+// The holds of the ending objects and of everything below them; parents come before children.
 class Subtree
 {
 public:
-    // For an end it marks the objects before it looks, so that no handle is missed that another thread makes meanwhile.
+    // For an end it marks the objects before it collects the handles, so it does not miss a handle that another thread
+    // creates meanwhile.
     explicit Subtree(Instance::Holds roots, const EndingScope* ofEnd = nullptr) : end(ofEnd), numRoots(roots.size())
     {
         for (auto& root : roots)
@@ -29,7 +30,8 @@ public:
             AddBelow(index);
     }
 
-    // Between the first end of waits and threads and the hiding, others may have opened and begun more.
+    // Between the first end of waits and threads and the hiding of entries, other threads may have opened and started
+    // more.
     void EndActivityThatCameMeanwhile() const
     {
         for (const auto& part : parts)
@@ -45,8 +47,8 @@ public:
         return holds;
     }
 
-    // From now on no call gets inside, but those of this thread. What keeps the hold above
-    // already is about to be closed by the library's close on another thread.
+    // From now on no call can use the objects, except calls of this thread. Objects that already keep the hold of their
+    // parent are about to be closed by the library's close on another thread.
     void Hide()
     {
         for (std::size_t index = 0; index < parts.size(); ++index)
@@ -56,16 +58,16 @@ public:
             if (hold->KeepsAbove()) isUsed = true;
         }
     }
-    // For the library's close: it takes the entries out kind by kind, and is inside what it closes.
+    // For the library's close, which removes the entries kind by kind and itself uses the objects that it closes.
     void CountAllAsUsed()
     {
         for (auto& part : parts)
             part.isUsed = true;
     }
 
-    // Where a call is inside further down, all that is below the roots keeps what is above it: also what was idle when
-    // it was hidden, since EndActivity on another thread may have come to it afterwards, and may be the last to leave
-    // it. So do the roots, which this thread is inside.
+    // If a call is running below the roots, everything below the roots keeps its parents, even objects that were idle
+    // when they were hidden: EndActivity on another thread may have reached them afterwards and may be the last to
+    // leave them. The roots keep their parents too, since this thread uses them.
     void KeepAbove()
     {
         const std::size_t numKeeping = IsUsedBelow() ? parts.size() : numRoots;
@@ -76,8 +78,8 @@ public:
         }
     }
 
-    // Ends the entries of the roots; of what is below them too, if a call is inside anywhere. Where nobody is inside
-    // further down than the roots, each object takes what is below it to its own end.
+    // Removes the entries of the roots, and also those below them if a call is running anywhere. If no call is running
+    // below the roots, the end of each object removes the entries below it.
     void RemoveEntries()
     {
         const bool isUsed = IsUsedFrom(0);
@@ -90,7 +92,8 @@ public:
         }
         if (isUsed && !IsUsedBelow()) GiveToObjectsAbove();
     }
-    // What nobody is inside closes here, from the leaves. Where the entries below have stayed, these go with the roots.
+    // Closes the objects that no call uses, starting at the leaves. Entries that have stayed are removed with the
+    // roots.
     void Drop()
     {
         while (!parts.empty())
@@ -101,7 +104,7 @@ private:
     struct Part
     {
         std::shared_ptr<Hold> hold;
-        std::size_t above = 0; // its place in the list
+        std::size_t above = 0; // its index in the list
         bool isUsed = false;   // by a call
     };
 
@@ -113,7 +116,7 @@ private:
     }
     bool IsUsedBelow() const { return IsUsedFrom(numRoots); }
 
-    // An object may have several holds: what is below it comes once.
+    // An object may have several holds: its children are added once.
     void AddBelow(std::size_t index)
     {
         Instance& object = parts[index].hold->Object();
@@ -140,9 +143,9 @@ private:
     std::unordered_set<const Instance*> seen;
 };
 
-// One after the other, since a thread may take its time to end: whoever else is closing meanwhile finds no references
-// of this one. A reference to what has been hidden meanwhile was not counted as a call, and need not be: either what is
-// below keeps what is above, see KeepAbove, or an object closes after those above it anyway.
+// One object after the other, since a thread may take some time to end: another thread that closes meanwhile must not
+// find references of this one. A reference to an object that was hidden meanwhile was not counted as a call. It need
+// not be: either the children keep their parents, see KeepAbove, or the object closes after its parents in any case.
 template <class Step>
 void ForEachObject(const std::vector<std::weak_ptr<Hold>>& holds, Step&& step)
 {

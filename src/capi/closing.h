@@ -19,12 +19,12 @@ namespace koro::internal
 // nothing, in a callback of a monitor or listener that it would have to wait for.
 void EndObject(std::shared_ptr<Hold> hold);
 
-// The first half of an end, for any number of objects: refuses as above, ends the waits of calls that are inside, and
-// the threads of monitors and listeners.
+// The first half of an end, for any number of objects: refuses as described above, ends the waits of running calls, and
+// ends the threads of monitors and listeners.
 void EndActivity(const Instance::Holds& roots);
 
-// The second half, for the library's close, which empties the tables while this lives: hides all entries from other
-// threads, and gives what is above to the calls that are inside.
+// The second half, for the library's close, which empties the tables while this object exists: hides all entries from
+// other threads and links running calls to their parents.
 class EndOfAll
 {
 public:

@@ -12,7 +12,7 @@ using namespace koro::internal;
 namespace
 {
 
-// Runs `operation` with both objects; the stream's handle is looked at first.
+// Runs `operation` with both objects; the stream's handle is checked first.
 template <class Operation>
 KORO_ReturnCode WithStreamAndBuffer(
     const NamedArgument<KORO_DataStreamHandle>& streamHandle, const NamedArgument<KORO_BufferHandle>& bufferHandle,
@@ -26,7 +26,7 @@ KORO_ReturnCode WithStreamAndBuffer(
     });
 }
 
-// A buffer that nobody could name must not stay announced.
+// A buffer without a handle must not stay announced.
 KORO_BufferHandle EnterAnnounced(const std::shared_ptr<DataStream>& stream, const std::shared_ptr<Buffer>& buffer)
 {
     try
@@ -91,8 +91,8 @@ KORO_ReturnCode KORO_DataStream_RevokeBuffer(KORO_DataStreamHandle dataStreamHan
 KORO_ReturnCode KORO_DataStream_WaitForFinishedBuffer(
     KORO_DataStreamHandle dataStreamHandle, uint64_t timeout_ms, KORO_BufferHandle* bufferHandle)
 {
-    // The entry is that of the announcement. A buffer announced behind the library's back has none, and its handle is
-    // invalid everywhere.
+    // Returns the handle from the announcement. A buffer that was announced by other code than the library has none:
+    // its handle is invalid everywhere.
     return GetHandle(KORO_ARG(dataStreamHandle), KORO_ARG(bufferHandle), [&](const auto& stream) {
         return HandleFor(stream->WaitForFinishedBuffer(timeout_ms));
     });

@@ -85,7 +85,7 @@ KORO_ReturnCode KORO_Device_GetNumDataStreams(KORO_DeviceHandle deviceHandle, si
 KORO_ReturnCode KORO_Device_GetDataStream(
     KORO_DeviceHandle deviceHandle, size_t index, KORO_DataStreamDescriptorHandle* dataStreamDescriptorHandle)
 {
-    // The one export that calls its handle by another name in the message; kept, since texts do not change.
+    // The only export that uses another name for its handle in the message; kept for compatibility.
     return GetIndexed(
         Named(deviceHandle, "interfaceHandle"), index, KORO_ARG(dataStreamDescriptorHandle), &Device::DataStreams,
         [](const auto& device, const auto& descriptor) {

@@ -13,7 +13,7 @@ using namespace koro::internal;
 namespace
 {
 
-// The producer writes straight into the caller's buffer, by its own rules for sizes.
+// The producer writes directly into the caller's buffer, by its own rules for sizes.
 KORO_ReturnCode GetRawString(
     const NamedArgument<KORO_DeviceDescriptorHandle>& handle, std::int32_t command, const NamedArgument<char*>& output,
     std::size_t* size)

@@ -11,7 +11,7 @@ namespace
 
 using Entry = std::shared_ptr<EnumerationEntryNode>;
 
-// The same handle each time; it ends with the map. Null for no entry.
+// Each call returns the same handle, which ends with the map; null for no entry.
 KORO_EnumerationEntryNodeHandle EnterEntry(const Entry& entry)
 {
     return entry ? Table<EnumerationEntryNode>().Add(entry, entry->ParentNodeMap()) : nullptr;

@@ -11,8 +11,8 @@ using namespace koro::internal;
 namespace
 {
 
-// A producer in use is accepted as it is, regardless of the path by which it was opened; any other one is loaded,
-// started and ended again.
+// A producer that is in use is accepted without a test, regardless of the path by which it was opened; any other one is
+// loaded, started and ended again.
 bool IsUsable(const std::string& ctiPath)
 {
     const auto isOfThisFile = [&](const ProducerLibrary& library) {

@@ -11,7 +11,7 @@ using namespace koro::internal;
 namespace
 {
 
-// An event that arrives while the controller ends is lost with it: the wait returns as one that the end has ended.
+// An event that arrives while the controller ends is lost: the wait returns as if the end had interrupted it.
 KORO_EventHandle EnterEvent(const std::shared_ptr<EventController>& controller, const std::shared_ptr<Event>& event)
 {
     try

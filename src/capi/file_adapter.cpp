@@ -14,7 +14,7 @@ using namespace koro::internal;
 namespace
 {
 
-// Where the exports say "data is invalid!" of a pointer; the code is another than that of a handle.
+// For exports that report a null pointer as "data is invalid!"; the code differs from that of an invalid handle.
 template <class Pointer>
 KORO_ReturnCode InvalidOutput(const NamedArgument<Pointer>& pointer)
 {
@@ -112,7 +112,7 @@ KORO_ReturnCode KORO_FileAdapter_Write(
                 return RecordLastError(
                     KORO_RETURN_CODE_OUT_OF_RANGE, "data size + offset exceeds the specified file's size!");
             }
-            return KORO_RETURN_CODE_ERROR; // without a text: kept, since programs may count on the one before
+            return KORO_RETURN_CODE_ERROR; // without a text: kept, since programs may rely on the previous one
         });
     });
 }

@@ -93,7 +93,7 @@ KORO_ReturnCode KORO_FirmwareUpdater_UpdateDevice(
         firmwareUpdateProgressObserverHandle, defaultResetTimeout_ms);
 }
 
-// The observer's handle alone may be null.
+// Only the observer's handle may be null.
 KORO_ReturnCode KORO_FirmwareUpdater_UpdateDeviceWithResetTimeout(
     KORO_FirmwareUpdaterHandle firmwareUpdaterHandle, KORO_DeviceDescriptorHandle deviceDescriptorHandle,
     KORO_FirmwareUpdateInformationHandle firmwareUpdateInformationHandle,
@@ -108,7 +108,7 @@ KORO_ReturnCode KORO_FirmwareUpdater_UpdateDeviceWithResetTimeout(
         if (firmwareUpdateProgressObserverHandle && !observer)
             return InvalidHandle(KORO_ARG(firmwareUpdateProgressObserverHandle));
 
-        const EndingScope scope(ObjectsAbove(*descriptor)); // their end is no end of the update
+        const EndingScope scope(ObjectsAbove(*descriptor)); // the update continues when they are ended
         updater->UpdateDevice(
             descriptor->Get(), information->Get(), observer ? observer->Get() : nullptr, resetTimeout_ms);
         return success;

@@ -6,7 +6,7 @@
 namespace koro::internal
 {
 
-// Declared here, defined wherever they live: a table needs a class only when something is entered or found.
+// Only declared here: a table needs the definition of a class only when an object is entered or found.
 template <class Class>
 struct HandleOfClass;
 template <class Handle>

@@ -52,7 +52,7 @@ class HandleTable
 public:
     using Handle = HandleOf<T>;
 
-    // What an entry and the calls that come by it share.
+    // Shared by an entry and the calls through its handle.
     class Held final : public Hold, public std::enable_shared_from_this<Held>
     {
     public:
@@ -90,18 +90,19 @@ public:
         const std::weak_ptr<Hold> heldAbove;
         const bool outlivesParent;
         std::shared_ptr<T> object; // constant to the end
-        bool wasEntry = false;     // the last one of its object; written under the mutex of the shard
+        bool wasEntry = false;     // the last entry of its object; written under the mutex of the shard
         friend class HandleTable;
     };
 
-    // Enters an object without a parent. An entry that exists stays, with its reference.
+    // Enters an object without a parent. An existing entry stays, with its reference.
     Handle Add(const std::shared_ptr<T>& object)
     {
         Insert(object, nullptr, true);
         return HandleFor(object);
     }
 
-    // The same for an object whose calls use `parent`, which the entry outlives: the end of that finds those inside.
+    // Does the same for an object whose calls use `parent` but whose entry outlives it: the end of `parent` finds the
+    // running calls.
     Handle AddBeside(const std::shared_ptr<T>& object, const std::shared_ptr<Instance>& parent)
     {
         Insert(object, parent.get(), true);
@@ -117,14 +118,15 @@ public:
         return HandleFor(object);
     }
 
-    // The same for a further handle of an object that has one. Throws also when the object itself has been ended.
+    // Does the same for an additional handle of an object that has one. Also throws when the object itself has been
+    // ended.
     Handle AddFurther(const std::shared_ptr<T>& object, const std::shared_ptr<Instance>& parent)
     {
         Insert(object, parent.get(), false, true);
         return HandleFor(object);
     }
 
-    // Empty when there is no entry. The object lives, and nothing above it is closed, as long as the hold does.
+    // Empty when there is no entry. While the hold exists the object is alive and none of its parents is closed.
     std::shared_ptr<Held> Find(Handle handle) const
     {
         const Key key(handle);
@@ -141,7 +143,7 @@ public:
         RemoveIf(Key(handle), [](const auto&) { return true; });
     }
 
-    // Removes the entry of this object, and not that of another one that came to lie at the same address.
+    // Removes the entry of this object, but not that of another object which has got the same address.
     void RemoveEntryOf(Handle handle, const std::weak_ptr<T>& object)
     {
         RemoveIf(Key(handle), [&](const auto& held) {
@@ -149,7 +151,7 @@ public:
         });
     }
 
-    // Looks under the mutex, so that no reference is made whose end could close a module.
+    // Looks while holding the mutex, so that it creates no reference whose end could close a module.
     template <class Predicate>
     bool AnyOf(Predicate&& predicate) const
     {
@@ -174,7 +176,7 @@ public:
         return all;
     }
 
-    // Admits entries; a table is open from the start.
+    // Accepts entries; a new table is open.
     void Open()
     {
         for (auto& shard : shards)
@@ -184,8 +186,8 @@ public:
         }
     }
 
-    // Refuses entries from now on, so that a call that overlaps the library's end leaves nothing behind, and drops
-    // all references but those that an end on another thread is about to drop.
+    // Refuses entries from now on, so that a call that overlaps the library's end leaves nothing behind. Releases all
+    // references except those that an end on another thread is about to release.
     void Close()
     {
         for (auto& shard : shards)
@@ -203,7 +205,7 @@ public:
     }
 
 private:
-    // The hash travels with the value, since it picks both the shard and the bucket.
+    // The hash is stored with the value, since it selects both the shard and the bucket.
     struct Key
     {
         explicit Key(Handle handle) noexcept
@@ -241,7 +243,7 @@ private:
     {
         const Key key(HandleFor(object));
         auto& shard = ShardOf(key);
-        if (HasEntry(shard, key)) return false; // by far the most frequent, and costs no hold
+        if (HasEntry(shard, key)) return false; // by far the most frequent case; it costs no hold
         const auto above = parent ? parent->OwnHolds() : Instance::Holds();
         const auto held =
             std::make_shared<Held>(*this, object, above.empty() ? nullptr : above.front(), outlivesParent);
@@ -259,7 +261,7 @@ private:
         }
         catch (...)
         {
-            shard.entries.erase(entry); // `held` goes after the lock
+            shard.entries.erase(entry); // `held` is released after the lock
             throw;
         }
         held->wasEntry = true;
@@ -288,7 +290,7 @@ private:
         return entry->second.held.use_count() > 2;
     }
 
-    // The entry gets a hold for the calls to come, which find the parent gone; this one is left to those inside.
+    // The entry gets a new hold for later calls, which find the parent ended; this one is left to running calls.
     bool RenewEntryOf(Held& held)
     {
         const auto renewed = std::make_shared<Held>(*this, held.Get(), std::weak_ptr<Hold>(), true);

@@ -21,9 +21,9 @@ public:
     }
 
     void Open();
-    // The holds of all producer libraries, and with them of all that has a parent.
+    // The holds of all producer libraries, through which all objects with a parent are reached.
     Instance::Holds Roots();
-    // Drops all references, one kind after the other.
+    // Releases all references, one kind after the other.
     void Close();
 
 private:
@@ -48,7 +48,7 @@ HandleTable<T>& Table() noexcept
     return Tables().Table<T>();
 }
 
-// What a call has for its own length. Empty when the handle is unknown, null included.
+// What a call holds while it runs. Empty when the handle is unknown, including null.
 template <class Handle>
 auto Find(Handle handle)
 {

@@ -111,7 +111,8 @@ KORO_ReturnCode KORO_Interface_UnregisterDeviceListChangedCallback(
     });
 }
 
-// Of both kinds the descriptor is not entered: a handle that the application has not fetched stays unknown.
+// For both kinds of callback the descriptor is not entered: a handle that the application has not fetched stays
+// unknown.
 KORO_ReturnCode KORO_Interface_RegisterDeviceDisconnectedCallback(
     KORO_InterfaceHandle interfaceHandle, KORO_DeviceDisconnectedCallback callback, void* callbackContext,
     KORO_DeviceDisconnectedCallbackHandle* callbackHandle)

@@ -16,7 +16,7 @@ struct LastError
     std::string text;
 };
 
-// Keeps the library mapped until the thread ends, also after dlclose: docs/abi.md.
+// Keeps the library mapped until the thread ends, even after dlclose: docs/abi.md.
 constinit thread_local PerThread<LastError> lastError;
 
 } // namespace

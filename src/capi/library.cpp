@@ -9,7 +9,7 @@ using namespace koro::internal;
 namespace
 {
 
-// Asked only of an initialised library, in contrast to the functions about its state.
+// Available only in an initialised library, unlike the functions about its state.
 KORO_ReturnCode GetVersionNumber(std::uint32_t number, const NamedArgument<std::uint32_t*>& output)
 {
     return ExecuteAndMapExceptions([&] { return CopyScalarOut(number, output.value, output.name); });

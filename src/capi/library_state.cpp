@@ -24,17 +24,17 @@ CheckedMutex stateMutex;           // held for the whole of a start or a close
 std::atomic<bool> isEnding{false}; // during the last close
 std::atomic<std::uint64_t> initializations{0};
 
-// Published by the counter. Emptied at each close and kept, since a call may be running that has passed the
-// initialisation test.
+// Published by the counter. Emptied at each close but not freed, since a call that has passed the initialisation check
+// may be running.
 HandleTables* tables = nullptr;
 
-// At unload after the last close, frees the empty tables. Objects that were never closed stay as they are: no
-// producer is called at unload.
+// At unload after the last close, frees the empty tables. Objects that were never closed stay: no producer is called at
+// unload.
 struct UnloadGuard
 {
     ~UnloadGuard()
     {
-        if (IsLibraryInitialized() || Hold::NumLiving() != 0) return; // a call is inside that needs the tables
+        if (IsLibraryInitialized() || Hold::NumLiving() != 0) return; // a running call needs the tables
         delete std::exchange(tables, nullptr);                        // an exit handler may initialise again
         FreeEndedCallbacks();
     }
@@ -48,8 +48,8 @@ struct Ending
     Ending& operator=(const Ending&) = delete;
 };
 
-// A callback on a thread of the library's own must not wait for an end that waits for that thread, nor one who holds
-// the lock of a node map for an end that may wait for that.
+// A callback on a thread of the library must not wait for an end that waits for that thread. A thread that holds the
+// lock of a node map must not wait for an end that may wait for that lock.
 std::unique_lock<CheckedMutex> LockState()
 {
     if (!IsOnOwnThread() && !HoldsMapLock()) return std::unique_lock(stateMutex);
@@ -91,10 +91,10 @@ void CloseLibrary()
         return;
     }
     const Ending ending;
-    // While callbacks that are running may still call exports. One that comes here itself gets the deadlock error, and
-    // the library stays.
+    // At this point running callbacks may still call exports. A callback that comes here itself gets the deadlock
+    // error, and the library stays open.
     EndActivity(tables->Roots());
-    // Before the tables go: from here on the frame refuses new calls.
+    // Before the tables are emptied: from here on the call frame refuses new calls.
     initializations.store(0, std::memory_order_release);
     const EndOfAll endOfAll(tables->Roots());
     tables->Close();

@@ -11,14 +11,16 @@ class HandleTables;
 // One atomic load.
 bool IsLibraryInitialized() noexcept;
 
-// Counts up; at 0 to 1 the handle tables are made, or opened again. A failure leaves the counter as it was.
+// Increments the count; from 0 to 1 it creates the handle tables or opens them again. A failure does not change the
+// count.
 void InitializeLibrary();
 
-// Counts down; at 1 to 0 the tables are emptied, children before parents. Without an initialisation it does nothing.
-// A call from a callback of an object that dies in here, or that this waits for, gets the standard deadlock error.
+// Decrements the count; from 1 to 0 it empties the tables, children before parents. Without an initialisation it does
+// nothing. A call from a callback of an object that is destroyed here, or for which this function waits, gets the
+// standard deadlock error.
 void CloseLibrary();
 
-// Valid from the first initialisation on, also for a call that overlaps the last close: it finds them empty.
+// Valid from the first initialisation on, also for a call that overlaps the last close, which finds the tables empty.
 HandleTables& Tables() noexcept;
 
 } // namespace koro::internal

@@ -9,7 +9,7 @@
 namespace koro::internal
 {
 
-// The same handle each time; it ends with the node's map.
+// Each call returns the same handle, which ends with the node's map.
 inline HandleOf<Node> EnterNode(const std::shared_ptr<Node>& node)
 {
     return Table<Node>().Add(node, node->ParentNodeMap());

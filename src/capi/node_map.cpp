@@ -12,7 +12,7 @@ using namespace koro::internal;
 namespace
 {
 
-// Runs `body` with the map and what it is to look at; the map's handle is looked at first.
+// Runs `body` with the map and its other object; the map's handle is checked first.
 template <class Handle, class Body>
 KORO_ReturnCode WithMapAnd(
     const NamedArgument<KORO_NodeMapHandle>& nodeMapHandle, const NamedArgument<Handle>& handle, Body&& body)
@@ -68,7 +68,7 @@ KORO_ReturnCode KORO_NodeMap_GetNode(KORO_NodeMapHandle nodeMapHandle, size_t in
 {
     return GetHandle(KORO_ARG(nodeMapHandle), KORO_ARG(nodeHandle), [&](const auto& nodeMap) {
         const auto& nodes = nodeMap->Nodes();
-        // Not the answer of other lists; kept, since texts do not change.
+        // Differs from other lists; kept for compatibility.
         if (index >= nodes.size()) throw std::out_of_range("invalid vector subscript");
         return EnterNode(nodes[index]);
     });
@@ -143,7 +143,7 @@ KORO_ReturnCode KORO_NodeMap_Lock(KORO_NodeMapHandle nodeMapHandle)
 
 KORO_ReturnCode KORO_NodeMap_Unlock(KORO_NodeMapHandle nodeMapHandle)
 {
-    // A map may have ended while it was locked: the lock must not outlive it for those who wait inside.
+    // A map may have ended while it was locked: its lock must be released for the threads that wait.
     if (!IsLibraryInitialized() || !Find(nodeMapHandle)) NodeMap::UnlockEnded(nodeMapHandle);
     return Perform(KORO_ARG(nodeMapHandle), &NodeMap::UnlockForApplication);
 }

@@ -28,7 +28,7 @@ KORO_ReturnCode CopyScalarOut(Value value, Value* pointer, const char* name)
     return KORO_RETURN_CODE_SUCCESS;
 }
 
-// Sizes count the terminating zero.
+// Sizes include the terminating zero.
 KORO_ReturnCode CopyStringOut(const std::string& text, char* buffer, std::size_t* size, const char* name);
 
 KORO_ReturnCode CopyBlockOut(const void* block, std::size_t needed, void* buffer, std::size_t* size, const char* name);

@@ -17,7 +17,7 @@ KORO_ReturnCode KORO_ProducerLibrary_Construct(
         if (!ctiPath) return InvalidPointer(KORO_ARG(ctiPath));
         if (!producerLibraryHandle) return InvalidPointer(KORO_ARG(producerLibraryHandle));
 
-        // The size is taken at its word: without the terminator counted, the last character is lost.
+        // The size is trusted as given: if it does not include the terminator, the last character is lost.
         const std::string path(ctiPath, ctiPathSize - 1);
         *producerLibraryHandle = Table<ProducerLibrary>().Add(std::make_shared<ProducerLibrary>(path));
         return success;

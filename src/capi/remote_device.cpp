@@ -12,7 +12,7 @@ using namespace koro::internal;
 namespace
 {
 
-// Both parents have to be there.
+// Both parents must exist.
 std::shared_ptr<Device> LocalDeviceWithParent(const RemoteDevice& remoteDevice)
 {
     auto device = remoteDevice.LocalDevice();

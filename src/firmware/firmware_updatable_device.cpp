@@ -27,7 +27,7 @@ constexpr const char* resetNodeName = "DeviceReset";
 
 constexpr std::uint64_t searchInterval_ms = 200;
 constexpr std::uint64_t listUpdateTimeout_ms = 200;
-// An update file can ask for a first wait of weeks; nobody could end that.
+// An update file can request a first wait of weeks, which nobody could end.
 constexpr std::uint64_t longestFirstWait_ms = 3'600'000;
 
 template <class TypedNode>
@@ -38,7 +38,7 @@ std::shared_ptr<TypedNode> FindTyped(NodeMap& map, const char* name, const char*
     return node;
 }
 
-// A time-out that no clock reaches stays one.
+// A timeout that is too large becomes the largest number, which no clock reaches.
 std::uint64_t ToNanoseconds(std::uint64_t time_ms)
 {
     constexpr std::uint64_t factor = 1'000'000;
@@ -83,7 +83,7 @@ GENICAM_NAMESPACE::gcstring FirmwareUpdatableDevice::GetDisplayName()
     return ToGenApiText(displayName);
 }
 
-// A camera that writes its flash memory answers late: many retries would make each time-out many times as long.
+// A camera that writes its flash memory answers late: many retries would multiply each timeout.
 void FirmwareUpdatableDevice::LimitControlChannelRetries()
 {
     const auto map = FirstNodeMap(*device);
@@ -92,13 +92,13 @@ void FirmwareUpdatableDevice::LimitControlChannelRetries()
     if (retries->AccessStatus() == RW) retries->SetValue(std::min(mostRetries, retries->Maximum()));
 }
 
-// Keeps nothing of the device, which is to close when it is given up.
+// Keeps no reference to the device, so that it closes when it is released.
 void FirmwareUpdatableDevice::ExecuteReset()
 {
     FindTyped<CommandNode>(*FirstRemoteNodeMap(*device), resetNodeName, "a command")->Execute();
 }
 
-// At least one pass is made, and nothing but the time-out ends the search.
+// At least one pass is made, and only the timeout ends the search.
 std::shared_ptr<Device> FirmwareUpdatableDevice::Reopen(
     std::uint64_t firstWait_ms, std::uint64_t timeout_ms, std::uint64_t interval_ms, std::uint64_t updateTimeout_ms)
 {
@@ -132,7 +132,7 @@ std::shared_ptr<Device> FirmwareUpdatableDevice::Search(std::uint64_t updateTime
     return found;
 }
 
-// Empty for another device, and for one that cannot be used.
+// Empty for another device, and for a device that cannot be used.
 std::shared_ptr<Device> FirmwareUpdatableDevice::TryOpen(DeviceDescriptor& candidate) const
 {
     if (candidate.SerialNumber() != serialNumber || !candidate.IsOpenable()) return nullptr;

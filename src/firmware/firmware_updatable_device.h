@@ -22,15 +22,15 @@ class Interface;
 class FirmwareUpdatableDevice final : public GENAPI_NAMESPACE::IFirmwareUpdatableDevice
 {
 public:
-    // Asks the descriptor for what the device is known by. The clock outlives this object.
+    // Queries the descriptor for the identification of the device. The clock outlives this object.
     FirmwareUpdatableDevice(
         std::shared_ptr<DeviceDescriptor> descriptor, std::uint64_t timeout_ms, SearchClock& searchClock);
 
     void PrepareForFirmwareUpdate() override;
-    // Of the camera; valid until the next reset.
+    // Returns the camera's map, which is valid until the next reset.
     GENAPI_NAMESPACE::INodeMap* GetNodeMapOfDeviceToUpdate() override;
-    // Gives the device up and opens the first one of the interface that has its serial number. Throws TimeoutException
-    // when none comes back in time; the device stays closed then.
+    // Releases the device and opens the first device of the interface that has its serial number. Throws
+    // TimeoutException when none returns in time; the device stays closed then.
     GENAPI_NAMESPACE::INodeMap* DeviceResetWhileUpdatingFirmware(
         unsigned int estimatedDuration_ms, unsigned int firstWait_ms) override;
     void CleanupAfterFirmwareUpdate() override {}
@@ -47,10 +47,10 @@ private:
 
     const std::shared_ptr<DeviceDescriptor> deviceDescriptor;
     std::shared_ptr<Device> device; // empty until it is opened, and during a search
-    const std::string serialNumber; // by which it is found again
+    const std::string serialNumber; // to find it again
     const std::string displayName;
     const std::string key;                      // for messages
-    std::shared_ptr<Interface> parentInterface; // set by the opening; survives the loss of the device
+    std::shared_ptr<Interface> parentInterface; // set when the device is opened; survives its loss
     const std::uint64_t resetTimeout_ms;
     SearchClock& clock;
 };

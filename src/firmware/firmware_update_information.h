@@ -32,7 +32,7 @@ public:
     explicit FirmwareUpdateInformation(const GENAPI_NAMESPACE::CFirmwareUpdateInfo& copied) : info(copied) {}
 
     bool IsValid() const;
-    std::string FileName() const; // as it was given to the reader
+    std::string FileName() const; // as it was passed to the reader
 
     // An entry that the file does not have is empty.
     std::string Description() const;

@@ -24,7 +24,7 @@ public:
     // Keeps the device open. Throws std::out_of_range when its remote device has no node map.
     explicit FirmwareUpdateInformationCollector(std::shared_ptr<Device> matchedDevice);
 
-    // True in any case: reading goes on behind an update that does not fit.
+    // Always returns true: reading continues after an update that does not fit.
     bool OnUpdateRead(const GENAPI_NAMESPACE::CFirmwareUpdateInfo& info) override;
 
     // In the order of the file.

@@ -17,7 +17,7 @@ namespace koro::internal
 
 class FirmwareUpdateInformation;
 
-// The runtime's numbers (EFirmwareUpdateProgressStepType), also those that no header knows.
+// The runtime's numbers (EFirmwareUpdateProgressStepType), including those that this header does not name.
 enum class FirmwareUpdateStep : std::int32_t
 {
 };
@@ -34,7 +34,7 @@ public:
     Trigger<FirmwareUpdateStep, double> updateStepProgressChanged;             // percent
     Trigger<FirmwareUpdateStep> updateStepFinished;
     Trigger<> updateFinished;
-    Trigger<std::string> updateFailed; // why
+    Trigger<std::string> updateFailed; // the reason
 };
 
 } // namespace koro::internal

@@ -48,7 +48,7 @@ std::vector<std::shared_ptr<FirmwareUpdateInformation>> FirmwareUpdater::Firmwar
     return updateInformation;
 }
 
-// What was found is not matched again: an update may be applied to any device, and its own conditions decide.
+// The update is not matched with the device again: it may be applied to any device, and its own conditions decide.
 void FirmwareUpdater::UpdateDevice(
     const std::shared_ptr<DeviceDescriptor>& deviceDescriptor,
     const std::shared_ptr<internal::FirmwareUpdateInformation>& information,
@@ -69,7 +69,7 @@ void FirmwareUpdater::Read(const std::string& updateFilePath, FirmwareUpdateInfo
 {
     firmwareUpdater.ReadFirmwareUpdateInfos(ToGenApiText(updateFilePath), collector, nullptr);
     auto found = collector.TakeUpdates();
-    // What was found before goes after the lock.
+    // The previous updates are released after the lock.
     const std::lock_guard lock(updateInformationMutex);
     updateInformation.swap(found);
 }

@@ -31,17 +31,17 @@ public:
         : clock(std::move(searchClock))
     {}
 
-    // Each replaces what was found before; a failure leaves it. The second one opens the device for its length and
-    // keeps the updates that fit it.
+    // Each call replaces the previous updates; a failure does not change them. The second function opens the device
+    // while it runs and collects the updates that fit it.
     void CollectAllFirmwareUpdateInformation(const std::string& updateFilePath);
     void CollectFirmwareUpdateInformation(
         const std::string& updateFilePath, const std::shared_ptr<DeviceDescriptor>& deviceDescriptor);
 
-    // What was found last, in the order of the file.
+    // The updates that were collected last, in the order of the file.
     std::vector<std::shared_ptr<internal::FirmwareUpdateInformation>> FirmwareUpdateInformation() const;
 
     // Opens the device and closes it at the end. The observer may be empty. Throws TimeoutException when the device
-    // does not come back from a reset in time.
+    // does not return from a reset in time.
     void UpdateDevice(
         const std::shared_ptr<DeviceDescriptor>& deviceDescriptor,
         const std::shared_ptr<internal::FirmwareUpdateInformation>& information,
@@ -53,7 +53,7 @@ private:
     const std::shared_ptr<SearchClock> clock; // for tests
     GENAPI_NAMESPACE::CFirmwareUpdater firmwareUpdater;
     std::vector<std::shared_ptr<internal::FirmwareUpdateInformation>> updateInformation;
-    mutable std::mutex updateInformationMutex; // the array alone
+    mutable std::mutex updateInformationMutex; // guards only the array
 };
 
 } // namespace koro::internal

@@ -22,7 +22,7 @@ public:
         const char* description) override;
     void OnFirmwareUpdateProgressStepPartialProgress(
         GENAPI_NAMESPACE::EFirmwareUpdateProgressStepType step, double percent) override;
-    // The duration is not handed on.
+    // The duration is not passed on.
     void OnFirmwareUpdateProgressStepEnd(
         GENAPI_NAMESPACE::EFirmwareUpdateProgressStepType step, unsigned int duration_ms) override;
     void OnFirmwareUpdateEnd() override;

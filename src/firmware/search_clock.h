@@ -13,7 +13,7 @@ class SearchClock
 public:
     virtual ~SearchClock() = default;
 
-    // Since any point in the past; never goes back.
+    // Counted from any point in the past; never goes back.
     virtual std::uint64_t Now_ns() const
     {
         const std::chrono::nanoseconds now = std::chrono::steady_clock::now().time_since_epoch();

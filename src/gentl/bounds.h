@@ -21,7 +21,7 @@ inline constexpr ClaimBound chunksBound{"chunks of one buffer", 65536};
 inline constexpr ClaimBound partsBound{"parts of one buffer", 65536};
 inline constexpr ClaimBound childrenBound{"children of one module", 65536};
 
-// Throws when `claimed` lies above the bound; `function` is the GenTL function that made the claim.
+// Throws when `claimed` exceeds the bound; `function` is the GenTL function that returned it.
 void CheckClaim(const ClaimBound& bound, std::uint64_t claimed, const char* function);
 
 } // namespace koro::internal

@@ -36,12 +36,12 @@ public:
     TGenTLChildManager& operator=(const TGenTLChildManager&) = delete;
     virtual ~TGenTLChildManager() = default;
 
-    // Walks the producer's list at the first call and whenever the producer reports a change. The new list is
-    // published before the first callback; all lost ones come before all found ones, and found ones in the
-    // producer's order. A failure leaves the published list and reports nothing. Inside a found or lost callback the
-    // update returns before its reports are delivered, and throws the standard deadlock error when too many updates
-    // from inside callbacks have found something; see gentl/report_queue.h. Once the owner has been ended, be it by a
-    // callback, no callback begins any more, and the update succeeds all the same.
+    // Reads the producer's list at the first call and whenever the producer reports a change. The new list is published
+    // before the first callback; all lost callbacks come before all found callbacks, and found ones in the producer's
+    // order. A failure leaves the published list and reports nothing. Inside a found or lost callback the update
+    // returns before its reports are delivered, and throws the standard deadlock error when too many updates from
+    // inside callbacks have found something; see gentl/report_queue.h. After the owner has been ended, for example by a
+    // callback, no further callback begins, and the update succeeds nevertheless.
     void UpdateChildren(std::uint64_t timeout_ms)
     {
         const auto parent = HoldParent();
@@ -81,25 +81,25 @@ public:
 protected:
     explicit TGenTLChildManager(GenTLCaller genTLCaller) : caller(std::move(genTLCaller)) {}
 
-    // The same for the owner itself, who may be the last to hold its parent.
+    // The same for the owner itself, which may be the last object that holds its parent.
     std::vector<std::shared_ptr<Descriptor>> ListedChildren() const
     {
         const std::lock_guard lock(listMutex);
         return children;
     }
 
-    // What the owner supplies. The names stand in the messages of failures.
+    // Functions that the owner supplies. The names appear in error messages.
     virtual GenTL::GC_ERROR ProducerUpdateChildren(GenTL::bool8_t* changed, std::uint64_t timeout_ms) = 0;
     virtual GenTL::GC_ERROR ProducerNumChildren(std::uint32_t* count) = 0;
     virtual GenTL::GC_ERROR ProducerChildID(Index index, Key* id) = 0;
     virtual const char* UpdateFunctionName() const = 0;
     virtual const char* NumChildrenFunctionName() const = 0;
     virtual const char* ChildIDFunctionName() const = 0;
-    // The owner's own parent, held for the length of each public operation; throws when it has gone.
+    // The parent of the owner, held during each public operation; throws when it has ended.
     virtual std::shared_ptr<const void> HoldParent() const = 0;
     // The owner itself; throws std::bad_weak_ptr when it is being destroyed.
     virtual std::shared_ptr<Parent> SharedOwner() = 0;
-    // Whether the owner lives only for the calls that are inside.
+    // Whether the owner is alive only for running calls.
     virtual bool IsOwnerEnded() const = 0;
 
 private:
@@ -119,8 +119,9 @@ private:
         return Walk(count);
     }
 
-    // A child that stayed leaves `childrenByKey` at once. A failure half way therefore makes the next walk take the
-    // ones matched so far for new: they are reported as found, and their old objects go without a lost report.
+    // A child that is still there is removed from `childrenByKey` at once. After a failure in the middle the next
+    // update therefore takes the children that were matched before for new ones: they are reported as found, and their
+    // old objects end without a lost report.
     bool Walk(std::uint32_t count)
     {
         std::vector<ReportQueue::Report> found;
@@ -154,7 +155,7 @@ private:
         return hasNews;
     }
 
-    // Of those that are left. They end with their reports, outside of the lock.
+    // The reports of the remaining children, which end with their reports, outside of the lock.
     std::vector<ReportQueue::Report> LostReports()
     {
         std::vector<ReportQueue::Report> lost;
@@ -177,13 +178,13 @@ private:
     FoundCallbacks foundCallbacks;
     LostCallbacks lostCallbacks;
     ReportQueue reports;
-    mutable std::mutex
-        listMutex; // guards children and childrenByKey; of ours, only that of `reports` is taken under it
+    mutable std::mutex listMutex; // guards children and childrenByKey; the only lock of the library that is taken under
+                                  // it is that of `reports`
     std::atomic<bool> updatedOnce{false};
 };
 
-// The id of a child in the string form of the standard: one query for the size, one for the text.
-// `query(buffer, size)` is the producer's function with all other arguments bound.
+// The id of a child as a string, by the rules of the standard: one query for the size, one for the text. `query(buffer,
+// size)` is the producer's function with all other arguments bound.
 template <class Query>
 GenTL::GC_ERROR QueryTextID(Query&& query, const char* function, std::string* id)
 {

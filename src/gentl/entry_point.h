@@ -11,16 +11,16 @@
 namespace koro::internal
 {
 
-// Answer for a function that the producer does not offer; lies outside the standard's GC_ERROR values.
+// The result of a function that the producer does not offer; lies outside the standard's GC_ERROR values.
 inline constexpr GenTL::GC_ERROR notImplementedCode = INT32_MIN;
 
-// The last call through any proxy that was refused on this thread: 0 means that the last one reached a producer.
+// The last refused call through any proxy on this thread: 0 means that the last call reached a producer.
 void ClearRefusedCall() noexcept;
-// Remembers the refusal with its text and returns notImplementedCode.
+// Stores the refusal with its text and returns notImplementedCode.
 GenTL::GC_ERROR RefuseCall(const std::string& ctiPath, const char* function);
 [[noreturn]] void ThrowMissingFunction(const std::string& ctiPath, const char* function);
-// To be called in a catch clause around a producer's function: nothing that a producer throws may pass for an
-// exception of ours, nor live longer than the producer's code.
+// Call it in a catch clause around a producer's function: an exception of a producer must not be taken for one of the
+// library, and must not outlive the producer's code.
 [[noreturn]] void RethrowProducerException();
 
 template <class Signature>
@@ -66,8 +66,8 @@ protected:
 template <class Signature>
 class CoreEntryPoint;
 
-// A function that every producer has to offer. One that is missing all the same, which only a producer of unknown
-// version gets away with at load, ends in an InternalErrorException.
+// A function that every producer must offer. A producer of unknown version may lack it without failing to load; the
+// call then throws an InternalErrorException.
 template <class... Parameters>
 class CoreEntryPoint<GenTL::GC_ERROR(Parameters...)> : public EntryPoint<GenTL::GC_ERROR(Parameters...)>
 {
@@ -87,14 +87,14 @@ public:
 template <class Signature>
 class OptionalEntryPoint;
 
-// A function of a later version of the standard: notImplementedCode where the producer lacks it.
+// A function of a later version of the standard; returns notImplementedCode if the producer lacks it.
 template <class... Parameters>
 class OptionalEntryPoint<GenTL::GC_ERROR(Parameters...)> : public EntryPoint<GenTL::GC_ERROR(Parameters...)>
 {
 public:
     using EntryPoint<GenTL::GC_ERROR(Parameters...)>::EntryPoint;
 
-    // The number counts, also when the producer itself answers it.
+    // Only the number counts, even if the producer itself returned it.
     static constexpr bool IsRefusal(GenTL::GC_ERROR result) { return result == notImplementedCode; }
 
     GenTL::GC_ERROR operator()(Parameters... parameters) const

@@ -22,7 +22,7 @@ bool Contains(const std::vector<std::string>& texts, const std::string& text)
     return std::find(texts.begin(), texts.end(), text) != texts.end();
 }
 
-// Sorted by the bytes of the path, each once.
+// Sorted by the bytes of the path, without duplicates.
 std::vector<std::string> FindCandidates(std::string_view variable)
 {
     std::vector<std::string> candidates;

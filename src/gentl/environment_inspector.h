@@ -22,9 +22,9 @@ public:
 
     static EnvironmentInspector& Shared();
 
-    // Walks the variable's folders and changes the list by the difference: entries that are still there stay in
-    // front, in their order; new ones stand behind them, sorted. Only new ones are tested, one after the other, with
-    // the lock held. Throws NotFoundException when the variable is not set.
+    // Reads the folders of the variable and updates the list: entries that still exist stay first, in their order; new
+    // ones follow, sorted. Only new ones are tested, one after the other, while the lock is held. Throws
+    // NotFoundException when the variable is not set.
     void UpdateCTIPaths(const UsabilityTest& isUsable);
 
     // A copy of the list, which is empty before the first update.
@@ -38,12 +38,12 @@ private:
 // The non-empty pieces between the separators ':' and ';'.
 std::vector<std::string> SplitProducerFolders(std::string_view variable);
 
-// Runs of slashes become one, except exactly two in front of a name.
+// Several slashes in a row become one, except exactly two before a name.
 std::string StoredPathForm(std::string_view path);
 
-// The canonical paths of the plain files directly in `folder` whose names end in ".cti", in no order. None for a
-// folder that is absent, unreadable or has a path of 258 characters and more. Throws the file system's error for an
-// entry without canonical form.
+// The canonical paths of the plain files directly in `folder` whose names end in ".cti", in no defined order. None for
+// a folder that does not exist, is unreadable or has a path of 258 characters or more. Throws the file system's error
+// for an entry without canonical form.
 std::vector<std::string> ListProducerFiles(const std::string& folder);
 
 } // namespace koro::internal

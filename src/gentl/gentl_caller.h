@@ -20,7 +20,7 @@ class GenTLCaller
 public:
     explicit GenTLCaller(std::shared_ptr<const GenTLProxy> genTLProxy) : proxy(std::move(genTLProxy)) {}
 
-    // The function's own result. Throws Exception when the producer lacks an optional function.
+    // Returns the function's result. Throws Exception when the producer lacks an optional function.
     template <auto Function, class... Arguments>
     GenTL::GC_ERROR Result(Arguments... arguments) const
     {
@@ -30,21 +30,21 @@ public:
         return result;
     }
 
-    // The function under the standard check.
+    // Calls the function with the standard check.
     template <auto Function, class... Arguments>
     void Call(Arguments... arguments) const
     {
         Check<Function>(Result<Function>(arguments...));
     }
 
-    // The standard check for a result that was looked at before.
+    // The standard check of a result that the caller has examined before.
     template <auto Function>
     void Check(GenTL::GC_ERROR result) const
     {
         CheckResult(((*proxy).*Function).Name(), result, *proxy);
     }
 
-    // For destructors: a close that fails reaches nobody.
+    // For destructors: the failure of a close is ignored.
     template <auto Function, class... Arguments>
     void CallIgnoringFailures(Arguments... arguments) const noexcept
     {

@@ -73,7 +73,7 @@ std::string DescribeError(GenTL::GC_ERROR code)
 
 ProducerError FetchProducerError(const GenTLProxy& proxy)
 {
-    // What remains where nobody writes the code, such as for a refused call.
+    // The default if the function does not write the code, for example for a refused call.
     GenTL::GC_ERROR code = GenTL::GC_ERR_ERROR;
     std::size_t size = 0;
     CheckLastErrorQuery(proxy.GCGetLastError(&code, nullptr, &size));
@@ -115,7 +115,7 @@ void ThrowProducerError(const char* function, const ProducerError& error)
         throw BufferTooSmallException(message);
     case GenTL::GC_ERR_INVALID_VALUE:
         throw OutOfRangeException(message);
-    default: // a time-out too: where it is one, the caller tests for it first
+    default: // includes a timeout: callers for which it is one check for it before
         throw InternalErrorException(message);
     }
 }

@@ -12,7 +12,7 @@ namespace koro::internal
 
 struct ProducerError
 {
-    GenTL::GC_ERROR code; // as GCGetLastError delivers it: it decides the exception, not the result of the call
+    GenTL::GC_ERROR code; // as GCGetLastError returns it: this code decides the exception, not the result of the call
     std::string text;
 };
 
@@ -23,7 +23,7 @@ const char* DataTypeName(GenTL::INFO_DATATYPE dataType);
 // "<number> (<name>)".
 std::string DescribeError(GenTL::GC_ERROR code);
 
-// The producer's last error of this thread. Throws InternalErrorException when GCGetLastError itself fails.
+// The producer's last error on this thread. Throws InternalErrorException when GCGetLastError itself fails.
 ProducerError FetchProducerError(const GenTLProxy& proxy);
 
 // "[Function: <function> | Error-Code: <number> (<name>) | Error-Text: <text>]"

@@ -35,7 +35,8 @@ void ThrowMissingFunction(const std::string& ctiPath, const char* function)
     throw InternalErrorException("The instrumented TL (" + ctiPath + ") does not implement " + function + "()!");
 }
 
-// The unwinding of a cancelled thread has no object, so its reference binds to null: nothing for the sanitizer.
+// The unwinding of a cancelled thread has no exception object, so its reference binds to null, which the sanitizer must
+// not report.
 __attribute__((no_sanitize("null"))) void RethrowProducerException()
 {
     try
@@ -44,7 +45,7 @@ __attribute__((no_sanitize("null"))) void RethrowProducerException()
     }
     catch (const abi::__forced_unwind&)
     {
-        throw; // a cancelled thread has to unwind to its end
+        throw; // a cancelled thread must unwind to its end
     }
     catch (const std::exception& exception)
     {
@@ -104,8 +105,8 @@ void GenTLProxy::BindCore()
         DSClose, DSRevokeBuffer, DSQueueBuffer, DSGetBufferInfo);
 }
 
-// What a group needs is tested on the two numbers separately: a producer that claims 2.0 is held to the core alone.
-// One of unknown version gets what it happens to have, up to 1.4.
+// The requirements of a group are compared with the two numbers separately: a producer that claims 2.0 must offer only
+// the core. A producer of unknown version gets all functions that it has, up to 1.4.
 void GenTLProxy::BindVersionGroups()
 {
     const bool isUnknown = !versionQuerySucceeded;

@@ -18,9 +18,9 @@ namespace koro::internal
 class GenTLProxy
 {
 public:
-    // Loads the file, asks for the version that the producer claims and binds what that claim promises.
-    // Throws CTILoadingException when the file cannot be loaded, std::runtime_error when it breaks its claim; the
-    // file is closed again in either case, and unloaded if its GCInitLib has not succeeded.
+    // Loads the file, queries the version that the producer claims and binds the functions of that version. Throws
+    // CTILoadingException when the file cannot be loaded, std::runtime_error when a function of its version is missing;
+    // in both cases the file is closed again, and unloaded if its GCInitLib has not succeeded.
     explicit GenTLProxy(const std::string& path);
     GenTLProxy(const GenTLProxy&) = delete;
     GenTLProxy& operator=(const GenTLProxy&) = delete;
@@ -32,8 +32,8 @@ public:
     // "V1.5", or "V (query not implemented)".
     std::string VersionText() const;
 
-    // As the standard's function. After a call that the proxy refused on this thread it answers for the producer,
-    // with the text of the refusal and without writing the code.
+    // Works like the standard's function. After a refused call on this thread it answers instead of the producer, with
+    // the text of the refusal and without writing the code.
     GenTL::GC_ERROR GCGetLastError(GenTL::GC_ERROR* errorCode, char* text, std::size_t* size) const;
 
 #define KORO_CORE_FUNCTION(function)                                                                                   \
@@ -124,7 +124,7 @@ private:
     {
         BindIf(true, entryPoints...);
     }
-    // Those that are left unbound know the file all the same, for the text of a refusal.
+    // Unbound functions know the file too, for the text of a refusal.
     template <class... EntryPoints>
     void BindIf(bool isOffered, EntryPoints&... entryPoints)
     {
@@ -139,7 +139,7 @@ private:
 
     const std::string ctiPath;
     const SharedObject library;
-    // False as long as the version is unknown: then a missing function is no broken promise.
+    // False while the version is unknown: a missing function is then not a violation.
     bool versionQuerySucceeded = false;
     std::uint32_t genTLVersionMajor = 0;
     std::uint32_t genTLVersionMinor = 0;

@@ -18,7 +18,7 @@
 namespace koro::internal
 {
 
-// An answer as the producer delivered it, unchecked.
+// The result of a query as the producer delivered it, unchecked.
 struct RawInfo
 {
     std::int32_t dataType; // INFO_DATATYPE of the standard
@@ -32,7 +32,8 @@ public:
     InfoAccessor& operator=(const InfoAccessor&) = delete;
     virtual ~InfoAccessor() = default;
 
-    // Any command, also a producer's own. Throws IOException, NotFoundException or InternalErrorException.
+    // Accepts any command, including producer-specific ones. Throws IOException, NotFoundException or
+    // InternalErrorException.
     RawInfo Info(std::int32_t command) const;
 
 protected:
@@ -43,11 +44,11 @@ protected:
         std::int32_t command, GenTL::INFO_DATATYPE* dataType, void* buffer, std::size_t* size) const = 0;
     virtual const char* QueryName() const = 0;
     virtual const char* CommandName(std::int32_t command) const = 0;
-    // Of what the producer may claim as the size of an answer.
+    // The bound for the size that the producer may claim.
     virtual const ClaimBound& BoundOf(std::int32_t command) const;
 
-    // The value of a fixed size; throws InternalErrorException when type or size differ from the expected ones.
-    // INFO_DATATYPE_UNKNOWN passes for any type, since some producers leave the type unset.
+    // A value of fixed size; throws InternalErrorException when type or size differ from the expected ones.
+    // INFO_DATATYPE_UNKNOWN is accepted for any type, since some producers do not set the type.
     template <class Value>
     Value NumericInfo(std::int32_t command, GenTL::INFO_DATATYPE expectedDataType) const
     {
@@ -61,10 +62,10 @@ protected:
     bool BooleanInfo(std::int32_t command) const;
     // The text up to the first zero.
     std::string StringInfo(std::int32_t command) const;
-    // Bytes of any number, of the type INFO_DATATYPE_BUFFER.
+    // Any number of bytes, of the type INFO_DATATYPE_BUFFER.
     std::vector<std::uint8_t> BufferInfo(std::int32_t command) const;
 
-    // Throws by the rule for info queries, with `function` as the name in the message.
+    // Throws according to the rule for information queries, with `function` as the name in the message.
     [[noreturn]] void ThrowInfoError(const char* function, std::int32_t command) const;
 
     const GenTLCaller gentl;

@@ -120,7 +120,7 @@ GC_ERROR Port::ProducerNumChildren(std::uint32_t* count)
     return gentl.Result<&GenTLProxy::GCGetNumPortURLs>(handle, count);
 }
 
-// URLs have no id of their own: the index stands for it.
+// URLs have no id: the index is used instead.
 GC_ERROR Port::ProducerChildID(std::uint32_t index, std::uint32_t* id)
 {
     *id = index;

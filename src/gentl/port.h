@@ -34,15 +34,15 @@ public:
     std::string ModuleName() const;
     std::string Version() const;
     std::string Name() const;
-    // 1 when the port says that it is little or that it is big endian, 0 when it says neither.
+    // 1 when the port reports little or big endian, 0 when it reports neither.
     std::int32_t DataEndianness() const;
     bool IsReadable() const;
     bool IsWritable() const;
     bool IsAvailable() const;
     bool IsImplemented() const;
 
-    // One transfer is one call of the producer. Success means that all of `size` was honoured: what the producer
-    // writes back as size is not looked at.
+    // Each transfer is one call of the producer. Success means that all `size` bytes were transferred: the size that
+    // the producer writes back is ignored.
     std::vector<std::uint8_t> Read(std::uint64_t address, std::size_t size) const;
     void Read(void* buffer, std::uint64_t address, std::size_t size) const;
     void Write(std::uint64_t address, const std::vector<std::uint8_t>& bytes) const;

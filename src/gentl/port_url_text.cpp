@@ -13,7 +13,7 @@ namespace koro::internal
 namespace
 {
 
-// Every delimiter ends a token, and what follows the last one is a token too: "a;b;" has three.
+// Every delimiter ends a token, and the rest after the last one is a token too: "a;b;" has three.
 std::vector<std::string> Split(std::string_view text, char delimiter)
 {
     std::vector<std::string> tokens;

@@ -13,7 +13,7 @@
 namespace koro::internal
 {
 
-// URL_SCHEME_LOCAL, URL_SCHEME_HTTP or URL_SCHEME_FILE; the letter case does not count.
+// URL_SCHEME_LOCAL, URL_SCHEME_HTTP or URL_SCHEME_FILE; upper and lower case are equal.
 std::optional<std::int32_t> ParseURLScheme(const std::string& url);
 // Without scheme and leading slashes; may be an empty text.
 std::optional<std::string> ParseURLFileName(const std::string& url);

@@ -13,7 +13,7 @@ namespace koro::internal
 namespace
 {
 
-constinit thread_local int numReportsInside = 0; // that this thread is inside, of all queues
+constinit thread_local int numReportsInside = 0; // the number of reports that this thread is inside, of all queues
 
 struct Inside
 {
@@ -72,7 +72,7 @@ void ReportQueue::Deliver()
     if (failure) std::rethrow_exception(failure);
 }
 
-// Counts the one before as delivered; gives the turn away when there is none any more.
+// Counts the previous report as delivered. If there is no other one, another thread may deliver.
 bool ReportQueue::TakeNext(Report& report)
 {
     Report next;
@@ -85,7 +85,7 @@ bool ReportQueue::TakeNext(Report& report)
         queued.pop_front();
     }
     changed.notify_all();
-    report.swap(next); // what was delivered is dropped after the lock
+    report.swap(next); // the delivered report is released after the lock
     return isDelivering;
 }
 

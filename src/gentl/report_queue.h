@@ -21,15 +21,15 @@ class ReportQueue
 public:
     using Report = std::function<void()>;
 
-    // Of additions from inside reports, in the course of one delivery.
+    // The limit of additions from inside reports during one delivery.
     static constexpr std::uint64_t maxAdditionsInside = 1000;
 
-    // Throws the standard deadlock error where one more addition from inside a report would be too many.
+    // Throws the standard deadlock error when one more addition from inside a report would exceed the limit.
     void RefuseEndlessAdditions() const;
     void Add(std::vector<Report> reports);
-    // Returns when all has been delivered that was there at the call; at once where another thread, or this one
-    // further out, is delivering and this one must not wait. What a report throws comes at the end, the first of
-    // it, out of the delivery that it was part of; no report is left out for it.
+    // Returns when all reports that existed at the call have been delivered. Returns at once when another thread, or an
+    // outer call on this thread, is delivering and this call must not wait. If reports throw, the first exception is
+    // rethrown at the end of the delivery that contained it; the other reports are still delivered.
     void Deliver();
 
 private:
@@ -41,7 +41,7 @@ private:
     std::deque<Report> queued;
     std::uint64_t numAdded = 0;
     std::uint64_t numDelivered = 0;
-    std::uint64_t numAdditionsInside = 0; // of the delivery that is running
+    std::uint64_t numAdditionsInside = 0; // in the current delivery
     bool isDelivering = false;
 };
 

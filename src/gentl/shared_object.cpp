@@ -19,13 +19,13 @@ namespace koro::internal
 namespace
 {
 
-// The loader sets no number for every failure of its own.
+// The loader does not set an error number for each of its failures.
 std::string ErrorNumberText(int number)
 {
     return number == 0 ? "<not available>" : std::to_string(number);
 }
 
-// The loader would wait there until somebody writes.
+// The loader would wait until another process writes.
 bool IsPipeOrDevice(const std::string& path)
 {
     struct stat status
@@ -39,8 +39,8 @@ bool ReachesBeyond(std::uint64_t fileSize, const Elf64_Phdr& segment)
     return segment.p_offset > fileSize || segment.p_filesz > fileSize - segment.p_offset;
 }
 
-// A file whose copying was interrupted. The loader maps what is not there and the process ends by a signal, so it
-// is not asked. What is no ELF file at all is the loader's to refuse.
+// A file that was copied only in part. The loader would map the missing part and the process would end by a signal, so
+// the file is not loaded. A file that is not ELF at all is left to the loader to refuse.
 bool IsCutShort(const std::string& path)
 {
     std::ifstream file(path, std::ios::binary | std::ios::ate);
@@ -94,7 +94,8 @@ SharedObject::FoundSymbol SharedObject::Symbol(const char* name) const
     return {nullptr, ErrorNumberText(number)};
 }
 
-// The file is named as the loader knows it, so that one that was replaced on the disk meanwhile is not taken for it.
+// The file is named as the loader knows it, so that a file which has replaced it on the disk meanwhile is not mistaken
+// for it.
 void SharedObject::KeepMapped() const noexcept
 {
     const link_map* loaded = nullptr;

@@ -22,14 +22,15 @@ public:
     struct FoundSymbol
     {
         void* address;           // null when absent
-        std::string errorNumber; // why, as messages print it; empty when found
+        std::string errorNumber; // the reason, as messages print it; empty when found
     };
 
-    // No exception when absent: whether that matters depends on the GenTL version that the producer claims.
+    // Does not throw when the symbol is missing: whether that is an error depends on the GenTL version that the
+    // producer claims.
     FoundSymbol Symbol(const char* name) const;
 
-    // The file's code stays in the process to its end. For a producer that has started: it may have left threads
-    // behind, and they would go on in unmapped code.
+    // Keeps the file's code mapped until the process ends. Used for a producer that has started: it may have left
+    // threads running, which would continue in unmapped code.
     void KeepMapped() const noexcept;
 
 private:

@@ -220,7 +220,7 @@ std::shared_ptr<const Buffer::PartList> Buffer::Parts() const
     return parts;
 }
 
-// The old list goes after the lock.
+// The old list is released after the lock.
 template <class List>
 void Buffer::Exchange(std::shared_ptr<const List>& list, std::shared_ptr<const List> newList)
 {
@@ -265,8 +265,8 @@ void Buffer::Revoke(DS_HANDLE streamHandle)
     revoked = true;
 }
 
-// The key belongs to this map as long as the buffer keeps the callback: memory of an object that somebody holds weakly
-// is not used again.
+// The key belongs to this map while the buffer stores the callback: the memory of an object is not used again while a
+// weak reference to it exists.
 bool Buffer::DetachAtRevocation(const std::shared_ptr<NodeMap>& nodeMap)
 {
     return AddRevocationCallback(nodeMap.get(), [map = std::weak_ptr(nodeMap)](BUFFER_HANDLE handle, void*, void*) {

@@ -49,7 +49,7 @@ public:
     std::string TLType() const override;
     std::size_t ExpectedDataSize() const;           // bytes
     std::size_t DeliveredDataSize() const override; // bytes
-    std::size_t Width() const;                      // pixels, as the next three
+    std::size_t Width() const;                      // pixels, like the next three
     std::size_t Height() const;
     std::size_t XOffset() const;
     std::size_t YOffset() const;
@@ -67,14 +67,14 @@ public:
     std::uint64_t ChunkLayoutID() const override;
     std::string FileName() const;
     bool HasChunks() const override;
-    // Throws NoDataException where the producer says so.
+    // Throws NoDataException when the producer reports that there is no data.
     bool HasParts() const;
 
     // Nothing else updates the two lists: until the next call they describe the earlier contents of the buffer.
     void UpdateChunks();
     void UpdateParts();
-    // In the producer's order, which is not asked. Empty before the first update; never null. An update makes a new
-    // list, so that asking for each element of a long one copies nothing.
+    // In the producer's order. Empty before the first update; never null. An update creates a new list, so access to
+    // each element of a long list copies nothing.
     using ChunkList = std::vector<std::shared_ptr<BufferChunk>>;
     using PartList = std::vector<std::shared_ptr<BufferPart>>;
     std::shared_ptr<const ChunkList> Chunks() const;
@@ -93,9 +93,10 @@ public:
 
     bool DetachAtRevocation(const std::shared_ptr<NodeMap>& nodeMap) override;
 
-    // Called by the stream alone, with its handle. On success every callback has run and the object is dead.
+    // Called only by the stream, with its handle. On success every callback has run and the object can no longer be
+    // used.
     void Revoke(GenTL::DS_HANDLE streamHandle);
-    // None of those that were added is called any more.
+    // The callbacks that were added are not called any more.
     void DropRevocationCallbacks();
 
     std::shared_ptr<DataStream> ParentStream() const;
@@ -115,9 +116,9 @@ private:
     std::unordered_map<const void*, RevocationCallback> TakeRevocationCallbacks();
 
     const std::weak_ptr<DataStream> parent;
-    std::atomic<bool> revoked{false}; // from then on the parent counts as gone
+    std::atomic<bool> revoked{false}; // once set, the parent counts as ended
 
-    // Guards the next two; not held while callbacks run, which may take the locks of node maps.
+    // Guards the next two fields; not held while callbacks run, which may take the locks of node maps.
     std::mutex revocationLock;
     std::unordered_map<const void*, RevocationCallback> revocationCallbacks;
     bool isRevocationTold = false;

@@ -12,7 +12,7 @@ BufferChunk::BufferChunk(const GenTL::SINGLE_CHUNK_DATA& record, const std::weak
 
 void* BufferChunk::BasePtr() const
 {
-    // In numbers: what a producer calls an offset may lead anywhere, where no pointer may be computed.
+    // Computed as a number: a producer's offset may lead anywhere, where no pointer may be computed.
     const auto base = reinterpret_cast<std::uintptr_t>(ParentBuffer()->BasePtr());
     return reinterpret_cast<void*>(base + static_cast<std::uintptr_t>(offset));
 }

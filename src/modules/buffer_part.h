@@ -29,7 +29,7 @@ public:
     std::int32_t Type() const;
     std::uint64_t Format() const;
     std::uint64_t FormatNamespace() const;
-    std::size_t Width() const; // pixels, as the next three
+    std::size_t Width() const; // pixels, like the next three
     std::size_t Height() const;
     std::size_t XOffset() const;
     std::size_t YOffset() const;

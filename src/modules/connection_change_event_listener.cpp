@@ -26,7 +26,7 @@ namespace
 
 constexpr EVENT_TYPE connectionChangeEvent = EVENT_CUSTOM_ID;
 
-// Empty when the producer does not have the event, or has another one by its number.
+// Empty when the producer does not have the event, or uses its number for another one.
 std::shared_ptr<EventController> RegisterEvent(
     const std::weak_ptr<EventSupportingModule>& weakSystem, const std::shared_ptr<const GenTLProxy>& proxy)
 {
@@ -45,24 +45,24 @@ std::shared_ptr<EventController> RegisterEvent(
 
 } // namespace
 
-// All that the thread touches.
+// Everything that the thread uses.
 struct ConnectionChangeEventListener::Delivery
 {
-    static constinit thread_local const Delivery* current; // of the thread of a listener; null on others
+    static constinit thread_local const Delivery* current; // set on the thread of a listener; null on others
 
     explicit Delivery(std::shared_ptr<EventController> controller) : events(std::move(controller)) {}
 
     void Run(std::promise<void> started);
     bool IsOnItsThread() const noexcept { return current == this; }
     void DeliverNext();
-    // After a wait that failed: a producer that refuses each one at once must not keep a processor busy.
+    // Waits after a failure: a producer that refuses each wait at once must not keep a processor busy.
     void Pause();
     void EndRunning();
 
     const std::shared_ptr<EventController> events; // empty when the event is not available
     Subscribers subscribers;
     std::atomic<bool> running{false};
-    std::mutex pauseMutex; // for `runningChanged` alone
+    std::mutex pauseMutex; // only for `runningChanged`
     std::condition_variable runningChanged;
 };
 
@@ -154,8 +154,8 @@ ConnectionChangeEventListener::~ConnectionChangeEventListener()
         Stop();
         return;
     }
-    // A callback on this thread held the system when everybody else had let it go. The thread ends when it comes back
-    // from the callback, with what it shares.
+    // A callback on this thread was the last to hold the system. The thread ends when it returns from the callback,
+    // together with the data that it shares.
     delivery->EndRunning();
     thread.detach();
 }

@@ -24,12 +24,12 @@ class ConnectionChangeEventListener
 {
 public:
     using Record = ZVR_GenTL::S_EVENT_DEVICE_CONNECTION_CHANGE_DATA;
-    // The record lives for the length of the call. Subscribers run under the registry's mutex, one record after the
-    // other; what one throws ends the round of its record.
+    // The record is valid only during the call. Subscribers run under the registry's mutex, one record after the other;
+    // an exception of one ends the calls for its record.
     using Subscribers = TCallbackManager<const Record*>;
 
-    // Registers the event; throws what the producer's failure gives unless that is the answer of one that does not
-    // know the event.
+    // Registers the event. Throws the exception of the producer's failure, unless the failure means that the producer
+    // does not have the event.
     ConnectionChangeEventListener(
         const std::weak_ptr<EventSupportingModule>& system, const std::shared_ptr<const GenTLProxy>& proxy);
     ~ConnectionChangeEventListener();
@@ -38,17 +38,18 @@ public:
 
     bool IsAvailable() const noexcept;
 
-    // The first subscriber starts the thread, which discards what is in the event's queue. Throws NotAvailableException
-    // without the event, InternalErrorException after Stop(), std::system_error when no thread is to be had, what the
-    // discarding throws, and the standard deadlock error inside a delivery; nobody is subscribed then.
+    // The first subscriber starts the thread, which discards the events in the queue. Throws NotAvailableException
+    // without the event, InternalErrorException after Stop(), std::system_error when no thread can be started, any
+    // exception of the discarding, and the standard deadlock error inside a delivery; in each case nothing is
+    // subscribed.
     Subscribers::Handle Subscribe(Subscribers::Function function);
-    // Waits for a delivery that is under way; the last one ends the thread. Throws the standard deadlock error inside a
-    // delivery; the subscription stands then.
+    // Waits for a running delivery; the last unsubscription ends the thread. Throws the standard deadlock error inside
+    // a delivery; the subscription then stays.
     void Unsubscribe(Subscribers::Handle handle);
-    // Ends the thread for good: an open that is under way on another thread must not bring it back. The subscriptions
-    // stay and are not called any more. Throws the standard deadlock error inside a delivery.
+    // Ends the thread for good: opening an interface on another thread must not start it again. The subscriptions stay
+    // but are not called any more. Throws the standard deadlock error inside a delivery.
     void Stop();
-    // That error alone.
+    // Throws only that error.
     void RefuseInsideDelivery() const;
 
 private:
@@ -57,10 +58,10 @@ private:
     void Start();
     void EndThread();
 
-    const std::shared_ptr<Delivery> delivery; // the thread's too
-    std::mutex threadMutex; // starting and stopping; not taken by the thread, nor while a registry's mutex is held
+    const std::shared_ptr<Delivery> delivery; // shared with the thread
+    std::mutex threadMutex; // for starting and stopping; not taken by the thread, nor while a registry's mutex is held
     std::thread thread;
-    bool isStopped = false; // guarded by threadMutex; from Stop() on
+    bool isStopped = false; // guarded by threadMutex; true after Stop()
 };
 
 } // namespace koro::internal

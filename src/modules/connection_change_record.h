@@ -15,7 +15,7 @@ namespace ZVR_GenTL
 #pragma pack(push, 1)
 struct S_EVENT_DEVICE_CONNECTION_CHANGE_DATA
 {
-    GenTL::IF_HANDLE interface; // that the record is for
+    GenTL::IF_HANDLE interface; // the interface to which the record belongs
     std::uint8_t notRead8[8];
     char deviceID[256];       // as IFGetDeviceID returns it
     std::uint16_t changeKind; // 1: connected; any other number: disconnected

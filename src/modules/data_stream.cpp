@@ -21,7 +21,7 @@ void CheckNotEmpty(const std::shared_ptr<Buffer>& buffer)
     if (!buffer) throw InvalidArgumentException("Buffer is an empty shared pointer!");
 }
 
-// The first field of the block; the user pointer behind it is not read.
+// The first field of the block; the user pointer after it is not read.
 BUFFER_HANDLE FinishedBufferHandle(const std::vector<std::uint8_t>& block)
 {
     BUFFER_HANDLE handle = GENTL_INVALID_HANDLE;
@@ -37,7 +37,7 @@ BUFFER_HANDLE FinishedBufferHandle(const std::vector<std::uint8_t>& block)
 
 } // namespace
 
-// Every operation holds the device for its own length.
+// Every operation holds the device while it runs.
 template <class Operation>
 decltype(auto) DataStream::WithDevice(Operation&& operation) const
 {
@@ -58,11 +58,11 @@ DataStream::~DataStream()
 {
     try
     {
-        const auto device = parent.lock(); // which others may have ended
+        const auto device = parent.lock(); // other threads may have ended it
         const EndingScope scope({device.get()});
         StopAndReleaseAll();
     }
-    catch (const std::exception&) // reaches nobody, and what could not be released must not be closed over
+    catch (const std::exception&) // the failure is ignored; a stream with unreleased buffers must not be closed
     {
         return;
     }
@@ -198,7 +198,7 @@ std::shared_ptr<Buffer> DataStream::AllocAndAnnounceBuffer(std::size_t bufferSiz
     });
 }
 
-// A buffer that cannot be entered is revoked again.
+// A buffer that cannot be stored is revoked again.
 template <class Announce>
 std::shared_ptr<Buffer> DataStream::Announced(Announce&& announce)
 {
@@ -248,7 +248,7 @@ void DataStream::Withdraw(const std::shared_ptr<Buffer>& buffer) noexcept
         buffer->DropRevocationCallbacks();
         Release(buffer);
     }
-    catch (const std::exception&) // the producer refused: the end of the stream tries it again
+    catch (const std::exception&) // the producer refused: the end of the stream tries again
     {}
 }
 
@@ -257,7 +257,7 @@ void DataStream::Release(const std::shared_ptr<Buffer>& buffer)
     buffer->Revoke(Handle());
     const std::lock_guard lock(buffersLock);
     std::erase(buffers, buffer);
-    // The producer may have given the handle to a newer buffer, which its revocation callback announced.
+    // The producer may have given the handle to a newer buffer that the revocation callback announced.
     const auto entry = buffersByHandle.find(buffer->Handle());
     if (entry != buffersByHandle.end() && entry->second == buffer) buffersByHandle.erase(entry);
 }
@@ -272,7 +272,7 @@ std::shared_ptr<Buffer> DataStream::WaitForFinishedBuffer(std::uint64_t timeout_
             if (HasEndReached()) throw EventController::EndedWait(); // the frame is lost with its stream
             return buffer;
         }
-        catch (const InternalErrorException&) // which may be what the end has left
+        catch (const InternalErrorException&) // possibly caused by the end of the stream
         {
             if (HasEndReached()) throw EventController::EndedWait();
             throw;
@@ -294,7 +294,7 @@ void DataStream::KillWait()
     WithDevice([&] { NewBufferEvents().KillWait(); });
 }
 
-// Either the events are there by now, or the one who makes them sees that waits have ended.
+// Either the events exist by now, or the thread that creates them sees that waits have ended.
 void DataStream::EndWaits() noexcept
 {
     haveWaitsEnded = true;

@@ -56,27 +56,28 @@ public:
     bool DefinesPayloadSize() const;
     bool IsGrabbing() const;
 
-    // The memory stays the caller's until the buffer is revoked; `onRevocation` then runs, on the revoking thread.
+    // The memory belongs to the caller and must stay valid until the buffer is revoked; `onRevocation` then runs, on
+    // the revoking thread.
     std::shared_ptr<Buffer> AnnounceBuffer(
         void* buffer, std::size_t bufferSize, void* userPtr, RevocationCallback onRevocation);
     std::shared_ptr<Buffer> AllocAndAnnounceBuffer(std::size_t bufferSize, void* userPtr);
     void QueueBuffer(const std::shared_ptr<Buffer>& buffer);
-    // Goes to the stream that the buffer was announced to. A refusal of the producer leaves the buffer announced.
+    // Uses the stream that the buffer was announced to. If the producer refuses, the buffer stays announced.
     void RevokeBuffer(const std::shared_ptr<Buffer>& buffer);
-    // Takes an announcement back that failed behind the producer, also on a stream that has been ended meanwhile. The
-    // revocation callback does not run.
+    // Undoes an announcement that failed after the producer had accepted it, even on a stream that has been ended
+    // meanwhile. The revocation callback does not run.
     void Withdraw(const std::shared_ptr<Buffer>& buffer) noexcept;
 
-    // The announced buffer that the producer finished. For one that was announced behind the library's back a new
-    // object, which nobody else holds.
+    // Returns the announced buffer that the producer finished. For a buffer that other code than the library announced
+    // it returns a new object that nothing else holds.
     std::shared_ptr<Buffer> WaitForFinishedBuffer(std::uint64_t timeout_ms);
     void KillWait();
-    // Ends the waits that are inside, as kills do; from now on there is none any more.
+    // Ends the running waits, as kills do; later waits end at once.
     void EndWaits() noexcept override;
-    // Needs a start, wait or kill before; throws InternalErrorException otherwise.
+    // Requires a start, wait or kill before; otherwise throws InternalErrorException.
     void FlushPendingKillWaits();
 
-    // Modes are the standard's flags, passed on unchanged.
+    // Modes are the flags of the standard and are passed on unchanged.
     void StartAcquisition(std::int32_t startMode, std::uint64_t numToAcquire);
     void StopAcquisition(std::int32_t stopMode);
     void Flush(std::int32_t flushMode);
@@ -93,13 +94,13 @@ private:
     std::uint64_t CountInfo(std::int32_t command) const;
     template <class Operation>
     decltype(auto) WithDevice(Operation&& operation) const;
-    // Registers the new-buffer event at the first start, wait or kill; before a start, so that none is missed.
+    // Registers the new-buffer event at the first start, wait or kill; before a start, so that no buffer is missed.
     EventController& NewBufferEvents();
     template <class Announce>
     std::shared_ptr<Buffer> Announced(Announce&& announce);
     bool HasEndReached() const noexcept { return haveWaitsEnded || HasEnded(); }
     std::shared_ptr<Buffer> FindOrWrap(GenTL::BUFFER_HANDLE handle);
-    // Of a buffer of this stream.
+    // Releases a buffer of this stream.
     void Release(const std::shared_ptr<Buffer>& buffer);
     void StopAndReleaseAll();
 
@@ -111,7 +112,7 @@ private:
     std::shared_ptr<EventController> newBufferEvents;
     std::atomic<bool> haveWaitsEnded{false};
 
-    std::mutex buffersLock; // guards the two below; never held during a call of the producer or a callback
+    std::mutex buffersLock; // guards the two fields below; never held during a call of the producer or a callback
     std::vector<std::shared_ptr<Buffer>> buffers; // in the order of announcement
     std::unordered_map<GenTL::BUFFER_HANDLE, std::shared_ptr<Buffer>> buffersByHandle;
 };

@@ -20,7 +20,7 @@ namespace koro::internal
 namespace
 {
 
-// By the name of the port; null for a port without such a file.
+// Selects by the name of the port; null for a port without such a file.
 const char* DebugFileOf(const std::string& portName)
 {
     static constexpr std::pair<const char*, const char*> files[] = {
@@ -35,8 +35,8 @@ const char* DebugFileOf(const std::string& portName)
     return nullptr;
 }
 
-// With its separator at the end. The first place of the file's name is the one that is taken out, also when that
-// is the name of a folder: then nothing is found there.
+// Includes the separator at the end. The first occurrence of the file's name is removed, even if it is the name of a
+// folder: then no file is found.
 std::string FolderOfProducer(const System& system)
 {
     std::string path = system.CTIFullPath();
@@ -46,7 +46,7 @@ std::string FolderOfProducer(const System& system)
     return path;
 }
 
-// Empty when the port has no such file, there or at all.
+// Empty when the port has no such file or the file does not exist.
 std::string DebugFile(Module& module)
 {
     const char* const file = DebugFileOf(module.Port()->Name());
@@ -66,7 +66,7 @@ std::string DebugFile(Module& module)
     return fs::exists(path, error) ? path : std::string();
 }
 
-// One answer about the URL: the producer's, or what the text says, whichever there is.
+// One property of the URL: from the producer, otherwise from the text of the URL.
 template <class Value>
 Value AskOrParse(
     const PortURL& url, const std::string& text, Value (PortURL::*ask)() const,
@@ -91,7 +91,7 @@ void IgnoringFailures(Step&& step)
     {
         step();
     }
-    catch (const Exception&) // one broken description must not cost the others
+    catch (const Exception&) // one broken description must not prevent the others
     {}
 }
 

@@ -47,9 +47,9 @@ public:
     // Read from the producer once in the life of the device.
     std::vector<std::shared_ptr<DataStreamDescriptor>> DataStreams();
 
-    // The same object at each call; a failure leaves the next call to try again.
+    // Returns the same object at each call; after a failure the next call tries again.
     std::shared_ptr<RemoteDevice> GetRemoteDevice();
-    // What the opening has fetched, also when the interface has gone; empty if nothing was.
+    // The remote device that the opening has fetched, even if the interface has ended; empty if there is none.
     std::shared_ptr<RemoteDevice> FetchedRemoteDevice() const
     {
         return remoteDeviceOnce.IsDone() ? remoteDevice : nullptr;

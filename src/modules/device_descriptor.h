@@ -29,30 +29,30 @@ public:
     const std::string& Key() const { return key; }
     std::string ID() const override;
 
-    // Hands the caller's buffer and size straight to the producer, whose size rules apply: a null buffer asks for
-    // the size in bytes with the terminating zero. `size` must not be null.
+    // Passes the caller's buffer and size directly to the producer, whose size rules apply: a null buffer queries the
+    // size in bytes, including the terminating zero. `size` must not be null.
     void RawStringInfo(std::int32_t command, char* buffer, std::size_t* size) const;
 
     std::string DisplayName() const { return StringInfo(GenTL::DEVICE_INFO_DISPLAYNAME); }
     std::string SerialNumber() const { return StringInfo(GenTL::DEVICE_INFO_SERIAL_NUMBER); }
 
-    // Whether the present access status allows an opening with the access type (DEVICE_ACCESS_FLAGS of the
-    // standard). A type other than read-only, control and exclusive is false without a query.
+    // Whether the current access status allows opening with the access type (DEVICE_ACCESS_FLAGS of the standard). A
+    // type other than read-only, control and exclusive returns false without a query.
     bool IsOpenable(std::uint32_t accessType) const;
     // Whether it allows any opening.
     bool IsOpenable() const { return IsOpenable(GenTL::DEVICE_ACCESS_READONLY); }
-    // Answers as for read-only access, on purpose.
+    // Intentionally returns the same as for read-only access.
     bool IsOpenableExclusive() const;
 
     std::shared_ptr<Interface> ParentInterface() const;
 
-    // The access type goes to the producer unchanged. The GVCP command length test runs at once, so the remote device
-    // and both descriptions are fetched: a device without a remote device does not open.
+    // The access type is passed to the producer unchanged. The GVCP command length test runs at once, so the remote
+    // device and both descriptions are fetched: a device without a remote device cannot be opened.
     std::shared_ptr<Device> OpenDevice(std::uint32_t accessType);
-    // The device that was opened last; empty when there is none or it has gone.
+    // The device that was opened last; empty when there is none or it has ended.
     std::shared_ptr<Device> OpenedDevice();
 
-    // Watches the information of the device. At first: access status, user defined name, frequency of the time stamp.
+    // Monitors the information of the device. Initial roles: access status, user-defined name, timestamp frequency.
     using InformationMonitor = TRoleBasedPropertyMonitor<DeviceDescriptor, int, void*>;
     InformationMonitor& Monitor() noexcept { return monitor; }
 
@@ -65,13 +65,13 @@ private:
     const std::string key;
     const std::string id;
     std::mutex openedDeviceMutex;
-    std::weak_ptr<Device> openedDevice; // the one opened last; guarded by openedDeviceMutex
-    InformationMonitor monitor;         // goes first, and with it the thread that asks this object
+    std::weak_ptr<Device> openedDevice; // the device opened last; guarded by openedDeviceMutex
+    InformationMonitor monitor;         // destroyed first, and with it the thread that queries this object
 };
 
 // A registration at the monitor of a descriptor, which it keeps alive. While the monitor's thread runs there is a
-// registration, and its end waits for the thread: so the thread never drops the descriptor itself. The end of the
-// interface ends the thread and leaves the registration. To be ended outside the monitor's callbacks.
+// registration, and its end waits for the thread: so the thread never releases the descriptor itself. The end of the
+// interface ends the thread but not the registration. Do not end it inside the monitor's callbacks.
 class DeviceDescriptorInformationChangedCallback final : public Instance
 {
 public:
@@ -80,14 +80,14 @@ public:
         DeviceDescriptor::InformationMonitor::ChangedCallback callback);
     ~DeviceDescriptorInformationChangedCallback() override;
 
-    // Afterwards the callback does not run any more, whichever thread has ended it. Throws the standard deadlock error
-    // inside a callback of the monitor, which the registration outlasts.
+    // Afterwards the callback does not run any more, even if another thread has unregistered it. Throws the standard
+    // deadlock error inside a callback of the monitor; the registration then stays.
     void Unregister();
 
 private:
     const std::shared_ptr<DeviceDescriptor> descriptor;
-    std::mutex endMutex;    // never taken on the monitor's thread: whoever holds it may be waiting for that
-    void* handle = nullptr; // null when it is taken back; guarded by endMutex
+    std::mutex endMutex;    // never taken on the monitor's thread: its holder may be waiting for that thread
+    void* handle = nullptr; // null after it was unregistered; guarded by endMutex
 };
 
 } // namespace koro::internal

@@ -13,7 +13,7 @@ using namespace GenTL;
 namespace
 {
 
-// Whether the event's data are nodes of the module that the event came from.
+// Whether the event's data belong to nodes of the module that the event came from.
 bool HasDataForNodes(std::int32_t eventType)
 {
     return eventType == EVENT_FEATURE_INVALIDATE || eventType == EVENT_FEATURE_CHANGE || eventType == EVENT_MODULE ||

@@ -49,7 +49,7 @@ std::size_t EventController::EventDataMaxSize() const
     return NumericInfo<std::size_t>(EVENT_INFO_DATA_SIZE_MAX, INFO_DATATYPE_SIZET);
 }
 
-// One thread inside the producer's wait. Throws AbortedException when waits have ended.
+// One thread that is inside the producer's wait. Throws AbortedException when waits have ended.
 class EventController::Waiter
 {
 public:
@@ -60,7 +60,7 @@ public:
         --controller.numWaiters;
         throw EndedWait();
     }
-    // Some producers take two pending kills for one, so each wait that has ended ends the next.
+    // Some producers merge two pending kills into one, so each wait that has ended ends the next one.
     ~Waiter()
     {
         if (--controller.numWaiters > 0 && controller.haveWaitsEnded) controller.Kill();
@@ -92,7 +92,7 @@ std::vector<std::uint8_t> EventController::WaitForBlock(std::uint64_t timeout_ms
         const std::size_t capacity = EventMaxSize();
         CheckClaim(eventBlockBound, capacity, QueryName());
         std::vector<std::uint8_t> block;
-        block.reserve(std::max<std::size_t>(capacity, 1)); // a null buffer would throw the event away
+        block.reserve(std::max<std::size_t>(capacity, 1)); // a null buffer would discard the event
         block.resize(capacity);
         std::size_t size = capacity;
         const Waiter waiter(*this);
@@ -100,7 +100,7 @@ std::vector<std::uint8_t> EventController::WaitForBlock(std::uint64_t timeout_ms
             gentl.Result<&GenTLProxy::EventGetData>(eventHandle.load(), block.data(), &size, timeout_ms);
         if (result == GC_ERR_TIMEOUT)
         {
-            // The only place where a producer's time-out is one for the application too.
+            // The only place where a timeout of the producer is also one for the application.
             throw TimeoutException(StandardMessage("EventGetData", FetchProducerError(*gentl.Proxy())));
         }
         gentl.Check<&GenTLProxy::EventGetData>(result);
@@ -110,7 +110,7 @@ std::vector<std::uint8_t> EventController::WaitForBlock(std::uint64_t timeout_ms
     });
 }
 
-// A kill for a waiter that has come away meanwhile stays pending, where nobody waits any more.
+// A kill for a wait that has returned meanwhile stays pending; nobody waits any more.
 void EventController::EndWaits() noexcept
 {
     if (haveWaitsEnded.exchange(true)) return;

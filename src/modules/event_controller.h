@@ -32,22 +32,22 @@ public:
         const std::weak_ptr<EventSupportingModule>& parentModule, const std::shared_ptr<const GenTLProxy>& proxy);
     ~EventController() override;
 
-    // Asked of the producer at each call.
+    // Queries the producer at each call.
     std::int32_t ControlledEventType() const;
     std::size_t NumEventsInQueue() const;
     std::uint64_t NumEventsFired() const;
     std::size_t EventMaxSize() const;     // bytes of the largest block
     std::size_t EventDataMaxSize() const; // bytes of the largest data
 
-    // Waits on the calling thread. Throws TimeoutException, AbortedException after a kill, or what the producer's
-    // code gives.
+    // Waits on the calling thread. Throws TimeoutException, AbortedException after a kill, or the exception of the
+    // producer's failure.
     std::shared_ptr<Event> WaitForEvent(std::uint64_t timeout_ms);
-    // The same wait for a reader that needs nothing but the block as delivered.
+    // The same wait for callers that need only the block as delivered.
     std::vector<std::uint8_t> WaitForBlock(std::uint64_t timeout_ms) const;
 
-    // Ends the waits that are inside, as kills do; from now on there is none any more.
+    // Ends the running waits, as kills do; later waits end at once.
     void EndWaits() noexcept override;
-    // Then a wait throws this, also where the producer had an event for it.
+    // Whether waits have ended. A wait then throws EndedWait(), even if the producer had an event for it.
     bool HasEndReached() const noexcept { return haveWaitsEnded || HasEnded(); }
     static AbortedException EndedWait();
     // Ends one wait; without a waiter the kill stays pending in the producer and ends the next one.
@@ -71,7 +71,8 @@ private:
     std::atomic<GenTL::EVENT_HANDLE> eventHandle; // replaced by FlushPendingKillWaits
     const std::int32_t eventType;
     const std::weak_ptr<EventSupportingModule> parent;
-    // A waiter counts itself before it looks whether waits have ended; who ends them looks afterwards.
+    // A waiter counts itself before it checks whether waits have ended; the thread that ends waits reads the count
+    // afterwards.
     mutable std::atomic<std::size_t> numWaiters{0};
     std::atomic<bool> haveWaitsEnded{false};
 };

@@ -17,8 +17,8 @@ class EventSupportingModule : public Module, public std::enable_shared_from_this
 public:
     EventSupportingModule(GenTL::EVENTSRC_HANDLE handle, const std::shared_ptr<const GenTLProxy>& proxy);
 
-    // Registers an event type of the standard, passed on unchanged. Which types are registered is the producer's to
-    // know: it refuses a second registration. Thread-safe.
+    // Registers an event type of the standard, which is passed on unchanged. The producer knows which types are
+    // registered: it refuses a second registration. Thread-safe.
     std::shared_ptr<EventController> EnableEvents(std::int32_t eventType);
 
 private:

@@ -26,7 +26,7 @@ constexpr const char* lengthNodeName = "GevGVCPCMDLength";
 
 constexpr std::int64_t firstLength = 536;
 constexpr std::int64_t granularity = 256;
-constexpr std::int64_t headerLength = 36; // which the transport layer counts and the camera does not
+constexpr std::int64_t headerLength = 36; // the transport layer counts the header, the camera does not
 // A command is one datagram, so none is longer, regardless of what a camera reports.
 constexpr std::int64_t longestDatagram = 65'535;
 
@@ -45,8 +45,8 @@ std::shared_ptr<TypedNode> Find(NodeMap& map, const char* name)
     return std::dynamic_pointer_cast<TypedNode>(map.TryFindNode(name));
 }
 
-// A camera without a usable description opens and streams: what is wrong with it is reported to those who ask for its
-// nodes.
+// A camera without a usable description can be opened and can stream: errors in it are reported when its nodes are
+// requested.
 template <class Step>
 auto NothingIfItFails(Step&& step) -> decltype(step())
 {
@@ -97,7 +97,7 @@ void TestGVCPCommandLength(Device& device)
         }
     });
     if (hasPassed || length <= firstLength) return;
-    length -= step; // the last one that passed
+    length -= step; // the last length that succeeded
     nodes.length->SetValue(std::min(nodes.limit->Value(CachePolicy::UseCache), length + headerLength));
 }
 

@@ -6,10 +6,10 @@ namespace koro::internal
 
 class Device;
 
-// Writes the camera's test register with growing lengths and lets the transport layer's length node follow: what it
-// holds in the end is the longest command that passed. Fetches the node maps of the device and of its remote device.
-// Devices without these nodes, with nodes of another type by these names, or without a usable description are left as
-// they are. A length that fails ends the test; throws when the transport layer cannot be set accordingly.
+// Writes the camera's test register with growing lengths and adapts the transport layer's length node: at the end it
+// contains the longest command that succeeded. Fetches the node maps of the device and of its remote device. Does
+// nothing for devices without these nodes, with nodes of another type by these names, or without a usable description.
+// A length that fails ends the test; the function throws when the transport layer cannot be set accordingly.
 void TestGVCPCommandLength(Device& device);
 
 } // namespace koro::internal

@@ -31,8 +31,8 @@ Interface::~Interface()
     }
     catch (...)
     {
-        // On the listener's own thread, when a callback was the last to hold this object: the subscription stays
-        // behind, and nothing is called by it.
+        // On the listener's thread, when a callback was the last to hold this object: the subscription stays, but calls
+        // nothing.
     }
     gentl.CallIgnoringFailures<&GenTLProxy::IFClose>(Handle());
 }
@@ -110,18 +110,18 @@ void Interface::EndThreads()
         descriptor->Monitor().End();
 }
 
-// Two threads may end the interface at a time: the second one waits as well, and finds the subscription gone.
+// Two threads may end the interface at the same time: the second one waits too and then finds no subscription.
 void Interface::EndConnectionChanges()
 {
     const auto subscription = connectionChangeSubscription.load();
     if (!subscription) return;
     const auto system = parent.lock();
-    if (!system) return; // and its listener with it
+    if (!system) return; // the listener has ended with it
     system->UnsubscribeConnectionChange(subscription);
     connectionChangeSubscription = nullptr;
 }
 
-// Every interface of the system sees every record.
+// Every interface of the system receives every record.
 void Interface::OnConnectionChange(const Record& record)
 {
     constexpr std::uint16_t deviceCame = 1;
@@ -142,12 +142,12 @@ void Interface::OnConnectionChange(const Record& record)
 void Interface::OnReconnect(const std::shared_ptr<DeviceDescriptor>& descriptor, const Record& record)
 {
     Refresh(descriptor->OpenedDevice());
-    // The device is not held any longer: a callback may close it and open it again.
+    // The device is not held any more: a callback may close it and open it again.
     reconnectedCallbacks.TriggerCallback(
         descriptor, {record.reconnectFlag1 != 0, record.reconnectFlag2 != 0, record.reconnectValue});
 }
 
-// Inside the device as a call is, by a share of its holds. These go after the last use of it.
+// Uses the device like a call, by sharing its holds, which are released after the last use.
 void Interface::Refresh(std::shared_ptr<Device> opened)
 {
     const auto holds = opened ? opened->OwnHolds() : Instance::Holds();

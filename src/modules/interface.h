@@ -26,7 +26,8 @@ namespace koro::internal
 class Device;
 class System;
 
-// What a producer adds to the report that a device came back. Handed on; nothing is concluded from it.
+// Data that the producer attaches to the notification that a device is connected again. It is passed on without
+// evaluation.
 struct ReconnectInformation
 {
     bool reconnectFlag1;
@@ -58,13 +59,13 @@ public:
 
     // The last step of opening.
     void SubscribeToConnectionChanges();
-    // A descriptor whose information is monitored: the end of the interface ends its monitor, also when an update has
-    // lost the descriptor meanwhile. Throws InternalErrorException after that end.
+    // Adds a descriptor whose information is monitored: the end of the interface ends its monitor, even if an update
+    // has lost the descriptor meanwhile. Throws InternalErrorException after that end.
     void AddMonitored(const std::shared_ptr<DeviceDescriptor>& descriptor);
 
-    // In a callback of a connection change, or of a monitor of one of the descriptors.
+    // Refuses in a callback of a connection change, and in one of a monitor of its descriptors.
     void RefuseEndInCallback() const override;
-    // Waits for a delivery that is under way, and for the monitors; then there is none any more.
+    // Waits for a running delivery and for the monitors; none runs afterwards.
     void EndThreads() override;
 
     std::shared_ptr<System> ParentSystem() const;
@@ -101,7 +102,7 @@ private:
     DisconnectedCallbacks disconnectedCallbacks;
     ReconnectedCallbacks reconnectedCallbacks;
     std::atomic<ConnectionChangeEventListener::Subscribers::Handle> connectionChangeSubscription{nullptr};
-    mutable std::mutex monitoredMutex; // guards the next two; nothing is called under it
+    mutable std::mutex monitoredMutex; // guards the next two fields; nothing is called under it
     std::vector<std::weak_ptr<DeviceDescriptor>> monitored;
     bool hasEndedMonitors = false;
 };

@@ -22,17 +22,17 @@ class Port;
 class Module : public Instance
 {
 public:
-    // Makes the port at once; the producer is not asked for anything.
+    // Creates the port at once; does not call the producer.
     Module(GenTL::PORT_HANDLE handle, const std::shared_ptr<const GenTLProxy>& proxy);
     ~Module() override;
 
-    // One level up; empty for a System. Throws InternalErrorException when the parent has gone.
+    // The parent; empty for a System. Throws InternalErrorException when the parent has ended.
     virtual std::shared_ptr<Module> ParentModule() const = 0;
 
-    // In GenTL every module handle is a port handle as well, so this one serves all functions of the module.
+    // In GenTL every module handle is also a port handle, so this handle serves all functions of the module.
     GenTL::PORT_HANDLE Handle() const;
     const std::shared_ptr<internal::Port>& Port() const { return port; }
-    // Fetched by the first call and never again, unless that one throws. Without a usable description: none.
+    // Fetched by the first successful call and never again. Empty without a usable description.
     std::vector<std::shared_ptr<NodeMap>> NodeMaps();
 
 private:
@@ -44,7 +44,7 @@ private:
 class ModuleDescriptor : public Instance
 {
 public:
-    // The id under which the producer knows the module.
+    // The id by which the producer identifies the module.
     virtual std::string ID() const = 0;
 };
 
@@ -54,7 +54,7 @@ inline std::string ModuleKey(const std::string& parentKey, const std::string& id
     return parentKey + "|" + id;
 }
 
-// Makes the object that is to own an open GenTL handle; closes the handle again when that fails.
+// Creates the object that will own an open GenTL handle; closes the handle when that fails.
 template <auto CloseFunction, class Make>
 auto MakeOwnerOf(void* handle, const GenTLCaller& gentl, Make&& make)
 {

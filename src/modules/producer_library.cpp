@@ -22,7 +22,7 @@ std::string CanonicalPathOf(const std::string& path)
 
 } // namespace
 
-// The file is looked up before it is loaded: a producer may change the working directory.
+// The path is resolved before the file is loaded, since a producer may change the working directory.
 ProducerLibrary::ProducerLibrary(const std::string& ctiPath) : ProducerLibrary(ctiPath, CanonicalPathOf(ctiPath)) {}
 
 ProducerLibrary::ProducerLibrary(const std::string& ctiPath, std::string pathOfFile)
@@ -37,13 +37,13 @@ ProducerLibrary::ProducerLibrary(const std::string& ctiPath, std::string pathOfF
 
 ProducerLibrary::~ProducerLibrary()
 {
-    // The tree below goes while the producer still works; for the other modules the close call comes first.
+    // The modules below end while the producer still works; for other modules the close call comes first.
     RunDestructionCallbacks();
     try
     {
         Close();
     }
-    catch (const std::exception&) // a close that fails reaches nobody
+    catch (const std::exception&) // the failure of a close is ignored
     {}
 }
 

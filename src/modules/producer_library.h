@@ -26,13 +26,13 @@ public:
     explicit ProducerLibrary(const std::string& ctiPath);
     ~ProducerLibrary() override;
 
-    // The path as it was given.
+    // The path as it was passed in.
     const std::string& Key() const { return key; }
-    // The canonical path that it led to at the construction; empty when there was none any more.
+    // The canonical path at construction; empty when it could not be determined.
     const std::string& CanonicalPath() const { return canonicalPath; }
     const std::shared_ptr<const GenTLProxy>& Proxy() const { return gentl.Proxy(); }
 
-    // The one system of the producer, described; the same object at each call.
+    // The descriptor of the producer's only system; the same object at each call.
     std::shared_ptr<SystemDescriptor> GetSystem();
 
 private:

@@ -18,7 +18,7 @@ public:
     RemoteDevice(
         GenTL::PORT_HANDLE handle, const std::weak_ptr<Device>& device, const std::shared_ptr<const GenTLProxy>& proxy);
 
-    // Both throw InternalErrorException with "Local device has expired!" when the device has gone.
+    // Both throw InternalErrorException with "Local device has expired!" after the device has ended.
     std::shared_ptr<Device> LocalDevice() const;
     std::shared_ptr<Module> ParentModule() const override;
 

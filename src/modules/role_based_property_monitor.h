@@ -19,7 +19,7 @@
 namespace koro::internal
 {
 
-// `Source` answers Info(role) with the raw bytes. It is asked on the monitor's thread.
+// `Source` returns the raw bytes by Info(role), which is called on the monitor's thread.
 template <class Source, class Role, class CallbackHandle>
 class TRoleBasedPropertyMonitor
 {
@@ -27,7 +27,7 @@ public:
     using Roles = std::vector<Role>;
     using ChangedCallback = typename TCallbackManager<const Roles&>::Function;
 
-    // Takes no lock: the list of children holds its own while it makes a descriptor.
+    // Takes no lock, because the list of children holds its lock while it creates a descriptor.
     TRoleBasedPropertyMonitor(const Source& monitored, std::initializer_list<Role> initialRoles) : source(monitored)
     {
         for (const auto role : initialRoles)
@@ -37,7 +37,7 @@ public:
     TRoleBasedPropertyMonitor& operator=(const TRoleBasedPropertyMonitor&) = delete;
     virtual ~TRoleBasedPropertyMonitor() = default;
 
-    // A role that is there already keeps its last value.
+    // A role that is already monitored keeps its last value.
     void AddRole(Role role)
     {
         const std::lock_guard lock(rolesMutex);
@@ -60,8 +60,8 @@ public:
     std::uint64_t UpdateInterval_ms() const noexcept { return timer.Interval_ms(); }
     void SetUpdateInterval_ms(std::uint64_t value) noexcept { timer.SetInterval_ms(value); }
 
-    // Callbacks run on the monitor's thread and must not throw. The first one starts the thread. Throws the standard
-    // deadlock error inside a callback, and std::system_error when no thread is to be had.
+    // Callbacks run on the monitor's thread and must not throw. The first registration starts the thread. Throws the
+    // standard deadlock error inside a callback, and std::system_error when no thread can be started.
     CallbackHandle RegisterChangedCallback(ChangedCallback callback)
     {
         const auto handle = changedCallbacks.RegisterCallback(std::move(callback));
@@ -77,8 +77,8 @@ public:
         return const_cast<CallbackHandle>(handle);
     }
 
-    // After it the callback does not run any more. The last one ends the thread, which takes at most 50 ms and what is
-    // left of a tick. Throws the standard deadlock error inside a callback.
+    // Afterwards the callback does not run any more. The last unregistration ends the thread, which takes at most 50 ms
+    // plus the rest of a tick. Throws the standard deadlock error inside a callback.
     void UnregisterChangedCallback(CallbackHandle handle)
     {
         changedCallbacks.UnregisterCallback(handle);
@@ -88,12 +88,12 @@ public:
     // Throws the standard deadlock error inside a callback.
     void RefuseInCallback() const { changedCallbacks.RefuseInCallback(); }
 
-    // Ends the thread for good: from now on a registration that would start one throws InternalErrorException. The
-    // registrations stand and are not called any more. Not inside a callback.
+    // Ends the thread for good: a registration that would start it throws InternalErrorException from now on. The
+    // registrations stay but are not called any more. Must not be called inside a callback.
     void End() { timer.End(); }
 
 private:
-    // A tick.
+    // One tick of the timer.
     void Compare()
     {
         Roles changed;
@@ -110,7 +110,7 @@ private:
                 }
                 catch (...)
                 {
-                    // What cannot be read has not changed: a device may come back with the same value.
+                    // A role that cannot be read counts as unchanged: a device may return with the same value.
                 }
             }
         }
@@ -120,8 +120,8 @@ private:
     const Source& source;
     std::unordered_map<Role, std::vector<std::uint8_t>> lastValues; // empty before the first read
     TCallbackManager<const Roles&> changedCallbacks;
-    mutable std::mutex rolesMutex;              // over lastValues, also while the producer is asked
-    PeriodicTimer timer{[this] { Compare(); }}; // its end, the first of all, ends the thread
+    mutable std::mutex rolesMutex;              // guards lastValues, also while the producer is queried
+    PeriodicTimer timer{[this] { Compare(); }}; // destroyed first, which ends the thread
 };
 
 } // namespace koro::internal

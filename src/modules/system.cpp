@@ -34,7 +34,8 @@ System::ConnectionChanges::Handle System::SubscribeConnectionChange(ConnectionCh
         connectionChangeListener = std::make_unique<ConnectionChangeEventListener>(weak_from_this(), gentl.Proxy());
     });
     if (!connectionChangeListener->IsAvailable()) return nullptr;
-    // The listener may have been made while the threads ended. Either the end has seen it, or this sees the end.
+    // The listener may have been created while the threads ended. Either the end has seen it, or this code sees the
+    // end.
     if (hasEndedThreads) connectionChangeListener->Stop();
     return connectionChangeListener->Subscribe(std::move(function));
 }

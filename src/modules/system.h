@@ -42,9 +42,9 @@ public:
     using ConnectionChanges = ConnectionChangeEventListener::Subscribers;
     ConnectionChanges::Handle SubscribeConnectionChange(ConnectionChanges::Function function);
     void UnsubscribeConnectionChange(ConnectionChanges::Handle handle);
-    // In a callback of a connection change.
+    // Refuses in a callback of a connection change.
     void RefuseEndInCallback() const override;
-    // Waits for a delivery that is under way; then there is none any more, and no subscription succeeds.
+    // Waits for a running delivery; afterwards none runs and no subscription succeeds.
     void EndThreads() override;
 
     std::shared_ptr<ProducerLibrary> ParentLibrary() const;

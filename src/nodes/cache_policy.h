@@ -6,7 +6,7 @@
 namespace koro::internal
 {
 
-// Comes from applications: any other number means UseCache.
+// Comes from applications; any other number means UseCache.
 enum class CachePolicy : std::int32_t
 {
     UseCache = 0,

@@ -26,7 +26,8 @@ public:
     virtual std::size_t Size() const = 0;              // bytes, as announced
     virtual std::size_t DeliveredDataSize() const = 0; // bytes
     virtual std::uint64_t ChunkLayoutID() const = 0;
-    // The revocation calls the map's `DetachRevoked`; the map is held weakly. False when the buffer was revoked before.
+    // The revocation calls `DetachRevoked` of the map, which is held weakly. Returns false when the buffer was revoked
+    // before.
     virtual bool DetachAtRevocation(const std::shared_ptr<NodeMap>& nodeMap) = 0;
 
 protected:

@@ -23,7 +23,7 @@ void CommandNode::WaitUntilDone(std::uint64_t waitTimeout_ms) const
     using Clock = std::chrono::steady_clock;
     using std::chrono::milliseconds;
 
-    const auto map = ParentNodeMap(); // for the whole wait, not just for each question
+    const auto map = ParentNodeMap(); // held during the whole wait, not just during each query
     const auto start = Clock::now();
     std::uint64_t elapsed_ms = 0;
     while (!IsDone() && elapsed_ms < waitTimeout_ms)

@@ -20,7 +20,7 @@ public:
 
     void Execute();
     bool IsDone() const;
-    // Asks each millisecond, and once more at the end. Throws TimeoutException when the command goes on.
+    // Queries every millisecond and once more at the end. Throws TimeoutException when the command is not done in time.
     void WaitUntilDone(std::uint64_t waitTimeout_ms) const;
 
 private:

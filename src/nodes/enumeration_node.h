@@ -26,14 +26,15 @@ public:
 
     // Reads the value. Throws InternalErrorException or NotFoundException for a value without an entry.
     std::shared_ptr<EnumerationEntryNode> CurrentEntry(CachePolicy policy);
-    // Of an entry that is another enumeration's just the number is taken. Throws InvalidArgumentException for none.
+    // For an entry of another enumeration only its number counts. Throws InvalidArgumentException when there is no
+    // entry with that number.
     void SetCurrentEntry(const std::shared_ptr<EnumerationEntryNode>& entry);
     void SetCurrentEntry(std::int64_t entryValue);
     void SetCurrentEntry(const std::string& symbolicValue);
 
-    // All entries, available or not, in the order of the description; built on first use and never refreshed. Of
-    // several with one number or name the first is found. The finding ones throw NotFoundException, the trying ones
-    // answer with an empty reference; none touches the device.
+    // All entries, available or not, in the order of the description; built on first use and never updated. Of several
+    // entries with the same number or name the first is found. The Find functions throw NotFoundException, the TryFind
+    // functions return an empty reference; neither accesses the device.
     const std::vector<std::shared_ptr<EnumerationEntryNode>>& Entries();
     std::shared_ptr<EnumerationEntryNode> FindEntry(std::int64_t entryValue);
     std::shared_ptr<EnumerationEntryNode> FindEntry(const std::string& symbolicValue);

@@ -15,7 +15,7 @@ class EventSource
 {
 public:
     // The port whose node maps show the event's data; null for an event without such data. Throws
-    // InternalErrorException when the event's module has gone.
+    // InternalErrorException after the event's module has ended.
     virtual std::shared_ptr<Port> PortOfNodes() const = 0;
     // The block as the producer delivered it.
     virtual const std::vector<std::uint8_t>& RawData() const = 0;

@@ -13,12 +13,12 @@
 namespace koro::internal
 {
 
-// Where the reader puts records: what it needs of a bag.
+// The destination of the records that are read: the part of a bag that the reader needs.
 class FeatureRecords
 {
 public:
     virtual void Clear() = 0;
-    // A state of the bag's own; null when there is none to be had.
+    // Returns a new state of the bag; null when there is none.
     virtual GENAPI_NAMESPACE::CSelectorState* AllocateSelector() = 0;
     virtual void DeleteSelector(GENAPI_NAMESPACE::CSelectorState*& state) = 0;
     virtual void Push(const char* name, const char* value, GENAPI_NAMESPACE::CSelectorState* state) = 0;
@@ -27,10 +27,10 @@ protected:
     ~FeatureRecords() = default;
 };
 
-// Throws GenICam's RuntimeException for a text that is no feature file; what was read before it stays in the records.
+// Throws GenICam's RuntimeException for a text that is not a feature file; records that were read before it are kept.
 void ReadFeatureFile(std::istream& stream, FeatureRecords& records);
 
-// The first lines. An empty info text is left out.
+// Writes the first lines. An empty info text is left out.
 void WriteFeatureFileHead(std::ostream& stream, const GENICAM_NAMESPACE::gcstring& info);
 void WriteFeatureRecord(
     std::ostream& stream, const GENICAM_NAMESPACE::gcstring& name, const GENICAM_NAMESPACE::gcstring& value,

@@ -20,7 +20,7 @@ namespace
 
 constexpr std::size_t maxFile = 256 << 20;    // bytes
 constexpr std::size_t maxSelectors = 4 << 20; // of all records
-constexpr std::size_t maxCommentPiece = 1024; // what is dropped at once, the line feed included
+constexpr std::size_t maxCommentPiece = 1024; // skipped at once, including the line feed
 constexpr const char* whiteSpace = " \t\n\v\f\r";
 
 // The rest of the stream as the format sees it: without carriage returns, up to the first zero byte.
@@ -39,7 +39,7 @@ std::string ReadRest(std::istream& stream)
     return text;
 }
 
-// What is left of a text to be read.
+// The remaining part of a text.
 class Rest
 {
 public:
@@ -48,7 +48,7 @@ public:
     bool IsAtEnd() const { return left.empty(); }
     bool BeginsWith(char letter) const { return !left.empty() && left.front() == letter; }
 
-    // Takes up to the end sign, which goes too. False when there is none: then `part` is all that was left.
+    // Reads up to and including the end character. Returns false when there is none: `part` is then the whole rest.
     bool TakeUpTo(char end, std::string_view* part)
     {
         const auto length = left.find(end);
@@ -116,7 +116,7 @@ public:
     }
 
 private:
-    // False when the text ends within the selectors: nothing more is read then, and nothing is wrong.
+    // Returns false when the text ends within the selectors: reading then stops, which is not an error.
     bool ReadRecord()
     {
         std::string_view field;
@@ -139,7 +139,8 @@ private:
         return true;
     }
 
-    // Pairs up to the one with a closing brace, or to the first field that is none. False: not even one field.
+    // Reads pairs up to the one with a closing brace, or up to the first field that is not a pair. Returns false when
+    // there is not even one field.
     bool ReadSelectors(CSelectorState& selectors)
     {
         std::string_view field;
@@ -149,7 +150,7 @@ private:
         return true;
     }
 
-    // "{A=1" or "B=2}". False when no further pair is to be expected.
+    // "{A=1" or "B=2}". Returns false when no further pair is expected.
     bool TakePair(std::string_view field, CSelectorState& selectors)
     {
         const auto sign = field.rfind('=');

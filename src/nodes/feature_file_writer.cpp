@@ -17,7 +17,7 @@ using GENICAM_NAMESPACE::gcstring;
 namespace
 {
 
-// Readers take no more of a comment line than 1024 bytes, "# " and line feed included.
+// Readers accept at most 1024 bytes of a comment line, including "# " and the line feed.
 constexpr std::size_t maxComment = 1021;
 
 void Put(std::ostream& stream, std::string_view text)
@@ -30,7 +30,7 @@ std::string_view ToView(const gcstring& text)
     return {text.c_str(), text.size()};
 }
 
-// As many lines as the text has and needs, none of which ends as a record.
+// Writes as many lines as the text needs, none of which can be read as a record.
 void PutComment(std::ostream& stream, std::string_view text)
 {
     do

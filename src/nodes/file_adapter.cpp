@@ -57,7 +57,7 @@ void PrepareLength(NodeMap& map)
 
 void CheckOffset(NodeMap& map, std::uint64_t offset)
 {
-    // The text is one word short; kept, since texts do not change.
+    // The text lacks a word; kept for compatibility.
     const auto node = FindNumber(map, "FileAccessOffset", "Missing FileOffset node!");
     if (!IsReadable(node->AccessStatus())) throw BadAccessException("FileAccessOffset node was not readable!");
     const std::int64_t maximum = node->Maximum();
@@ -79,17 +79,17 @@ std::uint64_t MoveWithinRange(std::uint64_t size, std::uint64_t offset, const Mo
 
 } // namespace
 
-// The file between its opening and its closing, which comes on every way out.
+// The open file; it is closed on every way out.
 class FileAdapter::OpenFile
 {
 public:
     OpenFile(FileAdapter& adapter, std::ios_base::openmode mode)
         : opened(adapter), isOpen(adapter.openFile(adapter.fileName.c_str(), mode))
     {}
-    // May throw the unwinding of a cancelled thread, and nothing else.
+    // May only throw the unwinding of a cancelled thread.
     ~OpenFile() noexcept(false)
     {
-        Succeeds([&] { opened.closeFile(opened.fileName.c_str()); }); // a failure would hide the answer
+        Succeeds([&] { opened.closeFile(opened.fileName.c_str()); }); // a failure would hide the result
     }
     OpenFile(const OpenFile&) = delete;
     OpenFile& operator=(const OpenFile&) = delete;
@@ -152,7 +152,7 @@ std::uint64_t FileAdapter::Read(char* data, std::uint64_t size, std::uint64_t of
     });
 }
 
-// Unlike reading, with a check of the offset.
+// Unlike reading, writing checks the offset.
 std::uint64_t FileAdapter::Write(const char* data, std::uint64_t size, std::uint64_t offset)
 {
     return WithLockedMap([&](NodeMap& locked) -> std::uint64_t {
@@ -175,7 +175,7 @@ void FileAdapter::Delete()
 void FileAdapter::Select(NodeMap& locked) const
 {
     const auto selector = FindFileSelector(locked);
-    // No lock has failed; kept, since texts do not change.
+    // The failure is not one of a lock; the text is kept for compatibility.
     if (!selector) throw BadAccessException("Failed to lock the NodeMap!");
     const auto entry = selector->TryFindEntry(fileName);
     if (!entry || !IsAvailable(entry->AccessStatus())) throw BadAccessException("File selector entry not available!");

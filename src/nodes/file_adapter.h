@@ -22,15 +22,16 @@ namespace koro::internal
 class FileAdapter final : public Instance, public GENAPI_NAMESPACE::FileProtocolAdapter
 {
 public:
-    // Opens no file. Whether the map has such a file is the caller's to ask.
+    // Does not open the file. The caller must check that the map has such a file.
     FileAdapter(const std::shared_ptr<NodeMap>& parent, std::string file);
 
     static bool HasFile(NodeMap& features, const std::string& file);
 
     std::uint64_t Size();
     std::uint64_t MaxSize();
-    // Bytes that were moved: fewer than asked for at the end of the file or after a failure, 0 when the file could not
-    // be opened. OutOfRangeException for writing at an offset beyond the maximum of FileAccessOffset.
+    // Returns the number of bytes that were transferred: fewer than requested at the end of the file or after a
+    // failure, 0 when the file could not be opened. Throws OutOfRangeException for writing at an offset beyond the
+    // maximum of FileAccessOffset.
     std::uint64_t Read(char* data, std::uint64_t size, std::uint64_t offset);
     std::uint64_t Write(const char* data, std::uint64_t size, std::uint64_t offset);
     // Does not report whether the device has deleted it.

@@ -41,7 +41,7 @@ void GenApiPort::Write(const void* buffer, int64_t address, int64_t length)
 GENAPI_NAMESPACE::EAccessMode GenApiPort::GetAccessMode() const
 {
     const bool readable = port->IsReadable();
-    const bool writable = port->IsWritable(); // asked even when the first answer is no
+    const bool writable = port->IsWritable(); // queried even when the first result is false
     if (readable) return writable ? GENAPI_NAMESPACE::RW : GENAPI_NAMESPACE::RO;
     if (writable) return GENAPI_NAMESPACE::WO;
     if (!port->IsImplemented()) return GENAPI_NAMESPACE::NI;

@@ -20,13 +20,13 @@ public:
     explicit GenApiPort(std::shared_ptr<Port> port);
     ~GenApiPort() override;
 
-    // The name of the port node that the map connects this port to.
+    // The name of the port node to which the map connects this port.
     std::string Name() const;
 
     // Addresses use all 64 bits: a negative one is the upper half of the address space. A negative length is refused.
     void Read(void* buffer, int64_t address, int64_t length) override;
     void Write(const void* buffer, int64_t address, int64_t length) override;
-    // A port that is available but neither readable nor writable is _UndefinedAccesMode, on purpose.
+    // A port that is available but neither readable nor writable is intentionally _UndefinedAccesMode.
     GENAPI_NAMESPACE::EAccessMode GetAccessMode() const override;
 
 private:

@@ -34,8 +34,8 @@ private:
     std::unordered_map<std::string, Node*> byName;
 };
 
-// The nodes for a caller outside of the map, which is held meanwhile. Nothing is copied: one element costs the same
-// however many there are.
+// The nodes for a caller outside of the map, which is held meanwhile. Nothing is copied: access to one element costs
+// the same for any length.
 class NodeList
 {
 public:
@@ -50,7 +50,7 @@ private:
     const LinkedNodes* nodes;
 };
 
-// The nodes of these features. Throws NotFoundException for one that is not in the map.
+// The nodes of these features. Throws NotFoundException for a feature that is not in the map.
 LinkedNodes LinkedFeatures(const GENAPI_NAMESPACE::value_vector& features, NodeMap& nodeMap);
 
 } // namespace koro::internal

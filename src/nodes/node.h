@@ -59,7 +59,7 @@ public:
     GENAPI_NAMESPACE::EAccessMode AccessStatus() const;
     GENAPI_NAMESPACE::ECachingMode CachingMode() const;
     bool IsCacheable() const;
-    bool IsAccessStatusCacheable() const; // only when the description says yes
+    bool IsAccessStatusCacheable() const; // only when the description says so
     std::int64_t PollingTime() const;     // milliseconds; -1: not polled
     NodeType Type() const;
     bool IsFeature() const;
@@ -67,33 +67,34 @@ public:
     bool IsStreamable() const;
     std::shared_ptr<NodeMap> ParentNodeMap() const;
 
-    // What a change of this node invalidates, and whose change invalidates it. Each list is built on first use and
-    // never refreshed. The finding ones throw NotFoundException.
+    // The nodes that a change of this node invalidates, and those whose change invalidates it. Each list is built on
+    // first use and never updated. The Find functions throw NotFoundException.
     NodeList InvalidatedNodes();
     std::shared_ptr<Node> FindInvalidatedNode(const std::string& name);
     NodeList InvalidatingNodes();
     std::shared_ptr<Node> FindInvalidatingNode(const std::string& name);
-    // What this selector selects, and by what it is selected itself. Both empty for a node that is no selector.
+    // The nodes that this selector selects, and those that select it. Both lists are empty for a node that is not a
+    // selector.
     NodeList SelectedNodes();
     std::shared_ptr<Node> FindSelectedNode(const std::string& name);
     NodeList SelectingNodes();
     std::shared_ptr<Node> FindSelectingNode(const std::string& name);
 
-    // The callback runs on the thread that caused a change, while it holds the map's lock; an empty one is not called.
-    // It may come back to this map and to this registry, itself included. A registered callback keeps the node alive,
-    // as long as its map is there.
+    // The callback runs on the thread that caused a change, while it holds the lock of the map; an empty one is not
+    // called. It may use this map and this registry, and may unregister itself. A registered callback keeps the node
+    // alive as long as its map exists.
     ChangedCallbackHandle RegisterChangedCallback(ChangedCallback callback);
     // An unknown handle is ignored. Afterwards the callback does not run any more.
     void UnregisterChangedCallback(ChangedCallbackHandle handle);
 
     // For the end of the map. Unregisters all callbacks; the map's lock is held.
     void EndChangedCallbacks();
-    // Drops the callbacks of a node that is no more in GenApi.
+    // Removes the callbacks of a node that no longer exists in GenApi.
     void ForgetChangedCallbacks();
 
 protected:
-    // The ways into GenApi: each keeps the map and translates what comes back. For GenApi alone, with standard
-    // failures of our own, and with the map's lock held.
+    // The calls of GenApi: each keeps the map and translates exceptions. The first translates only GenApi's exceptions,
+    // the second also standard exceptions, the third also holds the lock of the map.
     template <class Call>
     decltype(auto) Ask(Call&& call) const
     {
@@ -132,7 +133,7 @@ private:
     BuiltOnce<LinkedNodes> selectedNodes;
     BuiltOnce<LinkedNodes> selectingNodes;
 
-    std::mutex changedCallbacksMutex; // taken with the map's lock held, never the other way round
+    std::mutex changedCallbacksMutex; // taken while the lock of the map is held, never the other way round
     ChangedCallbacks changedCallbacks;
 };
 

@@ -12,7 +12,8 @@ namespace koro::internal
 
 using namespace GENAPI_NAMESPACE;
 
-// What GenApi calls for one registration. Its end deregisters it, unless GenApi has given it up before.
+// The object that GenApi calls for one registration. Its destructor deregisters it, unless GenApi has released it
+// before.
 class Node::ChangedCallbackDelegate
 {
 public:
@@ -39,8 +40,8 @@ public:
     }
     void Forget() { isRegistered = false; }
 
-    // The callback may unregister itself, which ends this object: nothing of it is touched afterwards. A call that is
-    // inside may be going on after the end of the module.
+    // The callback may unregister itself, which ends this object: none of its members is used afterwards. A running
+    // call may continue after the end of the module.
     void operator()(INode*)
     {
         const auto heldCallback = callback;
@@ -57,7 +58,7 @@ private:
     bool isRegistered = false;
 };
 
-// Here, where the delegate is known: making a node knows how to end one.
+// Defined here, where the delegate's type is complete: the constructor needs its destructor.
 Node::Node(INode* node, const std::weak_ptr<NodeMap>& nodeMap) : parentNodeMap(nodeMap), genApiNode(node) {}
 
 Node::~Node() = default;
@@ -86,7 +87,7 @@ void Node::UnregisterChangedCallback(ChangedCallbackHandle handle)
             removed = std::move(found->second);
             changedCallbacks.erase(found);
         }
-        EndCallback(std::move(removed)); // with the map's lock still held
+        EndCallback(std::move(removed)); // while the lock of the map is still held
     });
 }
 
@@ -105,7 +106,7 @@ void Node::ForgetChangedCallbacks()
     }
 }
 
-// Each holds this node.
+// Each callback holds this node.
 Node::ChangedCallbacks Node::TakeChangedCallbacks()
 {
     const std::lock_guard lock(changedCallbacksMutex);

@@ -33,7 +33,7 @@ LinkedNodes Children(const INode& genApiNode, ELinkType link, NodeMap& nodeMap)
     return list;
 }
 
-// Empty for a node that is no selector: also the list of those that select it.
+// Empty for a node that is not a selector, including the list of nodes that select it.
 LinkedNodes Features(INode* genApiNode, void (ISelector::*get)(FeatureList_t&) const, NodeMap& nodeMap)
 {
     const auto* const selector = dynamic_cast<const ISelector*>(genApiNode);

@@ -53,9 +53,9 @@ NodeMap::NodeMap(const std::shared_ptr<internal::Port>& connectedPort, NodeMapDe
       genApiPort(port), description(std::move(source))
 {}
 
-// GenApi's nodes take their callbacks with them. Only then are the delegates let go that those refer to, which also
-// hold the nodes. Nothing is deregistered one by one: that takes the lock, and whoever holds it now cannot give it
-// back.
+// GenApi's nodes destroy their callbacks. Only then are the delegates released to which the callbacks refer, and which
+// also hold the nodes. Nothing is deregistered one by one: that would take the lock, and a thread that holds it now
+// cannot release it.
 NodeMap::~NodeMap()
 {
     EndAdapters();

@@ -38,7 +38,7 @@ class Port;
 class NodeMap final : public Instance, public std::enable_shared_from_this<NodeMap>
 {
 public:
-    // Throws InternalErrorException for a null port. To be made by std::make_shared only: its nodes refer to it.
+    // Throws InternalErrorException for a null port. Create it only by std::make_shared, since its nodes refer to it.
     NodeMap(const std::shared_ptr<Port>& connectedPort, NodeMapDescription source);
     ~NodeMap() override;
 
@@ -50,24 +50,26 @@ public:
     std::shared_ptr<Node> TryFindNode(const std::string& name);
     bool HasNode(const std::string& name);
 
-    // Both take the lock; callbacks of nodes run within, on this thread.
+    // Both take the lock; callbacks of nodes run on this thread before they return.
     void InvalidateNodes();
     void PollNodes(std::int64_t elapsedTime_ms);
 
-    // The adapter that reads the chunks is that of the first buffer's transport layer, for the life of the map; one
-    // without an adapter throws InternalErrorException. A buffer without chunks is false, and updates nothing.
+    // The transport layer of the first buffer determines the adapter that reads the chunks, for the life of the map; a
+    // transport layer without an adapter throws InternalErrorException. A buffer without chunks returns false and
+    // updates nothing.
     bool HasBufferSupportedChunks(ChunkSource& buffer);
-    // Takes the lock; callbacks of nodes run within. Afterwards the nodes of chunks read the memory of this buffer
-    // itself, until the next update, or until it is revoked. Throws for a broken layout or checksum: then they read
-    // what they read before.
+    // Takes the lock; callbacks of nodes run before it returns. Afterwards the nodes of chunks read the memory of this
+    // buffer itself, until the next update or until it is revoked. Throws for a wrong layout or checksum: the nodes
+    // then keep reading the previous buffer.
     void UpdateChunkNodes(ChunkSource& buffer);
-    // Takes the nodes of chunks off a buffer that was revoked; nothing for one that is not attached. Thread-safe.
+    // Detaches the nodes of chunks from a buffer that was revoked; does nothing for one that is not attached.
+    // Thread-safe.
     void DetachRevoked(GenTL::BUFFER_HANDLE handle);
-    // Whether the event is one of the module that this map describes. The adapter is that of the port's transport
-    // layer; one without an adapter throws InternalErrorException.
+    // Whether the event belongs to the module that this map describes. The transport layer of the port determines the
+    // adapter; one without an adapter throws InternalErrorException.
     bool HasEventSupportedData(const EventSource& event);
-    // Takes the lock; callbacks of nodes run within. The bytes of the event are copied. Throws
-    // InvalidArgumentException for an event of somebody else.
+    // Takes the lock; callbacks of nodes run before it returns. The bytes of the event are copied. Throws
+    // InvalidArgumentException for an event that belongs to other maps.
     void UpdateEventNodes(const EventSource& event);
 
     // Stores the values of the features in a text file and loads them; docs/feature-files.md describes the format. The
@@ -78,29 +80,30 @@ public:
     void StoreToFile(const std::string& filePath);
     void LoadFromFile(const std::string& filePath);
 
-    // An application's own locking, counted for its thread. Such a lock keeps the map; it is given up when the map is
-    // ended by the same thread, or at the thread's next unlock after another one has ended it.
+    // Locks of an application, counted for each thread. Such a lock keeps the map alive. It is released when the same
+    // thread ends the map, or at the thread's next unlock after another thread has ended it.
     void LockForApplication();
     bool TryLockForApplication();
     void UnlockForApplication();
-    // For a handle that has ended: nothing when the thread holds no lock of that map.
+    // For a handle that has ended: does nothing when the thread holds no lock of that map.
     static void UnlockEnded(const void* address) noexcept;
     void EndWaits() noexcept override;
 
-    // Lives as long as the map. What GenApi throws when the description is no good leaves this one untranslated.
+    // Valid as long as the map. Exceptions of GenApi for a broken description leave it untranslated.
     GENAPI_NAMESPACE::CLock& GenApiLock();
-    // Never null; lives as long as the map.
+    // Never null; valid as long as the map.
     GENAPI_NAMESPACE::INodeMap* GenApiNodeMap();
 
     const std::shared_ptr<internal::Port>& Port() const { return port; }
-    // Of the latest attachment; the short road of a buffer with an equal layout leaves it. The caller holds the lock.
+    // The statistics of the last full attachment; a buffer with an equal layout does not change them. The caller holds
+    // the lock.
     const GENAPI_NAMESPACE::AttachStatistics_t& AttachStatistics() const { return attachStatistics; }
 
 private:
     struct NodeTable
     {
         std::vector<std::shared_ptr<Node>> nodes;
-        std::unordered_map<std::string, std::shared_ptr<Node>> byName; // the first of each name
+        std::unordered_map<std::string, std::shared_ptr<Node>> byName; // the first node of each name
     };
 
     GENAPI_NAMESPACE::INodeMap& EnsureGenApiMap();
@@ -110,7 +113,7 @@ private:
     NodeTable BuildNodes();
     void EndAdapters();
 
-    // With the lock held.
+    // Called while the lock is held.
     GENAPI_NAMESPACE::CChunkAdapter& EnsureChunkAdapter(const ChunkSource& buffer);
     void ShowChunks(const ChunkSource& buffer, std::uint8_t* base, std::size_t size);
     void DetachAtRevocation(ChunkSource& buffer);
@@ -122,10 +125,11 @@ private:
     Once nodeMapOnce;
 
     // Set once, under nodeMapOnce.
-    NodeMapDescription description; // its bytes are dropped when they have been parsed
+    NodeMapDescription description; // its bytes are released when they have been parsed
     GENAPI_NAMESPACE::CNodeMapRefT<GENAPI_NAMESPACE::CGeneric_XMLLoaderParams> nodeMapRef{"Device"};
 
-    // Not under a Once: GenApi takes its lock while nodes are listed, and a thread that holds it may be waiting here.
+    // Not built by a Once: GenApi takes its lock while nodes are listed, and a thread that holds this lock may be
+    // waiting here.
     BuiltOnce<NodeTable> nodeTable;
 
     // Guarded by the lock of the map.
@@ -133,9 +137,9 @@ private:
     std::unique_ptr<GENAPI_NAMESPACE::CEventAdapter> eventAdapter;
     GENAPI_NAMESPACE::AttachStatistics_t attachStatistics{};
     std::uint64_t attachedChunkLayoutId = 0;
-    std::size_t attachedSize = 0; // bytes in which the attached layout lies
+    std::size_t attachedSize = 0; // size of the memory with the attached layout, in bytes
     bool hasAttachedBuffer = false;
-    // Written under the lock, too. A revocation compares without it.
+    // Also written under the lock, but a revocation compares it without the lock.
     std::atomic<GenTL::BUFFER_HANDLE> attachedBufferHandle{nullptr};
 };
 

@@ -23,7 +23,7 @@ using namespace GENAPI_NAMESPACE;
 namespace
 {
 
-constexpr std::int64_t anySize = -1; // of a chunk that its port wants as a copy
+constexpr std::int64_t anySize = -1; // of a chunk of which the port requests a copy
 
 std::unique_ptr<CChunkAdapter> MakeChunkAdapter(const std::string& tlType, INodeMap* nodeMap)
 {
@@ -36,7 +36,7 @@ std::unique_ptr<CChunkAdapter> MakeChunkAdapter(const std::string& tlType, INode
 struct Memory
 {
     std::uint8_t* base;
-    std::size_t size; // bytes in which the chunks lie
+    std::size_t size; // size of the memory with the chunks, in bytes
 };
 
 // 0 for a producer that does not know.
@@ -52,8 +52,8 @@ std::size_t FilledSizeOf(const ChunkSource& buffer)
     }
 }
 
-// The chunks end where the frame ends. In a buffer that is larger than the frame the last trailer of an older, larger
-// frame may still lie at the end of the memory.
+// The chunks end where the frame ends. A buffer that is larger than the frame may still contain the last trailer of an
+// older, larger frame at its end.
 Memory MemoryOf(const ChunkSource& buffer)
 {
     const std::size_t size = buffer.Size();
@@ -64,10 +64,10 @@ Memory MemoryOf(const ChunkSource& buffer)
 
 std::int64_t Length(const Memory& memory)
 {
-    return static_cast<std::int64_t>(memory.size); // one beyond all memory turns negative, and is no layout
+    return static_cast<std::int64_t>(memory.size); // a size beyond all memory becomes negative, which is not a layout
 }
 
-// The adapter is looked at first: it spares the others a question to the producer.
+// The adapter is checked first, which can save queries to the producer.
 void CheckChecksum(CChunkAdapter& adapter, const ChunkSource& buffer, const Memory& memory)
 {
     auto* const dcam = dynamic_cast<CChunkAdapterDcam*>(&adapter);
@@ -124,12 +124,12 @@ CChunkAdapter& NodeMap::EnsureChunkAdapter(const ChunkSource& buffer)
     return *chunkAdapter;
 }
 
-// What is attached is noted before the callbacks of nodes run, since those may update and revoke. A failure comes
-// before them and leaves what was attached.
+// The attached buffer is recorded before the callbacks of nodes run, since they may update and revoke. A failure
+// happens before them and leaves the previous buffer attached.
 void NodeMap::ShowChunks(const ChunkSource& buffer, std::uint8_t* base, std::size_t size)
 {
     const auto layoutId = ChunkLayoutIdOf(buffer);
-    // In fewer bytes chunks of the same layout might end behind them: the buffer has to be looked at.
+    // In a smaller memory chunks of the same layout might exceed the end: the bytes must be checked.
     const bool hasSameLayout = hasAttachedBuffer && layoutId == attachedChunkLayoutId && size >= attachedSize;
 
     const auto former = std::tuple(attachedChunkLayoutId, attachedSize, hasAttachedBuffer);
@@ -167,7 +167,7 @@ void NodeMap::DetachAtRevocation(ChunkSource& buffer)
     }
 }
 
-// A buffer that is not attached does not wait for a lock that others may hold for long.
+// For a buffer that is not attached it does not wait for the lock, which others may hold for long.
 void NodeMap::DetachRevoked(GenTL::BUFFER_HANDLE handle)
 {
     if (handle != attachedBufferHandle) return;
@@ -181,7 +181,7 @@ void NodeMap::DetachRevoked(GenTL::BUFFER_HANDLE handle)
     }
     catch (...)
     {
-        // The ports are off the buffer, which is what counts; only a callback can have failed.
+        // The ports are detached from the buffer; only a callback can have failed.
     }
 }
 

@@ -11,8 +11,8 @@ namespace koro::internal
 struct NodeMapDescription
 {
     bool isZipped = false;            // `data` holds an archive
-    std::vector<std::uint8_t> data{}; // text or archive, as it was read
-    std::string filePath{};           // of a plain text file; wins over `data` when it is not empty
+    std::vector<std::uint8_t> data{}; // text or archive, unchanged
+    std::string filePath{};           // of a plain text file; takes precedence over `data` when it is not empty
 };
 
 } // namespace koro::internal

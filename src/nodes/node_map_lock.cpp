@@ -11,8 +11,8 @@ namespace koro::internal
 namespace
 {
 
-// A lock that the thread has taken and not given back. They are a list without a destructor, which would keep the
-// library mapped to the thread's end.
+// A lock that the thread has taken and not released. The list has no destructor, which would keep the library mapped
+// until the thread ends.
 struct HeldLock
 {
     std::shared_ptr<NodeMap> nodeMap;
@@ -34,7 +34,7 @@ void Push(std::unique_ptr<HeldLock> lock) noexcept
     heldLocks = lock.release();
 }
 
-// Gives one lock back; false when the thread holds none. The map goes last.
+// Releases one lock; returns false when the thread holds none. The map is released last.
 bool GiveBack(const void* address)
 {
     HeldLock** place = &heldLocks;
@@ -66,7 +66,7 @@ bool NodeMap::TryLockForApplication()
 
 void NodeMap::UnlockForApplication()
 {
-    if (!GiveBack(this)) GenApiLock().Unlock(); // not its own: for GenApi to ignore
+    if (!GiveBack(this)) GenApiLock().Unlock(); // not locked by this thread: GenApi ignores it
 }
 
 void NodeMap::UnlockEnded(const void* address) noexcept
@@ -75,13 +75,13 @@ void NodeMap::UnlockEnded(const void* address) noexcept
     {
         GiveBack(address);
     }
-    catch (...) // of the end of the map
+    catch (...) // from the end of the map
     {}
 }
 
 void NodeMap::EndWaits() noexcept
 {
-    const auto held = weak_from_this().lock(); // at least to here
+    const auto held = weak_from_this().lock(); // keeps the map until the end of this function
     try
     {
         while (GiveBack(this))

@@ -18,7 +18,7 @@
 namespace GENAPI_NAMESPACE
 {
 
-// Local, since only these two operators are friends of the bag.
+// Local, because only these two operators are friends of the bag.
 std::istream& operator>>(std::istream& stream, CFeatureBag& bag)
 {
     class RecordsOfBag final : public koro::internal::FeatureRecords
@@ -61,7 +61,8 @@ using namespace GENAPI_NAMESPACE;
 namespace
 {
 
-// Paths are bytes here, and so is UTF-8. A zero would end the path early; a folder opens, and fails at the first byte.
+// Paths are bytes here, so UTF-8 needs no conversion. A zero would end the path early; a folder can be opened and fails
+// at the first byte.
 template <class File>
 File OpenFile(const std::string& path, std::ios::openmode mode)
 {
@@ -84,7 +85,7 @@ void WriteAll(std::ofstream& file, const CFeatureBag& bag, const std::string& pa
     if (file) return;
     const std::string reason = errno ? ": " + std::generic_category().message(errno) : "!";
     std::error_code ignored;
-    fs::resize_file(path, 0, ignored); // some of the features would pass for all
+    fs::resize_file(path, 0, ignored); // a part of the features would look like all of them
     throw IOException("The features could not be written to the file (" + path + ")" + reason);
 }
 

@@ -21,7 +21,8 @@ public:
 
     std::uint64_t Address() const;
     std::size_t Length() const;
-    // Unlike all other reads this one has the access checked when the cache is to be ignored, and may use the cache.
+    // Unlike all other reads, this one passes "ignore the cache" as GenApi's Verify: the error nodes are then checked,
+    // and the cache may be used.
     void Read(std::uint8_t* data, std::size_t size, CachePolicy policy) const;
     void Write(const std::uint8_t* data, std::size_t size);
 
