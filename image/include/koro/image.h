@@ -1,0 +1,272 @@
+/*
+ * zvr_koro_image: pictures of machine-vision cameras, from the bytes of a frame to pixels that a program can use.
+ *
+ * The library knows the pixel formats of the GenICam Pixel Format Naming Convention (PFNC) by their 32-bit numbers. It
+ * answers questions about them, unpacks samples, makes colours and measures pictures. It opens no device, starts no
+ * thread and reads no file or environment variable. docs/image.md describes the calculations.
+ *
+ * The conventions that hold for every function, so that the single ones need not repeat them:
+ *
+ *  1. KIMG_<Family>_<Operation> takes inputs first, then outputs, and returns a KIMG_ReturnCode: 0 for success. The text
+ *     of a failure is read on the same thread by KIMG_Library_GetLastError. A function that fails writes nothing.
+ *  2. Any thread may call any function at any time. The functions keep no reference to memory of the caller.
+ *  3. Results lie in the caller's memory and nothing has to be freed. `name` is a buffer, null to ask for the size;
+ *     `nameSize` holds its capacity in bytes, and after a success the bytes used. Sizes of texts count the terminating
+ *     zero. A buffer that is too small is left as it was, and so is its size.
+ *  4. A null output, or a null size pointer, is answered with KIMG_RETURN_CODE_INVALID_ARGUMENT.
+ *  5. `data` are the bytes of a frame and `dataSize` their number; at least KIMG_Image_GetSize bytes are needed, no more
+ *     are read, and a frame that is shorter is answered with KIMG_RETURN_CODE_NO_DATA. A size query does not read `data`,
+ *     which may be null then.
+ *  6. `region` selects a part of the picture, in pixels; null means the whole picture. A region that is empty or reaches
+ *     over an edge is answered with KIMG_RETURN_CODE_OUT_OF_RANGE.
+ *  7. `outputStride` is the distance in bytes from one line of the output to the next; 0 means lines without padding.
+ *     The size of an output is (lines - 1) * stride + bytes of a line. Bytes between the lines are not written. Samples
+ *     of more than 8 bits are written in the byte order of the machine.
+ *  8. Input and output must not overlap, except in functions that change a picture in place.
+ *  9. Records that are passed in have reserved bytes; they must be zero.
+ */
+#ifndef KORO_IMAGE_H
+#define KORO_IMAGE_H
+
+#include <stddef.h>
+#include <stdint.h>
+
+/* Everything that is not declared with this is hidden in the library. */
+#if defined(__GNUC__)
+#define KIMG_API __attribute__((visibility("default")))
+#else
+#define KIMG_API
+#endif
+
+#if defined(__cplusplus)
+#define KIMG_CHECK_SIZE(record, size) static_assert(sizeof(record) == (size), "the layout is fixed")
+#else
+#define KIMG_CHECK_SIZE(record, size) _Static_assert(sizeof(record) == (size), "the layout is fixed")
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* A signed 32-bit integer and not the enumeration, so that its width is the same for every compiler. */
+typedef int32_t KIMG_ReturnCode;
+
+/* The numbers are those of KORO_ReturnCodes, as far as they have a use here; they never change. */
+enum KIMG_ReturnCodes
+{
+    /* done; the last error is not touched */
+    KIMG_RETURN_CODE_SUCCESS = 0,
+    /* any failure without a separate code */
+    KIMG_RETURN_CODE_ERROR = 1,
+    /* no memory for the lines in work */
+    KIMG_RETURN_CODE_BAD_ALLOC = 5,
+    /* the caller's buffer is too small; ask for the size with a null buffer */
+    KIMG_RETURN_CODE_BUFFER_TOO_SMALL = 6,
+    /* a null pointer, or a value that makes no sense */
+    KIMG_RETURN_CODE_INVALID_ARGUMENT = 8,
+    /* no pixel format has this name or number */
+    KIMG_RETURN_CODE_NOT_FOUND = 11,
+    /* an index beyond the list, a size beyond its limit, or a region outside of the picture */
+    KIMG_RETURN_CODE_OUT_OF_RANGE = 12,
+    /* this processor does not have it, or there is no such text */
+    KIMG_RETURN_CODE_NOT_AVAILABLE = 14,
+    /* the format is known, but not for this operation; the text gives the reason */
+    KIMG_RETURN_CODE_NOT_IMPLEMENTED = 15,
+    /* the frame is shorter than its picture */
+    KIMG_RETURN_CODE_NO_DATA = 18
+};
+
+/* What a format describes: KIMG_PIXEL_FORMAT_INFO::kind. */
+enum KIMG_Kinds
+{
+    KIMG_KIND_MONO = 1,           /* brightness, or one colour of it (R8, G8, B8) */
+    KIMG_KIND_BAYER = 2,          /* one colour for each pixel, in a mosaic of 2 x 2 */
+    KIMG_KIND_SPARSE_FILTER = 3,  /* white pixels with few coloured ones between them (SCF1...) */
+    KIMG_KIND_RGB = 4,            /* red, green and blue, maybe alpha */
+    KIMG_KIND_YCBCR = 5,          /* brightness and two colour differences */
+    KIMG_KIND_BICOLOR = 6,        /* lines of a two-line sensor: green, and red and blue in turns */
+    KIMG_KIND_COORDINATE = 7,     /* places in space */
+    KIMG_KIND_CONFIDENCE = 8,     /* how far a place can be trusted */
+    KIMG_KIND_DATA = 9            /* numbers without a meaning that the convention fixes */
+};
+
+/* How samples lie in memory: KIMG_PIXEL_FORMAT_INFO::packing. */
+enum KIMG_Packings
+{
+    KIMG_PACKING_WHOLE_BYTES = 1, /* 1, 2, 4 or 8 bytes a sample; values in the low bits */
+    KIMG_PACKING_DENSE = 2,       /* suffix p: without gaps, from the least significant bit on */
+    KIMG_PACKING_GVSP = 3,        /* suffix Packed: two samples in three bytes, low bits in the middle byte */
+    KIMG_PACKING_PIXEL_FIELDS = 4 /* all samples of a pixel in one number of 16 or 32 bits */
+};
+
+/* What a sample is: KIMG_PIXEL_FORMAT_INFO::sampleType. */
+enum KIMG_SampleTypes
+{
+    KIMG_SAMPLE_TYPE_UNSIGNED = 1,
+    KIMG_SAMPLE_TYPE_SIGNED = 2, /* two's complement */
+    KIMG_SAMPLE_TYPE_FLOAT = 3   /* IEEE 754 */
+};
+
+/* Where the components of a pixel lie: KIMG_PIXEL_FORMAT_INFO::arrangement. */
+enum KIMG_Arrangements
+{
+    KIMG_ARRANGEMENT_INTERLEAVED = 1, /* side by side in one plane */
+    KIMG_ARRANGEMENT_PLANAR = 2,      /* one plane for each component, one after the other */
+    KIMG_ARRANGEMENT_SEMIPLANAR = 3   /* a plane of brightness, then a plane of both colour differences */
+};
+
+/* Colours of the first two pixels of the first line: KIMG_PIXEL_FORMAT_INFO::mosaic. */
+enum KIMG_Mosaics
+{
+    KIMG_MOSAIC_NONE = 0,
+    KIMG_MOSAIC_GR = 1,
+    KIMG_MOSAIC_RG = 2,
+    KIMG_MOSAIC_GB = 3,
+    KIMG_MOSAIC_BG = 4
+};
+
+/* How brightness and colour differences become colours: KIMG_PIXEL_FORMAT_INFO::colorSpace. */
+enum KIMG_ColorSpaces
+{
+    KIMG_COLOR_SPACE_NONE = 0,
+    KIMG_COLOR_SPACE_FULL = 1,  /* YUV and YCbCr without a number: BT.601 weights, full range */
+    KIMG_COLOR_SPACE_BT601 = 2, /* BT.601, BT.709 and BT.2020 with the limited range 16 to 235 */
+    KIMG_COLOR_SPACE_BT709 = 3,
+    KIMG_COLOR_SPACE_BT2020 = 4
+};
+
+/* Bits of KIMG_PIXEL_FORMAT_INFO::operations. */
+enum KIMG_Operations
+{
+    KIMG_OPERATION_LAYOUT = 1,       /* KIMG_Image_GetSize, KIMG_Image_GetPlane */
+    KIMG_OPERATION_UNPACK = 2,       /* KIMG_Image_Unpack8 and KIMG_Image_Unpack16 */
+    KIMG_OPERATION_UNPACK_FLOAT = 4, /* KIMG_Image_UnpackFloat */
+    KIMG_OPERATION_CONVERT = 8       /* KIMG_Image_Convert */
+};
+
+/* What is known of a pixel format. */
+typedef struct KIMG_PIXEL_FORMAT_INFO
+{
+    uint32_t pixelFormat;   /* the number of the convention */
+    int32_t kind;           /* KIMG_KIND_... */
+    int32_t packing;        /* KIMG_PACKING_... */
+    int32_t sampleType;     /* KIMG_SAMPLE_TYPE_... */
+    int32_t arrangement;    /* KIMG_ARRANGEMENT_... */
+    int32_t mosaic;         /* KIMG_MOSAIC_... */
+    int32_t colorSpace;     /* KIMG_COLOR_SPACE_... */
+    uint32_t bitsPerSample; /* significant bits; the largest where they differ (6 of RGB565p) */
+    uint32_t bitsPerPixel;  /* bits of memory for one pixel, on average over a group, without padding of lines */
+    uint32_t numComponents; /* 1 to 4: what unpacking writes for each pixel */
+    uint32_t numPlanes;     /* 1 to 3 */
+    uint32_t groupWidth;    /* pixels of a line that share colour differences: 1, 2 or 4 */
+    uint32_t groupHeight;   /* lines that share them: 1 or 2 */
+    uint32_t operations;    /* sum of KIMG_OPERATION_... that are supported */
+    uint8_t reserved[8];    /* zero */
+} KIMG_PIXEL_FORMAT_INFO;
+KIMG_CHECK_SIZE(KIMG_PIXEL_FORMAT_INFO, 64);
+
+/* A picture as a producer describes it. A line begins on a whole byte. */
+typedef struct KIMG_IMAGE
+{
+    uint32_t pixelFormat; /* the number of the convention */
+    uint8_t bigEndian;    /* 1 where samples of whole bytes have their high byte first; else 0 */
+    uint8_t reserved[3];  /* zero */
+    uint64_t width;       /* pixels, 1 to 1,000,000 */
+    uint64_t height;      /* lines, 1 to 1,000,000 */
+    uint64_t xPadding;    /* bytes behind each line of each plane, at most 1,000,000 */
+    uint64_t imageOffset; /* bytes in front of the first line, at most 2^40 */
+} KIMG_IMAGE;
+KIMG_CHECK_SIZE(KIMG_IMAGE, 40);
+
+/* One plane of a picture. */
+typedef struct KIMG_PLANE
+{
+    uint64_t offset;    /* bytes from the start of the frame to the first line */
+    uint64_t lineBytes; /* bytes of a line that hold pixels */
+    uint64_t stride;    /* bytes from one line to the next */
+    uint64_t numLines;
+} KIMG_PLANE;
+KIMG_CHECK_SIZE(KIMG_PLANE, 32);
+
+/* A part of a picture, in pixels. */
+typedef struct KIMG_REGION
+{
+    uint64_t x;
+    uint64_t y;
+    uint64_t width;
+    uint64_t height;
+} KIMG_REGION;
+KIMG_CHECK_SIZE(KIMG_REGION, 32);
+
+/**
+ * Gives the version of the library.
+ * @param[out] major, minor, subminor the numbers of the file's name
+ */
+KIMG_API KIMG_ReturnCode KIMG_Library_GetVersion(uint32_t* major, uint32_t* minor, uint32_t* subminor);
+
+/**
+ * Gives the most recent failure of the calling thread. Nothing clears the record, neither reading it nor a later
+ * success. A failure of this function replaces the record.
+ * @param[out] lastErrorCode                                  code of the failure, 0 if this thread never failed
+ * @param[out] lastErrorDescription, lastErrorDescriptionSize its text
+ */
+KIMG_API KIMG_ReturnCode
+KIMG_Library_GetLastError(KIMG_ReturnCode* lastErrorCode, char* lastErrorDescription, size_t* lastErrorDescriptionSize);
+
+/** Gives the number of pixel formats in the table. */
+KIMG_API KIMG_ReturnCode KIMG_PixelFormat_GetNum(size_t* numPixelFormats);
+
+/**
+ * Gives a pixel format of the table. The table is sorted by number.
+ * @param[in]  index       0 to the number of formats - 1
+ * @param[out] pixelFormat the number of the convention
+ */
+KIMG_API KIMG_ReturnCode KIMG_PixelFormat_GetByIndex(size_t index, uint32_t* pixelFormat);
+
+/**
+ * Finds a pixel format by its name: that of the convention, in its letters, with or without the prefix "GVSP_".
+ * @param[in]  name        zero-terminated
+ * @param[out] pixelFormat the number of the convention
+ * @return KIMG_RETURN_CODE_NOT_FOUND for a name that the table does not have
+ */
+KIMG_API KIMG_ReturnCode KIMG_PixelFormat_FindByName(const char* name, uint32_t* pixelFormat);
+
+/**
+ * Gives the name of a pixel format, without the prefix "GVSP_".
+ * @return KIMG_RETURN_CODE_NOT_FOUND for a number that the table does not have
+ */
+KIMG_API KIMG_ReturnCode KIMG_PixelFormat_GetName(uint32_t pixelFormat, char* name, size_t* nameSize);
+
+/**
+ * Gives what is known of a pixel format.
+ * @return KIMG_RETURN_CODE_NOT_FOUND for a number that the table does not have
+ */
+KIMG_API KIMG_ReturnCode KIMG_PixelFormat_GetInfo(uint32_t pixelFormat, KIMG_PIXEL_FORMAT_INFO* info);
+
+/**
+ * Gives the reason why an operation is not supported for a pixel format: one sentence in English.
+ * @param[in]  operation          one KIMG_OPERATION_...
+ * @param[out] refusal, refusalSize the reason
+ * @return KIMG_RETURN_CODE_NOT_AVAILABLE if the operation is supported
+ */
+KIMG_API KIMG_ReturnCode
+KIMG_PixelFormat_GetRefusal(uint32_t pixelFormat, uint32_t operation, char* refusal, size_t* refusalSize);
+
+/**
+ * Gives the bytes from the start of the frame to the last pixel; the padding behind the last line may be absent.
+ * @param[out] imageSize bytes, the offset of the image included
+ * @return KIMG_RETURN_CODE_OUT_OF_RANGE for a size beyond the limits of KIMG_IMAGE
+ */
+KIMG_API KIMG_ReturnCode KIMG_Image_GetSize(const KIMG_IMAGE* image, uint64_t* imageSize);
+
+/**
+ * Gives the place of one plane of a picture.
+ * @param[in] planeIndex 0 to KIMG_PIXEL_FORMAT_INFO::numPlanes - 1
+ */
+KIMG_API KIMG_ReturnCode KIMG_Image_GetPlane(const KIMG_IMAGE* image, size_t planeIndex, KIMG_PLANE* plane);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
