@@ -7,18 +7,18 @@
  *
  * The conventions that hold for every function, so that the single ones need not repeat them:
  *
- *  1. KIMG_<Family>_<Operation> takes inputs first, then outputs, and returns a KIMG_ReturnCode: 0 for success. The text
- *     of a failure is read on the same thread by KIMG_Library_GetLastError. A function that fails writes nothing.
+ *  1. KIMG_<Family>_<Operation> takes inputs first, then outputs, and returns a KIMG_ReturnCode: 0 for success. The
+ * text of a failure is read on the same thread by KIMG_Library_GetLastError. A function that fails writes nothing.
  *  2. Any thread may call any function at any time. The functions keep no reference to memory of the caller.
  *  3. Results lie in the caller's memory and nothing has to be freed. `name` is a buffer, null to ask for the size;
  *     `nameSize` holds its capacity in bytes, and after a success the bytes used. Sizes of texts count the terminating
  *     zero. A buffer that is too small is left as it was, and so is its size.
  *  4. A null output, or a null size pointer, is answered with KIMG_RETURN_CODE_INVALID_ARGUMENT.
- *  5. `data` are the bytes of a frame and `dataSize` their number; at least KIMG_Image_GetSize bytes are needed, no more
- *     are read, and a frame that is shorter is answered with KIMG_RETURN_CODE_NO_DATA. A size query does not read `data`,
- *     which may be null then.
- *  6. `region` selects a part of the picture, in pixels; null means the whole picture. A region that is empty or reaches
- *     over an edge is answered with KIMG_RETURN_CODE_OUT_OF_RANGE.
+ *  5. `data` are the bytes of a frame and `dataSize` their number; at least KIMG_Image_GetSize bytes are needed, no
+ * more are read, and a frame that is shorter is answered with KIMG_RETURN_CODE_NO_DATA. A size query does not read
+ * `data`, which may be null then.
+ *  6. `region` selects a part of the picture, in pixels; null means the whole picture. A region that is empty or
+ * reaches over an edge is answered with KIMG_RETURN_CODE_OUT_OF_RANGE.
  *  7. `outputStride` is the distance in bytes from one line of the output to the next; 0 means lines without padding.
  *     The size of an output is (lines - 1) * stride + bytes of a line. Bytes between the lines are not written. Samples
  *     of more than 8 bits are written in the byte order of the machine.
@@ -79,15 +79,15 @@ enum KIMG_ReturnCodes
 /* What a format describes: KIMG_PIXEL_FORMAT_INFO::kind. */
 enum KIMG_Kinds
 {
-    KIMG_KIND_MONO = 1,           /* brightness, or one colour of it (R8, G8, B8) */
-    KIMG_KIND_BAYER = 2,          /* one colour for each pixel, in a mosaic of 2 x 2 */
-    KIMG_KIND_SPARSE_FILTER = 3,  /* white pixels with few coloured ones between them (SCF1...) */
-    KIMG_KIND_RGB = 4,            /* red, green and blue, maybe alpha */
-    KIMG_KIND_YCBCR = 5,          /* brightness and two colour differences */
-    KIMG_KIND_BICOLOR = 6,        /* lines of a two-line sensor: green, and red and blue in turns */
-    KIMG_KIND_COORDINATE = 7,     /* places in space */
-    KIMG_KIND_CONFIDENCE = 8,     /* how far a place can be trusted */
-    KIMG_KIND_DATA = 9            /* numbers without a meaning that the convention fixes */
+    KIMG_KIND_MONO = 1,          /* brightness, or one colour of it (R8, G8, B8) */
+    KIMG_KIND_BAYER = 2,         /* one colour for each pixel, in a mosaic of 2 x 2 */
+    KIMG_KIND_SPARSE_FILTER = 3, /* white pixels with few coloured ones between them (SCF1...) */
+    KIMG_KIND_RGB = 4,           /* red, green and blue, maybe alpha */
+    KIMG_KIND_YCBCR = 5,         /* brightness and two colour differences */
+    KIMG_KIND_BICOLOR = 6,       /* lines of a two-line sensor: green, and red and blue in turns */
+    KIMG_KIND_COORDINATE = 7,    /* places in space */
+    KIMG_KIND_CONFIDENCE = 8,    /* how far a place can be trusted */
+    KIMG_KIND_DATA = 9           /* numbers without a meaning that the convention fixes */
 };
 
 /* How samples lie in memory: KIMG_PIXEL_FORMAT_INFO::packing. */
@@ -152,13 +152,13 @@ typedef struct KIMG_PIXEL_FORMAT_INFO
     int32_t packing;        /* KIMG_PACKING_... */
     int32_t sampleType;     /* KIMG_SAMPLE_TYPE_... */
     int32_t arrangement;    /* KIMG_ARRANGEMENT_... */
-    int32_t mosaic;         /* KIMG_MOSAIC_... */
+    int32_t mosaic;         /* KIMG_MOSAIC_...; of BiColor RG or BG: which colour the first pixel has beside green */
     int32_t colorSpace;     /* KIMG_COLOR_SPACE_... */
     uint32_t bitsPerSample; /* significant bits; the largest where they differ (6 of RGB565p) */
     uint32_t bitsPerPixel;  /* bits of memory for one pixel, on average over a group, without padding of lines */
     uint32_t numComponents; /* 1 to 4: what unpacking writes for each pixel */
     uint32_t numPlanes;     /* 1 to 3 */
-    uint32_t groupWidth;    /* pixels of a line that share colour differences: 1, 2 or 4 */
+    uint32_t groupWidth;    /* pixels of a line that share samples of colour: 1, 2 or 4 */
     uint32_t groupHeight;   /* lines that share them: 1 or 2 */
     uint32_t operations;    /* sum of KIMG_OPERATION_... that are supported */
     uint8_t reserved[8];    /* zero */
