@@ -144,6 +144,13 @@ enum KIMG_Operations
     KIMG_OPERATION_CONVERT = 8       /* KIMG_Image_Convert */
 };
 
+/* How missing colours of a Bayer mosaic are found. */
+enum KIMG_Demosaics
+{
+    KIMG_DEMOSAIC_BILINEAR = 1,  /* mean of the nearest neighbours */
+    KIMG_DEMOSAIC_EDGE_AWARE = 2 /* along the direction of the smaller change; sharper, fewer coloured edges */
+};
+
 /* What is known of a pixel format. */
 typedef struct KIMG_PIXEL_FORMAT_INFO
 {
@@ -213,6 +220,22 @@ KIMG_API KIMG_ReturnCode KIMG_Library_GetVersion(uint32_t* major, uint32_t* mino
 KIMG_API KIMG_ReturnCode
 KIMG_Library_GetLastError(KIMG_ReturnCode* lastErrorCode, char* lastErrorDescription, size_t* lastErrorDescriptionSize);
 
+/** Gives the number of versions of the inner loops that this processor can run. */
+KIMG_API KIMG_ReturnCode KIMG_Library_GetNumTargets(size_t* numTargets);
+
+/**
+ * Gives the name of a version of the inner loops: "AVX3" (AVX-512), "AVX2", "SSE4", "NEON" or "plain".
+ * @param[in] index 0, the fastest, to the number of versions - 1, which is always "plain"
+ */
+KIMG_API KIMG_ReturnCode KIMG_Library_GetTargetName(size_t index, char* name, size_t* nameSize);
+
+/**
+ * Chooses a version of the inner loops for all later calls in the process, for comparisons. All give the same results.
+ * @param[in] name from KIMG_Library_GetTargetName; null for the fastest, with which the library starts
+ * @return KIMG_RETURN_CODE_NOT_AVAILABLE if this processor cannot run it
+ */
+KIMG_API KIMG_ReturnCode KIMG_Library_UseTarget(const char* name);
+
 /** Gives the number of pixel formats in the table. */
 KIMG_API KIMG_ReturnCode KIMG_PixelFormat_GetNum(size_t* numPixelFormats);
 
@@ -264,6 +287,39 @@ KIMG_API KIMG_ReturnCode KIMG_Image_GetSize(const KIMG_IMAGE* image, uint64_t* i
  * @param[in] planeIndex 0 to KIMG_PIXEL_FORMAT_INFO::numPlanes - 1
  */
 KIMG_API KIMG_ReturnCode KIMG_Image_GetPlane(const KIMG_IMAGE* image, size_t planeIndex, KIMG_PLANE* plane);
+
+/**
+ * Unpacks samples to 8 bits over the full range: of wider samples the upper 8 bits, of narrower ones the bits repeated.
+ * A pixel has KIMG_PIXEL_FORMAT_INFO::numComponents samples side by side, in this order for any order in memory:
+ * red, green, blue, alpha; Y, Cb, Cr; axes as the format names them; of BiColor red and blue in turns, then green.
+ * Colour differences that several pixels share are repeated. Signed samples are moved up by half of their range. A
+ * value beyond the bits of its format counts as the largest.
+ */
+KIMG_API KIMG_ReturnCode KIMG_Image_Unpack8(
+    const KIMG_IMAGE* image, const void* data, size_t dataSize, const KIMG_REGION* region, size_t outputStride,
+    uint8_t* output, size_t* outputSize);
+
+/** The same to 16 bits, with the values as they were sent: Mono12 gives 0 to 4095. Nothing is scaled or limited. */
+KIMG_API KIMG_ReturnCode KIMG_Image_Unpack16(
+    const KIMG_IMAGE* image, const void* data, size_t dataSize, const KIMG_REGION* region, size_t outputStride,
+    uint16_t* output, size_t* outputSize);
+
+/** The same to floats, for every type of sample; signed samples keep their sign. */
+KIMG_API KIMG_ReturnCode KIMG_Image_UnpackFloat(
+    const KIMG_IMAGE* image, const void* data, size_t dataSize, const KIMG_REGION* region, size_t outputStride,
+    float* output, size_t* outputSize);
+
+/**
+ * Converts a picture. Samples are brought to the full range of the target first: to 8 bits as KIMG_Image_Unpack8 does,
+ * to 16 bits by repeating the high bits below. Then colours are made. A region gives the pixels that the whole picture
+ * has there. The brightness of a colour is 0.299 red + 0.587 green + 0.114 blue; of YCbCr it is Y.
+ * @param[in] demosaic     KIMG_DEMOSAIC_..., also for formats that have no mosaic
+ * @param[in] targetFormat the number of Mono8, Mono16, RGB8, BGR8, RGBa8, BGRa8, RGB16, BGR16, RGBa16 or BGRa16
+ * @return KIMG_RETURN_CODE_NOT_IMPLEMENTED for another target, and for a format that does not become a picture
+ */
+KIMG_API KIMG_ReturnCode KIMG_Image_Convert(
+    const KIMG_IMAGE* image, const void* data, size_t dataSize, const KIMG_REGION* region, int32_t demosaic,
+    uint32_t targetFormat, size_t outputStride, void* output, size_t* outputSize);
 
 #ifdef __cplusplus
 }

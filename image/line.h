@@ -1,0 +1,25 @@
+// Line: memory for one line in work, with room at both ends for kernels that read and write whole vectors.
+#pragma once
+
+#include "image/kernels.h"
+
+#include <cstddef>
+#include <vector>
+
+namespace koro::image
+{
+
+template <class T>
+class Line
+{
+public:
+    Line() = default;
+    explicit Line(size_t width) : samples((width + lineMargin - 1) / lineMargin * lineMargin + 2 * lineMargin) {}
+    T* Pixels() { return samples.data() + lineMargin; }
+    const T* Pixels() const { return samples.data() + lineMargin; }
+
+private:
+    std::vector<T> samples;
+};
+
+} // namespace koro::image

@@ -1,0 +1,175 @@
+#include "image/picture_reader.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace koro::image
+{
+
+namespace
+{
+
+// Red, green and blue as sums of Y, Cb and Cr, in numbers of 24 bits behind the point.
+struct ColorMatrix
+{
+    int64_t offset; // of Y
+    int64_t neutral;
+    int64_t y;
+    int64_t redOfCr;
+    int64_t greenOfCb;
+    int64_t greenOfCr;
+    int64_t blueOfCb;
+};
+
+constexpr unsigned fraction = 24;
+
+struct Weights
+{
+    double red;
+    double blue;
+};
+
+Weights WeightsOf(ColorSpace space)
+{
+    switch (space)
+    {
+    case ColorSpace::BT709:
+        return {0.2126, 0.0722};
+    case ColorSpace::BT2020:
+        return {0.2627, 0.0593};
+    default:
+        return {0.299, 0.114};
+    }
+}
+
+int64_t Fixed(double value)
+{
+    return static_cast<int64_t>(value * (1 << fraction) + (value < 0 ? -0.5 : 0.5));
+}
+
+ColorMatrix MatrixOf(ColorSpace space, unsigned bits, double largest)
+{
+    const Weights weights = WeightsOf(space);
+    const double green = 1 - weights.red - weights.blue;
+    const bool full = space == ColorSpace::Full;
+    const double unit = static_cast<double>(1u << (bits - 8));
+    const double fullRange = static_cast<double>((1u << bits) - 1);
+    const double ofY = largest / (full ? fullRange : 219 * unit);
+    const double ofColor = largest / (full ? fullRange : 224 * unit);
+    return {
+        full ? 0 : int64_t{16} << (bits - 8),
+        int64_t{1} << (bits - 1),
+        Fixed(ofY),
+        Fixed(2 * (1 - weights.red) * ofColor),
+        Fixed(-2 * (1 - weights.blue) * weights.blue / green * ofColor),
+        Fixed(-2 * (1 - weights.red) * weights.red / green * ofColor),
+        Fixed(2 * (1 - weights.blue) * ofColor)};
+}
+
+template <class T>
+T Rounded(int64_t sum)
+{
+    constexpr int64_t half = int64_t{1} << (fraction - 1);
+    return static_cast<T>(std::clamp<int64_t>((sum + half) >> fraction, 0, std::numeric_limits<T>::max()));
+}
+
+} // namespace
+
+template <class T>
+PictureReader<T>::PictureReader(
+    const Layout& picture, const uint8_t* frame, const KIMG_REGION& part, Method way, const Kernels& loops)
+    : layout(picture), region(part), kernels(loops), reader(picture, frame, part.width + 2, loops)
+{
+    if (layout.format->content.kind == KIMG_KIND_BAYER)
+        demosaicer = std::make_unique<Demosaicer<T>>(layout, frame, region, way, kernels);
+    for (Line<T>& line : lines)
+        line = Line<T>(region.width + 2);
+    for (Line<uint16_t>& line : raw)
+        line = Line<uint16_t>(region.width + 2);
+    std::fill_n(lines[3].Pixels(), region.width, std::numeric_limits<T>::max());
+}
+
+template <class T>
+bool PictureReader<T>::IsGrey() const
+{
+    return layout.format->NumComponents() == 1 && !demosaicer;
+}
+
+template <class T>
+void PictureReader<T>::ReadYCbCr(uint64_t y, bool onlyBrightness, T* const* colors)
+{
+    uint16_t* const components[] = {raw[0].Pixels(), raw[1].Pixels(), raw[2].Pixels(), nullptr};
+    reader.ReadRaw(y, region.x, region.width, components);
+    const ColorMatrix matrix =
+        MatrixOf(layout.format->content.colorSpace, layout.format->samples.bits, std::numeric_limits<T>::max());
+    for (size_t x = 0; x < region.width; ++x)
+    {
+        const int64_t brightness = matrix.y * (components[0][x] - matrix.offset);
+        if (onlyBrightness)
+        {
+            colors[0][x] = Rounded<T>(brightness);
+            continue;
+        }
+        const int64_t cb = components[1][x] - matrix.neutral;
+        const int64_t cr = components[2][x] - matrix.neutral;
+        colors[0][x] = Rounded<T>(brightness + matrix.redOfCr * cr);
+        colors[1][x] = Rounded<T>(brightness + matrix.greenOfCb * cb + matrix.greenOfCr * cr);
+        colors[2][x] = Rounded<T>(brightness + matrix.blueOfCb * cb);
+    }
+}
+
+// Both pixels of a pair share red and blue; the last pixel of an odd line takes the one it lacks from the pixel before.
+template <class T>
+void PictureReader<T>::ReadBiColor(uint64_t y, T* const* colors)
+{
+    const uint64_t before = region.x > 0 ? 1 : 0;
+    const uint64_t after = region.x + region.width < layout.width ? 1 : 0;
+    Line<T> alternating(region.width + 2);
+    Line<T> green(region.width + 2);
+    T* const components[] = {alternating.Pixels(), green.Pixels(), nullptr, nullptr};
+    reader.ReadFull(y, region.x - before, region.width + before + after, components);
+    const unsigned first = layout.format->content.mosaic == Mosaic::RG ? 0 : 2;
+    for (uint64_t i = 0; i < region.width; ++i)
+    {
+        const uint64_t x = region.x + i;
+        const bool even = x % 2 == 0;
+        const uint64_t partner = !even ? x - 1 : x + 1 < layout.width ? x + 1 : x > 0 ? x - 1 : x;
+        const unsigned own = even ? first : 2 - first;
+        colors[own][i] = alternating.Pixels()[i + before];
+        colors[1][i] = green.Pixels()[i + before];
+        colors[2 - own][i] = alternating.Pixels()[partner + before - region.x];
+    }
+}
+
+template <class T>
+const T* const* PictureReader<T>::ReadColors(uint64_t y)
+{
+    T* const colors[] = {lines[0].Pixels(), lines[1].Pixels(), lines[2].Pixels(), lines[3].Pixels()};
+    const int kind = layout.format->content.kind;
+    if (demosaicer)
+        demosaicer->ReadLine(region.y + y, colors);
+    else if (kind == KIMG_KIND_YCBCR)
+        ReadYCbCr(region.y + y, false, colors);
+    else if (kind == KIMG_KIND_BICOLOR)
+        ReadBiColor(region.y + y, colors);
+    else
+        reader.ReadFull(region.y + y, region.x, region.width, colors);
+    for (unsigned color = 0; color < 4; ++color)
+        result[color] = colors[IsGrey() && color < 3 ? 0 : color];
+    return result;
+}
+
+template <class T>
+void PictureReader<T>::ReadBrightness(uint64_t y, T* brightness)
+{
+    T* const components[] = {brightness, nullptr, nullptr, nullptr};
+    if (IsGrey()) return reader.ReadFull(region.y + y, region.x, region.width, components);
+    if (layout.format->content.kind == KIMG_KIND_YCBCR) return ReadYCbCr(region.y + y, true, components);
+    const T* const* const colors = ReadColors(y);
+    PixelsOf<T>(kernels).luma(colors[0], colors[1], colors[2], region.width, brightness);
+}
+
+template class PictureReader<uint8_t>;
+template class PictureReader<uint16_t>;
+
+} // namespace koro::image

@@ -1,0 +1,206 @@
+// The plain versions of the kernels: the definition of every result, and the tails of the SIMD versions.
+#pragma once
+
+#include "image/kernels.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <type_traits>
+
+namespace koro::image::plain
+{
+
+inline uint16_t Word(unsigned value)
+{
+    return static_cast<uint16_t>(value);
+}
+
+// Samples without gaps, from the least significant bit on. 9 to 16 bits.
+template <unsigned bits>
+void UnpackDense(const uint8_t* line, size_t count, uint16_t* values)
+{
+    for (size_t i = 0; i < count; ++i)
+    {
+        const size_t start = i * bits;
+        const uint8_t* const bytes = line + start / 8;
+        const unsigned shift = start % 8;
+        unsigned word = bytes[0] | static_cast<unsigned>(bytes[1]) << 8;
+        if (shift + bits > 16) word |= static_cast<unsigned>(bytes[2]) << 16;
+        values[i] = Word((word >> shift) & ((1u << bits) - 1));
+    }
+}
+
+// Two samples in three bytes; the middle byte has the low bits of the first one in its lower half.
+template <unsigned bits>
+void UnpackGvsp(const uint8_t* line, size_t count, uint16_t* values)
+{
+    constexpr unsigned lowBits = bits - 8;
+    constexpr unsigned mask = (1u << lowBits) - 1;
+    for (size_t i = 0; i < count; ++i)
+    {
+        const uint8_t* const group = line + i / 2 * 3;
+        const bool second = i % 2 != 0;
+        const unsigned high = group[second ? 2 : 0];
+        const unsigned low = static_cast<unsigned>(group[1]) >> (second ? 4 : 0);
+        values[i] = Word(high << lowBits | (low & mask));
+    }
+}
+
+inline void UnpackSwappedWords(const uint8_t* line, size_t count, uint16_t* values)
+{
+    for (size_t i = 0; i < count; ++i)
+        values[i] = Word(static_cast<unsigned>(line[2 * i]) << 8 | line[2 * i + 1]);
+}
+
+inline void Narrow(const uint16_t* values, size_t count, unsigned bits, uint8_t* narrowed)
+{
+    const unsigned largest = (1u << bits) - 1;
+    for (size_t i = 0; i < count; ++i)
+        narrowed[i] = static_cast<uint8_t>(std::min<unsigned>(values[i], largest) >> (bits - 8));
+}
+
+inline void Stretch(const uint16_t* values, size_t count, unsigned bits, uint16_t* stretched)
+{
+    const unsigned largest = (1u << bits) - 1;
+    for (size_t i = 0; i < count; ++i)
+    {
+        const unsigned value = std::min<unsigned>(values[i], largest);
+        stretched[i] = Word(value << (16 - bits) | value >> (2 * bits - 16));
+    }
+}
+
+// Signed numbers wide enough for sums of a few samples.
+template <class T>
+using Wide = int32_t;
+
+template <class T>
+T Clamped(Wide<T> value)
+{
+    return static_cast<T>(std::clamp<Wide<T>>(value, 0, static_cast<T>(~T{0})));
+}
+
+template <class T>
+T Mean(unsigned a, unsigned b)
+{
+    return static_cast<T>((a + b + 1) / 2);
+}
+
+template <class T>
+T Mean(unsigned a, unsigned b, unsigned c, unsigned d)
+{
+    return static_cast<T>((a + b + c + d + 2) / 4);
+}
+
+template <class T>
+void Bilinear(const T* above, const T* here, const T* below, size_t width, bool greenFirst, T* own, T* green, T* other)
+{
+    for (size_t x = 0; x < width; ++x)
+    {
+        const T* const a = above + x;
+        const T* const h = here + x;
+        const T* const b = below + x;
+        if ((x % 2 == 0) == greenFirst)
+        {
+            own[x] = Mean<T>(h[-1], h[1]);
+            green[x] = h[0];
+            other[x] = Mean<T>(a[0], b[0]);
+        }
+        else
+        {
+            own[x] = h[0];
+            green[x] = Mean<T>(h[-1], h[1], a[0], b[0]);
+            other[x] = Mean<T>(a[-1], a[1], b[-1], b[1]);
+        }
+    }
+}
+
+// Both directions: the mean of the two greens, corrected by the curvature of the pixel's own colour. The direction with
+// the smaller sum of slope and curvature is taken; for equal sums the mean of both.
+template <class T>
+void EdgeGreen(const T* const* rows, size_t width, bool greenFirst, T* green)
+{
+    using W = Wide<T>;
+    for (size_t x = 0; x < width; ++x)
+    {
+        const T* const h = rows[2] + x;
+        if ((x % 2 == 0) == greenFirst)
+        {
+            green[x] = h[0];
+            continue;
+        }
+        const W up = rows[1][x], down = rows[3][x], left = h[-1], right = h[1];
+        const W curveAcross = 2 * W{h[0]} - h[-2] - h[2];
+        const W curveDown = 2 * W{h[0]} - rows[0][x] - rows[4][x];
+        const W changeAcross = std::abs(left - right) + std::abs(curveAcross);
+        const W changeDown = std::abs(up - down) + std::abs(curveDown);
+        const W across = (2 * (left + right) + curveAcross + 2) >> 2;
+        const W downward = (2 * (up + down) + curveDown + 2) >> 2;
+        const W both = (across + downward + 1) >> 1;
+        green[x] = Clamped<T>(changeAcross < changeDown ? across : changeDown < changeAcross ? downward : both);
+    }
+}
+
+template <class T>
+void EdgeColors(const T* const* rows, const T* const* greens, size_t width, bool greenFirst, T* own, T* other)
+{
+    using W = Wide<T>;
+    const auto difference = [&](size_t row, const T* column, size_t x, int step) {
+        return W{column[static_cast<ptrdiff_t>(x) + step]} - W{greens[row][static_cast<ptrdiff_t>(x) + step]};
+    };
+    for (size_t x = 0; x < width; ++x)
+    {
+        const W green = greens[1][x];
+        if ((x % 2 == 0) == greenFirst)
+        {
+            const W across = difference(1, rows[1], x, -1) + difference(1, rows[1], x, 1);
+            const W downward = difference(0, rows[0], x, 0) + difference(2, rows[2], x, 0);
+            own[x] = Clamped<T>(green + ((across + 1) >> 1));
+            other[x] = Clamped<T>(green + ((downward + 1) >> 1));
+        }
+        else
+        {
+            const W corners = difference(0, rows[0], x, -1) + difference(0, rows[0], x, 1) +
+                              difference(2, rows[2], x, -1) + difference(2, rows[2], x, 1);
+            own[x] = rows[1][x];
+            other[x] = Clamped<T>(green + ((corners + 2) >> 2));
+        }
+    }
+}
+
+template <size_t channels, class T>
+void Interleave(const T* const* planes, size_t count, T* pixels)
+{
+    for (size_t x = 0; x < count; ++x)
+    {
+        for (size_t channel = 0; channel < channels; ++channel)
+            pixels[channels * x + channel] = planes[channel][x];
+    }
+}
+
+template <size_t channels, class T>
+void Deinterleave(const T* pixels, size_t count, T* const* planes)
+{
+    for (size_t x = 0; x < count; ++x)
+    {
+        for (size_t channel = 0; channel < channels; ++channel)
+            planes[channel][x] = pixels[channels * x + channel];
+    }
+}
+
+// Weights of 1/256 for 8 bits and of 1/65536 for 16; they add up to 1.
+template <class T>
+void Luma(const T* red, const T* green, const T* blue, size_t count, T* brightness)
+{
+    constexpr bool isByte = sizeof(T) == 1;
+    constexpr uint32_t weights[] = {isByte ? 77 : 19595, isByte ? 150 : 38470, isByte ? 29 : 7471};
+    constexpr unsigned shift = isByte ? 8 : 16;
+    for (size_t x = 0; x < count; ++x)
+    {
+        const uint32_t sum = weights[0] * red[x] + weights[1] * green[x] + weights[2] * blue[x];
+        brightness[x] = static_cast<T>((sum + (1u << (shift - 1))) >> shift);
+    }
+}
+
+} // namespace koro::image::plain
