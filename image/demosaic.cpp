@@ -29,11 +29,17 @@ Demosaicer<T>::Demosaicer(
     : layout(picture), region(part), method(way), pixels(PixelsOf<T>(loops)),
       reader(picture, frame, part.width + 2 * margin, loops)
 {
-    for (Kept& kept : rawLines)
+    for (KeptRaw& kept : rawLines)
+    {
         kept.line = Line<T>(region.width + margin);
+        if (method == Method::EdgeAware) kept.wide = Line<Wide<T>>(region.width + margin);
+    }
     if (method == Method::Bilinear) return;
-    for (Kept& kept : greenLines)
-        kept.line = Line<T>(region.width + margin);
+    for (KeptGreen& kept : greenLines)
+    {
+        kept.green = Line<Wide<T>>(region.width + margin);
+        kept.difference = Line<Wide<T>>(region.width + margin);
+    }
 }
 
 template <class T>
@@ -68,33 +74,37 @@ void Demosaicer<T>::Read(uint64_t y, T* line)
 }
 
 template <class T>
-const T* Demosaicer<T>::RawLine(int64_t y)
+const typename Demosaicer<T>::KeptRaw& Demosaicer<T>::RawLine(int64_t y)
 {
     const uint64_t source = Mirrored(y, layout.height);
-    Kept& kept = rawLines[source % numKept];
+    KeptRaw& kept = rawLines[source % numKept];
     if (kept.y != source)
     {
         Read(source, kept.line.Pixels());
+        if (method == Method::EdgeAware)
+            pixels.widen(kept.line.Pixels() - margin, region.width + 2 * margin, kept.wide.Pixels() - margin);
         kept.y = source;
     }
-    return kept.line.Pixels();
+    return kept;
 }
 
 template <class T>
-const T* Demosaicer<T>::GreenLine(int64_t y)
+const typename Demosaicer<T>::KeptGreen& Demosaicer<T>::GreenLine(int64_t y)
 {
     const uint64_t source = Mirrored(y, layout.height);
-    Kept& kept = greenLines[source % numKept];
+    KeptGreen& kept = greenLines[source % numKept];
     if (kept.y != source)
     {
+        // Two columns more on each side, since colours look at their neighbours.
         const auto line = static_cast<int64_t>(source);
-        const T* rows[5] = {};
+        const Wide<T>* rows[5] = {};
         for (int64_t i = 0; i < 5; ++i)
-            rows[i] = RawLine(line - 2 + i) - 2;
-        pixels.edgeGreen(rows, region.width + 4, ColorsOf(source).greenFirst, kept.line.Pixels() - 2);
+            rows[i] = RawLine(line - 2 + i).wide.Pixels() - 2;
+        pixels.edgeGreen(
+            rows, region.width + 4, ColorsOf(source).greenFirst, kept.green.Pixels() - 2, kept.difference.Pixels() - 2);
         kept.y = source;
     }
-    return kept.line.Pixels();
+    return kept;
 }
 
 template <class T>
@@ -106,14 +116,16 @@ void Demosaicer<T>::ReadLine(uint64_t y, T* const* colors)
     T* const other = colors[2 - arrangement.own];
     if (method == Method::Bilinear)
     {
-        const T* const rows[] = {RawLine(line - 1), RawLine(line), RawLine(line + 1)};
-        pixels.bilinear(rows[0], rows[1], rows[2], region.width, arrangement.greenFirst, own, colors[1], other);
+        pixels.bilinear(
+            RawLine(line - 1).line.Pixels(), RawLine(line).line.Pixels(), RawLine(line + 1).line.Pixels(), region.width,
+            arrangement.greenFirst, own, colors[1], other);
         return;
     }
-    const T* const greens[] = {GreenLine(line - 1), GreenLine(line), GreenLine(line + 1)};
-    const T* const rows[] = {RawLine(line - 1), RawLine(line), RawLine(line + 1)};
-    pixels.edgeColors(rows, greens, region.width, arrangement.greenFirst, own, other);
-    std::copy_n(greens[1], region.width, colors[1]);
+    const Wide<T>* differences[3] = {};
+    for (int64_t i = 0; i < 3; ++i)
+        differences[i] = GreenLine(line - 1 + i).difference.Pixels();
+    pixels.edgeColors(
+        GreenLine(line).green.Pixels(), differences, region.width, arrangement.greenFirst, own, colors[1], other);
 }
 
 template class Demosaicer<uint8_t>;

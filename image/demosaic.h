@@ -29,10 +29,17 @@ public:
 
 private:
     static constexpr size_t numKept = 8; // more than the lines that one line of colours needs
-    struct Kept
+    struct KeptRaw
     {
         std::optional<uint64_t> y;
         Line<T> line;
+        Line<Wide<T>> wide; // edge-aware method only
+    };
+    struct KeptGreen
+    {
+        std::optional<uint64_t> y;
+        Line<Wide<T>> green;
+        Line<Wide<T>> difference; // of the pixels from green
     };
     struct LineColors
     {
@@ -40,8 +47,8 @@ private:
         bool greenFirst;
     };
 
-    const T* RawLine(int64_t y);
-    const T* GreenLine(int64_t y);
+    const KeptRaw& RawLine(int64_t y);
+    const KeptGreen& GreenLine(int64_t y);
     void Read(uint64_t y, T* line);
     LineColors ColorsOf(uint64_t y) const;
 
@@ -50,8 +57,8 @@ private:
     Method method;
     const PixelKernels<T>& pixels;
     LineReader reader;
-    std::array<Kept, numKept> rawLines;
-    std::array<Kept, numKept> greenLines;
+    std::array<KeptRaw, numKept> rawLines;
+    std::array<KeptGreen, numKept> greenLines;
 };
 
 } // namespace koro::image

@@ -12,8 +12,9 @@ namespace
 
 template <class T>
 constexpr PixelKernels<T> plainPixels = {
-    plain::Bilinear<T>,      plain::EdgeGreen<T>,       plain::EdgeColors<T>,      plain::Interleave<3, T>,
-    plain::Interleave<4, T>, plain::Deinterleave<3, T>, plain::Deinterleave<4, T>, plain::Luma<T>,
+    plain::Bilinear<T>,      plain::Widen<T>,         plain::EdgeGreen<T>,       plain::EdgeColors<T>,
+    plain::Interleave<3, T>, plain::Interleave<4, T>, plain::Deinterleave<3, T>, plain::Deinterleave<4, T>,
+    plain::Luma<T>,          plain::Colors<T>,
 };
 
 constexpr Kernels plainKernels = {
@@ -23,6 +24,7 @@ constexpr Kernels plainKernels = {
     plain::UnpackGvsp<10>,
     plain::UnpackGvsp<12>,
     plain::UnpackSwappedWords,
+    plain::BytesToWords,
     plain::Narrow,
     plain::Stretch,
     plainPixels<uint8_t>,

@@ -6,6 +6,7 @@
 #include <bit>
 #include <cstring>
 #include <string_view>
+#include <type_traits>
 
 namespace koro::image
 {
@@ -102,6 +103,26 @@ float FloatOfBits(uint64_t value, unsigned bits)
                       : static_cast<float>(std::bit_cast<double>(value));
 }
 
+// Brightness of the pixels from `x` on, of samples in groups that begin with the group of `x`.
+template <size_t groupWidth>
+void SpreadBrightness(const uint16_t* samples, std::string_view order, size_t skipped, size_t count, uint16_t* values)
+{
+    size_t places[groupWidth] = {};
+    for (size_t place = 0, found = 0; place < order.size(); ++place)
+    {
+        if (order[place] == 'Y') places[found++] = place;
+    }
+    for (size_t i = 0; i < count; ++i)
+        values[i] = samples[(i + skipped) / groupWidth * order.size() + places[(i + skipped) % groupWidth]];
+}
+
+template <size_t groupWidth>
+void SpreadDifference(const uint16_t* samples, size_t length, size_t skipped, size_t count, uint16_t* values)
+{
+    for (size_t i = 0; i < count; ++i)
+        values[i] = samples[(i + skipped) / groupWidth * length];
+}
+
 } // namespace
 
 unsigned ComponentOf(const PixelFormat& format, size_t sampleOfPixel)
@@ -169,6 +190,9 @@ void LineReader::ReadRun(const uint8_t* line, size_t first, size_t count, uint16
         unpack = format.samples.bits == 10 ? kernels.gvsp10 : kernels.gvsp12;
     const bool words = format.samples.packing == KIMG_PACKING_WHOLE_BYTES && format.BitsInMemory() == 16 &&
                        format.samples.type == KIMG_SAMPLE_TYPE_UNSIGNED;
+    const bool bytes = format.samples.packing == KIMG_PACKING_WHOLE_BYTES && format.BitsInMemory() == 8 &&
+                       format.samples.type == KIMG_SAMPLE_TYPE_UNSIGNED;
+    if (bytes) return kernels.bytesToWords(line + first, count, values);
     if (words && layout.bigEndian) unpack = kernels.swappedWords;
     if (words && !layout.bigEndian)
     {
@@ -211,31 +235,41 @@ uint16_t LineReader::ColorDifferenceAt(const uint8_t* line, size_t group, size_t
     return group > 0 ? SampleAt(line, index - length) : plain::Word(1u << (layout.format->samples.bits - 1));
 }
 
+void LineReader::ReadColorGroups(const GroupedLine& line, uint64_t x, size_t count, uint16_t* const* components)
+{
+    const PixelFormat& format = *layout.format;
+    const std::string_view order = format.content.order;
+    const size_t groupWidth = format.GroupWidth();
+    const size_t firstGroup = x / groupWidth;
+    const size_t numGroups = (x + count - 1) / groupWidth + 1 - firstGroup;
+    uint16_t* const samples = run.Pixels();
+    const size_t first = firstGroup * order.size();
+    const size_t wanted = numGroups * order.size();
+    const size_t available = std::min(wanted, line.numSamples - first);
+    ReadRun(line.start, first, available, samples);
+    for (size_t missing = available; missing < wanted; ++missing)
+        samples[missing] =
+            ColorDifferenceAt(line.start, firstGroup + numGroups - 1, missing % order.size(), line.numSamples);
+    const size_t skipped = x % groupWidth;
+    const auto spread = [&]<size_t width>(std::integral_constant<size_t, width>) {
+        if (line.hasBrightness) SpreadBrightness<width>(samples, order, skipped, count, components[0]);
+        SpreadDifference<width>(samples + order.find('U'), order.size(), skipped, count, components[1]);
+        SpreadDifference<width>(samples + order.find('V'), order.size(), skipped, count, components[2]);
+    };
+    if (groupWidth == 1) return spread(std::integral_constant<size_t, 1>());
+    if (groupWidth == 2) return spread(std::integral_constant<size_t, 2>());
+    spread(std::integral_constant<size_t, 4>());
+}
+
 void LineReader::ReadYCbCr(uint64_t y, uint64_t x, size_t count, uint16_t* const* components)
 {
     const PixelFormat& format = *layout.format;
     const bool semiplanar = format.content.arrangement == KIMG_ARRANGEMENT_SEMIPLANAR;
-    const std::string_view order = format.content.order;
-    const size_t groupWidth = format.GroupWidth();
-    const uint8_t* const line = LineStart(0, y);
-    const uint8_t* const colors = semiplanar ? LineStart(1, y / format.content.groupHeight) : line;
-    const size_t samplesOfLine = planes[semiplanar ? 1 : 0].lineBytes * 8 / format.BitsInMemory();
-    size_t places[4] = {};
-    for (size_t place = 0, found = 0; place < order.size(); ++place)
-    {
-        if (order[place] == 'Y') places[found++] = place;
-    }
-    const size_t u = order.find('U');
-    const size_t v = order.find('V');
-    if (semiplanar) ReadRun(line, x, count, components[0]);
-    for (size_t i = 0; i < count; ++i)
-    {
-        const size_t group = (x + i) / groupWidth;
-        if (!semiplanar) components[0][i] = SampleAt(line, group * order.size() + places[(x + i) % groupWidth]);
-        const bool sameGroup = i > 0 && (x + i) % groupWidth != 0;
-        components[1][i] = sameGroup ? components[1][i - 1] : ColorDifferenceAt(colors, group, u, samplesOfLine);
-        components[2][i] = sameGroup ? components[2][i - 1] : ColorDifferenceAt(colors, group, v, samplesOfLine);
-    }
+    if (semiplanar) ReadRun(LineStart(0, y), x, count, components[0]);
+    const unsigned plane = semiplanar ? 1 : 0;
+    const size_t numSamples = planes[plane].lineBytes * 8 / format.BitsInMemory();
+    const uint8_t* const start = LineStart(plane, semiplanar ? y / format.content.groupHeight : y);
+    ReadColorGroups({start, numSamples, !semiplanar}, x, count, components);
 }
 
 void LineReader::ReadRaw(uint64_t y, uint64_t x, size_t count, uint16_t* const* components)

@@ -29,6 +29,13 @@ private:
     const uint8_t* LineStart(unsigned plane, uint64_t y) const;
     void ReadRun(const uint8_t* line, size_t first, size_t count, uint16_t* values) const;
     void ReadInterleaved(const uint8_t* line, uint64_t x, size_t count, uint16_t* const* components);
+    struct GroupedLine
+    {
+        const uint8_t* start;
+        size_t numSamples;
+        bool hasBrightness;
+    };
+    void ReadColorGroups(const GroupedLine& line, uint64_t x, size_t count, uint16_t* const* components);
     void ReadYCbCr(uint64_t y, uint64_t x, size_t count, uint16_t* const* components);
     uint16_t SampleAt(const uint8_t* line, size_t index) const;
     uint16_t ColorDifferenceAt(const uint8_t* line, size_t group, size_t place, size_t samplesOfLine) const;

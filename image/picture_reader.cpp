@@ -1,6 +1,7 @@
 #include "image/picture_reader.h"
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 
 namespace koro::image
@@ -8,20 +9,6 @@ namespace koro::image
 
 namespace
 {
-
-// Red, green and blue as sums of Y, Cb and Cr, in numbers of 24 bits behind the point.
-struct ColorMatrix
-{
-    int64_t offset; // of Y
-    int64_t neutral;
-    int64_t y;
-    int64_t redOfCr;
-    int64_t greenOfCb;
-    int64_t greenOfCr;
-    int64_t blueOfCb;
-};
-
-constexpr unsigned fraction = 24;
 
 struct Weights
 {
@@ -42,35 +29,35 @@ Weights WeightsOf(ColorSpace space)
     }
 }
 
-int64_t Fixed(double value)
-{
-    return static_cast<int64_t>(value * (1 << fraction) + (value < 0 ? -0.5 : 0.5));
-}
-
-ColorMatrix MatrixOf(ColorSpace space, unsigned bits, double largest)
+// `scale` is the largest result in fixed-point numbers.
+ColorMatrix MatrixOf(ColorSpace space, unsigned bits, double scale)
 {
     const Weights weights = WeightsOf(space);
     const double green = 1 - weights.red - weights.blue;
     const bool full = space == ColorSpace::Full;
     const double unit = static_cast<double>(1u << (bits - 8));
     const double fullRange = static_cast<double>((1u << bits) - 1);
-    const double ofY = largest / (full ? fullRange : 219 * unit);
-    const double ofColor = largest / (full ? fullRange : 224 * unit);
+    const double ofY = scale / (full ? fullRange : 219 * unit);
+    const double ofColor = scale / (full ? fullRange : 224 * unit);
     return {
-        full ? 0 : int64_t{16} << (bits - 8),
-        int64_t{1} << (bits - 1),
-        Fixed(ofY),
-        Fixed(2 * (1 - weights.red) * ofColor),
-        Fixed(-2 * (1 - weights.blue) * weights.blue / green * ofColor),
-        Fixed(-2 * (1 - weights.red) * weights.red / green * ofColor),
-        Fixed(2 * (1 - weights.blue) * ofColor)};
+        full ? 0 : 16 << (bits - 8),
+        1 << (bits - 1),
+        std::llround(ofY),
+        std::llround(2 * (1 - weights.red) * ofColor),
+        std::llround(-2 * (1 - weights.blue) * weights.blue / green * ofColor),
+        std::llround(-2 * (1 - weights.red) * weights.red / green * ofColor),
+        std::llround(2 * (1 - weights.blue) * ofColor)};
 }
 
-template <class T>
-T Rounded(int64_t sum)
+// Words can hold more than the bits of their format; sums of the matrix have room for those only.
+void LimitToRange(uint16_t* const* components, size_t count, unsigned bits)
 {
-    constexpr int64_t half = int64_t{1} << (fraction - 1);
-    return static_cast<T>(std::clamp<int64_t>((sum + half) >> fraction, 0, std::numeric_limits<T>::max()));
+    const auto largest = static_cast<uint16_t>((1u << bits) - 1);
+    for (unsigned component = 0; component < 3; ++component)
+    {
+        for (size_t i = 0; i < count; ++i)
+            components[component][i] = std::min(components[component][i], largest);
+    }
 }
 
 } // namespace
@@ -95,27 +82,22 @@ bool PictureReader<T>::IsGrey() const
     return layout.format->NumComponents() == 1 && !demosaicer;
 }
 
+// Brightness is the green of a grey pixel.
 template <class T>
 void PictureReader<T>::ReadYCbCr(uint64_t y, bool onlyBrightness, T* const* colors)
 {
     uint16_t* const components[] = {raw[0].Pixels(), raw[1].Pixels(), raw[2].Pixels(), nullptr};
     reader.ReadRaw(y, region.x, region.width, components);
-    const ColorMatrix matrix =
-        MatrixOf(layout.format->content.colorSpace, layout.format->samples.bits, std::numeric_limits<T>::max());
-    for (size_t x = 0; x < region.width; ++x)
+    const PixelFormat& format = *layout.format;
+    const double scale = static_cast<double>(std::numeric_limits<T>::max()) * (1 << matrixFraction<T>);
+    const ColorMatrix matrix = MatrixOf(format.content.colorSpace, format.samples.bits, scale);
+    if (onlyBrightness)
     {
-        const int64_t brightness = matrix.y * (components[0][x] - matrix.offset);
-        if (onlyBrightness)
-        {
-            colors[0][x] = Rounded<T>(brightness);
-            continue;
-        }
-        const int64_t cb = components[1][x] - matrix.neutral;
-        const int64_t cr = components[2][x] - matrix.neutral;
-        colors[0][x] = Rounded<T>(brightness + matrix.redOfCr * cr);
-        colors[1][x] = Rounded<T>(brightness + matrix.greenOfCb * cb + matrix.greenOfCr * cr);
-        colors[2][x] = Rounded<T>(brightness + matrix.blueOfCb * cb);
+        for (const unsigned difference : {1u, 2u})
+            std::fill_n(components[difference], region.width, static_cast<uint16_t>(matrix.neutral));
     }
+    LimitToRange(components, region.width, format.samples.bits);
+    PixelsOf<T>(kernels).colors(components, region.width, matrix, colors);
 }
 
 // Both pixels of a pair share red and blue; the last pixel of an odd line takes the one it lacks from the pixel before.
@@ -164,7 +146,13 @@ void PictureReader<T>::ReadBrightness(uint64_t y, T* brightness)
 {
     T* const components[] = {brightness, nullptr, nullptr, nullptr};
     if (IsGrey()) return reader.ReadFull(region.y + y, region.x, region.width, components);
-    if (layout.format->content.kind == KIMG_KIND_YCBCR) return ReadYCbCr(region.y + y, true, components);
+    if (layout.format->content.kind == KIMG_KIND_YCBCR)
+    {
+        T* const grey[] = {lines[0].Pixels(), lines[1].Pixels(), lines[2].Pixels(), nullptr};
+        ReadYCbCr(region.y + y, true, grey);
+        std::copy_n(grey[1], region.width, brightness);
+        return;
+    }
     const T* const* const colors = ReadColors(y);
     PixelsOf<T>(kernels).luma(colors[0], colors[1], colors[2], region.width, brightness);
 }

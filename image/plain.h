@@ -71,14 +71,15 @@ inline void Stretch(const uint16_t* values, size_t count, unsigned bits, uint16_
     }
 }
 
-// Signed numbers wide enough for sums of a few samples.
-template <class T>
-using Wide = int32_t;
+inline void BytesToWords(const uint8_t* line, size_t count, uint16_t* values)
+{
+    std::copy_n(line, count, values);
+}
 
 template <class T>
-T Clamped(Wide<T> value)
+Wide<T> Clamped(int value)
 {
-    return static_cast<T>(std::clamp<Wide<T>>(value, 0, static_cast<T>(~T{0})));
+    return static_cast<Wide<T>>(std::clamp<int>(value, 0, static_cast<T>(~T{0})));
 }
 
 template <class T>
@@ -116,56 +117,55 @@ void Bilinear(const T* above, const T* here, const T* below, size_t width, bool 
     }
 }
 
+template <class T>
+void Widen(const T* samples, size_t width, Wide<T>* wide)
+{
+    std::copy_n(samples, width, wide);
+}
+
 // Both directions: the mean of the two greens, corrected by the curvature of the pixel's own colour. The direction with
 // the smaller sum of slope and curvature is taken; for equal sums the mean of both.
 template <class T>
-void EdgeGreen(const T* const* rows, size_t width, bool greenFirst, T* green)
+void EdgeGreen(const Wide<T>* const* rows, size_t width, bool greenFirst, Wide<T>* green, Wide<T>* difference)
 {
-    using W = Wide<T>;
     for (size_t x = 0; x < width; ++x)
     {
-        const T* const h = rows[2] + x;
+        const Wide<T>* const h = rows[2] + x;
         if ((x % 2 == 0) == greenFirst)
         {
             green[x] = h[0];
+            difference[x] = 0;
             continue;
         }
-        const W up = rows[1][x], down = rows[3][x], left = h[-1], right = h[1];
-        const W curveAcross = 2 * W{h[0]} - h[-2] - h[2];
-        const W curveDown = 2 * W{h[0]} - rows[0][x] - rows[4][x];
-        const W changeAcross = std::abs(left - right) + std::abs(curveAcross);
-        const W changeDown = std::abs(up - down) + std::abs(curveDown);
-        const W across = (2 * (left + right) + curveAcross + 2) >> 2;
-        const W downward = (2 * (up + down) + curveDown + 2) >> 2;
-        const W both = (across + downward + 1) >> 1;
+        const int up = rows[1][x], down = rows[3][x], left = h[-1], right = h[1];
+        const int curveAcross = 2 * h[0] - h[-2] - h[2];
+        const int curveDown = 2 * h[0] - rows[0][x] - rows[4][x];
+        const int changeAcross = std::abs(left - right) + std::abs(curveAcross);
+        const int changeDown = std::abs(up - down) + std::abs(curveDown);
+        const int across = (2 * (left + right) + curveAcross + 2) >> 2;
+        const int downward = (2 * (up + down) + curveDown + 2) >> 2;
+        const int both = (across + downward + 1) >> 1;
         green[x] = Clamped<T>(changeAcross < changeDown ? across : changeDown < changeAcross ? downward : both);
+        difference[x] = static_cast<Wide<T>>(h[0] - green[x]);
     }
 }
 
 template <class T>
-void EdgeColors(const T* const* rows, const T* const* greens, size_t width, bool greenFirst, T* own, T* other)
+void EdgeColors(
+    const Wide<T>* green, const Wide<T>* const* differences, size_t width, bool greenFirst, T* own, T* greenOut,
+    T* other)
 {
-    using W = Wide<T>;
-    const auto difference = [&](size_t row, const T* column, size_t x, int step) {
-        return W{column[static_cast<ptrdiff_t>(x) + step]} - W{greens[row][static_cast<ptrdiff_t>(x) + step]};
-    };
     for (size_t x = 0; x < width; ++x)
     {
-        const W green = greens[1][x];
-        if ((x % 2 == 0) == greenFirst)
-        {
-            const W across = difference(1, rows[1], x, -1) + difference(1, rows[1], x, 1);
-            const W downward = difference(0, rows[0], x, 0) + difference(2, rows[2], x, 0);
-            own[x] = Clamped<T>(green + ((across + 1) >> 1));
-            other[x] = Clamped<T>(green + ((downward + 1) >> 1));
-        }
-        else
-        {
-            const W corners = difference(0, rows[0], x, -1) + difference(0, rows[0], x, 1) +
-                              difference(2, rows[2], x, -1) + difference(2, rows[2], x, 1);
-            own[x] = rows[1][x];
-            other[x] = Clamped<T>(green + ((corners + 2) >> 2));
-        }
+        const Wide<T>* const a = differences[0] + x;
+        const Wide<T>* const h = differences[1] + x;
+        const Wide<T>* const b = differences[2] + x;
+        const bool atGreen = (x % 2 == 0) == greenFirst;
+        const int ownDifference = atGreen ? (h[-1] + h[1] + 1) >> 1 : h[0];
+        const int otherDifference = (atGreen ? a[0] + b[0] + 1 : (a[-1] + a[1] + b[-1] + b[1] + 2) >> 1) >> 1;
+        own[x] = static_cast<T>(Clamped<T>(green[x] + ownDifference));
+        greenOut[x] = static_cast<T>(green[x]);
+        other[x] = static_cast<T>(Clamped<T>(green[x] + otherDifference));
     }
 }
 
@@ -200,6 +200,27 @@ void Luma(const T* red, const T* green, const T* blue, size_t count, T* brightne
     {
         const uint32_t sum = weights[0] * red[x] + weights[1] * green[x] + weights[2] * blue[x];
         brightness[x] = static_cast<T>((sum + (1u << (shift - 1))) >> shift);
+    }
+}
+
+// 64 bits where samples have 16, else 32.
+template <class T>
+void Colors(const uint16_t* const* components, size_t width, const ColorMatrix& matrix, T* const* rgb)
+{
+    using Sum = std::conditional_t<sizeof(T) == 1, int32_t, int64_t>;
+    constexpr unsigned fraction = matrixFraction<T>;
+    const auto rounded = [](Sum sum) {
+        return static_cast<T>(
+            std::clamp<Sum>((sum + (Sum{1} << (fraction - 1))) >> fraction, 0, static_cast<T>(~T{0})));
+    };
+    for (size_t x = 0; x < width; ++x)
+    {
+        const Sum y = static_cast<Sum>(matrix.y) * (components[0][x] - matrix.offset);
+        const Sum cb = components[1][x] - matrix.neutral;
+        const Sum cr = components[2][x] - matrix.neutral;
+        rgb[0][x] = rounded(y + static_cast<Sum>(matrix.redOfCr) * cr);
+        rgb[1][x] = rounded(y + static_cast<Sum>(matrix.greenOfCb) * cb + static_cast<Sum>(matrix.greenOfCr) * cr);
+        rgb[2][x] = rounded(y + static_cast<Sum>(matrix.blueOfCb) * cb);
     }
 }
 

@@ -222,16 +222,16 @@ void Bilinear(const T* above, const T* here, const T* below, size_t width, bool 
     BilinearLine<false>(above, here, below, width, own, green, other);
 }
 
-// Signed numbers twice as wide as a sample.
 template <class T>
-using WideTag = hn::ScalableTag<hwy::MakeSigned<hwy::MakeWide<T>>>;
+using WideTag = hn::ScalableTag<Wide<T>>;
 
 template <class T>
-HWY_INLINE hn::Vec<WideTag<T>> LoadWide(const T* samples)
+void Widen(const T* samples, size_t width, Wide<T>* wide)
 {
     const WideTag<T> d;
     const hn::Rebind<T, WideTag<T>> narrow;
-    return hn::PromoteTo(d, hn::LoadU(narrow, samples));
+    for (size_t x = 0; x < width; x += hn::Lanes(d))
+        hn::StoreU(hn::PromoteTo(d, hn::LoadU(narrow, samples + x)), d, wide + x);
 }
 
 // Demotion limits a value to the range of a sample.
@@ -243,22 +243,24 @@ HWY_INLINE void StoreNarrow(hn::Vec<WideTag<T>> wide, T* samples)
 }
 
 template <bool greenFirst, class T>
-HWY_INLINE void EdgeGreenLine(const T* const* rows, size_t width, T* green)
+HWY_INLINE void EdgeGreenLine(const Wide<T>* const* rows, size_t width, Wide<T>* green, Wide<T>* difference)
 {
     const WideTag<T> d;
     const auto one = hn::Set(d, 1);
     const auto two = hn::Set(d, 2);
+    const auto zero = hn::Zero(d);
+    const auto largest = hn::Set(d, static_cast<T>(~T{0}));
     for (size_t x = 0; x < width; x += hn::Lanes(d))
     {
-        const T* const h = rows[2] + x;
-        const auto center = LoadWide(h);
-        const auto left = LoadWide(h - 1);
-        const auto right = LoadWide(h + 1);
-        const auto up = LoadWide(rows[1] + x);
-        const auto down = LoadWide(rows[3] + x);
+        const Wide<T>* const h = rows[2] + x;
+        const auto center = hn::LoadU(d, h);
+        const auto left = hn::LoadU(d, h - 1);
+        const auto right = hn::LoadU(d, h + 1);
+        const auto up = hn::LoadU(d, rows[1] + x);
+        const auto down = hn::LoadU(d, rows[3] + x);
         const auto twice = hn::Add(center, center);
-        const auto curveAcross = hn::Sub(twice, hn::Add(LoadWide(h - 2), LoadWide(h + 2)));
-        const auto curveDown = hn::Sub(twice, hn::Add(LoadWide(rows[0] + x), LoadWide(rows[4] + x)));
+        const auto curveAcross = hn::Sub(twice, hn::Add(hn::LoadU(d, h - 2), hn::LoadU(d, h + 2)));
+        const auto curveDown = hn::Sub(twice, hn::Add(hn::LoadU(d, rows[0] + x), hn::LoadU(d, rows[4] + x)));
         const auto changeAcross = hn::Add(hn::Abs(hn::Sub(left, right)), hn::Abs(curveAcross));
         const auto changeDown = hn::Add(hn::Abs(hn::Sub(up, down)), hn::Abs(curveDown));
         const auto sumAcross = hn::Add(left, right);
@@ -268,47 +270,89 @@ HWY_INLINE void EdgeGreenLine(const T* const* rows, size_t width, T* green)
         const auto both = hn::ShiftRight<1>(hn::Add(hn::Add(across, downward), one));
         const auto best = hn::IfThenElse(
             hn::Lt(changeAcross, changeDown), across, hn::IfThenElse(hn::Lt(changeDown, changeAcross), downward, both));
-        StoreNarrow<T>(Choose<greenFirst>(center, best), green + x);
+        const auto chosen = Choose<greenFirst>(center, hn::Min(hn::Max(best, zero), largest));
+        hn::StoreU(chosen, d, green + x);
+        hn::StoreU(hn::Sub(center, chosen), d, difference + x);
     }
 }
 
 template <class T>
-void EdgeGreen(const T* const* rows, size_t width, bool greenFirst, T* green)
+void EdgeGreen(const Wide<T>* const* rows, size_t width, bool greenFirst, Wide<T>* green, Wide<T>* difference)
 {
-    if (greenFirst) return EdgeGreenLine<true>(rows, width, green);
-    EdgeGreenLine<false>(rows, width, green);
+    if (greenFirst) return EdgeGreenLine<true, T>(rows, width, green, difference);
+    EdgeGreenLine<false, T>(rows, width, green, difference);
 }
 
+// Two of four neighbours count twice, so that one rounded quotient serves both kinds of pixels.
 template <bool greenFirst, class T>
-HWY_INLINE void EdgeColorsLine(const T* const* rows, const T* const* greens, size_t width, T* own, T* other)
+HWY_INLINE void EdgeColorsLine(
+    const Wide<T>* green, const Wide<T>* const* differences, size_t width, T* own, T* greenOut, T* other)
 {
     const WideTag<T> d;
     const auto one = hn::Set(d, 1);
     const auto two = hn::Set(d, 2);
-    const auto difference = [&](size_t row, size_t x, ptrdiff_t step) HWY_ATTR {
-        const ptrdiff_t column = static_cast<ptrdiff_t>(x) + step;
-        return hn::Sub(LoadWide(rows[row] + column), LoadWide(greens[row] + column));
-    };
     for (size_t x = 0; x < width; x += hn::Lanes(d))
     {
-        const auto green = LoadWide(greens[1] + x);
-        const auto across = hn::Add(difference(1, x, -1), difference(1, x, 1));
-        const auto downward = hn::Add(difference(0, x, 0), difference(2, x, 0));
+        const Wide<T>* const a = differences[0] + x;
+        const Wide<T>* const h = differences[1] + x;
+        const Wide<T>* const b = differences[2] + x;
+        const auto base = hn::LoadU(d, green + x);
+        const auto across = hn::ShiftRight<1>(hn::Add(hn::Add(hn::LoadU(d, h - 1), hn::LoadU(d, h + 1)), one));
+        const auto down = hn::Add(hn::LoadU(d, a), hn::LoadU(d, b));
         const auto corners = hn::Add(
-            hn::Add(difference(0, x, -1), difference(0, x, 1)), hn::Add(difference(2, x, -1), difference(2, x, 1)));
-        const auto ownAtGreen = hn::Add(green, hn::ShiftRight<1>(hn::Add(across, one)));
-        const auto otherAtGreen = hn::Add(green, hn::ShiftRight<1>(hn::Add(downward, one)));
-        const auto otherAtOwn = hn::Add(green, hn::ShiftRight<2>(hn::Add(corners, two)));
-        StoreNarrow<T>(Choose<greenFirst>(ownAtGreen, LoadWide(rows[1] + x)), own + x);
-        StoreNarrow<T>(Choose<greenFirst>(otherAtGreen, otherAtOwn), other + x);
+            hn::Add(hn::LoadU(d, a - 1), hn::LoadU(d, a + 1)), hn::Add(hn::LoadU(d, b - 1), hn::LoadU(d, b + 1)));
+        const auto four = Choose<greenFirst>(hn::Add(down, down), corners);
+        const auto ownDifference = Choose<greenFirst>(across, hn::LoadU(d, h));
+        StoreNarrow<T>(hn::Add(base, ownDifference), own + x);
+        StoreNarrow<T>(base, greenOut + x);
+        StoreNarrow<T>(hn::Add(base, hn::ShiftRight<2>(hn::Add(four, two))), other + x);
     }
 }
 
 template <class T>
-void EdgeColors(const T* const* rows, const T* const* greens, size_t width, bool greenFirst, T* own, T* other)
+void EdgeColors(
+    const Wide<T>* green, const Wide<T>* const* differences, size_t width, bool greenFirst, T* own, T* greenOut,
+    T* other)
 {
-    if (greenFirst) return EdgeColorsLine<true>(rows, greens, width, own, other);
-    EdgeColorsLine<false>(rows, greens, width, own, other);
+    if (greenFirst) return EdgeColorsLine<true, T>(green, differences, width, own, greenOut, other);
+    EdgeColorsLine<false, T>(green, differences, width, own, greenOut, other);
+}
+
+// Sums of 32 bits; results of 16 bits need more and take the plain version.
+void Colors8(const uint16_t* const* components, size_t width, const ColorMatrix& matrix, uint8_t* const* rgb)
+{
+    const hn::ScalableTag<int32_t> d;
+    const hn::Rebind<uint16_t, decltype(d)> words;
+    const hn::Rebind<uint8_t, decltype(d)> bytes;
+    const auto factor = [&](int64_t number) HWY_ATTR { return hn::Set(d, static_cast<int32_t>(number)); };
+    const auto y = factor(matrix.y), redOfCr = factor(matrix.redOfCr), greenOfCb = factor(matrix.greenOfCb);
+    const auto greenOfCr = factor(matrix.greenOfCr), blueOfCb = factor(matrix.blueOfCb);
+    const auto offset = hn::Set(d, matrix.offset), neutral = hn::Set(d, matrix.neutral);
+    const auto half = hn::Set(d, 1 << (matrixFraction<uint8_t> - 1));
+    const auto load = [&](const uint16_t* samples) HWY_ATTR { return hn::PromoteTo(d, hn::LoadU(words, samples)); };
+    for (size_t x = 0; x < width; x += hn::Lanes(d))
+    {
+        const auto base = hn::Add(hn::Mul(hn::Sub(load(components[0] + x), offset), y), half);
+        const auto cb = hn::Sub(load(components[1] + x), neutral);
+        const auto cr = hn::Sub(load(components[2] + x), neutral);
+        const auto store = [&](auto sum, uint8_t* samples) HWY_ATTR {
+            hn::StoreU(hn::DemoteTo(bytes, hn::ShiftRight<matrixFraction<uint8_t>>(sum)), bytes, samples);
+        };
+        store(hn::Add(base, hn::Mul(cr, redOfCr)), rgb[0] + x);
+        store(hn::Add(base, hn::Add(hn::Mul(cb, greenOfCb), hn::Mul(cr, greenOfCr))), rgb[1] + x);
+        store(hn::Add(base, hn::Mul(cb, blueOfCb)), rgb[2] + x);
+    }
+}
+
+void BytesToWords(const uint8_t* line, size_t count, uint16_t* values)
+{
+    const hn::ScalableTag<uint16_t> d;
+    const hn::Rebind<uint8_t, decltype(d)> bytes;
+    const size_t lanes = hn::Lanes(d);
+    size_t done = 0;
+    for (; done + lanes <= count; done += lanes)
+        hn::StoreU(hn::PromoteTo(d, hn::LoadU(bytes, line + done)), d, values + done);
+    plain::BytesToWords(line + done, count - done, values + done);
 }
 
 template <class T>
@@ -400,10 +444,10 @@ void Luma8(const uint8_t* red, const uint8_t* green, const uint8_t* blue, size_t
 }
 
 template <class T>
-constexpr PixelKernels<T> PixelTable(decltype(PixelKernels<T>::luma) luma)
+constexpr PixelKernels<T> PixelTable(decltype(PixelKernels<T>::luma) luma, decltype(PixelKernels<T>::colors) colors)
 {
-    return {Bilinear<T>,    EdgeGreen<T>,     EdgeColors<T>,    Interleave3<T>,
-            Interleave4<T>, Deinterleave3<T>, Deinterleave4<T>, luma};
+    return {Bilinear<T>,    Widen<T>,         EdgeGreen<T>,     EdgeColors<T>, Interleave3<T>,
+            Interleave4<T>, Deinterleave3<T>, Deinterleave4<T>, luma,          colors};
 }
 
 const Kernels& TargetKernels()
@@ -415,10 +459,11 @@ const Kernels& TargetKernels()
         UnpackGvsp10,
         UnpackGvsp12,
         UnpackSwappedWords,
+        BytesToWords,
         Narrow,
         Stretch,
-        PixelTable<uint8_t>(Luma8),
-        PixelTable<uint16_t>(plain::Luma<uint16_t>),
+        PixelTable<uint8_t>(Luma8, Colors8),
+        PixelTable<uint16_t>(plain::Luma<uint16_t>, plain::Colors<uint16_t>),
     };
     return kernels;
 }

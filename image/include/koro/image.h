@@ -205,6 +205,17 @@ typedef struct KIMG_REGION
 } KIMG_REGION;
 KIMG_CHECK_SIZE(KIMG_REGION, 32);
 
+/* Figures of the samples of one component. */
+typedef struct KIMG_STATISTICS
+{
+    double minimum;
+    double maximum;
+    double mean;
+    uint64_t numSamples;   /* those that are counted; of floating-point samples the finite ones */
+    uint64_t numSaturated; /* of these, samples with the largest value of their bits; 0 for floating-point samples */
+} KIMG_STATISTICS;
+KIMG_CHECK_SIZE(KIMG_STATISTICS, 40);
+
 /**
  * Gives the version of the library.
  * @param[out] major, minor, subminor the numbers of the file's name
@@ -320,6 +331,79 @@ KIMG_API KIMG_ReturnCode KIMG_Image_UnpackFloat(
 KIMG_API KIMG_ReturnCode KIMG_Image_Convert(
     const KIMG_IMAGE* image, const void* data, size_t dataSize, const KIMG_REGION* region, int32_t demosaic,
     uint32_t targetFormat, size_t outputStride, void* output, size_t* outputSize);
+
+/**
+ * Makes a small picture for a preview: each pixel of the output is the mean of the pixels that it covers, rounded half
+ * up. Bayer mosaics are filled in bilinearly first.
+ * @param[in] targetFormat              the number of Mono8, RGB8, BGR8, RGBa8 or BGRa8
+ * @param[in] outputWidth, outputHeight pixels, 1 to the size of the region
+ * @return KIMG_RETURN_CODE_OUT_OF_RANGE for an output that is larger than the region
+ */
+KIMG_API KIMG_ReturnCode KIMG_Image_Downscale(
+    const KIMG_IMAGE* image, const void* data, size_t dataSize, const KIMG_REGION* region, uint32_t targetFormat,
+    uint64_t outputWidth, uint64_t outputHeight, size_t outputStride, void* output, size_t* outputSize);
+
+/**
+ * Counts the samples of a component by value. Signed samples are moved up by half of their range; a value beyond the
+ * bits of its format counts as the largest.
+ * @param[in]  componentIndex           0 to KIMG_PIXEL_FORMAT_INFO::numComponents - 1, in the order of
+ * KIMG_Image_Unpack8
+ * @param[out] histogram, histogramSize a number for each value, 2 to the power of bitsPerSample of them; bytes
+ * @return KIMG_RETURN_CODE_NOT_IMPLEMENTED for samples of more than 16 bits
+ */
+KIMG_API KIMG_ReturnCode KIMG_Image_GetHistogram(
+    const KIMG_IMAGE* image, const void* data, size_t dataSize, const KIMG_REGION* region, size_t componentIndex,
+    uint64_t* histogram, size_t* histogramSize);
+
+/**
+ * Gives figures of the samples of a component, as KIMG_Image_UnpackFloat gives them, for every type of sample.
+ * @return KIMG_RETURN_CODE_NOT_AVAILABLE if no sample of the region is a finite number
+ */
+KIMG_API KIMG_ReturnCode KIMG_Image_GetStatistics(
+    const KIMG_IMAGE* image, const void* data, size_t dataSize, const KIMG_REGION* region, size_t componentIndex,
+    KIMG_STATISTICS* statistics);
+
+/*
+ * The next three are for samples of 8 to 16 bits in whole bytes, without a sign, of the kinds mono, Bayer and RGB.
+ * Others are answered with KIMG_RETURN_CODE_NOT_IMPLEMENTED.
+ */
+
+/**
+ * Gives the factors that make the mean of the region grey: green stays as it is.
+ * @return KIMG_RETURN_CODE_NOT_AVAILABLE for a region without red, green or blue light,
+ * KIMG_RETURN_CODE_NOT_IMPLEMENTED for a picture without colours
+ */
+KIMG_API KIMG_ReturnCode KIMG_Image_EstimateGains(
+    const KIMG_IMAGE* image, const void* data, size_t dataSize, const KIMG_REGION* region, double* redGain,
+    double* greenGain, double* blueGain);
+
+/**
+ * Multiplies the colours of a picture in place, before or after demosaicing; rounds half up and stops at the largest
+ * value of the format's bits. Alpha stays as it is.
+ * @param[in,out] data                    the frame
+ * @param[in]     redGain, greenGain, blueGain 0 to 1000
+ */
+KIMG_API KIMG_ReturnCode KIMG_Image_ApplyGains(
+    const KIMG_IMAGE* image, void* data, size_t dataSize, const KIMG_REGION* region, double redGain, double greenGain,
+    double blueGain);
+
+/**
+ * Replaces each sample of a picture in place by its entry in a table. Alpha stays as it is. A sample beyond the bits of
+ * its format counts as the largest.
+ * @param[in,out] data             the frame
+ * @param[in]     table, tableSize 2 to the power of bitsPerSample entries, each within these bits; bytes
+ */
+KIMG_API KIMG_ReturnCode KIMG_Image_ApplyTable(
+    const KIMG_IMAGE* image, void* data, size_t dataSize, const KIMG_REGION* region, const uint16_t* table,
+    size_t tableSize);
+
+/**
+ * Fills a table for KIMG_Image_ApplyTable: largest * (value / largest) ^ (1 / gamma), rounded half up.
+ * @param[in]  gamma            0.01 to 100; above 1 dark places become brighter
+ * @param[in]  bits             of a sample, 8 to 16
+ * @param[out] table, tableSize 2 to the power of `bits` entries; bytes
+ */
+KIMG_API KIMG_ReturnCode KIMG_Table_FillGamma(double gamma, uint32_t bits, uint16_t* table, size_t* tableSize);
 
 #ifdef __cplusplus
 }
