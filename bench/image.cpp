@@ -155,7 +155,48 @@ Row Converting(const char* format, const char* target, size_t pixelBytes, int32_
     return Copying(std::string(format) + " to " + target + remark, step, output->size());
 }
 
+Row Counting(const char* format)
+{
+    auto frame = std::make_shared<Frame>(format);
+    auto histogram = std::make_shared<std::vector<uint64_t>>(size_t{1} << 12);
+    const Step step = [=] {
+        size_t size = 8 * histogram->size();
+        Require(KIMG_Image_GetHistogram(
+            &frame->image, frame->bytes.data(), frame->bytes.size(), nullptr, 0, histogram->data(), &size));
+    };
+    return {std::string(format) + " histogram", step, "", {}};
+}
+
+Row Shrinking(const char* format)
+{
+    auto frame = std::make_shared<Frame>(format);
+    auto output = std::make_shared<Bytes>(3 * 612 * 512);
+    const uint32_t number = Number("RGB8");
+    const Step step = [=] {
+        size_t size = output->size();
+        Require(KIMG_Image_Downscale(
+            &frame->image, frame->bytes.data(), frame->bytes.size(), nullptr, number, 612, 512, 0, output->data(),
+            &size));
+    };
+    return {std::string(format) + " to 612 x 512 RGB8", step, "", {}};
+}
+
 #ifdef KORO_BENCH_OPENCV
+Row BesideOpenCVHistogram(Row row)
+{
+    auto frame = std::make_shared<Frame>("Mono8");
+    row.reference = "OpenCV";
+    row.referenceStep = [=] {
+        const cv::Mat input(static_cast<int>(height), static_cast<int>(width), CV_8UC1, frame->bytes.data());
+        const int channel = 0, numBins = 256;
+        const float range[] = {0, 256};
+        const float* const ranges[] = {range};
+        cv::Mat histogram;
+        cv::calcHist(&input, 1, &channel, cv::Mat(), histogram, 1, &numBins, const_cast<const float**>(ranges));
+    };
+    return row;
+}
+
 Row BesideOpenCV(Row row, const char* format, int code, const char* name)
 {
     auto frame = std::make_shared<Frame>(format);
@@ -185,7 +226,10 @@ std::vector<Row> Rows()
     rows.push_back(Converting("RGB8", "BGR8", 3, bilinear, ""));
     rows.push_back(Converting("RGB8", "Mono8", 1, bilinear, ""));
     rows.push_back(Converting("YUV422_8_UYVY", "RGB8", 3, bilinear, ""));
+    rows.push_back(Counting("Mono12p"));
+    rows.push_back(Shrinking("BayerRG8"));
 #ifdef KORO_BENCH_OPENCV
+    rows.push_back(BesideOpenCVHistogram(Counting("Mono8")));
     // OpenCV names the colours of the second line's second and third pixels.
     cv::setNumThreads(1);
     const auto add = [&](const Row& row, const char* format, int code, const char* name) {

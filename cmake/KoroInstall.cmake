@@ -7,10 +7,12 @@ set(KORO_INSTALL_PRODUCERDIR ${CMAKE_INSTALL_LIBDIR}/${PROJECT_NAME})
 
 # The include folders of the object library are not for consumers, so the package names its own.
 target_include_directories(zvr_koro INTERFACE $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+target_include_directories(zvr_koro_image INTERFACE $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
 set_target_properties(zvr_koro PROPERTIES EXPORT_NAME koro)
-install(TARGETS zvr_koro EXPORT ${PROJECT_NAME}Targets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+set_target_properties(zvr_koro_image PROPERTIES EXPORT_NAME image)
+install(TARGETS zvr_koro zvr_koro_image EXPORT ${PROJECT_NAME}Targets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(EXPORT ${PROJECT_NAME}Targets NAMESPACE zvr:: DESTINATION ${KORO_INSTALL_PACKAGEDIR})
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/koro DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/koro ${PROJECT_SOURCE_DIR}/image/include/koro DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
     FILES_MATCHING PATTERN "*.h" PATTERN "*.hpp")
 
 configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/${PROJECT_NAME}Config.cmake.in
@@ -31,8 +33,10 @@ endif()
 cmake_path(APPEND KORO_PC_LIBDIR "\${prefix}" ${CMAKE_INSTALL_LIBDIR})
 cmake_path(APPEND KORO_PC_INCLUDEDIR "\${prefix}" ${CMAKE_INSTALL_INCLUDEDIR})
 cmake_path(APPEND KORO_PC_PRODUCERDIR "\${prefix}" ${KORO_INSTALL_PRODUCERDIR})
-configure_file(${CMAKE_CURRENT_LIST_DIR}/${PROJECT_NAME}.pc.in ${PROJECT_BINARY_DIR}/${PROJECT_NAME}.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/${PROJECT_NAME}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+foreach(package IN ITEMS ${PROJECT_NAME} ${PROJECT_NAME}_image)
+    configure_file(${CMAKE_CURRENT_LIST_DIR}/${package}.pc.in ${PROJECT_BINARY_DIR}/${package}.pc @ONLY)
+endforeach()
+install(FILES ${PROJECT_BINARY_DIR}/${PROJECT_NAME}.pc ${PROJECT_BINARY_DIR}/${PROJECT_NAME}_image.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
 if(KORO_TOOLS OR KORO_DEVELOPER)
     file(RELATIVE_PATH library_from_tool /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
