@@ -1,5 +1,7 @@
 // What the image library takes for pictures of 2448 x 2048 pixels on one thread, for each version of its inner loops,
 // beside memcpy of the bytes written and, where it was found at build time, beside OpenCV on one thread.
+//
+//   bench_image [--quick] [part of the names of the rows to run]
 #include "bench/measure.h"
 #include <koro/image.h>
 
@@ -119,6 +121,7 @@ void Print(size_t rounds, const std::vector<std::string>& targets, const Row& ro
     }
     if (row.referenceStep) std::printf(" %8.2f %s", reference, row.reference.c_str());
     std::printf("\n");
+    std::fflush(stdout);
 }
 
 // Both lie side by side in memory of their own; the first calls touch all of it.
@@ -251,6 +254,7 @@ std::vector<Row> Rows()
 int main(int argc, char** argv)
 {
     const bool quick = argc > 1 && std::string(argv[1]) == "--quick";
+    const std::string wanted = !quick && argc > 1 ? argv[1] : "";
     try
     {
         const auto targets = Targets();
@@ -260,7 +264,9 @@ int main(int argc, char** argv)
             std::printf(" %7s       ", target.c_str());
         std::printf(" reference\n");
         for (const Row& row : rows)
-            Print(quick ? 1 : 31, targets, row);
+        {
+            if (row.name.find(wanted) != std::string::npos) Print(quick ? 1 : 15, targets, row);
+        }
     }
     catch (const std::exception& exception)
     {

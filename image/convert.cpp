@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <iterator>
 #include <string>
-#include <utility>
 
 namespace koro::image
 {
@@ -27,22 +26,24 @@ constexpr Target targets[] = {
 };
 
 template <class T>
+void WriteWithAlpha(const T* const* colors, size_t width, bool blueFirst, T* pixels)
+{
+    const T* const ordered[] = {colors[blueFirst ? 2 : 0], colors[1], colors[blueFirst ? 0 : 2], colors[3]};
+    PixelsOf<T>(ChosenKernels()).interleave4(ordered, width, pixels);
+}
+
+template <class T>
 void ConvertLines(PictureReader<T>& reader, const KIMG_REGION& region, const Target& target, const Output& output)
 {
-    const PixelKernels<T>& pixels = PixelsOf<T>(ChosenKernels());
-    const auto interleave = target.channels == 3 ? pixels.interleave3 : pixels.interleave4;
     for (uint64_t y = 0; y < region.height; ++y)
     {
         T* const line = reinterpret_cast<T*>(output.LineStart(y));
         if (target.channels == 1)
-        {
             reader.ReadBrightness(y, line);
-            continue;
-        }
-        const T* const* const colors = reader.ReadColors(y);
-        const T* ordered[] = {colors[0], colors[1], colors[2], colors[3]};
-        if (target.blueFirst) std::swap(ordered[0], ordered[2]);
-        interleave(ordered, region.width, line);
+        else if (target.channels == 3)
+            reader.WriteColors(y, target.blueFirst, line);
+        else
+            WriteWithAlpha(reader.ReadColors(y), region.width, target.blueFirst, line);
     }
 }
 

@@ -32,13 +32,15 @@ Demosaicer<T>::Demosaicer(
     for (KeptRaw& kept : rawLines)
     {
         kept.line = Line<T>(region.width + margin);
-        if (method == Method::EdgeAware) kept.wide = Line<Wide<T>>(region.width + margin);
+        if (method == Method::Bilinear) continue;
+        kept.even = Line<Wide<T>>(NumPairs() + margin);
+        kept.odd = Line<Wide<T>>(NumPairs() + margin);
     }
     if (method == Method::Bilinear) return;
     for (KeptGreen& kept : greenLines)
     {
-        kept.green = Line<Wide<T>>(region.width + margin);
-        kept.difference = Line<Wide<T>>(region.width + margin);
+        kept.green = Line<Wide<T>>(NumPairs() + margin);
+        kept.difference = Line<Wide<T>>(NumPairs() + margin);
     }
 }
 
@@ -82,7 +84,12 @@ const typename Demosaicer<T>::KeptRaw& Demosaicer<T>::RawLine(int64_t y)
     {
         Read(source, kept.line.Pixels());
         if (method == Method::EdgeAware)
-            pixels.widen(kept.line.Pixels() - margin, region.width + 2 * margin, kept.wide.Pixels() - margin);
+        {
+            constexpr int64_t pairs = margin / 2;
+            pixels.split(
+                kept.line.Pixels() - margin, NumPairs() + 2 * pairs, kept.even.Pixels() - pairs,
+                kept.odd.Pixels() - pairs);
+        }
         kept.y = source;
     }
     return kept;
@@ -95,13 +102,18 @@ const typename Demosaicer<T>::KeptGreen& Demosaicer<T>::GreenLine(int64_t y)
     KeptGreen& kept = greenLines[source % numKept];
     if (kept.y != source)
     {
-        // Two columns more on each side, since colours look at their neighbours.
+        // From pair -1 to one pair behind the region, since colours look at their neighbours.
         const auto line = static_cast<int64_t>(source);
-        const Wide<T>* rows[5] = {};
-        for (int64_t i = 0; i < 5; ++i)
-            rows[i] = RawLine(line - 2 + i).wide.Pixels() - 2;
-        pixels.edgeGreen(
-            rows, region.width + 4, ColorsOf(source).greenFirst, kept.green.Pixels() - 2, kept.difference.Pixels() - 2);
+        const bool greenFirst = ColorsOf(source).greenFirst;
+        const auto column = [&](int64_t row) {
+            const KeptRaw& raw = RawLine(row);
+            return (greenFirst ? raw.odd : raw.even).Pixels() - 1;
+        };
+        const KeptRaw& raw = RawLine(line);
+        const EdgeGreenInput<T> input = {column(line),     greenFirst ? raw.even.Pixels() - 1 : raw.odd.Pixels() - 2,
+                                         column(line - 1), column(line + 1),
+                                         column(line - 2), column(line + 2)};
+        pixels.edgeGreen(input, NumPairs() + 2, kept.green.Pixels() - 1, kept.difference.Pixels() - 1);
         kept.y = source;
     }
     return kept;
@@ -111,21 +123,49 @@ template <class T>
 void Demosaicer<T>::ReadLine(uint64_t y, T* const* colors)
 {
     const auto line = static_cast<int64_t>(y);
-    const LineColors arrangement = ColorsOf(y);
-    T* const own = colors[arrangement.own];
-    T* const other = colors[2 - arrangement.own];
-    if (method == Method::Bilinear)
-    {
-        pixels.bilinear(
-            RawLine(line - 1).line.Pixels(), RawLine(line).line.Pixels(), RawLine(line + 1).line.Pixels(), region.width,
-            arrangement.greenFirst, own, colors[1], other);
-        return;
-    }
-    const Wide<T>* differences[3] = {};
-    for (int64_t i = 0; i < 3; ++i)
-        differences[i] = GreenLine(line - 1 + i).difference.Pixels();
-    pixels.edgeColors(
-        GreenLine(line).green.Pixels(), differences, region.width, arrangement.greenFirst, own, colors[1], other);
+    const auto [ownColor, greenFirst] = ColorsOf(y);
+    T* const own = colors[ownColor];
+    T* const other = colors[2 - ownColor];
+    if (method == Method::EdgeAware)
+        return pixels.edgeColors(EdgesOf(line, greenFirst), NumPairs(), own, colors[1], other);
+    pixels.bilinear(
+        RawLine(line - 1).line.Pixels(), RawLine(line).line.Pixels(), RawLine(line + 1).line.Pixels(), region.width,
+        greenFirst, own, colors[1], other);
+}
+
+template <class T>
+void Demosaicer<T>::WriteLine(uint64_t y, bool blueFirst, T* const* scratch, T* output)
+{
+    const auto line = static_cast<int64_t>(y);
+    const auto [ownColor, greenFirst] = ColorsOf(y);
+    const bool ownFirst = (ownColor == 0) != blueFirst;
+    if (method == Method::EdgeAware)
+        return pixels.edgePixels(EdgesOf(line, greenFirst), region.width, ownFirst, scratch, output);
+    pixels.bilinearPixels(
+        RawLine(line - 1).line.Pixels(), RawLine(line).line.Pixels(), RawLine(line + 1).line.Pixels(), region.width,
+        greenFirst, ownFirst, scratch, output);
+}
+
+// Where green comes first, own pixel i is right of green pixel i, else left of it.
+template <class T>
+EdgeColorsInput<T> Demosaicer<T>::EdgesOf(int64_t y, bool greenFirst)
+{
+    const KeptGreen& above = GreenLine(y - 1);
+    const KeptGreen& here = GreenLine(y);
+    const KeptGreen& below = GreenLine(y + 1);
+    const KeptRaw& raw = RawLine(y);
+    const ptrdiff_t across = greenFirst ? -1 : 0;
+    const ptrdiff_t corner = greenFirst ? 0 : -1;
+    return {
+        greenFirst,
+        (greenFirst ? raw.odd : raw.even).Pixels(),
+        here.green.Pixels(),
+        (greenFirst ? raw.even : raw.odd).Pixels(),
+        here.difference.Pixels() + across,
+        above.difference.Pixels(),
+        below.difference.Pixels(),
+        above.difference.Pixels() + corner,
+        below.difference.Pixels() + corner};
 }
 
 template class Demosaicer<uint8_t>;

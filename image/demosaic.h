@@ -26,6 +26,8 @@ public:
 
     // Red, green and blue of line `y` of the picture, in the columns of the region. The colours are lines in work.
     void ReadLine(uint64_t y, T* const* colors);
+    // The same as pixels of three samples, red or blue first. `scratch` are three lines in work.
+    void WriteLine(uint64_t y, bool blueFirst, T* const* scratch, T* output);
 
 private:
     static constexpr size_t numKept = 8; // more than the lines that one line of colours needs
@@ -33,13 +35,15 @@ private:
     {
         std::optional<uint64_t> y;
         Line<T> line;
-        Line<Wide<T>> wide; // edge-aware method only
+        Line<Wide<T>> even; // columns, for the edge-aware method only
+        Line<Wide<T>> odd;
     };
     struct KeptGreen
     {
         std::optional<uint64_t> y;
+        // At the pixels of the line that are not green: green, and their difference from it.
         Line<Wide<T>> green;
-        Line<Wide<T>> difference; // of the pixels from green
+        Line<Wide<T>> difference;
     };
     struct LineColors
     {
@@ -50,7 +54,9 @@ private:
     const KeptRaw& RawLine(int64_t y);
     const KeptGreen& GreenLine(int64_t y);
     void Read(uint64_t y, T* line);
+    EdgeColorsInput<T> EdgesOf(int64_t y, bool greenFirst);
     LineColors ColorsOf(uint64_t y) const;
+    size_t NumPairs() const { return (region.width + 1) / 2; }
 
     Layout layout;
     KIMG_REGION region;

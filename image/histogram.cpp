@@ -4,7 +4,6 @@
 #include "image/line_reader.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -15,7 +14,8 @@ namespace koro::image
 namespace
 {
 
-// Neighbouring samples are often equal. Each of eight has a table to itself, so that no count waits for the one before.
+// Counts two neighbours at once in a table of pairs, which takes half of the steps. Pairs take turns in two tables, so
+// that in an even picture no count waits for the one before.
 class ByteCounter
 {
 public:
@@ -23,16 +23,20 @@ public:
     {
         if (pending + count > UINT32_MAX) Collect();
         pending += count;
+        uint32_t* const first = pairs.data();
+        uint32_t* const second = first + numPairs;
         size_t done = 0;
         for (; done + 8 <= count; done += 8)
         {
             uint64_t eight = 0;
             std::memcpy(&eight, samples + done, sizeof eight);
-            for (unsigned i = 0; i < 8; ++i)
-                ++tables[i][(eight >> (8 * i)) & 0xFF];
+            ++first[eight & 0xFFFF];
+            ++second[(eight >> 16) & 0xFFFF];
+            ++first[(eight >> 32) & 0xFFFF];
+            ++second[eight >> 48];
         }
         for (; done < count; ++done)
-            ++tables[0][samples[done]];
+            ++sums[samples[done]];
     }
 
     std::vector<uint64_t> Result()
@@ -42,18 +46,27 @@ public:
     }
 
 private:
+    static constexpr size_t numPairs = 65536;
+
     void Collect()
     {
-        for (auto& table : tables)
+        for (size_t high = 0; high < 256; ++high)
         {
-            for (size_t value = 0; value < table.size(); ++value)
-                sums[value] += table[value];
-            table.fill(0);
+            uint64_t sumOfHigh = 0;
+            for (size_t low = 0; low < 256; ++low)
+            {
+                const size_t pair = 256 * high + low;
+                const uint64_t number = uint64_t{pairs[pair]} + pairs[numPairs + pair];
+                sums[low] += number;
+                sumOfHigh += number;
+            }
+            sums[high] += sumOfHigh;
         }
+        std::fill(pairs.begin(), pairs.end(), 0);
         pending = 0;
     }
 
-    std::array<std::array<uint32_t, 256>, 8> tables{};
+    std::vector<uint32_t> pairs = std::vector<uint32_t>(2 * numPairs);
     std::vector<uint64_t> sums = std::vector<uint64_t>(256);
     uint64_t pending = 0;
 };

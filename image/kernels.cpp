@@ -12,9 +12,9 @@ namespace
 
 template <class T>
 constexpr PixelKernels<T> plainPixels = {
-    plain::Bilinear<T>,      plain::Widen<T>,         plain::EdgeGreen<T>,       plain::EdgeColors<T>,
-    plain::Interleave<3, T>, plain::Interleave<4, T>, plain::Deinterleave<3, T>, plain::Deinterleave<4, T>,
-    plain::Luma<T>,          plain::Colors<T>,
+    plain::Bilinear<T>,        plain::BilinearPixels<T>,  plain::Split<T>,         plain::EdgeGreen<T>,
+    plain::EdgeColors<T>,      plain::EdgePixels<T>,      plain::Interleave<3, T>, plain::Interleave<4, T>,
+    plain::Deinterleave<3, T>, plain::Deinterleave<4, T>, plain::Luma<T>,          plain::Colors<T>,
 };
 
 constexpr Kernels plainKernels = {

@@ -36,6 +36,41 @@ struct ColorMatrix
 template <class T>
 constexpr unsigned matrixFraction = sizeof(T) == 1 ? 20 : 24;
 
+// For the edge-aware method a line is split: every second pixel is green, the others have the line's own colour. Entry
+// i of each array belongs to pixel i of that colour.
+template <class T>
+struct EdgeGreenInput
+{
+    const Wide<T>* own;
+    const Wide<T>* left; // entries i and i + 1 are the green neighbours
+    const Wide<T>* up;   // green above and below
+    const Wide<T>* down;
+    const Wide<T>* up2; // the own colour two lines above and below
+    const Wide<T>* down2;
+};
+
+template <class T>
+struct EdgeColorsInput
+{
+    bool greenFirst; // column 0 is green
+    const Wide<T>* own;
+    const Wide<T>* greenAtOwn;
+    const Wide<T>* green;
+    const Wide<T>* across; // differences of the line; entries i and i + 1 are beside green pixel i
+    const Wide<T>* above;  // differences of the lines above and below; entry i is at green pixel i
+    const Wide<T>* below;
+    const Wide<T>* cornersAbove; // the same; entries i and i + 1 are at the corners of own pixel i
+    const Wide<T>* cornersBelow;
+};
+
+// The input from pixel pair `first` on.
+template <class T>
+EdgeColorsInput<T> From(const EdgeColorsInput<T>& in, size_t first)
+{
+    return {in.greenFirst,    in.own + first,   in.greenAtOwn + first,   in.green + first,       in.across + first,
+            in.above + first, in.below + first, in.cornersAbove + first, in.cornersBelow + first};
+}
+
 template <class T>
 struct PixelKernels
 {
@@ -43,15 +78,18 @@ struct PixelKernels
     // rounded half up. `own` is the colour that shares the line with green.
     void (*bilinear)(
         const T* above, const T* here, const T* below, size_t width, bool greenFirst, T* own, T* green, T* other);
-    // Padded. Signed numbers with room for sums of a few samples.
-    void (*widen)(const T* samples, size_t width, Wide<T>* wide);
-    // Padded. The green of each pixel, along the direction in which the picture changes less, and the difference of
-    // the pixel from it. `rows` are the line and its two neighbours on each side, from the top.
-    void (*edgeGreen)(const Wide<T>* const* rows, size_t width, bool greenFirst, Wide<T>* green, Wide<T>* difference);
-    // Padded. All colours, red and blue by their differences from green. `differences` are three lines from the top.
-    void (*edgeColors)(
-        const Wide<T>* green, const Wide<T>* const* differences, size_t width, bool greenFirst, T* own, T* greenOut,
-        T* other);
+    // The same, written as pixels of three samples: own, green, other, or the other way round. Exact in `pixels`;
+    // `scratch` are three lines in work.
+    void (*bilinearPixels)(
+        const T* above, const T* here, const T* below, size_t width, bool greenFirst, bool ownFirst, T* const* scratch,
+        T* pixels);
+    // Padded. The samples of even and of odd columns, as signed numbers.
+    void (*split)(const T* samples, size_t numPairs, Wide<T>* even, Wide<T>* odd);
+    // Padded. Green at pixels of another colour, and the differences of these pixels from it.
+    void (*edgeGreen)(const EdgeGreenInput<T>& input, size_t count, Wide<T>* green, Wide<T>* difference);
+    // Padded. All colours of a line, red and blue by their differences from green.
+    void (*edgeColors)(const EdgeColorsInput<T>& input, size_t numPairs, T* own, T* green, T* other);
+    void (*edgePixels)(const EdgeColorsInput<T>& input, size_t width, bool ownFirst, T* const* scratch, T* pixels);
     // Exact: read and write `count` pixels. `planes` are lines in work.
     void (*interleave3)(const T* const* planes, size_t count, T* pixels);
     void (*interleave4)(const T* const* planes, size_t count, T* pixels);

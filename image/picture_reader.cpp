@@ -142,6 +142,16 @@ const T* const* PictureReader<T>::ReadColors(uint64_t y)
 }
 
 template <class T>
+void PictureReader<T>::WriteColors(uint64_t y, bool blueFirst, T* pixels)
+{
+    T* const scratch[] = {lines[0].Pixels(), lines[1].Pixels(), lines[2].Pixels()};
+    if (demosaicer) return demosaicer->WriteLine(region.y + y, blueFirst, scratch, pixels);
+    const T* const* const colors = ReadColors(y);
+    const T* const ordered[] = {colors[blueFirst ? 2 : 0], colors[1], colors[blueFirst ? 0 : 2]};
+    PixelsOf<T>(kernels).interleave3(ordered, region.width, pixels);
+}
+
+template <class T>
 void PictureReader<T>::ReadBrightness(uint64_t y, T* brightness)
 {
     T* const components[] = {brightness, nullptr, nullptr, nullptr};

@@ -21,6 +21,8 @@ public:
     // Line `y` of the region. The pointers are red, green, blue and alpha; a grey format gives one line three times,
     // and one without alpha the largest value. They are valid until the next call.
     const T* const* ReadColors(uint64_t y);
+    // Line `y` of the region as pixels of three samples, red or blue first.
+    void WriteColors(uint64_t y, bool blueFirst, T* pixels);
     // The brightness of the line into `brightness`, which has room for the width of the region.
     void ReadBrightness(uint64_t y, T* brightness);
 

@@ -118,54 +118,52 @@ void Bilinear(const T* above, const T* here, const T* below, size_t width, bool 
 }
 
 template <class T>
-void Widen(const T* samples, size_t width, Wide<T>* wide)
+void Split(const T* samples, size_t numPairs, Wide<T>* even, Wide<T>* odd)
 {
-    std::copy_n(samples, width, wide);
+    for (size_t i = 0; i < numPairs; ++i)
+    {
+        even[i] = samples[2 * i];
+        odd[i] = samples[2 * i + 1];
+    }
 }
 
 // Both directions: the mean of the two greens, corrected by the curvature of the pixel's own colour. The direction with
 // the smaller sum of slope and curvature is taken; for equal sums the mean of both.
 template <class T>
-void EdgeGreen(const Wide<T>* const* rows, size_t width, bool greenFirst, Wide<T>* green, Wide<T>* difference)
+void EdgeGreen(const EdgeGreenInput<T>& in, size_t count, Wide<T>* green, Wide<T>* difference)
 {
-    for (size_t x = 0; x < width; ++x)
+    for (size_t i = 0; i < count; ++i)
     {
-        const Wide<T>* const h = rows[2] + x;
-        if ((x % 2 == 0) == greenFirst)
-        {
-            green[x] = h[0];
-            difference[x] = 0;
-            continue;
-        }
-        const int up = rows[1][x], down = rows[3][x], left = h[-1], right = h[1];
-        const int curveAcross = 2 * h[0] - h[-2] - h[2];
-        const int curveDown = 2 * h[0] - rows[0][x] - rows[4][x];
+        const Wide<T>* const own = in.own + i;
+        const int left = in.left[i], right = in.left[i + 1], up = in.up[i], down = in.down[i];
+        const int curveAcross = 2 * own[0] - own[-1] - own[1];
+        const int curveDown = 2 * own[0] - in.up2[i] - in.down2[i];
         const int changeAcross = std::abs(left - right) + std::abs(curveAcross);
         const int changeDown = std::abs(up - down) + std::abs(curveDown);
         const int across = (2 * (left + right) + curveAcross + 2) >> 2;
         const int downward = (2 * (up + down) + curveDown + 2) >> 2;
         const int both = (across + downward + 1) >> 1;
-        green[x] = Clamped<T>(changeAcross < changeDown ? across : changeDown < changeAcross ? downward : both);
-        difference[x] = static_cast<Wide<T>>(h[0] - green[x]);
+        green[i] = Clamped<T>(changeAcross < changeDown ? across : changeDown < changeAcross ? downward : both);
+        difference[i] = static_cast<Wide<T>>(own[0] - green[i]);
     }
 }
 
 template <class T>
-void EdgeColors(
-    const Wide<T>* green, const Wide<T>* const* differences, size_t width, bool greenFirst, T* own, T* greenOut,
-    T* other)
+void EdgeColors(const EdgeColorsInput<T>& in, size_t numPairs, T* own, T* green, T* other)
 {
-    for (size_t x = 0; x < width; ++x)
+    const size_t ownPlace = in.greenFirst ? 1 : 0;
+    const size_t greenPlace = 1 - ownPlace;
+    for (size_t i = 0; i < numPairs; ++i)
     {
-        const Wide<T>* const a = differences[0] + x;
-        const Wide<T>* const h = differences[1] + x;
-        const Wide<T>* const b = differences[2] + x;
-        const bool atGreen = (x % 2 == 0) == greenFirst;
-        const int ownDifference = atGreen ? (h[-1] + h[1] + 1) >> 1 : h[0];
-        const int otherDifference = (atGreen ? a[0] + b[0] + 1 : (a[-1] + a[1] + b[-1] + b[1] + 2) >> 1) >> 1;
-        own[x] = static_cast<T>(Clamped<T>(green[x] + ownDifference));
-        greenOut[x] = static_cast<T>(green[x]);
-        other[x] = static_cast<T>(Clamped<T>(green[x] + otherDifference));
+        const int corners = in.cornersAbove[i] + in.cornersAbove[i + 1] + in.cornersBelow[i] + in.cornersBelow[i + 1];
+        own[2 * i + ownPlace] = static_cast<T>(in.own[i]);
+        green[2 * i + ownPlace] = static_cast<T>(in.greenAtOwn[i]);
+        other[2 * i + ownPlace] = static_cast<T>(Clamped<T>(in.greenAtOwn[i] + ((corners + 2) >> 2)));
+        const int across = in.across[i] + in.across[i + 1];
+        const int downward = in.above[i] + in.below[i];
+        own[2 * i + greenPlace] = static_cast<T>(Clamped<T>(in.green[i] + ((across + 1) >> 1)));
+        green[2 * i + greenPlace] = static_cast<T>(in.green[i]);
+        other[2 * i + greenPlace] = static_cast<T>(Clamped<T>(in.green[i] + ((downward + 1) >> 1)));
     }
 }
 
@@ -201,6 +199,29 @@ void Luma(const T* red, const T* green, const T* blue, size_t count, T* brightne
         const uint32_t sum = weights[0] * red[x] + weights[1] * green[x] + weights[2] * blue[x];
         brightness[x] = static_cast<T>((sum + (1u << (shift - 1))) >> shift);
     }
+}
+
+template <class T>
+void InterleaveColors(T* const* planes, bool ownFirst, size_t count, T* pixels)
+{
+    const T* const ordered[] = {planes[ownFirst ? 0 : 2], planes[1], planes[ownFirst ? 2 : 0]};
+    Interleave<3, T>(ordered, count, pixels);
+}
+
+template <class T>
+void BilinearPixels(
+    const T* above, const T* here, const T* below, size_t width, bool greenFirst, bool ownFirst, T* const* scratch,
+    T* pixels)
+{
+    Bilinear(above, here, below, width, greenFirst, scratch[0], scratch[1], scratch[2]);
+    InterleaveColors(scratch, ownFirst, width, pixels);
+}
+
+template <class T>
+void EdgePixels(const EdgeColorsInput<T>& in, size_t width, bool ownFirst, T* const* scratch, T* pixels)
+{
+    EdgeColors(in, (width + 1) / 2, scratch[0], scratch[1], scratch[2]);
+    InterleaveColors(scratch, ownFirst, width, pixels);
 }
 
 // 64 bits where samples have 16, else 32.

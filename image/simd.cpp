@@ -194,8 +194,9 @@ HWY_INLINE V Choose(V atGreen, V atOwn)
     return greenFirst ? hn::OddEven(atOwn, atGreen) : hn::OddEven(atGreen, atOwn);
 }
 
-template <bool greenFirst, class T>
-HWY_INLINE void BilinearLine(const T* above, const T* here, const T* below, size_t width, T* own, T* green, T* other)
+// Calls `store(x, own, green, other)` for each vector.
+template <bool greenFirst, class T, class Store>
+HWY_INLINE void BilinearLine(const T* above, const T* here, const T* below, size_t width, const Store& store)
 {
     const hn::ScalableTag<T> d;
     const auto one = hn::Set(d, T{1});
@@ -209,58 +210,105 @@ HWY_INLINE void BilinearLine(const T* above, const T* here, const T* below, size
         const auto corners = MeanOfFour(
             hn::LoadU(d, above + x - 1), hn::LoadU(d, above + x + 1), hn::LoadU(d, below + x - 1),
             hn::LoadU(d, below + x + 1), one);
-        hn::StoreU(Choose<greenFirst>(hn::AverageRound(left, right), center), d, own + x);
-        hn::StoreU(Choose<greenFirst>(center, MeanOfFour(left, right, up, down, one)), d, green + x);
-        hn::StoreU(Choose<greenFirst>(hn::AverageRound(up, down), corners), d, other + x);
+        store(
+            x, Choose<greenFirst>(hn::AverageRound(left, right), center),
+            Choose<greenFirst>(center, MeanOfFour(left, right, up, down, one)),
+            Choose<greenFirst>(hn::AverageRound(up, down), corners));
     }
 }
 
 template <class T>
 void Bilinear(const T* above, const T* here, const T* below, size_t width, bool greenFirst, T* own, T* green, T* other)
 {
-    if (greenFirst) return BilinearLine<true>(above, here, below, width, own, green, other);
-    BilinearLine<false>(above, here, below, width, own, green, other);
+    const auto store = [=](size_t x, auto atOwn, auto atGreen, auto atOther) HWY_ATTR {
+        const hn::ScalableTag<T> d;
+        hn::StoreU(atOwn, d, own + x);
+        hn::StoreU(atGreen, d, green + x);
+        hn::StoreU(atOther, d, other + x);
+    };
+    if (greenFirst) return BilinearLine<true>(above, here, below, width, store);
+    BilinearLine<false>(above, here, below, width, store);
+}
+
+template <class V, class T>
+HWY_INLINE void StoreColors(V own, V green, V other, bool ownFirst, T* pixels)
+{
+    const hn::ScalableTag<T> d;
+    if (ownFirst) return hn::StoreInterleaved3(own, green, other, d, pixels);
+    hn::StoreInterleaved3(other, green, own, d, pixels);
+}
+
+// Whole vectors go to the pixels at once, which lets the memory work while the next ones are computed.
+template <class T>
+void BilinearPixels(
+    const T* above, const T* here, const T* below, size_t width, bool greenFirst, bool ownFirst, T* const* scratch,
+    T* pixels)
+{
+    const hn::ScalableTag<T> d;
+    const size_t whole = width / hn::Lanes(d) * hn::Lanes(d);
+    const auto store = [=](size_t x, auto own, auto green, auto other)
+                           HWY_ATTR { StoreColors(own, green, other, ownFirst, pixels + 3 * x); };
+    if (greenFirst)
+        BilinearLine<true>(above, here, below, whole, store);
+    else
+        BilinearLine<false>(above, here, below, whole, store);
+    plain::BilinearPixels(
+        above + whole, here + whole, below + whole, width - whole, greenFirst, ownFirst, scratch, pixels + 3 * whole);
 }
 
 template <class T>
 using WideTag = hn::ScalableTag<Wide<T>>;
 
 template <class T>
-void Widen(const T* samples, size_t width, Wide<T>* wide)
+constexpr int bitsOf = 8 * sizeof(T);
+
+// A pair of samples fills a lane of the wide numbers; the even one is the lower half.
+template <class T>
+void Split(const T* samples, size_t numPairs, Wide<T>* even, Wide<T>* odd)
 {
     const WideTag<T> d;
-    const hn::Rebind<T, WideTag<T>> narrow;
-    for (size_t x = 0; x < width; x += hn::Lanes(d))
-        hn::StoreU(hn::PromoteTo(d, hn::LoadU(narrow, samples + x)), d, wide + x);
+    const hn::RebindToUnsigned<WideTag<T>> pairs;
+    const hn::ScalableTag<T> narrow;
+    const auto lower = hn::Set(pairs, static_cast<T>(~T{0}));
+    for (size_t i = 0; i < numPairs; i += hn::Lanes(d))
+    {
+        const auto both = hn::BitCast(pairs, hn::LoadU(narrow, samples + 2 * i));
+        hn::StoreU(hn::BitCast(d, hn::And(both, lower)), d, even + i);
+        hn::StoreU(hn::BitCast(d, hn::ShiftRight<bitsOf<T>>(both)), d, odd + i);
+    }
 }
 
-// Demotion limits a value to the range of a sample.
+// `even` and `odd` are within the range of a sample.
 template <class T>
-HWY_INLINE void StoreNarrow(hn::Vec<WideTag<T>> wide, T* samples)
+HWY_INLINE hn::Vec<hn::ScalableTag<T>> JoinPairs(hn::Vec<WideTag<T>> even, hn::Vec<WideTag<T>> odd)
 {
-    const hn::Rebind<T, WideTag<T>> narrow;
-    hn::StoreU(hn::DemoteTo(narrow, wide), narrow, samples);
+    const hn::ScalableTag<T> narrow;
+    return hn::BitCast(narrow, hn::Or(even, hn::ShiftLeft<bitsOf<T>>(odd)));
 }
 
-template <bool greenFirst, class T>
-HWY_INLINE void EdgeGreenLine(const Wide<T>* const* rows, size_t width, Wide<T>* green, Wide<T>* difference)
+template <class T>
+HWY_INLINE hn::Vec<WideTag<T>> LimitedToSamples(hn::Vec<WideTag<T>> wide)
+{
+    const WideTag<T> d;
+    return hn::Min(hn::Max(wide, hn::Zero(d)), hn::Set(d, static_cast<T>(~T{0})));
+}
+
+template <class T>
+void EdgeGreen(const EdgeGreenInput<T>& in, size_t count, Wide<T>* green, Wide<T>* difference)
 {
     const WideTag<T> d;
     const auto one = hn::Set(d, 1);
     const auto two = hn::Set(d, 2);
-    const auto zero = hn::Zero(d);
-    const auto largest = hn::Set(d, static_cast<T>(~T{0}));
-    for (size_t x = 0; x < width; x += hn::Lanes(d))
+    for (size_t i = 0; i < count; i += hn::Lanes(d))
     {
-        const Wide<T>* const h = rows[2] + x;
-        const auto center = hn::LoadU(d, h);
-        const auto left = hn::LoadU(d, h - 1);
-        const auto right = hn::LoadU(d, h + 1);
-        const auto up = hn::LoadU(d, rows[1] + x);
-        const auto down = hn::LoadU(d, rows[3] + x);
-        const auto twice = hn::Add(center, center);
-        const auto curveAcross = hn::Sub(twice, hn::Add(hn::LoadU(d, h - 2), hn::LoadU(d, h + 2)));
-        const auto curveDown = hn::Sub(twice, hn::Add(hn::LoadU(d, rows[0] + x), hn::LoadU(d, rows[4] + x)));
+        const auto own = hn::LoadU(d, in.own + i);
+        const auto left = hn::LoadU(d, in.left + i);
+        const auto right = hn::LoadU(d, in.left + i + 1);
+        const auto up = hn::LoadU(d, in.up + i);
+        const auto down = hn::LoadU(d, in.down + i);
+        const auto twice = hn::Add(own, own);
+        const auto curveAcross = hn::Sub(twice, hn::Add(hn::LoadU(d, in.own + i - 1), hn::LoadU(d, in.own + i + 1)));
+        const auto curveDown = hn::Sub(twice, hn::Add(hn::LoadU(d, in.up2 + i), hn::LoadU(d, in.down2 + i)));
         const auto changeAcross = hn::Add(hn::Abs(hn::Sub(left, right)), hn::Abs(curveAcross));
         const auto changeDown = hn::Add(hn::Abs(hn::Sub(up, down)), hn::Abs(curveDown));
         const auto sumAcross = hn::Add(left, right);
@@ -268,54 +316,68 @@ HWY_INLINE void EdgeGreenLine(const Wide<T>* const* rows, size_t width, Wide<T>*
         const auto across = hn::ShiftRight<2>(hn::Add(hn::Add(hn::Add(sumAcross, sumAcross), curveAcross), two));
         const auto downward = hn::ShiftRight<2>(hn::Add(hn::Add(hn::Add(sumDown, sumDown), curveDown), two));
         const auto both = hn::ShiftRight<1>(hn::Add(hn::Add(across, downward), one));
-        const auto best = hn::IfThenElse(
-            hn::Lt(changeAcross, changeDown), across, hn::IfThenElse(hn::Lt(changeDown, changeAcross), downward, both));
-        const auto chosen = Choose<greenFirst>(center, hn::Min(hn::Max(best, zero), largest));
-        hn::StoreU(chosen, d, green + x);
-        hn::StoreU(hn::Sub(center, chosen), d, difference + x);
+        const auto best = LimitedToSamples<T>(hn::IfThenElse(
+            hn::Lt(changeAcross, changeDown), across,
+            hn::IfThenElse(hn::Lt(changeDown, changeAcross), downward, both)));
+        hn::StoreU(best, d, green + i);
+        hn::StoreU(hn::Sub(own, best), d, difference + i);
     }
 }
 
-template <class T>
-void EdgeGreen(const Wide<T>* const* rows, size_t width, bool greenFirst, Wide<T>* green, Wide<T>* difference)
-{
-    if (greenFirst) return EdgeGreenLine<true, T>(rows, width, green, difference);
-    EdgeGreenLine<false, T>(rows, width, green, difference);
-}
-
-// Two of four neighbours count twice, so that one rounded quotient serves both kinds of pixels.
-template <bool greenFirst, class T>
-HWY_INLINE void EdgeColorsLine(
-    const Wide<T>* green, const Wide<T>* const* differences, size_t width, T* own, T* greenOut, T* other)
+// Calls `store(x, own, green, other)` for each vector of pixels.
+template <bool greenFirst, class T, class Store>
+HWY_INLINE void EdgeColorsLine(const EdgeColorsInput<T>& in, size_t numPairs, const Store& store)
 {
     const WideTag<T> d;
     const auto one = hn::Set(d, 1);
     const auto two = hn::Set(d, 2);
-    for (size_t x = 0; x < width; x += hn::Lanes(d))
+    const auto join = [](auto atOwn, auto atGreen)
+                          HWY_ATTR { return greenFirst ? JoinPairs<T>(atGreen, atOwn) : JoinPairs<T>(atOwn, atGreen); };
+    const auto neighbours = [](const Wide<T>* entries) HWY_ATTR {
+        const WideTag<T> tag;
+        return hn::Add(hn::LoadU(tag, entries), hn::LoadU(tag, entries + 1));
+    };
+    for (size_t i = 0; i < numPairs; i += hn::Lanes(d))
     {
-        const Wide<T>* const a = differences[0] + x;
-        const Wide<T>* const h = differences[1] + x;
-        const Wide<T>* const b = differences[2] + x;
-        const auto base = hn::LoadU(d, green + x);
-        const auto across = hn::ShiftRight<1>(hn::Add(hn::Add(hn::LoadU(d, h - 1), hn::LoadU(d, h + 1)), one));
-        const auto down = hn::Add(hn::LoadU(d, a), hn::LoadU(d, b));
-        const auto corners = hn::Add(
-            hn::Add(hn::LoadU(d, a - 1), hn::LoadU(d, a + 1)), hn::Add(hn::LoadU(d, b - 1), hn::LoadU(d, b + 1)));
-        const auto four = Choose<greenFirst>(hn::Add(down, down), corners);
-        const auto ownDifference = Choose<greenFirst>(across, hn::LoadU(d, h));
-        StoreNarrow<T>(hn::Add(base, ownDifference), own + x);
-        StoreNarrow<T>(base, greenOut + x);
-        StoreNarrow<T>(hn::Add(base, hn::ShiftRight<2>(hn::Add(four, two))), other + x);
+        const auto plainGreen = hn::LoadU(d, in.green + i);
+        const auto greenAtOwn = hn::LoadU(d, in.greenAtOwn + i);
+        const auto across = neighbours(in.across + i);
+        const auto downward = hn::Add(hn::LoadU(d, in.above + i), hn::LoadU(d, in.below + i));
+        const auto corners = hn::Add(neighbours(in.cornersAbove + i), neighbours(in.cornersBelow + i));
+        const auto ownAtGreen = hn::Add(plainGreen, hn::ShiftRight<1>(hn::Add(across, one)));
+        const auto otherAtGreen = hn::Add(plainGreen, hn::ShiftRight<1>(hn::Add(downward, one)));
+        const auto otherAtOwn = hn::Add(greenAtOwn, hn::ShiftRight<2>(hn::Add(corners, two)));
+        store(
+            2 * i, join(hn::LoadU(d, in.own + i), LimitedToSamples<T>(ownAtGreen)), join(greenAtOwn, plainGreen),
+            join(LimitedToSamples<T>(otherAtOwn), LimitedToSamples<T>(otherAtGreen)));
     }
 }
 
 template <class T>
-void EdgeColors(
-    const Wide<T>* green, const Wide<T>* const* differences, size_t width, bool greenFirst, T* own, T* greenOut,
-    T* other)
+void EdgeColors(const EdgeColorsInput<T>& in, size_t numPairs, T* own, T* green, T* other)
 {
-    if (greenFirst) return EdgeColorsLine<true, T>(green, differences, width, own, greenOut, other);
-    EdgeColorsLine<false, T>(green, differences, width, own, greenOut, other);
+    const auto store = [=](size_t x, auto atOwn, auto atGreen, auto atOther) HWY_ATTR {
+        const hn::ScalableTag<T> d;
+        hn::StoreU(atOwn, d, own + x);
+        hn::StoreU(atGreen, d, green + x);
+        hn::StoreU(atOther, d, other + x);
+    };
+    if (in.greenFirst) return EdgeColorsLine<true>(in, numPairs, store);
+    EdgeColorsLine<false>(in, numPairs, store);
+}
+
+template <class T>
+void EdgePixels(const EdgeColorsInput<T>& in, size_t width, bool ownFirst, T* const* scratch, T* pixels)
+{
+    const hn::ScalableTag<T> d;
+    const size_t whole = width / hn::Lanes(d) * hn::Lanes(d);
+    const auto store = [=](size_t x, auto own, auto green, auto other)
+                           HWY_ATTR { StoreColors(own, green, other, ownFirst, pixels + 3 * x); };
+    if (in.greenFirst)
+        EdgeColorsLine<true>(in, whole / 2, store);
+    else
+        EdgeColorsLine<false>(in, whole / 2, store);
+    plain::EdgePixels(From(in, whole / 2), width - whole, ownFirst, scratch, pixels + 3 * whole);
 }
 
 // Sums of 32 bits; results of 16 bits need more and take the plain version.
@@ -446,8 +508,8 @@ void Luma8(const uint8_t* red, const uint8_t* green, const uint8_t* blue, size_t
 template <class T>
 constexpr PixelKernels<T> PixelTable(decltype(PixelKernels<T>::luma) luma, decltype(PixelKernels<T>::colors) colors)
 {
-    return {Bilinear<T>,    Widen<T>,         EdgeGreen<T>,     EdgeColors<T>, Interleave3<T>,
-            Interleave4<T>, Deinterleave3<T>, Deinterleave4<T>, luma,          colors};
+    return {Bilinear<T>,    BilinearPixels<T>, Split<T>,         EdgeGreen<T>,     EdgeColors<T>, EdgePixels<T>,
+            Interleave3<T>, Interleave4<T>,    Deinterleave3<T>, Deinterleave4<T>, luma,          colors};
 }
 
 const Kernels& TargetKernels()
