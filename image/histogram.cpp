@@ -14,8 +14,8 @@ namespace koro::image
 namespace
 {
 
-// Counts two neighbours at once in a table of pairs, which takes half of the steps. Pairs take turns in two tables, so
-// that in an even picture no count waits for the one before.
+// Counts two neighbours at once in a table of pairs, which takes half of the steps. It is one table: with a second one
+// the pairs of a picture lie on more pages than the processor keeps at hand.
 class ByteCounter
 {
 public:
@@ -23,17 +23,16 @@ public:
     {
         if (pending + count > UINT32_MAX) Collect();
         pending += count;
-        uint32_t* const first = pairs.data();
-        uint32_t* const second = first + numPairs;
+        uint32_t* const table = pairs.data();
         size_t done = 0;
         for (; done + 8 <= count; done += 8)
         {
             uint64_t eight = 0;
             std::memcpy(&eight, samples + done, sizeof eight);
-            ++first[eight & 0xFFFF];
-            ++second[(eight >> 16) & 0xFFFF];
-            ++first[(eight >> 32) & 0xFFFF];
-            ++second[eight >> 48];
+            ++table[eight & 0xFFFF];
+            ++table[(eight >> 16) & 0xFFFF];
+            ++table[(eight >> 32) & 0xFFFF];
+            ++table[eight >> 48];
         }
         for (; done < count; ++done)
             ++sums[samples[done]];
@@ -46,8 +45,6 @@ public:
     }
 
 private:
-    static constexpr size_t numPairs = 65536;
-
     void Collect()
     {
         for (size_t high = 0; high < 256; ++high)
@@ -55,8 +52,7 @@ private:
             uint64_t sumOfHigh = 0;
             for (size_t low = 0; low < 256; ++low)
             {
-                const size_t pair = 256 * high + low;
-                const uint64_t number = uint64_t{pairs[pair]} + pairs[numPairs + pair];
+                const uint32_t number = pairs[256 * high + low];
                 sums[low] += number;
                 sumOfHigh += number;
             }
@@ -66,7 +62,7 @@ private:
         pending = 0;
     }
 
-    std::vector<uint32_t> pairs = std::vector<uint32_t>(2 * numPairs);
+    std::vector<uint32_t> pairs = std::vector<uint32_t>(65536);
     std::vector<uint64_t> sums = std::vector<uint64_t>(256);
     uint64_t pending = 0;
 };

@@ -71,6 +71,11 @@ PictureReader<T>::PictureReader(
         demosaicer = std::make_unique<Demosaicer<T>>(layout, frame, region, way, kernels);
     for (Line<T>& line : lines)
         line = Line<T>(region.width + 2);
+    if (layout.format->content.kind == KIMG_KIND_BICOLOR)
+    {
+        alternating = Line<T>(region.width + 2);
+        green = Line<T>(region.width + 2);
+    }
     for (Line<uint16_t>& line : raw)
         line = Line<uint16_t>(region.width + 2);
     std::fill_n(lines[3].Pixels(), region.width, std::numeric_limits<T>::max());
@@ -106,8 +111,6 @@ void PictureReader<T>::ReadBiColor(uint64_t y, T* const* colors)
 {
     const uint64_t before = region.x > 0 ? 1 : 0;
     const uint64_t after = region.x + region.width < layout.width ? 1 : 0;
-    Line<T> alternating(region.width + 2);
-    Line<T> green(region.width + 2);
     T* const components[] = {alternating.Pixels(), green.Pixels(), nullptr, nullptr};
     reader.ReadFull(y, region.x - before, region.width + before + after, components);
     const unsigned first = layout.format->content.mosaic == Mosaic::RG ? 0 : 2;

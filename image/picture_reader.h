@@ -38,6 +38,8 @@ private:
     std::unique_ptr<Demosaicer<T>> demosaicer;
     Line<T> lines[4];
     Line<uint16_t> raw[3];
+    Line<T> alternating; // of BiColor, as the next
+    Line<T> green;
     const T* result[4] = {};
 };
 

@@ -2,9 +2,10 @@
 // exists several times. The scalar target, for processors without any other, takes the plain versions.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "image/simd.cpp"
-// Every processor with SSSE3 that is still in use has SSE4 too.
+// Every processor with SSSE3 that is still in use has SSE4 too. AVX-512 was slower than AVX2 in nearly all loops:
+// they wait for memory, and interleaving costs more in wide vectors.
 #ifndef HWY_DISABLED_TARGETS
-#define HWY_DISABLED_TARGETS HWY_SSSE3
+#define HWY_DISABLED_TARGETS (HWY_SSSE3 | HWY_AVX3)
 #endif
 
 #include "image/kernels.h"
@@ -557,9 +558,6 @@ struct SupportedList
 SupportedList FindSupported()
 {
     SupportedList list;
-#if (HWY_TARGETS & HWY_AVX3) != 0
-    list.Add(HWY_AVX3, N_AVX3::TargetKernels);
-#endif
 #if (HWY_TARGETS & HWY_AVX2) != 0
     list.Add(HWY_AVX2, N_AVX2::TargetKernels);
 #endif

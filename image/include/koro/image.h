@@ -235,7 +235,7 @@ KIMG_Library_GetLastError(KIMG_ReturnCode* lastErrorCode, char* lastErrorDescrip
 KIMG_API KIMG_ReturnCode KIMG_Library_GetNumTargets(size_t* numTargets);
 
 /**
- * Gives the name of a version of the inner loops: "AVX3" (AVX-512), "AVX2", "SSE4", "NEON" or "plain".
+ * Gives the name of a version of the inner loops: "AVX2", "SSE4", "NEON" or "plain".
  * @param[in] index 0, the fastest, to the number of versions - 1, which is always "plain"
  */
 KIMG_API KIMG_ReturnCode KIMG_Library_GetTargetName(size_t index, char* name, size_t* nameSize);
