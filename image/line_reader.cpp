@@ -112,15 +112,28 @@ void SpreadBrightness(const uint16_t* samples, std::string_view order, size_t sk
     {
         if (order[place] == 'Y') places[found++] = place;
     }
-    for (size_t i = 0; i < count; ++i)
-        values[i] = samples[(i + skipped) / groupWidth * order.size() + places[(i + skipped) % groupWidth]];
+    const size_t length = order.size();
+    size_t i = 0;
+    for (; skipped == 0 && i + groupWidth <= count; i += groupWidth, samples += length)
+    {
+        for (size_t pixel = 0; pixel < groupWidth; ++pixel)
+            values[i + pixel] = samples[places[pixel]];
+    }
+    // What is left begins with a group, unless the first pixels of a group were skipped.
+    const size_t done = i;
+    for (; i < count; ++i)
+        values[i] = samples[(i - done + skipped) / groupWidth * length + places[(i - done + skipped) % groupWidth]];
 }
 
 template <size_t groupWidth>
 void SpreadDifference(const uint16_t* samples, size_t length, size_t skipped, size_t count, uint16_t* values)
 {
-    for (size_t i = 0; i < count; ++i)
-        values[i] = samples[(i + skipped) / groupWidth * length];
+    size_t i = 0;
+    for (; skipped == 0 && i + groupWidth <= count; i += groupWidth, samples += length)
+        std::fill_n(values + i, groupWidth, *samples);
+    const size_t done = i;
+    for (; i < count; ++i)
+        values[i] = samples[(i - done + skipped) / groupWidth * length];
 }
 
 } // namespace

@@ -101,7 +101,8 @@ void PictureReader<T>::ReadYCbCr(uint64_t y, bool onlyBrightness, T* const* colo
         for (const unsigned difference : {1u, 2u})
             std::fill_n(components[difference], region.width, static_cast<uint16_t>(matrix.neutral));
     }
-    LimitToRange(components, region.width, format.samples.bits);
+    if (format.samples.packing == KIMG_PACKING_WHOLE_BYTES && format.samples.bits != format.BitsInMemory())
+        LimitToRange(components, region.width, format.samples.bits);
     PixelsOf<T>(kernels).colors(components, region.width, matrix, colors);
 }
 
