@@ -3,6 +3,7 @@
 //
 //   bench_image [--quick] [part of the names of the rows to run]
 #include "bench/measure.h"
+#include "image/kernels.h"
 #include <koro/image.h>
 
 #include <cstdint>
@@ -11,11 +12,12 @@
 #include <functional>
 #include <memory>
 #include <random>
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
-#ifdef KORO_BENCH_OPENCV
+#ifdef KORO_HAS_OPENCV
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
 #endif
@@ -25,11 +27,12 @@ namespace
 
 using koro::bench::Median;
 using koro::bench::ProcessorNanosecondsPerCall;
+using koro::image::Kernels;
 using Bytes = std::vector<uint8_t>;
 using Step = std::function<void()>;
 
 constexpr size_t width = 2448;
-constexpr size_t height = 2048;
+size_t height = 2048;
 
 void Require(KIMG_ReturnCode code)
 {
@@ -50,7 +53,8 @@ uint32_t Number(const char* name)
 // A bright disc on a slope with some noise: neither constant nor random.
 uint8_t Scene(size_t x, size_t y, unsigned noise)
 {
-    const double dx = static_cast<double>(x) - width / 2.0, dy = static_cast<double>(y) - height / 2.0;
+    const double dx = static_cast<double>(x) - width / 2.0,
+                 dy = static_cast<double>(y) - static_cast<double>(height) / 2;
     const double disc = dx * dx + dy * dy < 500000 ? 90 : 0;
     return static_cast<uint8_t>(30 + disc + 100.0 * static_cast<double>(x) / width + noise % 16);
 }
@@ -80,30 +84,15 @@ struct Row
     Step referenceStep;
 };
 
-std::vector<std::string> Targets()
-{
-    size_t count = 0;
-    Require(KIMG_Library_GetNumTargets(&count));
-    std::vector<std::string> names;
-    for (size_t index = 0; index < count; ++index)
-    {
-        char name[32];
-        size_t size = sizeof name;
-        Require(KIMG_Library_GetTargetName(index, name, &size));
-        names.emplace_back(name);
-    }
-    return names;
-}
-
 // All columns take turns, in processor time of the thread. Milliseconds; below each the share of the reference's time.
-void Print(size_t rounds, const std::vector<std::string>& targets, const Row& row)
+void Print(size_t rounds, std::span<const Kernels* const> targets, const Row& row)
 {
     std::vector<std::vector<double>> times(targets.size() + 1);
     for (size_t round = 0; round < rounds; ++round)
     {
         for (size_t column = 0; column < targets.size(); ++column)
         {
-            Require(KIMG_Library_UseTarget(targets[column].c_str()));
+            koro::image::ChooseKernels(targets[column]);
             times[column].push_back(1e-6 * ProcessorNanosecondsPerCall(1, row.step));
         }
         if (row.referenceStep) times.back().push_back(1e-6 * ProcessorNanosecondsPerCall(1, row.referenceStep));
@@ -172,18 +161,19 @@ Row Counting(const char* format)
 Row Shrinking(const char* format)
 {
     auto frame = std::make_shared<Frame>(format);
-    auto output = std::make_shared<Bytes>(3 * 612 * 512);
+    const uint64_t outputHeight = height / 4;
+    auto output = std::make_shared<Bytes>(3 * 612 * outputHeight);
     const uint32_t number = Number("RGB8");
     const Step step = [=] {
         size_t size = output->size();
         Require(KIMG_Image_Downscale(
-            &frame->image, frame->bytes.data(), frame->bytes.size(), nullptr, number, 612, 512, 0, output->data(),
-            &size));
+            &frame->image, frame->bytes.data(), frame->bytes.size(), nullptr, number, 612, outputHeight, 0,
+            output->data(), &size));
     };
     return {std::string(format) + " to 612 x 512 RGB8", step, "", {}};
 }
 
-#ifdef KORO_BENCH_OPENCV
+#ifdef KORO_HAS_OPENCV
 Row BesideOpenCVHistogram(Row row)
 {
     auto frame = std::make_shared<Frame>("Mono8");
@@ -230,7 +220,7 @@ std::vector<Row> Rows()
     rows.push_back(Converting("YUV422_8_UYVY", "RGB8", 3, bilinear, ""));
     rows.push_back(Counting("Mono12p"));
     rows.push_back(Shrinking("BayerRG8"));
-#ifdef KORO_BENCH_OPENCV
+#ifdef KORO_HAS_OPENCV
     rows.push_back(BesideOpenCVHistogram(Counting("Mono8")));
     // OpenCV names the colours of the second line's second and third pixels.
     cv::setNumThreads(1);
@@ -254,13 +244,14 @@ int main(int argc, char** argv)
 {
     const bool quick = argc > 1 && std::string(argv[1]) == "--quick";
     const std::string wanted = !quick && argc > 1 ? argv[1] : "";
+    if (quick) height = 64; // the figures mean nothing then
     try
     {
-        const auto targets = Targets();
+        const auto targets = koro::image::SupportedKernels();
         const auto rows = Rows();
         std::printf("%-34s", "ms (share of reference)");
-        for (const std::string& target : targets)
-            std::printf(" %7s       ", target.c_str());
+        for (const Kernels* target : targets)
+            std::printf(" %7s       ", target->name);
         std::printf(" reference\n");
         for (const Row& row : rows)
         {

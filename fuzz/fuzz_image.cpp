@@ -4,6 +4,7 @@
 // offset (2 bytes each), region (4 times 2 bytes, no region if all are zero), stride (2 bytes), width and height of a
 // preview (1 byte each), then the frame.
 #include "fuzz/fuzz_target.h"
+#include "image/kernels.h"
 #include <koro/image.h>
 
 #include <cstring>
@@ -88,10 +89,10 @@ void Produce(const Function& function)
     if (function(nullptr, &size) != KIMG_RETURN_CODE_SUCCESS || size > (std::size_t{1} << 24)) return;
     std::vector<T> outputs[2];
     KIMG_ReturnCode codes[2] = {};
-    const char* const targets[] = {nullptr, "plain"};
+    const koro::image::Kernels* const targets[] = {nullptr, &koro::image::PlainKernels()};
     for (unsigned i = 0; i < 2; ++i)
     {
-        Require(KIMG_Library_UseTarget(targets[i]) == KIMG_RETURN_CODE_SUCCESS, "the inner loops are there");
+        koro::image::ChooseKernels(targets[i]);
         outputs[i].assign(size / sizeof(T), T{77});
         std::size_t written = size;
         codes[i] = function(outputs[i].data(), &written);

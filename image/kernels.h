@@ -124,8 +124,10 @@ struct Kernels
 // All that this processor can run, the fastest first, the plain ones last.
 std::span<const Kernels* const> SupportedKernels();
 
-// The fastest, or those that KIMG_Library_UseTarget has chosen.
+// The fastest, unless a test has chosen others.
 const Kernels& ChosenKernels();
+// For tests and benches, which compare the versions: all later calls of the process use `kernels`; null for the
+// fastest.
 void ChooseKernels(const Kernels* kernels);
 
 const Kernels& PlainKernels();

@@ -27,32 +27,7 @@ KIMG_ReturnCode KIMG_Library_GetLastError(
     });
 }
 
-KIMG_ReturnCode KIMG_Library_GetNumTargets(size_t* numTargets)
+KIMG_ReturnCode KIMG_Library_GetTarget(char* name, size_t* nameSize)
 {
-    return Call([&] {
-        RequirePointer(numTargets, "numTargets");
-        *numTargets = SupportedKernels().size();
-    });
-}
-
-KIMG_ReturnCode KIMG_Library_GetTargetName(size_t index, char* name, size_t* nameSize)
-{
-    return Call([&] {
-        const auto supported = SupportedKernels();
-        if (index >= supported.size()) throw Failure(KIMG_RETURN_CODE_OUT_OF_RANGE, "index is out of range!");
-        WriteText(supported[index]->name, name, "name", nameSize);
-    });
-}
-
-KIMG_ReturnCode KIMG_Library_UseTarget(const char* name)
-{
-    return Call([&] {
-        if (!name) return ChooseKernels(nullptr);
-        for (const Kernels* kernels : SupportedKernels())
-        {
-            if (std::string_view(name) == kernels->name) return ChooseKernels(kernels);
-        }
-        throw Failure(
-            KIMG_RETURN_CODE_NOT_AVAILABLE, "This processor cannot run the target '" + std::string(name) + "'.");
-    });
+    return Call([&] { WriteText(ChosenKernels().name, name, "name", nameSize); });
 }

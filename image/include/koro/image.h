@@ -231,21 +231,11 @@ KIMG_API KIMG_ReturnCode KIMG_Library_GetVersion(uint32_t* major, uint32_t* mino
 KIMG_API KIMG_ReturnCode
 KIMG_Library_GetLastError(KIMG_ReturnCode* lastErrorCode, char* lastErrorDescription, size_t* lastErrorDescriptionSize);
 
-/** Gives the number of versions of the inner loops that this processor can run. */
-KIMG_API KIMG_ReturnCode KIMG_Library_GetNumTargets(size_t* numTargets);
-
 /**
- * Gives the name of a version of the inner loops: "AVX2", "SSE4", "NEON" or "plain".
- * @param[in] index 0, the fastest, to the number of versions - 1, which is always "plain"
+ * Reports which version of the inner loops the library uses on this processor: "AVX2", "SSE4", "NEON" or "plain". All
+ * give the same results; the name explains differences in speed.
  */
-KIMG_API KIMG_ReturnCode KIMG_Library_GetTargetName(size_t index, char* name, size_t* nameSize);
-
-/**
- * Chooses a version of the inner loops for all later calls in the process, for comparisons. All give the same results.
- * @param[in] name from KIMG_Library_GetTargetName; null for the fastest, with which the library starts
- * @return KIMG_RETURN_CODE_NOT_AVAILABLE if this processor cannot run it
- */
-KIMG_API KIMG_ReturnCode KIMG_Library_UseTarget(const char* name);
+KIMG_API KIMG_ReturnCode KIMG_Library_GetTarget(char* name, size_t* nameSize);
 
 /** Gives the number of pixel formats in the table. */
 KIMG_API KIMG_ReturnCode KIMG_PixelFormat_GetNum(size_t* numPixelFormats);

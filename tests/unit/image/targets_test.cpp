@@ -1,4 +1,5 @@
 // Every version of the inner loops gives the results of the plain one, bit for bit.
+#include "image/kernels.h"
 #include "tests/unit/image/sample_picture.h"
 
 #include <cstring>
@@ -6,53 +7,48 @@
 namespace
 {
 
-std::vector<std::string> Targets()
-{
-    size_t count = 0;
-    EXPECT_EQ(KIMG_Library_GetNumTargets(&count), KIMG_RETURN_CODE_SUCCESS);
-    std::vector<std::string> names;
-    for (size_t index = 0; index < count; ++index)
-    {
-        char name[16];
-        size_t size = sizeof name;
-        EXPECT_EQ(KIMG_Library_GetTargetName(index, name, &size), KIMG_RETURN_CODE_SUCCESS);
-        names.emplace_back(name);
-    }
-    return names;
-}
+using koro::image::ChooseKernels;
+using koro::image::Kernels;
+using koro::image::SupportedKernels;
 
-class ChosenTarget : public testing::Test
+class InnerLoops : public testing::Test
 {
 protected:
-    void TearDown() override { EXPECT_EQ(KIMG_Library_UseTarget(nullptr), KIMG_RETURN_CODE_SUCCESS); }
+    void TearDown() override { ChooseKernels(nullptr); }
 };
-
-using InnerLoops = ChosenTarget;
 
 template <class Produce>
 void ExpectEqualOnAllTargets(const std::string& what, const Produce& produce)
 {
-    ASSERT_EQ(KIMG_Library_UseTarget("plain"), KIMG_RETURN_CODE_SUCCESS);
+    ChooseKernels(&koro::image::PlainKernels());
     const auto plain = produce();
-    for (const std::string& target : Targets())
+    for (const Kernels* kernels : SupportedKernels())
     {
-        ASSERT_EQ(KIMG_Library_UseTarget(target.c_str()), KIMG_RETURN_CODE_SUCCESS);
+        ChooseKernels(kernels);
         const auto other = produce();
         ASSERT_EQ(other.size(), plain.size());
-        ASSERT_EQ(std::memcmp(other.data(), plain.data(), plain.size() * sizeof plain[0]), 0) << target << ' ' << what;
+        ASSERT_EQ(std::memcmp(other.data(), plain.data(), plain.size() * sizeof plain[0]), 0)
+            << kernels->name << ' ' << what;
     }
 }
 
-TEST_F(InnerLoops, EndWithThePlainOnes)
+std::string Target()
 {
-    const auto targets = Targets();
-    ASSERT_FALSE(targets.empty());
-    EXPECT_EQ(targets.back(), "plain");
-    EXPECT_EQ(KIMG_Library_UseTarget("abacus"), KIMG_RETURN_CODE_NOT_AVAILABLE);
-    EXPECT_EQ(LastText(), "This processor cannot run the target 'abacus'.");
-    char name[16];
+    char name[16] = {};
     size_t size = sizeof name;
-    EXPECT_EQ(KIMG_Library_GetTargetName(targets.size(), name, &size), KIMG_RETURN_CODE_OUT_OF_RANGE);
+    EXPECT_EQ(KIMG_Library_GetTarget(name, &size), KIMG_RETURN_CODE_SUCCESS);
+    EXPECT_EQ(size, std::string(name).size() + 1);
+    return name;
+}
+
+TEST_F(InnerLoops, AreTheFastestOfTheProcessorAndKnownByName)
+{
+    const auto supported = SupportedKernels();
+    ASSERT_FALSE(supported.empty());
+    EXPECT_STREQ(supported.back()->name, "plain");
+    EXPECT_EQ(Target(), supported.front()->name);
+    ChooseKernels(supported.back());
+    EXPECT_EQ(Target(), "plain");
 }
 
 TEST_F(InnerLoops, UnpackEqually)
