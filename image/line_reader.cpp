@@ -191,38 +191,32 @@ uint16_t LineReader::SampleAt(const uint8_t* line, size_t index) const
     }
 }
 
+// Reads samples that begin on a whole byte; null for packings without such a kernel.
+Kernels::Unpack LineReader::Unpacker() const
+{
+    const Samples& samples = layout.format->samples;
+    if (samples.packing == KIMG_PACKING_GVSP) return samples.bits == 10 ? kernels.gvsp10 : kernels.gvsp12;
+    if (samples.packing == KIMG_PACKING_DENSE)
+    {
+        if (samples.bits == 10) return kernels.dense10;
+        if (samples.bits == 12) return kernels.dense12;
+        return samples.bits == 14 ? plain::UnpackDense<14> : nullptr;
+    }
+    if (samples.packing != KIMG_PACKING_WHOLE_BYTES || samples.type != KIMG_SAMPLE_TYPE_UNSIGNED) return nullptr;
+    if (layout.format->BitsInMemory() == 8) return kernels.bytesToWords;
+    if (layout.format->BitsInMemory() != 16) return nullptr;
+    return layout.bigEndian ? kernels.swappedWords : plain::CopyWords;
+}
+
 void LineReader::ReadRun(const uint8_t* line, size_t first, size_t count, uint16_t* values) const
 {
-    const PixelFormat& format = *layout.format;
-    Kernels::Unpack unpack = nullptr;
-    if (format.samples.packing == KIMG_PACKING_DENSE && format.samples.bits > 8)
-        unpack = format.samples.bits == 10   ? kernels.dense10
-                 : format.samples.bits == 12 ? kernels.dense12
-                                             : plain::UnpackDense<14>;
-    if (format.samples.packing == KIMG_PACKING_GVSP)
-        unpack = format.samples.bits == 10 ? kernels.gvsp10 : kernels.gvsp12;
-    const bool words = format.samples.packing == KIMG_PACKING_WHOLE_BYTES && format.BitsInMemory() == 16 &&
-                       format.samples.type == KIMG_SAMPLE_TYPE_UNSIGNED;
-    const bool bytes = format.samples.packing == KIMG_PACKING_WHOLE_BYTES && format.BitsInMemory() == 8 &&
-                       format.samples.type == KIMG_SAMPLE_TYPE_UNSIGNED;
-    if (bytes) return kernels.bytesToWords(line + first, count, values);
-    if (words && layout.bigEndian) unpack = kernels.swappedWords;
-    if (words && !layout.bigEndian)
-    {
-        std::memcpy(values, line + 2 * first, 2 * count);
-        return;
-    }
+    const Kernels::Unpack unpack = Unpacker();
+    // Eight samples of any packing begin on a whole byte, each sample of whole bytes does.
+    const size_t period = layout.format->samples.packing == KIMG_PACKING_WHOLE_BYTES ? 1 : 8;
     size_t done = 0;
-    if (unpack)
-    {
-        // Eight samples of any packing begin on a whole byte.
-        for (; done < count && (first + done) % 8 != 0; ++done)
-            values[done] = SampleAt(line, first + done);
-        unpack(line + (first + done) * format.BitsInMemory() / 8, count - done, values + done);
-        return;
-    }
-    for (; done < count; ++done)
+    for (; done < count && (!unpack || (first + done) % period != 0); ++done)
         values[done] = SampleAt(line, first + done);
+    if (done < count) unpack(line + (first + done) * layout.format->BitsInMemory() / 8, count - done, values + done);
 }
 
 void LineReader::ReadInterleaved(const uint8_t* line, uint64_t x, size_t count, uint16_t* const* components)

@@ -27,6 +27,7 @@ public:
 
 private:
     const uint8_t* LineStart(unsigned plane, uint64_t y) const;
+    Kernels::Unpack Unpacker() const;
     void ReadRun(const uint8_t* line, size_t first, size_t count, uint16_t* values) const;
     void ReadInterleaved(const uint8_t* line, uint64_t x, size_t count, uint16_t* const* components);
     struct GroupedLine

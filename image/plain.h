@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <type_traits>
 
 namespace koro::image::plain
@@ -46,6 +47,11 @@ void UnpackGvsp(const uint8_t* line, size_t count, uint16_t* values)
         const unsigned low = static_cast<unsigned>(group[1]) >> (second ? 4 : 0);
         values[i] = Word(high << lowBits | (low & mask));
     }
+}
+
+inline void CopyWords(const uint8_t* line, size_t count, uint16_t* values)
+{
+    std::memcpy(values, line, 2 * count);
 }
 
 inline void UnpackSwappedWords(const uint8_t* line, size_t count, uint16_t* values)
