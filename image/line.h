@@ -15,8 +15,9 @@ class Line
 public:
     Line() = default;
     explicit Line(size_t width) : samples((width + lineMargin - 1) / lineMargin * lineMargin + 2 * lineMargin) {}
-    T* Pixels() { return samples.data() + lineMargin; }
-    const T* Pixels() const { return samples.data() + lineMargin; }
+    // Column 0; null for a line without a width.
+    T* Pixels() { return samples.empty() ? nullptr : samples.data() + lineMargin; }
+    const T* Pixels() const { return samples.empty() ? nullptr : samples.data() + lineMargin; }
 
 private:
     std::vector<T> samples;
