@@ -112,6 +112,7 @@ ColorMeans MeansOf(const Layout& layout, const uint8_t* data, const KIMG_REGION&
     for (Line<uint16_t>& line : lines)
         line = Line<uint16_t>(region.width);
     uint16_t* const components[] = {lines[0].Pixels(), lines[1].Pixels(), lines[2].Pixels(), lines[3].Pixels()};
+    const unsigned largest = (1u << format.samples.bits) - 1;
     uint64_t sums[3] = {};
     uint64_t counts[3] = {};
     for (uint64_t y = region.y; y < region.y + region.height; ++y)
@@ -123,7 +124,7 @@ ColorMeans MeansOf(const Layout& layout, const uint8_t* data, const KIMG_REGION&
             for (unsigned component = 0; component < (bayer ? 1u : 3u); ++component)
             {
                 const unsigned color = bayer ? turns.colors[i % 2] : component;
-                sums[color] += components[component][i];
+                sums[color] += std::min<unsigned>(components[component][i], largest);
                 ++counts[color];
             }
         }

@@ -81,6 +81,10 @@ TEST(Gains, AreEstimatedFromTheMeanColours)
     const KIMG_IMAGE bgr = Image("BGR8", 1, 1);
     EXPECT_EQ(KIMG_Image_EstimateGains(&bgr, bytes.data(), 8, nullptr, &red, &green, &blue), KIMG_RETURN_CODE_SUCCESS);
     EXPECT_THAT((std::vector{red, green, blue}), ElementsAre(1, 1, 2));
+    const Bytes beyond = {0xFF, 0x01, 0xFF, 0x03, 0xFF, 0xFF}; // 511, 1023 and more than ten bits
+    const KIMG_IMAGE rgb = Image("RGB10", 1, 1);
+    EXPECT_EQ(KIMG_Image_EstimateGains(&rgb, beyond.data(), 6, nullptr, &red, &green, &blue), KIMG_RETURN_CODE_SUCCESS);
+    EXPECT_THAT((std::vector{red, green, blue}), ElementsAre(1023.0 / 511, 1, 1));
 }
 
 TEST(Gains, CannotBeEstimatedWithoutColours)
