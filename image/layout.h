@@ -4,10 +4,13 @@
 #include "image/format_table.h"
 #include <koro/image.h>
 
+#include <cstddef>
+
 namespace koro::image
 {
 
-// Far beyond any sensor. With them every product in this library stays far below 2^63.
+// Far beyond any sensor. With these limits every product in this library stays far below 2^63.
+static_assert(sizeof(size_t) == 8, "sizes of pictures are computed in 64 bits and used as they are");
 constexpr uint64_t maxSide = 1'000'000;
 constexpr uint64_t maxPadding = 1'000'000;
 constexpr uint64_t maxOffset = uint64_t{1} << 40;
