@@ -28,7 +28,8 @@ KIMG_ReturnCode Call(Work&& work)
     }
     catch (const std::bad_alloc&)
     {
-        return RecordFailure(KIMG_RETURN_CODE_BAD_ALLOC, "There is no memory for the lines in work.");
+        return RecordFailure(
+            KIMG_RETURN_CODE_BAD_ALLOC, "There is not enough memory for the lines that are being processed.");
     }
     catch (const std::exception& exception)
     {

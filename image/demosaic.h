@@ -24,9 +24,9 @@ class Demosaicer
 public:
     Demosaicer(const Layout& picture, const uint8_t* frame, const KIMG_REGION& part, Method way, const Kernels& loops);
 
-    // Red, green and blue of line `y` of the picture, in the columns of the region. The colours are lines in work.
+    // Red, green and blue of line `y` of the picture, in the columns of the region. `colors` are line buffers.
     void ReadLine(uint64_t y, T* const* colors);
-    // The same as pixels of three samples, red or blue first. `scratch` are three lines in work.
+    // The same as pixels of three samples, red or blue first. `scratch` are three line buffers.
     void WriteLine(uint64_t y, bool blueFirst, T* const* scratch, T* output);
 
 private:

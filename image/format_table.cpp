@@ -382,7 +382,8 @@ const char* WhyNoPicture(const PixelFormat& format)
     switch (format.content.kind)
     {
     case KIMG_KIND_SPARSE_FILTER:
-        return "The way from a sparse colour filter to colours is the sensor maker's; unpack the samples instead.";
+        return "How to compute colours from this sparse filter is known only to the maker of the sensor; unpack the "
+               "samples instead.";
     case KIMG_KIND_COORDINATE:
         if (format.NumComponents() == 1) return nullptr;
         return "Coordinates of several axes are no picture; unpack them instead.";
@@ -446,7 +447,7 @@ const char* PixelFormat::WhyNot(uint32_t operation) const noexcept
         return "The number of this withdrawn format states a size that its data do not have.";
     if (operation == KIMG_OPERATION_LAYOUT) return nullptr;
     if (refusal == Refusal::UnknownBitOrder)
-        return "The place of the low bits in this format of GigE Vision 1 is not confirmed by any data.";
+        return "The position of the low bits in this GigE Vision 1 format is not confirmed by any data.";
     if (operation == KIMG_OPERATION_UNPACK_FLOAT) return nullptr;
     if (samples.bits > 16)
         return "The samples have more than 16 bits and no fixed range; unpack them to floats instead.";

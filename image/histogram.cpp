@@ -14,8 +14,8 @@ namespace koro::image
 namespace
 {
 
-// Counts two neighbours at once in a table of pairs, which takes half of the steps. It is one table: with a second one
-// the pairs of a picture lie on more pages than the processor keeps at hand.
+// Counts two neighbours at once in a table of pairs, which takes half of the steps. There is only one table, since two
+// were slower: together they touch more memory pages than the processor keeps translated.
 class ByteCounter
 {
 public:

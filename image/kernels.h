@@ -12,8 +12,8 @@
 namespace koro::image
 {
 
-// Lines in work have this many elements of room in front of column 0, and as many behind the last column rounded up to
-// a multiple of it. Kernels that are marked "padded" may read and write there.
+// A line buffer (line.h) has this many extra elements before column 0, and as many after the last column, which is
+// first rounded up to a multiple of this number. Kernels that are marked "padded" may read and write there.
 constexpr size_t lineMargin = 64;
 
 // Holds sums of a few samples with their sign.
@@ -79,7 +79,7 @@ struct PixelKernels
     void (*bilinear)(
         const T* above, const T* here, const T* below, size_t width, bool greenFirst, T* own, T* green, T* other);
     // The same, written as pixels of three samples: own, green, other, or the other way round. Exact in `pixels`;
-    // `scratch` are three lines in work.
+    // `scratch` are three line buffers.
     void (*bilinearPixels)(
         const T* above, const T* here, const T* below, size_t width, bool greenFirst, bool ownFirst, T* const* scratch,
         T* pixels);
@@ -90,7 +90,7 @@ struct PixelKernels
     // Padded. All colours of a line, red and blue by their differences from green.
     void (*edgeColors)(const EdgeColorsInput<T>& input, size_t numPairs, T* own, T* green, T* other);
     void (*edgePixels)(const EdgeColorsInput<T>& input, size_t width, bool ownFirst, T* const* scratch, T* pixels);
-    // Exact: read and write `count` pixels. `planes` are lines in work.
+    // Exact: read and write `count` pixels. `planes` are line buffers.
     void (*interleave3)(const T* const* planes, size_t count, T* pixels);
     void (*interleave4)(const T* const* planes, size_t count, T* pixels);
     void (*deinterleave3)(const T* pixels, size_t count, T* const* planes);

@@ -1,4 +1,4 @@
-// Line: memory for one line in work, with room at both ends for kernels that read and write whole vectors.
+// Line: a buffer for one line, with extra elements at both ends for kernels that read and write whole vectors.
 #pragma once
 
 #include "image/kernels.h"

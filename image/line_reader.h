@@ -1,7 +1,7 @@
 // LineReader: the components of the pixels of one line, from any layout to one array for each component.
 //
 // Components come in a fixed order: red, green, blue, alpha; Y, Cb, Cr; the axes in the order of the format's name; of
-// BiColor red and blue in turns, then green. Not synchronised: holds a line in work.
+// BiColor red and blue in turns, then green. Not synchronised: holds line buffers.
 #pragma once
 
 #include "image/kernels.h"

@@ -1,6 +1,6 @@
 // PictureReader: the finished colours of the lines of a region, from any format that becomes a picture.
 //
-// Not synchronised: holds lines in work.
+// Not synchronised: holds line buffers.
 #pragma once
 
 #include "image/demosaic.h"

@@ -1,5 +1,6 @@
-#include "image/call.h"
 #include "image/layout.h"
+
+#include "image/call.h"
 #include <koro/image.h>
 
 using namespace koro::image;

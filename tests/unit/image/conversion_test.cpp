@@ -345,8 +345,9 @@ TEST(Conversion, RefusesOtherTargetsAndMethods)
         KIMG_Image_Convert(&sparse, &byte, 1, nullptr, KIMG_DEMOSAIC_BILINEAR, Number("RGB8"), 0, nullptr, &size),
         KIMG_RETURN_CODE_NOT_IMPLEMENTED);
     EXPECT_EQ(
-        LastText(),
-        "SCF1WBWG8: The way from a sparse colour filter to colours is the sensor maker's; unpack the samples instead.");
+        LastText(), "SCF1WBWG8: How to compute colours from this sparse filter is known only to the maker of the "
+                    "sensor; unpack the "
+                    "samples instead.");
 }
 
 } // namespace

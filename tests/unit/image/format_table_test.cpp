@@ -145,7 +145,7 @@ TEST(FormatTable, RefusesWholeFormatsForStatedReasonsOnly)
         "The number of this withdrawn format states a size that its data do not have.");
     EXPECT_EQ(
         Refusal("RGB10V1Packed", KIMG_OPERATION_CONVERT),
-        "The place of the low bits in this format of GigE Vision 1 is not confirmed by any data.");
+        "The position of the low bits in this GigE Vision 1 format is not confirmed by any data.");
     EXPECT_EQ(
         Refusal("Coord3D_ABC32f", KIMG_OPERATION_UNPACK),
         "The samples have more than 16 bits and no fixed range; unpack them to floats instead.");
