@@ -104,6 +104,31 @@ void Produce(const Function& function)
     Require(codes[0] == KIMG_RETURN_CODE_SUCCESS || untouched, "a failure writes nothing");
 }
 
+void ApplyGamma(const Request& r, Bytes& frame)
+{
+    const std::uint32_t bits = 8 + r.smallHeight % 9;
+    std::vector<std::uint16_t> table(std::size_t{1} << bits);
+    std::size_t size = 2 * table.size();
+    Require(
+        KIMG_Table_FillGamma(0.5 + r.smallWidth / 4.0, bits, table.data(), &size) == KIMG_RETURN_CODE_SUCCESS,
+        "the table has room");
+    KIMG_Image_ApplyTable(&r.image, frame.data(), frame.size(), r.part, table.data(), size);
+}
+
+// The planes lie behind each other and end with the picture.
+void CheckPlanes(const KIMG_IMAGE& image, std::uint64_t imageSize)
+{
+    std::uint64_t end = image.imageOffset;
+    KIMG_PLANE plane{};
+    for (std::size_t index = 0; KIMG_Image_GetPlane(&image, index, &plane) == KIMG_RETURN_CODE_SUCCESS; ++index)
+    {
+        Require(plane.offset >= end, "a plane begins after the one before");
+        Require(plane.stride >= plane.lineBytes && plane.numLines > 0, "the lines of a plane do not overlap");
+        end = plane.offset + (plane.numLines - 1) * plane.stride + plane.lineBytes;
+    }
+    Require(end == imageSize, "the last plane ends with the picture");
+}
+
 void Run(const Request& r)
 {
     const auto* const data = r.frame.data();
@@ -144,6 +169,8 @@ void Run(const Request& r)
         KIMG_Image_GetStatistics(&r.image, data, size, r.part, r.smallWidth % 5, &statistics);
         KIMG_Image_EstimateGains(&r.image, data, size, r.part, &gains[0], &gains[1], &gains[2]);
         KIMG_Image_ApplyGains(&r.image, changed.data(), size, r.part, r.smallWidth, gains[1], r.smallHeight);
+        ApplyGamma(r, changed);
+        return;
     }
     }
 }
@@ -157,8 +184,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const KIMG_REGION& region = request.region;
     request.part = region.x == 0 && region.y == 0 && region.width == 0 && region.height == 0 ? nullptr : &region;
     std::uint64_t needed = 0;
-    if (KIMG_Image_GetSize(&request.image, &needed) == KIMG_RETURN_CODE_SUCCESS)
-        Require(needed > request.image.imageOffset, "a picture has bytes behind its offset");
+    if (KIMG_Image_GetSize(&request.image, &needed) == KIMG_RETURN_CODE_SUCCESS) CheckPlanes(request.image, needed);
     Run(request);
     return 0;
 }
