@@ -1,13 +1,15 @@
-# The library stands under its three names, the tool finds it by itself and sees the simulated cameras.
+# Each library stands under its three names, the tool finds it by itself and sees the simulated cameras.
 include(${CMAKE_CURRENT_LIST_DIR}/run.cmake)
 
-file(READ_SYMLINK ${LIBDIR}/libzvr_koro.so development)
-file(READ_SYMLINK ${LIBDIR}/libzvr_koro.so.1 runtime)
-Expect(${development} "^libzvr_koro\\.so\\.1$")
-Expect(${runtime} "^libzvr_koro\\.so\\.${VERSION}$")
+foreach(library IN ITEMS libzvr_koro libzvr_koro_image)
+    file(READ_SYMLINK ${LIBDIR}/${library}.so development)
+    file(READ_SYMLINK ${LIBDIR}/${library}.so.1 runtime)
+    Expect(${development} "^${library}\\.so\\.1$")
+    Expect(${runtime} "^${library}\\.so\\.${VERSION}$")
+endforeach()
 
 foreach(file IN ITEMS share/man/man1/koro.1 share/man/man1/koro-grab.1 share/bash-completion/completions/koro
-    include/koro/koro.h include/koro/koro.hpp share/doc/zvr_koro/LICENSE share/doc/zvr_koro/docs/abi.md)
+    include/koro/koro.h include/koro/koro.hpp include/koro/image.h share/doc/zvr_koro/LICENSE share/doc/zvr_koro/docs/abi.md)
     if(NOT EXISTS ${PREFIX}/${file})
         message(FATAL_ERROR "not installed: ${file}")
     endif()
