@@ -8,7 +8,8 @@ if(NOT DOXYGEN_FOUND)
 endif()
 
 set(KORO_REFERENCE_FOLDER ${PROJECT_BINARY_DIR}/reference)
-set(KORO_REFERENCE_INPUT "${PROJECT_SOURCE_DIR}/include/koro ${PROJECT_SOURCE_DIR}/cmake/doxygen/main.md")
+string(CONCAT KORO_REFERENCE_INPUT "${PROJECT_SOURCE_DIR}/include/koro ${PROJECT_SOURCE_DIR}/image/include/koro "
+    "${PROJECT_SOURCE_DIR}/cmake/doxygen/main.md")
 configure_file(${CMAKE_CURRENT_LIST_DIR}/doxygen/Doxyfile.in ${PROJECT_BINARY_DIR}/Doxyfile @ONLY)
 file(MAKE_DIRECTORY ${KORO_REFERENCE_FOLDER})
 add_custom_target(koro_reference COMMAND Doxygen::doxygen ${PROJECT_BINARY_DIR}/Doxyfile VERBATIM
