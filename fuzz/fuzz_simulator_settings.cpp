@@ -1,8 +1,8 @@
 // The settings file of the simulated cameras. Settings that are accepted must be within the bounds on which the cameras
 // rely.
 #include "fuzz/fuzz_target.h"
-#include "producers/simulator/failure.h"
-#include "producers/simulator/settings.h"
+#include "producers/kit/failure.h"
+#include "producers/simulator/settings/settings.h"
 
 #include <cmath>
 #include <set>

@@ -1,5 +1,5 @@
 // The simulator's default cameras, grabbed through the exports: every pixel is what the documented formula says.
-#include "producers/simulator/pattern.h"
+#include "producers/simulator/frames/pattern.h"
 #include "tests/support/boundary.h"
 #include "tests/support/environment_variable.h"
 #include "tests/support/scripted_producer.h"

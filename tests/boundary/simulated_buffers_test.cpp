@@ -1,6 +1,6 @@
 // Chunks and parts of the simulated cameras, through the exports: what the features show is what the frame was taken
 // with, and the ranges are the documented surface.
-#include "producers/simulator/surface.h"
+#include "producers/simulator/frames/surface.h"
 #include "tests/support/boundary.h"
 #include "tests/support/environment_variable.h"
 #include "tests/support/scripted_producer.h"

@@ -1,7 +1,7 @@
 // What a picture of the simulated camera must look like, worked out from the pattern's formula without the tool's code.
 #pragma once
 
-#include "producers/simulator/pattern.h"
+#include "producers/simulator/frames/pattern.h"
 #include "tools/koro/picture.h"
 
 #include <array>

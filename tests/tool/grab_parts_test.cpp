@@ -1,4 +1,4 @@
-#include "producers/simulator/surface.h"
+#include "producers/simulator/frames/surface.h"
 #include "tests/tool/simulator_settings.h"
 #include "tests/tool/tool_run.h"
 #include "tests/unit/tool/image_files.h"

@@ -4,7 +4,7 @@ file(READ ${FILE} hex HEX)
 file(SHA1 ${FILE} hash)
 string(REGEX REPLACE "(..)" "'\\\\x\\1'," bytes "${hex}")
 string(REGEX REPLACE "(..)" "0x\\1," hashBytes "${hash}")
-file(WRITE ${OUTPUT} "#include \"producers/simulator/description.h\"\n
+file(WRITE ${OUTPUT} "#include \"producers/kit/description.h\"\n
 namespace koro::simulator
 {
 namespace

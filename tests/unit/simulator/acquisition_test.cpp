@@ -1,5 +1,5 @@
 // The acquisition engine: start, stop, counters, pacing, frames.
-#include "producers/simulator/pattern.h"
+#include "producers/simulator/frames/pattern.h"
 #include "tests/unit/simulator/producer.h"
 
 #include <gtest/gtest.h>

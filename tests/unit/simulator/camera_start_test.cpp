@@ -1,5 +1,5 @@
 // When a camera takes images: start and stop, modes, triggers, counters, and the setting that ties it to the stream.
-#include "producers/simulator/pattern.h"
+#include "producers/simulator/frames/pattern.h"
 #include "tests/unit/simulator/feature_map.h"
 
 #include <gtest/gtest.h>

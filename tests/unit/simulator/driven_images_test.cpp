@@ -1,5 +1,5 @@
 // What the features make of the pictures: each expected pixel is computed by the documented formula.
-#include "producers/simulator/pattern.h"
+#include "producers/simulator/frames/pattern.h"
 #include "tests/unit/simulator/feature_map.h"
 
 #include <cmath>

@@ -1,6 +1,6 @@
 // Registers of every module are read and written while images come and devices open and close, of cameras with and
 // without a memory.
-#include "producers/simulator/pattern.h"
+#include "producers/simulator/frames/pattern.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/unit/simulator/producer.h"
 

@@ -1,5 +1,5 @@
 // Delivered pixels equal the documented formulas, in every pixel format; folders are played.
-#include "producers/simulator/pattern.h"
+#include "producers/simulator/frames/pattern.h"
 #include "tests/unit/simulator/producer.h"
 
 #include <filesystem>

@@ -1,4 +1,4 @@
-#include "producers/simulator/kept_file.h"
+#include "producers/simulator/camera/kept_file.h"
 #include "tests/support/temporary_folder.h"
 
 #include <cerrno>

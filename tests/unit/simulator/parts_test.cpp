@@ -1,5 +1,5 @@
 // Multi-part buffers: what the producer says of each part, and that their content is the documented surface.
-#include "producers/simulator/surface.h"
+#include "producers/simulator/frames/surface.h"
 #include "tests/unit/simulator/producer.h"
 
 #include <gtest/gtest.h>

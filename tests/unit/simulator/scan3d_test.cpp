@@ -1,5 +1,5 @@
 // The features of a 3D camera: which parts it sends, in which formats, and how their numbers become places.
-#include "producers/simulator/surface.h"
+#include "producers/simulator/frames/surface.h"
 #include "tests/unit/simulator/feature_map.h"
 
 #include <GenApi/Persistence.h>

@@ -1,0 +1,253 @@
+#include "producers/simulator/face/device.h"
+
+#include "producers/simulator/camera/producer_facts.h"
+#include "producers/simulator/face/data_stream.h"
+#include "producers/simulator/face/interface.h"
+#include "producers/simulator/face/library.h"
+#include "producers/simulator/face/system.h"
+
+#include <utility>
+
+namespace koro::simulator
+{
+namespace
+{
+
+constexpr std::uint64_t timestampTicksPerSecond = 1'000'000'000;
+
+constexpr std::uint64_t standardEndianess = 1; // of DeviceEndianessMechanism
+
+// A number that nothing follows from.
+void AddSetting(RegisterMap& map, std::uint64_t address, std::uint64_t& value, std::uint64_t least, std::uint64_t most)
+{
+    map.AddInteger(
+        address, 4, [&value] { return value; },
+        [&value, least, most](std::uint64_t wanted) {
+            if (wanted < least || wanted > most) RefuseValue("the value is out of range");
+            value = wanted;
+        });
+}
+
+InfoValue TextIfAny(const std::string& text)
+{
+    if (text.empty()) throw Failure(GC_ERR_NOT_AVAILABLE, "the camera has none");
+    return InfoValue::Text(text);
+}
+
+// A camera's registers while it is open: the device learns of each write.
+class WatchedRegisters final : public RegisterSpace
+{
+public:
+    WatchedRegisters(std::shared_ptr<Camera> openedCamera, const std::shared_ptr<Device>& openDevice)
+        : camera(std::move(openedCamera)), device(openDevice)
+    {}
+
+    void Read(std::uint64_t address, std::span<std::byte> out) const override
+    {
+        camera->Registers().space->Read(address, out);
+    }
+    void Write(std::uint64_t address, std::span<const std::byte> in) override
+    {
+        camera->Registers().space->Write(address, in);
+        if (const auto open = device.lock()) open->OnCameraWritten();
+    }
+
+private:
+    const std::shared_ptr<Camera> camera;
+    const std::weak_ptr<Device> device; // it owns these registers
+};
+
+std::unique_ptr<CameraClaim> Claim(const Camera& camera, DEVICE_ACCESS_FLAGS access)
+{
+    const auto& memory = camera.Features().Memory();
+    if (!memory) return nullptr;
+    auto claim = std::make_unique<CameraClaim>(memory, access);
+    // What a process that was killed left running.
+    if (access != DEVICE_ACCESS_READONLY) camera.Features().OnRelease();
+    return claim;
+}
+
+} // namespace
+
+InfoValue DeviceInfo(const Camera& camera, const std::string& id, DEVICE_ACCESS_STATUS status, DEVICE_INFO_CMD command)
+{
+    const CameraSettings& settings = camera.Settings();
+    switch (command)
+    {
+    case DEVICE_INFO_ID:
+        return InfoValue::Text(id);
+    case DEVICE_INFO_VENDOR:
+        return InfoValue::Text(settings.vendor);
+    case DEVICE_INFO_MODEL:
+        return InfoValue::Text(settings.model);
+    case DEVICE_INFO_TLTYPE:
+        return InfoValue::Text(camera.TLType());
+    case DEVICE_INFO_DISPLAYNAME:
+        return InfoValue::Text(camera.DisplayNameUnder(id));
+    case DEVICE_INFO_ACCESS_STATUS:
+        return InfoValue::Int32(status);
+    case DEVICE_INFO_USER_DEFINED_NAME:
+        return TextIfAny(camera.UserName());
+    case DEVICE_INFO_SERIAL_NUMBER:
+        return InfoValue::Text(settings.serial);
+    case DEVICE_INFO_VERSION:
+        return InfoValue::Text(producerVersion);
+    case DEVICE_INFO_TIMESTAMP_FREQUENCY:
+        return InfoValue::UInt64(timestampTicksPerSecond);
+    default:
+        throw Failure(GC_ERR_NOT_IMPLEMENTED, "unknown device information");
+    }
+}
+
+RemoteDevice::RemoteDevice(const Camera& camera, PortRegisters registers, Port::Gate gate)
+    : port(camera.Facts("Device", "Device"), std::move(registers), std::move(gate))
+{}
+
+Device::Device(
+    std::shared_ptr<Interface> parentInterface, std::shared_ptr<Camera> openedCamera, DEVICE_ACCESS_FLAGS openedWith)
+    : parent(std::move(parentInterface)), camera(std::move(openedCamera)), id(camera->Id()), access(openedWith),
+      claim(Claim(*camera, access)),
+      connection(std::make_shared<Connection>(parent->Parent()->TheLibrary().Connection().deadCameraError)),
+      port(camera->Facts("TLDevice", "DevicePort"), MakeRegisters())
+{}
+
+void Device::Connect()
+{
+    const auto gate = [link = connection, readOnly = access == DEVICE_ACCESS_READONLY](bool write) {
+        link->Require();
+        if (write && readOnly) throw Failure(GC_ERR_ACCESS_DENIED, "the device is open for reading only");
+    };
+    PortRegisters registers = camera->Registers();
+    registers.space = std::make_shared<WatchedRegisters>(camera, std::static_pointer_cast<Device>(shared_from_this()));
+    remote = std::make_shared<RemoteDevice>(*camera, std::move(registers), gate);
+    Handles().Add(remote);
+    camera->Features().Events().Attach(
+        [open = std::weak_ptr(std::static_pointer_cast<Device>(shared_from_this()))](std::string packet) {
+            const auto device = open.lock();
+            if (device && device->connection->IsUp()) device->RaiseEvent(EVENT_REMOTE_DEVICE, std::move(packet));
+        });
+}
+
+PortRegisters Device::MakeRegisters()
+{
+    auto map = std::make_shared<RegisterMap>();
+    const NetworkAddress& network = camera->Network();
+    AddCommonRegisters(*map, camera->Facts("TLDevice", "DevicePort"), deviceDescription);
+    map->AddText(0x100, textRegisterBytes, camera->Settings().serial);
+    map->AddInteger(0x140, 4, TransportTypeNumber(camera->TLType()));
+    map->AddInteger(0x144, 4, [this] { return static_cast<std::uint64_t>(AccessStatus()); });
+    map->AddInteger(0x148, 8, timestampTicksPerSecond);
+    map->AddInteger(0x150, 4, camera->TLType() == "GEV" ? 1 : 0);
+    map->AddInteger(0x154, 4, standardEndianess);
+    map->AddInteger(0x180, 8, network.mac);
+    map->AddInteger(0x188, 4, network.ip);
+    map->AddInteger(0x18C, 4, network.mask);
+    map->AddInteger(0x190, 4, network.gateway);
+    AddSetting(*map, 0x1A0, commandTimeout_us, 1'000, 60'000'000);
+    AddRetries(*map);
+    AddSetting(*map, 0x1B0, commandLength, 36, 65535);
+    map->AddText(0x200, textRegisterBytes, DataStream::TheId());
+    map->AddText(0x1100, 512, camera->DisplayNameUnder(id));
+    AddEventRegisters(*map, camera->TLType());
+    return {map, {LocalURL(deviceDescription)}};
+}
+
+void Device::AddRetries(RegisterMap& map)
+{
+    const CommandRetries& retries = camera->Settings().retries;
+    commandRetries = retries.number;
+    if (retries.isReadOnly)
+        map.AddInteger(0x1A4, 4, commandRetries);
+    else
+        AddSetting(map, 0x1A4, commandRetries, 0, retries.maximum);
+    map.AddInteger(0x1A8, 4, retries.maximum);
+    map.AddInteger(0x1AC, 4, (retries.isImplemented ? 1U : 0U) | (retries.isReadOnly ? 2U : 0U));
+}
+
+bool Device::SupportsEvent(EVENT_TYPE type) const noexcept
+{
+    return type >= EVENT_ERROR && type <= EVENT_MODULE && type != EVENT_NEW_BUFFER;
+}
+
+void Device::OnRegistration(EVENT_TYPE type, EventQueue* registration) noexcept
+{
+    if (type == EVENT_REMOTE_DEVICE) camera->Features().Events().SetWanted(registration != nullptr);
+}
+
+InfoValue Device::PacketInfo(EVENT_TYPE type, std::string_view block, EVENT_DATA_INFO_CMD command) const
+{
+    if (type != EVENT_REMOTE_DEVICE) return Module::PacketInfo(type, block, command);
+    return ItemInfo(camera->Features().Events().Packets().First(block), command);
+}
+
+DEVICE_ACCESS_STATUS Device::AccessStatus() const noexcept
+{
+    if (!connection->IsUp()) return DEVICE_ACCESS_STATUS_NOACCESS;
+    return access == DEVICE_ACCESS_READONLY ? DEVICE_ACCESS_STATUS_OPEN_READONLY : DEVICE_ACCESS_STATUS_OPEN_READWRITE;
+}
+
+void Device::RequireStreamAccess() const
+{
+    if (claim && access == DEVICE_ACCESS_READONLY)
+        throw Failure(GC_ERR_ACCESS_DENIED, "the device is open for reading only");
+}
+
+void Device::OnCameraLost()
+{
+    camera->Vanish();
+    if (connection->Lose()) RaiseCameraGone();
+}
+
+void Device::RaiseCameraGone()
+{
+    RaiseEvent(EVENT_ERROR, ErrorBlock(connection->FailureCode(), "the camera is gone"));
+}
+
+void Device::SilenceStream()
+{
+    if (const auto stream = FindOpenStream()) stream->CutOff();
+}
+
+std::shared_ptr<DataStream> Device::FindOpenStream() const
+{
+    return streams.Find(DataStream::TheId());
+}
+
+void Device::OnInterruption()
+{
+    if (!connection->Interrupt()) return;
+    SilenceStream();
+    RaiseCameraGone();
+}
+
+void Device::OnRestoration()
+{
+    if (connection->Restore()) camera->Features().Announce();
+}
+
+void Device::OnCameraWritten()
+{
+    camera->VanishAfterReset();
+    if (!camera->IsPresent()) OnCameraLost();
+}
+
+std::shared_ptr<DataStream> Device::OpenStream(const std::string& streamId)
+{
+    if (streamId != DataStream::TheId()) throw Failure(GC_ERR_INVALID_ID, "there is no stream '" + streamId + "'");
+    RequireConnection();
+    return streams.Open(streamId, [this] {
+        return std::make_shared<DataStream>(std::static_pointer_cast<Device>(shared_from_this()));
+    });
+}
+
+void Device::OnClose()
+{
+    camera->Features().Events().Detach();
+    streams.CloseAll();
+    if (!connection->IsLost() && access != DEVICE_ACCESS_READONLY) camera->Features().OnRelease();
+    remote->Close();
+    claim.reset();
+    parent->Forget(*this);
+}
+
+} // namespace koro::simulator

@@ -1,0 +1,129 @@
+#include "producers/simulator/face/plug_control.h"
+
+#include "producers/kit/failure.h"
+#include "producers/simulator/face/library.h"
+#include "producers/simulator/face/system.h"
+
+#include <algorithm>
+
+namespace koro::simulator
+{
+
+PlugControl::PlugControl(System& owningSystem, const Library& library)
+    : system(owningSystem), settings(library.Connection()), requests(system),
+      script(settings, [this](const ConnectionStep& step) { Perform(step); })
+{
+    for (const auto& interface : library.Interfaces())
+        for (const auto& camera : interface->cameras)
+            places.push_back({interface, camera});
+}
+
+void PlugControl::AddRegisters(RegisterMap& map)
+{
+    const auto maximum = [this]() -> std::uint64_t { return std::max<std::size_t>(places.size(), 1) - 1; };
+    map.AddInteger(
+        0x1C0, 4, [this]() -> std::uint64_t { return selector; },
+        [this, maximum](std::uint64_t value) {
+            if (value > maximum()) RefuseValue("there are fewer cameras");
+            selector = value;
+        });
+    map.AddInteger(0x1C4, 4, maximum());
+    map.AddInteger(0x1C8, 4, places.size());
+    map.AddInteger(0x1CC, 4, [this]() -> std::uint64_t { return Selected().camera->IsUnplugged() ? 0 : 1; });
+    map.AddAction(0x1D0, [this] { PerformOnSelected(ConnectionStep::Kind::Unplug); });
+    map.AddAction(0x1D4, [this] { PerformOnSelected(ConnectionStep::Kind::Replug); });
+    map.AddAction(0x1D8, [this] { script.Step(); });
+    map.AddInteger(0x1DC, 4, [this]() -> std::uint64_t { return script.CanStep() ? 1 : 0; });
+    map.AddInteger(0x1E0, 8, [this] { return script.StepsLeft(); });
+    requests.AddRegisters(map, [this](const EventRequest& request) { SendOfSelected(request); });
+    map.AddText(0x1400, 256, [this] { return Selected().camera->Id(); });
+}
+
+bool PlugControl::IsUnpluggedAt(const Camera& camera, std::uint64_t frame)
+{
+    return script.OnFrame(camera.Settings().serial, frame);
+}
+
+void PlugControl::OnMissed(const Camera& camera)
+{
+    script.OnMissed(camera.Settings().serial);
+}
+
+const PlugControl::Place& PlugControl::Selected() const
+{
+    const std::uint64_t index = selector;
+    if (index >= places.size()) throw Failure(GC_ERR_NOT_AVAILABLE, "there are no cameras");
+    return places[index];
+}
+
+void PlugControl::PerformOnSelected(ConnectionStep::Kind kind)
+{
+    ConnectionStep step;
+    step.camera = Selected().camera->Settings().serial;
+    step.kind = kind;
+    Perform(step);
+}
+
+void PlugControl::SendOfSelected(const EventRequest& request)
+{
+    const bool needsCamera = request.module != EventModule::System;
+    const bool isSent = needsCamera ? requests.Send(request, Selected().interface->id, Selected().camera->Id())
+                                    : requests.Send(request, {}, {});
+    if (!isSent) throw Failure(GC_ERR_NOT_AVAILABLE, "the module is not open");
+}
+
+void PlugControl::Perform(const ConnectionStep& step)
+{
+    const std::lock_guard lock(mutex);
+    const auto place = std::find_if(places.begin(), places.end(), [&step](const Place& candidate) {
+        return candidate.camera->Settings().serial == step.camera;
+    });
+    if (place == places.end()) return;
+    if (step.kind == ConnectionStep::Kind::Send)
+    {
+        requests.Send(step.event, place->interface->id, place->camera->Id());
+        return;
+    }
+    const auto open = system.FindOpenInterface(place->interface->id);
+    bool isNews = true;
+    if (step.kind == ConnectionStep::Kind::Unplug) isNews = Unplug(*place, open);
+    if (step.kind == ConnectionStep::Kind::Replug) isNews = Replug(*place, open);
+    if (isNews && open) Tell(*place, *open, step);
+}
+
+bool PlugControl::Unplug(const Place& place, const std::shared_ptr<Interface>& open)
+{
+    if (!place.camera->Unplug(!settings.resumes)) return false;
+    if (open) open->OnUnplugged(*place.camera, settings.resumes);
+    return true;
+}
+
+bool PlugControl::Replug(Place& place, const std::shared_ptr<Interface>& open)
+{
+    if (!place.camera->Replug()) return false;
+    ++place.numReplugs;
+    if (open) open->OnReplugged(*place.camera);
+    return true;
+}
+
+void PlugControl::Tell(const Place& place, const Interface& open, const ConnectionStep& step)
+{
+    ConnectionRecord record;
+    record.interface = open.Handle();
+    SetDeviceId(record, place.camera->Id());
+    record.deviceFlag = 1;
+    record.changeKind = cameraWent;
+    if (step.kind == ConnectionStep::Kind::Replug)
+    {
+        record.changeKind = cameraCame;
+        record.reconnectFlag1 = settings.resumes ? 1 : 0;
+        record.reconnectFlag2 = settings.resumes ? 1 : 0;
+        record.reconnectValue = place.numReplugs;
+    }
+    system.RaiseEvent(connectionEvent, RecordBlock(record, step.record, settings.recordBytes));
+    if (!settings.listRecords || step.kind == ConnectionStep::Kind::Tell) return;
+    record.deviceFlag = 0;
+    system.RaiseEvent(connectionEvent, RecordBlock(record, {}, settings.recordBytes));
+}
+
+} // namespace koro::simulator

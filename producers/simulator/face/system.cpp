@@ -1,0 +1,132 @@
+#include "producers/simulator/face/system.h"
+
+#include "producers/simulator/camera/producer_facts.h"
+#include "producers/simulator/face/library.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace koro::simulator
+{
+namespace
+{
+
+PortFacts FactsOf(const Library& library)
+{
+    return {library.Id(), vendorName, modelName, library.TLType(), "TLSystem", "TLPort", producerVersion};
+}
+
+} // namespace
+
+System::System(std::shared_ptr<Library> owningLibrary)
+    : library(std::move(owningLibrary)), plugs(*this, *library), port(FactsOf(*library), MakeRegisters())
+{}
+
+PortRegisters System::MakeRegisters()
+{
+    auto map = std::make_shared<RegisterMap>();
+    AddCommonRegisters(*map, FactsOf(*library), systemDescription);
+    map->AddText(0x100, 64, library->Info(TL_INFO_DISPLAYNAME).bytes);
+    map->AddInteger(0x140, 4, TransportTypeNumber(library->TLType()));
+    map->AddInteger(0x144, 4, library->VersionMajor());
+    map->AddInteger(0x148, 4, library->VersionMinor());
+    map->AddInteger(0x14C, 4, sfncVersionMajor);
+    map->AddInteger(0x150, 4, sfncVersionMinor);
+    map->AddAction(0x160, [this] { UpdateInterfaces(); });
+    map->AddInteger(
+        0x164, 4, [this] { return updateTimeout_ms; }, [this](std::uint64_t value) { updateTimeout_ms = value; });
+    map->AddText(0x1100, 256, library->Info(TL_INFO_NAME).bytes);
+    map->AddText(0x2000, 4096, Library::PathName());
+    AddInterfaceRegisters(*map);
+    plugs.AddRegisters(*map);
+    AddEventRegisters(*map, library->TLType());
+    return {map, {LocalURL(systemDescription)}};
+}
+
+void System::AddInterfaceRegisters(RegisterMap& map)
+{
+    const auto maximum = [this]() -> std::uint64_t { return std::max<std::size_t>(NumInterfaces(), 1) - 1; };
+    map.AddInteger(
+        0x168, 4, [this] { return interfaceSelector; },
+        [this, maximum](std::uint64_t value) {
+            if (value > maximum()) RefuseValue("the list has fewer interfaces");
+            interfaceSelector = value;
+        });
+    map.AddInteger(0x16C, 4, maximum);
+    map.AddInteger(0x170, 4, [this] { return NumInterfaces(); });
+    map.AddInteger(0x174, 4, [this]() -> std::uint64_t {
+        return NumInterfaces() > 0 && SelectedInterface().tlType == "GEV" ? 1 : 0;
+    });
+    map.AddInteger(0x178, 4, [this] { return TransportTypeNumber(SelectedInterface().tlType); });
+    map.AddInteger(0x180, 8, [this] { return SelectedInterface().network.mac; });
+    map.AddInteger(0x188, 4, [this] { return SelectedInterface().network.ip; });
+    map.AddInteger(0x18C, 4, [this] { return SelectedInterface().network.mask; });
+    map.AddText(0x1200, 256, [this] { return SelectedInterface().id; });
+    map.AddText(0x1300, 256, [this] { return SelectedInterface().displayName; });
+}
+
+const InterfaceModel& System::SelectedInterface() const
+{
+    if (interfaceSelector >= NumInterfaces()) throw Failure(GC_ERR_NOT_AVAILABLE, "the list was not updated yet");
+    return *library->Interfaces()[interfaceSelector];
+}
+
+const std::string& System::Id() const noexcept
+{
+    return library->Id();
+}
+
+bool System::UpdateInterfaces()
+{
+    const std::lock_guard lock(mutex);
+    const bool changed = !isListed && !library->Interfaces().empty();
+    isListed = true;
+    return changed;
+}
+
+std::size_t System::NumInterfaces() const
+{
+    const std::lock_guard lock(mutex);
+    return isListed ? library->Interfaces().size() : 0;
+}
+
+std::string System::InterfaceIdAt(std::uint32_t index) const
+{
+    const std::size_t number = NumInterfaces();
+    if (index >= number) throw Failure(GC_ERR_INVALID_INDEX, "the list has " + std::to_string(number) + " interfaces");
+    return library->Interfaces()[index]->id;
+}
+
+std::shared_ptr<const InterfaceModel> System::FindInterface(const std::string& name) const
+{
+    for (const auto& model : library->Interfaces())
+        if (model->id == name || model->displayName == name) return model;
+    throw Failure(GC_ERR_INVALID_ID, "there is no interface '" + name + "'");
+}
+
+std::shared_ptr<Interface> System::OpenInterface(const std::string& name)
+{
+    const auto model = FindInterface(name);
+    return interfaces.Open(model->id, [&] {
+        return std::make_shared<Interface>(std::static_pointer_cast<System>(shared_from_this()), model);
+    });
+}
+
+bool System::SupportsEvent(EVENT_TYPE type) const noexcept
+{
+    return (type == connectionEvent && plugs.RecordBytes() > 0) || Module::SupportsEvent(type);
+}
+
+std::size_t System::MaxBlockBytes(EVENT_TYPE type) const noexcept
+{
+    return type == connectionEvent ? plugs.RecordBytes() : Module::MaxBlockBytes(type);
+}
+
+void System::OnClose()
+{
+    plugs.Stop();
+    interfaces.CloseAll();
+    library->Forget(*this);
+}
+
+} // namespace koro::simulator
