@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-namespace koro::simulator
+namespace koro::kit
 {
 
 // Child has Id().
@@ -75,4 +75,4 @@ private:
     bool closed = false;
 };
 
-} // namespace koro::simulator
+} // namespace koro::kit

@@ -1,10 +1,12 @@
-// Description: a GenICam description file, embedded at build time from descriptions/*.xml.
+// Description: a GenICam description file, embedded at build time; cmake/EmbedDescription.cmake makes one of a file.
+//
+// The schema version is 1.1.0 and the version of the file 1.0.0.
 #pragma once
 
 #include <array>
 #include <string_view>
 
-namespace koro::simulator
+namespace koro::kit
 {
 
 struct Description
@@ -14,22 +16,4 @@ struct Description
     std::array<unsigned char, 20> sha1;
 };
 
-// All have schema version 1.1.0 and file version 1.0.0.
-extern const Description systemDescription;
-extern const Description interfaceDescription;
-extern const Description deviceDescription;
-extern const Description streamDescription;
-
-// Of cameras, by transport; the same zipped.
-extern const Description gevDescription;
-extern const Description gevArchiveDescription;
-extern const Description u3vDescription;
-extern const Description u3vArchiveDescription;
-extern const Description clDescription;
-extern const Description clArchiveDescription;
-extern const Description plainDescription;
-extern const Description plainArchiveDescription;
-extern const Description iidcDescription;
-extern const Description iidcArchiveDescription;
-
-} // namespace koro::simulator
+} // namespace koro::kit

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-namespace koro::simulator
+namespace koro::kit
 {
 namespace
 {
@@ -152,4 +152,4 @@ ReceivedItem EventPackets::First(std::string_view packet) const
     return {NumberAt(item, 2, Order()), item};
 }
 
-} // namespace koro::simulator
+} // namespace koro::kit

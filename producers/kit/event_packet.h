@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-namespace koro::simulator
+namespace koro::kit
 {
 
 enum class EventForm
@@ -61,4 +61,4 @@ private:
     bool hasExtendedIds; // of GEV
 };
 
-} // namespace koro::simulator
+} // namespace koro::kit

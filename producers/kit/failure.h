@@ -1,4 +1,4 @@
-// Failure: the way a call of the simulator ends without success: code and text for the last error.
+// Failure: the way a call of a producer ends without success: code and text for the last error.
 //
 // Thrown below the entry points and caught there; none ever leaves an exported function.
 #pragma once
@@ -9,7 +9,7 @@
 #include <string>
 #include <utility>
 
-namespace koro::simulator
+namespace koro::kit
 {
 
 class Failure : public std::exception
@@ -18,6 +18,8 @@ public:
     Failure(GC_ERROR code, std::string text) : failureCode(code), failureText(std::move(text)) {}
 
     GC_ERROR Code() const noexcept { return failureCode; }
+    // What GCGetLastError reports of it.
+    virtual GC_ERROR RecordedCode() const noexcept { return failureCode; }
     const char* what() const noexcept override { return failureText.c_str(); }
 
 private:
@@ -37,4 +39,4 @@ inline void RequirePointer(const void* pointer, const char* name)
     if (IsInvalidPointer(pointer)) throw Failure(GC_ERR_INVALID_PARAMETER, std::string(name) + " is no valid pointer");
 }
 
-} // namespace koro::simulator
+} // namespace koro::kit

@@ -1,4 +1,4 @@
-// The GenTL header as this producer sees it: functions exported, names usable without prefix inside the simulator.
+// The GenTL header as this producer sees it: functions exported, names usable without prefix inside the kit.
 #pragma once
 
 #ifndef GENTL_PRODUCER
@@ -8,7 +8,7 @@
 
 #include <cstdint>
 
-namespace koro::simulator
+namespace koro::kit
 {
-using namespace GenTL; // NOLINT(google-build-using-namespace): the simulator is written in the words of the standard
+using namespace GenTL; // NOLINT(google-build-using-namespace): the kit is written in the words of the standard
 }

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-namespace koro::simulator
+namespace koro::kit
 {
 namespace
 {
@@ -60,4 +60,4 @@ const HandleRegistry::Shard& HandleRegistry::ShardOf(void* handle) const noexcep
     return shards[reinterpret_cast<std::uintptr_t>(handle) / handleStride % shards.size()];
 }
 
-} // namespace koro::simulator
+} // namespace koro::kit

@@ -13,7 +13,7 @@
 #include <mutex>
 #include <unordered_map>
 
-namespace koro::simulator
+namespace koro::kit
 {
 
 // Whatever has a handle.
@@ -43,11 +43,18 @@ public:
 
     void Clear() noexcept;
 
-    // Throws GC_ERR_INVALID_HANDLE for a null or dead handle and for one of another kind.
+    // Null for a null or dead handle and for one of another kind.
+    template <typename T>
+    std::shared_ptr<T> TryFind(void* handle) const
+    {
+        return std::dynamic_pointer_cast<T>(Lookup(handle));
+    }
+
+    // Throws GC_ERR_INVALID_HANDLE in place of null.
     template <typename T>
     std::shared_ptr<T> Find(void* handle) const
     {
-        auto object = std::dynamic_pointer_cast<T>(Lookup(handle));
+        auto object = TryFind<T>(handle);
         if (!object) throw Failure(deadHandleCode, "the handle is null, closed or of another kind");
         return object;
     }
@@ -74,4 +81,4 @@ private:
 // The one of this loaded file.
 HandleRegistry& Handles() noexcept;
 
-} // namespace koro::simulator
+} // namespace koro::kit

@@ -4,7 +4,7 @@
 
 #include <cstring>
 
-namespace koro::simulator
+namespace koro::kit
 {
 namespace
 {
@@ -86,4 +86,4 @@ void InfoOutput::Write(const InfoValue& value) const
     *type = value.type;
 }
 
-} // namespace koro::simulator
+} // namespace koro::kit

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-namespace koro::simulator
+namespace koro::kit
 {
 
 // Scalars fit into the string's own memory, so making one allocates nothing.
@@ -40,4 +40,4 @@ struct InfoOutput
     void Write(const InfoValue& value) const;
 };
 
-} // namespace koro::simulator
+} // namespace koro::kit

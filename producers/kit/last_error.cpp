@@ -2,7 +2,7 @@
 
 #include <cstdio>
 
-namespace koro::simulator
+namespace koro::kit
 {
 namespace
 {
@@ -16,6 +16,12 @@ struct Record
 thread_local Record record{};
 
 } // namespace
+
+void RecordLastError(GC_ERROR code, const char* text) noexcept
+{
+    record.code = code;
+    std::snprintf(record.text, sizeof record.text, "%s", text);
+}
 
 void RecordLastError(GC_ERROR code, const char* function, const char* text) noexcept
 {
@@ -38,4 +44,4 @@ const char* LastErrorText() noexcept
     return HasLastError() ? record.text : "No Error";
 }
 
-} // namespace koro::simulator
+} // namespace koro::kit

@@ -7,11 +7,12 @@
 
 #include <cstddef>
 
-namespace koro::simulator
+namespace koro::kit
 {
 
 inline constexpr std::size_t lastErrorCapacity = 2048; // bytes with terminator; longer texts are cut
 
+void RecordLastError(GC_ERROR code, const char* text) noexcept;
 // The text is stored as "<function>: <text>".
 void RecordLastError(GC_ERROR code, const char* function, const char* text) noexcept;
 
@@ -23,4 +24,4 @@ GC_ERROR LastErrorCode() noexcept;
 // "No Error" as long as this thread has recorded nothing.
 const char* LastErrorText() noexcept;
 
-} // namespace koro::simulator
+} // namespace koro::kit

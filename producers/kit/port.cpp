@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <utility>
 
-namespace koro::simulator
+namespace koro::kit
 {
 
 std::string DescriptionURL::Text() const
@@ -164,4 +164,4 @@ InfoValue Port::URLInfo(std::uint32_t index, URL_INFO_CMD command) const
     }
 }
 
-} // namespace koro::simulator
+} // namespace koro::kit

@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-namespace koro::simulator
+namespace koro::kit
 {
 
 // Where the common registers and the description lie in every map of this producer.
@@ -90,4 +90,4 @@ private:
     const Gate gate;
 };
 
-} // namespace koro::simulator
+} // namespace koro::kit

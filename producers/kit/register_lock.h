@@ -6,7 +6,7 @@
 
 #include <mutex>
 
-namespace koro::simulator
+namespace koro::kit
 {
 
 class RegisterLock
@@ -57,4 +57,4 @@ private:
     Sharing* sharing = nullptr;
 };
 
-} // namespace koro::simulator
+} // namespace koro::kit

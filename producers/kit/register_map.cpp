@@ -9,7 +9,7 @@
 #include <stdexcept>
 #include <utility>
 
-namespace koro::simulator
+namespace koro::kit
 {
 namespace
 {
@@ -257,4 +257,4 @@ void RegisterMap::Write(std::uint64_t address, std::span<const std::byte> in)
         if (piece.region->action) piece.region->action();
 }
 
-} // namespace koro::simulator
+} // namespace koro::kit

@@ -16,7 +16,7 @@
 #include <string_view>
 #include <vector>
 
-namespace koro::simulator
+namespace koro::kit
 {
 
 // Refuses a register's new value.
@@ -100,4 +100,4 @@ private:
     mutable RegisterLock lock;
 };
 
-} // namespace koro::simulator
+} // namespace koro::kit

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <span>
 
-namespace koro::simulator
+namespace koro::kit
 {
 
 enum class ByteOrder
@@ -27,4 +27,4 @@ public:
     virtual void Write(std::uint64_t address, std::span<const std::byte> in) = 0;
 };
 
-} // namespace koro::simulator
+} // namespace koro::kit

@@ -4,6 +4,7 @@
 #include "producers/simulator/camera/camera_descriptions.h"
 #include "producers/simulator/camera/producer_facts.h"
 #include "producers/simulator/frames/picture.h"
+#include "producers/simulator/kit.h"
 
 #include <utility>
 

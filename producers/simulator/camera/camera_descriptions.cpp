@@ -1,8 +1,10 @@
 #include "producers/simulator/camera/camera_descriptions.h"
 
 #include "producers/kit/failure.h"
+#include "producers/kit/producer.h"
+#include "producers/simulator/camera/descriptions.h"
 #include "producers/simulator/camera/feature_memory.h"
-#include "producers/simulator/face/library.h"
+#include "producers/simulator/kit.h"
 
 #include <fstream>
 #include <string>
@@ -45,7 +47,7 @@ const Description& OwnDescription(const std::string& tlType, bool zipped)
 std::string FileBesideProducer(std::string_view name)
 {
     std::error_code error;
-    const std::filesystem::path producer = Library::PathName();
+    const std::filesystem::path producer = LoadedFile();
     const auto real = std::filesystem::canonical(producer, error);
     return ((error ? producer : real).parent_path() / name).string();
 }

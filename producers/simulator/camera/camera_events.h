@@ -4,6 +4,7 @@
 #pragma once
 
 #include "producers/kit/event_packet.h"
+#include "producers/simulator/kit.h"
 
 #include <atomic>
 #include <cstddef>

@@ -10,6 +10,7 @@
 #include "producers/simulator/camera/camera_state.h"
 #include "producers/simulator/camera/device_files.h"
 #include "producers/simulator/camera/transport.h"
+#include "producers/simulator/kit.h"
 
 #include <array>
 #include <functional>

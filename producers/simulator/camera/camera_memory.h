@@ -11,6 +11,7 @@
 #pragma once
 
 #include "producers/kit/gentl.h"
+#include "producers/simulator/kit.h"
 
 #include <array>
 #include <atomic>

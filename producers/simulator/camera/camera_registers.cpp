@@ -3,6 +3,7 @@
 #include "producers/kit/port.h"
 #include "producers/simulator/camera/camera_features.h"
 #include "producers/simulator/camera/producer_facts.h"
+#include "producers/simulator/kit.h"
 
 #include <cstring>
 

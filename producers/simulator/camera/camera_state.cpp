@@ -1,6 +1,7 @@
 #include "producers/simulator/camera/camera_state.h"
 
 #include "producers/kit/port.h"
+#include "producers/simulator/kit.h"
 
 #include <algorithm>
 #include <bit>

@@ -1,6 +1,7 @@
 // The registers of a camera that belong to its transport.
 #include "producers/kit/failure.h"
 #include "producers/simulator/camera/camera_features.h"
+#include "producers/simulator/kit.h"
 
 #include <algorithm>
 #include <string>

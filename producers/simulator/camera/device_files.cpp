@@ -4,6 +4,7 @@
 #include "producers/kit/register_map.h"
 #include "producers/simulator/camera/camera_memory.h"
 #include "producers/simulator/camera/firmware_image.h"
+#include "producers/simulator/kit.h"
 
 #include <algorithm>
 #include <cstring>

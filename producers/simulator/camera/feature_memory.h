@@ -6,6 +6,7 @@
 #pragma once
 
 #include "producers/kit/register_space.h"
+#include "producers/simulator/kit.h"
 
 #include <array>
 #include <mutex>

@@ -1,6 +1,7 @@
 #include "producers/simulator/camera/feature_values.h"
 
 #include "producers/kit/register_map.h"
+#include "producers/simulator/kit.h"
 
 #include <algorithm>
 #include <cmath>

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "producers/kit/failure.h"
+#include "producers/simulator/kit.h"
 
 #include <atomic>
 

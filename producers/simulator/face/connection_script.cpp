@@ -1,6 +1,7 @@
 #include "producers/simulator/face/connection_script.h"
 
 #include "producers/kit/failure.h"
+#include "producers/simulator/kit.h"
 
 #include <algorithm>
 #include <chrono>

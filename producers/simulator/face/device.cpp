@@ -1,5 +1,6 @@
 #include "producers/simulator/face/device.h"
 
+#include "producers/simulator/camera/descriptions.h"
 #include "producers/simulator/camera/producer_facts.h"
 #include "producers/simulator/face/data_stream.h"
 #include "producers/simulator/face/interface.h"
@@ -26,12 +27,6 @@ void AddSetting(RegisterMap& map, std::uint64_t address, std::uint64_t& value, s
             if (wanted < least || wanted > most) RefuseValue("the value is out of range");
             value = wanted;
         });
-}
-
-InfoValue TextIfAny(const std::string& text)
-{
-    if (text.empty()) throw Failure(GC_ERR_NOT_AVAILABLE, "the camera has none");
-    return InfoValue::Text(text);
 }
 
 // A camera's registers while it is open: the device learns of each write.
@@ -69,49 +64,35 @@ std::unique_ptr<CameraClaim> Claim(const Camera& camera, DEVICE_ACCESS_FLAGS acc
 
 } // namespace
 
-InfoValue DeviceInfo(const Camera& camera, const std::string& id, DEVICE_ACCESS_STATUS status, DEVICE_INFO_CMD command)
+DeviceFacts FactsOf(const Camera& camera, const std::string& id)
 {
     const CameraSettings& settings = camera.Settings();
-    switch (command)
-    {
-    case DEVICE_INFO_ID:
-        return InfoValue::Text(id);
-    case DEVICE_INFO_VENDOR:
-        return InfoValue::Text(settings.vendor);
-    case DEVICE_INFO_MODEL:
-        return InfoValue::Text(settings.model);
-    case DEVICE_INFO_TLTYPE:
-        return InfoValue::Text(camera.TLType());
-    case DEVICE_INFO_DISPLAYNAME:
-        return InfoValue::Text(camera.DisplayNameUnder(id));
-    case DEVICE_INFO_ACCESS_STATUS:
-        return InfoValue::Int32(status);
-    case DEVICE_INFO_USER_DEFINED_NAME:
-        return TextIfAny(camera.UserName());
-    case DEVICE_INFO_SERIAL_NUMBER:
-        return InfoValue::Text(settings.serial);
-    case DEVICE_INFO_VERSION:
-        return InfoValue::Text(producerVersion);
-    case DEVICE_INFO_TIMESTAMP_FREQUENCY:
-        return InfoValue::UInt64(timestampTicksPerSecond);
-    default:
-        throw Failure(GC_ERR_NOT_IMPLEMENTED, "unknown device information");
-    }
+    return {
+        id,
+        settings.vendor,
+        settings.model,
+        producerVersion,
+        camera.TLType(),
+        camera.DisplayNameUnder(id),
+        settings.serial,
+        [&camera] { return camera.UserName(); },
+        timestampTicksPerSecond};
 }
 
-RemoteDevice::RemoteDevice(const Camera& camera, PortRegisters registers, Port::Gate gate)
-    : port(camera.Facts("Device", "Device"), std::move(registers), std::move(gate))
-{}
+InfoValue Device::Info(DEVICE_INFO_CMD command) const
+{
+    return FactsOf(*camera, id).Info(AccessStatus(), command);
+}
 
 Device::Device(
     std::shared_ptr<Interface> parentInterface, std::shared_ptr<Camera> openedCamera, DEVICE_ACCESS_FLAGS openedWith)
-    : parent(std::move(parentInterface)), camera(std::move(openedCamera)), id(camera->Id()), access(openedWith),
-      claim(Claim(*camera, access)),
-      connection(std::make_shared<Connection>(parent->Parent()->TheLibrary().Connection().deadCameraError)),
+    : kit::Device(parentInterface), interface(std::move(parentInterface)), camera(std::move(openedCamera)),
+      id(camera->Id()), access(openedWith), claim(Claim(*camera, access)),
+      connection(std::make_shared<Connection>(interface->TheSystem().TheLibrary().Connection().deadCameraError)),
       port(camera->Facts("TLDevice", "DevicePort"), MakeRegisters())
 {}
 
-void Device::Connect()
+std::shared_ptr<RemoteDevice> Device::MakeRemote()
 {
     const auto gate = [link = connection, readOnly = access == DEVICE_ACCESS_READONLY](bool write) {
         link->Require();
@@ -119,13 +100,12 @@ void Device::Connect()
     };
     PortRegisters registers = camera->Registers();
     registers.space = std::make_shared<WatchedRegisters>(camera, std::static_pointer_cast<Device>(shared_from_this()));
-    remote = std::make_shared<RemoteDevice>(*camera, std::move(registers), gate);
-    Handles().Add(remote);
     camera->Features().Events().Attach(
         [open = std::weak_ptr(std::static_pointer_cast<Device>(shared_from_this()))](std::string packet) {
             const auto device = open.lock();
             if (device && device->connection->IsUp()) device->RaiseEvent(EVENT_REMOTE_DEVICE, std::move(packet));
         });
+    return std::make_shared<RemoteDevice>(camera->Facts("Device", "Device"), std::move(registers), gate);
 }
 
 PortRegisters Device::MakeRegisters()
@@ -146,7 +126,7 @@ PortRegisters Device::MakeRegisters()
     AddSetting(*map, 0x1A0, commandTimeout_us, 1'000, 60'000'000);
     AddRetries(*map);
     AddSetting(*map, 0x1B0, commandLength, 36, 65535);
-    map->AddText(0x200, textRegisterBytes, DataStream::TheId());
+    map->AddText(0x200, textRegisterBytes, StreamId(0));
     map->AddText(0x1100, 512, camera->DisplayNameUnder(id));
     AddEventRegisters(*map, camera->TLType());
     return {map, {LocalURL(deviceDescription)}};
@@ -210,7 +190,7 @@ void Device::SilenceStream()
 
 std::shared_ptr<DataStream> Device::FindOpenStream() const
 {
-    return streams.Find(DataStream::TheId());
+    return std::static_pointer_cast<DataStream>(FindOpen(StreamId(0)));
 }
 
 void Device::OnInterruption()
@@ -231,23 +211,19 @@ void Device::OnCameraWritten()
     if (!camera->IsPresent()) OnCameraLost();
 }
 
-std::shared_ptr<DataStream> Device::OpenStream(const std::string& streamId)
+std::shared_ptr<kit::DataStream> Device::MakeStream(const std::string&)
 {
-    if (streamId != DataStream::TheId()) throw Failure(GC_ERR_INVALID_ID, "there is no stream '" + streamId + "'");
-    RequireConnection();
-    return streams.Open(streamId, [this] {
-        return std::make_shared<DataStream>(std::static_pointer_cast<Device>(shared_from_this()));
-    });
+    return std::make_shared<DataStream>(std::static_pointer_cast<Device>(shared_from_this()));
 }
 
-void Device::OnClose()
+void Device::OnClosing()
 {
     camera->Features().Events().Detach();
-    streams.CloseAll();
+}
+
+void Device::OnStreamsClosed()
+{
     if (!connection->IsLost() && access != DEVICE_ACCESS_READONLY) camera->Features().OnRelease();
-    remote->Close();
-    claim.reset();
-    parent->Forget(*this);
 }
 
 } // namespace koro::simulator

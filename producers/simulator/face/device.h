@@ -1,13 +1,13 @@
-// Device: an open camera, the local module, and RemoteDevice: the port of the camera behind it.
+// Device: an open camera, the local module.
 //
 // A device whose camera went away stays open, with operations that fail, until it is closed. It works again when the
 // camera was only unplugged, with its power from elsewhere; else it never does.
 #pragma once
 
-#include "producers/kit/child_list.h"
+#include "producers/kit/device.h"
 #include "producers/simulator/camera/camera.h"
 #include "producers/simulator/face/connection.h"
-#include "producers/simulator/face/module.h"
+#include "producers/simulator/kit.h"
 
 #include <memory>
 #include <string>
@@ -18,38 +18,20 @@ namespace koro::simulator
 class DataStream;
 class Interface;
 
-class RemoteDevice final : public Module
-{
-public:
-    RemoteDevice(const Camera& camera, PortRegisters registers, Port::Gate gate);
-
-    Port& ModulePort() override { return port; }
-
-private:
-    void OnClose() override {}
-
-    Port port;
-};
-
-class Device final : public Module
+class Device final : public kit::Device
 {
 public:
     Device(
         std::shared_ptr<Interface> parentInterface, std::shared_ptr<Camera> openedCamera, DEVICE_ACCESS_FLAGS access);
 
-    // To be called once, when the device is complete: makes the remote device.
-    void Connect();
-
-    const std::string& Id() const noexcept { return id; }
+    const std::string& Id() const noexcept override { return id; }
+    InfoValue Info(DEVICE_INFO_CMD command) const override;
     const Camera& TheCamera() const noexcept { return *camera; }
     const std::shared_ptr<Camera>& SharedCamera() const noexcept { return camera; }
-    const std::shared_ptr<Interface>& Parent() const noexcept { return parent; }
-    const std::shared_ptr<RemoteDevice>& Remote() const noexcept { return remote; }
+    Interface& TheInterface() const noexcept { return *interface; }
     Port& ModulePort() override { return port; }
-    DEVICE_ACCESS_STATUS AccessStatus() const noexcept;
+    DEVICE_ACCESS_STATUS AccessStatus() const noexcept override;
 
-    std::shared_ptr<DataStream> OpenStream(const std::string& id);
-    void Forget(const DataStream& stream) { streams.Forget(stream); }
     // Null when it is not open.
     std::shared_ptr<DataStream> FindOpenStream() const;
 
@@ -69,11 +51,16 @@ private:
     bool SupportsEvent(EVENT_TYPE type) const noexcept override;
     void OnRegistration(EVENT_TYPE type, EventQueue* registration) noexcept override;
     InfoValue PacketInfo(EVENT_TYPE type, std::string_view block, EVENT_DATA_INFO_CMD command) const override;
-    void OnClose() override;
+    std::shared_ptr<RemoteDevice> MakeRemote() override;
+    void RequireStreamable() const override { RequireConnection(); }
+    std::shared_ptr<kit::DataStream> MakeStream(const std::string& streamId) override;
+    void OnClosing() override;
+    void OnStreamsClosed() override;
+    void OnRemoteClosed() override { claim.reset(); }
     void RaiseCameraGone();
     void SilenceStream();
 
-    const std::shared_ptr<Interface> parent;
+    const std::shared_ptr<Interface> interface;
     const std::shared_ptr<Camera> camera;
     const std::string id; // the camera's at the opening
     const DEVICE_ACCESS_FLAGS access;
@@ -88,11 +75,9 @@ private:
     std::uint64_t commandLength = 576; // bytes, of GigE Vision
 
     Port port;
-    std::shared_ptr<RemoteDevice> remote;
-    ChildList<DataStream> streams;
 };
 
-// DevGetInfo and IFGetDeviceInfo answer the same; the access status alone differs.
-InfoValue DeviceInfo(const Camera& camera, const std::string& id, DEVICE_ACCESS_STATUS status, DEVICE_INFO_CMD command);
+// What DevGetInfo and IFGetDeviceInfo answer. The camera lives longer.
+DeviceFacts FactsOf(const Camera& camera, const std::string& id);
 
 } // namespace koro::simulator

@@ -5,6 +5,7 @@
 #include "producers/simulator/face/device.h"
 #include "producers/simulator/face/interface.h"
 #include "producers/simulator/face/system.h"
+#include "producers/simulator/kit.h"
 
 #include <algorithm>
 #include <utility>

@@ -3,7 +3,9 @@
 // Owned by the system's PlugControl. Any thread.
 #pragma once
 
+#include "producers/kit/module.h"
 #include "producers/kit/register_map.h"
+#include "producers/simulator/kit.h"
 #include "producers/simulator/settings/event_request.h"
 
 #include <functional>
@@ -14,8 +16,6 @@
 namespace koro::simulator
 {
 
-class Interface;
-class Module;
 class System;
 
 class EventRequests

@@ -1,5 +1,6 @@
 #include "producers/simulator/face/interface.h"
 
+#include "producers/simulator/camera/descriptions.h"
 #include "producers/simulator/camera/producer_facts.h"
 #include "producers/simulator/face/device.h"
 #include "producers/simulator/face/library.h"
@@ -13,21 +14,6 @@ namespace koro::simulator
 namespace
 {
 
-DEVICE_ACCESS_FLAGS RequireAccess(DEVICE_ACCESS_FLAGS access)
-{
-    switch (access)
-    {
-    case DEVICE_ACCESS_READONLY:
-    case DEVICE_ACCESS_CONTROL:
-    case DEVICE_ACCESS_EXCLUSIVE:
-        return access;
-    case DEVICE_ACCESS_NONE:
-        throw Failure(GC_ERR_NOT_IMPLEMENTED, "opening without access is not offered");
-    default:
-        throw Failure(GC_ERR_INVALID_PARAMETER, "unknown access flag");
-    }
-}
-
 PortFacts FactsOf(const InterfaceModel& model)
 {
     return {model.id, vendorName, modelName, model.tlType, "TLInterface", "InterfacePort", producerVersion};
@@ -35,23 +21,9 @@ PortFacts FactsOf(const InterfaceModel& model)
 
 } // namespace
 
-InfoValue InterfaceModel::Info(INTERFACE_INFO_CMD command) const
-{
-    switch (command)
-    {
-    case INTERFACE_INFO_ID:
-        return InfoValue::Text(id);
-    case INTERFACE_INFO_DISPLAYNAME:
-        return InfoValue::Text(displayName);
-    case INTERFACE_INFO_TLTYPE:
-        return InfoValue::Text(tlType);
-    default:
-        throw Failure(GC_ERR_NOT_IMPLEMENTED, "unknown interface information");
-    }
-}
-
 Interface::Interface(std::shared_ptr<System> parentSystem, std::shared_ptr<const InterfaceModel> openedModel)
-    : parent(std::move(parentSystem)), model(std::move(openedModel)), port(FactsOf(*model), MakeRegisters())
+    : kit::Interface(parentSystem, openedModel), system(std::move(parentSystem)), model(std::move(openedModel)),
+      port(FactsOf(*model), MakeRegisters())
 {}
 
 PortRegisters Interface::MakeRegisters()
@@ -60,10 +32,10 @@ PortRegisters Interface::MakeRegisters()
     AddCommonRegisters(*map, FactsOf(*model), interfaceDescription);
     map->AddText(0x1100, 256, model->displayName);
     map->AddInteger(0x140, 4, TransportTypeNumber(model->tlType));
-    map->AddInteger(0x144, 4, parent->TheLibrary().VersionMajor());
-    map->AddInteger(0x148, 4, parent->TheLibrary().VersionMinor());
+    map->AddInteger(0x144, 4, system->TheLibrary().Facts().claimed.major);
+    map->AddInteger(0x148, 4, system->TheLibrary().Facts().claimed.minor);
     map->AddInteger(0x14C, 4, model->tlType == "GEV" ? 1 : 0);
-    map->AddAction(0x160, [this] { UpdateDevices(); });
+    map->AddAction(0x160, [this] { UpdateDevices(updateTimeout_ms); });
     map->AddInteger(
         0x164, 4, [this] { return updateTimeout_ms; }, [this](std::uint64_t value) { updateTimeout_ms = value; });
     map->AddInteger(0x180, 8, model->network.mac);
@@ -87,8 +59,8 @@ void Interface::AddDeviceRegisters(RegisterMap& map)
     map.AddInteger(0x16C, 4, maximum);
     map.AddInteger(0x170, 4, [this] { return NumDevices(); });
     map.AddInteger(0x174, 4, [this] { return static_cast<std::uint64_t>(AccessStatusOf(*SelectedCamera())); });
-    map.AddInteger(0x178, 4, parent->TheLibrary().VersionMajor());
-    map.AddInteger(0x17C, 4, parent->TheLibrary().VersionMinor());
+    map.AddInteger(0x178, 4, system->TheLibrary().Facts().claimed.major);
+    map.AddInteger(0x17C, 4, system->TheLibrary().Facts().claimed.minor);
     map.AddInteger(0x1A0, 8, [this] { return SelectedCamera()->Network().mac; });
     map.AddInteger(0x1A8, 4, [this] { return SelectedCamera()->Network().ip; });
     map.AddInteger(0x1AC, 4, [this] { return SelectedCamera()->Network().mask; });
@@ -101,22 +73,22 @@ void Interface::AddDeviceRegisters(RegisterMap& map)
 
 std::shared_ptr<Camera> Interface::SelectedCamera() const
 {
-    const std::lock_guard lock(mutex);
-    if (deviceSelector >= listed.size()) throw Failure(GC_ERR_NOT_AVAILABLE, "the selected device is not listed");
-    return listed[deviceSelector];
+    auto camera = listed.Find(deviceSelector);
+    if (!camera) throw Failure(GC_ERR_NOT_AVAILABLE, "the selected device is not listed");
+    return camera;
 }
 
 DEVICE_ACCESS_STATUS Interface::AccessStatusOf(const Camera& camera) const
 {
-    if (const auto device = devices.Find(camera.Id())) return device->AccessStatus();
+    if (const auto device = FindOpenDevice(camera.Id())) return device->AccessStatus();
     if (!camera.IsPresent()) return DEVICE_ACCESS_STATUS_NOACCESS;
     const auto& memory = camera.Features().Memory();
     return memory ? memory->Status() : DEVICE_ACCESS_STATUS_READWRITE;
 }
 
-bool Interface::UpdateDevices()
+bool Interface::UpdateDevices(std::uint64_t)
 {
-    const bool staysListed = parent->TheLibrary().Connection().staysListed;
+    const bool staysListed = system->TheLibrary().Connection().staysListed;
     std::vector<std::shared_ptr<Camera>> found;
     for (const auto& camera : model->cameras)
     {
@@ -127,48 +99,21 @@ bool Interface::UpdateDevices()
             break;
         case Camera::Finding::Unplugged:
             if (staysListed) found.push_back(camera);
-            parent->Plugs().OnMissed(*camera);
+            system->Plugs().OnMissed(*camera);
             break;
         case Camera::Finding::Gone:
-            if (const auto device = devices.Find(camera->Id())) device->OnCameraLost();
+            if (const auto device = FindOpenDevice(camera->Id())) device->OnCameraLost();
             break;
         }
     }
     // A camera that has come back under another id is another device to those who read the list.
-    std::vector<std::string> ids;
-    for (const auto& camera : found)
-        ids.push_back(camera->Id());
-    const std::lock_guard lock(mutex);
-    const bool changed = ids != listedIds;
-    listed = std::move(found);
-    listedIds = std::move(ids);
-    return changed;
-}
-
-std::size_t Interface::NumDevices() const
-{
-    const std::lock_guard lock(mutex);
-    return listed.size();
-}
-
-std::string Interface::DeviceIdAt(std::uint32_t index) const
-{
-    const std::lock_guard lock(mutex);
-    if (index >= listed.size())
-        throw Failure(GC_ERR_INVALID_INDEX, "the list has " + std::to_string(listed.size()) + " devices");
-    return listed[index]->Id();
-}
-
-bool Interface::IsListed(const Camera& camera) const
-{
-    const std::lock_guard lock(mutex);
-    return std::any_of(listed.begin(), listed.end(), [&](const auto& entry) { return entry.get() == &camera; });
+    return listed.Replace(std::move(found));
 }
 
 std::shared_ptr<Camera> Interface::FindCamera(const std::string& name) const
 {
     for (const auto& camera : model->cameras)
-        if (camera->AnswersTo(name) && (camera->IsPresent() || IsListed(*camera) || devices.Find(camera->Id())))
+        if (camera->AnswersTo(name) && (camera->IsPresent() || listed.Has(*camera) || FindOpenDevice(camera->Id())))
             return camera;
     throw Failure(GC_ERR_INVALID_ID, "there is no device '" + name + "'");
 }
@@ -176,29 +121,25 @@ std::shared_ptr<Camera> Interface::FindCamera(const std::string& name) const
 InfoValue Interface::DeviceInfoOf(const std::string& name, DEVICE_INFO_CMD command) const
 {
     const auto camera = FindCamera(name);
-    return DeviceInfo(*camera, camera->Id(), AccessStatusOf(*camera), command);
+    return FactsOf(*camera, camera->Id()).Info(AccessStatusOf(*camera), command);
 }
 
-std::shared_ptr<Device> Interface::OpenDevice(const std::string& name, DEVICE_ACCESS_FLAGS access)
+std::shared_ptr<kit::Device> Interface::MakeDevice(const std::string& id, DEVICE_ACCESS_FLAGS access)
 {
-    const auto camera = FindCamera(name);
-    RequireAccess(access);
-    return devices.Open(camera->Id(), [&] {
-        if (!camera->IsPresent()) throw Failure(GC_ERR_IO, "the camera is gone");
-        auto device = std::make_shared<Device>(std::static_pointer_cast<Interface>(shared_from_this()), camera, access);
-        device->Connect();
-        return device;
-    });
+    const auto found = std::find_if(
+        model->cameras.begin(), model->cameras.end(), [&](const auto& camera) { return camera->Id() == id; });
+    if (found == model->cameras.end() || !(*found)->IsPresent()) throw Failure(GC_ERR_IO, "the camera is gone");
+    return std::make_shared<Device>(std::static_pointer_cast<Interface>(shared_from_this()), *found, access);
 }
 
 std::shared_ptr<Device> Interface::FindOpenDevice(const std::string& id) const
 {
-    return devices.Find(id);
+    return std::static_pointer_cast<Device>(FindOpen(id));
 }
 
 void Interface::OnUnplugged(const Camera& camera, bool mayResume)
 {
-    const auto device = devices.Find(camera.Id());
+    const auto device = FindOpenDevice(camera.Id());
     if (!device) return;
     device->OnInterruption();
     if (!mayResume) device->OnCameraLost();
@@ -206,13 +147,7 @@ void Interface::OnUnplugged(const Camera& camera, bool mayResume)
 
 void Interface::OnReplugged(const Camera& camera)
 {
-    if (const auto device = devices.Find(camera.Id())) device->OnRestoration();
-}
-
-void Interface::OnClose()
-{
-    devices.CloseAll();
-    parent->Forget(*this);
+    if (const auto device = FindOpenDevice(camera.Id())) device->OnRestoration();
 }
 
 } // namespace koro::simulator

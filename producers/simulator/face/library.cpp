@@ -1,9 +1,8 @@
 #include "producers/simulator/face/library.h"
 
+#include "producers/kit/runtime.h"
 #include "producers/simulator/camera/producer_facts.h"
-
-#include <dlfcn.h>
-#include <filesystem>
+#include "producers/simulator/frames/pixel_format.h"
 
 namespace koro::simulator
 {
@@ -19,7 +18,20 @@ std::string CommonType(const std::vector<InterfaceSettings>& interfaces)
     return interfaces.front().tlType;
 }
 
-// A picture that cannot be read is told with the camera that wants it.
+// All functions are answered, whatever version the settings claim.
+ProducerFacts FactsOf(const Settings& settings)
+{
+    return {
+        "zvr_koro_simulator",
+        vendorName,
+        modelName,
+        producerVersion,
+        CommonType(settings.interfaces),
+        {settings.versionMajor, settings.versionMinor},
+        true};
+}
+
+// A picture that cannot be read is reported with the camera that wants it.
 std::shared_ptr<Camera> MakeCamera(
     const CameraSettings& settings, const CameraConnection& connection, const Misbehaviour& misbehaviour)
 {
@@ -33,18 +45,22 @@ std::shared_ptr<Camera> MakeCamera(
     }
 }
 
+// Running threads use this static, so it is made before the runtime and goes after it.
+[[maybe_unused]] const PixelFormat* const madeFirst = FindPixelFormat("");
+Runtime runtime([] { return std::make_shared<Library>(LoadSettings()); });
+
 } // namespace
 
 Library::Library(const Settings& settings)
-    : tlType(CommonType(settings.interfaces)), versionMajor(settings.versionMajor), versionMinor(settings.versionMinor),
-      strictInit(settings.strictInit), portWriteLimit(settings.misbehaviour.portWriteLimit),
-      connection(settings.connection), faults(std::make_shared<FaultPlan>(settings.misbehaviour))
+    : Producer(FactsOf(settings)), strictInit(settings.strictInit),
+      portWriteLimit(settings.misbehaviour.portWriteLimit), deadHandleCode(settings.misbehaviour.deadHandleError),
+      connection(settings.connection), faults(std::make_shared<FaultyCalls>(settings.misbehaviour))
 {
     for (const InterfaceSettings& interface : settings.interfaces)
     {
         const auto index = static_cast<std::uint32_t>(interfaces.size());
         auto model = std::make_shared<InterfaceModel>();
-        *model = {interface.id, interface.displayName, interface.tlType, NetworkAddress::OfInterface(index), {}};
+        *model = {{interface.id, interface.displayName, interface.tlType}, NetworkAddress::OfInterface(index), {}};
         for (const CameraSettings& camera : interface.cameras)
         {
             const auto place = static_cast<std::uint32_t>(model->cameras.size());
@@ -55,62 +71,19 @@ Library::Library(const Settings& settings)
     }
 }
 
-std::string Library::PathName()
+std::shared_ptr<CallWatch> Library::Watch() const
 {
-    Dl_info info{};
-    if (dladdr(reinterpret_cast<const void*>(&vendorName), &info) == 0 || info.dli_fname == nullptr) return {};
-    std::error_code error;
-    const auto path = std::filesystem::absolute(info.dli_fname, error);
-    return error ? info.dli_fname : path.lexically_normal().string();
+    return faults->ConcernsCalls() ? faults : nullptr;
 }
 
-InfoValue Library::Info(TL_INFO_CMD command) const
+std::shared_ptr<kit::System> Library::MakeSystem()
 {
-    switch (command)
-    {
-    case TL_INFO_ID:
-        return InfoValue::Text(id);
-    case TL_INFO_VENDOR:
-        return InfoValue::Text(vendorName);
-    case TL_INFO_MODEL:
-        return InfoValue::Text(modelName);
-    case TL_INFO_VERSION:
-        return InfoValue::Text(producerVersion);
-    case TL_INFO_TLTYPE:
-        return InfoValue::Text(tlType);
-    case TL_INFO_NAME:
-        return InfoValue::Text(std::filesystem::path(PathName()).filename().string());
-    case TL_INFO_PATHNAME:
-        return InfoValue::Text(PathName());
-    case TL_INFO_DISPLAYNAME:
-        return InfoValue::Text(std::string(vendorName) + " " + modelName);
-    case TL_INFO_CHAR_ENCODING:
-        return InfoValue::Int32(TL_CHAR_ENCODING_UTF8);
-    case TL_INFO_GENTL_VER_MAJOR:
-        if (versionMinor >= 5) return InfoValue::UInt32(versionMajor);
-        break;
-    case TL_INFO_GENTL_VER_MINOR:
-        if (versionMinor >= 5) return InfoValue::UInt32(versionMinor);
-        break;
-    default:
-        break;
-    }
-    throw Failure(GC_ERR_NOT_IMPLEMENTED, "unknown information");
+    return std::make_shared<System>(std::static_pointer_cast<Library>(shared_from_this()));
 }
 
-std::shared_ptr<System> Library::OpenSystem()
+void Library::OnOpened(kit::System& system)
 {
-    auto system = systems.Open(id, [this] { return std::make_shared<System>(shared_from_this()); });
-    try
-    {
-        system->Plugs().Start();
-    }
-    catch (...)
-    {
-        system->Close();
-        throw;
-    }
-    return system;
+    static_cast<System&>(system).Plugs().Start();
 }
 
 } // namespace koro::simulator

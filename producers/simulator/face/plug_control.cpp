@@ -3,6 +3,7 @@
 #include "producers/kit/failure.h"
 #include "producers/simulator/face/library.h"
 #include "producers/simulator/face/system.h"
+#include "producers/simulator/kit.h"
 
 #include <algorithm>
 

@@ -1,6 +1,7 @@
 #include "producers/simulator/face/stream_engine.h"
 
 #include "producers/kit/failure.h"
+#include "producers/simulator/kit.h"
 
 #include <algorithm>
 #include <utility>
@@ -11,7 +12,6 @@ namespace
 {
 
 constexpr std::uint64_t virtualPeriod_ns = 1'000'000;
-constexpr int maxLooks = 5000; // a few microseconds
 
 std::chrono::steady_clock::time_point TimeOf(std::uint64_t time_ns)
 {
@@ -30,111 +30,25 @@ std::chrono::steady_clock::duration PeriodOf(double rate)
 StreamEngine::StreamEngine(
     std::mutex& streamsMutex, BufferQueue& bufferQueue, std::shared_ptr<Camera> streamsCamera,
     std::shared_ptr<const Connection> streamsConnection, Reports streamsReports)
-    : mutex(streamsMutex), queue(bufferQueue), camera(std::move(streamsCamera)),
+    : kit::StreamEngine(streamsMutex, bufferQueue), camera(std::move(streamsCamera)),
       connection(std::move(streamsConnection)), reports(std::move(streamsReports)), drawer(camera->Source())
 {}
 
-void StreamEngine::Start(std::uint64_t number)
+void StreamEngine::BeforeThread()
 {
-    {
-        const std::lock_guard lock(mutex);
-        stopping = false;
-        killing = false;
-        grabbing = true;
-        queue.counters.delivered = 0;
-        run = 0;
-    }
+    run = 0;
     listener = camera->Features().Listen([this] { OnCameraWritten(); });
-    try
-    {
-        thread = std::thread([this, number] { RunOrLose(number); });
-    }
-    catch (...)
-    {
-        camera->Features().Unlisten(listener);
-        const std::lock_guard lock(mutex);
-        grabbing = false;
-        throw;
-    }
-}
-
-void StreamEngine::Stop(bool kill)
-{
-    if (!thread.joinable()) return;
-    {
-        const std::lock_guard lock(mutex);
-        stopping = true;
-        killing = kill;
-        wake.notify_all();
-    }
-    thread.join();
-    camera->Features().Unlisten(listener);
-    const std::lock_guard lock(mutex);
-    grabbing = false;
 }
 
 void StreamEngine::OnCameraWritten()
 {
     const std::lock_guard lock(mutex);
     written = true;
-    called.store(true, std::memory_order_relaxed);
-    wake.notify_all();
+    Call();
 }
 
-void StreamEngine::NotifyInput() noexcept
+void StreamEngine::Run(Lock& lock, std::uint64_t number)
 {
-    called.store(true, std::memory_order_relaxed);
-    if (waitsForInput) wake.notify_all();
-}
-
-void StreamEngine::WithoutFill(const std::function<void()>& change)
-{
-    Lock lock(mutex);
-    paused = true;
-    wake.notify_all();
-    fillEnded.wait(lock, [this] { return !filling; });
-    const auto resume = [this] {
-        paused = false;
-        wake.notify_all();
-    };
-    try
-    {
-        change();
-    }
-    catch (...)
-    {
-        resume();
-        throw;
-    }
-    resume();
-}
-
-void StreamEngine::CutOff()
-{
-    Lock lock(mutex);
-    cutOff = true;
-    ++numCutOffs;
-    wake.notify_all();
-    fillEnded.wait(lock, [this] { return !filling; });
-    cutOff = false;
-}
-
-// A camera whose memory cannot be reached any more is as good as gone.
-void StreamEngine::RunOrLose(std::uint64_t number)
-{
-    try
-    {
-        Run(number);
-    }
-    catch (const Failure&)
-    {
-        reports.cameraLost();
-    }
-}
-
-void StreamEngine::Run(std::uint64_t number)
-{
-    Lock lock(mutex);
     std::uint64_t numFilled = 0;
     while (numFilled < number)
     {
@@ -159,7 +73,7 @@ void StreamEngine::Run(std::uint64_t number)
         }
         const std::uint64_t timestamp_ns = Timestamp_ns(request);
         if (!TellExposureEnd(lock, *frame, timestamp_ns)) continue;
-        if (FillNext(lock, *frame, request, timestamp_ns)) ++numFilled;
+        if (FillNextFrom(lock, *frame, request, timestamp_ns)) ++numFilled;
     }
     grabbing = grabbing && numFilled < number;
 }
@@ -182,11 +96,10 @@ FrameRequest StreamEngine::AwaitRequest(Lock& lock)
 
 bool StreamEngine::AwaitTurn(Lock& lock, const FrameRequest& request)
 {
-    if (request.state == FrameRequest::State::Unpaced) return AwaitInput(lock);
+    if (request.state == FrameRequest::State::Unpaced) return AwaitInput(lock, written) && !written;
     if (request.state == FrameRequest::State::Paced && !AwaitDue(lock, request.rate)) return false;
     if (request.state == FrameRequest::State::Triggered && !AwaitExposure(lock, request)) return false;
-    wake.wait(lock, [this] { return stopping || !paused; });
-    return !stopping;
+    return AwaitPermission(lock);
 }
 
 // A camera that is written to may have another exposure time, or be stopped.
@@ -195,16 +108,6 @@ bool StreamEngine::AwaitExposure(Lock& lock, const FrameRequest& request)
     const Clock::time_point end = TimeOf(request.exposureEnd_ns);
     wake.wait_until(lock, end, [this] { return stopping || written; });
     return !stopping && Clock::now() >= end;
-}
-
-bool StreamEngine::AwaitInput(Lock& lock)
-{
-    const auto ready = [this] { return stopping || written || (!paused && queue.HasInput()); };
-    if (!ready()) LookOut(lock);
-    waitsForInput = true;
-    wake.wait(lock, ready);
-    waitsForInput = false;
-    return !stopping && !written;
 }
 
 // A machine that cannot keep up shifts the schedule instead of sending bursts.
@@ -227,16 +130,6 @@ void StreamEngine::AwaitCutOff(Lock& lock)
     wake.wait(lock, [this, before] { return stopping || numCutOffs != before || !connection->IsUp(); });
 }
 
-// Waking a sleeper costs more than a small image: for a consumer that keeps up the thread stays awake a little.
-void StreamEngine::LookOut(Lock& lock)
-{
-    called = false;
-    lock.unlock();
-    for (int look = 0; look < maxLooks && !called.load(std::memory_order_relaxed); ++look)
-    {}
-    lock.lock();
-}
-
 std::uint64_t StreamEngine::Timestamp_ns(const FrameRequest& request) noexcept
 {
     if (request.state == FrameRequest::State::Unpaced) return virtualTime_ns += virtualPeriod_ns;
@@ -255,50 +148,51 @@ bool StreamEngine::TellExposureEnd(Lock& lock, const Frame& frame, std::uint64_t
     return connection->IsUp();
 }
 
-bool StreamEngine::FillNext(Lock& lock, const Frame& frame, const FrameRequest& request, std::uint64_t timestamp_ns)
+bool StreamEngine::FillNextFrom(Lock& lock, const Frame& frame, const FrameRequest& request, std::uint64_t timestamp_ns)
 {
-    const auto buffer = queue.BeginFill();
-    if (!buffer) return false;
-    filling = true;
+    const FrameFault* fault = camera->FaultOfFrame(frame.id);
+    return FillNext([&](const Buffer& buffer, FrameFacts& result) {
+        Describe(frame, timestamp_ns, result);
+        if (!AwaitImage(lock, request, fault))
+        {
+            result.incomplete = true;
+            return;
+        }
+        lock.unlock();
+        Draw(buffer, frame, result, fault);
+        if (result.largerThanBuffer) reports.bufferTooSmall();
+        lock.lock();
+    });
+}
+
+ImageFacts StreamEngine::ImageOf(const FramePlan& plan, const ImageShape& shape)
+{
+    return {shape.format->code, shape.width, shape.height, plan.x.offset, plan.y.offset, 0};
+}
+
+// Lines and bytes come with the drawing.
+void StreamEngine::Describe(const Frame& frame, std::uint64_t timestamp_ns, FrameFacts& result)
+{
     const FramePlan& plan = *frame.plan;
-    FillResult result;
     result.frameId = frame.id;
     result.timestamp_ns = timestamp_ns;
     result.dataSize = plan.chunks.PayloadBytes();
-    result.shape = plan.shape;
-    result.parts = plan.parts;
+    result.image = ImageOf(plan, plan.shape);
     result.isMultiPart = plan.isMultiPart;
-    result.offsetX = plan.x.offset;
-    result.offsetY = plan.y.offset;
-    const FrameFault* fault = camera->FaultOfFrame(frame.id);
-
-    if (AwaitImage(lock, request, fault))
-    {
-        lock.unlock();
-        Draw(*buffer, frame, result, fault);
-        if (result.largerThanBuffer) reports.bufferTooSmall();
-        lock.lock();
-    }
-    else
-        result.incomplete = true;
-
-    filling = false;
-    fillEnded.notify_all();
-    if (paused)
-        queue.CancelFill(*buffer);
-    else
-        queue.EndFill(buffer, result);
-    return !paused;
+    if (!plan.isMultiPart) return;
+    for (const Part& part : plan.parts.Parts())
+        result.parts.push_back(
+            {ImageOf(plan, part.shape), part.offset, 0, DataTypeOf(part.kind), PurposeOf(part.kind)});
 }
 
-void StreamEngine::Draw(const Buffer& buffer, const Frame& frame, FillResult& result, const FrameFault* fault)
+void StreamEngine::Draw(const Buffer& buffer, const Frame& frame, FrameFacts& result, const FrameFault* fault)
 {
     const std::span<std::byte> memory = buffer.Memory();
     const bool losesLines = fault != nullptr && fault->deliveredLines;
     result.largerThanBuffer = memory.size() < result.dataSize;
     result.incomplete = result.largerThanBuffer || losesLines;
     std::size_t index = 0;
-    for (const Part& part : result.parts.Parts())
+    for (const Part& part : frame.plan->parts.Parts())
     {
         const auto room = memory.subspan(std::min(part.offset, memory.size()));
         const std::size_t lineBytes = part.shape.LineBytes();
@@ -306,13 +200,18 @@ void StreamEngine::Draw(const Buffer& buffer, const Frame& frame, FillResult& re
         if (losesLines) lines = std::min(lines, *fault->deliveredLines);
         drawer.Draw(frame.id, frame.plan, part, room.first(lines * lineBytes));
         if (lines > 0) result.sizeFilled = part.offset + lines * lineBytes;
-        result.partLines[index++] = lines;
+        if (result.isMultiPart)
+        {
+            result.parts[index].image.deliveredLines = lines;
+            result.parts[index].bytes = lines * lineBytes;
+        }
+        if (index++ == 0) result.image.deliveredLines = lines;
     }
     if (!result.incomplete) AddChunks(memory.first(result.dataSize), frame, result, fault);
 }
 
 void StreamEngine::AddChunks(
-    std::span<std::byte> payload, const Frame& frame, FillResult& result, const FrameFault* fault)
+    std::span<std::byte> payload, const Frame& frame, FrameFacts& result, const FrameFault* fault)
 {
     const ChunkLayout& chunks = frame.plan->chunks;
     if (!chunks.HasChunks()) return;
@@ -336,7 +235,7 @@ bool StreamEngine::AwaitImage(Lock& lock, const FrameRequest& request, const Fra
     if (request.state == FrameRequest::State::Triggered)
         time = std::max(time, TimeOf(request.exposureEnd_ns + request.readout_ns));
     if (isLate) time += std::chrono::milliseconds(fault->late_ms);
-    const auto givenUp = [this] { return killing || paused || cutOff; };
+    const auto givenUp = [this] { return IsFillGivenUp(); };
     return !wake.wait_until(lock, time, givenUp);
 }
 

@@ -1,5 +1,6 @@
 #include "producers/simulator/face/system.h"
 
+#include "producers/simulator/camera/descriptions.h"
 #include "producers/simulator/camera/producer_facts.h"
 #include "producers/simulator/face/library.h"
 
@@ -13,13 +14,15 @@ namespace
 
 PortFacts FactsOf(const Library& library)
 {
-    return {library.Id(), vendorName, modelName, library.TLType(), "TLSystem", "TLPort", producerVersion};
+    const ProducerFacts& facts = library.Facts();
+    return {facts.id, facts.vendor, facts.model, facts.tlType, "TLSystem", "TLPort", facts.version};
 }
 
 } // namespace
 
 System::System(std::shared_ptr<Library> owningLibrary)
-    : library(std::move(owningLibrary)), plugs(*this, *library), port(FactsOf(*library), MakeRegisters())
+    : kit::System(owningLibrary), library(std::move(owningLibrary)), plugs(*this, *library),
+      port(FactsOf(*library), MakeRegisters())
 {}
 
 PortRegisters System::MakeRegisters()
@@ -27,19 +30,19 @@ PortRegisters System::MakeRegisters()
     auto map = std::make_shared<RegisterMap>();
     AddCommonRegisters(*map, FactsOf(*library), systemDescription);
     map->AddText(0x100, 64, library->Info(TL_INFO_DISPLAYNAME).bytes);
-    map->AddInteger(0x140, 4, TransportTypeNumber(library->TLType()));
-    map->AddInteger(0x144, 4, library->VersionMajor());
-    map->AddInteger(0x148, 4, library->VersionMinor());
+    map->AddInteger(0x140, 4, TransportTypeNumber(library->Facts().tlType));
+    map->AddInteger(0x144, 4, library->Facts().claimed.major);
+    map->AddInteger(0x148, 4, library->Facts().claimed.minor);
     map->AddInteger(0x14C, 4, sfncVersionMajor);
     map->AddInteger(0x150, 4, sfncVersionMinor);
-    map->AddAction(0x160, [this] { UpdateInterfaces(); });
+    map->AddAction(0x160, [this] { UpdateInterfaces(updateTimeout_ms); });
     map->AddInteger(
         0x164, 4, [this] { return updateTimeout_ms; }, [this](std::uint64_t value) { updateTimeout_ms = value; });
     map->AddText(0x1100, 256, library->Info(TL_INFO_NAME).bytes);
-    map->AddText(0x2000, 4096, Library::PathName());
+    map->AddText(0x2000, 4096, LoadedFile());
     AddInterfaceRegisters(*map);
     plugs.AddRegisters(*map);
-    AddEventRegisters(*map, library->TLType());
+    AddEventRegisters(*map, library->Facts().tlType);
     return {map, {LocalURL(systemDescription)}};
 }
 
@@ -71,45 +74,20 @@ const InterfaceModel& System::SelectedInterface() const
     return *library->Interfaces()[interfaceSelector];
 }
 
-const std::string& System::Id() const noexcept
+kit::System::Interfaces System::PresentInterfaces(std::uint64_t) const
 {
-    return library->Id();
+    return {library->Interfaces().begin(), library->Interfaces().end()};
 }
 
-bool System::UpdateInterfaces()
+std::shared_ptr<kit::Interface> System::MakeInterface(const std::shared_ptr<const InterfaceFacts>& found)
 {
-    const std::lock_guard lock(mutex);
-    const bool changed = !isListed && !library->Interfaces().empty();
-    isListed = true;
-    return changed;
+    return std::make_shared<Interface>(
+        std::static_pointer_cast<System>(shared_from_this()), std::static_pointer_cast<const InterfaceModel>(found));
 }
 
-std::size_t System::NumInterfaces() const
+std::shared_ptr<Interface> System::FindOpenInterface(const std::string& id) const
 {
-    const std::lock_guard lock(mutex);
-    return isListed ? library->Interfaces().size() : 0;
-}
-
-std::string System::InterfaceIdAt(std::uint32_t index) const
-{
-    const std::size_t number = NumInterfaces();
-    if (index >= number) throw Failure(GC_ERR_INVALID_INDEX, "the list has " + std::to_string(number) + " interfaces");
-    return library->Interfaces()[index]->id;
-}
-
-std::shared_ptr<const InterfaceModel> System::FindInterface(const std::string& name) const
-{
-    for (const auto& model : library->Interfaces())
-        if (model->id == name || model->displayName == name) return model;
-    throw Failure(GC_ERR_INVALID_ID, "there is no interface '" + name + "'");
-}
-
-std::shared_ptr<Interface> System::OpenInterface(const std::string& name)
-{
-    const auto model = FindInterface(name);
-    return interfaces.Open(model->id, [&] {
-        return std::make_shared<Interface>(std::static_pointer_cast<System>(shared_from_this()), model);
-    });
+    return std::static_pointer_cast<Interface>(FindOpen(id));
 }
 
 bool System::SupportsEvent(EVENT_TYPE type) const noexcept
@@ -125,8 +103,7 @@ std::size_t System::MaxBlockBytes(EVENT_TYPE type) const noexcept
 void System::OnClose()
 {
     plugs.Stop();
-    interfaces.CloseAll();
-    library->Forget(*this);
+    kit::System::OnClose();
 }
 
 } // namespace koro::simulator

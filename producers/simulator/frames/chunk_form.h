@@ -4,6 +4,7 @@
 #pragma once
 
 #include "producers/kit/gentl.h"
+#include "producers/simulator/kit.h"
 
 #include <array>
 #include <cstddef>

@@ -5,6 +5,7 @@
 
 #include "producers/kit/gentl.h"
 #include "producers/simulator/frames/image_shape.h"
+#include "producers/simulator/kit.h"
 
 #include <array>
 #include <cstddef>

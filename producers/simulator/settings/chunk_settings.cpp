@@ -1,6 +1,7 @@
 #include "producers/simulator/settings/chunk_settings.h"
 
 #include "producers/kit/failure.h"
+#include "producers/simulator/kit.h"
 
 #include <map>
 #include <string>

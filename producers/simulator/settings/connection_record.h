@@ -2,6 +2,7 @@
 #pragma once
 
 #include "producers/kit/gentl.h"
+#include "producers/simulator/kit.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,6 +1,7 @@
 #include "producers/simulator/settings/fault_plan.h"
 
 #include "producers/kit/failure.h"
+#include "producers/simulator/kit.h"
 
 #include <chrono>
 #include <cstring>

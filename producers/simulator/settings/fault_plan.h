@@ -7,6 +7,7 @@
 #include "producers/kit/gentl.h"
 #include "producers/kit/info_value.h"
 #include "producers/simulator/frames/chunks.h"
+#include "producers/simulator/kit.h"
 #include "producers/simulator/settings/file_access.h"
 
 #include <atomic>

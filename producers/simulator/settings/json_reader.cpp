@@ -1,6 +1,7 @@
 #include "producers/simulator/settings/json_reader.h"
 
 #include "producers/kit/failure.h"
+#include "producers/simulator/kit.h"
 
 #include <algorithm>
 #include <cmath>

@@ -4,6 +4,7 @@
 #include "producers/kit/failure.h"
 #include "producers/simulator/frames/image_source.h"
 #include "producers/simulator/frames/parts.h"
+#include "producers/simulator/kit.h"
 #include "producers/simulator/settings/chunk_settings.h"
 #include "producers/simulator/settings/file_settings.h"
 #include "producers/simulator/settings/function_names.h"
