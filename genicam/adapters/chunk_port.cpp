@@ -65,7 +65,7 @@ CChunkPort::~CChunkPort()
     }
     catch (...)
     {
-        // The node keeps nothing of this port but caches that could not be dropped.
+        // The node keeps nothing of this port, except caches that could not be discarded.
     }
 }
 

@@ -13,14 +13,14 @@ namespace GENAPI_NAMESPACE
 
 struct CChunkPort::Data
 {
-    // The port node, while there is one that this port was put behind.
+    // The port node to which this port is connected, if any.
     runtime::PortNode* Node() const { return map.Get() ? node : nullptr; }
-    // Reads the text of the id; a text that cannot be read now is no id. Whether the id is another one than before.
+    // Reads the text of the id; a text that cannot be read now is not an id. Returns whether the id has changed.
     bool RefreshID();
     bool WantsCopy(int64_t size, int64_t maxCopy) const { return copiesAllowed && (maxCopy < 0 || size <= maxCopy); }
-    // Memory for a copy; what is shown stays.
+    // Allocates memory for a copy; the attached data does not change.
     void Reserve(int64_t size) { copy.reserve(static_cast<size_t>(size)); }
-    // Fails only when a copy has no memory yet, and changes nothing then.
+    // Fails only when there is no memory for a copy, and then changes nothing.
     void Show(uint8_t* newBase, int64_t newOffset, int64_t newLength, bool asCopy);
     void TakeCopy();
     uint8_t* Bytes() { return copied ? copy.data() : base + offset; }
@@ -28,7 +28,7 @@ struct CChunkPort::Data
     runtime::MapLink map;
     runtime::PortNode* node = nullptr;
     runtime::HexId id;
-    bool copiesAllowed = false; // by the description
+    bool copiesAllowed = false; // from the description
     bool turned = false;        // likewise
 
     bool attached = false;

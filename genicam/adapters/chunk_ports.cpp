@@ -30,7 +30,7 @@ ChunkPorts::~ChunkPorts()
     }
     catch (...)
     {
-        // A callback threw; the ports are off the map all the same.
+        // A callback threw; the ports are detached from the map nevertheless.
     }
 }
 
@@ -64,7 +64,7 @@ void ChunkPorts::AttachMap(INodeMap* pMap)
     link = MapLink(map);
 }
 
-// From the first callback on this object may be gone.
+// After the first callback this object may have been destroyed.
 void ChunkPorts::DetachMap()
 {
     NodeMap* const map = link.Get();
@@ -108,7 +108,7 @@ void ChunkPorts::Attach(ChunkWalk& walk, uint8_t* buffer, int64_t maxCopy, Attac
     });
 }
 
-// A reading that fails may follow one that brought another id.
+// A failing read may follow one that has changed an id.
 void ChunkPorts::RefreshIDs()
 {
     for (CChunkPort* const port : withNodeID)
@@ -135,7 +135,7 @@ void ChunkPorts::Sort()
     groupsFit = true;
 }
 
-// Of two chunks with one id the first in the buffer is the ports'.
+// If ids repeat, the ports show the chunk with the lowest offset.
 AttachStatistics_t ChunkPorts::Find(ChunkWalk& walk)
 {
     AttachStatistics_t counted = {0, 0, 0};
@@ -165,7 +165,7 @@ AttachStatistics_t ChunkPorts::Find(ChunkWalk& walk)
     return counted;
 }
 
-// Memory for all copies, so that nothing fails while the ports change.
+// Allocates memory for all copies, so that nothing fails while the ports change.
 void ChunkPorts::MakeRoom(int64_t maxCopy)
 {
     int64_t room = maxCopied;
@@ -229,7 +229,7 @@ void ChunkPorts::Detach()
     });
 }
 
-// Not a change of what is attached, so nobody is called; but the buffer may say something else than its copy.
+// The attached buffer does not change, so no callback is called; but the buffer may differ from its copy.
 void ChunkPorts::ClearCaches()
 {
     NodeMap* const map = link.Get();

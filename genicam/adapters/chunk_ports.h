@@ -17,7 +17,7 @@ class ChunkPorts
 public:
     ~ChunkPorts();
 
-    // The map of before goes first; on a failure none is attached.
+    // Detaches the previous map first; after a failure no map is attached.
     void AttachMap(INodeMap* pMap);
     void DetachMap();
     void Attach(ChunkWalk& walk, uint8_t* buffer, int64_t maxCopy, AttachStatistics_t* statistics);
@@ -28,7 +28,7 @@ public:
     std::vector<CChunkPort*> ports;
 
 private:
-    // The ports of one id, and what the walk at work has found for them.
+    // The ports of one id, and the chunk that the current walk has found for them.
     struct Group
     {
         std::string_view id; // of the ports
@@ -48,7 +48,7 @@ private:
 
     MapLink link;
     std::vector<std::unique_ptr<CChunkPort>> owned;
-    std::vector<CChunkPort*> withNodeID; // ids that other nodes say
+    std::vector<CChunkPort*> withNodeID; // ids that come from other nodes
     std::vector<CChunkPort*> sorted;     // by id; those without one first
     std::vector<Group> groups;           // likewise
     bool groupsFit = false;              // the ids that the ports have now

@@ -30,10 +30,10 @@ public:
     };
 
     virtual ~ChunkWalk() = default;
-    // After the end, or where the layout is broken, the walk is over.
+    // After the end, or when the layout is wrong, the walk is finished.
     virtual Step Next(Chunk& chunk) = 0;
 
-    // Why and where the layout is broken.
+    // The reason and the place of a wrong layout.
     const char* Fault() const { return fault; }
     int64_t FaultPosition() const { return faultPosition; }
 
@@ -50,10 +50,10 @@ private:
     int64_t faultPosition = 0;
 };
 
-// Whether the walk comes to a good end.
+// Whether the walk reaches a valid end.
 bool IsGood(ChunkWalk& walk);
 
-// From the end of the buffer to its start: id and length of the data, 32 bits each, stand behind the data.
+// Walks from the end of the buffer to its start: id and length of the data, 32 bits each, follow the data.
 class TrailerWalk : public ChunkWalk
 {
 public:

@@ -18,13 +18,13 @@ struct EventItem
 class EventItems
 {
 public:
-    // How the events of a message stand behind each other.
+    // The layout of the events in a message.
     struct Form
     {
         ByteOrder order;
         uint32_t headSize; // bytes before the data; the first field may be the size, the second is the id
         bool readsSize;
-        bool dataToTheEnd; // without a size the event has all that is left, otherwise its head alone
+        bool dataToTheEnd; // without a size the event has the whole rest, otherwise only its header
         bool showsSize;
     };
 

@@ -16,7 +16,7 @@ namespace GENAPI_NAMESPACE::runtime
 class EventNodes
 {
 public:
-    // The map of before goes first; on a failure none is attached.
+    // Detaches the previous map first; after a failure no map is attached.
     void AttachMap(INodeMap* pMap);
     void DetachMap();
     void Deliver(const EventItem& item);
@@ -31,7 +31,7 @@ private:
     MapLink link;
     std::vector<std::unique_ptr<CEventPort>> owned;
     std::vector<CEventPort*> sorted; // by id, only those that have one
-    std::vector<Node*> affected;     // scratch: those of one event
+    std::vector<Node*> affected;     // temporary list: the nodes of one event
 };
 
 } // namespace GENAPI_NAMESPACE::runtime

@@ -18,7 +18,7 @@ CEventPort::~CEventPort()
     }
     catch (...)
     {
-        // The node keeps nothing of this port but caches that could not be dropped.
+        // The node keeps nothing of this port, except caches that could not be discarded.
     }
 }
 

@@ -21,7 +21,7 @@ struct CEventPort::Data
     runtime::Node* node = nullptr;
     runtime::PortNode* portNode = nullptr; // the same node, when it is a port
     runtime::HexId id;
-    bool turned = false; // by the description
+    bool turned = false; // from the description
     bool delivered = false;
     std::vector<uint8_t> bytes;
 };

@@ -73,7 +73,7 @@ bool GenDCWalk::OpenComponent()
     return true;
 }
 
-// Parts that lie in each other would make the walk long out of a short buffer.
+// Nested parts would make the walk long for a short buffer.
 bool GenDCWalk::OpenPart()
 {
     const int64_t header = OffsetAt(parts, part++);

@@ -28,7 +28,7 @@ private:
     bool opened = false;
     int64_t component = 0; // number of the next one
     int64_t componentCount = 0;
-    int64_t parts = 0; // where the offsets of the component's parts lie
+    int64_t parts = 0; // position of the offsets of the component's parts
     int64_t part = 0;
     int64_t partCount = 0;
     int64_t partsLeft;     // headers that fit into the container

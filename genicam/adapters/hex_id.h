@@ -13,7 +13,7 @@
 namespace GENAPI_NAMESPACE::runtime
 {
 
-// The canonical form of an id that lies in memory, big endian.
+// The canonical form of an id in memory, big endian.
 std::string_view CanonicalId(const void* bigEndian, size_t size);
 
 // The canonical form of a number; holds the bytes.
@@ -30,12 +30,12 @@ private:
 class HexId
 {
 public:
-    HexId() = default; // no id: equals none
+    HexId() = default; // no id: equals no other id
     // Hexadecimal digits, also with "0x" in front and blanks around. Any other text is no id.
     explicit HexId(const GENICAM_NAMESPACE::gcstring& text);
 
     bool IsId() const { return width > 0; }
-    // Bytes of the id as it is written.
+    // The number of bytes of the id as it is written.
     size_t Width() const { return width; }
     std::string_view Canonical() const { return bytes; }
     bool Is(std::string_view canonical) const { return IsId() && bytes == canonical; }

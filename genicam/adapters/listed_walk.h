@@ -41,7 +41,7 @@ private:
     std::string_view Take(const GENICAM_NAMESPACE::gcstring& id)
     {
         text = HexId(id);
-        // What is no id must not look like the id 0.
+        // A text that is not an id must not look like the id 0.
         return text.IsId() ? text.Canonical() : noId;
     }
 

@@ -14,14 +14,14 @@ inline NodeMap& OwnMap(INodeMap* map)
     return *own;
 }
 
-// A map that may end before its holder does.
+// A map that may end before this object.
 class MapLink
 {
 public:
     MapLink() = default;
     explicit MapLink(NodeMap& target) : map(&target), life(target.Life()) {}
 
-    // Null without a map and when it is gone.
+    // Null without a map and after its end.
     NodeMap* Get() const { return life.expired() ? nullptr : map; }
 
 private:

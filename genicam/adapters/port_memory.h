@@ -9,7 +9,7 @@ namespace GENAPI_NAMESPACE::runtime
 
 class PortNode;
 
-// Throws RuntimeException, with both ranges, unless the access lies within `size` bytes. `node` may be null.
+// Throws RuntimeException, with both ranges, unless the access is within `size` bytes. `node` may be null.
 void CheckWithin(const PortNode* node, int64_t address, int64_t length, int64_t size);
 
 // The bytes of one access; `turned`: the last byte first.

@@ -159,7 +159,7 @@ const Archive::Entry* Archive::Find(std::string_view name) const
 Archive::Place Archive::PlaceOf(const Entry& entry) const
 {
     const std::string name = Shown(entry.name);
-    // Entries lie before the directory.
+    // Entries precede the directory.
     const std::string_view front = bytes.substr(0, directoryOffset);
     if (entry.headerOffset > front.size() || front.size() - entry.headerOffset < headerSize)
     {

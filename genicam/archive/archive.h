@@ -29,11 +29,11 @@ public:
         uint64_t size;       // bytes when expanded, as the archive claims: Read holds it to that
         bool folder;
         bool encrypted;
-        uint16_t method; // 0: stored as it is, 8: deflated
+        uint16_t method; // 0: stored, 8: deflated
         uint32_t checksum;
-        uint32_t headerOffset; // of the entry's own header
+        uint32_t headerOffset; // of the entry's header
     };
-    // Where the packed bytes of an entry lie.
+    // The place of an entry's packed bytes.
     struct Place
     {
         size_t offset;
@@ -53,7 +53,7 @@ public:
     // The entry's bytes. Refused are folders, encryption, methods but storing and deflating, more than `maxSize` bytes,
     // a size or check sum that is not the claimed one.
     std::string Read(const Entry& entry, size_t maxSize) const;
-    // Refused when the place lies outside the archive.
+    // Throws when the place is outside the archive.
     Place PlaceOf(const Entry& entry) const;
 
 private:

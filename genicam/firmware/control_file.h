@@ -51,11 +51,12 @@ struct UpdateRules
         LanguageText text;
     };
     std::string procedureId;
-    std::vector<Entry> entries; // as they stand in the file
+    std::vector<Entry> entries; // as they are in the file
     std::vector<Condition> conditions;
 };
 
-// Called for each update as soon as it is read, with the procedures, which all stand before. False ends the reading.
+// Called for each update as soon as it is read, with the procedures, which all precede the updates. Returning false
+// ends the reading.
 using OnUpdateRules = std::function<bool(const UpdateRules&, const Procedures&)>;
 
 // Throws RuntimeException; the text says what and where. Exceptions of the callback go through.

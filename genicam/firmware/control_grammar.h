@@ -33,7 +33,7 @@ enum class Tag
     Condition
 };
 
-// How often a child stands in its element.
+// How often a child may occur in its element.
 enum class Occurs
 {
     Once,

@@ -73,7 +73,7 @@ std::optional<std::string> Pattern::Extract(std::string_view text) const
     return std::string(text.substr(range->begin, range->end - range->begin));
 }
 
-// The place of the first group, without groups that of the whole match.
+// The range of the first group, or of the whole match without groups.
 std::optional<Pattern::Range> Pattern::Search(std::string_view text) const
 {
     if (text.size() > maxMatchedTextSize)

@@ -9,7 +9,8 @@ namespace GENAPI_NAMESPACE::runtime
 // False ends the reading.
 using OnRecord = std::function<bool(UpdateRecord&&)>;
 
-// Hands each update over as soon as it is read. The path goes into the records. Gives the procedures that were read.
+// Passes on each update as soon as it is read. The path is stored in the records. Returns the procedures that were
+// read.
 Procedures ReadUpdates(
     const UpdateFile& file, const std::string& path, std::string_view preferredLanguage, const OnRecord& onRecord);
 

@@ -188,7 +188,7 @@ void UpdateRun::Upload(const Step& step)
 
 void UpdateRun::Reset(const Step& step)
 {
-    map = nullptr; // its nodes are gone even if the device does not come back
+    map = nullptr; // its nodes end even if the device does not return
     map = device.DeviceResetWhileUpdatingFirmware(step.duration_ms, step.delay_ms);
     if (map) return;
     throw RUNTIME_EXCEPTION("The device '%s' has no node map after its reset", Shown(displayName).c_str());

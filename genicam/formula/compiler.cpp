@@ -290,7 +290,8 @@ uint32_t FormulaCompiler<Number>::Variable(std::string_view name) const
     return found != byName.end() && variables[*found] == name ? *found : noVariable;
 }
 
-// With a bracket behind its name the function takes what is inside; without one all that follows.
+// With a bracket after its name the function applies to the contents of the brackets, otherwise to everything that
+// follows.
 template <class Number>
 void FormulaCompiler<Number>::Call(Operation function)
 {

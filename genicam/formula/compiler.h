@@ -42,7 +42,7 @@ private:
     std::string_view text;
     static constexpr uint32_t noVariable = UINT32_MAX;
     const std::vector<std::string_view>& variables;
-    std::vector<uint32_t> byName; // positions of the variables; of equal names the first stands first
+    std::vector<uint32_t> byName; // positions of the variables; the first of equal names comes first
     Token token;
     size_t stack = 0;
     unsigned nesting = 0;

@@ -20,7 +20,7 @@ public:
     Registration& operator=(const Registration&) = delete;
 
     const CNodeCallback* Callback() const { return callback; }
-    // Any thread. A call that is running on another one may outlast this.
+    // Thread-safe. A call that is running on another thread may outlast this function.
     void End() { live = false; }
     void Call(ECallbackType type) const
     {
@@ -34,7 +34,7 @@ private:
 
 using Registrations = std::vector<std::shared_ptr<Registration>>;
 
-// Lives on the stack of the operation. A callback that was deregistered meanwhile is passed over.
+// Exists during the operation. A callback that was deregistered meanwhile is skipped.
 class CallbackList
 {
 public:

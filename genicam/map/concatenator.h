@@ -20,8 +20,8 @@ public:
     void Clear() override { writes.clear(); }
     void Destroy() override { delete this; }
 
-    // In the order of the list. With `errors` their texts are collected and the rest goes on; without, the first one is
-    // thrown.
+    // Writes in the order of the list. With `errors` the texts of errors are collected and the writing continues;
+    // without it the first error is thrown.
     bool WriteTo(INodeMap& map, GENICAM_NAMESPACE::gcstring_vector* errors) const;
 
 private:

@@ -53,7 +53,7 @@ public:
     }
 
 private:
-    // An injected description, its links not resolved: by itself it may name nodes that it lacks.
+    // An injected description with unresolved links: it may name nodes that it does not contain.
     struct Addition
     {
         std::string text; // empty when it was loaded before

@@ -29,9 +29,10 @@ public:
     {
         if (!nodes[node].entered) AddNew(node);
     }
-    // Takes out the entered nodes among these and all that depend on them; valid until the next call.
+    // Removes and returns the entered nodes among these and all their dependents; the result is valid until the next
+    // call.
     const std::vector<NodeIndex>& Take(Span<NodeIndex> starts) noexcept;
-    // How many nodes were entered and taken so far; for tests.
+    // The number of nodes that were entered and removed so far; for tests.
     uint64_t Visits() const { return visits; }
 
 private:

@@ -22,7 +22,8 @@ using GENICAM_NAMESPACE::gcstring;
 namespace
 {
 
-// Nodes read for one value: each as often as it is read, so that it grows with the map and with the depth.
+// The number of nodes that are read for one value; each counts as often as it is read, so the limit grows with the map
+// and with the depth.
 size_t MostDescents(size_t nodeCount)
 {
     return (size_t(1) << 19) + 16 * nodeCount;
@@ -205,7 +206,7 @@ std::string NodeMap::EntryPoint() const
 uint32_t NodeMap::NewMark()
 {
     if (++lastMark == 0)
-    { // once around: the old marks would lie
+    { // the counter has wrapped around: the old marks are invalid
         for (const std::unique_ptr<Node>& node : nodes)
             node->mark = 0;
         lastMark = 1;
@@ -460,7 +461,7 @@ void NodeMap::InvalidateNodes() const
 void NodeMap::Poll(int64_t ElapsedTime)
 {
     Operate(nullptr, "Poll", [&] {
-        // All blockers first: reading one may poll by itself, through its port.
+        // All blocking nodes first: reading one may poll through its port.
         std::set<const Node*> unreadable;
         for (PollState& state : polled)
             state.running = state.node->IsPolled() && !state.node->IsPollingBlocked(unreadable);

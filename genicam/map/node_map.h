@@ -66,7 +66,7 @@ public:
     const Description& Source() const { return *description; }
     RegisterCache& Registers() { return registers; }
     bool IsUnrestricted() const { return unrestricted; }
-    // Operations that began inside of others: a port may use the nodes of its own map.
+    // The number of operations that began inside others: a port may use the nodes of its own map.
     uint64_t NestedEntries() const { return nestedEntries; }
     // Reads that a port ended by a TimeoutException so far, and writes that went to a port or into a node.
     uint64_t TimedOutReads() const { return timedOutReads; }
@@ -128,7 +128,7 @@ private:
         bool running; // in the poll that is at work
     };
 
-    // The nodes of `changed` from `first` to the next change, by themselves or with their dependents.
+    // The nodes of `changed` from `first` to the next change, with or without their dependents.
     struct Change
     {
         size_t first;

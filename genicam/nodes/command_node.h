@@ -32,12 +32,12 @@ private:
     int64_t CommandValue();
     void Run(bool verify);
     bool StillBusy();
-    // Whether the command is at work. The reading that sees its end announces that to all that depends on the command.
+    // Whether the command is running. The read that sees its end notifies all dependents of the command.
     bool Look();
 
     ValueSource<int64_t> source;
     Node* commandNode = nullptr;
-    bool busy = false; // executed, and nobody has seen the end yet
+    bool busy = false; // executed, and its end was not seen yet
 };
 
 } // namespace GENAPI_NAMESPACE::runtime

@@ -257,7 +257,7 @@ gcstring EnumerationNode::ValueText(ReadOptions options)
 {
     const int64_t number = Read(options);
     const EnumEntryNode* const entry = EntryFor(number);
-    if (!entry) throw ArgumentError(*this, NoEntry(number)); // no text stands for it
+    if (!entry) throw ArgumentError(*this, NoEntry(number)); // no text represents it
     if (options.verify)
     {
         CheckEntry(*entry);

@@ -86,7 +86,7 @@ private:
     std::vector<EnumEntryNode*> byNumber;   // sorted, equal ones in that order
     std::vector<EnumEntryNode*> bySymbolic; // likewise
     int64_t cachedNumber = 0;
-    bool selfClearing = false; // the last written entry leaves by itself and was not seen to have left
+    bool selfClearing = false; // the last written entry clears itself and was not yet seen to have done so
 };
 
 } // namespace GENAPI_NAMESPACE::runtime

@@ -120,7 +120,7 @@ EAccessMode Node::AccessMode() const
 EAccessMode Node::ComputedMode() const
 {
     const bool cached = !map.IsUnrestricted();
-    // Entries may depend on their own enumeration: whoever is asked again meanwhile does not restrict.
+    // Entries may depend on their own enumeration: a node that is queried again meanwhile does not restrict.
     if (modeInWork) return RW;
     const Descent descent(*this);
     const uint64_t timeouts = map.TimedOutReads();

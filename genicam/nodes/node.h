@@ -175,7 +175,7 @@ private:
     friend class NodeMap;
 
     EAccessMode ComputedMode() const;
-    // A condition that cannot change the result any more is not read.
+    // A condition that can no longer change the result is not read.
     EAccessMode Conditioned(EAccessMode mode) const;
     EAccessMode ImposedMode() const { return static_cast<EAccessMode>(imposedMode); }
     bool ReadsForAccess(Property link) const;
@@ -194,8 +194,8 @@ private:
     mutable bool modeInWork = false;
     mutable uint8_t cachedCaching = _UndefinedCachingMode;
     mutable uint8_t cachedAccessCacheable = _UndefinedYesNo;
-    mutable bool conditionFailed = false; // the cached mode is all that is known
-    uint8_t imposedMode = RW;             // by the description until the application imposes another
+    mutable bool conditionFailed = false; // only the cached mode is known
+    uint8_t imposedMode = RW;             // from the description
     uint8_t imposedVisibility = Beginner;
     bool hasErrorNodes = false;
 };
@@ -215,8 +215,8 @@ private:
     NodeMap& map;
 };
 
-// While one lives that is `wanted`, neither locks nor availability restrict the nodes of the map; what is not
-// implemented or read-only by itself stays so. Texts that are written unchecked come from a device that took them
+// While an object with `wanted` exists, neither locks nor availability restrict the nodes of the map; nodes that are
+// not implemented or read-only stay so. Texts that are written without checks come from a device that accepted them
 // before.
 class Unrestricted
 {

@@ -48,7 +48,7 @@ protected:
     // Throws OutOfRangeException for a value that is off the grid; the limits are checked before.
     virtual void CheckStep(Number, Number) {}
     virtual std::string Shown(Number value) = 0;
-    // False for a text that stands for no number.
+    // Returns false for a text that is not a number.
     virtual bool Parse(std::string_view text, Number& value) const = 0;
 
     Number ReadNumber(ReadOptions options);

@@ -18,7 +18,7 @@ void PortNode::Write(const void* buffer, int64_t address, int64_t length)
     Connected().Write(buffer, address, length);
 }
 
-// Drops what the nodes know from the former port; nobody is called.
+// Discards what the nodes have cached from the previous port; no callback is called.
 void PortNode::SetPortImpl(IPort* pPort)
 {
     const Entry entry(*this, "SetPortImpl");

@@ -27,9 +27,9 @@ public:
 
     // For the adapters, with the lock held.
     bool HasChunkID() const;
-    // The text of the id is that of another node and may change.
+    // The text of the id belongs to another node and may change.
     Node* ChunkIDNode() const { return Linked(Property::pChunkID); }
-    // Lets `served` go, unless another object has taken its place; the port then says `mode`. Nobody is called.
+    // Releases `served`, unless another object has replaced it; the port then reports `mode`. No callback is called.
     void Release(const IPort& served, EAccessMode mode);
 
 protected:

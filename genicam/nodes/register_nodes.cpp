@@ -83,7 +83,7 @@ IntegerRegister::Field IntegerRegister::FieldIn(unsigned length) const
     return {low, width};
 }
 
-// Where the length comes from a node the limits are those of the whole register.
+// If the length comes from a node, the limits are those of the whole register.
 IntegerRegister::Field IntegerRegister::LimitField()
 {
     const unsigned length = LengthOfWord();

@@ -99,7 +99,7 @@ int64_t RegisterPart::Address(ReadOptions options)
     return address;
 }
 
-// The offset stands behind its index; null without one.
+// The offset follows its index; null without one.
 const PropertyRecord* RegisterPart::OffsetBehind(const PropertyRecord* index) const
 {
     if (index + 1 == node.Source().EssentialsOf(node.Index()).end()) return nullptr;
@@ -240,7 +240,7 @@ void RegisterPart::WriteBytes(const uint8_t* bytes, int64_t count, bool verify)
     Fill(*cache);
 }
 
-// The bytes are known now, to all nodes that lie there.
+// The bytes are now in the cache for all nodes with this address.
 void RegisterPart::Fill(RegisterCache::Block& filled)
 {
     filled.valid = true;

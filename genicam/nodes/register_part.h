@@ -29,7 +29,7 @@ public:
     // The AccessMode of the description.
     EAccessMode OwnMode() const;
     ECachingMode Caching(ECachingMode absent) const;
-    // The first `count` bytes; those of the cache unless that is ignored, off or empty.
+    // Reads the first `count` bytes; from the cache, unless it is ignored, off or empty.
     void ReadBytes(uint8_t* bytes, int64_t count, ReadOptions options);
     void WriteBytes(const uint8_t* bytes, int64_t count, bool verify);
     // Forgets bytes and address.
@@ -86,7 +86,7 @@ protected:
     ECachingMode NaturalCaching() const override { return place.Caching(WriteThrough); }
     // RangeError for a length that the kind cannot have.
     virtual int64_t CheckedLength() { return place.Length(); }
-    // As Set, for a text that stands for the bytes.
+    // Works like Set, for a text that represents the bytes.
     void SetBytes(const uint8_t* bytes, int64_t length, bool verify);
 
     RegisterPart place;

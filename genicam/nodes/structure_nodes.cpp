@@ -15,7 +15,7 @@ void CategoryNode::GetFeatures(FeatureList_t& Features) const
     });
 }
 
-// Not implemented when nothing in it is; what is merely not available leaves it as it is.
+// Not implemented when no node in it is implemented; nodes that are only not available have no influence.
 EAccessMode CategoryNode::LinkedMode() const
 {
     bool any = false;

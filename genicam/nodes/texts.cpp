@@ -153,7 +153,7 @@ bool ReadReal(std::string_view text, double& value)
     if (start == std::string_view::npos) return false;
     text.remove_prefix(start);
     if (text[0] == '+' && text.substr(1, 1) != "-") text.remove_prefix(1);
-    if (text.substr(0, 2) == "0x") text.remove_prefix(2); // no hex: the digits behind it count as they stand
+    if (text.substr(0, 2) == "0x") text.remove_prefix(2); // not hexadecimal: the digits after it are used unchanged
     if (text.empty()) return false;
     const char first = text[text[0] == '-' && text.size() > 1 ? 1 : 0];
     const bool number = (first >= '0' && first <= '9') || first == '.';

@@ -24,11 +24,11 @@ public:
 protected:
     // The text behind ToString; the node is known to be readable.
     virtual GENICAM_NAMESPACE::gcstring ValueText(ReadOptions options) = 0;
-    // Writes the value that the text stands for; ArgumentError for a text that stands for none.
+    // Writes the value of the text; throws ArgumentError for a text that is not a value.
     virtual void SetText(const GENICAM_NAMESPACE::gcstring& text, bool verify) = 0;
 
-    // The value of the cache while that is valid and wanted, else what `read` gives. A reading past the caches leaves
-    // nothing in them, so that the next one goes to the port as well.
+    // Returns the cached value if it is valid and may be used, otherwise the result of `read`. A read that bypasses the
+    // caches does not fill them, so the next one goes to the port too.
     template <class Value, class Act>
     Value ReadCached(Value& cached, ReadOptions options, const Act& read)
     {

@@ -36,7 +36,7 @@ std::string_view Trimmed(std::string_view text)
     return text.substr(first, text.find_last_not_of(space) - first + 1);
 }
 
-// Reads lines and counts what it has read. Carriage returns are dropped, wherever they stand.
+// Reads lines and counts them. Carriage returns are skipped everywhere.
 class Lines
 {
 public:

@@ -82,7 +82,7 @@ public:
         next = 0;
         return SetNext(true);
     }
-    // Entries that are not available at this moment are passed over.
+    // Skips entries that are not available now.
     bool SetNext(bool Tick) override
     {
         if (!Tick) return Set(present);
@@ -185,8 +185,9 @@ struct Selectors
         }
     }
 
-    // No selector stands outside of one that selects it. Of two that know nothing of each other the one that names the
-    // node stands outside of one that reaches it through other nodes, and else the later one outside of the earlier.
+    // No selector is placed outside of one that selects it. Of two independent selectors the one that names the node is
+    // placed outside of one that reaches it through other nodes; otherwise the later one is placed outside of the
+    // earlier one.
     std::vector<IValue*> InnermostFirst()
     {
         std::vector<IValue*> ordered;

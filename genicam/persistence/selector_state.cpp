@@ -49,8 +49,8 @@ gcstring CSelectorState::GetNodeValue()
     return Present().value;
 }
 
-// Unchecked, as everything that comes out of a bag: an entry that is not available just now may be what the device is
-// about to offer.
+// Written without checks, like everything from a bag: an entry that is not available now may become available on the
+// device.
 bool CSelectorState::RestoreState(INodeMap* pNodeMap, GENICAM_NAMESPACE::gcstring_vector* pErrorList)
 {
     if (!pNodeMap) throw INVALID_ARGUMENT_EXCEPTION("The node map must not be NULL");

@@ -20,7 +20,7 @@ namespace GENAPI_NAMESPACE::runtime
 typedef uint32_t NodeIndex;
 const NodeIndex noNode = 0xffffffff;
 
-// Where a text lies among the texts of its description.
+// The place of a text among the texts of its description.
 struct TextPlace
 {
     uint32_t offset;
@@ -94,8 +94,8 @@ class Description
 {
 public:
     Span<PropertyRecord> PropertiesOf(NodeIndex node) const;
-    // Those that are looked at while nodes are used, in the same order. Of a property that a node may have any number
-    // of times, and that its use does not walk through, only the first one is among them.
+    // The properties that are read while nodes are used, in the same order. Of a property that may occur any number of
+    // times, and that is not iterated in use, only the first one is included.
     Span<PropertyRecord> EssentialsOf(NodeIndex node) const;
     // The first record of the property, or null.
     const PropertyRecord* Find(NodeIndex node, Property property) const;

@@ -22,9 +22,9 @@ public:
     std::string_view NameOf(NodeIndex node) const { return description->NameOf(node); }
 
     TextPlace Store(std::string_view text);
-    // The node of that name: a link to it stands here.
+    // Returns the node of that name, for a link to it.
     NodeIndex Mention(std::string_view name);
-    // The node of that name: its element stands here, or `madeBy` brings it along. Refused when it is there already.
+    // Defines the node of that name, by its element or by the element of `madeBy`. Throws when it is defined already.
     NodeIndex Define(std::string_view name, Element element, NodeIndex madeBy = noNode);
     NodeRecord& Node(NodeIndex node) { return description->nodes[node]; }
     // A property from its text.

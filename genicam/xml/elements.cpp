@@ -18,7 +18,7 @@ const char* const elementNames[elementCount] = {
     "Register", "Converter",   "IntConverter",   "SwissKnife",   "IntSwissKnife", "Port",         "ConfRom",
     "TextDesc", "IntKey",      "AdvFeatureLock", "SmartFeature", "StructReg",     "StructEntry"};
 
-// In the order of Property; the empty ones have no element of their own.
+// In the order of Property; the empty names have no element.
 const char* const propertyNames[propertyCount] = {
     "",
     "pAddress",

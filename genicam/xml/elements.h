@@ -42,8 +42,8 @@ enum class Element : uint8_t
     Count
 };
 
-// What a node may say about itself. The links come first; those behind pEntry have no element of their own: the parser
-// makes them for entries, constants, expressions and the two formulas of a converter.
+// The properties of a node. The links come first; those after pEntry have no element: the parser creates them for
+// entries, constants, expressions and the two formulas of a converter.
 enum class Property : uint8_t
 {
     None,
@@ -162,10 +162,10 @@ inline bool IsLink(Property property)
 }
 
 bool Takes(Element element, Property property);
-// May stand several times in one element.
+// Whether the property may occur several times in one element.
 bool Repeats(Element element, Property property);
 Form FormOf(Element element, Property property);
-// Number of the enumerator that a word stands for; -1: not a word of this property.
+// The number of the enumerator for a word; -1: not a word of this property.
 int WordNumber(Element element, Property property, std::string_view word);
 // The reverse.
 std::string_view WordOf(Property property, int number);

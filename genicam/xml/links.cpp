@@ -164,7 +164,7 @@ void Resolver::CheckBoolean(NodeIndex node) const
     }
 }
 
-// A walk along the links with a stack of its own: a description may hold chains of any length.
+// Follows the links with an explicit stack, since a description may contain chains of any length.
 template <class Follow>
 void Resolver::RefuseCircles(const char* what, const Follow& follow) const
 {

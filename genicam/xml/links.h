@@ -11,7 +11,7 @@ namespace GENAPI_NAMESPACE::runtime
 bool IsReadLink(Property property);
 // Is written when the node is written.
 bool IsWriteLink(Property property);
-// The value itself lies behind it: copies and indexed values, not the index.
+// Whether the link leads to the value itself: copies and indexed values, but not the index.
 bool IsValueLink(Property property);
 
 // The use of a node walks through all of these; each is among its essential properties.

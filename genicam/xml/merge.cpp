@@ -127,7 +127,7 @@ NodeIndex Merger::OwnerOf(Side side, NodeIndex node) const
     return node;
 }
 
-// Decides between nodes that have elements of their own; what these bring along goes with them.
+// Decides between nodes that have elements; the nodes that an element creates go with it.
 void Merger::Choose(const Pair& pair)
 {
     const auto decides = [&](Side side) {

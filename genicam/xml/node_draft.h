@@ -37,7 +37,7 @@ struct NodeDraft
 
     void Start(Element startedElement, NodeIndex startedNode, TextPlace startedName);
     bool Has(Property property) const;
-    // What is missing or stands beside what excludes it; empty when all is well.
+    // The property that is missing or excluded by another one; empty when there is no fault.
     std::string Fault() const;
 };
 

@@ -107,7 +107,7 @@ private:
     XmlReader reader;
     DescriptionBuilder description;
 
-    std::string prefix; // what stands before each name: the name space and a separator
+    std::string prefix; // the text before each name: the namespace and a separator
     bool entriesMayStandAlone = false;
     std::vector<Open> open;
     unsigned skipped = 0;     // depth inside an element that is left out
@@ -174,7 +174,7 @@ void Parser::Skip(std::string_view name)
     inExtension = name == "Extension";
 }
 
-// Entries stand inside their enumeration; only the first schema knew them elsewhere.
+// Entries are children of their enumeration; only the first schema allowed them elsewhere.
 bool Parser::IsNodeHere(Element element) const
 {
     if (element == Element::EnumEntry && !entriesMayStandAlone)

@@ -104,7 +104,7 @@ void Selection::Follow(NodeIndex node)
     selectors.push_back(std::move(selector));
 }
 
-// The parents but for categories, in the order of the nodes; a converter stands beside its formulas.
+// The parents except categories, in the order of the nodes; a converter comes together with its formulas.
 void Selection::AppendReadersOf(NodeIndex node, std::vector<NodeIndex>& list)
 {
     const size_t first = list.size();
@@ -129,7 +129,7 @@ void Selection::AppendReadersOf(NodeIndex node, std::vector<NodeIndex>& list)
     std::sort(list.begin() + static_cast<ptrdiff_t>(first), list.end());
 }
 
-// What reads the node, directly or not, but for categories, is selected with it: the nearest first.
+// The nodes that read this node, directly or indirectly, except categories, are selected with it: the nearest first.
 void Selection::AppendValueDependents(NodeIndex node, std::vector<NodeIndex>& list)
 {
     const size_t first = list.size();

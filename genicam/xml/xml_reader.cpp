@@ -1,6 +1,6 @@
 #include "xml/xml_reader.h"
 
-// The limits of what entities may expand to are declared with it alone.
+// Declares the limits for the expansion of entities, which exist only with this macro.
 #define XML_DTD
 #include <expat.h>
 

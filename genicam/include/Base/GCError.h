@@ -33,7 +33,7 @@ enum GC_ERROR_LIST
     GC_ERR_OUT_OF_MEMORY = -1021,
     GC_ERR_BUSY = -1022,
     GC_ERR_AMBIGUOUS = -1023,
-    GC_ERR_CUSTOM_ID = -10000 // this one and all below: the producer's own
+    GC_ERR_CUSTOM_ID = -10000 // this number and all below it are producer-specific
 };
 
 } // namespace GENICAM_NAMESPACE

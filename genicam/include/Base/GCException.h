@@ -26,7 +26,7 @@ public:
     GenericException& operator=(const GenericException& other);
     virtual ~GenericException() noexcept;
 
-    // The description alone, without type and place.
+    // Only the description, without type and place.
     virtual const char* GetDescription() const noexcept { return reason.c_str(); }
     virtual const char* GetSourceFileName() const noexcept { return file.c_str(); }
     virtual unsigned int GetSourceLine() const noexcept { return line; }
@@ -69,7 +69,7 @@ DECLARE_EXCEPTION(AccessException);
 DECLARE_EXCEPTION(TimeoutException);
 DECLARE_EXCEPTION(DynamicCastException);
 
-// ExceptionReporter<E>: makes an E for one place in the source. Lives for one expression.
+// ExceptionReporter<E>: creates an E for one place in the source. Exists during one expression.
 template <class E>
 class ExceptionReporter
 {
@@ -78,7 +78,7 @@ public:
         : sourceFileName(file), sourceLine(line), exceptionType(type)
     {}
 
-    // As printf; the text is cut at 2047 bytes.
+    // Works like printf; the text is cut at 2047 bytes.
     __attribute__((format(printf, 2, 3))) E Report(const char* format, ...) const;
     E Report() const { return Make(""); }
     E Report(const std::string& text) const { return Make(text.c_str()); }

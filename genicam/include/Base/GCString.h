@@ -22,7 +22,7 @@ class GCBASE_RTTI_CLASS_API gcstring
 {
 public:
     gcstring() {}
-    gcstring(const char* text) : bytes(text ? text : "") {} // implicit on purpose; null is the empty text
+    gcstring(const char* text) : bytes(text ? text : "") {} // intentionally implicit; null is the empty text
     gcstring(const char* text, size_t count);
     gcstring(size_t count, char letter) : bytes(count, letter) {}
     gcstring(const gcstring& other) : bytes(other.bytes) {}

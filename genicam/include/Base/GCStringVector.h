@@ -17,7 +17,7 @@ public:
 
     using GCSequence<gcstring>::assign;
     virtual void assign(const gcstring_vector& other) { *this = other; }
-    // OutOfRangeException past the end.
+    // Throws OutOfRangeException past the end.
     gcstring& at(size_t position) override { return elements[Checked(position)]; }
     const gcstring& at(size_t position) const override { return elements[Checked(position)]; }
     virtual void resize(size_t count, const gcstring& value = gcstring()) { elements.resize(count, value); }

@@ -11,7 +11,7 @@
 namespace GENICAM_NAMESPACE
 {
 
-// Converts; RuntimeException when the value does not survive, its sign included.
+// Converts a number; throws RuntimeException when the value changes, including its sign.
 template <typename Td, typename Ts>
 inline Td INTEGRAL_CAST2(Ts value)
 {

@@ -14,8 +14,8 @@ class GENFW_DECL_ABSTRACT IFirmwareUpdatableDevice : public IDestructible
 public:
     virtual void PrepareForFirmwareUpdate() = 0;
     virtual INodeMap* GetNodeMapOfDeviceToUpdate() = 0;
-    // Resets the device, waits, finds it again and opens it; gives its new node map. Nodes of the old one are not
-    // touched any more.
+    // Resets the device, waits, finds it again and opens it; returns its new node map. Nodes of the old map are not
+    // used any more.
     virtual INodeMap* DeviceResetWhileUpdatingFirmware(
         unsigned int EstimatedDurationMs, unsigned int DelayEnumerationMs) = 0;
     // Not called after a failure.

@@ -34,7 +34,7 @@ static const char* const FirmwareUpdateInfoKey_PersistenceSupport_Full = "full";
 class GENFW_DECL CFirmwareUpdateInfo
 {
 public:
-    CFirmwareUpdateInfo(); // not valid: no file, no entries
+    CFirmwareUpdateInfo(); // not valid: has no file and no entries
     CFirmwareUpdateInfo(const CFirmwareUpdateInfo& other);
     CFirmwareUpdateInfo& operator=(const CFirmwareUpdateInfo& other);
     ~CFirmwareUpdateInfo();
@@ -42,22 +42,22 @@ public:
     bool operator==(const CFirmwareUpdateInfo& other) const;
 
     bool IsValid() const;
-    // As it was given to the reader; empty when not valid.
+    // As it was passed to the reader; empty when not valid.
     const char* GetUpdateFilename() const;
 
-    // Never null: an absent key has an empty value or the default.
+    // Never null: a missing key has an empty value or the default.
     const char* GetInfo(const char* InfoKey) const;
     const char* GetInfo(const char* InfoKey, const char* pDefaultValueIfNotAvailable) const;
     // Empty for a text that is for all languages.
     const char* GetInfoLanguageCode(const char* InfoKey) const;
 
-    // In the order of the file. Beyond the end: InvalidArgumentException.
+    // In the order of the file. Throws InvalidArgumentException beyond the end.
     size_t GetCountOfInfos() const;
     const char* GetInfoKey(size_t Index) const;
     const char* GetInfo(size_t Index) const;
 
-    // The version within what the feature DeviceFirmwareVersion says. RuntimeException: the pattern does not match;
-    // LogicalErrorException: the update has none.
+    // Extracts the version from the value of the feature DeviceFirmwareVersion. Throws RuntimeException when the
+    // pattern does not match, LogicalErrorException when the update has no pattern.
     GENICAM_NAMESPACE::gcstring ExtractVersionFromDeviceFirmwareVersion(
         const GENICAM_NAMESPACE::gcstring& DeviceFirmwareVersion) const;
 

@@ -10,7 +10,7 @@ namespace GENAPI_NAMESPACE
 class GENFW_DECL_ABSTRACT IFirmwareUpdateInfoCollector : public IDestructible
 {
 public:
-    // False ends the reading.
+    // Returning false ends the reading.
     virtual bool OnUpdateRead(const CFirmwareUpdateInfo& FirmwareUpdateInfo) = 0;
 };
 

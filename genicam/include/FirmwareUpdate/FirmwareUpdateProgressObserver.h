@@ -27,7 +27,7 @@ enum EFirmwareUpdateProgressStepType
 class GENFW_DECL_ABSTRACT IFirmwareUpdateProgressObserver : public IDestructible
 {
 public:
-    // The sum of what the steps are expected to take.
+    // The sum of the expected durations of the steps.
     virtual void OnFirmwareUpdateBegin(
         const CFirmwareUpdateInfo& FirmwareUpdateInfo, unsigned int EstimatedDurationMs) = 0;
     virtual void OnFirmwareUpdateProgressStepBegin(

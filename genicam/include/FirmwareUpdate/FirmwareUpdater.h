@@ -20,27 +20,28 @@ public:
     CFirmwareUpdater(const CFirmwareUpdater&) = delete;
     CFirmwareUpdater& operator=(const CFirmwareUpdater&) = delete;
 
-    // Hands each update to the collector as soon as it is read, so that a fault further down comes afterwards. Texts
-    // are taken in the preferred language (ISO 639-1), else "en", else without language, else the first.
+    // Passes each update to the collector as soon as it is read, so an error later in the file is reported after it.
+    // Texts are taken in the preferred language (ISO 639-1), otherwise "en", otherwise without language, otherwise the
+    // first one.
     void ReadFirmwareUpdateInfos(
         const GENICAM_NAMESPACE::gcstring& Filename, IFirmwareUpdateInfoCollector& Collector,
         const char* pPreferredLanguageCode = nullptr) const;
 
-    // All conditions of the update hold. A feature that cannot be read and a pattern that does not work are no match.
+    // Whether all conditions of the update hold. A feature that cannot be read and a pattern that fails do not match.
     bool FirmwareUpdateMatchesDevice(
         INodeMap* pNodeMapOfOpenDevice, const CFirmwareUpdateInfo& FirmwareUpdateInfo) const;
 
-    // Runs the update to its end. After a failure the device may be left half updated and is not cleaned up.
+    // Runs the whole update. After a failure the device may be partly updated and is not cleaned up.
     void ApplyUpdate(
         IFirmwareUpdatableDevice* pDevice, const CFirmwareUpdateInfo& FirmwareUpdateInfo,
         IFirmwareUpdateProgressObserver* pObserver = nullptr, const char* pPreferredLanguageCode = nullptr);
 
-    // Byte ranges of the package and of the signature over it, which is not checked here; 0 and 0 without signature.
+    // The byte ranges of the package and of its signature, which is not checked here; 0 and 0 without a signature.
     void GetSignatureCheckInfo(
         const GENICAM_NAMESPACE::gcstring& Filename, size_t& OffsetPackageZipFile, size_t& SizePackageZipFile,
         size_t& OffsetSignatureFile, size_t& SizeSignatureFile) const;
 
-    // Reads all that an update could need; what is wrong comes out as an exception.
+    // Reads everything that an update could need; errors are reported by exceptions.
     void VerifyGufFile(const GENICAM_NAMESPACE::gcstring& Filename);
 };
 

@@ -22,7 +22,7 @@ class ChunkWalk;
 struct AttachStatistics_t
 {
     int NumChunkPorts;     // ports of the map with a chunk id
-    int NumChunks;         // in the buffer, known or not
+    int NumChunks;         // in the buffer, including those that no port uses
     int NumAttachedChunks; // a chunk counts once for each port that has its id
 };
 
@@ -32,24 +32,26 @@ public:
     virtual ~CChunkAdapter();
     // Whether the bytes are a complete chain of chunks. Changes nothing and throws nothing.
     virtual bool CheckBufferLayout(uint8_t* pBuffer, int64_t BufferLength) = 0;
-    // RuntimeException for a broken chain; the former attachment stays. Ports whose chunk is missing become not
-    // available. The nodes of all chunk ports are invalidated.
+    // Throws RuntimeException for a broken chain; the previous attachment then stays. Ports whose chunk is missing
+    // become not available. The nodes of all chunk ports are invalidated.
     virtual void AttachBuffer(uint8_t* pBuffer, int64_t BufferLength, AttachStatistics_t* pAttachStatistics = NULL) = 0;
 
     CChunkAdapter(const CChunkAdapter&) = delete;
     CChunkAdapter& operator=(const CChunkAdapter&) = delete;
 
-    // Takes over all chunk ports of the map, from another adapter too.
+    // Takes over all chunk ports of the map, even from another adapter.
     void AttachNodeMap(INodeMap* pNodeMap);
     void DetachNodeMap();
     void DetachBuffer();
-    // A buffer of the same layout at another address: the bytes are not looked at. Without a buffer nothing happens.
+    // Attaches a buffer of the same layout at another address; its bytes are not examined. Does nothing while no buffer
+    // is attached.
     void UpdateBuffer(uint8_t* pBaseAddress);
-    // Drops the copies of chunks.
+    // Discards the copies of chunks.
     void ClearCaches();
 
 protected:
-    // `MaxChunkCacheSize`: the largest chunk, in bytes, that is copied for a port that asks for it. 0: none, -1: all.
+    // `MaxChunkCacheSize`: the largest chunk, in bytes, that is copied for a port that requests a copy. 0: none, -1:
+    // all.
     explicit CChunkAdapter(INodeMap* pNodeMap = NULL, int64_t MaxChunkCacheSize = -1);
 
     void AttachChunks(runtime::ChunkWalk& walk, uint8_t* pBuffer, AttachStatistics_t* pAttachStatistics);

@@ -18,7 +18,7 @@ struct DCAM_CHUNK_TRAILER
 
 struct DCAM_CHECKSUM
 {
-    uint32_t CRCChecksum; // the low 16 bits count
+    uint32_t CRCChecksum; // only the low 16 bits are used
 };
 #pragma pack(pop)
 
@@ -29,13 +29,13 @@ public:
         : CChunkAdapter(pNodeMap, MaxChunkCacheSize)
     {}
 
-    // Both accept a buffer with a checksum and do not ask whether it is right.
+    // Both accept a buffer with a checksum, but do not verify it.
     bool CheckBufferLayout(uint8_t* pBuffer, int64_t BufferLength) override;
     void AttachBuffer(uint8_t* pBuffer, int64_t BufferLength, AttachStatistics_t* pAttachStatistics = NULL) override;
 
-    // Looks at the last trailer alone.
+    // Examines only the last trailer.
     bool HasCRC(uint8_t* pBuffer, int64_t BufferLength);
-    // Whether the checksum is right; RuntimeException when there is none.
+    // Whether the checksum is right; throws RuntimeException when there is none.
     bool CheckCRC(uint8_t* pBuffer, int64_t BufferLength);
 };
 

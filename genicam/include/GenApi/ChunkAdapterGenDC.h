@@ -14,7 +14,7 @@ public:
         : CChunkAdapterU3V(pNodeMap, MaxChunkCacheSize)
     {}
 
-    // The buffer is a whole container. One without chunk data has no chunk layout.
+    // The buffer must be a whole container. A container without chunk data has no chunk layout.
     bool CheckBufferLayout(uint8_t* pBuffer, int64_t BufferLength) override;
     void AttachBuffer(uint8_t* pBuffer, int64_t BufferLength, AttachStatistics_t* pAttachStatistics = NULL) override;
 };

@@ -32,10 +32,10 @@ public:
 
     // Returns false: the bytes do not show where chunks are.
     bool CheckBufferLayout(uint8_t* pBuffer, int64_t BufferLength) override;
-    // RuntimeException, for the same reason.
+    // Throws RuntimeException, for the same reason.
     void AttachBuffer(uint8_t* pBuffer, int64_t BufferLength, AttachStatistics_t* pAttachStatistics = NULL) override;
 
-    // A negative offset, or one whose chunk would end beyond the address space, is a RuntimeException.
+    // Throws RuntimeException for a negative offset, or for one whose chunk would end beyond the address space.
     void AttachBuffer(
         uint8_t* pBaseAddress, SingleChunkData_t* ChunkData, int64_t NumChunks,
         AttachStatistics_t* pAttachStatistics = NULL);

@@ -24,34 +24,34 @@ public:
     CChunkPort(const CChunkPort&) = delete;
     CChunkPort& operator=(const CChunkPort&) = delete;
 
-    // Becomes the object behind a port node. False, and nothing done, for a port without a chunk id.
+    // Connects this object to a port node. Returns false and does nothing for a port without a chunk id.
     bool AttachPort(IPort* pPort);
-    // Leaves the port node, which is not available from then on.
+    // Disconnects from the port node, which is then not available.
     void DetachPort();
 
-    // The data from `ChunkOffset` on, `Length` bytes. A copy is kept when both `Cache` and the port ask for one.
-    // InvalidateNode makes the nodes see it.
+    // Attaches `Length` bytes from `ChunkOffset` on. A copy is kept when both `Cache` and the port request one. Call
+    // InvalidateNode so that the nodes read the new data.
     void AttachChunk(uint8_t* pBaseAddress, int64_t ChunkOffset, int64_t Length, bool Cache);
     void DetachChunk();
-    // Moves an attached chunk to another base address, with its offset and its length.
+    // Moves an attached chunk to another base address; its offset and length stay.
     void UpdateBuffer(uint8_t* pBaseAddress);
-    // Drops the copy: the data is read from the buffer again.
+    // Discards the copy: the data is read from the buffer again.
     void ClearCache();
     void InvalidateNode();
 
-    // Bytes of the id as the description writes it.
+    // Number of bytes of the id as the description writes it.
     int GetChunkIDLength();
-    // Ids are numbers: leading zeros do not count. The bytes are in the order in which the digits are written.
+    // Ids are numbers: leading zeros are ignored. The bytes are in the order in which the digits are written.
     bool CheckChunkID(uint8_t* pChunkIDBuffer, int ChunkIDLength);
     bool CheckChunkID(uint64_t ChunkID);
 
     // NA without a chunk, RW with one.
     EAccessMode GetAccessMode() const override;
-    // RuntimeException outside of the data. 8 bytes at 2^63-1 are the address of the data in memory, 8 bytes at 2^63-16
-    // its length.
+    // Throws RuntimeException outside of the data. 8 bytes at 2^63-1 are the address of the data in memory, 8 bytes at
+    // 2^63-16 its length.
     void Read(void* pBuffer, int64_t Address, int64_t Length) override;
     void Write(const void* pBuffer, int64_t Address, int64_t Length) override;
-    // As AttachPort, after leaving the port node of before; null just leaves it.
+    // Works like AttachPort, after disconnecting from the previous port node; null only disconnects.
     void SetPortImpl(IPort* pPort) override;
     EYesNo GetSwapEndianess() override;
 

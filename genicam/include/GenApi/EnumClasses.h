@@ -7,7 +7,8 @@
 namespace GENAPI_NAMESPACE
 {
 
-// False for an unknown text or a null pointer; an undefined number gives the text of the undefined enumerator.
+// Returns false for an unknown text or a null pointer; an undefined number results in the text of the undefined
+// enumerator.
 #define GENAPI_DECLARE_ENUM_CLASS(E)                                                                                   \
     class GENAPI_DECL E##Class                                                                                         \
     {                                                                                                                  \

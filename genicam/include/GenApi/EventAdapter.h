@@ -23,10 +23,10 @@ class GENAPI_DECL CEventAdapter
 public:
     explicit CEventAdapter(INodeMap* pNodeMap = NULL);
     virtual ~CEventAdapter();
-    // Takes over all nodes with an event id, their ports from another adapter too.
+    // Takes over all nodes with an event id, including their ports, even from another adapter.
     virtual void AttachNodeMap(INodeMap* pNodeMap);
     virtual void DetachNodeMap();
-    // A whole message. RuntimeException when it is malformed; an id that no node has is no error.
+    // Delivers a whole message. Throws RuntimeException when it is malformed; an id that no node has is not an error.
     virtual void DeliverMessage(const uint8_t msg[], uint32_t numBytes) = 0;
 
     CEventAdapter(const CEventAdapter&) = delete;
@@ -36,7 +36,7 @@ protected:
     void DeliverItems(runtime::EventItems items);
 
     std::vector<CEventPort*>* m_ppEventPorts;
-    // Shared with deliveries at work: a callback may end the adapter.
+    // Shared with running deliveries: a callback may destroy the adapter.
     const std::shared_ptr<runtime::EventNodes> nodes;
 };
 

@@ -14,7 +14,7 @@ class GENAPI_DECL CEventAdapter1394 : public CEventAdapter
 public:
     explicit CEventAdapter1394(INodeMap* pNodeMap = NULL) : CEventAdapter(pNodeMap) {}
 
-    // RuntimeException for an empty block and for one that does not begin with a zero byte.
+    // Throws RuntimeException for an empty block and for one that does not begin with a zero byte.
     void DeliverMessage(const uint8_t msg[], uint32_t numBytes) override;
     void DeliverEventMessage(EventData1394& eventData, uint32_t numBytes);
 };

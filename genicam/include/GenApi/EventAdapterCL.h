@@ -16,13 +16,13 @@ struct CL_COMMAND_HEADER
     uint16_t ChannelId;
     uint16_t Flags;
     uint16_t CommandId; // 0x0c00
-    uint16_t Length;    // bytes behind this header
+    uint16_t Length;    // bytes after this header
     uint16_t ReqId;
 };
 
 struct CL_EVENT_DATA
 {
-    uint16_t ReservedOrEventSize; // bytes of the event with its data; 0: all that is left
+    uint16_t ReservedOrEventSize; // bytes of the event with its data; 0: the rest of the message
     uint16_t EventId;
     uint64_t Timestamp;
 };

@@ -12,7 +12,7 @@ struct GVCP_REQUEST_HEADER
     uint8_t Magic;    // 0x42
     uint8_t Flags;    // 0x10: extended ids
     uint16_t Command; // 0x00c0: events, 0x00c2: events with data
-    uint16_t Length;  // bytes behind this header
+    uint16_t Length;  // bytes after this header
     uint16_t ReqId;
 };
 
@@ -40,7 +40,7 @@ struct GVCP_EVENT_ITEM_EXTENDED_ID : GVCP_EVENT_ITEM_BASIC
     uint32_t TimestampLow;
 };
 
-// The arrays stand for as many elements as the length in the header leaves room for.
+// The arrays have as many elements as the length in the header allows.
 struct GVCP_EVENT_REQUEST
 {
     GVCP_REQUEST_HEADER Header;
@@ -74,8 +74,8 @@ public:
     explicit CEventAdapterGEV(INodeMap* pNodeMap = NULL) : CEventAdapter(pNodeMap) {}
 
     void DeliverMessage(const uint8_t msg[], uint32_t numBytes) override;
-    // As many bytes as the header says lie behind it. RuntimeException for another command than the structure's, or
-    // the other form of ids.
+    // The bytes after the header must be as many as the header states. Throws RuntimeException for another command than
+    // that of the structure, or for the other form of ids.
     void DeliverEventMessage(const GVCP_EVENT_REQUEST* pEvent);
     void DeliverEventMessage(const GVCP_EVENTDATA_REQUEST* pEventData);
     void DeliverEventMessage(const GVCP_EVENT_REQUEST_EXTENDED_ID* pEvent);

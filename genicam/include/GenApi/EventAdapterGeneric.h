@@ -12,9 +12,9 @@ class GENAPI_DECL CEventAdapterGeneric : public CEventAdapter
 public:
     explicit CEventAdapterGeneric(INodeMap* pNodeMap = NULL) : CEventAdapter(pNodeMap) {}
 
-    // Without an id the event reaches no node.
+    // Without an id the event is delivered to no node.
     void DeliverMessage(const uint8_t msg[], uint32_t numBytes) override;
-    // The id in hexadecimal digits. A text that is none is the id of no node.
+    // The id is in hexadecimal digits. Any other text matches no node.
     void DeliverMessage(const uint8_t msg[], uint32_t numBytes, const GENICAM_NAMESPACE::gcstring& EventID);
     void DeliverMessage(const uint8_t msg[], uint32_t numBytes, uint64_t EventID);
 };

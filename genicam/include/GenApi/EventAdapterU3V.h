@@ -12,7 +12,7 @@ struct U3V_COMMAND_HEADER
     uint32_t Prefix; // 0x45563355
     uint16_t Flags;
     uint16_t CommandId; // 0x0c00
-    uint16_t Length;    // bytes behind this header
+    uint16_t Length;    // bytes after this header
     uint16_t ReqId;
 };
 
@@ -26,7 +26,7 @@ struct U3V_EVENT_DATA
 struct U3V_EVENT_MESSAGE
 {
     U3V_COMMAND_HEADER Header;
-    U3V_EVENT_DATA Event; // data follows, as far as the length in the header says
+    U3V_EVENT_DATA Event; // followed by data, according to the length in the header
 };
 #pragma pack(pop)
 
@@ -37,7 +37,7 @@ public:
 
     // One event; its first field is ignored.
     void DeliverMessage(const uint8_t msg[], uint32_t numBytes) override;
-    // As many bytes as the header says lie behind it.
+    // The bytes after the header must be as many as the header states.
     void DeliverEventMessage(const U3V_EVENT_MESSAGE* pMessage);
 };
 

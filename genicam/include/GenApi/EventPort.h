@@ -25,29 +25,30 @@ public:
     CEventPort(const CEventPort&) = delete;
     CEventPort& operator=(const CEventPort&) = delete;
 
-    // Stands for a node; becomes the object behind it when it is a port. False, and nothing done, without an event id.
+    // Connects this object to a node, and to its registers if the node is a port. Returns false and does nothing
+    // without an event id.
     bool AttachNode(INode* pNode);
-    // Leaves the node; a port is not connected from then on.
+    // Disconnects from the node; a port is then not connected.
     void DetachNode();
 
-    // Copies the bytes of an event. InvalidateNode makes the nodes see them.
+    // Copies the bytes of an event. Call InvalidateNode so that the nodes read them.
     void AttachEvent(uint8_t* pBaseAddress, int64_t Length);
     void DetachEvent();
     void InvalidateNode();
 
-    // Bytes of the id as the description writes it.
+    // Number of bytes of the id as the description writes it.
     int GetEventIDLength();
-    // Ids are numbers: leading zeros do not count. The bytes are in the order in which the digits are written.
+    // Ids are numbers: leading zeros are ignored. The bytes are in the order in which the digits are written.
     bool CheckEventID(uint8_t* pEventIDBuffer, int EventIDLength) const;
     bool CheckEventID(uint64_t EventID) const;
 
     // NA before the first event, then RO.
     EAccessMode GetAccessMode() const override;
-    // RuntimeException outside of the bytes.
+    // Throws RuntimeException outside of the bytes.
     void Read(void* pBuffer, int64_t Address, int64_t Length) override;
-    // AccessException.
+    // Throws AccessException.
     void Write(const void* pBuffer, int64_t Address, int64_t Length) override;
-    // As AttachNode for a port node, after leaving the node of before; null just leaves it.
+    // Works like AttachNode for a port node, after disconnecting from the previous node; null only disconnects.
     void SetPortImpl(IPort* pPort) override;
     EYesNo GetSwapEndianess() override;
 

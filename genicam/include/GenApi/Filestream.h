@@ -22,14 +22,14 @@ namespace GENAPI_NAMESPACE
 
 GENICAM_INTERFACE GENAPI_DECL_ABSTRACT IFileProtocolAdapter
 {
-    // True if the map has all the nodes; otherwise the adapter is without a map.
+    // Returns true if the map has all the nodes; otherwise the adapter has no map.
     virtual bool attach(INodeMap * pInterface) = 0;
     virtual bool openFile(const char* pFileName, std::ios_base::openmode mode) = 0;
     virtual bool closeFile(const char* pFileName) = 0;
-    // Bytes that were moved: all, or what came before the end of the file or a failure.
+    // Returns the number of bytes that were transferred: all, or those before the end of the file or a failure.
     virtual GenICam_streamsize write(const char* buf, int64_t offs, int64_t len, const char* pFileName) = 0;
     virtual GenICam_streamsize read(char* buf, int64_t offs, GenICam_streamsize len, const char* pFileName) = 0;
-    // Bytes that move in one step; 0 after a failure.
+    // The number of bytes of one transfer; 0 after a failure.
     virtual int64_t getBufSize(const char* pFileName, std::ios_base::openmode mode) = 0;
     virtual bool deleteFile(const char* pFileName) = 0;
 
@@ -54,8 +54,8 @@ public:
     bool deleteFile(const char* pFileName) override;
 
 protected:
-    // How long the device may be at one operation; then it has failed. Ten minutes at first: some devices write their
-    // flash when a file is closed.
+    // The time limit of one operation, after which it has failed. Initially ten minutes: some devices write their flash
+    // memory when a file is closed.
     void SetTimeLimit(std::chrono::milliseconds limit) { timeLimit = limit; }
 
 private:
@@ -88,7 +88,7 @@ private:
     std::chrono::milliseconds timeLimit;
 };
 
-// What the buffers of both streams have in common: one open file and a block of bytes. Files are bytes.
+// What the buffers of both streams have in common: one open file and a block of bytes.
 template <typename CharType, typename Traits>
 class DevFileStreamBuf : public std::basic_streambuf<CharType, Traits>
 {
@@ -121,7 +121,7 @@ protected:
 
     FileProtocolAdapter adapter;
     std::string name;
-    int64_t offset; // in the file, of the next transfer
+    int64_t offset; // in the file, for the next transfer
     std::vector<CharType> block;
 
 private:
@@ -139,7 +139,7 @@ class IDevFileStreamBuf : public DevFileStreamBuf<CharType, Traits>
 public:
     ~IDevFileStreamBuf() override { close(); }
 
-    // Null on a failure, as all buffers of files.
+    // Returns null on a failure, like all file buffers.
     IDevFileStreamBuf* open(
         INodeMap* pInterface, const char* pFileName, std::ios_base::openmode mode = std::ios_base::in)
     {
@@ -172,7 +172,7 @@ class ODevFileStreamBuf : public DevFileStreamBuf<CharType, Traits>
 public:
     ~ODevFileStreamBuf() override { close(); }
 
-    // Null on a failure, as all buffers of files.
+    // Returns null on a failure, like all file buffers.
     ODevFileStreamBuf* open(
         INodeMap* pInterface, const char* pFileName, std::ios_base::openmode mode = std::ios_base::out)
     {
@@ -180,7 +180,7 @@ public:
         this->setp(this->block.data(), this->block.data() + this->block.size());
         return this;
     }
-    // Null too when the device did not take the last bytes; the file is closed all the same.
+    // Also returns null when the device did not accept the last bytes; the file is closed nevertheless.
     ODevFileStreamBuf* close()
     {
         if (!this->is_open()) return nullptr;
@@ -201,7 +201,7 @@ protected:
     int sync() override { return this->is_open() && Flush() ? 0 : -1; }
 
 private:
-    // What the device did not take stays in the block.
+    // Bytes that the device did not accept stay in the block.
     bool Flush()
     {
         const char* const bytes = reinterpret_cast<const char*>(this->pbase());
@@ -215,7 +215,7 @@ private:
     }
 };
 
-// As std::ifstream over a file of a device: failures show in the state of the stream.
+// Works like std::ifstream for a file of a device: failures set the state of the stream.
 template <typename CharType, typename Traits>
 class IDevFileStreamBase : public std::basic_istream<CharType, Traits>
 {
@@ -253,8 +253,8 @@ private:
     IDevFileStreamBuf<CharType, Traits> buffer;
 };
 
-// As std::ofstream over a file of a device: failures show in the state of the stream. Close it to hear of the last
-// ones.
+// Works like std::ofstream for a file of a device: failures set the state of the stream. Close it to detect failures of
+// the last bytes.
 template <typename CharType, typename Traits>
 class ODevFileStreamBase : public std::basic_ostream<CharType, Traits>
 {

@@ -22,7 +22,7 @@ template <class T, class I>
 class CBaseRefT : public CReferenceT<T, I>
 {
 public:
-    // Not implemented while there is no object.
+    // NI while there is no object.
     EAccessMode GetAccessMode() const override { return this->m_Ptr ? this->m_Ptr->GetAccessMode() : NI; }
 };
 

@@ -10,7 +10,7 @@ GENICAM_INTERFACE GENAPI_DECL_ABSTRACT ICommand : virtual public IValue
 {
     virtual void Execute(bool Verify = true) = 0;
     virtual void operator()() = 0;
-    // True without a preceding Execute; else asks the port until the command value is gone.
+    // Returns true without a preceding Execute; otherwise reads the port until the command value has disappeared.
     virtual bool IsDone(bool Verify = true) = 0;
 };
 

@@ -11,7 +11,7 @@ GENICAM_INTERFACE GENAPI_DECL_ABSTRACT IEnumEntry : virtual public IValue
     virtual int64_t GetValue() = 0;
     virtual GENICAM_NAMESPACE::gcstring GetSymbolic() const = 0;
     virtual double GetNumericValue() = 0;
-    // The device leaves this choice by itself.
+    // Whether the device resets the enumeration by itself after this entry was selected.
     virtual bool IsSelfClearing() = 0;
 };
 

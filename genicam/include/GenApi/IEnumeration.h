@@ -9,7 +9,7 @@ namespace GENAPI_NAMESPACE
 
 GENICAM_INTERFACE GENAPI_DECL_ABSTRACT IEnumeration : virtual public IValue
 {
-    // Of the available entries only.
+    // Returns only the available entries.
     virtual void GetSymbolics(StringList_t & Symbolics) = 0;
     // All entries.
     virtual void GetEntries(NodeList_t & Entries) = 0;
@@ -17,7 +17,7 @@ GENICAM_INTERFACE GENAPI_DECL_ABSTRACT IEnumeration : virtual public IValue
     virtual void SetIntValue(int64_t Value, bool Verify = true) = 0;
     virtual GENICAM_NAMESPACE::gcstring operator*() = 0;
     virtual int64_t GetIntValue(bool Verify = false, bool IgnoreCache = false) = 0;
-    // Null when there is none; an entry that is not available is found.
+    // Null when there is no such entry; entries that are not available are found too.
     virtual IEnumEntry* GetEntryByName(const GENICAM_NAMESPACE::gcstring& Symbolic) = 0;
     virtual IEnumEntry* GetEntry(const int64_t IntValue) = 0;
     virtual IEnumEntry* GetCurrentEntry(bool Verify = false, bool IgnoreCache = false) = 0;

@@ -44,7 +44,7 @@ public:
         SetValue(Value);
         return *this;
     }
-    // RuntimeException when the entry has no enumerator.
+    // Throws RuntimeException when the entry has no enumerator.
     EnumT GetValue(bool Verify = false, bool IgnoreCache = false) override
     {
         const GENICAM_NAMESPACE::gcstring name = this->ToString(Verify, IgnoreCache);

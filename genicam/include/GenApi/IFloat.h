@@ -18,7 +18,7 @@ GENICAM_INTERFACE GENAPI_DECL_ABSTRACT IFloat : virtual public IValue
     virtual double GetMax() = 0;
     virtual bool HasInc() = 0;
     virtual EIncMode GetIncMode() = 0;
-    // RuntimeException when there is none.
+    // Throws RuntimeException when there is no increment.
     virtual double GetInc() = 0;
     virtual double_autovector_t GetListOfValidValues(bool bounded = true) = 0;
     virtual ERepresentation GetRepresentation() = 0;

@@ -18,7 +18,7 @@ GENICAM_INTERFACE GENAPI_DECL_ABSTRACT IInteger : virtual public IValue
     virtual int64_t GetMax() = 0;
     virtual EIncMode GetIncMode() = 0;
     virtual int64_t GetInc() = 0;
-    // Sorted; bounded: only those within the range. Writing does not check against it.
+    // Sorted. With `bounded` only the values within the range. Writing does not check against the list.
     virtual int64_autovector_t GetListOfValidValues(bool bounded = true) = 0;
     virtual ERepresentation GetRepresentation() = 0;
     virtual GENICAM_NAMESPACE::gcstring GetUnit() = 0;

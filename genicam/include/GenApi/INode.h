@@ -12,7 +12,7 @@ GENICAM_INTERFACE GENAPI_DECL_ABSTRACT INode : virtual public IBase
     virtual GENICAM_NAMESPACE::gcstring GetName(bool FullQualified = false) const = 0;
     virtual ENameSpace GetNameSpace() const = 0;
     virtual EVisibility GetVisibility() const = 0;
-    // Drops the caches of the node and of all that depends on it, and fires their callbacks.
+    // Discards the caches of the node and of all its dependents, and calls their callbacks.
     virtual void InvalidateNode() = 0;
     virtual bool IsCachable() const = 0;
     virtual EYesNo IsAccessModeCacheable() const = 0;
@@ -25,7 +25,7 @@ GENICAM_INTERFACE GENAPI_DECL_ABSTRACT INode : virtual public IBase
     virtual GENICAM_NAMESPACE::gcstring GetDeviceName() const = 0;
     virtual void GetChildren(NodeList_t & Children, ELinkType LinkType = ctReadingChildren) const = 0;
     virtual void GetParents(NodeList_t & Parents) const = 0;
-    // Takes the callback over; it is destroyed on deregistration or with the node.
+    // Takes ownership of the callback, which is destroyed when it is deregistered or with the node.
     virtual CallbackHandleType RegisterCallback(CNodeCallback * pCallback) = 0;
     virtual bool DeregisterCallback(CallbackHandleType hCallback) = 0;
     virtual INodeMap* GetNodeMap() const = 0;
@@ -42,7 +42,7 @@ GENICAM_INTERFACE GENAPI_DECL_ABSTRACT INode : virtual public IBase
     virtual GENICAM_NAMESPACE::gcstring GetDocuURL() const = 0;
     virtual bool IsDeprecated() const = 0;
     virtual EInterfaceType GetPrincipalInterfaceType() const = 0;
-    // Reachable from the category "Root".
+    // Whether the node can be reached from the category "Root".
     virtual bool IsFeature() const = 0;
 };
 
@@ -106,7 +106,7 @@ inline bool IsAvailable(const IBase& r)
     return IsAvailable(r.GetAccessMode());
 }
 
-// What remains of two access modes that both apply.
+// The access mode that results from two modes that both apply.
 inline EAccessMode Combine(EAccessMode a, EAccessMode b)
 {
     if (a == NI || b == NI) return NI;

@@ -14,18 +14,18 @@ class CNodeWriteConcatenator;
 
 GENICAM_INTERFACE GENAPI_DECL_ABSTRACT INodeMap
 {
-    // In the order of their first mention in the description.
+    // In the order in which the description first mentions them.
     virtual void GetNodes(NodeList_t & Nodes) const = 0;
-    // Null when absent; takes the name alone or with its name space, "Std::Gain".
+    // Null when there is no such node; accepts the name with or without its namespace, "Std::Gain".
     virtual INode* GetNode(const GENICAM_NAMESPACE::gcstring& Name) const = 0;
     virtual void InvalidateNodes() const = 0;
-    // False when no port node has the name. The port stays the caller's.
+    // Returns false when no port node has the name. The port remains owned by the caller.
     virtual bool Connect(IPort * pPort, const GENICAM_NAMESPACE::gcstring& PortName) const = 0;
     virtual bool Connect(IPort * pPort) const = 0; // the port "Device"
     virtual bool Connect(IPortStacked * pPort, const GENICAM_NAMESPACE::gcstring& PortName) = 0;
     virtual bool Connect(IPortStacked * pPort) = 0;
     virtual GENICAM_NAMESPACE::gcstring GetDeviceName() = 0;
-    // Milliseconds since the last call; drops the caches of the nodes whose polling time has passed.
+    // Milliseconds since the last call; discards the caches of the nodes whose polling time has expired.
     virtual void Poll(int64_t ElapsedTime) = 0;
     virtual CLock& GetLock() const = 0;
     virtual uint64_t GetNumNodes() const = 0;

@@ -13,7 +13,7 @@ GENICAM_INTERFACE GENAPI_DECL_ABSTRACT IString : virtual public IValue
     virtual GENICAM_NAMESPACE::gcstring GetValue(bool Verify = false, bool IgnoreCache = false) = 0;
     virtual GENICAM_NAMESPACE::gcstring operator()() = 0;
     virtual GENICAM_NAMESPACE::gcstring operator*() = 0;
-    // Bytes that the node takes; for a node that is only readable the length of the present text.
+    // The number of bytes that the node accepts; for a read-only node the length of the current text.
     virtual int64_t GetMaxLength(bool Verify = false) = 0;
 };
 

@@ -11,7 +11,7 @@ namespace GENAPI_NAMESPACE
 GENICAM_INTERFACE GENAPI_DECL_ABSTRACT IUserData
 {
     virtual UserData_t GetUserData() const = 0;
-    // Answers the former pointer.
+    // Returns the previous pointer.
     virtual UserData_t SetUserData(UserData_t UserData) = 0;
 
 protected:

@@ -12,9 +12,9 @@ GENICAM_INTERFACE GENAPI_DECL_ABSTRACT IValue : virtual public IBase
     {
         return dynamic_cast<INode*>(this);
     }
-    // Verify checks limits and error nodes; IgnoreCache always asks the port.
+    // Verify checks limits and error nodes; IgnoreCache always reads from the port.
     virtual GENICAM_NAMESPACE::gcstring ToString(bool Verify = false, bool IgnoreCache = false) = 0;
-    // Without Verify locks and availability are not looked at either: a text from a file is written as it stands.
+    // Without Verify locks and availability are not checked either: a text from a file is written unchanged.
     virtual void FromString(const GENICAM_NAMESPACE::gcstring& ValueStr, bool Verify = true) = 0;
     virtual bool IsValueCacheValid() const = 0;
 };

@@ -24,7 +24,7 @@ public:
     CNodeCallback(const CNodeCallback&) = delete;
     CNodeCallback& operator=(const CNodeCallback&) = delete;
 
-    // Called for both types; acts when the type is its own.
+    // Called for both types; acts only for its own type.
     virtual void operator()(ECallbackType type) const = 0;
     virtual void Destroy() = 0;
     INode* GetNode() { return m_pNode; }
@@ -34,7 +34,7 @@ protected:
     ECallbackType m_CallbackType;
 };
 
-// Calls a function or function object that takes the node; one that is false in a boolean context is not called.
+// Calls a function or function object with the node as its argument. One that converts to false is not called.
 template <class Function>
 class Function_NodeCallback : public CNodeCallback
 {
@@ -97,7 +97,7 @@ inline intptr_t Register(INode* node, Client& client, Member member, ECallbackTy
     return node->RegisterCallback(make_NodeCallback(node, client, member, type));
 }
 
-// The handle must come from a registration that still stands.
+// The handle must come from a registration that still exists.
 GENAPI_DECL void Deregister(CallbackHandleType handle);
 
 } // namespace GENAPI_NAMESPACE

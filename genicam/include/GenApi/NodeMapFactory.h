@@ -33,7 +33,7 @@ public:
     CNodeMapFactory(
         EContentType_t FileType, const GENICAM_NAMESPACE::gcstring& FileName,
         ECacheUsage_t CacheUsage = CacheUsage_Automatic, bool SuppressStringsOnLoad = false);
-    // The bytes are not copied: they must live until the first CreateNodeMap.
+    // The bytes are not copied: they must stay valid until the first CreateNodeMap.
     CNodeMapFactory(
         EContentType_t ContentType, const void* pData, size_t DataSize, ECacheUsage_t CacheUsage = CacheUsage_Automatic,
         bool SuppressStringsOnLoad = false);
@@ -49,14 +49,14 @@ public:
     bool IsLoaded() const;
     bool IsPreprocessed() const;
     bool IsCameraDescriptionFileDataReleased() const;
-    // Adds the other's description to this one when it is loaded; its bytes must live until then.
+    // Adds the description of the other factory to this one when it is loaded; its bytes must stay valid until then.
     void AddInjectionData(CNodeMapFactory& injectionDataFactory);
     void LoadAndInject();
     void Preprocess();
     void ReleaseCameraDescriptionFileData();
     void GetSupportedSchemaVersions(GENICAM_NAMESPACE::gcstring_vector& versions) const;
 
-    // A new map each time, which the caller ends by IDestroy.
+    // Returns a new map for each call; the caller ends it by IDestroy.
     INodeMap* CreateNodeMap(
         const GENICAM_NAMESPACE::gcstring& DeviceName = "Device", bool DoReleaseCameraDescriptionFileData = true);
     // The lock must outlive the map.
@@ -64,15 +64,15 @@ public:
         CLock& UserProvidedLock, const GENICAM_NAMESPACE::gcstring& DeviceName = "Device",
         bool DoReleaseCameraDescriptionFileData = true);
 
-    // A map without nodes, which the caller ends by IDestroy.
+    // Returns a map without nodes; the caller ends it by IDestroy.
     static INodeMap* CreateEmptyNodeMap();
-    // This runtime keeps no descriptions between factories: there is nothing to clear, which is no failure.
+    // This runtime stores no descriptions between factories: there is nothing to clear, and the call succeeds.
     static bool ClearCache();
 
     struct NodeStatistics_t
     {
         uint32_t NumNodes;
-        uint32_t NumProperties; // of all nodes, links and texts included
+        uint32_t NumProperties; // of all nodes, including links and texts
         uint32_t NumLinks;
         uint32_t NumStrings;
     };

@@ -12,10 +12,10 @@
 namespace GENAPI_NAMESPACE
 {
 
-// The map's way to end, or null.
+// The interface that destroys the map, or null.
 GENAPI_DECL IDestroy* CastToIDestroy(INodeMap* pNodeMap);
 
-// The empty parameter class: a reference that knows its nodes by name only.
+// The empty parameter class: a reference whose nodes are accessible only by name.
 class CGeneric_XMLLoaderParams
 {
 public:
@@ -32,7 +32,7 @@ public:
     CNodeMapRefT(const GENICAM_NAMESPACE::gcstring& DeviceName = "Device")
         : _Ptr(nullptr), deviceName(DeviceName), references(nullptr)
     {}
-    // Takes the map over.
+    // Takes ownership of the map.
     CNodeMapRefT(INodeMap* pNodeMap, const GENICAM_NAMESPACE::gcstring& DeviceName = "Device")
         : _Ptr(nullptr), deviceName(DeviceName), references(nullptr)
     {
@@ -157,7 +157,7 @@ private:
         _Ptr = other._Ptr;
         Initialize();
     }
-    // Parameters that do not fit the map leave no reference behind.
+    // If the parameters do not fit the map, no reference remains.
     void Initialize()
     {
         try

@@ -44,24 +44,24 @@ public:
     virtual ~CFeatureBag();
 
     void SetInfo(const GENICAM_NAMESPACE::gcstring& Info) override { info = Info; }
-    // Appends a record of the present value. RuntimeException when the bag is full.
+    // Appends a record of the current value. Throws RuntimeException when the bag is full.
     void PersistFeature(IValue& item, CSelectorSet* selectorSet = nullptr) override;
 
-    // Writes the records in their order, unchecked, then with Verify reads them back. True if there was no error; the
-    // texts of errors are appended to the list. What was written stays written.
+    // Writes the records in their order, without checks; with Verify it then reads them back. Returns true if there was
+    // no error; the texts of errors are appended to the list. Values that were written stay.
     bool LoadFromBag(INodeMap* pNodeMap, bool Verify = true, GENICAM_NAMESPACE::gcstring_vector* pErrorList = nullptr);
-    // Appends a record for each streamable feature and each combination of its selectors, and answers their number.
-    // Stops after that many records, unless negative. The filter names the only nodes to be stored.
+    // Appends a record for each streamable feature and each combination of its selectors, and returns their number.
+    // Stops after this many records, unless the limit is negative. The filter lists the only nodes to be stored.
     int64_t StoreToBag(
         INodeMap* pNodeMap, const int MaxNumPersistSkriptEntries = -1,
         GENICAM_NAMESPACE::gcstring_vector* pFeatureFilter = nullptr);
 
-    // The same records; the info text does not count.
+    // Compares the records; the info text is ignored.
     bool operator==(const CFeatureBag& other) const;
-    // As a file.
+    // In the format of a file.
     GENICAM_NAMESPACE::gcstring ToString();
 
-    // Ends a bag that was made by new.
+    // Destroys a bag that was created by new.
     virtual void Destroy() { delete this; }
     virtual const GENICAM_NAMESPACE::gcstring& GetBagName() const { return bagName; }
     virtual void SetBagName(const GENICAM_NAMESPACE::gcstring& name) { bagName = name; }
@@ -74,7 +74,7 @@ private:
     {
         GENICAM_NAMESPACE::gcstring name;
         GENICAM_NAMESPACE::gcstring value;
-        CSelectorState* pState; // the bag's, never null
+        CSelectorState* pState; // owned by the bag; never null
     };
 
     class const_iterator
@@ -112,7 +112,7 @@ private:
         const Triplet* place;
     };
 
-    // The bag keeps the state; DeleteSelector ends one that was not pushed and sets the pointer to null.
+    // The bag owns the state; DeleteSelector destroys one that was not pushed and sets the pointer to null.
     CSelectorState* AllocateSelector();
     void DeleteSelector(CSelectorState*& pSelectorState);
     void Clear();
@@ -137,10 +137,10 @@ private:
     GENICAM_NAMESPACE::gcstring info;
     GENICAM_NAMESPACE::gcstring bagName;
     std::vector<Triplet> triplets;
-    std::vector<std::unique_ptr<CSelectorState>> states; // of the triplets, and those that are not pushed yet
+    std::vector<std::unique_ptr<CSelectorState>> states; // of the triplets, and those that were not pushed yet
 };
 
-// Drops lines that begin with "#".
+// Skips lines that begin with "#".
 inline void EatComments(std::istream& is)
 {
     while (is.good() && is.peek() == '#')
@@ -149,7 +149,7 @@ inline void EatComments(std::istream& is)
 
 #ifndef GENAPI_DONT_USE_DEFAULT_PERSISTENCE_FILE_FORMAT
 
-// White space at both ends goes.
+// Removes white space at both ends.
 inline void TrimSpace(GENICAM_NAMESPACE::gcstring& text)
 {
     const char* const space = " \t\n\v\f\r";
@@ -158,7 +158,7 @@ inline void TrimSpace(GENICAM_NAMESPACE::gcstring& text)
     text = first == GCSTRING_NPOS ? GENICAM_NAMESPACE::gcstring() : text.substr(first, last - first + 1);
 }
 
-// RuntimeException says what is wrong with a file; the bag then holds what it held before.
+// A RuntimeException states the error in a file; the bag is not changed then.
 inline std::istream& operator>>(std::istream& is, CFeatureBag& bag)
 {
     bag.ReadFrom(is);

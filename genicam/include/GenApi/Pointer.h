@@ -50,7 +50,7 @@ public:
     operator bool() const noexcept { return m_pT != nullptr; }
     bool operator==(T* other) const { return m_pT == other; }
     bool operator==(const CPointer& other) const { return m_pT == other.m_pT; }
-    // Compares with NULL alone.
+    // Compares only with NULL.
     bool operator==(int mustBeNull) const
     {
         if (mustBeNull != 0) throw LOGICAL_ERROR_EXCEPTION("A pointer can be compared with the number 0 only");
@@ -104,7 +104,7 @@ public:
         return *this;
     }
 
-    // Null when the node has no cast alias of that interface.
+    // Null when the node has no cast alias with that interface.
     IInteger* GetIntAlias() { return dynamic_cast<IInteger*>(CastAlias()); }
     IEnumeration* GetEnumAlias() { return dynamic_cast<IEnumeration*>(CastAlias()); }
 
@@ -140,7 +140,7 @@ inline bool IsAvailable(const CPointer<T, B>& pointer)
     return pointer.IsValid() && IsAvailable(pointer->GetAccessMode());
 }
 
-// Name of the principal interface: "IInteger".
+// The name of the principal interface, for example "IInteger".
 GENAPI_DECL GENICAM_NAMESPACE::gcstring GetInterfaceName(IBase* object);
 
 } // namespace GENAPI_NAMESPACE

@@ -20,7 +20,7 @@ public:
     void Write(const void* buffer, int64_t address, int64_t length) override { Port().Write(buffer, address, length); }
     void SetPortImpl(IPort* pPort) override { m_pPort = pPort; }
     EYesNo GetSwapEndianess() override { return No; }
-    // There are no nodes here that could be invalidated.
+    // This port has no nodes to invalidate.
     void Replay(IPortWriteList* pPortRecorder, bool Invalidate = true) override
     {
         static_cast<void>(Invalidate);

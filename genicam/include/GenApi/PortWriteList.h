@@ -23,14 +23,14 @@ public:
         Entry entry = {Address, std::vector<uint8_t>(bytes, bytes + Length)};
         entries.push_back(entry);
     }
-    // In the order of the writes; the list stays.
+    // Replays in the order of the writes; the list does not change.
     void Replay(IPort* pPort) override
     {
         if (!pPort) throw INVALID_ARGUMENT_EXCEPTION("The port must not be NULL");
         for (const Entry& entry : entries)
             pPort->Write(entry.bytes.data(), entry.address, static_cast<int64_t>(entry.bytes.size()));
     }
-    // A number that the application keeps at the list.
+    // A number that the application stores with the list.
     void SetCookie(const int64_t Value) override { cookie = Value; }
     int64_t GetCookie() override { return cookie; }
 

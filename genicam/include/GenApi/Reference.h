@@ -14,7 +14,7 @@ namespace GENAPI_NAMESPACE
 
 GENICAM_INTERFACE GENAPI_DECL_ABSTRACT IReference
 {
-    // Null, or an object without the interface: the feature is not there.
+    // Null, or an object without the interface, means that the feature does not exist.
     virtual void SetReference(IBase * pBase) = 0;
 
 protected:
@@ -41,7 +41,7 @@ public:
     bool IsValid() const { return m_Ptr != nullptr; }
 
 protected:
-    // AccessException without an object.
+    // Throws AccessException without an object.
     T& Target() const
     {
         if (!m_Ptr) throw ACCESS_EXCEPTION("Feature not present (reference not valid)");

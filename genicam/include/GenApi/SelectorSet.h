@@ -16,12 +16,12 @@ namespace GENAPI_NAMESPACE
 GENICAM_INTERFACE GENAPI_DECL_ABSTRACT ISelectorDigit
 {
     virtual bool SetFirst() = 0;
-    // False past the last value. Without Tick the present value is written again.
+    // Returns false past the last value. Without Tick the current value is written again.
     virtual bool SetNext(bool Tick = true) = 0;
     virtual void Restore() = 0;
     virtual GENICAM_NAMESPACE::gcstring ToString() = 0;
     virtual void GetState(CSelectorState&) = 0;
-    // Incremental: only what the last step moved.
+    // Incremental: only the selectors that the last step changed.
     virtual void GetSelectorList(FeatureList_t&, bool Incremental = false) = 0;
     virtual ~ISelectorDigit() {}
 };
@@ -29,8 +29,8 @@ GENICAM_INTERFACE GENAPI_DECL_ABSTRACT ISelectorDigit
 class GENAPI_DECL CSelectorSet : public ISelectorDigit
 {
 public:
-    // The nodes that select this one, directly or through each other. A selector that cannot be read and written now
-    // takes no part.
+    // Uses the nodes that select this one, directly or through each other. A selector that cannot be read and written
+    // now is left out.
     CSelectorSet(IBase* pBase);
     ~CSelectorSet() override;
     CSelectorSet(const CSelectorSet&) = delete;
@@ -39,8 +39,8 @@ public:
     bool IsEmpty() const { return digits.empty(); }
     bool SetFirst() override;
     bool SetNext(bool Tick = true) override;
-    // Writes the former values, outermost first; a value that is refused keeps no other from its place and is thrown
-    // at the end. Nothing is written when nothing was moved.
+    // Writes the previous values, outermost first. A value that is refused does not prevent the others; its exception
+    // is thrown at the end. Writes nothing when nothing was changed.
     void Restore() override;
     // "Outer=1, Inner=2"
     GENICAM_NAMESPACE::gcstring ToString() override;

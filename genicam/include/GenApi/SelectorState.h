@@ -16,18 +16,18 @@ class GENAPI_DECL CSelectorState
 public:
     CSelectorState() : position(0) {}
 
-    // False when there is none.
+    // Returns false when there is none.
     bool SetFirst();
     bool SetNext();
-    // Name and present value of a selector.
+    // Adds the name and the current value of a selector.
     void AddSelector(IValue& item);
     void AddSelector(GENICAM_NAMESPACE::gcstring name, GENICAM_NAMESPACE::gcstring value);
-    // Of the present position; LogicalErrorException on an empty state.
+    // At the current position; throws LogicalErrorException for an empty state.
     GENICAM_NAMESPACE::gcstring GetNodeName();
     GENICAM_NAMESPACE::gcstring GetNodeValue();
     bool IsEmpty() { return selectors.empty(); }
-    // Writes the values in their order. Selectors that the map does not have are passed over; the first one that takes
-    // its value not ends the writing. The result is false then, and the reason is appended to the list.
+    // Writes the values in their order. Selectors that the map does not have are skipped; the first one that does not
+    // accept its value ends the writing. The function then returns false and appends the reason to the list.
     bool RestoreState(INodeMap* pNodeMap, GENICAM_NAMESPACE::gcstring_vector* pErrorList = nullptr);
 
 private:

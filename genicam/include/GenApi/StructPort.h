@@ -24,7 +24,7 @@ public:
     explicit CTestPortStruct(int64_t BaseAddress = 0) : Struct(), baseAddress(BaseAddress) {}
 
     EAccessMode GetAccessMode() const override { return RW; }
-    // OutOfRangeException beside the structure.
+    // Throws OutOfRangeException outside of the structure.
     void Read(void* buffer, int64_t address, int64_t length) override
     {
         const char* const source = Place(address, length);
@@ -39,7 +39,7 @@ public:
 private:
     char* Place(int64_t address, int64_t length)
     {
-        // Unsigned: an address below the base becomes a distance beyond any structure.
+        // Unsigned: an address below the base results in a distance beyond any structure.
         const uint64_t distance = static_cast<uint64_t>(address) - static_cast<uint64_t>(baseAddress);
         if (length < 0 || distance > sizeof(Struct) || static_cast<uint64_t>(length) > sizeof(Struct) - distance)
         {

@@ -39,7 +39,7 @@ private:
     CLock& held;
 };
 
-// LockableObject<T>: gives a class a lock of its own.
+// LockableObject<T>: adds a lock to a class.
 template <class T>
 class LockableObject
 {

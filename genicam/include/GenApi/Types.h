@@ -17,7 +17,7 @@ typedef enum _EAccessMode
     WO,
     RO,
     RW,
-    _UndefinedAccesMode, // spelt so
+    _UndefinedAccesMode, // the spelling of GenApi
     _CycleDetectAccesMode
 } EAccessMode;
 
