@@ -1,4 +1,5 @@
 // How a grab ends whose camera dies.
+#include "tests/support/file_size_limit.h"
 #include "tests/tool/played_camera.h"
 #include "tests/tool/simulator_settings.h"
 
@@ -121,6 +122,21 @@ TEST(GrabEnd, StopThatFailsBehindAllPicturesIsAFailureWithATable)
     EXPECT_EQ(result.status, failure);
     EXPECT_THAT(result.out, HasSubstr("\npictures    2\n"));
     EXPECT_THAT(result.err, HasSubstr("koro: [Function: DSStopAcquisition"));
+}
+
+TEST(GrabEnd, PictureThatDoesNotFitOnTheDiskIsNamedOnceBehindTheTable)
+{
+    const TemporaryFolder folder;
+    const FileSizeLimit disk(3000);
+    // More frames than may stand in line, so that the failure ends the stream and is met again at the end.
+    const ToolResult result = RunTool(
+        {"grab", "cam", "--frames", "40", "--format", "raw", "--output", folder.File("out")},
+        SimulatorWith(folder, OneCamera("Mono8", 64, 48)));
+    EXPECT_EQ(result.status, failure);
+    EXPECT_THAT(result.out, HasSubstr("\npictures    0\n"));
+    EXPECT_EQ(
+        result.err, "koro: Cannot write " + folder.File("out/cam-000001.raw") +
+                        ": File too large.\nhint: Check that the folder exists, is writable and has room.\n");
 }
 
 TEST(GrabEnd, SilenceIsAnOutageAndEmptyBuffersHaveARow)

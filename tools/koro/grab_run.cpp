@@ -136,6 +136,8 @@ void GrabRun::FinishFiles()
         }
         catch (const ToolError& error)
         {
+            // What a write failed with ends the grab, and is thrown again when the files are finished.
+            if (std::current_exception() == cause) return;
             if (cause)
                 closing.Attempt([&] { throw error; });
             else
