@@ -104,6 +104,25 @@ TEST_F(Output, ThatDoesNotFitOnTheDiskIsAFailureOfEveryCommand)
     }
 }
 
+// The limit of the shell counts in blocks of 512 or 1024 bytes; a frame has 3072. What the commands write otherwise is
+// shorter.
+TEST_F(Output, IntoFilesBeyondTheLimitOfTheirSizeIsAFailureThatLeavesNoPart)
+{
+    const std::string pictures = folder.File("pictures");
+    for (const std::string format : {"tiff", "raw"})
+    {
+        const ToolResult result = RunInto(
+            ">/dev/null", "grab cam --frames 1 --format " + format + " --output '" + pictures + "'", "ulimit -f 1; ");
+        EXPECT_EQ(result.status, failure) << format;
+        EXPECT_THAT(result.err, HasSubstr("koro: Cannot write " + pictures + "/cam-000001." + format + ": ")) << format;
+        EXPECT_TRUE(std::filesystem::is_empty(pictures)) << format;
+    }
+    const std::string written = folder.File("written");
+    const ToolResult result = RunInto(">'" + written + "'", "xml cam", "ulimit -f 1; ");
+    EXPECT_EQ(result.status, failure);
+    EXPECT_THAT(result.err, HasSubstr("koro: Cannot write the output: File too large.\n"));
+}
+
 TEST_F(Output, IntoAClosedDescriptorIsAFailureOfEveryCommand)
 {
     for (const std::string& arguments : commands)

@@ -60,6 +60,7 @@ int Run(const Action& action)
 int RunCommandLine(int argc, char** argv)
 {
     IgnoreLostReaders();
+    IgnoreFileSizeLimit();
     CLI::App app("Find cameras and take pictures through GenICam GenTL producers.", "koro");
     app.require_subcommand(1);
     app.set_version_flag("--version", std::string(KORO_TOOL_VERSION));

@@ -46,6 +46,11 @@ void IgnoreLostReaders()
     std::signal(SIGPIPE, SIG_IGN);
 }
 
+void IgnoreFileSizeLimit()
+{
+    std::signal(SIGXFSZ, SIG_IGN);
+}
+
 bool WriteOut()
 {
     return std::fflush(Output()) == 0 && std::ferror(Output()) == 0;

@@ -7,6 +7,10 @@ namespace koro::tool
 // From then on a reader that has gone is a failure to write, and no signal that ends the process with cameras open.
 void IgnoreLostReaders();
 
+// From then on a file that would get longer than its limit is a failure to write too, so that nothing half-written is
+// left.
+void IgnoreFileSizeLimit();
+
 // Writes out what is buffered. False when anything that was written so far is lost: then a command that would go on
 // for ever ends. The failure is reported by FinishOutput.
 bool WriteOut();
