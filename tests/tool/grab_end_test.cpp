@@ -127,16 +127,68 @@ TEST(GrabEnd, StopThatFailsBehindAllPicturesIsAFailureWithATable)
 TEST(GrabEnd, PictureThatDoesNotFitOnTheDiskIsNamedOnceBehindTheTable)
 {
     const TemporaryFolder folder;
+    const Environment environment = SimulatorWith(folder, OneCamera("Mono8", 64, 48));
     const FileSizeLimit disk(3000);
     // More frames than may stand in line, so that the failure ends the stream and is met again at the end.
-    const ToolResult result = RunTool(
-        {"grab", "cam", "--frames", "40", "--format", "raw", "--output", folder.File("out")},
-        SimulatorWith(folder, OneCamera("Mono8", 64, 48)));
+    const ToolResult result =
+        RunTool({"grab", "cam", "--frames", "40", "--format", "raw", "--output", folder.File("out")}, environment);
     EXPECT_EQ(result.status, failure);
     EXPECT_THAT(result.out, HasSubstr("\npictures    0\n"));
     EXPECT_EQ(
         result.err, "koro: Cannot write " + folder.File("out/cam-000001.raw") +
                         ": File too large.\nhint: Check that the folder exists, is writable and has room.\n");
+}
+
+class GrabEndWithChunks : public testing::Test
+{
+protected:
+    GrabEndWithChunks()
+    {
+        json settings = OneCamera("Mono8", 64, 48);
+        settings["interfaces"][0]["tlType"] = "GEV"; // such cameras know chunks
+        environment = SimulatorWith(folder, settings);
+        std::filesystem::create_directory(folder.File("out"));
+    }
+
+    ToolResult Grab(const std::string& frames) const
+    {
+        return RunTool(
+            {"grab", "cam", "--frames", frames, "--format", "none", "--chunks", "--output", folder.File("out")},
+            environment);
+    }
+
+    const TemporaryFolder folder;
+    const std::string table = folder.File("out/cam-chunks.csv");
+    Environment environment;
+};
+
+TEST_F(GrabEndWithChunks, TableThatDoesNotFitOnTheDiskIsNamedOnceBehindTheSummary)
+{
+    const FileSizeLimit disk(2000);
+    const ToolResult result = Grab("1000");
+    EXPECT_EQ(result.status, failure);
+    EXPECT_THAT(result.out, HasSubstr("\nframes      "));
+    EXPECT_EQ(
+        result.err, "koro: Cannot write the table of chunks: File too large.\nhint: Check that the disk has room.\n");
+    EXPECT_TRUE(std::filesystem::is_empty(folder.File("out")));
+}
+
+TEST_F(GrabEndWithChunks, TableThatDoesNotFitAtTheEndIsNamedBehindTheSummary)
+{
+    const FileSizeLimit disk(20);
+    const ToolResult result = Grab("2");
+    EXPECT_EQ(result.status, failure);
+    EXPECT_THAT(result.out, HasSubstr("\nframes      2\n"));
+    EXPECT_THAT(result.err, testing::StartsWith("koro: Cannot write " + table + ": File too large.\nhint: "));
+}
+
+TEST_F(GrabEndWithChunks, TableThatCannotBeBegunIsNamedBehindTheSummary)
+{
+    ASSERT_EQ(mkfifo(table.c_str(), 0600), 0);
+    const ToolResult result = Grab("2");
+    EXPECT_EQ(result.status, failure);
+    EXPECT_THAT(result.out, HasSubstr("\nframes      0\n"));
+    EXPECT_EQ(result.err, "koro: Cannot write " + table + ": it is there, and no regular file.\n");
 }
 
 TEST(GrabEnd, SilenceIsAnOutageAndEmptyBuffersHaveARow)

@@ -99,19 +99,20 @@ void ChunkTable::WriteHeader()
 
 void ChunkTable::Finish()
 {
+    if (!file) return;
     if (!hasHeader) names.clear();
     WriteHeader();
-    file.Commit();
+    file->Commit();
 }
 
 void ChunkTable::WriteLine(std::vector<std::string> cells)
 {
     cells.resize(names.size() + 1);
     const std::string line = CommaSeparated(cells) + "\n";
-    if (std::fwrite(line.data(), 1, line.size(), file.Stream()) == line.size()) return;
-    throw ToolError(
-        "Cannot write the table of chunks: " + std::generic_category().message(errno) + ".",
-        "Check that the disk has room.");
+    if (std::fwrite(line.data(), 1, line.size(), file->Stream()) == line.size()) return;
+    const std::string reason = std::generic_category().message(errno);
+    file.reset();
+    throw ToolError("Cannot write the table of chunks: " + reason + ".", "Check that the disk has room.");
 }
 
 } // namespace koro::tool

@@ -13,6 +13,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <nlohmann/json.hpp>
+#include <stdexcept>
 #include <utility>
 
 namespace koro::tool
@@ -51,13 +52,10 @@ GrabRun::GrabRun(const GrabOptions& wished, const Discovery& discovery, const Ca
         PrintOut("%s, %s\n", Printable(DescribeCamera(choice)).c_str(), session->DescribeBuffers().c_str());
     std::fflush(Output());
 
-    const std::filesystem::path folder = options.output;
-    if (options.settings.chunks) table.emplace(folder / (options.prefix + "-chunks.csv"));
     progress.emplace(Output(), FormOf(options), options.settings.numPictures);
-    saver.emplace(folder, options.prefix, *progress);
-    const bool writesFiles = options.settings.format != FileFormat::None || table;
-    output.emplace(
-        GrabOutput{*saver, *progress, table ? &*table : nullptr, options.json, options.json || !writesFiles});
+    saver.emplace(options.output, options.prefix, *progress);
+    const bool writesFiles = options.settings.format != FileFormat::None || options.settings.chunks;
+    output.emplace(GrabOutput{*saver, *progress, nullptr, options.json, options.json || !writesFiles});
 }
 
 int GrabRun::Run()
@@ -81,6 +79,7 @@ int GrabRun::Run()
 
 void GrabRun::Stream()
 {
+    if (options.settings.chunks) BeginTable();
     while (session && (end = session->Run(interrupt, *output)) == GrabEnd::Lost)
     {
         closesLostCamera = true;
@@ -92,6 +91,13 @@ void GrabRun::Stream()
         closing.ForgetFailures();
         session = OpenAgain();
     }
+}
+
+// A disk that has no room for the file ends the grab as one that gets full later does.
+void GrabRun::BeginTable()
+{
+    const std::filesystem::path folder = options.output;
+    output->table = &table.emplace(folder / (options.prefix + "-chunks.csv"));
 }
 
 // Looks for the camera until it can be opened and streams again. Empty after an interrupt, and without a reader that
@@ -134,12 +140,12 @@ void GrabRun::FinishFiles()
         {
             finish();
         }
-        catch (const ToolError& error)
+        catch (const std::exception& error)
         {
             // What a write failed with ends the grab, and is thrown again when the files are finished.
             if (std::current_exception() == cause) return;
             if (cause)
-                closing.Attempt([&] { throw error; });
+                closing.Attempt([&] { throw std::runtime_error(error.what()); });
             else
                 cause = std::current_exception();
         }

@@ -43,6 +43,7 @@ public:
 
 private:
     void Stream();
+    void BeginTable();
     std::unique_ptr<GrabSession> OpenAgain();
     void Close();
     void FinishFiles();
