@@ -54,6 +54,20 @@ TEST(CommandLine, WrongCommandLinesEndWithStatusTwo)
     }
 }
 
+TEST(CommandLine, ProducerWithoutANameIsAWrongCommandLine)
+{
+    for (const Arguments& arguments :
+         {Arguments{"list", "--producer", ""}, Arguments{"info", "cam", "--producer", ""},
+          Arguments{"doctor", "--producer", ""}, Arguments{"get", "TLVendorName", "--system", ""}})
+    {
+        const ToolResult result = RunTool(arguments);
+        EXPECT_EQ(result.status, usage) << testing::PrintToString(arguments);
+        EXPECT_THAT(result.err, HasSubstr(": the name of the .cti file is empty\n"))
+            << testing::PrintToString(arguments);
+        EXPECT_EQ(result.out, "") << testing::PrintToString(arguments);
+    }
+}
+
 // The options that take a number, each with the rest of a command line that is right.
 const std::vector<Arguments> wholeNumbers = {
     {"doctor", "--timeout"},

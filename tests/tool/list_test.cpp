@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <map>
 #include <nlohmann/json.hpp>
 
 namespace
@@ -94,6 +95,39 @@ TEST(List, SingleProducerNeedsNoVariable)
     const ToolResult result = RunTool({"list", "--json", "--producer", ProducerFolder() + "/scripted_1_5.cti"});
     ASSERT_EQ(result.status, 0);
     EXPECT_EQ(json::parse(result.out).at("producers").size(), 1u);
+}
+
+// Of a producer that was named.
+TEST(List, FileThatIsNotThereOrCannotBeReadIsReportedInPlainWords)
+{
+    const TemporaryFolder folder;
+    const std::string missing = folder.File("missing.cti");
+    const std::string circle = folder.MakeLink(folder.File("circle.cti"), "circle.cti");
+    const std::map<std::string, std::string> reasons = {
+        {missing, "does not exist"},
+        {circle, "cannot be read: Too many levels of symbolic links"},
+        {folder.MakeFolder("folder.cti"), "is a directory"}};
+    for (const auto& [file, reason] : reasons)
+    {
+        const ToolResult result = RunTool({"list", "--producer", file});
+        EXPECT_EQ(result.status, failure) << file;
+        EXPECT_THAT(result.err, testing::StartsWith("koro: The producer " + file + " " + reason + ".\nhint: Name the "))
+            << file;
+        EXPECT_EQ(result.out, "") << file;
+    }
+    const std::vector<Arguments> commands = {
+        {"list", "--json", "--producer", missing},
+        {"info", "cam", "--producer", missing},
+        {"watch", "--duration", "1", "--producer", missing},
+        {"get", "--system", missing, "TLVendorName"},
+        {"get", "--interface", "if", "InterfaceID", "--producer", missing}};
+    for (const Arguments& command : commands)
+    {
+        const ToolResult result = RunTool(command);
+        EXPECT_EQ(result.status, failure) << testing::PrintToString(command);
+        EXPECT_THAT(result.err, testing::StartsWith("koro: The producer " + missing + " does not exist.\nhint: "))
+            << testing::PrintToString(command);
+    }
 }
 
 TEST(List, InformationThatAProducerLacksIsADash)

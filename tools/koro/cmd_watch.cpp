@@ -221,7 +221,11 @@ private:
 
 std::vector<std::string> WorkingProducers(const ProducerChoice& choice)
 {
-    if (!choice.file.empty()) return SearchProducers(choice).candidates;
+    if (!choice.file.empty())
+    {
+        RequireProducerFile(choice.file);
+        return SearchProducers(choice).candidates;
+    }
     const Discovery discovery = Discover(choice);
     for (const ProbeResult& failed : discovery.failed)
         std::fprintf(stderr, "koro: %s\n", DescribeFailure(failed).c_str());

@@ -33,6 +33,7 @@ void SayWhoIsWaitedFor(const std::vector<std::string>& paths)
 
 Discovery ProbeAll(const ProducerChoice& choice, const std::string& wanted)
 {
+    if (!choice.file.empty()) RequireProducerFile(choice.file);
     const ProducerSearch search = SearchProducers(choice);
     if (!search.ownFolder.empty())
     {
@@ -95,6 +96,7 @@ Discovery DiscoverFor(const ProducerChoice& choice, const std::string& wanted)
 {
     if (choice.file.empty()) return ProbeAll(choice, wanted);
 
+    RequireProducerFile(choice.file);
     Discovery discovery;
     discovery.opened = std::make_shared<OpenedProducer>(SearchProducers(choice).candidates.front());
     ProducerRecord record = discovery.opened->Describe();

@@ -4,7 +4,7 @@
 #include "tools/koro/choice_option.h"
 #include "tools/koro/discovery.h"
 #include "tools/koro/first_stream.h"
-#include "tools/koro/path_option.h"
+#include "tools/koro/producer_option.h"
 #include "tools/koro/report.h"
 #include "tools/koro/similar_names.h"
 #include "tools/koro/tool_error.h"
@@ -66,7 +66,8 @@ void DefineAnyModule(CLI::App& command, FeatureTarget& target, bool offersSettin
     camera->required(false);
     command.add_option(
         "--interface", target.interfaceName, "In place of a camera: the id of an interface, or a pattern");
-    TakesPath(command.add_option("--system", target.systemFile, "In place of a camera: the .cti file of a producer"));
+    TakesProducer(
+        command.add_option("--system", target.systemFile, "In place of a camera: the .cti file of a producer"));
 }
 
 void CompleteTarget(FeatureTarget& target, std::vector<std::string>& words)
@@ -121,6 +122,7 @@ void FeatureSession::OpenAboveCameras(const FeatureTarget& target, const ModuleS
 {
     if (target.interfaceName.empty())
     {
+        RequireProducerFile(target.systemFile);
         aboveCameras.emplace(target.systemFile, "", settings);
         return;
     }

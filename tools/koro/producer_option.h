@@ -6,6 +6,7 @@
 namespace CLI
 {
 class App;
+class Option;
 }
 
 namespace koro::tool
@@ -16,6 +17,10 @@ struct ProducerChoice
     std::string file;           // this one and no other; empty for the environment
     bool withSimulator = false; // the simulated cameras that came with the tool too
 };
+
+// The option takes the file of a producer: a path that is not empty. Whether the file is there is asked when it is
+// used.
+CLI::Option* TakesProducer(CLI::Option* option);
 
 // Defines --producer and --simulator. `choice` is filled when the command line is read and must live until then.
 void DefineProducer(CLI::App& command, ProducerChoice& choice);

@@ -3,10 +3,13 @@
 #include "tools/koro/tool_error.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
+#include <fcntl.h>
 #include <filesystem>
 #include <map>
 #include <system_error>
+#include <unistd.h>
 
 namespace koro::tool
 {
@@ -114,6 +117,20 @@ void AddSimulator(ProducerSearch& search)
     SortUnique(search.candidates);
 }
 
+// Empty when the file can be read. A pipe is not waited for.
+std::string WhyUnreadable(const std::string& path)
+{
+    std::error_code failure;
+    if (fs::is_directory(path, failure)) return "is a directory";
+    const int file = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (file >= 0)
+    {
+        close(file);
+        return {};
+    }
+    return errno == ENOENT ? "does not exist" : "cannot be read: " + std::generic_category().message(errno);
+}
+
 } // namespace
 
 ProducerSearch SearchProducers(const char* variable)
@@ -149,6 +166,15 @@ ProducerSearch SearchProducers(const ProducerChoice& choice)
     else if (!isSet)
         search.standIn = Canonical(OwnFolder() / simulatorName);
     return search;
+}
+
+void RequireProducerFile(const std::string& path)
+{
+    const std::string reason = WhyUnreadable(path);
+    if (reason.empty()) return;
+    throw ToolError(
+        "The producer " + path + " " + reason + ".",
+        "Name the .cti file of a producer; `koro doctor` without --producer shows those that are found.");
 }
 
 } // namespace koro::tool

@@ -41,4 +41,8 @@ ProducerSearch SearchProducers(const char* variable);
 // that came with the tool are found. Throws ToolError when the simulator is wished for and did not come with it.
 ProducerSearch SearchProducers(const ProducerChoice& choice);
 
+// For a producer that was named: throws ToolError when no file of that path can be read. What the system's loader and
+// the library say of such a path does not name the reason.
+void RequireProducerFile(const std::string& path);
+
 } // namespace koro::tool
