@@ -132,7 +132,18 @@ KORO_ReturnCode GetHandle(
     });
 }
 
-// Returns the handle of one element of a list; `enter` makes its entry.
+template <class List>
+const List& ElementsOf(const List& list)
+{
+    return list;
+}
+template <class List>
+const List& ElementsOf(const std::shared_ptr<const List>& list)
+{
+    return *list;
+}
+
+// Returns the handle of one element of a list, or of a list that is shared; `enter` makes its entry.
 template <class Handle, class NewHandle, class List, class Enter>
 KORO_ReturnCode GetIndexed(
     const NamedArgument<Handle>& handle, std::size_t index, const NamedArgument<NewHandle*>& newHandle, List&& list,
@@ -140,7 +151,8 @@ KORO_ReturnCode GetIndexed(
 {
     return WithObject(handle, [&](const auto& object) {
         if (!newHandle.value) return InvalidPointer(newHandle);
-        const auto& elements = std::invoke(list, *object); // a walk over a list must not copy it at each step
+        const auto& given = std::invoke(list, *object); // a walk over a list must not copy it at each step
+        const auto& elements = ElementsOf(given);
         if (index >= elements.size()) return IndexOutOfRange();
         *newHandle.value = enter(object, elements[index]);
         return success;

@@ -5,7 +5,6 @@
 #include "base/expiring.h"
 #include "capi/callbacks.h"
 
-#include <algorithm>
 #include <memory>
 #include <string>
 
@@ -47,8 +46,7 @@ HandleOf<Descriptor> EnterDescriptor(
 {
     const auto handle = EnterUntilLost(parent, descriptor);
     // An update on another thread may have reported the loss before the removal function was registered.
-    const auto children = parent->Children();
-    if (std::find(children.begin(), children.end(), descriptor) == children.end()) Remove(handle);
+    if (!parent->IsListed(*descriptor)) Remove(handle);
     return handle;
 }
 

@@ -79,7 +79,7 @@ KORO_ReturnCode KORO_Device_GetTimestampTickFrequency(KORO_DeviceHandle deviceHa
 KORO_ReturnCode KORO_Device_GetNumDataStreams(KORO_DeviceHandle deviceHandle, size_t* numDataStreams)
 {
     return GetScalar(
-        KORO_ARG(deviceHandle), KORO_ARG(numDataStreams), [](auto& device) { return device.DataStreams().size(); });
+        KORO_ARG(deviceHandle), KORO_ARG(numDataStreams), [](auto& device) { return device.DataStreams()->size(); });
 }
 
 KORO_ReturnCode KORO_Device_GetDataStream(

@@ -52,7 +52,7 @@ KORO_ReturnCode KORO_Interface_UpdateDevices(KORO_InterfaceHandle interfaceHandl
 KORO_ReturnCode KORO_Interface_GetNumDevices(KORO_InterfaceHandle interfaceHandle, size_t* numDevices)
 {
     return GetScalar(KORO_ARG(interfaceHandle), KORO_ARG(numDevices), [](const auto& interface) {
-        return interface.Children().size();
+        return interface.Children()->size();
     });
 }
 

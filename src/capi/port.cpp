@@ -93,7 +93,7 @@ KORO_ReturnCode KORO_Port_Write(
 
 KORO_ReturnCode KORO_Port_GetNumURLs(KORO_PortHandle portHandle, size_t* numUrls)
 {
-    return GetScalar(KORO_ARG(portHandle), KORO_ARG(numUrls), [](auto& port) { return port.URLs().size(); });
+    return GetScalar(KORO_ARG(portHandle), KORO_ARG(numUrls), [](auto& port) { return port.URLs()->size(); });
 }
 
 KORO_ReturnCode KORO_Port_GetURL(KORO_PortHandle portHandle, size_t index, KORO_PortURLHandle* portUrlHandle)

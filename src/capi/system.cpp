@@ -86,7 +86,7 @@ KORO_ReturnCode KORO_System_UpdateInterfaces(KORO_SystemHandle systemHandle, uin
 KORO_ReturnCode KORO_System_GetNumInterfaces(KORO_SystemHandle systemHandle, size_t* numInterfaces)
 {
     return GetScalar(
-        KORO_ARG(systemHandle), KORO_ARG(numInterfaces), [](const auto& system) { return system.Children().size(); });
+        KORO_ARG(systemHandle), KORO_ARG(numInterfaces), [](const auto& system) { return system.Children()->size(); });
 }
 
 KORO_ReturnCode KORO_System_GetInterface(

@@ -124,7 +124,7 @@ std::shared_ptr<Device> FirmwareUpdatableDevice::Search(std::uint64_t updateTime
     std::vector<std::shared_ptr<DeviceDescriptor>> candidates;
     Succeeds([&] {
         parentInterface->UpdateChildren(updateTimeout_ms);
-        candidates = parentInterface->Children();
+        candidates = *parentInterface->Children();
     });
     std::shared_ptr<Device> found;
     for (auto candidate = candidates.begin(); candidate != candidates.end() && !found; ++candidate)

@@ -19,6 +19,7 @@
 #include <mutex>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -31,6 +32,7 @@ class TGenTLChildManager
 public:
     using FoundCallbacks = TCallbackManager<std::shared_ptr<Descriptor>>;
     using LostCallbacks = TCallbackManager<Key>;
+    using ChildList = std::vector<std::shared_ptr<Descriptor>>;
 
     TGenTLChildManager(const TGenTLChildManager&) = delete;
     TGenTLChildManager& operator=(const TGenTLChildManager&) = delete;
@@ -49,11 +51,19 @@ public:
         if (WalkIfChanged(timeout_ms)) reports.Deliver();
     }
 
-    // A copy of the published list, without an update.
-    std::vector<std::shared_ptr<Descriptor>> Children() const
+    // The published list, without an update; never null. An update publishes a new list, so that asking for each child
+    // of a long one copies nothing.
+    std::shared_ptr<const ChildList> Children() const
     {
         const auto parent = HoldParent();
         return ListedChildren();
+    }
+    // Whether the child is in the published list. The time does not grow with the list.
+    bool IsListed(const Descriptor& child) const
+    {
+        const auto parent = HoldParent();
+        const std::lock_guard lock(listMutex);
+        return publishedChildren.contains(&child);
     }
 
     typename FoundCallbacks::Handle RegisterFoundCallback(typename FoundCallbacks::Function function)
@@ -82,7 +92,7 @@ protected:
     explicit TGenTLChildManager(GenTLCaller genTLCaller) : caller(std::move(genTLCaller)) {}
 
     // The same for the owner itself, which may be the last object that holds its parent.
-    std::vector<std::shared_ptr<Descriptor>> ListedChildren() const
+    std::shared_ptr<const ChildList> ListedChildren() const
     {
         const std::lock_guard lock(listMutex);
         return children;
@@ -125,7 +135,8 @@ private:
     bool Walk(std::uint32_t count)
     {
         std::vector<ReportQueue::Report> found;
-        std::vector<std::shared_ptr<Descriptor>> newList;
+        const auto newList = std::make_shared<ChildList>();
+        std::unordered_set<const Descriptor*> newlyListed;
         ChildMap newMap;
         for (Index index = 0; index < count; ++index)
         {
@@ -142,7 +153,8 @@ private:
                 descriptor = std::make_shared<Descriptor>(id, SharedOwner(), caller.Proxy());
                 found.push_back([this, descriptor] { Trigger(foundCallbacks, descriptor); });
             }
-            newList.push_back(descriptor);
+            newList->push_back(descriptor);
+            newlyListed.insert(descriptor.get());
             newMap.emplace(id, std::move(descriptor)); // the first of two equal keys stays
         }
         auto news = LostReports();
@@ -150,7 +162,8 @@ private:
         const bool hasNews = !news.empty();
         reports.Add(std::move(news));
         childrenByKey = std::move(newMap);
-        children = std::move(newList);
+        children = newList;
+        publishedChildren = std::move(newlyListed);
         updatedOnce = true;
         return hasNews;
     }
@@ -173,13 +186,16 @@ private:
     void Check(const char* function, GenTL::GC_ERROR result) const { CheckResult(function, result, *caller.Proxy()); }
 
     const GenTLCaller caller;
-    std::vector<std::shared_ptr<Descriptor>> children; // in the producer's order
+    // In the producer's order; the list does not change.
+    std::shared_ptr<const ChildList> children = std::make_shared<ChildList>();
+    std::unordered_set<const Descriptor*> publishedChildren; // the same children
     ChildMap childrenByKey;
     FoundCallbacks foundCallbacks;
     LostCallbacks lostCallbacks;
     ReportQueue reports;
-    mutable std::mutex listMutex; // guards children and childrenByKey; the only lock of the library that is taken under
-                                  // it is that of `reports`
+    // Guards children, publishedChildren and childrenByKey. The only lock of the library that is taken under it is that
+    // of `reports`.
+    mutable std::mutex listMutex;
     std::atomic<bool> updatedOnce{false};
 };
 

@@ -95,7 +95,7 @@ void Port::Write(const void* buffer, std::uint64_t address, std::size_t size) co
         [&] { gentl.Call<&GenTLProxy::GCWritePort>(handle, address, buffer, &size); });
 }
 
-std::vector<std::shared_ptr<PortURL>> Port::URLs()
+std::shared_ptr<const Port::ChildList> Port::URLs()
 {
     return WithStandardExceptionsAsInternalErrors([&] {
         UpdateChildren(0);

@@ -49,7 +49,7 @@ public:
     void Write(const void* buffer, std::uint64_t address, std::size_t size) const;
 
     // Read from the producer once in the life of the port.
-    std::vector<std::shared_ptr<PortURL>> URLs();
+    std::shared_ptr<const ChildList> URLs();
 
 private:
     GenTL::GC_ERROR QueryInfo(

@@ -105,7 +105,8 @@ std::vector<std::shared_ptr<NodeMap>> RetrieveNodeMaps(Module& module)
     };
     const std::string debugFile = DebugFile(module);
     if (!debugFile.empty()) IgnoringFailures([&] { addNodeMap({.filePath = debugFile}); });
-    for (const auto& url : module.Port()->URLs())
+    const auto urls = module.Port()->URLs();
+    for (const auto& url : *urls)
         IgnoringFailures([&] { addNodeMap(FetchDescription(*url)); });
     return nodeMaps;
 }

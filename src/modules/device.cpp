@@ -63,7 +63,7 @@ std::string Device::SerialNumber() const
     return StringInfo(DEVICE_INFO_SERIAL_NUMBER);
 }
 
-std::vector<std::shared_ptr<DataStreamDescriptor>> Device::DataStreams()
+std::shared_ptr<const Device::ChildList> Device::DataStreams()
 {
     UpdateChildren(0);
     return Children();

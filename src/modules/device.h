@@ -45,7 +45,7 @@ public:
     std::string SerialNumber() const;
 
     // Read from the producer once in the life of the device.
-    std::vector<std::shared_ptr<DataStreamDescriptor>> DataStreams();
+    std::shared_ptr<const ChildList> DataStreams();
 
     // Returns the same object at each call; after a failure the next call tries again.
     std::shared_ptr<RemoteDevice> GetRemoteDevice();

@@ -167,8 +167,8 @@ std::shared_ptr<DeviceDescriptor> Interface::FindListed(const std::string& devic
     const auto listed = ListedChildren();
     const std::string deviceKey = ModuleKey(key, deviceID);
     const auto found = std::find_if(
-        listed.begin(), listed.end(), [&](const auto& descriptor) { return descriptor->Key() == deviceKey; });
-    return found == listed.end() ? nullptr : *found;
+        listed->begin(), listed->end(), [&](const auto& descriptor) { return descriptor->Key() == deviceKey; });
+    return found == listed->end() ? nullptr : *found;
 }
 
 std::shared_ptr<System> Interface::ParentSystem() const

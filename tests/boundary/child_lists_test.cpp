@@ -229,6 +229,19 @@ TYPED_TEST(ChildLists, ChildTestsHandleThenPointerThenIndex)
     EXPECT_EQ(child, nullptr);
 }
 
+// Work that grows with the square of their number would not end in time.
+TYPED_TEST(ChildLists, EachOfAsManyAsThereMayBeIsFound)
+{
+    constexpr std::size_t count = 65536;
+    this->producer->Edit(
+        [](scripted::Tree& tree) { TypeParam::ChildrenIn(tree).assign(count, TypeParam::MakeChild("twin")); });
+    this->Update();
+    ASSERT_EQ(this->Count(), count);
+    for (std::size_t index = 0; index < count; ++index)
+        ASSERT_NE(this->At(index), nullptr);
+    EXPECT_EQ(this->OutcomeOfKey(this->At(count - 1)), Error{});
+}
+
 TYPED_TEST(ChildLists, ChildThatStaysKeepsItsHandle)
 {
     const auto second = this->At(1);

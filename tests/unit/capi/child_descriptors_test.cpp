@@ -29,8 +29,8 @@ TEST_F(ChildDescriptors, ChildThatWasLostBeforeItsEntryHasAnInvalidHandle)
     const auto library = std::make_shared<ProducerLibrary>(producer.Path());
     const auto system = library->GetSystem()->OpenSystem();
     system->UpdateChildren(0);
-    const auto lost = system->Children().at(0);
-    const auto stayed = system->Children().at(1);
+    const auto lost = system->Children()->at(0);
+    const auto stayed = system->Children()->at(1);
     producer->Edit([](scripted::Tree& tree) { tree.interfaces.erase(tree.interfaces.begin()); });
     producer->SetChanged("TLUpdateInterfaceList", 1);
     system->UpdateChildren(0);

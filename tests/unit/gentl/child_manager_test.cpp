@@ -112,12 +112,13 @@ protected:
     std::vector<std::string> IDs() const
     {
         std::vector<std::string> ids;
-        for (const auto& child : owner->Children())
+        const auto children = owner->Children();
+        for (const auto& child : *children)
             ids.push_back(child->id);
         return ids;
     }
 
-    std::shared_ptr<Child> ChildAt(std::size_t index) const { return owner->Children().at(index); }
+    std::shared_ptr<Child> ChildAt(std::size_t index) const { return owner->Children()->at(index); }
 
     std::vector<std::string> Calls(const std::string& function) const
     {
@@ -175,7 +176,7 @@ TEST_F(ChildManagerTest, SecondUpdateWithoutChangeAsksForNothingMore)
     producer->ClearJournal();
     EXPECT_THAT(Update(), IsEmpty());
     EXPECT_THAT(producer->Journal(), ElementsAre("TLUpdateInterfaceList(system, 0)"));
-    EXPECT_EQ(owner->Children(), before);
+    EXPECT_EQ(*owner->Children(), *before);
 }
 
 TEST_F(ChildManagerTest, ChangeThatIsNotWrittenCountsAsNone)
@@ -201,7 +202,7 @@ TEST_F(ChildManagerTest, ReportedChangeWithTheSameChildrenReportsNothing)
     const auto before = owner->Children();
     producer->SetChanged("TLUpdateInterfaceList", 1);
     EXPECT_THAT(Update(), IsEmpty());
-    EXPECT_EQ(owner->Children(), before);
+    EXPECT_EQ(*owner->Children(), *before);
 }
 
 TEST_F(ChildManagerTest, ChildThatStaysKeepsItsObject)
@@ -267,12 +268,29 @@ TEST_F(ChildManagerTest, FactoryGetsKeyParentAndProxyAndTheParentIsHeldWeakly)
     EXPECT_EQ(owner.use_count(), 1);
 }
 
-TEST_F(ChildManagerTest, ChildrenAreACopyOfTheList)
+TEST_F(ChildManagerTest, ListIsNotCopiedForWhoAsksForItAndNoUpdateChangesIt)
 {
     Update();
-    auto copy = owner->Children();
-    copy.clear();
-    EXPECT_THAT(IDs(), ElementsAre("if0", "if1"));
+    const auto before = owner->Children();
+    EXPECT_EQ(owner->Children().get(), before.get());
+    SetInterfaces({"if9"});
+    Update();
+    EXPECT_EQ(before->size(), 2u);
+    EXPECT_THAT(IDs(), ElementsAre("if9"));
+}
+
+TEST_F(ChildManagerTest, ChildIsListedUntilItIsLost)
+{
+    SetInterfaces({"twin", "if1", "twin"});
+    Update();
+    const auto before = owner->Children();
+    for (const auto& child : *before)
+        EXPECT_TRUE(owner->IsListed(*child));
+    SetInterfaces({"if1"});
+    Update();
+    EXPECT_FALSE(owner->IsListed(*before->at(0)));
+    EXPECT_TRUE(owner->IsListed(*before->at(1)));
+    EXPECT_FALSE(owner->IsListed(*before->at(2)));
 }
 
 TEST_F(ChildManagerTest, EmptyIdIsAKeyLikeAnyOther)
@@ -356,11 +374,11 @@ TEST_F(ChildManagerTest, FailureHalfWayKeepsTheListAndMakesTheMatchedOnesNewAtTh
     producer->AnswerAtCall("TLGetInterfaceID", 3, GenTL::GC_ERR_IO); // at the second child
     EXPECT_THROW(Update(), IOException);
     EXPECT_THAT(reports, IsEmpty());
-    EXPECT_EQ(owner->Children(), before);
+    EXPECT_EQ(*owner->Children(), *before);
 
     EXPECT_THAT(Update(), ElementsAre("found if0"));
-    EXPECT_NE(ChildAt(0), before[0]);
-    EXPECT_EQ(ChildAt(1), before[1]);
+    EXPECT_NE(ChildAt(0), before->at(0));
+    EXPECT_EQ(ChildAt(1), before->at(1));
 }
 
 TEST_F(ChildManagerTest, ListThatGrowsOrShrinksDuringTheWalkIsNoHarm)

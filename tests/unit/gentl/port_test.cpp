@@ -109,8 +109,8 @@ TEST_F(PortRoad, URLsAreTheSameObjectsAtEachRequest)
 {
     producer->Edit([](scripted::Tree& tree) { tree.port.urls.resize(3, tree.port.urls[0]); });
     const auto urls = port->URLs();
-    EXPECT_EQ(urls.size(), 3u);
-    EXPECT_EQ(port->URLs(), urls);
+    EXPECT_EQ(urls->size(), 3u);
+    EXPECT_EQ(*port->URLs(), *urls);
     EXPECT_EQ(producer->Journal(), Strings{"GCGetNumPortURLs(system)"});
 }
 

@@ -40,7 +40,7 @@ protected:
 
 TEST_F(PortURLs, URLWhosePortHasGoneSaysSoAndAsksNothing)
 {
-    const auto url = port->URLs().front();
+    const auto url = port->URLs()->front();
     EXPECT_EQ(url->ParentPort(), port);
     port.reset();
     producer->ClearJournal();
@@ -70,7 +70,7 @@ TEST_F(PortURLs, URLWhosePortHasGoneSaysSoAndAsksNothing)
 
 TEST_F(PortURLs, QueryHoldsThePortForItsLength)
 {
-    const auto url = port->URLs().front();
+    const auto url = port->URLs()->front();
     const std::weak_ptr<Port> weakPort = port;
     bool heldMeanwhile = false;
     producer->OnEntry("GCGetPortURLInfo", [&] {
@@ -85,7 +85,7 @@ TEST_F(PortURLs, QueryHoldsThePortForItsLength)
 
 TEST_F(PortURLs, URLKeepsTheProducerLoadedAndNotThePort)
 {
-    const auto url = port->URLs().front();
+    const auto url = port->URLs()->front();
     const std::weak_ptr<Port> weakPort = port;
     port.reset();
     EXPECT_TRUE(weakPort.expired());

@@ -24,7 +24,7 @@ protected:
         producer->Edit([&](scripted::Tree& tree) {
             tree.port.urls.assign(1, {{GenTL::URL_INFO_URL, scripted::Text(text)}});
         });
-        return port->URLs().front();
+        return port->URLs()->front();
     }
 
     void ExpectFailure(const std::string& url, const std::string& text) const

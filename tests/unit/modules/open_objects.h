@@ -24,7 +24,7 @@ template <class Parent>
 auto FirstChild(Parent& parent)
 {
     parent.UpdateChildren(0);
-    return parent.Children().front();
+    return parent.Children()->front();
 }
 
 struct OpenObjects
@@ -39,7 +39,7 @@ struct OpenObjects
     std::shared_ptr<internal::DeviceDescriptor> deviceDescriptor = FirstChild(*interface);
     std::shared_ptr<internal::Device> device = deviceDescriptor->OpenDevice(GenTL::DEVICE_ACCESS_EXCLUSIVE);
     std::shared_ptr<internal::RemoteDevice> remoteDevice = device->GetRemoteDevice();
-    std::shared_ptr<internal::DataStreamDescriptor> streamDescriptor = device->DataStreams().front();
+    std::shared_ptr<internal::DataStreamDescriptor> streamDescriptor = device->DataStreams()->front();
     std::shared_ptr<internal::DataStream> stream = streamDescriptor->OpenDataStream();
 };
 
