@@ -17,7 +17,7 @@ struct Variant
     GenTL::GC_ERROR versionResult; // of the queries of both numbers
     GenTL::GC_ERROR initResult;
     GenTL::GC_ERROR closeResult;
-    bool leavesThreads; // one for each start: lingering_thread.h
+    bool leavesThreads;             // one for each start: lingering_thread.h
     void (*behave)(Script& script); // run at load and at each Reset(); may be null
 };
 

@@ -1,8 +1,7 @@
 // Runs the tests of one file: boundary_tests <subject> runs those of <subject>_test.cpp, without a name it runs all.
-#include <gmock/gmock.h>
-
 #include <cstdio>
 #include <filesystem>
+#include <gmock/gmock.h>
 #include <string>
 #include <string_view>
 

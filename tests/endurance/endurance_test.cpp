@@ -20,7 +20,8 @@ protected:
     const TemporaryFolder folder;
     const EnvironmentVariable settings{
         "KORO_SIMULATOR_CONFIG",
-        folder.MakeFile("simulator.json", R"({"allCameras": {"rate": 0, "width": 64, "height": 48, "startWithStream": true}})")};
+        folder.MakeFile(
+            "simulator.json", R"({"allCameras": {"rate": 0, "width": 64, "height": 48, "startWithStream": true}})")};
     const std::string simulator = BuiltProducer("zvr_koro_simulator");
     const KoroLibrary library;
 };
