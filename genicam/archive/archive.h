@@ -15,7 +15,7 @@
 namespace GENAPI_NAMESPACE::runtime
 {
 
-// Bounds of what an archive may be; beyond them it is refused.
+// The bounds beyond which an archive is refused.
 const size_t maxArchiveSize = 1u << 30; // bytes
 const size_t maxArchiveEntries = 10000;
 

@@ -11,7 +11,7 @@ namespace GENAPI_NAMESPACE
 namespace
 {
 
-// Null for neither direction.
+// Null when neither reading nor writing is requested.
 const char* OpenModeFor(std::ios_base::openmode mode)
 {
     const bool in = (mode & std::ios_base::in) != 0;
@@ -58,7 +58,7 @@ void FileProtocolAdapter::Select(const char* file, const char* operation)
     nodes.operation->FromString(operation);
 }
 
-// Asks at once a few times, since most devices are quick, then less and less often.
+// Queries a few times without a pause, since most devices are quick, then less and less often.
 void FileProtocolAdapter::ExecuteAndWait()
 {
     using Clock = std::chrono::steady_clock;

@@ -111,7 +111,7 @@ private:
     std::string key;                                // of the open entry
 
     Procedures procedures;
-    Procedure* procedure = nullptr; // the open one, or the last
+    Procedure* procedure = nullptr; // the open property
     UpdateRules update;
 };
 

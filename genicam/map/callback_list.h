@@ -10,7 +10,7 @@
 namespace GENAPI_NAMESPACE::runtime
 {
 
-// Shared by its node and the lists that are at work; the last of them destroys the callback.
+// Shared by its node and the lists that currently use it; the last of them destroys the callback.
 class Registration
 {
 public:
@@ -39,7 +39,7 @@ class CallbackList
 {
 public:
     void Add(const Registrations& added) { registrations.insert(registrations.end(), added.begin(), added.end()); }
-    // With the lock of the map held.
+    // Called while the lock of the map is held.
     void CallInside() const { Call(cbPostInsideLock); }
     void CallOutside() const { Call(cbPostOutsideLock); }
 

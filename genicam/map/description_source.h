@@ -11,15 +11,15 @@ namespace GENAPI_NAMESPACE::runtime
 class DescriptionSource
 {
 public:
-    DescriptionSource() = default; // of nothing
+    DescriptionSource() = default; // an empty source
     static DescriptionSource OfFile(EContentType_t type, const std::string& path);
-    // Not copied: the bytes must live until the text was asked for.
+    // Not copied: the bytes must stay valid until the text was requested.
     static DescriptionSource OfMemory(EContentType_t type, std::string_view bytes);
     static DescriptionSource OfText(std::string_view text); // copied
 
     bool IsEmpty() const { return !given; }
     bool IsReleased() const { return released; }
-    // The XML text: read and unpacked by the first call, valid until Release. Throws RuntimeException, and
+    // The XML text: the first call reads and unpacks it; valid until Release. Throws RuntimeException, or
     // LogicalErrorException when there is nothing to read.
     std::string_view Text();
     void Release();
@@ -29,9 +29,9 @@ private:
     bool released = false;
     EContentType_t type = ContentType_Xml;
     std::string path;        // empty: not from a file
-    std::string_view memory; // the caller's
-    std::string text;        // what was copied, read or unpacked
-    bool ready = false;      // the text is
+    std::string_view memory; // owned by the caller
+    std::string text;        // the copied, read or unpacked text
+    bool ready = false;      // the text is available
 };
 
 } // namespace GENAPI_NAMESPACE::runtime

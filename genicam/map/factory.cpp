@@ -18,8 +18,8 @@ namespace GENAPI_NAMESPACE
 
 using GENICAM_NAMESPACE::gcstring;
 
-// The source of a description until it is parsed, then its records; and what is injected into it. Shared by the copies
-// of a factory, which may be used on different threads.
+// The source of a description until it is parsed, then its records; also the descriptions that are injected into it.
+// Shared by the copies of a factory, which may be used on different threads.
 class CNodeMapFactory::Data
 {
 public:
@@ -44,7 +44,7 @@ public:
     {
         if (addition.get() == this)
             throw LOGICAL_ERROR_EXCEPTION("A camera description cannot be injected into itself");
-        addition->CheckInjectable(); // before the own lock: never two at once
+        addition->CheckInjectable(); // before taking the own lock: never two locks at once
         const AutoLock held(lock);
         if (description)
             throw LOGICAL_ERROR_EXCEPTION("The camera description is loaded: nothing can be injected any more");
@@ -56,7 +56,7 @@ private:
     // An injected description with unresolved links: it may name nodes that it does not contain.
     struct Addition
     {
-        std::string text; // empty when it was loaded before
+        std::string text; // empty when it has been loaded before
         std::shared_ptr<const runtime::Description> description;
     };
 

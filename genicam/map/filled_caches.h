@@ -24,7 +24,7 @@ public:
     FilledCaches(const FilledCaches&) = delete;
     FilledCaches& operator=(const FilledCaches&) = delete;
 
-    // Something comes into the caches of the node.
+    // Enters a node that now has a cached value.
     void Add(NodeIndex node) noexcept
     {
         if (!nodes[node].entered) AddNew(node);
@@ -57,7 +57,7 @@ private:
     std::vector<NodeState> nodes;
     std::vector<NodeIndex> sources; // of each link
     std::vector<Link> next;         // in the list that the link is in
-    std::vector<NodeIndex> met;     // by the call at work, each node once; has room for all
+    std::vector<NodeIndex> met;     // the nodes that the current call has met, each once; large enough for all
     uint64_t visits = 0;
 };
 

@@ -29,13 +29,13 @@ size_t MostDescents(size_t nodeCount)
     return (size_t(1) << 19) + 16 * nodeCount;
 }
 
-// In the orders of callbacks that are kept.
+// The limit for the nodes in all stored callback orders.
 size_t MostOrderedNodes(size_t nodeCount)
 {
     return 1000 + 4 * nodeCount;
 }
 
-// Nothing is ever written through these.
+// Elements through which nothing is ever written.
 bool IsReadOnlyKind(Element kind)
 {
     return kind == Element::SwissKnife || kind == Element::IntSwissKnife || kind == Element::SmartFeature;
@@ -274,7 +274,7 @@ Span<NodeIndex> NodeMap::StartsOf(size_t change) const
     return {changed.data() + changes[change].first, changed.data() + end};
 }
 
-// Without `withThem` the starts keep their caches, also where one of them depends on another.
+// Without `withThem` the starting nodes keep their caches, even if one of them depends on another.
 void NodeMap::Drop(Span<NodeIndex> starts, bool withThem)
 {
     NewMark();
@@ -369,7 +369,7 @@ void NodeMap::DropChange(Span<NodeIndex> starts, bool written)
     dropped = filled.Take(starts);
     for (const NodeIndex node : dropped)
         At(node)->DropValue();
-    for (const NodeIndex node : dropped) // which keep their other caches
+    for (const NodeIndex node : dropped) // they keep their other caches
         filled.Add(node);
 }
 
@@ -401,14 +401,15 @@ void NodeMap::AddCallbacks(CallbackList& list)
     NewMark();
     for (const NodeIndex node : called)
     {
-        if (At(node)->mark == lastMark) continue; // several writes of one operation
+        if (At(node)->mark == lastMark) continue; // already listed by another write of the operation
         At(node)->mark = lastMark;
         list.Add(At(node)->callbacks);
     }
 }
 
-// The nodes with callbacks among the starts and their dependents, in the order of the walk. The first change that
-// starts so walks; others find the order kept, while the same nodes have callbacks and there is room.
+// The nodes with callbacks among the starting nodes and their dependents, in the order of the walk. The first change
+// with these starting nodes walks; later ones use the stored order, while the same nodes have callbacks and there is
+// room.
 const NodeMap::Order& NodeMap::CallbackOrder(Span<NodeIndex> starts)
 {
     Order key(starts.begin(), starts.end());
@@ -469,7 +470,7 @@ void NodeMap::Poll(int64_t ElapsedTime)
         for (PollState& state : polled)
         {
             if (!state.running) continue;
-            if (__builtin_add_overflow(state.elapsed, ElapsedTime, &state.elapsed)) // times come from anywhere
+            if (__builtin_add_overflow(state.elapsed, ElapsedTime, &state.elapsed)) // the caller may pass any time
                 state.elapsed = ElapsedTime < 0 ? INT64_MIN : INT64_MAX;
             if (state.elapsed < state.time) continue;
             state.elapsed = 0;

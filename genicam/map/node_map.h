@@ -61,58 +61,59 @@ public:
     UserData_t GetUserData() const override { return userData; }
     UserData_t SetUserData(UserData_t data) override;
 
-    // For the nodes, with the lock held.
+    // For the nodes; called while the lock is held.
     Node* At(NodeIndex node) const { return nodes[node].get(); }
     const Description& Source() const { return *description; }
     RegisterCache& Registers() { return registers; }
     bool IsUnrestricted() const { return unrestricted; }
     // The number of operations that began inside others: a port may use the nodes of its own map.
     uint64_t NestedEntries() const { return nestedEntries; }
-    // Reads that a port ended by a TimeoutException so far, and writes that went to a port or into a node.
+    // The number of reads that a port has ended by a TimeoutException, and the number of writes to a port or into a
+    // node.
     uint64_t TimedOutReads() const { return timedOutReads; }
     void CountTimedOutRead() { ++timedOutReads; }
     uint64_t Writes() const { return writes; }
     void CountWrite() { ++writes; }
     // "Gain.SetValue()"; empty outside of an operation.
     std::string EntryPoint() const;
-    // Starts a list that has each node once: Meet adds the node unless that was done since.
+    // Starts a list that contains each node once: Meet adds a node unless it has been added since.
     uint32_t NewMark();
     void Meet(Node& node, std::vector<Node*>& list);
-    // Drops the caches of everything that depends on the node and on the nodes that are written through it, and
-    // remembers all of them for their callbacks.
+    // Discards the caches of all dependents of the node and of the nodes that are written through it, and records all
+    // of them for their callbacks.
     void AnnounceWrite(Node& node);
-    // Drops the caches of the node and its dependents, and remembers them.
+    // Discards the caches of the node and its dependents, and records them for their callbacks.
     void Announce(Node& node);
-    // The same for several nodes at once.
+    // Does the same for several nodes at once.
     void Announce(const std::vector<Node*>& several);
-    // The same for these nodes without their dependents.
+    // Does the same for these nodes without their dependents.
     void AnnounceAlone(const std::vector<Node*>& several);
     // The terminal nodes: those at the end of the writing links.
     void Terminals(Node& node, std::vector<Node*>& list);
     void Dependents(Node& node, std::vector<Node*>& list);
-    // Adds what depends on the nodes of the list; each node is there once.
+    // Adds the dependents of the nodes in the list; each node is added once.
     void AddDependents(std::vector<Node*>& list);
-    // Something came into the caches of the node. A drop passes over nodes of which that was not reported.
+    // Reports that the node has a cached value. Discarding caches skips nodes for which this was not reported.
     void NoteFilled(const Node& node) { filled.Add(node.Index()); }
-    // Drops the caches of everything that depends on the node.
+    // Discards the caches of all dependents of the node.
     void DropDependents(const Node& node);
-    // Drops the caches of these nodes and of everything that depends on them.
+    // Discards the caches of these nodes and of all their dependents.
     void DropWithDependents(Span<NodeIndex> starts) { Drop(starts, true); }
-    // Drops the caches of the nodes that name this one as pInvalidator, and of what depends on those.
+    // Discards the caches of the nodes that name this one as pInvalidator, and of their dependents.
     void DropInvalidatedBy(const Node& node);
-    // Drops the values of all remembered nodes, since a write among them failed; and all their caches if something had
+    // Discards the values of all recorded nodes, since a write among them failed; and all their caches if something had
     // been written.
     void DropChanged(bool written);
-    // Runs `act`, which changes nodes and remembers them, as an operation of the application; then calls the callbacks
-    // of what it changed. An operation that a port starts inside of another one leaves them to that. `node` may be
-    // null.
+    // Runs `act`, which changes nodes and records them, as an operation of the application; then calls the callbacks of
+    // the changed nodes. An operation that a port starts inside another one leaves the callbacks to the outer one.
+    // `node` may be null.
     template <class Act>
     void Operate(const Node* node, const char* operation, const Act& act);
-    // A node has its first callback, or has none left.
+    // Reports that a node has its first callback, or has none left.
     void CountNodeWithCallbacks(bool more);
-    // Ends with the map: an adapter may outlive it.
+    // Expires with the map: an adapter may outlive the map.
     std::weak_ptr<const void> Life() const { return life; }
-    // How many nodes were visited for drops and for callbacks so far; for tests.
+    // The number of nodes that were visited to discard caches and to call callbacks; for tests.
     uint64_t Visits() const { return filled.Visits() + walked; }
 
 private:
@@ -125,7 +126,7 @@ private:
         Node* node;
         int64_t time;
         int64_t elapsed;
-        bool running; // in the poll that is at work
+        bool running; // in the current poll
     };
 
     // The nodes of `changed` from `first` to the next change, with or without their dependents.
@@ -170,14 +171,15 @@ private:
     bool unrestricted = false;
     uint32_t lastMark = 0;
     uint64_t walked = 0;
-    std::vector<NodeIndex> changed; // by the operation at work
+    std::vector<NodeIndex> changed; // by the current operation
     std::vector<Change> changes;    // of the same operation
-    std::vector<Node*> terminals;   // scratch
-    std::vector<Node*> passed;      // scratch
-    Order dropped;                  // scratch
+    std::vector<Node*> terminals;   // temporary list
+    std::vector<Node*> passed;      // temporary list
+    Order dropped;                  // temporary list
     size_t nodesWithCallbacks = 0;
-    std::map<Order, Order> callbackOrders; // by starts; until a node gets its first callback or loses its last one
-    size_t orderedNodes = 0;               // in them
+    // By starting nodes; valid until a node gets its first callback or loses its last one.
+    std::map<Order, Order> callbackOrders;
+    size_t orderedNodes = 0; // in them
     ECallbackSuppressMode suppressMode = csmOff;
 };
 

@@ -14,7 +14,7 @@ void BooleanNode::Resolve()
     source.Resolve(*this);
     onValue = NumberOf(Property::OnValue, 1);
     offValue = NumberOf(Property::OffValue, 0);
-    // A value of the own is written as true or false.
+    // A value in the node itself is written as true or false.
     if (const PropertyRecord* const own = Find(Property::Value)) source.Preset(own->number ? onValue : offValue);
 }
 

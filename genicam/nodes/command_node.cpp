@@ -41,9 +41,9 @@ void CommandNode::Run(bool verify)
         const int64_t value = CommandValue();
         source.Write(value, verify);
     });
-    // A constant, or a place that cannot be read, is done at once.
+    // A constant, or a target that cannot be read, is done at once.
     busy = source.Target() && IsReadable(AccessMode()) && IsReadable(source.Target()->AccessMode());
-    // While the command is at work its outcome is not known.
+    // While the command is running its result is not known.
     if (verify && !busy) CheckErrors();
 }
 

@@ -7,7 +7,7 @@
 namespace GENAPI_NAMESPACE::runtime
 {
 
-// Number is int64_t or double, Base the kind of node that has it.
+// Number is int64_t or double, Base the node class for it.
 template <class Base, class Number>
 class ConverterNode : public Base
 {
@@ -32,7 +32,7 @@ private:
     Node* value = nullptr;
     KnifeNode<Base, Number>* to = nullptr;
     KnifeNode<Base, Number>* from = nullptr;
-    ESlope slope = Automatic; // what an automatic one is found to be at the first question for a limit stays
+    ESlope slope = Automatic; // an automatic slope is determined when a limit is first queried, and then stays
 };
 
 extern template class ConverterNode<IntegerBase, int64_t>;

@@ -22,7 +22,7 @@ std::string NoEntry(int64_t number)
 
 } // namespace
 
-// Known from the beginning: enumerations sort their entries by it.
+// Read in the constructor, because enumerations sort their entries by it.
 EnumEntryNode::EnumEntryNode(NodeMap& owner, NodeIndex index) : ValueNode(owner, index)
 {
     number = NumberOf(Property::Value, 0);
@@ -150,7 +150,7 @@ IEnumEntry* EnumerationNode::GetCurrentEntry(bool Verify, bool IgnoreCache)
     return entry;
 }
 
-// Of two entries with one text the first counts.
+// Of two entries with the same text the first one is found.
 const EnumEntryNode* EnumerationNode::EntryNamed(std::string_view symbolic) const
 {
     const auto found = std::lower_bound(
@@ -159,7 +159,7 @@ const EnumEntryNode* EnumerationNode::EntryNamed(std::string_view symbolic) cons
     return found != bySymbolic.end() && (*found)->Symbolic() == symbolic ? *found : nullptr;
 }
 
-// Of two entries with one number the later counts.
+// Of two entries with the same number the later one is found.
 EnumEntryNode* EnumerationNode::EntryFor(int64_t number) const
 {
     const auto behind =

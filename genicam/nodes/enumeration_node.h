@@ -52,14 +52,14 @@ public:
     IEnumEntry* GetEntry(const int64_t IntValue) override;
     IEnumEntry* GetCurrentEntry(bool Verify = false, bool IgnoreCache = false) override;
 
-    // As a number the numeric value of the current entry counts, LogicalErrorException where there is none.
+    // As a number it has the numeric value of the current entry; throws LogicalErrorException if there is none.
     int64_t ReadInteger(ReadOptions options) override;
     double ReadReal(ReadOptions options) override;
     void WriteInteger(int64_t value, bool verify) override { WriteNearest(static_cast<double>(value), verify); }
     void WriteReal(double value, bool verify) override { WriteNearest(value, verify); }
     int64_t PlainNumber() override { return Read({}); }
     bool IsPolled() override { return selfClearing; }
-    // The unit of the number behind is none of the entries.
+    // The unit of the underlying number does not apply to entries.
     GENICAM_NAMESPACE::gcstring UnitText() const override { return {}; }
     void ThrowIfError() override;
 
@@ -78,7 +78,7 @@ private:
     void SetEntry(const EnumEntryNode& entry, bool verify);
     EnumEntryNode* EntryFor(int64_t number) const;
     EnumEntryNode* Current(ReadOptions options);
-    // AccessException when the current entry is not available.
+    // Throws AccessException when the current entry is not available.
     void CheckEntry(const EnumEntryNode& entry) const;
 
     ValueSource<int64_t> source;

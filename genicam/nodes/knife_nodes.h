@@ -15,12 +15,12 @@ class KnifeFormula
 public:
     void Resolve(const Node& owner);
 
-    // `input` is FROM or TO of a converter's formula; a knife has none. Variables, constants and expressions are all
-    // read, used or not.
+    // `input` is FROM or TO of a converter's formula; a knife has no input. All variables, constants and expressions
+    // are read, even if the formula does not use them.
     Number Evaluate(const Node& owner, Number input, ReadOptions options);
-    // Compiles if that has not happened yet. Throws LogicalErrorException.
+    // Compiles the formula at the first call. Throws LogicalErrorException.
     const Formula<Number>& Compiled(const Node& owner);
-    // What the variables leave of the access mode.
+    // The access mode as restricted by the variables.
     EAccessMode Mode() const;
     bool Cachable() const;
 
@@ -51,13 +51,13 @@ private:
     std::string_view text;
     std::string_view inputName; // FROM, TO or none
     std::unique_ptr<const Formula<Number>> formula;
-    std::unique_ptr<const std::string> failure; // why it does not compile
+    std::unique_ptr<const std::string> failure; // the reason why it does not compile
 };
 
 extern template class KnifeFormula<int64_t>;
 extern template class KnifeFormula<double>;
 
-// What the parts of a converter and the map want of any knife.
+// The functions of any knife that the parts of a converter and the map need.
 class Knife
 {
 public:

@@ -23,7 +23,7 @@ gcstring ToText(std::string_view text)
     return gcstring(text.data(), text.size());
 }
 
-const unsigned maxDescent = 500; // nodes read one through the other
+const unsigned maxDescent = 500; // the depth of nodes that read each other
 
 } // namespace
 
@@ -133,9 +133,9 @@ EAccessMode Node::ComputedMode() const
     catch (...)
     {
         modeInWork = false;
-        // A condition that cannot be read is reported once; then only what is imposed restricts the node until its
-        // caches are dropped. One that is not cached is asked again, unless the port timed out: a device that does not
-        // answer would cost a time-out at each question.
+        // A condition that cannot be read is reported once. After that only the imposed mode restricts the node until
+        // its caches are discarded. A condition that is not cached is queried again, unless the port timed out: a
+        // device that does not respond would otherwise cost a timeout at each query.
         if (cached && (map.TimedOutReads() != timeouts || AccessCacheable()))
         {
             const EAccessMode most = Kind() == Element::Category ? RO : RW;
@@ -195,7 +195,7 @@ bool Node::IsPollingBlocked(std::set<const Node*>& unreadable) const
     return isBlocked;
 }
 
-// Limits need to be there; whether they can be read shows when they are asked for.
+// Limits must exist; whether they can be read shows when they are queried.
 EAccessMode Node::LimitMode() const
 {
     EAccessMode mode = RW;
@@ -286,7 +286,7 @@ bool Node::AccessCacheable() const
 {
     if (cachedAccessCacheable != _UndefinedYesNo) return cachedAccessCacheable == Yes;
     const Descent descent(*this);
-    cachedAccessCacheable = Yes; // for entries that ask their own enumeration
+    cachedAccessCacheable = Yes; // for entries that query their own enumeration
     try
     {
         bool cacheable = true;
@@ -302,7 +302,7 @@ bool Node::AccessCacheable() const
     }
     catch (...)
     {
-        cachedAccessCacheable = No; // too deep to be known
+        cachedAccessCacheable = No; // too deep to be determined
         throw;
     }
 }
@@ -458,7 +458,7 @@ bool Node::DeregisterCallback(CallbackHandleType hCallback)
     const Entry entry(*this, "DeregisterCallback");
     const auto found = FindCallback(reinterpret_cast<CNodeCallback*>(hCallback));
     if (found == callbacks.end()) return false;
-    const std::shared_ptr<Registration> ended = *found; // destroyed when the list is whole again
+    const std::shared_ptr<Registration> ended = *found; // destroyed when the list is consistent again
     ended->End();
     callbacks.erase(found);
     if (callbacks.empty()) map.CountNodeWithCallbacks(false);
@@ -597,7 +597,7 @@ void Node::GetPropertyNames(GENICAM_NAMESPACE::gcstring_vector& PropertyNames) c
     }
 }
 
-// Several values of one property are split by tabs.
+// Several values of one property are separated by tabs.
 bool Node::GetProperty(const gcstring& PropertyName, gcstring& ValueStr, gcstring& AttributeStr)
 {
     const Property wanted = FindProperty({PropertyName.c_str(), PropertyName.size()});

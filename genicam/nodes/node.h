@@ -20,11 +20,11 @@ namespace GENAPI_NAMESPACE::runtime
 
 class NodeMap;
 
-// How a value is asked for.
+// How a value is read.
 struct ReadOptions
 {
     bool verify = false;      // check limits and error nodes
-    bool ignoreCache = false; // down to the port
+    bool ignoreCache = false; // read from the port
 };
 
 class Node : public INode, public ISelector, public IUserData
@@ -98,16 +98,16 @@ public:
     virtual GENICAM_NAMESPACE::gcstring UnitText() const;
     virtual EDisplayNotation Notation() const { return fnAutomatic; }
     virtual int64_t Precision() const { return 6; }
-    // Numbers of the valid value set, own or inherited.
+    // The valid values, from the node itself or inherited.
     virtual std::vector<int64_t> ValidValues() const;
 
-    // Whether that selector itself names this node, and not one that this node reads.
+    // Whether that selector names this node itself, and not only a node that this node reads.
     bool IsNamedBy(const Node& selector) const;
 
     EAccessMode AccessMode() const;
-    // Throws AccessException; the node itself otherwise, to ask it for limits.
+    // Returns the node itself, to query its limits; throws AccessException if it is not available.
     Node& Available();
-    // The node that attributes come from which are not written here; null when there is none.
+    // The node that provides the attributes that this node does not have; null when there is none.
     virtual Node* ValueTarget() const { return Linked(Property::pValue); }
     ECachingMode CachingMode() const;
     bool AccessCacheable() const;
@@ -119,28 +119,28 @@ public:
     // An error enumeration throws RuntimeException unless it reports that there is no error; other nodes report no
     // errors.
     virtual void ThrowIfError();
-    // Takes part in polling at this moment.
+    // Whether the node takes part in polling now.
     virtual bool IsPolled() { return true; }
-    // A node that cannot be read blocks nothing; it joins `unreadable` and is not asked again.
+    // A node that cannot be read does not block; it is added to `unreadable` and not queried again.
     bool IsPollingBlocked(std::set<const Node*>& unreadable) const;
-    // Whoever puts something into a cache of this node says so here; see FilledCaches.
+    // Must be called after a value was stored in a cache of this node; see FilledCaches.
     void NoteFilled() const;
-    // Drops value, range and access caches.
+    // Discards the caches of value, range and access.
     virtual void DropCaches();
-    // Drops the value that was made of other nodes or of bytes; the bytes of a register stay.
+    // Discards the value that was computed from other nodes or from bytes; the bytes of a register stay.
     virtual void DropValue() {}
 
 protected:
-    // What the nodes that this one reads and writes leave of the access mode.
+    // The access mode as restricted by the nodes that this one reads and writes.
     virtual EAccessMode LinkedMode() const { return RW; }
-    // What the kind of node, or a register's own AccessMode, leaves of it.
+    // The access mode as restricted by the node class, or by the AccessMode of a register.
     virtual EAccessMode KindMode() const { return RW; }
     virtual ECachingMode NaturalCaching() const { return WriteThrough; }
-    // What linked nodes, error nodes and the conditions (implemented, available, locked) leave of the access mode.
+    // The access mode as restricted by linked nodes, error nodes and the conditions (implemented, available, locked).
     virtual EAccessMode ModeOfLinksAndConditions() const;
     EAccessMode ModeOfErrorNodes() const;
 
-    // What pMin, pMax and pInc leave of the access mode.
+    // The access mode as restricted by pMin, pMax and pInc.
     EAccessMode LimitMode() const;
 
     // Throw AccessException.
@@ -150,13 +150,13 @@ protected:
     // Throws RuntimeException when an error node reports an error.
     void CheckErrors() const;
 
-    // Runs `act`, which writes, as the operation of an application: caches, callbacks, and what is to be undone on a
-    // failure.
+    // Runs `act`, which writes, as an operation of the application: handles caches, callbacks, and what must be undone
+    // after a failure.
     template <class Act>
     void Change(const char* operation, const Act& act);
 
-    // Drops the caches of what depends on this node and on the nodes behind it, then writes; on a failure theirs as
-    // well.
+    // Discards the caches of the dependents of this node and of the nodes that it writes, then writes; after a failure
+    // also the caches of these nodes.
     template <class Act>
     void WriteAnnounced(const Act& act);
 
@@ -200,12 +200,13 @@ private:
     bool hasErrorNodes = false;
 };
 
-// Where an operation of the application began: names node and operation in exceptions. Holds the map's lock.
+// The beginning of an operation of the application: exceptions contain its node and operation. Holds the lock of the
+// map.
 class Entry
 {
 public:
     Entry(const Node& node, const char* operation);
-    // Of the map itself, when `node` is null.
+    // An operation of the map itself when `node` is null.
     Entry(NodeMap& owner, const Node* node, const char* operation);
     ~Entry();
     Entry(const Entry&) = delete;
@@ -231,8 +232,8 @@ private:
     const bool former;
 };
 
-// Counts how deep nodes are read through each other, and how many for the outermost one; RuntimeException beyond the
-// bounds: before the stack ends, and before a few nodes that read each other twice take for ever.
+// Counts the depth in which nodes read each other, and their number for the outermost one. Throws RuntimeException
+// beyond the bounds: before the stack overflows, and before a few nodes that read each other twice take forever.
 class Descent
 {
 public:

@@ -8,7 +8,7 @@
 namespace GENAPI_NAMESPACE::runtime
 {
 
-// Each operation of an application passes through these.
+// Each operation of an application uses these functions.
 inline Entry::Entry(const Node& node, const char* operation) : Entry(node.Map(), &node, operation) {}
 
 inline Entry::Entry(NodeMap& owner, const Node* node, const char* operation) : map(owner)
@@ -52,7 +52,7 @@ void Node::WriteAnnounced(const Act& act)
     }
     catch (...)
     {
-        // What was refused before anything was written leaves the bytes of registers as they are known.
+        // If a write was refused before anything was written, the cached bytes of registers stay valid.
         map.DropChanged(map.Writes() != before);
         throw;
     }

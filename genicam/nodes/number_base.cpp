@@ -15,9 +15,9 @@ using GENICAM_NAMESPACE::gcstring;
 namespace
 {
 
-// With an increment above 1 the nearest step counted from the minimum, of two the lower one; with 1 the value itself. A
-// value below the minimum by less than a step becomes the minimum. No limit holds the step otherwise: one outside of
-// them is refused afterwards.
+// With an increment above 1 this is the nearest step counted from the minimum, and the lower one of two equally near
+// steps; with 1 it is the value itself. A value that is below the minimum by less than a step becomes the minimum.
+// Limits are not considered otherwise: a step outside of them is refused later.
 int64_t NearestStep(int64_t value, int64_t min, int64_t inc)
 {
     if (inc <= 1) return value;
@@ -31,7 +31,7 @@ int64_t NearestStep(int64_t value, int64_t min, int64_t inc)
     return __builtin_add_overflow(value, static_cast<int64_t>(step - rest), &stepped) ? value : stepped;
 }
 
-// Half away from zero; false outside of 64 bits.
+// Rounds half away from zero; returns false outside of 64 bits.
 bool ToInteger(double value, int64_t& integer)
 {
     const double rounded = std::round(value);
@@ -130,7 +130,7 @@ EIncMode NumberBase<Number, Interface, List>::GetIncMode()
     return HasRealInc() ? fixedIncrement : noIncrement;
 }
 
-// Whether there is one is known without access.
+// Whether there is an increment is known without access to the device.
 template <class Number, class Interface, class List>
 Number NumberBase<Number, Interface, List>::GetInc()
 {
@@ -173,7 +173,7 @@ ERepresentation NumberBase<Number, Interface, List>::Representation() const
     if (Find(Property::Representation)) return static_cast<ERepresentation>(NumberOf(Property::Representation, 0));
     const Descent descent(*this);
     const Node* const value = ValueTarget();
-    // That of a float does not suit an integer.
+    // The increment of a float does not apply to an integer.
     if (!value || (isInteger<Number> && IsFloatKind(value->Kind()))) return PureNumber;
     return value->Representation();
 }

@@ -39,13 +39,13 @@ public:
     ERepresentation Representation() const override;
 
 protected:
-    // The value itself, past the cache of this node.
+    // Reads the value itself, bypassing the cache of this node.
     virtual Number Read(ReadOptions options) = 0;
     virtual void Write(Number value, bool verify) = 0;
-    // The limits that values of the node itself are checked against; other nodes see IntegerMin, RealMin and so on.
+    // The limits for writing the node itself; other nodes use IntegerMin, RealMin and so on.
     virtual Number MinOfWrites() { return MinOf<Number>(*this); }
     virtual Number MaxOfWrites() { return MaxOf<Number>(*this); }
-    // Throws OutOfRangeException for a value that is off the grid; the limits are checked before.
+    // Throws OutOfRangeException for a value between two increments; the limits are checked before.
     virtual void CheckStep(Number, Number) {}
     virtual std::string Shown(Number value) = 0;
     // Returns false for a text that is not a number.
@@ -59,7 +59,7 @@ protected:
 
     static constexpr Number infinity = std::numeric_limits<Number>::infinity();
 
-    // By the application.
+    // Imposed by the application.
     Number imposedMin = isInteger<Number> ? std::numeric_limits<Number>::lowest() : -infinity;
     Number imposedMax = isInteger<Number> ? std::numeric_limits<Number>::max() : infinity;
 
@@ -117,7 +117,7 @@ public:
 protected:
     std::string Shown(double value) override;
     bool Parse(std::string_view text, double& value) const override;
-    // Half away from zero; RuntimeException outside of 64 bits.
+    // Rounds half away from zero; throws RuntimeException outside of 64 bits.
     int64_t Rounded(double value) const;
 };
 

@@ -11,7 +11,7 @@ namespace GENAPI_NAMESPACE::runtime
 namespace
 {
 
-// Integers split by semicolons, blanks allowed; anything else ends the list.
+// Integers separated by semicolons; blanks are allowed; anything else ends the list.
 std::vector<int64_t> ParseValidValues(std::string_view text)
 {
     std::vector<int64_t> values;

@@ -24,7 +24,7 @@ void PortNode::SetPortImpl(IPort* pPort)
     const Entry entry(*this, "SetPortImpl");
     for (const NodeIndex parent : Source().parents.Of(index))
     {
-        // Such a ROM would be read now; no bus that has one is known here.
+        // Such a ROM would be read here; no supported bus has one.
         const bool rom = Source().nodes[parent].element == Element::ConfRom;
         if (rom && pPort) throw RuntimeError(*map.At(parent), "unsupported bus");
     }

@@ -22,10 +22,10 @@ public:
     GENICAM_NAMESPACE::gcstring GetChunkID() const override;
     EYesNo CacheChunkData() const override;
 
-    // The object behind; AccessException while there is none.
+    // The connected object; throws AccessException while there is none.
     IPort& Connected() const;
 
-    // For the adapters, with the lock held.
+    // For the adapters; called while the lock is held.
     bool HasChunkID() const;
     // The text of the id belongs to another node and may change.
     Node* ChunkIDNode() const { return Linked(Property::pChunkID); }
@@ -36,7 +36,7 @@ protected:
     EAccessMode LinkedMode() const override { return port ? port->GetAccessMode() : idleMode; }
 
 private:
-    IPort* port = nullptr; // the application's or an adapter's
+    IPort* port = nullptr; // owned by the application or an adapter
     EAccessMode idleMode = NI;
 };
 

@@ -36,13 +36,13 @@ public:
         std::vector<uint8_t> bytes;
     };
 
-    // The block of a place, made when the user is its first.
+    // Returns the block of a place; creates it for the first user.
     Block* Acquire(const Place& place, Node& user);
     void Release(Block* block, Node& user);
-    // All users end now: what they release from here on needs no keeping of lists.
+    // Reports that all users end now: the lists need not be maintained from here on.
     void End() { ended = true; }
 
-    // Calls `act` with each block that shares bytes with the place, its own included.
+    // Calls `act` with each block that overlaps the place, including its own.
     template <class Act>
     void ForEachOverlapping(const Place& place, const Act& act) const
     {
@@ -72,7 +72,7 @@ private:
         return place.address > INT64_MAX - place.length ? INT64_MAX : place.address + place.length;
     }
 
-    std::map<Place, Block> blocks; // which stay where they are
+    std::map<Place, Block> blocks; // the blocks do not move in memory
     std::vector<Block*> wideBlocks;
     bool ended = false;
 };

@@ -15,7 +15,7 @@ using GENICAM_NAMESPACE::gcstring;
 namespace
 {
 
-const int64_t maxTextLength = 16 << 20; // bytes of a register that becomes a text
+const int64_t maxTextLength = 16 << 20; // maximum size in bytes of a register that is converted to a text
 
 uint64_t Mask(unsigned width)
 {
@@ -72,7 +72,7 @@ IntegerRegister::Field IntegerRegister::FieldIn(unsigned length) const
 {
     const unsigned bits = 8 * length;
     if (!masked) return {0, bits};
-    if (std::max(lsb, msb) >= bits) // known at loading only where the length is written
+    if (std::max(lsb, msb) >= bits) // checked at loading only if the length is a constant
     {
         throw RangeError(
             *this,
@@ -129,7 +129,7 @@ void IntegerRegister::Write(int64_t value, bool verify)
     uint64_t word = static_cast<uint64_t>(value);
     if (masked)
     {
-        CheckReadable(); // the neighbours must be known
+        CheckReadable(); // the neighbouring bits must be known
         const uint64_t mask = Mask(field.width) << field.shift;
         word = (ReadWord(length, {verify, false}) & ~mask) | (word << field.shift & mask);
     }
@@ -190,8 +190,8 @@ void FloatRegister::Write(double value, bool verify)
     place.WriteBytes(bytes, length, verify);
 }
 
-// The length three times: with the questions of the transfer that is how often recorded devices were asked for a length
-// that is not cached. A cached one costs nothing.
+// Queries the length three times: together with the queries of the transfer this is how often the recorded devices were
+// queried for a length that is not cached. A cached one costs nothing.
 int64_t StringRegister::LengthOfText()
 {
     int64_t length = 0;
@@ -225,7 +225,7 @@ gcstring RegisterNode::ValueText(ReadOptions options)
     return gcstring(text.data(), text.size());
 }
 
-// A shorter text writes the first bytes; what does not fit is left out.
+// A shorter text writes the first bytes; the part that does not fit is left out.
 void RegisterNode::SetText(const gcstring& text, bool verify)
 {
     std::string bytes;

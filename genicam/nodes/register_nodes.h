@@ -15,7 +15,7 @@ class IntegerRegister : public RegisterOf<IntegerBase>
 public:
     using RegisterOf<IntegerBase>::RegisterOf;
     void Resolve() override;
-    // Other nodes also see what is imposed.
+    // Other nodes also see the imposed limits.
     int64_t IntegerMin() override { return std::max(MinOfWrites(), imposedMin); }
     int64_t IntegerMax() override { return std::min(MaxOfWrites(), imposedMax); }
 
@@ -85,7 +85,7 @@ protected:
     void SetText(const GENICAM_NAMESPACE::gcstring& text, bool verify) override;
 };
 
-// The entries of a configuration ROM. No bus that has one is known here: they are there and cannot be read.
+// The entries of a configuration ROM. No supported bus has one: the nodes exist and cannot be read.
 class RomText : public StringBase
 {
 public:

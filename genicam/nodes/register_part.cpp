@@ -12,7 +12,7 @@ namespace GENAPI_NAMESPACE::runtime
 namespace
 {
 
-const int64_t maxCachedLength = 1 << 20; // bytes; longer registers are always asked for
+const int64_t maxCachedLength = 1 << 20; // bytes; longer registers are not cached
 
 int64_t Sum(int64_t left, int64_t right)
 {
@@ -65,7 +65,7 @@ void RegisterPart::Resolve()
         addressTold = addressTold || IsPlace(record.property);
         lengthIsOffset = lengthIsOffset || (record.property == Property::pIndex && !OffsetBehind(&record));
     }
-    // A smart feature has no length of its own.
+    // A smart feature has no Length element.
     if (node.Kind() == Element::SmartFeature) fixedLength = 24;
 }
 
@@ -90,7 +90,7 @@ int64_t RegisterPart::Address(ReadOptions options)
         if (record->property == Property::pAddress) sum = Sum(sum, node.Map().At(record->node)->ReadInteger(options));
         if (record->property == Property::pIndex) sum = Sum(sum, IndexPart(record, options));
         if (!IsPlace(record->property) || node.Map().At(record->node)->CachingMode() != NoCache) continue;
-        // The length is asked for at each reading. It is a part of the address only as an offset.
+        // The length is queried at each read. It is a part of the address only as an offset.
         cachable = cachable && record->property == Property::pLength && !lengthIsOffset;
     }
     address = sum;
@@ -107,7 +107,7 @@ const PropertyRecord* RegisterPart::OffsetBehind(const PropertyRecord* index) co
     return next == Property::Offset || next == Property::pOffset ? index + 1 : nullptr;
 }
 
-// Index times offset; without an offset the length counts.
+// Index times offset; without an offset the length is used.
 int64_t RegisterPart::IndexPart(const PropertyRecord* record, ReadOptions options)
 {
     const int64_t index = node.Map().At(record->node)->ReadInteger(options);
@@ -204,7 +204,7 @@ void RegisterPart::ReadBytes(uint8_t* bytes, int64_t count, ReadOptions options)
     ReadPort(bytes, start, length);
     if (node.Map().NestedEntries() != before) cache = Block(start, length); // the port may have moved the register
     if (options.ignoreCache) return;
-    // The length may have changed while the device answered.
+    // The length may have changed while the device responded.
     if (Length(options.verify) != length) return;
     cache->bytes.assign(bytes, bytes + length);
     Fill(*cache);
@@ -218,7 +218,7 @@ void RegisterPart::WriteBytes(const uint8_t* bytes, int64_t count, bool verify)
     IPort& connected = port->Connected();
     RegisterCache::Block* cache = Block(start, length);
     bool known = cache && (cache->valid || count == length) && node.CachingMode() == WriteThrough;
-    // What was read on the way here is from before the write.
+    // Values that were read during this operation are older than the write.
     const auto outdate = [&] {
         node.Map().DropDependents(node);
         DropOverlapping({port, start, count});
@@ -229,10 +229,10 @@ void RegisterPart::WriteBytes(const uint8_t* bytes, int64_t count, bool verify)
     node.Map().CountWrite();
     connected.Write(bytes, start, count);
     if (node.Map().NestedEntries() != before)
-    { // so is what the port itself has asked for; it may also have moved the register
+    { // also the values that the port itself has read; it may also have moved the register
         cache = Block(start, length);
         outdate();
-        known = known && count == length; // the other bytes may be gone
+        known = known && count == length; // the other bytes may have been discarded
     }
     if (!known) return;
     cache->bytes.resize(static_cast<size_t>(length));
@@ -248,7 +248,7 @@ void RegisterPart::Fill(RegisterCache::Block& filled)
         user->NoteFilled();
 }
 
-// What other registers know of the place: their values and what is made of them.
+// Discards the cached values of overlapping registers and everything computed from them.
 void RegisterPart::DropOverlapping(const RegisterCache::Place& place)
 {
     std::vector<NodeIndex> users;

@@ -21,10 +21,10 @@ public:
     RegisterPart& operator=(const RegisterPart&) = delete;
 
     void Resolve();
-    // The sum of all address parts. Verified: each part is checked against its limits.
+    // The sum of all address parts. With `verify` each part is checked against its limits.
     int64_t Address(ReadOptions options = {});
     int64_t Length(bool verify = false);
-    // What the port and the nodes that give the place leave of the access mode.
+    // The access mode as restricted by the port and the nodes that determine the address.
     EAccessMode LinkedMode() const;
     // The AccessMode of the description.
     EAccessMode OwnMode() const;
@@ -32,7 +32,7 @@ public:
     // Reads the first `count` bytes; from the cache, unless it is ignored, off or empty.
     void ReadBytes(uint8_t* bytes, int64_t count, ReadOptions options);
     void WriteBytes(const uint8_t* bytes, int64_t count, bool verify);
-    // Forgets bytes and address.
+    // Discards the cached bytes and address.
     void Drop();
     void DropBytes();
 
@@ -40,7 +40,7 @@ private:
     void ReadPort(uint8_t* bytes, int64_t address, int64_t count);
     RegisterCache::Block* Block(int64_t address, int64_t length);
     void Release();
-    // The length; RangeError when `count` bytes are more.
+    // Returns the length; throws RangeError when `count` is larger.
     int64_t LengthFor(int64_t count, bool verify);
     void Fill(RegisterCache::Block& filled);
     void DropOverlapping(const RegisterCache::Place& place);
@@ -53,7 +53,7 @@ private:
     int64_t fixedLength = 0;
     int64_t address = 0;
     bool addressKnown = false;
-    bool addressTold = false;    // by other nodes
+    bool addressTold = false;    // comes from other nodes
     bool lengthIsOffset = false; // of an index without its own
     RegisterCache::Block* block = nullptr;
 };
@@ -84,7 +84,7 @@ protected:
     EAccessMode LinkedMode() const override { return place.LinkedMode(); }
     EAccessMode KindMode() const override { return place.OwnMode(); }
     ECachingMode NaturalCaching() const override { return place.Caching(WriteThrough); }
-    // RangeError for a length that the kind cannot have.
+    // Throws RangeError for a length that the node class does not allow.
     virtual int64_t CheckedLength() { return place.Length(); }
     // Works like Set, for a text that represents the bytes.
     void SetBytes(const uint8_t* bytes, int64_t length, bool verify);

@@ -20,14 +20,14 @@ public:
     GENICAM_NAMESPACE::gcstring operator*() override { return GetValue(); }
     int64_t GetMaxLength(bool Verify = false) override;
 
-    // For a string that has this one behind it.
+    // For a string whose pValue is this node.
     GENICAM_NAMESPACE::gcstring ReadText(ReadOptions options);
     void WriteText(const GENICAM_NAMESPACE::gcstring& value, bool verify);
-    // What can be written; for a node that is only read the length of its text.
+    // The maximum number of bytes that can be written; for a read-only node the length of its text.
     int64_t MaxLength();
 
 protected:
-    // Bytes that fit.
+    // The number of bytes that fit.
     virtual int64_t Capacity() = 0;
     virtual int64_t TextLength() { return static_cast<int64_t>(ReadText({}).size()); }
     virtual GENICAM_NAMESPACE::gcstring Read(ReadOptions options) = 0;

@@ -23,7 +23,7 @@ EAccessMode CategoryNode::LinkedMode() const
     return any ? RW : NI;
 }
 
-// Of the conditions only "implemented" counts.
+// Only the condition "implemented" is used.
 EAccessMode CategoryNode::ModeOfLinksAndConditions() const
 {
     const EAccessMode mode = Combine(LinkedMode(), ModeOfErrorNodes());

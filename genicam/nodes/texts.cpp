@@ -14,7 +14,7 @@ namespace
 {
 
 const char hexDigits[] = "0123456789abcdef";
-const int64_t maxDigits = 100; // that a precision may ask for
+const int64_t maxDigits = 100; // the largest number of digits of a precision
 
 __attribute__((format(printf, 1, 2))) std::string Format(const char* format, ...)
 {
@@ -26,7 +26,7 @@ __attribute__((format(printf, 1, 2))) std::string Format(const char* format, ...
     return std::string(text, std::min(sizeof text - 1, static_cast<size_t>(std::max(length, 0))));
 }
 
-// Groups of digits, each one byte, highest first, split by `separator`; nothing else.
+// Groups of digits, each one byte, highest first, separated by `separator`; nothing else is accepted.
 bool ReadGroups(std::string_view text, char separator, int groups, int base, int64_t& value)
 {
     uint64_t result = 0;
@@ -69,7 +69,7 @@ std::chars_format FormatOf(EDisplayNotation notation)
 // With a decimal point, regardless of the application's locale.
 std::string Shown(double value, EDisplayNotation notation, int precision)
 {
-    char text[512]; // 309 digits before the point and maxDigits behind it
+    char text[512]; // 309 digits before the point and maxDigits after it
     return std::string(text, std::to_chars(text, text + sizeof text, value, FormatOf(notation), precision).ptr);
 }
 

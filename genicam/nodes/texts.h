@@ -9,14 +9,15 @@ namespace GENAPI_NAMESPACE::runtime
 {
 
 std::string IntegerText(int64_t value, ERepresentation representation);
-// Decimal and 0x hex up to the first other letter; addresses and truth values in their own form only.
+// Reads decimal and 0x hexadecimal numbers up to the first other character; addresses and booleans only in their own
+// form.
 bool ReadInteger(std::string_view text, ERepresentation representation, int64_t& value);
 
-// In the notation with so many digits; moved inside the limits when rounding leaves them.
+// Writes the value in this notation with this number of digits; moves it inside the limits if rounding leaves them.
 std::string RealText(double value, double min, double max, EDisplayNotation notation, int64_t precision);
 bool ReadReal(std::string_view text, double& value);
 
-// As messages show numbers: in decimal, floats with six decimals.
+// The form of numbers in messages: decimal, floats with six decimals.
 std::string PlainText(int64_t value);
 std::string PlainText(double value);
 

@@ -22,7 +22,7 @@ public:
     void DropValue() override { valueCached = false; }
 
 protected:
-    // The text behind ToString; the node is known to be readable.
+    // The text for ToString; the node is known to be readable.
     virtual GENICAM_NAMESPACE::gcstring ValueText(ReadOptions options) = 0;
     // Writes the value of the text; throws ArgumentError for a text that is not a value.
     virtual void SetText(const GENICAM_NAMESPACE::gcstring& text, bool verify) = 0;
@@ -41,7 +41,7 @@ protected:
         return cached;
     }
 
-    // `write` writes the value, which stays in the cache where that is written through.
+    // Writes the value by `write`; the value stays in the cache if writes go through the cache.
     template <class Value, class Act>
     void WriteCached(Value& cached, Value value, const Act& write)
     {

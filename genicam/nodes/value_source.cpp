@@ -11,7 +11,7 @@ namespace GENAPI_NAMESPACE::runtime
 namespace
 {
 
-// What the mode of a node that is merely needed adds: nothing while it is there.
+// The restriction by a node that is only required to exist: none if it is available.
 EAccessMode Presence(const Node& node)
 {
     const EAccessMode mode = node.AccessMode();

@@ -16,15 +16,16 @@ public:
     void Resolve(const Node& resolved);
 
     Number Read(ReadOptions options);
-    // To every target, in the order of the file.
+    // Writes to every target, in the order of the file.
     void Write(Number value, bool verify);
-    // The number of the own, before anything depends on it.
+    // Sets the constant of the node itself, before anything depends on it.
     void Preset(Number value) { otherwise.constant = value; }
     EAccessMode Mode() const;
     ECachingMode Caching(ECachingMode ofConstant) const;
-    // The node that limits and the like come from; null for a number of the own.
+    // The node that provides limits and similar properties; null for a constant in the node itself.
     Node* Target() const;
-    // What all targets take together; the whole range without one. Throw AccessException for one that is not there.
+    // The limits that all targets accept; the whole range without a target. Throws AccessException for a target that
+    // does not exist.
     Number Min() const;
     Number Max() const;
     bool Indexed() const { return index != nullptr; }
@@ -42,7 +43,7 @@ private:
 
     const Node* owner = nullptr;
     Node* main = nullptr;        // pValue
-    std::vector<Node*> targets;  // it and the copies
+    std::vector<Node*> targets;  // main and the copies
     Node* index = nullptr;       // pIndex
     std::vector<Choice> choices; // the indexed ones
     Choice otherwise = {0, nullptr, Number()};

@@ -20,8 +20,8 @@ namespace
 {
 
 const size_t maxRecords = 1 << 20;       // of one bag
-const int64_t maxCombinations = 1 << 20; // of selectors, in one StoreToBag
-const size_t maxQuoted = 200;            // bytes of a text that errors repeat
+const int64_t maxCombinations = 1 << 20; // combinations of selectors in one StoreToBag
+const size_t maxQuoted = 200;            // bytes of a text that error messages repeat
 
 gcstring Number(int64_t number)
 {
@@ -57,14 +57,14 @@ bool IsSelector(INode* node)
     return selector.IsValid() && selector->IsSelector();
 }
 
-// Selectors are kept with the features that they select.
+// Selectors are stored with the features that they select.
 bool IsRecorded(INode& node)
 {
     return node.IsStreamable() && dynamic_cast<IValue*>(&node) && !IsSelector(&node);
 }
 
-// A device with commands that begin and end the storing is not ready for it while it offers neither: it waits for the
-// first of them, or for the second when the application has called the first. They are the application's to call.
+// A device with commands that begin and end the storing is not ready while it offers neither of them: the first one
+// must become available, or the second one after the application has called the first. The application must call them.
 void CheckDeviceIsReady(INodeMap& map)
 {
     const CCommandPtr begin(map.GetNode("DeviceFeaturePersistenceStart"));

@@ -81,7 +81,7 @@ struct Span
     const T& operator[](size_t position) const { return first[position]; }
 };
 
-// Lists of nodes for each node, one behind the other: the list of node n starts at firsts[n].
+// Lists of nodes for each node, one after the other: the list of node n starts at firsts[n].
 struct NodeLists
 {
     std::vector<uint32_t> firsts;
@@ -104,12 +104,12 @@ public:
     std::string_view NameOf(NodeIndex node) const { return Text(nodes[node].name); }
     // The value of a property as a description writes it.
     std::string ValueText(NodeIndex node, const PropertyRecord& record) const;
-    // noNode when absent.
+    // Returns noNode when there is no such node.
     NodeIndex FindNode(std::string_view name) const;
 
     DeviceRecord device;
     std::vector<NodeRecord> nodes;
-    std::vector<PropertyRecord> properties; // of all nodes, then the essentials that are kept apart
+    std::vector<PropertyRecord> properties; // of all nodes, then the essential ones that are stored separately
     std::string texts;
     NameTable names;
 

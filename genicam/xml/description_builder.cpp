@@ -158,7 +158,8 @@ void DescriptionBuilder::Finish(NodeIndex node, const std::vector<PropertyRecord
     description->properties.insert(description->properties.end(), properties.begin(), properties.end());
 }
 
-// Each entry takes over what it does not say itself; address parts, length, port and byte order always.
+// Each entry inherits the properties that it does not have; address parts, length, port and byte order are always
+// inherited.
 void DescriptionBuilder::FinishStruct(const NodeDraft& draft, const StructEntries& entries)
 {
     for (const auto& [node, own] : entries)

@@ -27,16 +27,16 @@ public:
     // Defines the node of that name, by its element or by the element of `madeBy`. Throws when it is defined already.
     NodeIndex Define(std::string_view name, Element element, NodeIndex madeBy = noNode);
     NodeRecord& Node(NodeIndex node) { return description->nodes[node]; }
-    // A property from its text.
+    // Converts the text of a property.
     PropertyRecord Read(Element element, Property read, std::string_view value);
     // Throws PropertyException, which names the property, the text and the place.
     int64_t Number(std::string_view name, std::string_view value) const;
     // "_<owner>_<suffix>"
     std::string MadeUpName(NodeIndex owner, std::string_view suffix) const;
 
-    // The node's properties are these.
+    // Sets the properties of the node.
     void Finish(NodeIndex node, const std::vector<PropertyRecord>& properties);
-    // The entries of a StructReg, each with what all share.
+    // The entries of a StructReg, each with its properties including the shared ones.
     typedef std::vector<std::pair<NodeIndex, std::vector<PropertyRecord>>> StructEntries;
     void FinishStruct(const NodeDraft& draft, const StructEntries& entries);
     // A knife or a converter, its expressions and the nodes of its formulas.

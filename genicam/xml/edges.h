@@ -6,8 +6,8 @@
 namespace GENAPI_NAMESPACE::runtime
 {
 
-// `edges` calls what it is given with (from, to), all edges of one `to` in a row; it is asked twice. The list of a node
-// has each `to` once.
+// `edges` calls its argument with (from, to), all edges of one `to` in a row; it is called twice. The list of a node
+// contains each `to` once.
 template <class Edges>
 void GatherEdges(NodeLists& lists, NodeIndex count, const Edges& edges)
 {

@@ -9,7 +9,7 @@
 namespace GENAPI_NAMESPACE::runtime
 {
 
-// What a node is made from. StructReg never becomes a node: its entries become masked registers.
+// The elements of nodes. StructReg never becomes a node: its entries become masked registers.
 enum class Element : uint8_t
 {
     None,
@@ -130,7 +130,7 @@ enum class Property : uint8_t
     ValueIndexed,
     Visibility,
 
-    // Attributes of the property before them, and the name of an entry as the file has it.
+    // Attributes of the property before them, and the name of an entry as written in the file.
     VariableName,
     Index,
     Offset,
@@ -150,7 +150,7 @@ enum class Form : uint8_t
     Word
 };
 
-// None when no element of the language has the name.
+// Returns None when no element of the language has this name.
 Element FindElement(std::string_view name);
 Property FindProperty(std::string_view name);
 const char* NameOf(Element element);
@@ -170,7 +170,7 @@ int WordNumber(Element element, Property property, std::string_view word);
 // The reverse.
 std::string_view WordOf(Property property, int number);
 
-// Exactly one property of each group must be there (`required`), or at most one.
+// Exactly one property of each group must exist (`required`), or at most one.
 struct Choice
 {
     static const int size = 4;

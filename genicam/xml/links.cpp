@@ -24,7 +24,7 @@ bool IsNumberKind(Element element)
            element == Element::Boolean;
 }
 
-// What a link takes; null when it takes anything.
+// The kind of node to which a link must lead; null when any node is allowed.
 const char* UnusableTarget(Element owner, Property link, Element target)
 {
     switch (link)
@@ -62,7 +62,7 @@ const char* UnusableTarget(Element owner, Property link, Element target)
     }
 }
 
-// The resolving of one description.
+// Resolves the links of one description.
 class Resolver
 {
 public:
@@ -271,7 +271,7 @@ void Resolver::MarkFeatures()
     }
 }
 
-// A selector of thousands of features would otherwise be searched through at each use.
+// Otherwise each use of a selector of thousands of features would search all of them.
 void Resolver::SetEssentialsApart(NodeIndex node)
 {
     const Span<PropertyRecord> all = description.PropertiesOf(node);

@@ -7,14 +7,14 @@
 namespace GENAPI_NAMESPACE::runtime
 {
 
-// Is read to know value, range or access of the node (GenApi's reading children).
+// Whether the link is read to determine value, range or access of the node (GenApi's reading children).
 bool IsReadLink(Property property);
-// Is written when the node is written.
+// Whether the link is written when the node is written.
 bool IsWriteLink(Property property);
 // Whether the link leads to the value itself: copies and indexed values, but not the index.
 bool IsValueLink(Property property);
 
-// The use of a node walks through all of these; each is among its essential properties.
+// Whether using a node iterates over all links of this property; each is among its essential properties.
 bool IsWalkedInUse(Property property);
 
 // Calls `act` with each linked node and its property, in the order of the file.
@@ -31,8 +31,8 @@ void ForEachLink(const Description& description, NodeIndex node, const Act& act)
 // then contain no line.
 typedef std::vector<std::string_view> SourceTexts;
 
-// Checks names, types and circles, then fills the reverse lists, marks the features and sets the essential properties
-// apart. Throws RuntimeException.
+// Checks names, types and circles, then fills the reverse lists, marks the features and stores the essential properties
+// separately. Throws RuntimeException.
 void ResolveLinks(Description& description, const SourceTexts& sources);
 
 // "Node 'Gain' at line 12", with the number of an injected description.

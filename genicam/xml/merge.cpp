@@ -12,7 +12,7 @@ namespace GENAPI_NAMESPACE::runtime
 namespace
 {
 
-// The two descriptions at work.
+// The two descriptions that are merged.
 enum Side
 {
     Base,
@@ -50,7 +50,7 @@ public:
     }
 
 private:
-    // The nodes of one name; noNode where a side does not define it, or not even name it.
+    // The nodes of one name; noNode if a side does not define or mention it.
     struct Pair
     {
         std::string_view name;
@@ -82,10 +82,10 @@ private:
     std::shared_ptr<Description> result;
 
     std::vector<Pair> pairs;                  // in the order of first mention
-    std::vector<NodeIndex> pairOf[SideCount]; // of each node the pair
-    std::vector<bool> kept[SideCount];        // decided for nodes that no other made
-    std::vector<NodeIndex> emitted;           // of each pair the node in the result, or noNode
-    std::vector<NodeIndex> makers;            // of each node in the result the pair that made it, or noNode
+    std::vector<NodeIndex> pairOf[SideCount]; // the pair of each node
+    std::vector<bool> kept[SideCount];        // decided for nodes that no other node has created
+    std::vector<NodeIndex> emitted;           // the node of each pair in the result, or noNode
+    std::vector<NodeIndex> makers;            // the pair that created each node of the result, or noNode
 };
 
 void Merger::GatherNames()
@@ -119,7 +119,7 @@ void Merger::GatherNames()
         throw RUNTIME_EXCEPTION("The merged descriptions have more nodes than this runtime takes");
 }
 
-// The node whose element brought this one along, at the end of all.
+// The node whose element created this one, followed to its origin.
 NodeIndex Merger::OwnerOf(Side side, NodeIndex node) const
 {
     while (Record(side, node).madeBy != noNode)
@@ -149,7 +149,7 @@ void Merger::Choose(const Pair& pair)
     kept[Injected][pair.nodes[Injected]] = false;
 }
 
-// A node that another one brings along may meet one of its name that stays too.
+// A node that another one creates may have the same name as a node that stays too.
 void Merger::Settle(const Pair& pair)
 {
     if (IsKept(Base, pair) && IsKept(Injected, pair)) RefuseConflict(pair);
@@ -205,7 +205,8 @@ bool Merger::IsKept(Side side, const Pair& pair) const
     return pair.nodes[side] != noNode && kept[side][OwnerOf(side, pair.nodes[side])];
 }
 
-// What the winner says, with the loser's lists behind its own; links are numbers of pairs. Empty when nothing stays.
+// The properties of the node that stays, followed by the other's lists; links are numbers of pairs. Empty when no node
+// stays.
 std::vector<PropertyRecord> Merger::PropertiesOf(const Pair& pair) const
 {
     std::vector<PropertyRecord> properties;
@@ -247,7 +248,7 @@ TextPlace Merger::Moved(Side side, TextPlace text) const
     return text;
 }
 
-// Nodes that stay, and those that these name.
+// Emits the nodes that stay and those that they name.
 void Merger::EmitNodes(const std::vector<std::vector<PropertyRecord>>& properties)
 {
     std::vector<bool> named(pairs.size(), false);

@@ -29,8 +29,8 @@ public:
         }
     }
 
-    // The name must not be there yet. False when so many names share its hash that it must be meant: the work would
-    // grow with the square of their number.
+    // Adds a name, which must be new. Returns false when so many names share its hash that it must be intentional: the
+    // work would grow with the square of their number.
     bool Add(std::string_view name, uint32_t index)
     {
         if (++count * 2 > slots.size()) Grow();
@@ -44,7 +44,7 @@ private:
         uint32_t indexPlusOne = 0;
     };
 
-    static constexpr size_t longestWay = 1000; // slots; chance leads to a few dozens
+    static constexpr size_t longestWay = 1000; // slots; by chance there are a few dozen
 
     size_t Mask() const { return slots.size() - 1; }
 
@@ -56,7 +56,7 @@ private:
         return hash ^ hash >> 15;
     }
 
-    // How far from its place the slot ended.
+    // Returns the distance between the slot and its preferred place.
     size_t Put(Slot added)
     {
         const size_t wanted = added.hash & Mask();

@@ -32,7 +32,7 @@ struct NodeDraft
 {
     Element element = Element::None;
     NodeIndex node = noNode; // none for a StructReg
-    TextPlace name = {0, 0}; // as the file has it
+    TextPlace name = {0, 0}; // as written in the file
     std::vector<PropertyRecord> properties;
 
     void Start(Element startedElement, NodeIndex startedNode, TextPlace startedName);

@@ -22,7 +22,7 @@ bool IsHex(std::string_view text)
     return text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X');
 }
 
-// from_chars knows the minus, not the plus.
+// from_chars accepts the minus sign, but not the plus sign.
 std::string_view WithoutPlus(std::string_view text)
 {
     const bool plus = text.size() > 1 && text[0] == '+' && text[1] != '-';
@@ -57,7 +57,7 @@ bool ParseReal(std::string_view text, double& number)
         number = std::numeric_limits<double>::quiet_NaN();
         return true;
     }
-    // The other spellings of infinity that from_chars knows begin with a letter.
+    // The other spellings of infinity that from_chars accepts begin with a letter.
     if (text.find_first_not_of("+-.0123456789eE") != std::string_view::npos) return false;
     return ReadWhole(WithoutPlus(text), number);
 }

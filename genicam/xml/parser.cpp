@@ -29,7 +29,7 @@ std::string_view WithoutBlanks(std::string_view text)
     return first == std::string_view::npos ? std::string_view() : text.substr(first, last - first + 1);
 }
 
-// Registers are padded behind the text.
+// Registers are padded after the text.
 std::string_view WithoutPadding(std::string_view xml)
 {
     const std::string_view begin = xml.substr(0, 2);
@@ -42,7 +42,7 @@ std::string_view WithoutPadding(std::string_view xml)
     return xml;
 }
 
-// What an open element is to the parser.
+// The kinds of open elements in the parser.
 enum class Open : uint8_t
 {
     Root,
@@ -110,13 +110,13 @@ private:
     std::string prefix; // the text before each name: the namespace and a separator
     bool entriesMayStandAlone = false;
     std::vector<Open> open;
-    unsigned skipped = 0;     // depth inside an element that is left out
-    bool inExtension = false; // which is one
+    unsigned skipped = 0;     // depth inside a skipped element
+    bool inExtension = false; // whether it is an extension
 
-    std::vector<NodeDraft> drafts; // reused; the first draftCount are at work
+    std::vector<NodeDraft> drafts; // reused; the first draftCount are in use
     size_t draftCount = 0;
 
-    Property property = Property::None; // the open one
+    Property property = Property::None; // the open property
     std::string text;
     std::vector<PropertyRecord> attributeRecords; // of the open property
 
@@ -272,7 +272,7 @@ void Parser::ReadNodeAttributes(NodeRecord& record, const XmlAttributes& attribu
     }
 }
 
-// False: nothing that the open element knows.
+// Returns false when the open element does not allow this child.
 bool Parser::StartChild(std::string_view name, const XmlAttributes& attributes)
 {
     const Element outer = Current().element;
@@ -329,7 +329,7 @@ void Parser::StartProperty(Property started, const XmlAttributes& attributes)
 
 void Parser::Text(std::string_view part)
 {
-    if (skipped > 1 || (skipped == 1 && !inExtension)) return; // an extension itself holds elements only
+    if (skipped > 1 || (skipped == 1 && !inExtension)) return; // an extension contains only elements
     const bool key = !open.empty() && open.back() == Open::Node && IsRomKey(Current().element);
     if (skipped == 0 && !open.empty() && (open.back() == Open::Property || key))
     {
@@ -359,7 +359,7 @@ void Parser::EndProperty()
 {
     NodeDraft& draft = Current();
     const bool unsaid = text.empty() && FormOf(draft.element, property) == Form::Word && WordOf(property, 0) == "No";
-    if (unsaid) return; // an empty "yes or no" is none
+    if (unsaid) return; // an empty "yes or no" has no value
     switch (property)
     {
     case Property::Constant:
@@ -375,7 +375,7 @@ void Parser::EndProperty()
     draft.properties.insert(draft.properties.end(), attributeRecords.begin(), attributeRecords.end());
 }
 
-// A node that holds the number.
+// Creates a node with the number.
 void Parser::EndConstant(NodeDraft& draft)
 {
     const std::string name = description.MadeUpName(draft.node, description.Text(attributeRecords[0].text));
@@ -387,7 +387,7 @@ void Parser::EndConstant(NodeDraft& draft)
     draft.properties.push_back(LinkRecord(Property::pConstant, node));
 }
 
-// A knife, which the end of the element finishes.
+// Creates a knife, which the end of the element completes.
 void Parser::EndExpression(NodeDraft& draft)
 {
     const std::string name = description.MadeUpName(draft.node, description.Text(attributeRecords[0].text));

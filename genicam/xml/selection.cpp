@@ -11,7 +11,7 @@ namespace GENAPI_NAMESPACE::runtime
 namespace
 {
 
-// The filling of one description.
+// Fills the selection lists of one description.
 class Selection
 {
 public:
@@ -23,7 +23,7 @@ private:
     {
         NodeIndex node;
         std::vector<NodeIndex> direct;  // by pSelected
-        std::vector<NodeIndex> further; // what reads these
+        std::vector<NodeIndex> further; // nodes that read these
     };
 
     NodeIndex Count() const { return static_cast<NodeIndex>(description.nodes.size()); }
@@ -33,8 +33,8 @@ private:
 
     Description& description;
     const SourceTexts& sources;
-    std::vector<NodeIndex> converters; // of a formula the converter that it belongs to, else noNode
-    std::vector<bool> listed;          // by the selector at work
+    std::vector<NodeIndex> converters; // the converter to which a formula belongs, else noNode
+    std::vector<bool> listed;          // by the current selector
     std::vector<Selector> selectors;
     size_t steps = 0;
 };
@@ -84,7 +84,7 @@ void Selection::Fill()
     });
 }
 
-// What the node selects, if it is a selector.
+// Collects the nodes that this node selects, if it is a selector.
 void Selection::Follow(NodeIndex node)
 {
     Selector selector;

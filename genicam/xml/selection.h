@@ -6,11 +6,11 @@
 namespace GENAPI_NAMESPACE::runtime
 {
 
-// Bound of the links that are followed, over all selectors.
+// The limit for the links that are followed, over all selectors.
 const size_t maxSelectionSteps = 1u << 24;
 
-// Fills `selected`, `selecting` and `namedBy`. The parents must be there; pSelected must have no circles. Throws
-// RuntimeException.
+// Fills `selected`, `selecting` and `namedBy`. The parents must be filled already; pSelected must not form circles.
+// Throws RuntimeException.
 void FillSelection(Description& description, const SourceTexts& sources);
 
 } // namespace GENAPI_NAMESPACE::runtime

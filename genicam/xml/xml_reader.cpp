@@ -63,7 +63,7 @@ GENICAM_NAMESPACE::RuntimeException XmlReader::Error(const std::string& what) co
         XML_GetCurrentColumnNumber(expat) + 1, what.c_str(), handler.Where().c_str());
 }
 
-// No exception may travel through expat: it is kept, and the parsing stopped.
+// No exception may pass through expat: it is stored, and the parsing is stopped.
 template <class Act>
 void XmlReader::Guard(const Act& act) noexcept
 {
@@ -107,7 +107,7 @@ void XmlReader::OnEntity(
     });
 }
 
-// A text never reaches beyond itself.
+// A text must not refer to other sources.
 int XmlReader::OnExternalEntity(XML_ParserStruct*, const char*, const char*, const char*, const char*)
 {
     return XML_STATUS_ERROR;

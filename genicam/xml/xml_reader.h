@@ -15,7 +15,7 @@ struct XML_ParserStruct;
 namespace GENAPI_NAMESPACE::runtime
 {
 
-// Bounds against texts that grow while they are read.
+// Bounds against texts that expand while they are read.
 const unsigned maxEntities = 1000;
 const float maxAmplification = 10;
 
@@ -45,7 +45,7 @@ public:
     virtual void Start(std::string_view name, const XmlAttributes& attributes) = 0;
     virtual void End() = 0;
     virtual void Text(std::string_view part) = 0;
-    // What is being read, for messages: " in node 'Gain'", or empty.
+    // The current position in words, for messages: " in node 'Gain'", or empty.
     virtual std::string Where() const = 0;
 
 protected:
@@ -62,9 +62,9 @@ public:
     XmlReader(const XmlReader&) = delete;
     XmlReader& operator=(const XmlReader&) = delete;
 
-    // Throws what the handler throws, or an Error.
+    // Throws the exception of the handler, or an Error.
     void Run();
-    // No event follows, and Run returns. Called by the handler.
+    // Called by the handler: no further event follows, and Run returns.
     void Stop();
 
     // The position of the current event.
