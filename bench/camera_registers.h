@@ -6,11 +6,11 @@
 namespace koro::bench
 {
 
-// A byte that is not 0: each frame has a chunk layout of its own.
+// A byte; if it is not 0, each frame has a different chunk layout.
 inline constexpr std::uint64_t layoutsChangeRegister = 4000;
-// Text of a chunk id, which is read when a buffer is attached and at no other time.
+// The text of a chunk id, which is read only when a buffer is attached.
 inline constexpr std::uint64_t chunkIDRegister = 4008;
-// How often that was, 8 bytes.
+// The number of attachments, 8 bytes.
 inline constexpr std::uint64_t attachesRegister = 4016;
 
 } // namespace koro::bench

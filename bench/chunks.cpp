@@ -31,7 +31,7 @@ std::string NameOf(std::size_t chunk)
     return "Chunk" + std::to_string(chunk);
 }
 
-// Ten integers over chunks, and a port whose id stands in a register.
+// Ten integers over chunks, and a port whose id comes from a register.
 std::string Description()
 {
     std::string text =
@@ -73,7 +73,7 @@ Memory FrameBytes()
     return bytes;
 }
 
-// The exports' road: a stream whose buffers all hold the same chunks.
+// The variant with exports: a stream whose buffers all contain the same chunks.
 class ExportedChunks
 {
 public:
@@ -122,7 +122,7 @@ private:
     std::array<KORO_IntegerNodeHandle, numChunks> nodes{};
 };
 
-// The runtime's road over the same bytes. Its port stands for the camera's register of the chunk id.
+// The variant with the runtime over the same bytes. Its port represents the camera's register of the chunk id.
 class RuntimeChunks : public IPort
 {
 public:
@@ -184,7 +184,7 @@ std::uint64_t Attaches(const DirectPort& port)
     return count;
 }
 
-// Both columns take turns, in processor time of the thread. The attachments are those of all frames of the export.
+// Both columns alternate, in processor time of the thread. The attachments are those of all frames of the export.
 void Print(const Effort& effort, const DirectPort& port, const Row& row)
 {
     const std::uint8_t change = row.layoutsChange ? 1 : 0;
@@ -244,7 +244,7 @@ int main(int argc, char** argv)
                  runtime.ReadAll();
              },
              [&] {
-                 // The layout is that of the frame, so each update needs one.
+                 // The layout belongs to the frame, so each update needs a new frame.
                  exported.Update(exported.Wait());
                  exported.Read();
              }},

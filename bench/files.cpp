@@ -144,7 +144,7 @@ std::uint64_t AddressOf(std::size_t record)
     return 8 * record;
 }
 
-// Plain features, and features that have a place for each entry of a selector.
+// Plain features, and features with a register for each entry of a selector.
 std::string DescribedSettings()
 {
     const std::string stored = "<Streamable>Yes</Streamable>";
@@ -227,8 +227,8 @@ void PrintSettings(const Effort& effort)
         [&] { Require(KORO_NodeMap_LoadFromFile(map, file.path.c_str(), file.path.size() + 1)); }, microsecond);
 }
 
-// Features that have a register for each of two places of one selector.
-// The producer keeps all registers in 4 KiB; none of these shares its place there with the selector.
+// Features with a register for each of two values of one selector. The producer keeps all registers in 4 KiB; none of
+// these overlaps the selector there.
 std::string DescribedBehindOneSelector(std::size_t count)
 {
     std::string names;
@@ -257,7 +257,7 @@ std::vector<double> OneFeatureOf(std::size_t count)
     const TemporaryFile file;
     const auto store = [&] { Require(KORO_NodeMap_StoreToFile(map, file.path.c_str(), file.path.size() + 1)); };
     const auto load = [&] { Require(KORO_NodeMap_LoadFromFile(map, file.path.c_str(), file.path.size() + 1)); };
-    store(); // the first use makes the nodes
+    store(); // the first use creates the nodes
     const double scale = microsecond * static_cast<double>(count);
     return {ProcessorNanosecondsPerCall(1, store) / scale, ProcessorNanosecondsPerCall(1, load) / scale};
 }

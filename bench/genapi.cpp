@@ -41,7 +41,7 @@ public:
     EAccessMode GetAccessMode() const override { return RW; }
 
 private:
-    // Addresses of a camera reach far: all of them share this much.
+    // Cameras use a large range of addresses: all addresses share these bytes.
     std::uint8_t* At(std::int64_t address) { return bytes + static_cast<std::uint64_t>(address) % 4096; }
 
     std::uint8_t bytes[4096 + 65536] = {};
@@ -101,7 +101,7 @@ void ReadTenFeatures(INodeMap& map)
             value->ToString();
         }
         catch (const GENICAM_NAMESPACE::GenericException&)
-        { // memory is no camera: some numbers have no entry
+        { // plain memory is not a camera: some numbers have no entry
         }
         if (++read == 10) return;
     }
@@ -146,7 +146,7 @@ void PrintMemory(const std::string& xml)
 
 using Step = std::function<void()>;
 
-// Both columns take turns, `count` operations a turn, in processor time: no step waits for anything.
+// Both columns alternate after `count` operations, in processor time: no step waits for anything.
 void PrintRow(
     std::size_t rounds, std::size_t count, const char* name, const char* unit, double scale, const Step& floor,
     const Step& step)
@@ -184,7 +184,7 @@ void PrintOperations(const Effort& effort)
 {
     MemoryPort port;
     const Map map = MakeMap(DescriptionOfSingleNodes(), port);
-    IPort* volatile called = &port; // keeps the compiler from looking into the call
+    IPort* volatile called = &port; // prevents the compiler from inlining the call
     const Step read = [&] {
         std::uint8_t bytes[4];
         called->Read(bytes, 8, sizeof bytes);

@@ -15,7 +15,7 @@ namespace
 
 using Steps = std::vector<std::function<void()>>;
 
-// The simplest table that would do: what an export with one handle would cost on it.
+// The simplest possible table: the cost of an export with one handle on it.
 class PlainTable
 {
 public:
@@ -74,7 +74,7 @@ int main(int argc, char** argv)
         streams.push_back(tree.OpenStream(index));
     PlainTable plain(maxThreads);
 
-    // The key of a stream is a stored text: its size query asks the producer nothing.
+    // The key of a stream is a stored text: its size query does not call the producer.
     const auto keySize = [](KORO_DataStreamHandle stream) {
         std::size_t size = 0;
         KORO_DataStream_GetKey(stream, nullptr, &size);

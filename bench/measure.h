@@ -43,7 +43,7 @@ double NanosecondsPerCall(std::size_t iterations, Step&& step)
     return elapsed.count() / static_cast<double>(iterations);
 }
 
-// The same in processor time of this thread, which leaves out what a busy machine does meanwhile.
+// The same in processor time of this thread, which excludes other work of a busy machine.
 template <class Step>
 double ProcessorNanosecondsPerCall(std::size_t iterations, Step&& step)
 {
@@ -58,7 +58,7 @@ double ProcessorNanosecondsPerCall(std::size_t iterations, Step&& step)
     return (now() - begin) / static_cast<double>(iterations);
 }
 
-// Wall clock time on several threads at once, each with its own step; the mean over the threads.
+// Wall-clock time on several threads at once, each with its own step; the mean over the threads.
 inline double NanosecondsPerCallOnThreads(std::size_t iterations, const std::vector<std::function<void()>>& steps)
 {
     std::vector<double> results(steps.size());

@@ -132,7 +132,7 @@ void PrintLongLists()
         const ServedDescription served(DescriptionOfLongLists(counts[column]));
         Tree tree;
         const KORO_NodeMapHandle map = NodeMapOf(tree.OpenDevice(0));
-        WalkLists(map, counts[column]); // the first walk makes the tables and the handles
+        WalkLists(map, counts[column]); // the first walk creates the tables and the handles
         columns[column] = WalkLists(map, counts[column]);
     }
     std::printf("%-34s %10s %10s\n", "ns per element of a walk over", "2,000", "20,000");
@@ -174,7 +174,7 @@ void ReadTenFeatures(KORO_NodeMapHandle map)
     if (numRead < 10) throw std::runtime_error("the description has less than ten whole numbers to read");
 }
 
-// From the opened camera on; the opening itself, which fetches the description, is part of the time.
+// Starts with the opened camera; the opening itself, which fetches the description, is part of the time.
 void PrintFirstUse(const Effort& effort, const std::string& xml)
 {
     const ServedDescription served(xml);
@@ -209,7 +209,7 @@ void PrintFirstUse(const Effort& effort, const std::string& xml)
     }
 }
 
-// The features of the made up description are there when a bit of their own register says so.
+// The features of the generated description are available when a bit in their register is set.
 void SetAllBits()
 {
     const std::vector<std::uint8_t> ones(4096, 0xFF);

@@ -21,7 +21,7 @@ class DirectStream
 public:
     explicit DirectStream(std::uint32_t device);
 
-    // One frame with the calls that the exports make too: a size query before each datum.
+    // Takes one frame with the calls that the exports make too: a size query before each value.
     void Frame() const;
 
     GenTL::BUFFER_HANDLE Wait() const;

@@ -16,7 +16,7 @@ inline void PrintRoads(const char* unit)
     std::printf("%-34s %10s %10s %10s %10s %7s\n", unit, "producer", "runtime", "export", "above", "ratio");
 }
 
-// All columns take turns. `nanoseconds` are those of the unit that is printed.
+// All columns alternate. `nanoseconds` are per printed unit.
 inline void PrintRow(
     const Effort& effort, const char* name, const Step& producer, const Step& runtime, const Step& exported,
     double nanoseconds = 1)

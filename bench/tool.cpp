@@ -29,7 +29,7 @@ double Microseconds(const timeval& time)
     return 1e6 * static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec);
 }
 
-// Of one run, whose output goes nowhere.
+// The processor time of one run, whose output is discarded.
 double ProcessorMicroseconds(Words words)
 {
     words.insert(words.begin(), KORO_BENCH_TOOL);

@@ -37,7 +37,7 @@ struct BufferRecord
     void* userPtr;
 };
 
-// Own cache lines for each stream: two threads on two streams must not meet here.
+// Separate cache lines for each stream, so that two threads on two streams do not slow each other down.
 struct alignas(128) Stream
 {
     std::vector<std::unique_ptr<BufferRecord>> buffers;
@@ -87,7 +87,7 @@ GC_ERROR DeliverID(std::string_view text, char* buffer, std::size_t* size)
 constexpr std::uint64_t descriptionAddress = std::uint64_t{1} << 32;
 std::string descriptionPath;
 std::string description;
-// Addresses of a camera reach far: all of them share this much.
+// Cameras use a large range of addresses: all addresses share these bytes.
 constexpr std::uint64_t sharedBytes = 4096;
 std::array<char, sharedBytes + 65536> registers;
 
@@ -172,7 +172,7 @@ GC_ERROR TLOpen(TL_HANDLE* handle)
 
 GC_ERROR TLGetInfo(TL_HANDLE, TL_INFO_CMD, INFO_DATATYPE* type, void* buffer, size_t* size)
 {
-    return DeliverText("zero cost", type, buffer, size); // the file's place, beside which descriptions are looked for
+    return DeliverText("zero cost", type, buffer, size); // the file, beside which descriptions are searched
 }
 
 GC_ERROR TLUpdateInterfaceList(TL_HANDLE, bool8_t* changed, uint64_t)
@@ -307,7 +307,7 @@ GC_ERROR DSFlushQueue(DS_HANDLE, ACQ_QUEUE_TYPE)
 
 GC_ERROR DSGetInfo(DS_HANDLE, STREAM_INFO_CMD, INFO_DATATYPE* type, void* buffer, size_t* size)
 {
-    return DeliverValue<bool8_t>(INFO_DATATYPE_BOOL8, 0, type, buffer, size); // "is grabbing" alone is asked
+    return DeliverValue<bool8_t>(INFO_DATATYPE_BOOL8, 0, type, buffer, size); // only "is grabbing" is queried
 }
 
 GC_ERROR DSGetBufferInfo(

@@ -8,8 +8,8 @@
 #include <stdexcept>
 #include <string>
 
-// What is open between the library and a stream, from the root to the leaf: the members end in the reverse order, which
-// is the one that producers like best.
+// Everything that is open between the library and a stream, from the root to the leaf. The members are destroyed in
+// reverse order, which is the order that producers expect.
 struct Camera
 {
     koro::Library library = koro::Library::Initialize();
@@ -72,14 +72,14 @@ inline Camera OpenFirstCamera()
     throw std::runtime_error("No producer lists a camera; `koro doctor` and `koro list` show more.");
 }
 
-// The next frame, or the reason why none came.
+// Returns the next frame, or throws the reason why none arrived.
 inline koro::Buffer NextFrame(const Camera& camera, uint64_t timeout_ms = 5000)
 {
     if (const auto buffer = camera.stream.TryWait(timeout_ms)) return *buffer;
     throw std::runtime_error(koro::TextOf(koro::WhyNoFrame(camera.stream, camera.device.RemoteDevice())));
 }
 
-// Runs a program; what it throws is printed, after all that it had opened is closed.
+// Runs a program and prints its exceptions, after everything that it had opened is closed.
 template <typename Program>
 int Run(const Program& program)
 {

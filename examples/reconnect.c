@@ -16,7 +16,7 @@ enum
     frameTimeout_ms = 500,
     updateTimeout_ms = 500,
     pause_ms = 250,
-    mostUpdates = 240 /* a minute at least, by the pauses between them */
+    mostUpdates = 240 /* at least one minute because of the pauses */
 };
 
 /* Any answer will do; a camera that has gone gives none. */
@@ -60,7 +60,7 @@ static void Start(Camera* camera)
     StartAcquisition(camera);
 }
 
-/* The time-out of an update is the longest that it takes: most producers answer at once. */
+/* The timeout of an update is the longest time that it takes: most producers respond at once. */
 static void Pause(void)
 {
     const struct timespec duration = {.tv_sec = 0, .tv_nsec = pause_ms * 1000000L};

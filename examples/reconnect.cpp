@@ -12,9 +12,9 @@ namespace
 
 constexpr uint64_t frameTimeout_ms = 500;
 constexpr uint64_t updateTimeout_ms = 500;
-// The time-out of an update is the longest that it takes: most producers answer at once.
+// The timeout of an update is the longest time that it takes: most producers respond at once.
 constexpr std::chrono::milliseconds pauseBetweenUpdates(250);
-constexpr int mostUpdates = 240; // a minute at least, by the pauses between them
+constexpr int mostUpdates = 240; // at least one minute because of the pauses
 
 std::optional<koro::DeviceDescriptor> Find(const koro::Interface& interface, const std::string& serialNumber)
 {
@@ -43,7 +43,7 @@ void Reconnect(Camera& camera, const std::string& serialNumber)
     throw std::runtime_error("The camera did not come back.");
 }
 
-// Grabs until there are `wanted` frames or the camera has gone; returns how many there are.
+// Grabs until there are `wanted` frames or the camera is lost; returns the number of frames.
 int Grab(const Camera& camera, int numFrames, int wanted)
 {
     camera.AllocateAndQueue(3);

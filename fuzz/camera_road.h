@@ -15,7 +15,7 @@
 namespace koro::fuzz
 {
 
-// Ends the process when a call that only prepares fails.
+// Ends the process when a call fails that only prepares.
 void RequireSuccess(KORO_ReturnCode code);
 
 struct RoadNode
@@ -32,7 +32,7 @@ struct RoadCamera
     KORO_DataStreamHandle stream;
     KORO_EventControllerHandle controller; // of the events of the camera
 
-    mutable std::map<std::string, RoadNode> nodes; // that were looked up
+    mutable std::map<std::string, RoadNode> nodes; // the nodes that were looked up
 
     // An integer.
     const RoadNode& Node(const std::string& name) const;
@@ -41,7 +41,7 @@ struct RoadCamera
 class CameraRoad
 {
 public:
-    // One camera for each transport layer, four at most; the nodes stand in a description around them.
+    // One camera for each transport layer, at most four; their description contains these nodes.
     CameraRoad(const std::vector<std::string>& tlTypes, const std::string& nodes);
 
     scripted::Script& Producer() const { return *script; }

@@ -13,7 +13,7 @@ namespace koro::fuzz
 
 using Bytes = std::vector<std::uint8_t>;
 
-// The id as the layout compares it: its digits, without zeros in front.
+// The id as the layout compares it: its digits without leading zeros.
 struct FoundChunk
 {
     std::string id;
@@ -23,7 +23,7 @@ struct FoundChunk
 struct Reading
 {
     bool good = false;
-    std::vector<FoundChunk> chunks; // the last of the buffer first
+    std::vector<FoundChunk> chunks; // the last chunk of the buffer comes first
 };
 
 inline std::string Digits(const std::uint8_t* bytes, std::size_t size, bool reversed)

@@ -34,13 +34,13 @@ enum Form
     formCount
 };
 
-// Not for GenDC, which is asked for agreement with itself alone.
+// Not for GenDC, which is only compared with itself.
 Reading Read(Form form, const Bytes& bytes)
 {
     return form == dcam ? ReadDcam(bytes) : ReadTrailers(bytes, form == gigEVision);
 }
 
-// A good buffer: what is attached before the one of the fuzzer.
+// A valid buffer, which is attached before the one of the fuzzer.
 Bytes Baseline(Form form)
 {
     switch (form)
@@ -60,7 +60,7 @@ Bytes Baseline(Form form)
 struct Port
 {
     const char* name;
-    const char* id; // digits without zeros in front
+    const char* id; // digits without leading zeros
     bool copied;
 };
 const Port ports[] = {
@@ -118,7 +118,7 @@ Bytes DataOf(INodeMap& map, const Port& port)
     return data;
 }
 
-// Lengths of what is attached, as a trace of the state.
+// The lengths of the attached chunks, as a trace of the state.
 std::vector<std::uint64_t> TraceOf(INodeMap& map)
 {
     std::vector<std::uint64_t> trace;
@@ -221,7 +221,7 @@ void CheckDcam(INodeMap& map, const Bytes& bytes)
     CheckLayout(dcam, map, adapter, bytes);
 }
 
-// The bytes become a list: id, offset and length. Nothing is read through it, since it may lie anywhere.
+// The bytes become a list: id, offset and length. Nothing is read through the list, since its offsets are arbitrary.
 void CheckListed(INodeMap& map, const Bytes& bytes)
 {
     CChunkAdapterGeneric adapter(&map, 0);

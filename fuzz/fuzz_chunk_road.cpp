@@ -29,7 +29,7 @@ constexpr std::size_t revokedAtOnce = 8;
 struct Port
 {
     const char* name;
-    const char* id; // digits without zeros in front
+    const char* id; // digits without leading zeros
     bool copied;
 };
 const Port ports[] = {
@@ -65,7 +65,7 @@ struct AnnouncedBuffer
     KORO_BufferHandle handle = nullptr;
 };
 
-// One input on one camera, and what has to be attached.
+// One input on one camera, and the buffer that should be attached.
 class Run
 {
 public:
@@ -126,7 +126,7 @@ private:
         Require(finished == buffer.handle, "the buffer comes back");
     }
 
-    // Whether the update takes the buffer.
+    // Whether the update accepts the buffer.
     bool Attach(const AnnouncedBuffer& buffer, const Reading& reading, std::size_t options)
     {
         const Bytes& bytes = buffer.bytes;

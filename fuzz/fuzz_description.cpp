@@ -16,7 +16,8 @@ using koro::test::UseNode;
 
 const size_t maxUsed = 60; // nodes of one description
 
-// Remembers one byte for all addresses, so that registers anywhere and of any length cost nothing; fails now and then.
+// Stores one byte for all addresses, so that registers at any address and of any length cost nothing; fails now and
+// then.
 class FickleMemory : public IPort
 {
 public:

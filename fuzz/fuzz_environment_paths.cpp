@@ -16,7 +16,7 @@ bool IsSeparator(char character)
     return character == ':' || character == ';';
 }
 
-// Nothing but separators may get lost.
+// Only separators may be lost.
 void CheckSplit(std::string_view variable)
 {
     std::string kept;

@@ -26,7 +26,7 @@ using namespace GENAPI_NAMESPACE;
 using GENICAM_NAMESPACE::RuntimeException;
 using namespace koro::fuzz;
 
-// The node map with a port for each id, and what its callbacks have seen.
+// The node map with a port for each id, and the nodes that its callbacks have reported.
 class Watched
 {
 public:

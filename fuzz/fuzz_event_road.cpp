@@ -24,7 +24,7 @@ std::string NameOf(std::uint64_t id, std::size_t address)
     return "I" + std::to_string(id) + "At" + std::to_string(address);
 }
 
-// For each id a port and two bytes at some places of its item.
+// For each id a port and two bytes at some offsets of its item.
 std::string Nodes()
 {
     std::string text;
@@ -79,7 +79,7 @@ struct Receiver
         const Events events = Read(layer, message);
         const KORO_ReturnCode code = KORO_NodeMap_UpdateEventNodes(camera.map, event);
         Require(code == (events ? KORO_RETURN_CODE_SUCCESS : KORO_RETURN_CODE_ERROR), "the second reading agrees");
-        RequireSuccess(KORO_Event_Destruct(event)); // the nodes keep what they were given
+        RequireSuccess(KORO_Event_Destruct(event)); // the nodes keep the data
         for (const ReadEvent& found : events.value_or(std::vector<ReadEvent>()))
             latest[found.id] = found.bytes;
         CheckNodes();

@@ -33,7 +33,7 @@ private:
     std::map<int64_t, uint8_t> bytes;
 };
 
-// What the runtime throws says what is wrong; anything else ends the process.
+// Exceptions of the runtime state an error; any other exception ends the process.
 template <class Act>
 bool Succeeds(const Act& act)
 {

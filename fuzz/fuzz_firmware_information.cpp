@@ -40,7 +40,7 @@ private:
     const std::string path;
 };
 
-// For many inputs, so that one collection meets what the one before has left.
+// Used for many inputs, so that one collection meets the state that the previous one has left.
 struct Updater
 {
     Updater()
@@ -56,7 +56,7 @@ struct Updater
     {
         Require(KORO_FirmwareUpdater_Construct(&handle) == KORO_RETURN_CODE_SUCCESS, "there is an updater");
     }
-    // Handles of information end with their updater alone, so none serves for ever.
+    // Handles of information end only with their updater, so the updater is replaced regularly.
     void CountInput()
     {
         if (++inputs % 256 != 0) return;

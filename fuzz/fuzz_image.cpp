@@ -22,7 +22,7 @@ class Reader
 public:
     Reader(const std::uint8_t* data, std::size_t size) : rest(data), restSize(size) {}
 
-    // Zero where the input has ended.
+    // Zero after the end of the input.
     template <class Number>
     Number Read()
     {

@@ -18,7 +18,7 @@ class Reader
 public:
     Reader(const std::uint8_t* data, std::size_t size) : rest(data), restSize(size) {}
 
-    // Zero where the input has ended.
+    // Zero after the end of the input.
     template <class Number>
     Number Read()
     {
@@ -64,7 +64,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     catch (const koro::tool::ToolError&)
     {
-        // the one answer to a frame that does not fit together
+        // the only answer for a frame that is not consistent
     }
     return 0;
 }

@@ -33,7 +33,7 @@ void CheckScheme(const std::string& url)
     Require(!scheme || !URLSchemeName(*scheme).empty(), "a scheme of a text has a name");
 }
 
-// What is written as it should be is read as it was meant.
+// A well-formed text is read with its intended meaning.
 void CheckWellFormed(const std::string& text)
 {
     std::string name = text;

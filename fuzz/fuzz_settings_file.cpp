@@ -99,7 +99,7 @@ const Camera& TheCamera()
     return camera;
 }
 
-// A text that is empty or begins with a brace is not read back as it was written; nothing escapes it.
+// A text that is empty or begins with a brace does not survive a round trip; the format has no escapes.
 bool CanBeReadBack(const std::string& stored)
 {
     return stored.find("\nT\t\n") == std::string::npos && stored.find("\nT\t{") == std::string::npos;
@@ -110,13 +110,13 @@ bool CanBeReadBack(const std::string& stored)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     const Camera& camera = TheCamera();
-    // Each input meets the same camera.
+    // Each input starts with the same camera.
     Require(
         camera.Load(MemoryFile(head + "I\t0\nS\tA\nF\t1\nT\tx\nG\t{I=0\tS=A}\t0\n")) == KORO_RETURN_CODE_SUCCESS,
         "a good file is accepted");
 
     const auto code = camera.Load(MemoryFile({reinterpret_cast<const char*>(data), size}));
-    // The last one is the device's: a selector out of its range leads to where no register is.
+    // The last selector belongs to the device: a value out of its range leads to an address without a register.
     Require(
         code == KORO_RETURN_CODE_SUCCESS || code == KORO_RETURN_CODE_ERROR || code == KORO_RETURN_CODE_INVALID_ADDRESS,
         "a file is accepted or refused");

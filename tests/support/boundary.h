@@ -16,7 +16,7 @@
 namespace koro::test
 {
 
-// What the calling thread's last failure left behind.
+// The record of the last failure on the calling thread.
 struct Error
 {
     KORO_ReturnCode code = KORO_RETURN_CODE_SUCCESS;
@@ -46,7 +46,7 @@ inline Error LastError()
     return error;
 }
 
-// The outcome of a call: EXPECT_EQ(Outcome(KORO_...), Error{}) or Error{code, "whole text"}. The stored code has to be
+// The outcome of a call: EXPECT_EQ(Outcome(KORO_...), Error{}) or Error{code, "whole text"}. The stored code must be
 // the returned one.
 inline Error Outcome(KORO_ReturnCode returned)
 {
@@ -63,7 +63,7 @@ inline void Require(KORO_ReturnCode returned)
     throw std::runtime_error("code " + std::to_string(returned) + ": " + Outcome(returned).text);
 }
 
-// The output that comes last: Get<KORO_PortHandle>(KORO_Module_GetPort, module).
+// Returns the last output: Get<KORO_PortHandle>(KORO_Module_GetPort, module).
 template <class Output, class Export, class... Arguments>
 Output Get(Export function, Arguments... arguments)
 {
@@ -72,7 +72,7 @@ Output Get(Export function, Arguments... arguments)
     return output;
 }
 
-// The text by size query and fetch: GetText(KORO_System_GetID, system).
+// Returns the text by size query and fetch: GetText(KORO_System_GetID, system).
 template <class Export, class... Arguments>
 std::string GetText(Export function, Arguments... arguments)
 {
@@ -84,7 +84,7 @@ std::string GetText(Export function, Arguments... arguments)
     return text;
 }
 
-// Initialised from here to the end of the scope.
+// Keeps the library initialised until the end of the scope.
 class KoroLibrary
 {
 public:
@@ -94,7 +94,7 @@ public:
     KoroLibrary& operator=(const KoroLibrary&) = delete;
 };
 
-// A producer opened down to a data stream. All goes with the library's close; the members may go before.
+// A producer opened down to a data stream. Everything ends with the library's close; the members may end before.
 class OpenTree
 {
 public:

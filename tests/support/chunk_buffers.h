@@ -32,14 +32,14 @@ inline std::string U3VChunk(std::uint32_t id, const std::string& data)
     return data + LittleEndian(id, 4) + LittleEndian(data.size(), 4);
 }
 
-// `id` are the 16 bytes in their order; the length counts the trailer.
+// `id` contains the 16 bytes in their order; the length includes the trailer.
 inline std::string IIDCChunk(const std::string& id, const std::string& data)
 {
     const auto length = static_cast<std::uint32_t>(data.size() + 24);
     return data + id + LittleEndian(length, 4) + LittleEndian(~length, 4);
 }
 
-// With the checksum of an IIDC buffer behind it, or with a wrong one.
+// Appends the checksum of an IIDC buffer, or a wrong one.
 inline std::string WithChecksum(const std::string& chunks, bool right = true)
 {
     std::uint16_t crc = 0;

@@ -9,7 +9,7 @@
 namespace koro::test
 {
 
-// The function is found no more, as if the producer had been built without it.
+// Hides the function, as if the producer had been built without it.
 void RemoveExport(const std::string& path, const std::string& function);
 
 // Makes it a file of another architecture, such as EM_AARCH64.

@@ -24,7 +24,7 @@ inline std::string FileNumber(
            FileRegister(name + "Reg", address, mode);
 }
 
-// An entry, with what stands in front of its value.
+// An entry, with the text before its value.
 struct FileEntry
 {
     FileEntry(const char* entry, std::string conditions = "") : name(entry), elements(std::move(conditions)) {}

@@ -8,13 +8,13 @@
 namespace koro::test
 {
 
-// The function's name in a line such as "TLClose(system)".
+// Returns the function's name in a line such as "TLClose(system)".
 inline std::string FunctionOf(const std::string& line)
 {
     return line.substr(0, line.find('('));
 }
 
-// The lines of the named functions, in their order: a promise about some calls says nothing about others.
+// Returns the lines of the named functions, in their order: a promise about some calls says nothing about others.
 inline std::vector<std::string> CallsOf(
     const std::vector<std::string>& journal, const std::vector<std::string>& functions)
 {

@@ -55,7 +55,7 @@ inline std::string Choice(const std::string& name, std::uint64_t address, const 
     return text + "<pValue>" + name + "Reg</pValue></Enumeration>" + Number(name + "Reg", address);
 }
 
-// Of a register that cannot be read, so that the command is done at once.
+// A command over a register that cannot be read, so that it is done at once.
 inline std::string Command(const std::string& name, std::uint64_t address)
 {
     return "<Command Name=\"" + name + "\"><pValue>" + name + "Reg</pValue><CommandValue>1</CommandValue></Command>" +
@@ -128,7 +128,7 @@ inline std::string ResetStep(const std::string& delay_ms = "0")
     return Step("DeviceReset", "<DeviceDiscoveryDelayMs>" + delay_ms + "</DeviceDiscoveryDelayMs>");
 }
 
-// The line of the journal by which a register of the camera was written.
+// The line of the journal for a write to a register of the camera.
 inline std::string Written(std::uint64_t address, std::size_t size = 4, const std::string& device = "if0-dev0")
 {
     return "GCWritePort(" + device + "-remote, " + std::to_string(address) + ", " + std::to_string(size) + ")";

@@ -35,8 +35,8 @@ public:
     scripted::Script* operator->() const { return script; }
     scripted::Script& operator*() const { return *script; }
 
-    // Gives up this object's hold and reports whether the file stays in the process, be it that somebody else has it
-    // loaded or that it was fixed there. The script is not to be used any more.
+    // Releases this object's hold and returns whether the file stays in the process, because another holder has loaded
+    // it or because it was pinned there. Do not use the script afterwards.
     bool IsLoadedByOthers();
 
 private:

@@ -19,10 +19,10 @@ public:
 
     const std::filesystem::path& Path() const { return path; }
 
-    // The path of `name` inside, as text; nothing is made.
+    // Returns the path of `name` inside, as a text; creates nothing.
     std::string File(const std::string& name) const { return (path / name).string(); }
 
-    // Each makes the named entry and returns its path.
+    // Each function creates the named entry and returns its path.
     std::string MakeFile(const std::string& name, const std::string& content) const;
     std::string MakeFolder(const std::string& name) const;
     std::string MakeCopy(const std::filesystem::path& source, const std::string& name) const;

@@ -12,7 +12,7 @@
 namespace koro::test
 {
 
-// "class: text" of what the callable throws; empty if nothing.
+// "class: text" of the exception that the callable throws; empty if it throws nothing.
 template <class Callable>
 std::string WhatIsThrownBy(const Callable& callable)
 {

@@ -26,7 +26,7 @@ inline std::string Procedure(const std::string& steps, const std::string& id = "
     return "<Procedure Id=\"" + id + "\">" + steps + "</Procedure>";
 }
 
-// A step of the kind with a description and the children behind it.
+// A step of this kind with a description, followed by the children.
 inline std::string Step(const std::string& kind, const std::string& children = "")
 {
     return "<" + kind + "><Description>" + kind + "</Description>" + children + "</" + kind + ">";
@@ -66,7 +66,7 @@ inline std::string Container(const std::string& package)
     return container.Bytes();
 }
 
-// The update file "update.guf" in a folder of its own.
+// The update file "update.guf" in its own folder.
 class UpdateFileOnDisk
 {
 public:
