@@ -1,5 +1,7 @@
 #include "producers/scripted/call.h"
 
+#include "producers/kit/last_error.h"
+
 #include <algorithm>
 #include <cstring>
 #include <string_view>
@@ -11,8 +13,6 @@ using namespace GenTL;
 
 namespace
 {
-
-thread_local Failure failure;
 
 template <class Map>
 typename Map::mapped_type FindOr(const Map& map, const std::string& function)
@@ -92,13 +92,9 @@ std::optional<GC_ERROR> SetResult(State& state, const char* function)
 
 GC_ERROR Leave(const char* function, GC_ERROR result)
 {
-    if (result != GC_ERR_SUCCESS && std::string_view(function) != "GCGetLastError") failure = {result, function};
+    if (result != GC_ERR_SUCCESS && std::string_view(function) != "GCGetLastError")
+        koro::kit::RecordLastError(result, (std::string("scripted failure of ") + function).c_str());
     return result;
-}
-
-const Failure& LastFailure()
-{
-    return failure;
 }
 
 GC_ERROR AnswerInfo(const Info& info, INFO_DATATYPE* type, void* buffer, std::size_t* size)

@@ -57,15 +57,6 @@ GenTL::GC_ERROR CallOn(
     return Call(function, onModule, handle, arguments...);
 }
 
-// The thread's last failure: code, and the function as a literal of its entry point. Trivially destructible, since
-// thread-local destructors would keep the file loaded.
-struct Failure
-{
-    GenTL::GC_ERROR code = GenTL::GC_ERR_SUCCESS;
-    const char* function = nullptr;
-};
-const Failure& LastFailure();
-
 // Answers by the rule of size queries. `type` may be null for functions that deliver text alone.
 GenTL::GC_ERROR AnswerInfo(const Info& info, GenTL::INFO_DATATYPE* type, void* buffer, std::size_t* size);
 

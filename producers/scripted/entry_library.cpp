@@ -1,5 +1,6 @@
 // Entry points of the library itself.
 #define GENTL_PRODUCER
+#include "producers/kit/last_error.h"
 #include "producers/scripted/call.h"
 #include "producers/scripted/lingering_thread.h"
 #include "producers/scripted/variant.h"
@@ -35,12 +36,6 @@ Infos LibraryInfos(const State& state)
     infos.try_emplace(TL_INFO_GENTL_VER_MAJOR, VersionNumber(variant.versionMajor));
     infos.try_emplace(TL_INFO_GENTL_VER_MINOR, VersionNumber(variant.versionMinor));
     return infos;
-}
-
-std::string TextOfLastError()
-{
-    const Failure& failure = LastFailure();
-    return failure.function ? std::string("scripted failure of ") + failure.function : "No Error";
 }
 
 } // namespace
@@ -91,10 +86,10 @@ GC_ERROR GenTL::GCGetLastError(GC_ERROR* piErrorCode, char* sErrorText, size_t* 
         [&](State& state, Lock&) -> GC_ERROR {
             if (!piErrorCode || !piSize) return GC_ERR_INVALID_PARAMETER;
             const LastError answer = state.answers.lastError.value_or(LastError());
-            Info text = Text(answer.text.value_or(TextOfLastError()));
+            Info text = Text(answer.text.value_or(koro::kit::LastErrorText()));
             if (!answer.terminated) text.bytes.pop_back();
             text.claimedSize = answer.claimedSize;
-            if (answer.writesCode) *piErrorCode = answer.code.value_or(LastFailure().code);
+            if (answer.writesCode) *piErrorCode = answer.code.value_or(koro::kit::LastErrorCode());
             return AnswerInfo(text, nullptr, sErrorText, piSize);
         },
         Half{sErrorText});

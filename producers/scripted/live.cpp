@@ -10,13 +10,6 @@ using namespace GenTL;
 namespace
 {
 
-template <class Map>
-typename Map::mapped_type FindIn(const Map& map, Handle handle)
-{
-    const auto found = map.find(handle);
-    return found == map.end() ? nullptr : found->second;
-}
-
 // The part of the tree that an open module stands for.
 const void* NodeOf(const Module& module)
 {
@@ -36,10 +29,11 @@ const void* NodeOf(const Module& module)
 
 } // namespace
 
-Handle Live::NextHandle()
+template <class Entry>
+void Live::Forget(Handle handle, std::vector<std::shared_ptr<Entry>>& entries)
 {
-    lastHandle += 0x10;
-    return reinterpret_cast<Handle>(lastHandle);
+    std::erase_if(entries, [&](const auto& entry) { return entry->handle == handle; });
+    handles.Remove(handle);
 }
 
 Module& Live::Add(Kind kind, const std::string& id, Handle parent)
@@ -47,9 +41,10 @@ Module& Live::Add(Kind kind, const std::string& id, Handle parent)
     auto module = std::make_shared<Module>();
     module->kind = kind;
     module->id = id;
-    module->handle = NextHandle();
+    handles.Add(module);
+    module->handle = module->Handle();
     module->parent = parent;
-    modules[module->handle] = module;
+    modules.push_back(module);
     return *module;
 }
 
@@ -57,12 +52,13 @@ std::shared_ptr<Buffer> Live::AddBuffer(Module& stream, char* base, std::size_t 
 {
     auto buffer = std::make_shared<Buffer>();
     if (!base) buffer->allocated.resize(size);
-    buffer->handle = NextHandle();
+    handles.Add(buffer);
+    buffer->handle = buffer->Handle();
     buffer->stream = stream.handle;
     buffer->base = base ? base : buffer->allocated.data();
     buffer->size = size;
     buffer->userPointer = userPointer;
-    buffers[buffer->handle] = buffer;
+    buffers.push_back(buffer);
     stream.announced.push_back(buffer);
     return buffer;
 }
@@ -70,17 +66,18 @@ std::shared_ptr<Buffer> Live::AddBuffer(Module& stream, char* base, std::size_t 
 std::shared_ptr<Event> Live::AddEvent(Module& source, EVENT_TYPE type)
 {
     auto event = std::make_shared<Event>();
-    event->handle = NextHandle();
+    handles.Add(event);
+    event->handle = event->Handle();
     event->source = source.handle;
     event->type = type;
-    events[event->handle] = event;
+    events.push_back(event);
     source.events[type] = event;
     return event;
 }
 
 Module* Live::FindModule(Handle handle)
 {
-    return FindIn(modules, handle).get();
+    return handles.TryFind<Module>(handle).get();
 }
 
 Module* Live::Find(Handle handle, Kind kind)
@@ -91,7 +88,7 @@ Module* Live::Find(Handle handle, Kind kind)
 
 Module* Live::FindByID(const std::string& id) const
 {
-    for (const auto& [handle, module] : modules)
+    for (const auto& module : modules)
     {
         if (module->id == id) return module.get();
     }
@@ -100,7 +97,7 @@ Module* Live::FindByID(const std::string& id) const
 
 Module* Live::FindOpen(Kind kind, const void* node)
 {
-    for (const auto& [handle, module] : modules)
+    for (const auto& module : modules)
     {
         if (module->kind == kind && NodeOf(*module) == node) return module.get();
     }
@@ -109,12 +106,12 @@ Module* Live::FindOpen(Kind kind, const void* node)
 
 std::shared_ptr<Buffer> Live::FindBuffer(Handle handle)
 {
-    return FindIn(buffers, handle);
+    return handles.TryFind<Buffer>(handle);
 }
 
 std::shared_ptr<Event> Live::FindEvent(Handle handle)
 {
-    return FindIn(events, handle);
+    return handles.TryFind<Event>(handle);
 }
 
 Port& Live::PortOf(Module& module)
@@ -137,31 +134,31 @@ Port& Live::PortOf(Module& module)
 void Live::Close(Handle handle)
 {
     std::vector<Handle> children;
-    for (const auto& [child, module] : modules)
+    for (const auto& module : modules)
     {
-        if (module->parent == handle) children.push_back(child);
+        if (module->parent == handle) children.push_back(module->handle);
     }
     std::for_each(children.begin(), children.end(), [this](Handle child) { Close(child); });
 
-    const auto module = FindIn(modules, handle);
+    const auto module = handles.TryFind<Module>(handle);
     if (!module) return;
     while (!module->events.empty())
         EndEvent(*module, module->events.begin()->first);
     for (const auto& buffer : module->announced)
-        buffers.erase(buffer->handle);
-    modules.erase(handle);
+        Forget(buffer->handle, buffers);
+    Forget(handle, modules);
 }
 
 void Live::CloseAll()
 {
     while (!modules.empty())
-        Close(modules.begin()->first);
+        Close(modules.front()->handle);
 }
 
 void Live::RemoveBuffer(Module& stream, Handle buffer)
 {
     std::erase_if(stream.announced, [&](const auto& announced) { return announced->handle == buffer; });
-    buffers.erase(buffer);
+    Forget(buffer, buffers);
 }
 
 void Live::EndEvent(Module& source, EVENT_TYPE type)
@@ -173,20 +170,20 @@ void Live::EndEvent(Module& source, EVENT_TYPE type)
         if (entry.buffer) entry.buffer->place = Place::Idle;
     }
     event->queue.clear();
-    events.erase(event->handle);
+    Forget(event->handle, events);
     source.events.erase(type);
 }
 
 std::string Live::Name(Handle handle) const
 {
     if (!handle) return "null";
-    if (const auto module = FindIn(modules, handle)) return module->id;
-    if (const auto buffer = FindIn(buffers, handle))
+    if (const auto module = handles.TryFind<Module>(handle)) return module->id;
+    if (const auto buffer = handles.TryFind<Buffer>(handle))
     {
         const auto number = reinterpret_cast<std::uintptr_t>(buffer->userPointer);
         return Name(buffer->stream) + "/" + std::to_string(number);
     }
-    if (const auto event = FindIn(events, handle))
+    if (const auto event = handles.TryFind<Event>(handle))
     {
         return Name(event->source) + ":event" + std::to_string(event->type);
     }
@@ -196,14 +193,14 @@ std::string Live::Name(Handle handle) const
 std::vector<std::string> Live::OpenNames() const
 {
     std::vector<std::string> names;
-    for (const auto& [handle, module] : modules)
+    for (const auto& module : modules)
     {
         if (module->kind != Kind::RemotePort) names.push_back(module->id);
     }
-    for (const auto& [handle, buffer] : buffers)
-        names.push_back(Name(handle));
-    for (const auto& [handle, event] : events)
-        names.push_back(Name(handle));
+    for (const auto& buffer : buffers)
+        names.push_back(Name(buffer->handle));
+    for (const auto& event : events)
+        names.push_back(Name(event->handle));
     std::sort(names.begin(), names.end());
     return names;
 }

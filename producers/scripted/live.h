@@ -1,10 +1,11 @@
 // Live: what the consumer has open in a scripted producer.
 //
-// Guarded by the mutex of State. Handles are numbers that are never used twice and never dereferenced, so that a dead
-// one always answers GC_ERR_INVALID_HANDLE.
+// Guarded by the mutex of State. Handles are those of the kit: numbers that are never used twice and never
+// dereferenced, so that a dead one always answers GC_ERR_INVALID_HANDLE.
 #pragma once
 
 #include "gentl/api/gentl.h"
+#include "producers/kit/handle_registry.h"
 #include "producers/scripted/tree.h"
 
 #include <cstddef>
@@ -36,10 +37,10 @@ enum class Place
     Output,
 };
 
-struct Buffer
+struct Buffer : koro::kit::Object
 {
-    Handle handle = nullptr;
-    Handle stream = nullptr;
+    scripted::Handle handle = nullptr;
+    scripted::Handle stream = nullptr;
     char* base = nullptr;
     std::size_t size = 0;
     void* userPointer = nullptr;
@@ -57,10 +58,10 @@ struct EventEntry
     std::shared_ptr<Buffer> buffer; // of a delivery; none for what a test fires
 };
 
-struct Event
+struct Event : koro::kit::Object
 {
-    Handle handle = nullptr;
-    Handle source = nullptr;
+    scripted::Handle handle = nullptr;
+    scripted::Handle source = nullptr;
     GenTL::EVENT_TYPE type = GenTL::EVENT_ERROR;
     std::deque<EventEntry> queue;
     std::uint64_t fired = 0;
@@ -69,12 +70,12 @@ struct Event
 };
 
 // One open module; the fields behind `parent` are used as its kind needs them.
-struct Module
+struct Module : koro::kit::Object
 {
     Kind kind = Kind::System;
     std::string id;
-    Handle handle = nullptr;
-    Handle parent = nullptr;
+    scripted::Handle handle = nullptr;
+    scripted::Handle parent = nullptr;
     std::map<GenTL::EVENT_TYPE, std::shared_ptr<Event>> events;
 
     std::shared_ptr<Interface> interface;
@@ -124,13 +125,14 @@ public:
     std::vector<std::string> OpenNames() const;
 
 private:
-    Handle NextHandle();
+    template <class Entry>
+    void Forget(Handle handle, std::vector<std::shared_ptr<Entry>>& entries);
 
-    // Grows for the life of the file: Reset() must not revive a handle.
-    std::uintptr_t lastHandle = 0x1000;
-    std::map<Handle, std::shared_ptr<Module>> modules;
-    std::map<Handle, std::shared_ptr<Buffer>> buffers;
-    std::map<Handle, std::shared_ptr<Event>> events;
+    koro::kit::HandleRegistry handles; // lives as long as the file: Reset() must not revive a handle
+    // In the order in which they were opened, announced and registered.
+    std::vector<std::shared_ptr<Module>> modules;
+    std::vector<std::shared_ptr<Buffer>> buffers;
+    std::vector<std::shared_ptr<Event>> events;
 };
 
 } // namespace scripted
