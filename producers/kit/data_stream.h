@@ -21,7 +21,7 @@ class Device;
 class DataStream : public Module
 {
 public:
-    // `bufferFacts` are those of the buffers, but for their ids.
+    // `bufferFacts` are those of the buffers, without their ids.
     DataStream(std::shared_ptr<Device> parentDevice, std::string streamId, PortFacts bufferFacts);
 
     const std::string& Id() const noexcept { return id; }

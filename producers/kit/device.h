@@ -1,7 +1,7 @@
 // Device: an open camera, the local module, and RemoteDevice: the port of the camera behind it.
 //
-// A producer derives from Device. The virtual functions are called on any thread, without a lock of the kit's but for
-// MakeStream, which runs with the list of open streams locked.
+// A producer derives from Device. The virtual functions are called on any thread, and the kit holds no lock, except
+// in MakeStream, where it holds the lock of the list of open streams.
 #pragma once
 
 #include "producers/kit/child_list.h"

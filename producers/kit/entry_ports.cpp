@@ -36,7 +36,7 @@ void Write(Port& port, uint64_t address, const void* buffer, size_t bytes)
     port.Write(address, {static_cast<const std::byte*>(buffer), RequireLength(bytes)});
 }
 
-// One entry after the other; the count tells how many were done, also on a failure.
+// One entry after the other; the count says how many were done, also after a failure.
 template <typename Access>
 void AccessStacked(PORT_REGISTER_STACK_ENTRY* entries, size_t* number, const Access& access)
 {

@@ -125,7 +125,7 @@ std::string EventPackets::Head(std::size_t bodyBytes, bool hasData, std::uint16_
     return head.Text();
 }
 
-// Sizes are told where several items would run into one another without.
+// Items have sizes where several of them would otherwise run into one another.
 std::string EventPackets::Compose(std::span<const PacketItem> items, std::uint16_t requestId) const
 {
     const bool hasData = std::any_of(items.begin(), items.end(), [](const PacketItem& item) { return item.hasLines; });

@@ -16,7 +16,7 @@
 namespace koro::kit
 {
 
-// Whatever has a handle.
+// What has a handle.
 class Object
 {
 public:

@@ -1,7 +1,7 @@
 // Interface: an open interface with the devices on it.
 //
-// A producer derives from it. The virtual functions are called on any thread, without a lock of the kit's but for
-// MakeDevice, which runs with the list of open devices locked.
+// A producer derives from it. The virtual functions are called on any thread, and the kit holds no lock, except
+// in MakeDevice, where it holds the lock of the list of open devices.
 #pragma once
 
 #include "producers/kit/child_list.h"

@@ -1,6 +1,6 @@
 // RegisterMap: the registers of a module or a camera. Any thread.
 //
-// Most registers are live: reading asks a function, writing tells one. Functions run with the map's lock held; only
+// Most registers are live: a read asks a function, a write calls one. Functions run with the map's lock held; only
 // actions run behind it. What a register has no function for it does not allow (GC_ERR_ACCESS_DENIED); an address that
 // belongs to none is GC_ERR_INVALID_ADDRESS. A setter refuses a value by GC_ERR_INVALID_VALUE, or says why not now.
 //
@@ -48,13 +48,13 @@ public:
     void AddCommand(std::uint64_t address, Action command);
     // The same, but runs behind the lock.
     void AddAction(std::uint64_t address, Action action);
-    // Plain memory of someone else's, with `set` told the whole new content.
+    // Plain memory of another owner; `set` gets the whole new content.
     void AddBlock(std::uint64_t address, std::string_view constant);
     void AddBlock(
         std::uint64_t address, std::size_t bytes, Getter<std::vector<std::byte>> get,
         Setter<std::span<const std::byte>> set);
 
-    // The same, told which bytes of it.
+    // The same, by the position of the bytes in it.
     void AddMemory(
         std::uint64_t address, std::size_t bytes, std::function<void(std::size_t, std::span<std::byte>)> read,
         std::function<void(std::size_t, std::span<const std::byte>)> write);

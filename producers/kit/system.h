@@ -1,7 +1,7 @@
 // System: the opened producer with its interfaces.
 //
-// A producer derives from it. The virtual functions are called on any thread, without a lock of the kit's but for
-// MakeInterface, which runs with the list of open interfaces locked.
+// A producer derives from it. The virtual functions are called on any thread, and the kit holds no lock, except
+// in MakeInterface, where it holds the lock of the list of open interfaces.
 #pragma once
 
 #include "producers/kit/child_list.h"
