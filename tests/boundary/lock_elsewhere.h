@@ -1,5 +1,8 @@
-// LockElsewhere: the lock of a node map, held by another thread for the length of a scope.
+// The lock of a node map, seen from another thread: held there for the length of a scope, or tried there.
 #pragma once
+
+#include "tests/support/boundary.h"
+#include "tests/support/in_thread.h"
 
 #include <koro/koro.h>
 
@@ -32,5 +35,19 @@ private:
     std::future<void> thread; // goes after `end`, and waits
     std::promise<void> end;
 };
+
+inline bool TryLock(KORO_NodeMapHandle map)
+{
+    return Get<KORO_Bool8>(KORO_NodeMap_TryLock, map) == 1;
+}
+
+inline bool TryLockElsewhere(KORO_NodeMapHandle map)
+{
+    return InThread([map] {
+        const bool locked = TryLock(map);
+        if (locked) Require(KORO_NodeMap_Unlock(map));
+        return locked;
+    });
+}
 
 } // namespace koro::test

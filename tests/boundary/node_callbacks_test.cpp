@@ -1,5 +1,6 @@
 // News of changes: registering, delivery, unregistering, and callbacks that come back to the map.
 #include "tests/boundary/described_camera.h"
+#include "tests/boundary/lock_elsewhere.h"
 #include "tests/support/in_thread.h"
 
 #include <algorithm>
@@ -41,15 +42,6 @@ private:
 
     std::list<Body> bodies;
 };
-
-bool TryLockElsewhere(KORO_NodeMapHandle map)
-{
-    return InThread([map] {
-        const bool locked = Get<KORO_Bool8>(KORO_NodeMap_TryLock, map) == 1;
-        if (locked) Require(KORO_NodeMap_Unlock(map));
-        return locked;
-    });
-}
 
 } // namespace
 

@@ -1,5 +1,5 @@
 #include "tests/boundary/described_camera.h"
-#include "tests/support/in_thread.h"
+#include "tests/boundary/lock_elsewhere.h"
 
 #include <cstring>
 #include <future>
@@ -60,20 +60,6 @@ private:
     std::promise<void> released;
     std::future<void> holder;
 };
-
-bool TryLock(KORO_NodeMapHandle map)
-{
-    return Get<KORO_Bool8>(KORO_NodeMap_TryLock, map) == 1;
-}
-
-bool TryLockElsewhere(KORO_NodeMapHandle map)
-{
-    return InThread([map] {
-        const bool locked = TryLock(map);
-        if (locked) Require(KORO_NodeMap_Unlock(map));
-        return locked;
-    });
-}
 
 } // namespace
 
