@@ -40,7 +40,7 @@ endif()
 # What CI builds joins several files into one, which takes less than half the time. Two names without linkage that meet in one
 # compilation have to differ then, or one of the files is compiled by itself.
 if(CMAKE_UNITY_BUILD)
-    set(CMAKE_UNITY_BUILD_BATCH_SIZE 7)
+    set(CMAKE_UNITY_BUILD_BATCH_SIZE 7 CACHE STRING "How many files are compiled as one; 0 joins all of a target")
     if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
         # Both would judge neighbours; each file by itself is judged by every other build.
         target_compile_options(koro_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-Wno-shadow -Wno-subobject-linkage>)

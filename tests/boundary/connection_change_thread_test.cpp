@@ -3,15 +3,14 @@
 #include "tests/boundary/outputs.h"
 #include "tests/boundary/producer_errors.h"
 #include "tests/support/journal.h"
+#include "tests/support/num_threads.h"
 
 #include <atomic>
-#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <future>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <iterator>
 #include <optional>
 #include <string>
 #include <thread>
@@ -27,19 +26,6 @@ namespace
 using Strings = std::vector<std::string>;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-std::size_t NumThreads()
-{
-    const std::filesystem::directory_iterator tasks("/proc/self/task");
-    return static_cast<std::size_t>(std::distance(begin(tasks), end(tasks)));
-}
-
-// A thread that was joined may be in the list for a moment longer.
-void AwaitNumThreads(std::size_t count)
-{
-    while (NumThreads() != count)
-        std::this_thread::yield();
-}
 
 // Returns when the system has put the thread to sleep, for a lock or a condition, or when the thread has ended.
 void AwaitSleepOrEnd(pid_t thread)

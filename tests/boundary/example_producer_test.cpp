@@ -11,8 +11,6 @@ using namespace koro::test;
 namespace
 {
 
-constexpr std::uint64_t patience_ms = 60'000;
-
 class ExampleProducer : public testing::Test
 {
 protected:

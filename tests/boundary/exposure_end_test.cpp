@@ -12,7 +12,6 @@ using namespace koro::test;
 namespace
 {
 
-constexpr std::uint64_t patience_ms = 60'000; // far more than any frame takes
 constexpr std::int32_t remoteDeviceEvent = 4;
 
 struct Camera

@@ -112,8 +112,6 @@ const Camera cameras[] = {
     {"KS0004", "U3V", 1, 1, 0x01080001, width* height, Player, UnpackBytes},
 };
 
-constexpr std::uint64_t patience_ms = 60'000; // far more than any frame takes
-
 class FirstPicture : public testing::TestWithParam<Camera>
 {
 protected:

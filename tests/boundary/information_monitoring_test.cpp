@@ -1,9 +1,9 @@
 #include "tests/boundary/tree_test.h"
+#include "tests/support/num_threads.h"
 
 #include <algorithm>
 #include <atomic>
 #include <condition_variable>
-#include <filesystem>
 #include <future>
 #include <memory>
 #include <mutex>
@@ -27,12 +27,6 @@ constexpr std::int32_t timestampFrequency = GenTL::DEVICE_INFO_TIMESTAMP_FREQUEN
 const Roles initialRoles{accessStatus, userDefinedName, timestampFrequency};
 
 const Error deadlock{KORO_RETURN_CODE_ERROR, std::make_error_code(std::errc::resource_deadlock_would_occur).message()};
-
-std::size_t NumThreads()
-{
-    const std::filesystem::directory_iterator tasks("/proc/self/task");
-    return static_cast<std::size_t>(std::distance(begin(tasks), end(tasks)));
-}
 
 // The reports of one callback, in the order of their coming; the roles of each are sorted.
 class Reports
@@ -71,13 +65,6 @@ private:
     std::vector<Roles> received;
     std::size_t taken = 0;
 };
-
-// A thread that was joined may be in the list for a moment longer.
-void AwaitNumThreads(std::size_t count)
-{
-    while (NumThreads() != count)
-        std::this_thread::yield();
-}
 
 class InformationMonitoring : public TreeTest
 {

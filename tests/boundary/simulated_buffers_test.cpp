@@ -18,8 +18,6 @@ namespace koro::test
 namespace
 {
 
-constexpr std::uint64_t patience_ms = 60'000; // far more than any frame takes
-
 class SimulatedBuffers : public testing::Test
 {
 protected:

@@ -56,6 +56,8 @@ inline Error Outcome(KORO_ReturnCode returned)
     return error;
 }
 
+inline constexpr std::uint64_t patience_ms = 60'000; // far more than any frame or event takes
+
 // For calls that only prepare a test.
 inline void Require(KORO_ReturnCode returned)
 {
