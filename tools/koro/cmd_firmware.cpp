@@ -16,7 +16,6 @@
 #include "tools/koro/update_package.h"
 
 #include <CLI/CLI.hpp>
-#include <cerrno>
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
@@ -289,8 +288,7 @@ int Pack(const FirmwareCommand& command)
     RefuseOwnContent(command);
     const auto bytes = PackUpdateFile(command.control, {command.contents.begin(), command.contents.end()});
     PendingFile file(command.file);
-    if (std::fwrite(bytes.data(), 1, bytes.size(), file.Stream()) != bytes.size() || std::fflush(file.Stream()) != 0)
-        throw ToolError("Cannot write " + command.file + ": " + std::generic_category().message(errno) + ".");
+    file.Write(bytes.data(), bytes.size());
 
     const Library library = Library::Initialize();
     const FirmwareUpdater updater;

@@ -158,7 +158,7 @@ int SaveSettings(const SettingsCommand& command)
     const FeatureSession session(command.target, FeatureSession::Access::WriteOrRead);
     PendingFile file(command.file);
     const CameraSettings settings = SettingsOf(command, session.Nodes());
-    std::fwrite(settings.text.data(), 1, settings.text.size(), file.Stream());
+    file.Write(settings.text.data(), settings.text.size());
     file.Commit();
     for (const std::string& title : settings.leftOut)
         std::fprintf(

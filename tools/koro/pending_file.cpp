@@ -85,6 +85,11 @@ PendingFile::~PendingFile()
     if (!pendingPath.empty()) std::filesystem::remove(pendingPath, ignored);
 }
 
+void PendingFile::Write(const void* bytes, size_t size)
+{
+    if (std::fwrite(bytes, 1, size, stream) != size || std::fflush(stream) != 0) Fail("write", errno);
+}
+
 void PendingFile::Complete()
 {
     std::error_code failure;

@@ -3,6 +3,7 @@
 // Owned by one writer; move-less. What was not committed is removed by the destructor. Not synchronised.
 #pragma once
 
+#include <cstddef>
 #include <cstdio>
 #include <filesystem>
 #include <string>
@@ -26,6 +27,8 @@ public:
     const std::filesystem::path& Path() const noexcept { return pendingPath; }
     // The path that it will have, for messages.
     const std::filesystem::path& FinalPath() const noexcept { return finalPath; }
+    // Puts the bytes at the end of the file, and leaves none in the stream. Throws ToolError with the system's reason.
+    void Write(const void* bytes, size_t size);
     // Writes out and closes, so that only the name is missing; the stream is gone. Throws ToolError with the system's
     // reason, and when a folder has the name.
     void Complete();
