@@ -3,6 +3,7 @@
 #include "tests/tool/simulator_settings.h"
 #include "tests/tool/tool_run.h"
 
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
@@ -116,6 +117,37 @@ TEST_F(Settings, SaveThatLosesTheCameraLeavesTheOlderFile)
     EXPECT_THAT(result.err, HasSubstr("GC_ERR_IO"));
     EXPECT_EQ(Content("file"), "older content");
     EXPECT_FALSE(HasPendingFile());
+}
+
+TEST_F(Settings, OfACameraThatAnotherProgramControlsAreNeitherSavedNorCompared)
+{
+    json settings = OneCamera("Mono8", 64, 48);
+    settings["memory"] = folder.MakeFolder("shared");
+    settings["interfaces"][0]["tlType"] = "GEV";
+    settings["interfaces"][0]["cameras"][0]["rate"] = 10;
+    Use(settings);
+    ASSERT_EQ(Koro({"settings", "save", "cam", File("file")}).status, 0);
+    const std::string before = Content("file");
+
+    ToolRun grab({"grab", "cam", "--frames", "1000000", "--output", File("out")}, environment);
+    ASSERT_TRUE(grab.AwaitOutput("\n1/1000000 "));
+    for (const std::string& option : {std::string("--module=remote"), std::string("--all-writable")})
+    {
+        const ToolResult saved = Koro({"settings", "save", "cam", File("file"), option});
+        EXPECT_EQ(saved.status, failure);
+        EXPECT_EQ(saved.out, "");
+        EXPECT_THAT(saved.err, HasSubstr("koro: The camera can only be opened for reading, "));
+        EXPECT_THAT(saved.err, HasSubstr("\nhint: Another program may have control of the camera; "));
+        const ToolResult compared = Koro({"settings", "diff", "cam", File("file"), option});
+        EXPECT_EQ(compared.status, failure);
+        EXPECT_EQ(compared.out, "");
+        EXPECT_THAT(compared.err, HasSubstr("koro: The camera can only be opened for reading, "));
+    }
+    EXPECT_EQ(Content("file"), before);
+    EXPECT_FALSE(HasPendingFile());
+    EXPECT_EQ(Koro({"settings", "save", "cam", File("system"), "--module", "system"}).status, 0);
+    grab.Signal(SIGKILL);
+    grab.Finish();
 }
 
 // A camera for one test, whose values start from the beginning at each run.

@@ -123,6 +123,15 @@ CameraSettings SettingsOf(const SettingsCommand& command, const NodeMap& nodes)
     return command.allWritable ? StoreAllWritable(nodes) : Store(nodes);
 }
 
+// A camera that is open for reading shows nothing as writable, and only what can be written is a setting.
+void RequireControl(const FeatureSession& session)
+{
+    if (!session.WhyReadOnly()) return;
+    throw ToolError(
+        "The camera can only be opened for reading, which does not show its settings: " + *session.WhyReadOnly(),
+        "Another program may have control of the camera; `koro list` shows its access status.");
+}
+
 // Nothing is a strange thing to save, and stranger to load.
 void WarnOfNoValues(const std::string& what, const std::string& hint)
 {
@@ -156,6 +165,7 @@ size_t PrintProblems(const std::vector<PlannedRecord>& plans, std::FILE* stream)
 int SaveSettings(const SettingsCommand& command)
 {
     const FeatureSession session(command.target, FeatureSession::Access::WriteOrRead);
+    RequireControl(session);
     PendingFile file(command.file);
     const CameraSettings settings = SettingsOf(command, session.Nodes());
     file.Write(settings.text.data(), settings.text.size());
@@ -237,8 +247,11 @@ int DiffSettings(const SettingsCommand& command)
     if (!command.otherFile.empty())
         right = ReadFeatureFile(command.otherFile);
     else
-        right =
-            SettingsOf(command, FeatureSession(command.target, FeatureSession::Access::WriteOrRead).Nodes()).records;
+    {
+        const FeatureSession session(command.target, FeatureSession::Access::WriteOrRead);
+        RequireControl(session);
+        right = SettingsOf(command, session.Nodes()).records;
+    }
 
     const auto differences = Differences(left, right);
     for (const FeatureDifference& difference : differences)
