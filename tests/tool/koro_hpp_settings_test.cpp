@@ -23,6 +23,8 @@ const std::string magic = "# {05D8C294-F295-4dfb-9D01-096BD04049F4}\n";
 // A number that the device takes while another one is 7, one that it always takes, and one that is never writable.
 const std::string dependentNodes =
     IntRegister("Mode", 0) + IntRegister("Width", 4) + IntRegister("Height", 8) +
+    "<Command Name=\"Fire\"><pValue>Fired</pValue><CommandValue>5</CommandValue></Command>"
+    "<Integer Name=\"Fired\"><Value>0</Value></Integer>"
     "<Integer Name=\"Fixed\"><ImposedAccessMode>RO</ImposedAccessMode><Value>1</Value></Integer>"
     "<Float Name=\"Gain\"><Value>1</Value><DisplayNotation>Fixed</DisplayNotation>"
     "<DisplayPrecision>2</DisplayPrecision></Float><Float Name=\"Ratio\"><Value>1</Value></Float>"
@@ -87,6 +89,38 @@ TEST_F(KoroSettings, WhatRemainsIsNamedWithLineAndReason)
     EXPECT_THAT(left[1].reason, HasSubstr("Nothing"));
     EXPECT_EQ(Value("Width"), 640);
     EXPECT_EQ(Value("Height"), 480);
+}
+
+TEST_F(KoroSettings, CommandsAreNotExecutedAndReported)
+{
+    const auto left = Load(magic + "Fire\t1\nMode\t7\nWidth\t{Mode=7\tFire=1}\t640\nHeight\t480\n");
+    ASSERT_EQ(left.size(), 2u);
+    EXPECT_EQ(left[0].line, 2u);
+    EXPECT_EQ(left[0].feature, "Fire");
+    EXPECT_EQ(left[0].reason, "Fire is a command, and loading settings executes no command!");
+    EXPECT_EQ(left[1].line, 4u);
+    EXPECT_EQ(left[1].feature, "Width");
+    EXPECT_EQ(Value("Fired"), 0);
+    EXPECT_EQ(Value("Width"), 0);
+    EXPECT_EQ(Value("Height"), 480);
+
+    const auto more = Load(magic + "Width\t640\nFixed\t3\nFire\t1\nMode\t7\n");
+    ASSERT_EQ(more.size(), 2u);
+    EXPECT_EQ(more[0].feature, "Fixed");
+    EXPECT_EQ(more[1].feature, "Fire");
+    EXPECT_EQ(Value("Width"), 640);
+    EXPECT_EQ(Value("Fired"), 0);
+}
+
+TEST_F(KoroSettings, SelectorsThatGoOnInTheNextLineAreRefusedBeforeAnythingIsWritten)
+{
+    for (const std::string broken : {"Width\t{Mode=7\nHeight\tFire=1}\t480\n", "Width\t{Mode=7}\nHeight\t480\n"})
+    {
+        EXPECT_EQ(CodeOf([&] { Load(magic + broken); }), KORO_RETURN_CODE_ERROR) << broken;
+        EXPECT_EQ(Value("Fired"), 0);
+        EXPECT_EQ(Value("Mode"), 0);
+        EXPECT_EQ(Value("Height"), 0);
+    }
 }
 
 TEST_F(KoroSettings, FileThatIsNoneIsAnErrorAndNothingIsWritten)

@@ -464,6 +464,31 @@ TEST_F(Settings, LoadNamesEveryLineThatFails)
     EXPECT_EQ(Koro({"get", "cam", "Width"}).out, "32\n");
 }
 
+TEST_F(Settings, LoadAndCheckExecuteNoCommand)
+{
+    ASSERT_EQ(Koro({"set", "cam", "Width=32"}).status, 0);
+    const std::string file = Written("file", head + "DeviceReset\t1\nHeight\t24\nGain\t{DeviceReset=1}\t3\n");
+    for (const std::string part : {"check", "load"})
+    {
+        const ToolResult result = Koro({"settings", part, "cam", file});
+        EXPECT_EQ(result.status, failure);
+        const std::string& listed = part == "load" ? result.err : result.out;
+        EXPECT_THAT(
+            listed, HasSubstr("line 2: DeviceReset=1: DeviceReset is a command, which load does not execute\n"));
+        EXPECT_THAT(
+            listed,
+            HasSubstr("line 4: Gain[DeviceReset=1]=3: DeviceReset is a command, which load does not execute\n"));
+        EXPECT_EQ(Koro({"get", "cam", "Width"}).out, "32\n") << part;
+    }
+    EXPECT_EQ(Koro({"get", "cam", "Height"}).out, "24\n");
+
+    const std::string mixed = Written("mixed", head + "DeviceReset\t1\nNothing\t1\nHeight\t48\n");
+    const ToolResult result = Koro({"settings", "load", "cam", mixed});
+    EXPECT_EQ(result.status, failure);
+    EXPECT_THAT(result.err, HasSubstr("koro: 2 of 3 values could not be written: "));
+    EXPECT_EQ(Koro({"get", "cam", "Width", "Height"}).out, "Width=32\nHeight=48\n");
+}
+
 TEST_F(Settings, LoadRefusesAFileWithItsLineBeforeTheCameraIsTouched)
 {
     const std::string file = Written("file", head + "Width\t32\nHeight 24\n");

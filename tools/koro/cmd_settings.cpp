@@ -182,6 +182,15 @@ int SaveSettings(const SettingsCommand& command)
     return exitSuccess;
 }
 
+void RefuseProblems(const std::vector<PlannedRecord>& plans, size_t numRecords, const std::string& reason)
+{
+    const size_t numProblems = PrintProblems(plans, stderr);
+    if (numProblems == 0) return;
+    throw ToolError(
+        std::to_string(numProblems) + " of " + Count(numRecords, "values") + " could not be written: " + reason,
+        "The others are written; `koro settings check` shows what a file would change.");
+}
+
 int LoadSettings(const SettingsCommand& command)
 {
     const std::vector<FeatureRecord> records = ReadFeatureFile(command.file);
@@ -190,21 +199,22 @@ int LoadSettings(const SettingsCommand& command)
         WarnOfNoValues(
             Printable(command.file) + " has no values, so nothing is written.",
             "`koro settings save --all-writable` saves every feature that can be read and written.");
+    std::vector<FeatureRecord> values;
+    std::vector<FeatureRecord> commands;
+    for (const FeatureRecord& record : records)
+        (CommandIn(session.Nodes(), record) ? commands : values).push_back(record);
     try
     {
-        session.Nodes().LoadFromFile(MemoryFile(FeatureFileOf(records)).Path());
+        session.Nodes().LoadFromFile(MemoryFile(FeatureFileOf(values)).Path());
     }
     catch (const Error& error)
     {
         // The library ends at some failures and reports one. A value may only be possible when a later line is written.
         const auto plans = WriteSettings(session.Nodes(), session.Port(), records);
-        const size_t numProblems = PrintProblems(plans, stderr);
-        if (numProblems > 0)
-            throw ToolError(
-                std::to_string(numProblems) + " of " + Count(records.size(), "values") +
-                    " could not be written: " + error.what(),
-                "The others are written; `koro settings check` shows what a file would change.");
+        RefuseProblems(plans, records.size(), error.what());
     }
+    RefuseProblems(
+        PlanSettings(session.Nodes(), session.Port(), commands), records.size(), "load executes no commands.");
     PrintOut("%s written\n", Count(records.size(), "values").c_str());
     return exitSuccess;
 }

@@ -198,6 +198,8 @@ std::vector<PlannedRecord> ForEach(
         NoteProgress();
         try
         {
+            if (const auto command = CommandIn(nodes, record))
+                throw ToolError(*command + " is a command, which load does not execute");
             selectors.Set(record);
             plans.push_back(treat(record));
             plans.back().missingSelector = selectors.Missing();
@@ -248,6 +250,19 @@ std::vector<bool> Failed(const std::vector<PlannedRecord>& plans)
 }
 
 } // namespace
+
+std::optional<std::string> CommandIn(const NodeMap& nodes, const FeatureRecord& record)
+{
+    const auto isCommand = [&](const std::string& name) {
+        const Node node = nodes.TryNode(name);
+        return node && node.Type() == KORO_NODE_TYPE_COMMAND;
+    };
+    for (const auto& [selector, value] : record.selectors)
+    {
+        if (isCommand(selector)) return selector;
+    }
+    return isCommand(record.name) ? std::optional(record.name) : std::nullopt;
+}
 
 std::vector<PlannedRecord> PlanSettings(
     const NodeMap& nodes, const Port& port, const std::vector<FeatureRecord>& records)

@@ -5,6 +5,7 @@
 #include "tools/koro/feature_file.h"
 #include <koro/koro.hpp>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -20,6 +21,9 @@ struct PlannedRecord
     std::string missingSelector; // one that the camera has not, and that the library passes over
     bool isWritten = false;      // just now, and taken as it stands in the file
 };
+
+// The name of a command that the library would execute when it writes the record: its feature, or a selector of it.
+std::optional<std::string> CommandIn(const NodeMap& nodes, const FeatureRecord& record);
 
 // Looks at each record, with its selectors set for that moment. Writes nothing else, and sets the selectors back.
 // Points into `records`.

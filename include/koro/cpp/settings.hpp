@@ -52,11 +52,31 @@ struct SettingsRecord
     std::string text;
 
     bool HasSelectors() const { return Value().size() < text.size() - text.find('\t') - 1; }
-    std::string Value() const
+    std::string Value() const { return text.substr(BeginOfValue()); }
+    // The names in front of the value, the outermost selector first.
+    std::vector<std::string> Selectors() const
     {
-        const std::string behindName = text.substr(text.find('\t') + 1);
-        const size_t end = behindName.front() == '{' ? behindName.find("}\t") : std::string::npos;
-        return end == std::string::npos ? behindName : behindName.substr(end + 2);
+        std::vector<std::string> names;
+        BeginOfValue(&names);
+        return names;
+    }
+    // At the end of the text for a record without a value.
+    size_t BeginOfValue(std::vector<std::string>* selectors = nullptr) const
+    {
+        size_t begin = text.find('\t') + 1;
+        const bool hasBrace = begin < text.size() && text[begin] == '{';
+        for (bool isSelector = hasBrace; isSelector;)
+        {
+            const size_t end = text.find('\t', begin);
+            if (end == std::string::npos) return text.size();
+            const std::string field = text.substr(begin, end - begin);
+            const size_t sign = field.rfind('=');
+            const size_t brace = field.front() == '{' ? 1 : 0;
+            isSelector = sign != std::string::npos && field.find('}') == std::string::npos;
+            if (selectors && sign != std::string::npos) selectors->push_back(field.substr(brace, sign - brace));
+            begin = end + 1;
+        }
+        return begin;
     }
 };
 
@@ -96,11 +116,12 @@ inline std::vector<SettingsRecord> RecordsOf(const std::string& text)
         const size_t name = line.find_first_not_of(" \t\v\f");
         if (name == std::string::npos || line.front() == '#') continue;
         const size_t tab = line.find('\t', name);
-        if (tab == std::string::npos || line.back() == '\t')
+        if (tab != std::string::npos)
+            records.push_back(
+                {number, line.substr(name, line.find_last_not_of(" \v\f", tab - 1) + 1 - name), line.substr(name)});
+        if (tab == std::string::npos || records.back().Value().empty())
             throw Error(
                 KORO_RETURN_CODE_ERROR, "Line " + std::to_string(number) + " of the settings file is no setting!");
-        records.push_back(
-            {number, line.substr(name, line.find_last_not_of(" \v\f", tab - 1) + 1 - name), line.substr(name)});
     }
     return records;
 }
@@ -339,27 +360,66 @@ inline std::vector<SettingFailure> LoadRecords(const NodeMap& features, const st
     }
 }
 
+inline bool IsCommand(const NodeMap& features, const std::string& name)
+{
+    const Node node = features.TryNode(name);
+    return node && node.Type() == KORO_NODE_TYPE_COMMAND;
+}
+
+// Removes the records whose writing would execute a command, as a feature or as a selector. Returns their failures.
+inline std::vector<SettingFailure> TakeOutCommands(const NodeMap& features, std::vector<SettingsRecord>& records)
+{
+    std::vector<SettingFailure> failures;
+    const auto executes = [&](const SettingsRecord& record) {
+        std::vector<std::string> names = record.Selectors();
+        names.push_back(record.feature);
+        const auto command =
+            std::find_if(names.begin(), names.end(), [&](const auto& name) { return IsCommand(features, name); });
+        if (command == names.end()) return false;
+        const std::string reason = *command + " is a command, and loading settings executes no command!";
+        failures.push_back({record.line, record.feature, reason, KORO_RETURN_CODE_ERROR});
+        return true;
+    };
+    const auto isLeftOut = [&](const SettingsRecord& record) { return executes(record); };
+    std::vector<SettingsRecord> kept;
+    std::remove_copy_if(records.begin(), records.end(), std::back_inserter(kept), isLeftOut);
+    records = std::move(kept);
+    return failures;
+}
+
 } // namespace detail
 
 // Loads a settings file as NodeMap::LoadFromFile does. If that fails, each record is written separately, and records
 // that fail are tried again until a round changes nothing, because a value may depend on another one: a Width may be
 // too large until an offset that comes later in the file is set. Values are compared as numbers, while the library
-// compares texts: a camera that writes 3 as 3.00 has accepted 3. Returns the records that still fail, in the order of
-// the file; empty when the camera has all values. Throws Error for a file that cannot be read or is not a settings
-// file, and writes nothing in that case.
+// compares texts: a camera that writes 3 as 3.00 has accepted 3. Records that name a command are not written, since
+// writing to a command executes it. Returns the records that were not accepted, in the order of the file; empty when
+// the camera has all values. Throws Error for a file that cannot be read or is not a settings file, and writes nothing
+// in that case.
 inline std::vector<SettingFailure> LoadSettings(const NodeMap& features, const std::string& path)
 {
+    const auto text = detail::ReadSettingsText(path);
+    if (!text || !detail::IsSettingsText(*text))
+    {
+        features.LoadFromFile(path); // throws the reason
+        throw Error(KORO_RETURN_CODE_ERROR, "The file is no settings file!");
+    }
+    std::vector<detail::SettingsRecord> records = detail::RecordsOf(*text);
+    std::vector<SettingFailure> failures = detail::TakeOutCommands(features, records);
     try
     {
-        features.LoadFromFile(path);
-        return {};
+        features.LoadFromFile(detail::MemoryFile(detail::SettingsFileOf(records)).Path());
     }
     catch (const Error& error)
     {
-        const auto text = detail::ReadSettingsText(path);
-        if (error.Code() == KORO_RETURN_CODE_INVALID_HANDLE || !text || !detail::IsSettingsText(*text)) throw;
-        return detail::LoadRecords(features, detail::RecordsOf(*text));
+        if (error.Code() == KORO_RETURN_CODE_INVALID_HANDLE) throw;
+        const std::vector<SettingFailure> left = detail::LoadRecords(features, records);
+        failures.insert(failures.end(), left.begin(), left.end());
+        std::stable_sort(failures.begin(), failures.end(), [](const SettingFailure& one, const SettingFailure& other) {
+            return one.line < other.line;
+        });
     }
+    return failures;
 }
 
 } // namespace koro
