@@ -50,8 +50,9 @@ TEST(GrabEnd, TableAndTheFirstCauseComeWhenTheCameraHasDied)
     EXPECT_THAT(result.out, HasSubstr("\npictures    3\n"));
     EXPECT_THAT(result.out, HasSubstr("\ntimeouts    3\n"));
     EXPECT_THAT(
-        result.err, testing::StartsWith("koro: No frame came within 20 ms, 3 times in a row.\n"
-                                        "koro: The camera gave 3 of 10 pictures.\nhint: "));
+        result.err,
+        testing::StartsWith("koro: No frame came within 20 ms, 3 times in a row, and the camera does not answer.\n"
+                            "koro: The camera gave 3 of 10 pictures.\nhint: "));
     // What failed in the clean-up comes behind it.
     EXPECT_THAT(result.err, testing::ContainsRegex("\nhint: [^\n]*\nkoro: [^\n]*GCWritePort[^\n]*-1011"));
     EXPECT_THAT(camera.FileNames(), testing::SizeIs(3));

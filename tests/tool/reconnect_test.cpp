@@ -103,6 +103,43 @@ TEST(GrabReconnect, CameraThatIsOpenedAnewIsNotTakenForLostWhenItIsSlow)
     EXPECT_THAT(result.out, HasSubstr("\nreconnects      1\n"));
 }
 
+// The list keeps the camera, and nothing reports that it was unplugged.
+json SilentlyReplugged(const char* afterReplug)
+{
+    json settings = ReplugedCamera(afterReplug, {{"missingUpdates", 12}});
+    settings["connection"]["staysListed"] = true;
+    settings["connection"]["recordBytes"] = 0;
+    return settings;
+}
+
+TEST(GrabReconnect, CameraThatDoesNotAnswerIsWaitedForAlthoughItIsListed)
+{
+    for (const char* const afterReplug : {"resume", "reopen"})
+    {
+        const TemporaryFolder folder;
+        // More updates of the list than time-outs that end a grab: each look of the tool makes one.
+        const ToolResult result = RunTool(
+            {"grab", "cam", "--frames", "6", "--output", folder.File("out"), "--reconnect", "--timeout", "100"},
+            SimulatorWith(folder, SilentlyReplugged(afterReplug)));
+        EXPECT_EQ(result.status, 0) << afterReplug << result.err;
+        EXPECT_THAT(result.out, HasSubstr("\ncamera lost after 3 pictures\ncamera back, "));
+        EXPECT_THAT(result.out, HasSubstr("\npictures        6\n"));
+        EXPECT_THAT(result.out, HasSubstr("\nreconnects      1\nlongest outage  "));
+    }
+}
+
+TEST(GrabReconnect, ListedCameraThatDoesNotAnswerIsNamedWithoutTheOption)
+{
+    const TemporaryFolder folder;
+    const ToolResult result = RunTool(
+        {"grab", "cam", "--frames", "6", "--output", folder.File("out"), "--timeout", "100"},
+        SimulatorWith(folder, ReplugedCamera("reopen", {{"missingUpdates", 1000000}})));
+    EXPECT_EQ(result.status, framesMissing);
+    EXPECT_THAT(
+        result.err, HasSubstr("koro: No frame came within 100 ms, 3 times in a row, and the camera does not answer.\n"
+                              "koro: The camera gave 3 of 6 pictures.\nhint: Check the camera's cable and power; "));
+}
+
 TEST(GrabReconnect, SettingsAreWrittenAnew)
 {
     const TemporaryFolder folder;

@@ -72,11 +72,23 @@ GrabEnd FrameTaker::Run()
         silent_ms += wait_ms;
         if (silent_ms < settings.timeout_ms) continue;
         silent_ms = 0;
-        ++output.statistics.numTimeouts;
-        output.statistics.NoteSilence();
-        if (++timeoutsInRow == maxTimeoutsInRow) return GrabEnd::Silent;
+        if (const auto end = EndAfterTimeout()) return *end;
     }
     return GrabEnd::Finished;
+}
+
+// A list may keep a camera that was unplugged, so one that may come and go is asked itself.
+std::optional<GrabEnd> FrameTaker::EndAfterTimeout()
+{
+    if (link && !detail::Answers(source.camera))
+    {
+        output.NoteLoss();
+        return GrabEnd::Lost;
+    }
+    ++output.statistics.numTimeouts;
+    output.statistics.NoteSilence();
+    if (++timeoutsInRow < maxTimeoutsInRow) return std::nullopt;
+    return GrabEnd::Silent;
 }
 
 // Empty after a time-out, and after an interrupt whatever the producer calls it.

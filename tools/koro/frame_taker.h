@@ -32,6 +32,7 @@ enum class GrabEnd
 
 struct RunningStream
 {
+    const RemoteDevice camera;
     const DataStream& stream;
     const NodeMap& nodes; // may be empty
     const std::map<KORO_BufferHandle, FrameMemory>& memory;
@@ -53,6 +54,7 @@ public:
 private:
     std::optional<Buffer> Wait();
     bool IsLostForGood();
+    std::optional<GrabEnd> EndAfterTimeout();
     bool TakeFrame(const Buffer& buffer);
     void SaveFrame(const Buffer& buffer, DeliveredFrame frame);
     void AddChunks(const Buffer& buffer, FrameNote& note);

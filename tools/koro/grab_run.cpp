@@ -124,6 +124,12 @@ std::unique_ptr<GrabSession> GrabRun::OpenAgain()
 void GrabRun::Close()
 {
     ProducerWatch::OfProcess().BeginClosing();
+    if (session && end == GrabEnd::Silent)
+    {
+        // Asked only now, since a dead camera may never answer.
+        cameraAnswers = false;
+        cameraAnswers = session->CameraAnswers();
+    }
     if (session) session->Stop(closing);
     session.reset();
     link.reset();
@@ -209,10 +215,14 @@ int GrabRun::ReportEnd()
     }
     else
     {
+        const bool isGone = !cameraAnswers;
         PrintEnd(
             "koro: No frame came within " + std::to_string(options.settings.timeout_ms) + " ms, " +
-                std::to_string(maxTimeoutsInRow) + " times in a row.\n",
-            *output, numPictures, "Check that the camera is not waiting for a trigger, or raise --timeout.");
+                std::to_string(maxTimeoutsInRow) + " times in a row" +
+                (isGone ? ", and the camera does not answer" : "") + ".\n",
+            *output, numPictures,
+            isGone ? "Check the camera's cable and power; --reconnect waits for a camera that comes back."
+                   : "Check that the camera is not waiting for a trigger, or raise --timeout.");
     }
     return exitFramesMissing;
 }

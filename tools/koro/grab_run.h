@@ -14,6 +14,7 @@
 #include "tools/koro/picture_saver.h"
 #include "tools/koro/progress.h"
 
+#include <atomic>
 #include <exception>
 #include <memory>
 #include <optional>
@@ -57,6 +58,7 @@ private:
     Interrupt& interrupt;
     ClosingReport closing;
     bool closesLostCamera = false;
+    std::atomic<bool> cameraAnswers{true}; // false while it is asked, for the thread that gives up
     bool isGivenUp = false; // a call has not returned
 
     std::unique_ptr<CameraConnection> connection;

@@ -101,6 +101,8 @@ void GrabSession::FindNodes()
     }
     catch (const std::runtime_error& error)
     {
+        // One that is not back yet has its features later.
+        if (link && !detail::Answers(device.RemoteDevice())) throw Error(KORO_RETURN_CODE_IO_ERROR, error.what());
         if (modules.NeedCamera() || settings.chunks) throw;
         std::fprintf(stderr, "koro: No features of the camera are used: %s\n", PrintableLines(error.what()).c_str());
     }
@@ -137,7 +139,7 @@ GrabEnd GrabSession::Run(Interrupt& interrupt, GrabOutput& output)
         if (output.numHanded >= settings.numPictures) return GrabEnd::Finished;
         // What cannot be had from a camera that was there all the time is no matter of its connection.
         const bool wasLost = output.cameraIsLost || link->NumReportedLosses() != numLossesBefore;
-        if (!wasLost && link->Find()) throw;
+        if (!wasLost && link->Find() && detail::Answers(device.RemoteDevice())) throw;
         output.NoteLoss();
         return GrabEnd::Lost;
     }
@@ -150,7 +152,15 @@ GrabEnd GrabSession::Stream(Interrupt& interrupt, GrabOutput& output)
         KORO_DataStream_KillWait(stream.Get());
     });
     acquisition.emplace(stream, nodes);
-    return FrameTaker({stream, nodes, memory, geometry, numLossesBefore}, settings, output, interrupt, link).Run();
+    return FrameTaker(
+               {device.RemoteDevice(), stream, nodes, memory, geometry, numLossesBefore}, settings, output, interrupt,
+               link)
+        .Run();
+}
+
+bool GrabSession::CameraAnswers() const
+{
+    return detail::Answers(device.RemoteDevice());
 }
 
 void GrabSession::Stop(ClosingReport& report)

@@ -32,6 +32,8 @@ public:
     // whole, or the user interrupts. Throws what waiting or saving failed with. With a `link` a camera may come and go:
     // when it comes back by itself the stream goes on, and a failure of the camera is the end Lost.
     GrabEnd Run(Interrupt& interrupt, GrabOutput& output);
+    // Whether a register of the camera can be read. May take long when it is dead, as the next one.
+    bool CameraAnswers() const;
     // Stops the camera, however the run ended; the destructor closes it. Both may take long when it is dead.
     void Stop(ClosingReport& report);
     // "8 buffers of 307200 bytes".
