@@ -319,6 +319,19 @@ TEST(Grab, BufferThatIsTooSmallGivesNoPicture)
     EXPECT_THAT(grab.FileNames(), testing::IsEmpty());
 }
 
+TEST(Grab, BufferThatIsTooSmallIsTheReasonThatIsNamed)
+{
+    Grab grab(OneCamera("Mono8", 64, 48));
+    const ToolResult result = grab.Run(1, {"--payload-size", "1000", "--format", "none", "--json"});
+    EXPECT_EQ(result.status, framesMissing);
+    const std::string reason = "larger than the buffer of 1000 bytes.";
+    EXPECT_THAT(result.err, HasSubstr(reason + "\nhint: Raise --payload-size, or leave it out.\n"));
+    EXPECT_THAT(result.err, HasSubstr("\nhint: The reason why a frame was not whole is printed above.\n"));
+    const json first = json::parse(result.out.substr(0, result.out.find('\n')));
+    EXPECT_EQ(first.at("state"), "incomplete");
+    EXPECT_THAT(first.at("problem").get<std::string>(), HasSubstr(reason));
+}
+
 TEST(Grab, MissingFrameInformationIsReplacedByWhatIsUsual)
 {
     json settings = OneCamera("Mono8", 64, 48);

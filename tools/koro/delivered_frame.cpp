@@ -22,6 +22,16 @@ bool IsLargerThanBuffer(const Buffer& buffer, FrameQuestions& questions)
     return info && !info->bytes.empty() && info->bytes.front() != 0;
 }
 
+// Which every frame of this size is.
+BrokenFrame LargerThanBuffer(const Buffer& buffer, size_t bufferSize, FrameQuestions& questions)
+{
+    const auto meant = questions.AskIfKnown({KORO_BUFFER_INFO_DATA_SIZE}, [&] { return buffer.ExpectedDataSize(); });
+    const std::string size = meant.value_or(0) > bufferSize ? " of " + std::to_string(*meant) + " bytes" : "";
+    return BrokenFrame(
+        "Its data" + size + " are larger than the buffer of " + std::to_string(bufferSize) + " bytes.",
+        "Raise --payload-size, or leave it out.");
+}
+
 // What the producer says of the whole buffer. Fills in the size.
 FrameState StatedState(const Buffer& buffer, FrameQuestions& questions, size_t& size)
 {
@@ -30,12 +40,14 @@ FrameState StatedState(const Buffer& buffer, FrameQuestions& questions, size_t& 
         size = 0;
         return FrameState::Empty;
     }
+    const size_t bufferSize = size;
     const auto filled =
         questions.AskIfKnown({KORO_BUFFER_INFO_SIZE_FILLED}, [&] { return buffer.DeliveredDataSize(); });
     size = std::min(filled.value_or(size), size);
     const bool isIncomplete =
         questions.AskRequired({KORO_BUFFER_INFO_IS_INCOMPLETE}, [&] { return buffer.IsIncomplete(); }).value_or(false);
-    if (isIncomplete || IsLargerThanBuffer(buffer, questions)) return FrameState::Incomplete;
+    if (IsLargerThanBuffer(buffer, questions)) throw LargerThanBuffer(buffer, bufferSize, questions);
+    if (isIncomplete) return FrameState::Incomplete;
     return size == 0 ? FrameState::Empty : FrameState::Whole;
 }
 

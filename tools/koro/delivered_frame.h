@@ -30,7 +30,7 @@ struct DeliveredFrame
     FrameState state = FrameState::Whole;
     size_t size = 0;              // bytes that are filled
     FrameFiles files;             // none for what is not to be saved
-    std::string problem;          // why a frame that the producer calls whole cannot be read; else empty
+    std::string problem;          // why the frame cannot be read; empty where the producer only calls it incomplete
     std::string hint;             // what to try against it
     bool isUnknownFormat = false; // the problem is the format of the frames, so the next will have it too
 };

@@ -211,7 +211,8 @@ int GrabRun::ReportEnd()
     {
         PrintEnd(
             "koro: Of " + std::to_string(maxUselessInRow) + " frames in a row none was whole.\n", *output, numPictures,
-            "Check the cable and the packet size; --keep-incomplete saves such frames too.");
+            output->problemIsNamed ? "The reason why a frame was not whole is printed above."
+                                   : "Check the cable and the packet size; --keep-incomplete saves such frames too.");
     }
     else
     {
