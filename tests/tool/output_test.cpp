@@ -134,6 +134,24 @@ TEST_F(Output, IntoAClosedDescriptorIsAFailureOfEveryCommand)
     }
 }
 
+TEST_F(Output, OfDifferencesThatIsLostIsNoListOfDifferences)
+{
+    const std::string head = "# {05D8C294-F295-4dfb-9D01-096BD04049F4}\n";
+    const std::string diff = "settings diff '" + folder.MakeFile("one", head + "A\t1\n") + "' '" +
+                             folder.MakeFile("other", head + "A\t2\n") + "'";
+    EXPECT_EQ(RunInto(">/dev/null", diff).status, different);
+    if (std::filesystem::exists("/dev/full"))
+    {
+        const ToolResult full = RunInto(">/dev/full", diff);
+        EXPECT_EQ(full.status, failure);
+        EXPECT_THAT(full.err, HasSubstr("koro: Cannot write the output: No space left on device.\n"));
+    }
+    const PipeWithoutReader pipe;
+    const ToolResult unread = RunInto(">&" + std::to_string(PipeWithoutReader::number), diff);
+    EXPECT_EQ(unread.status, brokenPipe);
+    EXPECT_EQ(unread.err, "");
+}
+
 TEST_F(Output, IntoAPipeWithoutReaderEndsQuietly)
 {
     const PipeWithoutReader pipe;

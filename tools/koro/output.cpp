@@ -66,13 +66,15 @@ int FinishOutput(int status)
     errno = 0;
     const bool written = WriteOut() && CloseCopy(fileno(Output()));
     if (written) return status;
+    // Differences are a result, which is lost with the output, and no failure before it.
+    const bool hasFailed = status != exitSuccess && status != exitDifferent;
     const int reason = errno != 0 ? errno : ReasonOfEarlierFailure();
-    if (reason == EPIPE || HasLostItsReader(fileno(Output()))) return status == exitSuccess ? exitBrokenPipe : status;
+    if (reason == EPIPE || HasLostItsReader(fileno(Output()))) return hasFailed ? status : exitBrokenPipe;
     const std::string text = reason == 0 ? "a part is lost" : std::generic_category().message(reason);
     std::fprintf(
         stderr, "koro: Cannot write the output: %s.\nhint: Check that the disk has room and the output is open.\n",
         text.c_str());
-    return status == exitSuccess ? exitFailure : status;
+    return hasFailed ? status : exitFailure;
 }
 
 } // namespace koro::tool
