@@ -444,6 +444,20 @@ TEST(Watch, CameraThatIsGoneEndsIt)
     EXPECT_THAT(result.err, HasSubstr("GCReadPort"));
 }
 
+TEST(Watch, CameraThatIsUnpluggedEndsIt)
+{
+    json settings = OneCamera("Mono8", 64, 48);
+    settings["connection"]["script"].push_back({{"camera", "cam"}, {"do", "unplug"}, {"after_ms", 1000}});
+    for (const Arguments& names : {Arguments{}, Arguments{"Width"}, Arguments{"ExposureAuto"}})
+    {
+        Arguments arguments = {"watch", "cam", "--refresh", "--interval", "5", "--duration", "60000"};
+        arguments.insert(arguments.begin() + 2, names.begin(), names.end());
+        const ToolResult result = Camera(settings).Run(arguments);
+        EXPECT_EQ(result.status, failure) << result.out;
+        EXPECT_THAT(result.err, HasSubstr("koro: "));
+    }
+}
+
 TEST(Watch, BadOptionsAreRefused)
 {
     const Camera camera;

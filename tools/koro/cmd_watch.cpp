@@ -70,7 +70,8 @@ struct Watched
 class Watch
 {
 public:
-    Watch(const WatchCommand& wished, const FeatureSession& session) : command(wished), nodes(session.Nodes())
+    Watch(const WatchCommand& wished, const FeatureSession& session)
+        : command(wished), nodes(session.Nodes()), device(session.Device())
     {
         if (command.names.empty())
         {
@@ -138,6 +139,11 @@ private:
         {
             // A camera that is gone does not come back under this handle.
             if (error.Code() == KORO_RETURN_CODE_IO_ERROR || error.Code() == KORO_RETURN_CODE_INVALID_HANDLE) throw;
+            // Its features may say only that they cannot be read.
+            if (device && !detail::Answers(device.RemoteDevice()))
+                throw ToolError(
+                    std::string("The camera does not answer any more: ") + error.what(),
+                    "Check the camera's cable and power.");
             return std::string("cannot be read: ") + error.what();
         }
     }
@@ -171,6 +177,7 @@ private:
 
     const WatchCommand& command;
     const NodeMap& nodes;
+    const Device& device; // not open for a module above the cameras
     const Clock::time_point begin = Clock::now();
     Clock::time_point polled = begin;
     uint64_t numPrinted = 0;
