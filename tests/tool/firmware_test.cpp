@@ -256,6 +256,19 @@ TEST_F(Firmware, PackRefusesWhatTheLibraryCannotRead)
     EXPECT_THAT(twice.err, HasSubstr("two files are called image.bin"));
 }
 
+TEST_F(Firmware, PackRefusesAnUpdateThatNamesAFileWhichIsNotGiven)
+{
+    const std::string file = Packed();
+    const std::string bytes = BytesOf(file);
+    const ToolResult result = Koro({"firmware", "pack", file, control});
+    EXPECT_EQ(result.status, failure);
+    EXPECT_EQ(result.out, "");
+    EXPECT_THAT(
+        result.err, HasSubstr("koro: Cannot pack: a procedure uploads the file \"image.bin\", which is not given.\n"
+                              "hint: Nothing was written"));
+    EXPECT_TRUE(BytesOf(file) == bytes);
+}
+
 TEST_F(Firmware, ContentBeyondTheBoundIsRefused)
 {
     std::filesystem::resize_file(image, (256U << 20) + 1);

@@ -286,7 +286,8 @@ void RefuseOwnContent(const FirmwareCommand& command)
 int Pack(const FirmwareCommand& command)
 {
     RefuseOwnContent(command);
-    const auto bytes = PackUpdateFile(command.control, {command.contents.begin(), command.contents.end()});
+    const std::vector<std::filesystem::path> contents(command.contents.begin(), command.contents.end());
+    const auto bytes = PackUpdateFile(command.control, contents);
     PendingFile file(command.file);
     file.Write(bytes.data(), bytes.size());
 
@@ -301,6 +302,7 @@ int Pack(const FirmwareCommand& command)
     {
         throw ToolError(error.what(), "Nothing was written: no camera could be updated with it.");
     }
+    RequireUploads(command.control, contents);
     file.Commit();
     for (const FirmwareUpdateInformation& update : updates)
         PrintUpdate(update);

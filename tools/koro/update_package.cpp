@@ -1,7 +1,10 @@
 #include "tools/koro/update_package.h"
 
+#include "tools/koro/local_file.h"
+#include "tools/koro/report.h"
 #include "tools/koro/tool_error.h"
 
+#include <expat.h>
 #include <map>
 #include <memory>
 #include <set>
@@ -136,7 +139,55 @@ std::set<std::string> ExpandingTooMuch(const std::vector<uint8_t>& package)
     return names;
 }
 
+// The names of the files that the procedures of a control file upload.
+class UploadNames
+{
+public:
+    explicit UploadNames(const std::string& control)
+    {
+        constexpr XML_Char separator = '|';
+        const std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser(
+            XML_ParserCreateNS(nullptr, separator), XML_ParserFree);
+        if (!parser) Fail("pack", "there is no memory for the names in the control file");
+        XML_SetUserData(parser.get(), this);
+        XML_SetElementHandler(
+            parser.get(), [](void* self, const XML_Char*, const XML_Char**) { Of(self).text.clear(); }, OnEnd);
+        XML_SetCharacterDataHandler(parser.get(), [](void* self, const XML_Char* part, int size) {
+            Of(self).text.append(part, static_cast<size_t>(size));
+        });
+        XML_Parse(parser.get(), control.data(), static_cast<int>(control.size()), XML_TRUE);
+    }
+
+    const std::set<std::string>& All() const { return names; }
+
+private:
+    static UploadNames& Of(void* self) { return *static_cast<UploadNames*>(self); }
+    static void XMLCALL OnEnd(void* self, const XML_Char* element)
+    {
+        const std::string name = element;
+        if (name.substr(name.rfind('|') + 1) == "FileName") Of(self).names.insert(Of(self).text);
+    }
+
+    std::string text;
+    std::set<std::string> names;
+};
+
 } // namespace
+
+void RequireUploads(const std::filesystem::path& control, const std::vector<std::filesystem::path>& files)
+{
+    std::set<std::string> packed = {controlName};
+    for (const std::filesystem::path& file : files)
+        packed.insert(file.filename().string());
+    const UploadNames uploads(ReadLocalFile(control));
+    for (const std::string& name : uploads.All())
+    {
+        if (packed.count(name) == 0)
+            throw ToolError(
+                "Cannot pack: a procedure uploads the file \"" + PrintableStart(name) + "\", which is not given.",
+                "Nothing was written: name all files that the procedures upload after the control file.");
+    }
+}
 
 std::vector<uint8_t> PackUpdateFile(
     const std::filesystem::path& control, const std::vector<std::filesystem::path>& files)

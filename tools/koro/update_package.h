@@ -15,4 +15,8 @@ namespace koro::tool
 std::vector<uint8_t> PackUpdateFile(
     const std::filesystem::path& control, const std::vector<std::filesystem::path>& files);
 
+// Throws ToolError when a procedure of the control file, which the library has accepted, uploads a file that is neither
+// this control file nor among the files.
+void RequireUploads(const std::filesystem::path& control, const std::vector<std::filesystem::path>& files);
+
 } // namespace koro::tool
