@@ -47,6 +47,30 @@ TEST(ModuleSettings, AreWrittenBeforeTheModuleBelowIsOpened)
     EXPECT_EQ(stream.out, "LinkCommandTimeout=2000\n");
 }
 
+TEST(ModuleSettings, OfDeviceAndCameraAreCheckedBeforeTheFirstOfBothIsWritten)
+{
+    const Camera camera;
+    const ToolResult value = camera.Run({"set", "cam", "device:LinkCommandTimeout=2000", "Width=abc"});
+    EXPECT_EQ(value.status, failure);
+    EXPECT_EQ(value.out, "");
+    const ToolResult name = camera.Run({"set", "cam", "Width=32", "device:Nothing=1"});
+    EXPECT_EQ(name.status, noSuchFeature);
+    EXPECT_EQ(name.out, "");
+}
+
+TEST(ModuleSettings, ThatWereWrittenBeforeAFailureAreNamedWithTheirModules)
+{
+    const Camera camera;
+    const Arguments above = {"set", "cam", "system:InterfaceUpdateTimeout=7", "interface:DeviceUpdateTimeout=8"};
+    const std::string names = "\nWritten before it: system:InterfaceUpdateTimeout, interface:DeviceUpdateTimeout";
+    Arguments refused = above;
+    refused.insert(refused.end(), {"device:LinkCommandTimeout=2000", "Height=24", "OffsetX=32"});
+    EXPECT_THAT(camera.Run(refused).err, HasSubstr(names + ", device:LinkCommandTimeout, Height\n"));
+    Arguments wrong = above;
+    wrong.push_back("Width=abc");
+    EXPECT_THAT(camera.Run(wrong).err, HasSubstr(names + "\n"));
+}
+
 TEST(ModuleSettings, ComeFirstInEveryCommandThatHasThem)
 {
     const Camera camera;

@@ -30,6 +30,11 @@ std::string HintFor(const Error& error, const NodeMap& nodes, const Port& port, 
     }
 }
 
+std::string WrittenBefore(const std::string& before)
+{
+    return before.empty() ? "" : "\nWritten before it: " + before;
+}
+
 } // namespace
 
 void DefineSettings(CLI::App& command, std::vector<std::string>& settings)
@@ -71,15 +76,25 @@ std::vector<Assignment> ParseAssignments(const std::vector<std::string>& texts, 
     return assignments;
 }
 
-void Apply(
-    const NodeMap& nodes, const Port& port, const std::vector<Assignment>& assignments, const std::string& owner,
-    const std::function<bool(const Node&)>& written)
+void CheckAll(
+    const NodeMap& nodes, const std::vector<Assignment>& assignments, const std::string& owner,
+    const std::string& before)
 {
-    for (const Assignment& assignment : assignments)
+    try
     {
-        CheckValue(FindFeature(nodes, assignment.name, owner), assignment.value);
+        for (const Assignment& assignment : assignments)
+            CheckValue(FindFeature(nodes, assignment.name, owner), assignment.value);
     }
-    std::string before;
+    catch (const ToolError& error)
+    {
+        throw ToolError(error.what() + WrittenBefore(before), error.Hint(), error.ExitCode());
+    }
+}
+
+void Apply(
+    const NodeMap& nodes, const Port& port, const std::vector<Assignment>& assignments, const std::string& prefix,
+    std::string& before, const std::function<bool(const Node&)>& written)
+{
     for (const Assignment& assignment : assignments)
     {
         NoteProgress();
@@ -92,10 +107,10 @@ void Apply(
         {
             throw ToolError(
                 assignment.name + " was not set to " + PrintableStart(assignment.value) + ": " + error.what() +
-                    (before.empty() ? "" : "\nWritten before it: " + before),
+                    WrittenBefore(before),
                 HintFor(error, nodes, port, node));
         }
-        before += (before.empty() ? "" : ", ") + assignment.name;
+        before += (before.empty() ? "" : ", ") + prefix + assignment.name;
         if (written && !written(node)) return;
     }
 }

@@ -31,12 +31,18 @@ std::string CheckAssignment(const std::string& text);
 // Every text has been checked. `ofOthers` is the module of those that name none.
 std::vector<Assignment> ParseAssignments(const std::vector<std::string>& texts, ModuleKind ofOthers);
 
-// Writes one after the other. Before the first is written, all names are looked up and all values compared with the
-// type of their feature; the first that fails throws ToolError which names it, says why, and what was written before.
-// `written` is called after each, and ends the run by returning false. `owner` names the module in messages; `port` is
-// that of the module, where the description tells why a feature cannot be written.
+// Looks up all names, and compares all values with the type of their feature. The first that fails throws ToolError.
+// `owner` names the module in messages, `before` has what was written to other modules; it may be empty.
+void CheckAll(
+    const NodeMap& nodes, const std::vector<Assignment>& assignments, const std::string& owner,
+    const std::string& before);
+
+// Writes one after the other. The first that fails throws ToolError which names it, says why, and what was written
+// before: that starts as `before`, to which each name is added with `prefix` in front. `written` is called after each,
+// and ends the run by returning false. `port` is that of the module, where the description tells why a feature cannot
+// be written.
 void Apply(
-    const NodeMap& nodes, const Port& port, const std::vector<Assignment>& assignments, const std::string& owner,
-    const std::function<bool(const Node&)>& written = nullptr);
+    const NodeMap& nodes, const Port& port, const std::vector<Assignment>& assignments, const std::string& prefix,
+    std::string& before, const std::function<bool(const Node&)>& written = nullptr);
 
 } // namespace koro::tool

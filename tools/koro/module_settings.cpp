@@ -19,7 +19,7 @@ bool IsAboveCamera(const Assignment& assignment)
 
 ModuleSettings::ModuleSettings(
     const std::vector<std::string>& texts, ModuleKind ofOthers, std::function<bool(const Node&)> afterEach)
-    : assignments(ParseAssignments(texts, ofOthers)), written(std::move(afterEach))
+    : assignments(ParseAssignments(texts, ofOthers)), unnamed(ofOthers), written(std::move(afterEach))
 {}
 
 bool ModuleSettings::NeedCamera() const
@@ -39,7 +39,11 @@ void ModuleSettings::ApplyTo(const Interface& opened) const
 
 void ModuleSettings::ApplyTo(const Device& device, const std::function<const DataStream&()>& stream) const
 {
-    for (auto next = assignments.begin(); next != assignments.end();)
+    if (isEnded) return;
+    Check(device, ModuleKind::Device);
+    if (!Of(ModuleKind::Remote).empty()) Check(device.RemoteDevice(), ModuleKind::Remote);
+    bool isStreamChecked = false;
+    for (auto next = assignments.begin(); next != assignments.end() && !isEnded;)
     {
         const ModuleKind kind = next->module;
         std::vector<Assignment> chosen;
@@ -47,25 +51,46 @@ void ModuleSettings::ApplyTo(const Device& device, const std::function<const Dat
             chosen.push_back(*next);
         if (kind == ModuleKind::Device) Write(device, chosen, kind);
         if (kind == ModuleKind::Remote) Write(device.RemoteDevice(), chosen, kind);
-        if (kind == ModuleKind::Stream) Write(stream(), chosen, kind);
+        if (kind == ModuleKind::Stream)
+        {
+            const DataStream& opened = stream();
+            if (!std::exchange(isStreamChecked, true)) Check(opened, kind);
+            Write(opened, chosen, kind);
+        }
     }
 }
 
-template <typename Module>
-void ModuleSettings::ApplyAll(const Module& module, ModuleKind kind) const
+std::vector<Assignment> ModuleSettings::Of(ModuleKind kind) const
 {
     std::vector<Assignment> chosen;
     std::copy_if(assignments.begin(), assignments.end(), std::back_inserter(chosen), [kind](const Assignment& one) {
         return one.module == kind;
     });
-    if (!chosen.empty()) Write(module, chosen, kind);
+    return chosen;
+}
+
+template <typename Module>
+void ModuleSettings::ApplyAll(const Module& module, ModuleKind kind) const
+{
+    if (isEnded) return;
+    Check(module, kind);
+    Write(module, Of(kind), kind);
+}
+
+template <typename Module>
+void ModuleSettings::Check(const Module& module, ModuleKind kind) const
+{
+    const std::vector<Assignment> chosen = Of(kind);
+    if (!chosen.empty()) CheckAll(FirstNodes(module, kind), chosen, NameOf(kind), writtenBefore);
 }
 
 template <typename Module>
 void ModuleSettings::Write(const Module& module, const std::vector<Assignment>& chosen, ModuleKind kind) const
 {
-    if (isEnded) return;
-    Apply(FirstNodes(module, kind), module.Port(), chosen, NameOf(kind), [this](const Node& node) {
+    if (chosen.empty()) return;
+    const std::string word = kind == ModuleKind::Remote ? "remote" : NameOf(kind);
+    const std::string prefix = kind == unnamed ? "" : word + ":";
+    Apply(FirstNodes(module, kind), module.Port(), chosen, prefix, writtenBefore, [this](const Node& node) {
         isEnded = written && !written(node);
         return !isEnded;
     });

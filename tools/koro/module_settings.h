@@ -29,7 +29,9 @@ public:
     // Whether a module is among them that needs an open camera.
     bool NeedCamera() const;
 
-    // Those of one module, in their order. Each throws koro::Error, or ToolError as Apply of assignments.h does.
+    // Those of one module, in their order. Each throws koro::Error, or ToolError as CheckAll and Apply of assignments.h
+    // do. All of a module are checked before its first is written, those of the device and the camera before any of
+    // both.
     void ApplyTo(const System& system) const;
     void ApplyTo(const Interface& opened) const;
     // Those of the device, the camera and its stream, in their order across the three. `stream` is called before the
@@ -39,12 +41,17 @@ public:
 private:
     template <typename Module>
     void ApplyAll(const Module& module, ModuleKind kind) const;
+    std::vector<Assignment> Of(ModuleKind kind) const;
+    template <typename Module>
+    void Check(const Module& module, ModuleKind kind) const;
     template <typename Module>
     void Write(const Module& module, const std::vector<Assignment>& chosen, ModuleKind kind) const;
 
     std::vector<Assignment> assignments;
+    ModuleKind unnamed = ModuleKind::Remote; // the module of those that name none
     std::function<bool(const Node&)> written;
-    mutable bool isEnded = false; // by that function
+    mutable bool isEnded = false;      // by that function
+    mutable std::string writtenBefore; // the names, for messages
 };
 
 // The features of a module. Throws ToolError when its description cannot be fetched.
