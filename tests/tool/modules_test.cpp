@@ -183,6 +183,21 @@ TEST_F(WithoutCameras, FeaturesOfASystemAreReached)
     EXPECT_EQ(Koro({"get", "--interface", "if", "TLVendorName", "--module", "system"}).out, "zvr\n");
 }
 
+TEST(ModulesAboveCameras, SelectAmongWhatTheirListsHave)
+{
+    json settings = OneCamera("Mono8", 64, 48);
+    settings["interfaces"][0]["cameras"].push_back({{"serial", "other"}});
+    settings["interfaces"].push_back({{"id", "empty"}});
+    const Camera camera(settings);
+    const ToolResult device = camera.Run({"get", "--interface", "if", "DeviceID", "--set", "DeviceSelector=1"});
+    EXPECT_EQ(device.status, 0) << device.err;
+    EXPECT_EQ(device.out, "SimulatedCamera_other\n");
+    const ToolResult interface =
+        camera.Run({"get", "--system", SimulatorPath(), "InterfaceID", "--set", "InterfaceSelector=1"});
+    EXPECT_EQ(interface.status, 0) << interface.err;
+    EXPECT_EQ(interface.out, "empty\n");
+}
+
 TEST_F(WithoutCameras, WrongNamesAndMissingWordsAreReported)
 {
     const ToolResult unknown = Koro({"get", "--interface", "nobody", "InterfaceID"});

@@ -4,7 +4,6 @@
 #include "tools/koro/discovery.h"
 #include "tools/koro/if_known.h"
 #include "tools/koro/module_connection.h"
-#include "tools/koro/read_producer.h"
 #include "tools/koro/report.h"
 #include "tools/koro/standard_streams.h"
 
@@ -37,7 +36,6 @@ void AddAddresses(Discovery& discovery)
             if (record.cameras.empty()) continue;
             auto addresses = IfKnown([&] {
                 const ModuleConnection connection(producer.path, record.id, {});
-                connection.Interface().UpdateDevices(updateTimeout_ms);
                 return ReadAddresses(connection.Interface());
             });
             for (CameraRecord& camera : record.cameras)

@@ -1,5 +1,6 @@
 #include "tools/koro/module_connection.h"
 
+#include "tools/koro/if_known.h"
 #include "tools/koro/opened_producer.h"
 #include "tools/koro/read_producer.h"
 #include "tools/koro/report.h"
@@ -14,6 +15,8 @@ ModuleConnection::ModuleConnection(
     const std::string& path, const std::string& interfaceID, const ModuleSettings& settings)
     : library(Library::Initialize()), producer(LoadProducer(path)), system(producer.System().OpenSystem())
 {
+    // A module's features select among what its list has. One that cannot be updated has other features.
+    if (interfaceID.empty()) IfKnown([&] { return system.UpdateInterfaces(updateTimeout_ms), true; });
     settings.ApplyTo(system);
     if (interfaceID.empty()) return;
     system.UpdateInterfaces(updateTimeout_ms);
@@ -24,6 +27,7 @@ ModuleConnection::ModuleConnection(
         throw ToolError(
             PrintableStart(interfaceID) + " has gone since it was listed.", "`koro list` shows what is there.");
     opened = found->OpenInterface();
+    IfKnown([&] { return opened.UpdateDevices(updateTimeout_ms), true; });
     settings.ApplyTo(opened);
 }
 

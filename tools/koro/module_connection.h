@@ -15,8 +15,9 @@ namespace koro::tool
 class ModuleConnection
 {
 public:
-    // Loads the producer at `path`. An empty `interfaceID` opens no interface. Each module gets its settings as soon as
-    // it is open. Throws koro::Error, or ToolError when the interface has gone meanwhile.
+    // Loads the producer at `path`. An empty `interfaceID` opens no interface. The list of the module that is asked
+    // for is updated if that is possible. Each module gets its settings as soon as it is open. Throws koro::Error, or
+    // ToolError when the interface has gone meanwhile.
     ModuleConnection(const std::string& path, const std::string& interfaceID, const ModuleSettings& settings);
 
     const koro::System& System() const { return system; }
