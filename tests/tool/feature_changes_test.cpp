@@ -8,6 +8,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+#include <sstream>
+#include <string>
+#include <vector>
 
 namespace
 {
@@ -413,6 +416,29 @@ TEST(Watch, WithoutNamesWatchesAllAndPrintsChangesAlone)
     const json change = json::parse(result.out);
     EXPECT_EQ(change.at("name"), "DeviceTemperature");
     EXPECT_TRUE(change.at("seconds").is_number());
+    EXPECT_TRUE(change.at("value").is_number());
+}
+
+TEST(Watch, JSONHasValuesInTheirTypesAndProblemsBesideThem)
+{
+    const DescribedCamera camera(
+        "Whole Flag Text Broken", "<Integer Name=\"Whole\"><Value>64</Value></Integer>"
+                                  "<IntSwissKnife Name=\"Broken\"><Formula>1 / 0</Formula></IntSwissKnife>"
+                                  "<Boolean Name=\"Flag\"><Value>1</Value></Boolean>"
+                                  "<String Name=\"Text\"><Value>a</Value></String>");
+    const ToolResult result =
+        camera.Run({"watch", "cam", "Whole", "Flag", "Text", "Broken", "--json", "--changes", "4"});
+    EXPECT_EQ(result.status, 0) << result.err;
+    std::istringstream lines(result.out);
+    std::vector<json> changes;
+    for (std::string line; std::getline(lines, line);)
+        changes.push_back(json::parse(line));
+    ASSERT_EQ(changes.size(), 4u);
+    EXPECT_EQ(changes[0].at("value"), 64);
+    EXPECT_EQ(changes[1].at("value"), true);
+    EXPECT_EQ(changes[2].at("value"), "a");
+    EXPECT_FALSE(changes[3].contains("value"));
+    EXPECT_THAT(changes[3].at("problem").get<std::string>(), testing::Not(testing::IsEmpty()));
 }
 
 TEST(Watch, FeatureThatCannotBeReadIsToldOnce)

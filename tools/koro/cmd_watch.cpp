@@ -62,7 +62,7 @@ struct Watched
 {
     Node node;
     std::string name;
-    std::string last;
+    std::string last; // what was read, as JSON
     bool mayHaveChanged = true;
     Registration news;
 };
@@ -123,17 +123,19 @@ private:
         {
             if (!feature.mayHaveChanged || IsOver()) continue;
             feature.mayHaveChanged = false;
-            std::string value = Read(feature.node);
-            if (value == feature.last) continue;
-            feature.last = std::move(value);
-            if (print) Print(feature);
+            const json reading = Read(feature.node);
+            std::string text = Dump(reading);
+            if (text == feature.last) continue;
+            feature.last = std::move(text);
+            if (print) Print(feature.name, reading);
         }
     }
-    std::string Read(const Node& node) const
+    // An object with the value, or with the problem of what cannot be read.
+    json Read(const Node& node) const
     {
         try
         {
-            return ReadValue(node);
+            return json::object({{"value", command.json ? ValueAsJSON(node) : json(ReadValue(node))}});
         }
         catch (const Error& error)
         {
@@ -144,21 +146,24 @@ private:
                 throw ToolError(
                     std::string("The camera does not answer any more: ") + error.what(),
                     "Check the camera's cable and power.");
-            return std::string("cannot be read: ") + error.what();
+            return json::object({{"problem", error.what()}});
         }
     }
-    void Print(const Watched& feature)
+    void Print(const std::string& name, const json& reading)
     {
         const double seconds = std::chrono::duration<double>(Clock::now() - begin).count();
         if (command.json)
         {
-            const json change = {{"seconds", seconds}, {"name", feature.name}, {"value", feature.last}};
+            json change = {{"seconds", seconds}, {"name", name}};
+            change.update(reading);
             PrintOut("%s\n", Dump(change).c_str());
         }
         else
         {
-            PrintOut(
-                "%9.3f  %s=%s\n", seconds, PrintableStart(feature.name).c_str(), PrintableStart(feature.last).c_str());
+            const std::string text = reading.contains("value")
+                                         ? reading.at("value").get<std::string>()
+                                         : "cannot be read: " + reading.at("problem").get<std::string>();
+            PrintOut("%9.3f  %s=%s\n", seconds, PrintableStart(name).c_str(), PrintableStart(text).c_str());
         }
         if (!WriteOut()) isOutputLost = true;
         ++numPrinted;

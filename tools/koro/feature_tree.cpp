@@ -20,21 +20,6 @@ using nlohmann::json;
 // Deeper than any camera; a description may nest as it likes.
 constexpr int maxDepth = 64;
 
-json ValueAsJSON(const Node& node)
-{
-    switch (node.Type())
-    {
-    case KORO_NODE_TYPE_INTEGER:
-        return node.ToInteger().Value();
-    case KORO_NODE_TYPE_FLOAT:
-        return node.ToFloat().Value();
-    case KORO_NODE_TYPE_BOOLEAN:
-        return node.ToBoolean().Value();
-    default:
-        return ReadValue(node);
-    }
-}
-
 void AddValue(json& feature, const Node& node)
 {
     try
@@ -123,6 +108,21 @@ const char* VisibilityName(KORO_NodeVisibility visibility)
         return "Invisible";
     default:
         return "Undefined";
+    }
+}
+
+json ValueAsJSON(const Node& node)
+{
+    switch (node.Type())
+    {
+    case KORO_NODE_TYPE_INTEGER:
+        return node.ToInteger().Value();
+    case KORO_NODE_TYPE_FLOAT:
+        return node.ToFloat().Value();
+    case KORO_NODE_TYPE_BOOLEAN:
+        return node.ToBoolean().Value();
+    default:
+        return ReadValue(node);
     }
 }
 

@@ -16,6 +16,8 @@ namespace koro::tool
 std::string AccessText(KORO_NodeAccessStatus status);
 const char* VisibilityName(KORO_NodeVisibility visibility);
 
+// The value as JSON has it: numbers and booleans as such, all else as a text. Throws as ReadValue.
+nlohmann::json ValueAsJSON(const Node& node);
 // One feature and its value, without the features of a category.
 nlohmann::json BriefOf(const Node& node);
 
