@@ -364,6 +364,26 @@ TEST(Describe, NamesWhateverKeepsAFeatureFromBeingWritten)
     EXPECT_EQ(json::parse(camera.Run({"describe", "cam", "C", "--json"}).out).at("notWritable"), json::array());
 }
 
+TEST(Describe, UnavailableFeatureThatIsReadOnlyHasBothReasons)
+{
+    const DescribedCamera camera(
+        "Gone Imposed", "<Integer Name=\"Zero\"><Value>0</Value></Integer>"
+                        "<Integer Name=\"Gone\"><pIsAvailable>Zero</pIsAvailable><pValue>Fixed</pValue></Integer>"
+                        "<IntReg Name=\"Fixed\"><Address>0</Address><Length>4</Length><AccessMode>RO</AccessMode>"
+                        "<pPort>Device</pPort><Sign>Unsigned</Sign><Endianess>LittleEndian</Endianess></IntReg>"
+                        "<Integer Name=\"Imposed\"><ImposedAccessMode>RO</ImposedAccessMode><pValue>Off</pValue>"
+                        "</Integer><Integer Name=\"Off\"><pIsAvailable>Zero</pIsAvailable><Value>1</Value></Integer>");
+    const auto reasons = [&](const char* feature) {
+        return json::parse(camera.Run({"describe", "cam", feature, "--json"}).out).at("notWritable");
+    };
+    EXPECT_EQ(
+        reasons("Gone"),
+        json::array({"Gone is not available, as Zero is 0.", "Fixed is read-only by the description."}));
+    EXPECT_EQ(
+        reasons("Imposed"),
+        json::array({"Off is not available, as Zero is 0.", "Imposed is read-only by the description."}));
+}
+
 TEST(Describe, CameraThatIsInUseIsDescribedFromReading)
 {
     json settings = OneCamera("Mono8", 64, 48);

@@ -39,9 +39,51 @@ bool IsWritable(KORO_NodeAccessStatus status)
     return status == KORO_NODE_ACCESS_STATUS_WRITE_ONLY || status == KORO_NODE_ACCESS_STATUS_READ_WRITE;
 }
 
+bool IsThere(KORO_NodeAccessStatus status)
+{
+    return status == KORO_NODE_ACCESS_STATUS_READ_ONLY || IsWritable(status);
+}
+
+KORO_NodeAccessStatus StatusOf(const Node& node)
+{
+    return IfKnown([&] { return node.AccessStatus(); }).value_or(KORO_NODE_ACCESS_STATUS_UNDEFINED);
+}
+
+std::string SentenceFor(const std::string& name, const NodeLinks& links)
+{
+    if (links.imposedMode == "RO" || links.accessMode == "RO") return name + " is read-only by the description.";
+    if (links.element == "IntSwissKnife" || links.element == "SwissKnife")
+        return name + " is calculated from other nodes and cannot be written.";
+    return {};
+}
+
+std::string SentenceBehind(const DescriptionLinks& description, const std::string& name, std::set<std::string>& visited)
+{
+    const NodeLinks* const links = description.Of(name);
+    if (!links || visited.size() >= maxVisited || !visited.insert(name).second) return {};
+    std::string sentence = SentenceFor(name, *links);
+    for (const std::string& value : links->values)
+    {
+        if (sentence.empty()) sentence = SentenceBehind(description, value, visited);
+    }
+    return sentence;
+}
+
 } // namespace
 
 std::vector<std::string> AccessReason::WhyNotWritable(const Node& node, const std::string& otherwise) const
+{
+    std::vector<std::string> reasons = Reasons(node, otherwise);
+    // When it is available again it can still not be written.
+    if (!reasons.empty() && node.Type() != KORO_NODE_TYPE_CATEGORY && !IsThere(node.AccessStatus()))
+    {
+        const std::string sentence = ReadOnlySentence(description, node.Name());
+        if (!sentence.empty()) reasons.push_back(sentence);
+    }
+    return reasons;
+}
+
+std::vector<std::string> AccessReason::Reasons(const Node& node, const std::string& otherwise) const
 {
     const KORO_NodeAccessStatus status = node.AccessStatus();
     if (IsWritable(status) && node.Type() != KORO_NODE_TYPE_CATEGORY) return {};
@@ -70,24 +112,20 @@ void AccessReason::Explain(const std::string& name, Names& visited, std::vector<
     const NodeLinks* const links = description.Of(name);
     if (!links || visited.size() >= maxVisited || !visited.insert(name).second) return;
     const Node node = map.TryNode(name);
-    if (!node || IsWritable(IfKnown([&] { return node.AccessStatus(); }).value_or(KORO_NODE_ACCESS_STATUS_UNDEFINED)))
-        return;
+    const KORO_NodeAccessStatus status = node ? StatusOf(node) : KORO_NODE_ACCESS_STATUS_READ_WRITE;
+    if (IsWritable(status)) return;
 
     ExplainBy(links->implementedBy, false, name, " is not implemented, as ", reasons);
     ExplainBy(links->availableBy, false, name, " is not available, as ", reasons);
     ExplainBy(links->lockedBy, true, name, " is locked, as ", reasons);
     if (!reasons.empty()) return;
-    if (links->imposedMode == "RO" || links->accessMode == "RO")
-    {
-        reasons.push_back(name + " is read-only by the description.");
-    }
-    else if (links->element == "IntSwissKnife" || links->element == "SwissKnife")
-    {
-        reasons.push_back(name + " is calculated from other nodes and cannot be written.");
-    }
+    const std::string readOnly = IsThere(status) ? SentenceFor(name, *links) : std::string();
+    if (!readOnly.empty()) reasons.push_back(readOnly);
     for (const std::string& value : links->values)
     {
-        if (reasons.empty()) Explain(value, visited, reasons);
+        // A node that is there is not why another one is missing.
+        const Node source = IsThere(status) ? Node() : map.TryNode(value);
+        if (reasons.empty() && !(source && IsThere(StatusOf(source)))) Explain(value, visited, reasons);
     }
 }
 
@@ -142,6 +180,11 @@ std::string AccessReason::Behind(const std::string& decider, const std::string& 
 std::vector<std::string> WhyNotWritable(
     const NodeMap& nodes, const Port& port, const Node& node, const std::string& otherwise)
 {
+    return AccessReason(nodes, DescriptionLinksOf(port)).WhyNotWritable(node, otherwise);
+}
+
+DescriptionLinks DescriptionLinksOf(const Port& port)
+{
     std::string xml;
     try
     {
@@ -150,7 +193,13 @@ std::vector<std::string> WhyNotWritable(
     catch (const std::exception&)
     { // the reasons then say that the description does not tell
     }
-    return AccessReason(nodes, DescriptionLinks(xml)).WhyNotWritable(node, otherwise);
+    return DescriptionLinks(xml);
+}
+
+std::string ReadOnlySentence(const DescriptionLinks& description, const std::string& name)
+{
+    std::set<std::string> visited;
+    return SentenceBehind(description, name, visited);
 }
 
 std::string SentencesOf(const std::vector<std::string>& reasons)

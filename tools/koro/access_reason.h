@@ -26,6 +26,7 @@ public:
 private:
     using Names = std::set<std::string>;
 
+    std::vector<std::string> Reasons(const Node& node, const std::string& otherwise) const;
     void Explain(const std::string& name, Names& visited, std::vector<std::string>& reasons) const;
     void ExplainBy(
         const std::vector<std::string>& deciders, bool blocksWhenSet, const std::string& subject,
@@ -37,7 +38,12 @@ private:
     const DescriptionLinks description;
 };
 
-// The same from the description that the port serves; a description that cannot be had tells nothing.
+// Of the description that the port serves; none of one that cannot be fetched.
+DescriptionLinks DescriptionLinksOf(const Port& port);
+// Why a feature can never be written: the description makes it, or a node that it takes its value from, read-only.
+// Empty for any other feature.
+std::string ReadOnlySentence(const DescriptionLinks& description, const std::string& name);
+// The same as AccessReason from the description that the port serves; one that cannot be fetched states nothing.
 std::vector<std::string> WhyNotWritable(
     const NodeMap& nodes, const Port& port, const Node& node, const std::string& otherwise = {});
 // Several sentences in one line.
