@@ -252,7 +252,7 @@ TEST(Get, SlipOfThePenIsRecognised)
     const Camera camera;
     const ToolResult swapped = camera.Run({"get", "cam", "Widht"});
     EXPECT_EQ(swapped.status, noSuchFeature);
-    EXPECT_THAT(swapped.err, HasSubstr("hint: There are Width"));
+    EXPECT_THAT(swapped.err, HasSubstr("hint: There is Width."));
     EXPECT_THAT(camera.Run({"get", "cam", "ExposureTme"}).err, HasSubstr("hint: There are ExposureTime"));
 }
 
@@ -262,7 +262,7 @@ TEST(Get, NodeInNoCategoryIsAmongTheNamesThatLookAlike)
     const TemporaryFolder folder;
     Describe(folder, settings, "Width", IntRegisterAt("Width", 0) + IntRegisterAt("HiddenRegister", 4));
     const Camera camera(settings);
-    EXPECT_THAT(camera.Run({"get", "cam", "HidenRegister"}).err, HasSubstr("hint: There are HiddenRegister.\n"));
+    EXPECT_THAT(camera.Run({"get", "cam", "HidenRegister"}).err, HasSubstr("hint: There is HiddenRegister.\n"));
     EXPECT_EQ(camera.Run({"get", "cam", "HiddenRegister"}).out, "0\n");
 }
 

@@ -159,7 +159,7 @@ TEST_F(Firmware, InterruptLetsTheCameraFinishAndSparesTheOthers)
     const ToolResult result = run.Finish();
     EXPECT_EQ(result.status, interrupted);
     EXPECT_EQ(result.err, "koro: the update of a camera is not cut off; once more ends at once\n");
-    EXPECT_THAT(result.out, EndsWith(" s, the camera reports version 2.0\n1 cameras updated, 0 failed\n"));
+    EXPECT_THAT(result.out, EndsWith(" s, the camera reports version 2.0\n1 camera updated, 0 failed\n"));
     EXPECT_EQ(Koro({"get", "cam", "DeviceFirmwareVersion"}).out, "2.0\n");
     EXPECT_EQ(Koro({"get", "two", "DeviceFirmwareVersion"}).out, "1.0.0\n");
 }
@@ -173,7 +173,7 @@ TEST_F(Firmware, CameraThatFailsDoesNotKeepTheOthersFromTheirUpdate)
     cameras.insert(cameras.begin(), camera);
     const ToolResult result = Koro({"firmware", "update", "*", Packed(), "--all", "--reset-timeout", "10"});
     EXPECT_EQ(result.status, failure);
-    EXPECT_THAT(result.out, EndsWith("\n1 cameras updated, 1 failed\n"));
+    EXPECT_THAT(result.out, EndsWith("\n1 camera updated, 1 failed\n"));
     EXPECT_THAT(result.err, HasSubstr("serial number lost: Device could not be reopened within 10 ms"));
     EXPECT_EQ(Koro({"get", "cam", "DeviceFirmwareVersion"}).out, "2.0\n");
 }

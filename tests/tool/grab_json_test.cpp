@@ -152,7 +152,7 @@ TEST(GrabNames, SiblingOfTheSameSerialNumberIsNotTakenForTheCamera)
     camera.Set("KORO_TEST_SERIAL", "42");
     const ToolResult result = camera.Grab(3, {"--reconnect"});
     EXPECT_EQ(result.status, 0) << result.err;
-    EXPECT_THAT(result.out, HasSubstr("\ncamera lost after 1 pictures\ncamera back, "));
+    EXPECT_THAT(result.out, HasSubstr("\ncamera lost after 1 picture\ncamera back, "));
     EXPECT_THAT(result.out, HasSubstr("\nreconnects      1\n"));
 }
 

@@ -221,8 +221,8 @@ TEST_F(SettingsOfDescribed, SelectorThatTheCameraDoesNotHaveIsPassedOver)
     EXPECT_EQ(checked.status, 0) << checked.err;
     EXPECT_EQ(
         checked.out, "line 2: Gain[Nowhere=1]: 0 -> 5, without the selector Nowhere, which the camera does not have\n"
-                     "1 values would change, 0 cannot be written, 0 are the same\n");
-    EXPECT_EQ(Koro({"settings", "load", "cam", file}).out, "1 values written\n");
+                     "1 value would change, 0 cannot be written, 0 are the same\n");
+    EXPECT_EQ(Koro({"settings", "load", "cam", file}).out, "1 value written\n");
 
     const std::string other = Written("other", head + "Depth\t1\nGain\t{Nowhere=1}\t5\nGain\t{Channel=Blue}\t6\n");
     const ToolResult loaded = Koro({"settings", "load", "cam", other});
@@ -310,7 +310,7 @@ TEST_F(Settings, OfADescriptionThatMarksNoneAreMissedWithAHint)
 
     const ToolResult all = Koro({"settings", "save", "cam", File("all"), "--all-writable"});
     EXPECT_EQ(all.err, "");
-    EXPECT_EQ(all.out, "1 values in " + File("all") + "\n");
+    EXPECT_EQ(all.out, "1 value in " + File("all") + "\n");
     EXPECT_EQ(Content("all"), head + "Width\t0\n");
     EXPECT_EQ(Koro({"settings", "diff", "cam", File("all"), "--all-writable"}).status, 0);
 }
@@ -532,7 +532,7 @@ TEST_F(Settings, CheckLooksAtEachEntryOfASelectorAndSetsItBack)
                        "LineInverter\t{LineSelector=Line1}\t1\n");
     const ToolResult result = Koro({"settings", "check", "cam", file});
     EXPECT_THAT(result.out, HasSubstr("line 3: LineInverter[LineSelector=Line1]: false -> 1\n"));
-    EXPECT_THAT(result.out, HasSubstr("1 values would change, 0 cannot be written, 1 are the same\n"));
+    EXPECT_THAT(result.out, HasSubstr("1 value would change, 0 cannot be written, 1 are the same\n"));
     EXPECT_EQ(Koro({"get", "cam", "LineSelector"}).out, "Line0\n");
 }
 

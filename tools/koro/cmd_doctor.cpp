@@ -64,7 +64,7 @@ void PrintWorking(const ProducerRecord& producer)
         PrintOut("  problem of %s: %s\n", Printable(record.id).c_str(), Printable(*record.problem).c_str());
     }
     PrintOut(
-        "  cameras: %zu on %zu interfaces, %zu usable\n", numCameras, producer.interfaces.size(),
+        "  cameras: %zu on %s, %zu usable\n", numCameras, CountOf(producer.interfaces.size(), "interface").c_str(),
         producer.NumUsableCameras());
 }
 

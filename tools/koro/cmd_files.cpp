@@ -53,11 +53,10 @@ FileAdapter Open(const FeatureSession& session, const std::string& name)
         files.SetCurrentEntry(entry);
         return FileAdapter(session.Nodes(), name);
     }
-    std::string names;
+    std::vector<std::string> names;
     for (const EnumerationEntryNode& known : files.Entries())
-        names += (names.empty() ? "" : ", ") + PrintableStart(known.SymbolicValue());
-    throw ToolError(
-        "The camera has no file \"" + PrintableStart(name) + "\".", "There are " + names + ".", exitNoSuchFeature);
+        names.push_back(known.SymbolicValue());
+    throw ToolError("The camera has no file \"" + PrintableStart(name) + "\".", ThereAre(names), exitNoSuchFeature);
 }
 
 // Tells of each block: the offset is written in front of it, and its callback runs within.

@@ -249,7 +249,7 @@ int UpdateAll(const FirmwareCommand& command, const Discovery& discovery, const 
                 stderr, "koro: %s: %s\n", DescribeCamera(choice).c_str(), PrintableLines(error.what()).c_str());
         }
     }
-    PrintOut("%zu cameras updated, %zu failed\n", numUpdated, numFailed);
+    PrintOut("%s updated, %zu failed\n", CountOf(numUpdated, "camera").c_str(), numFailed);
     if (cutShort) return exitInterrupted;
     return numFailed == 0 && numUpdated > 0 ? exitSuccess : exitFailure;
 }

@@ -90,7 +90,7 @@ int WriteRegisters(RegisterCommand command)
     const std::vector<uint8_t> bytes = Bytes(command.words[1]);
     const FeatureSession session(command.target, FeatureSession::Access::Write, FeatureSession::Wants::Port);
     At(command.words.front(), "written", [&] { session.Port().Write(address, bytes); });
-    PrintOut("%zu bytes written\n", bytes.size());
+    PrintOut("%s written\n", CountOf(bytes.size(), "byte").c_str());
     return exitSuccess;
 }
 

@@ -138,11 +138,6 @@ void WarnOfNoValues(const std::string& what, const std::string& hint)
     std::fprintf(stderr, "koro: %s\nhint: %s\n", what.c_str(), hint.c_str());
 }
 
-std::string Count(size_t number, const char* what)
-{
-    return std::to_string(number) + " " + what;
-}
-
 std::string LineOf(const PlannedRecord& plan)
 {
     return "line " + std::to_string(plan.record->line) + ": " + PrintableStart(plan.record->Title());
@@ -178,7 +173,7 @@ int SaveSettings(const SettingsCommand& command)
         WarnOfNoValues(
             "The description marks no feature as a part of the settings, so the file has no values.",
             "--all-writable saves every feature that can be read and written.");
-    PrintOut("%s in %s\n", Count(settings.records.size(), "values").c_str(), Printable(command.file).c_str());
+    PrintOut("%s in %s\n", CountOf(settings.records.size(), "value").c_str(), Printable(command.file).c_str());
     return exitSuccess;
 }
 
@@ -187,7 +182,7 @@ void RefuseProblems(const std::vector<PlannedRecord>& plans, size_t numRecords, 
     const size_t numProblems = PrintProblems(plans, stderr);
     if (numProblems == 0) return;
     throw ToolError(
-        std::to_string(numProblems) + " of " + Count(numRecords, "values") + " could not be written: " + reason,
+        std::to_string(numProblems) + " of " + CountOf(numRecords, "value") + " could not be written: " + reason,
         "The others are written; `koro settings check` shows what a file would change.");
 }
 
@@ -215,7 +210,7 @@ int LoadSettings(const SettingsCommand& command)
     }
     RefuseProblems(
         PlanSettings(session.Nodes(), session.Port(), commands), records.size(), "load executes no commands.");
-    PrintOut("%s written\n", Count(records.size(), "values").c_str());
+    PrintOut("%s written\n", CountOf(records.size(), "value").c_str());
     return exitSuccess;
 }
 
@@ -239,7 +234,7 @@ int CheckSettings(const SettingsCommand& command)
     }
     const size_t numProblems = PrintProblems(plans, Output());
     PrintOut(
-        "%zu values would change, %zu cannot be written, %zu are the same\n", numChanges, numProblems,
+        "%s would change, %zu cannot be written, %zu are the same\n", CountOf(numChanges, "value").c_str(), numProblems,
         plans.size() - numChanges - numProblems);
     return numProblems == 0 ? exitSuccess : exitFailure;
 }

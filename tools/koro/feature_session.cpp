@@ -22,17 +22,14 @@ namespace
 constexpr size_t maxSuggestions = 8;
 
 // Among all nodes, since any of them can be named. Features come first where several are equally near.
-std::string Suggestions(const NodeMap& nodes, const std::string& name)
+std::vector<std::string> Suggestions(const NodeMap& nodes, const std::string& name)
 {
     std::vector<std::string> names;
     std::vector<std::string> others;
     for (const Node& node : nodes.Nodes())
         (node.IsFeature() ? names : others).push_back(node.Name());
     names.insert(names.end(), others.begin(), others.end());
-    std::string text;
-    for (const std::string& similar : SimilarNames(names, name, maxSuggestions))
-        text += (text.empty() ? "" : ", ") + PrintableStart(similar);
-    return text;
+    return SimilarNames(names, name, maxSuggestions);
 }
 
 } // namespace
@@ -208,10 +205,10 @@ Node FindFeature(const NodeMap& nodes, const std::string& name, const std::strin
 {
     const Node node = nodes.TryNode(name);
     if (node) return node;
-    const std::string alike = Suggestions(nodes, name);
+    const std::vector<std::string> alike = Suggestions(nodes, name);
     throw ToolError(
         "The " + owner + " has no feature \"" + PrintableStart(name) + "\".",
-        alike.empty() ? "`koro features --all` lists all names that can be given." : "There are " + alike + ".",
+        alike.empty() ? "`koro features --all` lists all names that can be given." : ThereAre(alike),
         exitNoSuchFeature);
 }
 

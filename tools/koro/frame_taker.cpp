@@ -2,6 +2,7 @@
 
 #include "tools/koro/frame_object.h"
 #include "tools/koro/producer_watch.h"
+#include "tools/koro/report.h"
 #include "tools/koro/tool_error.h"
 
 #include <nlohmann/json.hpp>
@@ -184,7 +185,7 @@ void FrameTaker::NotePointsLeftOut(const FrameFiles& files, FrameNote& note)
     if (note.object && settings.rangeLimit) (*note.object)["pointsLeftOut"] = number;
     if (number == 0) return;
     output.statistics.numPointsLeftOut += number;
-    note.remark += (note.remark.empty() ? "" : ", ") + std::to_string(number) + " points beyond the range limit";
+    note.remark += (note.remark.empty() ? "" : ", ") + CountOf(number, "point") + " beyond the range limit";
 }
 
 } // namespace koro::tool

@@ -19,7 +19,7 @@ void GrabOutput::NoteLoss()
     if (cameraIsLost) return;
     cameraIsLost = true;
     statistics.NoteSilence();
-    progress.Say("camera lost after " + std::to_string(numHanded) + " pictures");
+    progress.Say("camera lost after " + CountOf(numHanded, "picture"));
 }
 
 void GrabOutput::NoteFrame(const DeliveredFrame& frame)

@@ -43,12 +43,11 @@ size_t WishedBuffers(size_t wished, size_t required, size_t payloadSize)
     if (wished < required)
     {
         throw ToolError(
-            "The producer needs at least " + std::to_string(required) + " buffers.",
-            "Raise --buffers, or leave it out.");
+            "The producer needs at least " + CountOf(required, "buffer") + ".", "Raise --buffers, or leave it out.");
     }
     if (wished <= maxMemory / payloadSize) return wished;
     throw ToolError(
-        std::to_string(wished) + " buffers of " + std::to_string(payloadSize) + " bytes are beyond the limit of " +
+        CountOf(wished, "buffer") + " of " + std::to_string(payloadSize) + " bytes are beyond the limit of " +
         std::to_string(maxMemory) + " bytes.");
 }
 
@@ -60,7 +59,7 @@ size_t NumBuffers(const DataStream& stream, size_t payloadSize, size_t wished)
     if (number <= mostByThemselves && number <= std::max<size_t>(maxMemory / payloadSize, 1)) return number;
     if (required <= mostByThemselves && required <= maxMemory / payloadSize) return std::max<size_t>(required, 1);
     throw ToolError(
-        "The producer asks for " + std::to_string(required) + " buffers of " + std::to_string(payloadSize) +
+        "The producer asks for " + CountOf(required, "buffer") + " of " + std::to_string(payloadSize) +
         " bytes, which is beyond the limit.");
 }
 
@@ -123,7 +122,7 @@ void GrabSession::AnnounceBuffers()
 
 std::string GrabSession::DescribeBuffers() const
 {
-    return std::to_string(memory.size()) + " buffers of " + std::to_string(memory.begin()->second.Size()) + " bytes";
+    return CountOf(memory.size(), "buffer") + " of " + CountOf(memory.begin()->second.Size(), "byte");
 }
 
 GrabEnd GrabSession::Run(Interrupt& interrupt, GrabOutput& output)

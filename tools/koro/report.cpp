@@ -108,6 +108,20 @@ std::string OrDash(const OptionalText& text)
     return text && !text->empty() ? PrintableStart(*text) : "-";
 }
 
+std::string CountOf(uint64_t number, const std::string& thing)
+{
+    return std::to_string(number) + " " + thing + (number == 1 ? "" : "s");
+}
+
+std::string ThereAre(const std::vector<std::string>& names)
+{
+    if (names.empty()) return {};
+    std::string text = names.size() == 1 ? "There is " : "There are ";
+    for (const std::string& name : names)
+        text += (&name == &names.front() ? "" : ", ") + PrintableStart(name);
+    return text + ".";
+}
+
 void PrintRows(const Rows& rows, const std::string& indent)
 {
     size_t width = 0;

@@ -4,6 +4,7 @@
 #include "tools/koro/camera_tree.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <utility>
 #include <vector>
@@ -24,6 +25,12 @@ std::string PrintablePattern(const std::string& text);
 
 // "-" for what the producer does not know or left empty.
 std::string OrDash(const OptionalText& text);
+
+// "1 buffer", "2 buffers".
+std::string CountOf(uint64_t number, const std::string& thing);
+
+// "There is Width.", "There are Width, Height."; empty for no names.
+std::string ThereAre(const std::vector<std::string>& names);
 
 using Rows = std::vector<std::pair<std::string, std::string>>;
 

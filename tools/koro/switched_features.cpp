@@ -16,11 +16,11 @@ namespace
 
 constexpr const char* owner = "remote device";
 
-std::string EntryNames(const EnumerationNode& node)
+std::vector<std::string> EntryNames(const EnumerationNode& node)
 {
-    std::string names;
+    std::vector<std::string> names;
     for (const EnumerationEntryNode& entry : node.Entries())
-        names += (names.empty() ? "" : ", ") + PrintableStart(entry.SymbolicValue());
+        names.push_back(entry.SymbolicValue());
     return names;
 }
 
@@ -60,7 +60,7 @@ void SwitchedFeatures::SwitchEntries(
         if (!chosen.HasEntry(entry))
         {
             throw ToolError(
-                selector + " has no entry \"" + PrintableStart(entry) + "\".", "There are " + EntryNames(chosen) + ".",
+                selector + " has no entry \"" + PrintableStart(entry) + "\".", ThereAre(EntryNames(chosen)),
                 exitNoSuchFeature);
         }
     }

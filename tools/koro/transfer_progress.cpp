@@ -1,9 +1,9 @@
 #include "tools/koro/transfer_progress.h"
 
 #include "tools/koro/progress.h"
+#include "tools/koro/report.h"
 
 #include <algorithm>
-#include <cinttypes>
 
 namespace koro::tool
 {
@@ -35,7 +35,7 @@ void TransferProgress::Finish()
     EndBar();
     const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
     std::fprintf(
-        stream, "%" PRIu64 " bytes in %.2f s, %.1f MB/s\n", total, seconds,
+        stream, "%s in %.2f s, %.1f MB/s\n", CountOf(total, "byte").c_str(), seconds,
         seconds > 0 ? static_cast<double>(total) / 1e6 / seconds : 0.0);
     std::fflush(stream);
 }

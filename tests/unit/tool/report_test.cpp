@@ -91,6 +91,16 @@ TEST(FileNamePrefix, CannotLeaveTheFolder)
     EXPECT_EQ(FileNamePrefix(std::string(300, 'a')), std::string(64, 'a'));
 }
 
+TEST(Report, OneOfAThingIsNoneOfMany)
+{
+    EXPECT_EQ(CountOf(0, "buffer"), "0 buffers");
+    EXPECT_EQ(CountOf(1, "buffer"), "1 buffer");
+    EXPECT_EQ(CountOf(2, "buffer"), "2 buffers");
+    EXPECT_EQ(ThereAre({}), "");
+    EXPECT_EQ(ThereAre({"Width"}), "There is Width.");
+    EXPECT_EQ(ThereAre({"Width", "He\x1Bight"}), "There are Width, He?ight.");
+}
+
 TEST(Report, CellsAreQuotedWhereTheyHaveTo)
 {
     EXPECT_EQ(CommaSeparated({}), "");
