@@ -128,7 +128,7 @@ TEST(GrabChunks, TableThatFailsTooDoesNotHideWhyTheGrabFailed)
     std::filesystem::create_directories(grab.folder.File("out/cam-chunks.csv"));
     const ToolResult result = grab.Run({}, "20");
     EXPECT_EQ(result.status, 1);
-    EXPECT_THAT(result.err, HasSubstr("koro: Cannot rename "));
+    EXPECT_THAT(result.err, HasSubstr("cam-chunks.csv: it is a folder.\n"));
     EXPECT_THAT(result.err, HasSubstr("koro: [Function: DSQueueBuffer"));
 }
 

@@ -93,7 +93,8 @@ void PendingFile::Write(const void* bytes, size_t size)
 void PendingFile::Complete()
 {
     std::error_code failure;
-    if (std::filesystem::is_directory(std::filesystem::symlink_status(finalPath, failure))) Fail("rename", EISDIR);
+    if (std::filesystem::is_directory(std::filesystem::symlink_status(finalPath, failure)))
+        throw ToolError("Cannot write " + finalPath.string() + ": it is a folder.", "Give the name of a file.");
     // Without this the new name could reach the disk before the new content, and a loss of power would take both.
     replaces = std::filesystem::exists(finalPath, failure);
     const bool written = std::fflush(stream) == 0 && std::ferror(stream) == 0 && (!replaces || Sync(fileno(stream)));

@@ -64,6 +64,7 @@ std::string Refusal(const std::string& path)
     try
     {
         PendingFile file{path};
+        file.Commit();
         return "none";
     }
     catch (const ToolError& error)
@@ -106,7 +107,10 @@ TEST(PendingFile, ReplacesNoFolderNoDeviceAndNoPipe)
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     EXPECT_EQ(Refusal(pipe), "Cannot write " + pipe + ": it is there, and no regular file.");
     EXPECT_TRUE(fs::is_fifo(pipe));
-    EXPECT_THROW(Write(folder.MakeFolder("folder"), "text"), ToolError);
+    const std::string inside = folder.MakeFolder("folder");
+    EXPECT_EQ(Refusal(inside), "Cannot write " + inside + ": it is a folder.");
+    EXPECT_EQ(Refusal(inside + "/."), "Cannot write " + inside + "/.: it is a folder.");
+    EXPECT_TRUE(fs::is_empty(inside));
     EXPECT_EQ(Refusal(folder.MakeLink("folder", "elsewhere")).find("Cannot write "), 0u);
     EXPECT_EQ(Refusal(folder.MakeLink("/dev/null", "device")).find("Cannot write "), 0u);
     EXPECT_EQ(NumEntries(folder), 4);
