@@ -524,6 +524,24 @@ TEST_F(Settings, CheckTellsWhatWouldFail)
     EXPECT_THAT(result.out, HasSubstr("0 values would change, 5 cannot be written, 0 are the same\n"));
 }
 
+TEST_F(Settings, CheckCountsNoFailureThatAnotherLineOfTheFileMayRemove)
+{
+    const std::string limit = "makes it possible: OffsetX takes 0 to 0 in steps of 2 pixel.\n";
+    const std::string file = Written("file", head + "OffsetX\t16\nWidth\t32\n");
+    const ToolResult result = Koro({"settings", "check", "cam", file});
+    EXPECT_EQ(result.status, 0) << result.out;
+    EXPECT_THAT(result.out, HasSubstr("line 2: OffsetX: 0 -> 16, if the change of Width " + limit));
+    EXPECT_THAT(result.out, HasSubstr("2 values would change, 0 cannot be written, 0 are the same\n"));
+    EXPECT_EQ(Koro({"settings", "load", "cam", file}).status, 0);
+
+    const std::string other = Written("other", head + "OffsetX\t16\nHeight\t24\nPayloadSize\t1\nWidth\t64\n");
+    ASSERT_EQ(Koro({"set", "cam", "OffsetX=0", "Width=64"}).status, 0);
+    const ToolResult failing = Koro({"settings", "check", "cam", other});
+    EXPECT_EQ(failing.status, failure);
+    EXPECT_THAT(failing.out, HasSubstr("line 2: OffsetX=16: OffsetX takes 0 to 0 in steps of 2 pixel.\n"));
+    EXPECT_THAT(failing.out, HasSubstr("1 value would change, 2 cannot be written, 1 are the same\n"));
+}
+
 TEST_F(Settings, CheckLooksAtEachEntryOfASelectorAndSetsItBack)
 {
     ASSERT_EQ(Koro({"set", "cam", "LineSelector=Line0", "LineInverter=1"}).status, 0);

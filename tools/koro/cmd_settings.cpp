@@ -148,7 +148,7 @@ size_t PrintProblems(const std::vector<PlannedRecord>& plans, std::FILE* stream)
     size_t number = 0;
     for (const PlannedRecord& plan : plans)
     {
-        if (plan.problem.empty()) continue;
+        if (plan.problem.empty() || !plan.condition.empty()) continue;
         ++number;
         std::fprintf(
             stream, "%s=%s: %s\n", LineOf(plan).c_str(), PrintableStart(plan.record->value).c_str(),
@@ -214,6 +214,17 @@ int LoadSettings(const SettingsCommand& command)
     return exitSuccess;
 }
 
+std::string RemarkOn(const PlannedRecord& plan)
+{
+    std::string remark;
+    if (!plan.missingSelector.empty())
+        remark = ", without the selector " + PrintableStart(plan.missingSelector) + ", which the camera does not have";
+    if (!plan.condition.empty())
+        remark += ", if the change of " + PrintableStart(plan.condition) +
+                  " makes it possible: " + PrintableStart(plan.problem);
+    return remark;
+}
+
 int CheckSettings(const SettingsCommand& command)
 {
     const std::vector<FeatureRecord> records = ReadFeatureFile(command.file);
@@ -222,15 +233,11 @@ int CheckSettings(const SettingsCommand& command)
     size_t numChanges = 0;
     for (const PlannedRecord& plan : plans)
     {
-        if (plan.isSame || !plan.problem.empty()) continue;
+        if (plan.isSame || (!plan.problem.empty() && plan.condition.empty())) continue;
         ++numChanges;
         PrintOut(
             "%s: %s -> %s%s\n", LineOf(plan).c_str(), plan.before.empty() ? "?" : PrintableStart(plan.before).c_str(),
-            PrintableStart(plan.record->value).c_str(),
-            plan.missingSelector.empty() ? ""
-                                         : (", without the selector " + PrintableStart(plan.missingSelector) +
-                                            ", which the camera does not have")
-                                               .c_str());
+            PrintableStart(plan.record->value).c_str(), RemarkOn(plan).c_str());
     }
     const size_t numProblems = PrintProblems(plans, Output());
     PrintOut(

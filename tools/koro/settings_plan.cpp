@@ -12,6 +12,7 @@
 #include <cctype>
 #include <exception>
 #include <functional>
+#include <set>
 #include <stdexcept>
 #include <unordered_map>
 #include <utility>
@@ -149,7 +150,8 @@ bool IsSame(const Node& node, const std::string& left, const std::string& right)
 
 PlannedRecord Look(const NodeMap& nodes, const Port& port, const FeatureRecord& record)
 {
-    PlannedRecord plan{&record, {}, {}, false, {}, false};
+    PlannedRecord plan;
+    plan.record = &record;
     const Node node = nodes.TryNode(record.name);
     if (!node)
     {
@@ -163,6 +165,7 @@ PlannedRecord Look(const NodeMap& nodes, const Port& port, const FeatureRecord& 
         plan.problem = "it cannot be written: " + SentencesOf(WhyNotWritable(nodes, port, node));
     else
         plan.problem = OutsideOfLimits(node, record.value); // the library writes, and then refuses to read it
+    plan.isOfTheMoment = !plan.problem.empty();
     return plan;
 }
 
@@ -206,7 +209,9 @@ std::vector<PlannedRecord> ForEach(
         }
         catch (const std::exception& error)
         {
-            plans.push_back({&record, {}, error.what(), false, {}, false});
+            PlannedRecord& failed = plans.emplace_back();
+            failed.record = &record;
+            failed.problem = error.what();
         }
     }
     return plans;
@@ -249,6 +254,85 @@ std::vector<bool> Failed(const std::vector<PlannedRecord>& plans)
     return failed;
 }
 
+// The nodes from which a node's value, limits and access come, at any distance.
+std::set<std::string> SourcesOf(const Node& node)
+{
+    constexpr size_t maxSources = 4096;
+    std::set<std::string> sources;
+    std::vector<Node> waiting = {node};
+    while (!waiting.empty() && sources.size() < maxSources)
+    {
+        const Node next = waiting.back();
+        waiting.pop_back();
+        for (const Node& source : next.InvalidatingNodes())
+        {
+            if (sources.insert(source.Name()).second) waiting.push_back(source);
+        }
+    }
+    return sources;
+}
+
+// Which record of a file, once it is written, may remove the problem of another one.
+class Conditions
+{
+public:
+    Conditions(const NodeMap& map, const Port& port) : nodes(map), links(DescriptionLinksOf(port)) {}
+
+    void Add(std::vector<PlannedRecord>& plans)
+    {
+        for (const PlannedRecord& plan : plans)
+        {
+            if (plan.problem.empty() && !plan.isSame) AddChange(plan.record->name);
+        }
+        // A change that becomes possible may make another one possible; few follow each other.
+        constexpr int maxRounds = 8;
+        int round = 0;
+        while (round < maxRounds && AddOnce(plans))
+            ++round;
+    }
+
+private:
+    // The feature, and the nodes that it writes to.
+    void AddChange(const std::string& feature)
+    {
+        std::vector<std::string> targets = {feature};
+        for (size_t i = 0; i < targets.size() && changed.emplace(targets[i], feature).second; ++i)
+        {
+            if (const NodeLinks* const found = links.Of(targets[i]))
+                targets.insert(targets.end(), found->values.begin(), found->values.end());
+        }
+    }
+
+    bool AddOnce(std::vector<PlannedRecord>& plans)
+    {
+        bool hasAdded = false;
+        for (PlannedRecord& plan : plans)
+        {
+            if (!plan.isOfTheMoment || !plan.condition.empty()) continue;
+            plan.condition = ConditionOf(plan.record->name);
+            if (plan.condition.empty()) continue;
+            AddChange(plan.record->name);
+            hasAdded = true;
+        }
+        return hasAdded;
+    }
+
+    std::string ConditionOf(const std::string& name) const
+    {
+        if (!ReadOnlySentence(links, name).empty()) return {};
+        for (const std::string& source : SourcesOf(nodes.Node(name)))
+        {
+            const auto found = changed.find(source);
+            if (found != changed.end() && found->second != name) return found->second;
+        }
+        return {};
+    }
+
+    const NodeMap& nodes;
+    const DescriptionLinks links;
+    std::unordered_map<std::string, std::string> changed; // the feature by the node
+};
+
 } // namespace
 
 std::optional<std::string> CommandIn(const NodeMap& nodes, const FeatureRecord& record)
@@ -267,7 +351,10 @@ std::optional<std::string> CommandIn(const NodeMap& nodes, const FeatureRecord& 
 std::vector<PlannedRecord> PlanSettings(
     const NodeMap& nodes, const Port& port, const std::vector<FeatureRecord>& records)
 {
-    return ForEach(nodes, records, [&](const FeatureRecord& record) { return Look(nodes, port, record); });
+    auto plans = ForEach(nodes, records, [&](const FeatureRecord& record) { return Look(nodes, port, record); });
+    const auto isOfTheMoment = [](const PlannedRecord& plan) { return plan.isOfTheMoment; };
+    if (std::any_of(plans.begin(), plans.end(), isOfTheMoment)) Conditions(nodes, port).Add(plans);
+    return plans;
 }
 
 std::vector<PlannedRecord> WriteSettings(
