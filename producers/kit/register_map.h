@@ -14,6 +14,7 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace koro::kit
@@ -21,6 +22,17 @@ namespace koro::kit
 
 // Refuses a register's new value.
 [[noreturn]] void RefuseValue(const std::string& why);
+
+// Where a register lies, and how long it is.
+struct RegisterPlace
+{
+    std::uint64_t address;
+    std::size_t bytes;
+    std::uint64_t distance; // from one element to the next, when the register is the first one of an array
+
+    // The place of element `index` of the array.
+    constexpr RegisterPlace At(std::uint64_t index) const { return {address + index * distance, bytes, distance}; }
+};
 
 class RegisterMap final : public RegisterSpace
 {
@@ -58,6 +70,31 @@ public:
     void AddMemory(
         std::uint64_t address, std::size_t bytes, std::function<void(std::size_t, std::span<std::byte>)> read,
         std::function<void(std::size_t, std::span<const std::byte>)> write);
+
+    // The same at a place.
+    void AddText(RegisterPlace place, Getter<std::string> get, Setter<std::string> set = {})
+    {
+        AddText(place.address, place.bytes, std::move(get), std::move(set));
+    }
+    void AddText(RegisterPlace place, std::string constant)
+    {
+        AddText(place.address, place.bytes, std::move(constant));
+    }
+    void AddInteger(RegisterPlace place, Getter<std::uint64_t> get, Setter<std::uint64_t> set = {})
+    {
+        AddInteger(place.address, place.bytes, std::move(get), std::move(set));
+    }
+    void AddInteger(RegisterPlace place, std::uint64_t constant) { AddInteger(place.address, place.bytes, constant); }
+    void AddFloat(RegisterPlace place, Getter<double> get, Setter<double> set = {})
+    {
+        AddFloat(place.address, place.bytes, std::move(get), std::move(set));
+    }
+    void AddBlock(RegisterPlace place, Getter<std::vector<std::byte>> get, Setter<std::span<const std::byte>> set)
+    {
+        AddBlock(place.address, place.bytes, std::move(get), std::move(set));
+    }
+    void AddCommand(RegisterPlace place, Action command) { AddCommand(place.address, std::move(command)); }
+    void AddAction(RegisterPlace place, Action action) { AddAction(place.address, std::move(action)); }
 
     // `snapshot` makes what takes back all that setters changed since; used when an access over several registers fails
     // half way.

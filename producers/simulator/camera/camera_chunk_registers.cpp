@@ -1,15 +1,15 @@
 // The registers of a camera that say what it sends behind its images.
-#include "producers/simulator/camera/camera_features.h"
+#include "producers/simulator/camera/register_settings.h"
 
 namespace koro::simulator
 {
 
 void CameraFeatures::AddChunks()
 {
-    AddNumber(0xC00, &FeatureValues::chunkModeActive, 0, 1, Lock::WithFormat);
-    map.AddInteger(0xC08, 8, [this] { return std::uint64_t{state.values.Parts().Bytes()}; });
+    AddNumber(registers::ChunkModeActiveReg, &FeatureValues::chunkModeActive);
+    map.AddInteger(registers::ImageBytesReg, [this] { return std::uint64_t{state.values.Parts().Bytes()}; });
     map.AddInteger(
-        0xC40, 4, [] { return std::uint64_t{1}; },
+        registers::ChunkEnableReg, [] { return std::uint64_t{1}; },
         [](std::uint64_t wanted) {
             if (wanted != 1) RefuseValue("the image is always sent");
         });
@@ -17,10 +17,11 @@ void CameraFeatures::AddChunks()
     {
         const ChunkSet bit = ChunkSet{1} << index;
         map.AddInteger(
-            0xC40 + 4 * index, 4, [this, bit]() -> std::uint64_t { return (state.values.chunkSet & bit) != 0 ? 1 : 0; },
+            registers::ChunkEnableReg.At(index),
+            [this, bit]() -> std::uint64_t { return (state.values.chunkSet & bit) != 0 ? 1 : 0; },
             [this, bit](std::uint64_t wanted) {
                 RequireUnlocked();
-                if (wanted > 1) RefuseValue("the value is out of range");
+                RequireAllowed(registers::ChunkEnableReg, wanted);
                 state.values.chunkSet = wanted == 1 ? state.values.chunkSet | bit : state.values.chunkSet & ~bit;
             });
     }

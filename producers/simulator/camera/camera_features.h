@@ -10,6 +10,7 @@
 #include "producers/simulator/camera/camera_state.h"
 #include "producers/simulator/camera/device_files.h"
 #include "producers/simulator/camera/transport.h"
+#include "producers/simulator/feature_register.h"
 #include "producers/simulator/kit.h"
 
 #include <array>
@@ -139,23 +140,16 @@ private:
     void AddGigEVision();
     void AddUSB3Vision();
 
-    // A number of the settings with a range, a step and, if wanted, the lock of the format.
-    enum class Lock
-    {
-        Never,
-        WithFormat
-    };
-    void AddNumber(
-        std::uint64_t address, std::uint64_t FeatureValues::*value, std::uint64_t least, std::uint64_t most,
-        Lock lock = Lock::Never, std::uint64_t step = 1);
-    void AddNumber(
-        std::uint64_t address, std::function<std::uint64_t&()> value, std::uint64_t least, std::uint64_t most,
-        Lock lock = Lock::Never, std::uint64_t step = 1);
-    void AddFloat(std::uint64_t address, std::size_t bytes, std::function<double&()> value, double least, double most);
+    // A setting. `set` gets only what the description allows at present.
+    template <typename Register>
+    void AddSetting(const Register& place, std::function<std::uint64_t()> get, std::function<void(std::uint64_t)> set);
+    void AddNumber(const NumberRegister& place, std::uint64_t FeatureValues::*value);
+    void AddNumber(const NumberRegister& place, const std::function<std::uint64_t&()>& value);
+    void AddReal(const RealRegister& place, const std::function<double&()>& value);
     // A side of the image, set by a rule of FeatureValues.
     void AddRegion(
-        std::uint64_t address, std::uint64_t FeatureValues::*value,
-        void (FeatureValues::*set)(const Sensor&, std::uint64_t), Lock lock);
+        const FeatureRegister& place, std::uint64_t FeatureValues::*value,
+        void (FeatureValues::*set)(const Sensor&, std::uint64_t));
 
     template <typename Change>
     void ChangeIfReachable(const Change& change) noexcept;

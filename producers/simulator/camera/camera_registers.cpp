@@ -1,10 +1,12 @@
-// The registers of a camera, category by category, at the addresses that descriptions/camera/*.xml name.
+// The registers of a camera, category by category, at the places that descriptions/camera/*.xml give them.
 #include "producers/kit/failure.h"
 #include "producers/kit/port.h"
 #include "producers/simulator/camera/camera_features.h"
 #include "producers/simulator/camera/producer_facts.h"
+#include "producers/simulator/camera/register_settings.h"
 #include "producers/simulator/kit.h"
 
+#include <camera_register_names.h>
 #include <cstring>
 
 namespace koro::simulator
@@ -12,151 +14,140 @@ namespace koro::simulator
 namespace
 {
 
-constexpr std::size_t stepBytes = 4; // between the registers of a selector
-
 // The standard features naming convention of cameras.
 constexpr std::uint64_t cameraSFNC[] = {2, 7, 0};
 
+// The registers that the kit adds are where the description expects them.
+static_assert(registers::DeviceVendorName.address == vendorRegister);
+static_assert(registers::DeviceModelName.address == modelRegister);
+static_assert(registers::DeviceVersion.address == versionRegister);
+
 } // namespace
 
-void CameraFeatures::AddNumber(
-    std::uint64_t address, std::function<std::uint64_t&()> value, std::uint64_t least, std::uint64_t most, Lock lock,
-    std::uint64_t step)
+void CameraFeatures::AddNumber(const NumberRegister& place, const std::function<std::uint64_t&()>& value)
 {
-    map.AddInteger(address, 4, value, [this, value, least, most, lock, step](std::uint64_t wanted) {
-        if (lock == Lock::WithFormat) RequireUnlocked();
-        if (wanted < least || wanted > most || (wanted - least) % step != 0) RefuseValue("the value is out of range");
-        value() = wanted;
-    });
+    AddSetting(place, value, [value](std::uint64_t wanted) { value() = wanted; });
 }
 
-void CameraFeatures::AddNumber(
-    std::uint64_t address, std::uint64_t FeatureValues::*value, std::uint64_t least, std::uint64_t most, Lock lock,
-    std::uint64_t step)
+void CameraFeatures::AddNumber(const NumberRegister& place, std::uint64_t FeatureValues::*value)
 {
-    AddNumber(
-        address, [this, value]() -> std::uint64_t& { return state.values.*value; }, least, most, lock, step);
+    AddNumber(place, [this, value]() -> std::uint64_t& { return state.values.*value; });
 }
 
-void CameraFeatures::AddFloat(
-    std::uint64_t address, std::size_t bytes, std::function<double&()> value, double least, double most)
+void CameraFeatures::AddReal(const RealRegister& place, const std::function<double&()>& value)
 {
-    map.AddFloat(address, bytes, value, [value, least, most](double wanted) {
-        if (!(wanted >= least && wanted <= most)) RefuseValue("the value is out of range");
+    map.AddFloat(place, value, [this, place, value](double wanted) {
+        if (place.isLocked) RequireUnlocked();
+        RequireAllowed(place, wanted);
         value() = wanted;
     });
 }
 
 void CameraFeatures::AddRegion(
-    std::uint64_t address, std::uint64_t FeatureValues::*value,
-    void (FeatureValues::*set)(const Sensor&, std::uint64_t), Lock lock)
+    const FeatureRegister& place, std::uint64_t FeatureValues::*value,
+    void (FeatureValues::*set)(const Sensor&, std::uint64_t))
 {
-    map.AddInteger(
-        address, 4, [this, value] { return state.values.*value; },
-        [this, set, lock](std::uint64_t wanted) {
-            if (lock == Lock::WithFormat) RequireUnlocked();
-            (state.values.*set)(sensor, wanted);
-        });
+    AddSetting(
+        place, [this, value] { return state.values.*value; },
+        [this, set](std::uint64_t wanted) { (state.values.*set)(sensor, wanted); });
 }
 
 void CameraFeatures::AddDeviceControl()
 {
-    map.AddText(0x100, textRegisterBytes, "a simulated camera");
-    map.AddText(0x140, textRegisterBytes, [this] { return state.firmware; });
-    map.AddText(0x200, textRegisterBytes, settings.serial);
+    map.AddText(registers::DeviceManufacturerInfo, "a simulated camera");
+    map.AddText(registers::DeviceFirmwareVersion, [this] { return state.firmware; });
+    map.AddText(registers::DeviceSerialNumber, settings.serial);
     map.AddText(
-        0x240, textRegisterBytes, [this] { return state.userName; },
+        registers::DeviceUserID, [this] { return state.userName; },
         [this](std::string text) { state.userName = std::move(text); });
     for (std::size_t part = 0; part < std::size(cameraSFNC); ++part)
-        map.AddInteger(0x280 + stepBytes * part, 4, cameraSFNC[part]);
+        map.AddInteger(registers::DeviceSFNCVersionMajor.At(part), cameraSFNC[part]);
     for (std::size_t place = 0; place < 2; ++place)
-        map.AddFloat(0x290 + stepBytes * place, 4, [this, place] { return Temperature(place); });
+        map.AddFloat(registers::DeviceTemperatureReg.At(place), [this, place] { return Temperature(place); });
     map.AddInteger(
-        0x298, 4, [] { return std::uint64_t{0}; },
+        registers::DeviceResetReg, [] { return std::uint64_t{0}; },
         [this](std::uint64_t value) {
             if (value > 1) RefuseValue("a command takes 1");
             if (value == 1) Reset();
         });
-    AddNumber(0x29C, &FeatureValues::heartbeat, 0, 1);
-    AddNumber(0x2A0, &FeatureValues::heartbeatTimeout_us, 500'000, 60'000'000);
-    map.AddInteger(0x2A8, 8, connection.tlType == "U3V" ? 500'000'000 : 125'000'000);
-    map.AddCommand(0x2B0, [this] { state.clockStart = Clock::now(); });
-    map.AddCommand(0x2B4, [this] { state.latched_ns = ClockValue_ns(); });
-    map.AddInteger(0x2B8, 8, [this] { return state.latched_ns; });
+    AddNumber(registers::DeviceLinkHeartbeatModeReg, &FeatureValues::heartbeat);
+    AddNumber(registers::DeviceLinkHeartbeatTimeoutReg, &FeatureValues::heartbeatTimeout_us);
+    map.AddInteger(registers::DeviceLinkSpeed, connection.tlType == "U3V" ? 500'000'000 : 125'000'000);
+    map.AddCommand(registers::TimestampResetReg, [this] { state.clockStart = Clock::now(); });
+    map.AddCommand(registers::TimestampLatchReg, [this] { state.latched_ns = ClockValue_ns(); });
+    map.AddInteger(registers::TimestampLatchValue, [this] { return state.latched_ns; });
 }
 
 void CameraFeatures::AddImageFormatControl()
 {
-    AddRegion(0x300, &FeatureValues::width, &FeatureValues::SetWidth, Lock::WithFormat);
-    AddRegion(0x304, &FeatureValues::height, &FeatureValues::SetHeight, Lock::WithFormat);
-    map.AddInteger(
-        0x308, 4, [this] { return std::uint64_t{state.values.format->code}; },
-        [this](std::uint64_t code) {
-            RequireUnlocked();
-            state.values.SetFormat(sensor, code);
-        });
-    map.AddInteger(0x320, 4, sensor.width);
-    map.AddInteger(0x324, 4, sensor.height);
-    map.AddInteger(0x328, 4, [this] { return state.values.WidthMax(sensor); });
-    map.AddInteger(0x32C, 4, [this] { return state.values.HeightMax(sensor); });
-    AddRegion(0x330, &FeatureValues::offsetX, &FeatureValues::SetOffsetX, Lock::Never);
-    AddRegion(0x334, &FeatureValues::offsetY, &FeatureValues::SetOffsetY, Lock::Never);
-    map.AddInteger(0x348, 4, [this] { return state.values.WidthStep(); });
-    AddRegion(0x350, &FeatureValues::binningHorizontal, &FeatureValues::SetBinningHorizontal, Lock::WithFormat);
-    AddRegion(0x354, &FeatureValues::binningVertical, &FeatureValues::SetBinningVertical, Lock::WithFormat);
-    map.AddInteger(0x358, 4, [this] { return state.values.BinningMax(sensor.width, state.values.WidthStep()); });
-    map.AddInteger(0x35C, 4, [this] { return state.values.BinningMax(sensor.height, 1); });
-    AddNumber(0x360, &FeatureValues::reverseX, 0, 1, Lock::WithFormat);
-    AddNumber(0x364, &FeatureValues::reverseY, 0, 1, Lock::WithFormat);
-    AddNumber(0x368, &FeatureValues::testPattern, 0, static_cast<std::uint64_t>(TestPattern::ColorBar));
+    AddRegion(registers::WidthReg, &FeatureValues::width, &FeatureValues::SetWidth);
+    AddRegion(registers::HeightReg, &FeatureValues::height, &FeatureValues::SetHeight);
+    AddSetting(
+        registers::PixelFormatReg, [this] { return std::uint64_t{state.values.format->code}; },
+        [this](std::uint64_t code) { state.values.SetFormat(sensor, code); });
+    map.AddInteger(registers::SensorWidth, sensor.width);
+    map.AddInteger(registers::SensorHeight, sensor.height);
+    map.AddInteger(registers::WidthMax, [this] { return state.values.WidthMax(sensor); });
+    map.AddInteger(registers::HeightMax, [this] { return state.values.HeightMax(sensor); });
+    AddRegion(registers::OffsetXReg, &FeatureValues::offsetX, &FeatureValues::SetOffsetX);
+    AddRegion(registers::OffsetYReg, &FeatureValues::offsetY, &FeatureValues::SetOffsetY);
+    map.AddInteger(registers::WidthIncReg, [this] { return state.values.WidthStep(); });
+    AddRegion(registers::BinningHorizontalReg, &FeatureValues::binningHorizontal, &FeatureValues::SetBinningHorizontal);
+    AddRegion(registers::BinningVerticalReg, &FeatureValues::binningVertical, &FeatureValues::SetBinningVertical);
+    map.AddInteger(registers::BinningHorizontalMax, [this] {
+        return state.values.BinningMax(sensor.width, state.values.WidthStep());
+    });
+    map.AddInteger(registers::BinningVerticalMax, [this] { return state.values.BinningMax(sensor.height, 1); });
+    AddNumber(registers::ReverseXReg, &FeatureValues::reverseX);
+    AddNumber(registers::ReverseYReg, &FeatureValues::reverseY);
+    static_assert(registers::TestPatternReg.most == static_cast<std::uint64_t>(TestPattern::ColorBar));
+    AddNumber(registers::TestPatternReg, &FeatureValues::testPattern);
 
     std::uint64_t words[2] = {};
     for (std::size_t index = 0; index < PixelFormats().size(); ++index)
         if (sensor.CanSend(PixelFormats()[index])) words[index / 32] |= std::uint64_t{1} << index % 32;
-    map.AddInteger(0x380, 4, words[0]);
-    map.AddInteger(0x384, 4, words[1]);
-    map.AddInteger(0x388, 4, sensor.colours == Colours::Mono ? 0 : 1);
+    map.AddInteger(registers::HasMono8, words[0]);
+    map.AddInteger(registers::HasBayerBG8, words[1]);
+    map.AddInteger(registers::SensorIsColour, sensor.colours == Colours::Mono ? 0 : 1);
 }
 
 void CameraFeatures::AddAcquisitionControl()
 {
-    AddNumber(0x400, &FeatureValues::acquisitionMode, 0, 2, Lock::WithFormat);
-    map.AddCommand(0x404, [this] {
+    AddNumber(registers::AcquisitionModeReg, &FeatureValues::acquisitionMode);
+    map.AddCommand(registers::AcquisitionStartReg, [this] {
         if (!state.acquisition.IsActive()) state.acquisition.Start(state.values);
     });
-    map.AddCommand(0x408, [this] { state.acquisition.Stop(); });
-    AddNumber(0x40C, &FeatureValues::frameCount, 1, 65535);
-    AddNumber(0x410, &FeatureValues::rateEnabled, 0, 1);
-    AddFloat(
-        0x418, 8, [this]() -> double& { return state.values.rate; }, 0.001, 100'000);
-    map.AddFloat(0x420, 8, [this] { return state.values.ResultingRate(sensor); });
+    map.AddCommand(registers::AcquisitionStopReg, [this] { state.acquisition.Stop(); });
+    AddNumber(registers::AcquisitionFrameCountReg, &FeatureValues::frameCount);
+    AddNumber(registers::AcquisitionFrameRateEnableReg, &FeatureValues::rateEnabled);
+    AddReal(registers::AcquisitionFrameRateReg, [this]() -> double& { return state.values.rate; });
+    map.AddFloat(registers::AcquisitionResultingFrameRate, [this] { return state.values.ResultingRate(sensor); });
     map.AddFloat(
-        0x430, 8, [this] { return state.values.Exposure_us(sensor); },
+        registers::ExposureTimeReg, [this] { return state.values.Exposure_us(sensor); },
         [this](double wanted) {
             if (state.values.exposureIsAutomatic)
                 throw Failure(GC_ERR_ACCESS_DENIED, "the camera chooses the exposure time");
-            if (!(wanted >= minExposure_us && wanted <= maxExposure_us)) RefuseValue("the value is out of range");
+            RequireAllowed(registers::ExposureTimeReg, wanted);
             state.values.exposure_us = wanted;
         });
-    map.AddInteger(
-        0x438, 4, [this]() -> std::uint64_t { return state.values.exposureIsAutomatic ? 2 : 0; },
+    AddSetting(
+        registers::ExposureAutoReg, [this]() -> std::uint64_t { return state.values.exposureIsAutomatic ? 2 : 0; },
         [this](std::uint64_t mode) {
-            if (mode > 2) RefuseValue("the value is out of range");
             if (mode > 0 || state.values.exposureIsAutomatic)
                 state.values.exposure_us = state.values.AutomaticExposure_us(sensor);
             state.values.exposureIsAutomatic = mode == 2;
         });
-    map.AddInteger(0x43C, 4, [this] { return StatusBits(); });
+    map.AddInteger(registers::AcquisitionStatusReg, [this] { return StatusBits(); });
     for (const Step step : {Step::Frame, Step::Acquisition})
     {
         const auto index = static_cast<std::size_t>(step);
         const auto of = [this, index](std::uint64_t Trigger::*member) {
             return [this, index, member]() -> std::uint64_t& { return state.values.triggers[index].*member; };
         };
-        AddNumber(0x440 + stepBytes * index, of(&Trigger::mode), 0, 1);
-        AddNumber(0x448 + stepBytes * index, of(&Trigger::source), 0, 1);
-        AddNumber(0x450 + stepBytes * index, of(&Trigger::activation), 0, 2);
-        map.AddCommand(0x458 + stepBytes * index, [this, step, index] {
+        AddNumber(registers::TriggerModeReg.At(index), of(&Trigger::mode));
+        AddNumber(registers::TriggerSourceReg.At(index), of(&Trigger::source));
+        AddNumber(registers::TriggerActivationReg.At(index), of(&Trigger::activation));
+        map.AddCommand(registers::TriggerSoftwareReg.At(index), [this, step, index] {
             if (state.values.triggers[index].source == 0) state.acquisition.Pull(state.values, step, Time());
         });
     }
@@ -164,30 +155,27 @@ void CameraFeatures::AddAcquisitionControl()
 
 void CameraFeatures::AddAnalogControl()
 {
-    constexpr std::int32_t least[] = {0, -600};
-    constexpr std::int32_t most[] = {2400, 1200};
     for (std::size_t index = 0; index < 2; ++index)
         map.AddInteger(
-            0x500 + stepBytes * index, 4,
+            registers::GainReg.At(index),
             [this, index] { return static_cast<std::uint64_t>(state.values.gain[index]); },
-            [this, index, low = least[index], high = most[index]](std::uint64_t value) {
+            [this, index](std::uint64_t value) {
                 const auto wanted = static_cast<std::int32_t>(static_cast<std::uint32_t>(value));
-                if (wanted < low || wanted > high) RefuseValue("the value is out of range");
+                if (wanted < minGain[index] || wanted > maxGain[index]) RefuseValue("the value is out of range");
                 state.values.gain[index] = wanted;
             });
-    AddNumber(0x508, &FeatureValues::blackLevel, 0, 1023);
-    AddFloat(
-        0x510, 4, [this]() -> double& { return state.values.gamma; }, 0.25, 4);
+    AddNumber({registers::BlackLevelReg, 0, maxBlackLevel, 1}, &FeatureValues::blackLevel);
+    AddReal(registers::GammaReg, [this]() -> double& { return state.values.gamma; });
     for (std::size_t index = 0; index < 3; ++index)
-        AddFloat(
-            0x520 + stepBytes * index, 4, [this, index]() -> double& { return state.values.balance[index]; }, 0.25, 4);
+        AddReal(
+            registers::BalanceRatioReg.At(index), [this, index]() -> double& { return state.values.balance[index]; });
 }
 
 void CameraFeatures::AddTable()
 {
-    AddNumber(0x540, &FeatureValues::tableEnabled, 0, 1);
+    AddNumber(registers::LUTEnableReg, &FeatureValues::tableEnabled);
     map.AddBlock(
-        0x600, sizeof state.values.table,
+        registers::LUTValueAll,
         [this] {
             const auto bytes = std::as_bytes(std::span(state.values.table));
             return std::vector<std::byte>(bytes.begin(), bytes.end());
@@ -197,50 +185,52 @@ void CameraFeatures::AddTable()
 
 void CameraFeatures::AddCountersAndTimer()
 {
+    static_assert(registers::CounterEventSourceReg.most == static_cast<std::uint64_t>(CounterEvent::Line0));
     for (std::size_t index = 0; index < 2; ++index)
     {
-        AddNumber(
-            0x700 + stepBytes * index, [this, index]() -> std::uint64_t& { return state.values.counterSource[index]; },
-            0, static_cast<std::uint64_t>(CounterEvent::Line0));
-        map.AddCommand(0x708 + stepBytes * index, [this, index] { state.acquisition.ResetCounter(index); });
-        map.AddInteger(0x710 + stepBytes * index, 4, [this, index] { return state.acquisition.Counter(index); });
+        AddNumber(registers::CounterEventSourceReg.At(index), [this, index]() -> std::uint64_t& {
+            return state.values.counterSource[index];
+        });
+        map.AddCommand(registers::CounterResetReg.At(index), [this, index] { state.acquisition.ResetCounter(index); });
+        map.AddInteger(
+            registers::CounterValueReg.At(index), [this, index] { return state.acquisition.Counter(index); });
     }
-    AddFloat(
-        0x720, 8, [this]() -> double& { return state.values.timerDuration_us; }, 1, 60'000'000);
-    map.AddCommand(0x728, [this] { state.timerStart = Clock::now(); });
-    map.AddInteger(0x72C, 4, [this] { return TimerStatus(); });
-    map.AddFloat(0x730, 8, [this] { return TimerValue_us(); });
+    AddReal(registers::TimerDurationReg, [this]() -> double& { return state.values.timerDuration_us; });
+    map.AddCommand(registers::TimerResetReg, [this] { state.timerStart = Clock::now(); });
+    map.AddInteger(registers::TimerStatusReg, [this] { return TimerStatus(); });
+    map.AddFloat(registers::TimerValue, [this] { return TimerValue_us(); });
 }
 
 void CameraFeatures::AddLines()
 {
-    const auto add = [this](std::uint64_t address, std::function<std::uint64_t&()> value) {
-        map.AddInteger(address, 4, value, [this, value](std::uint64_t wanted) {
-            if (wanted > 1) RefuseValue("the value is out of range");
+    const auto add = [this](const NumberRegister& place, const std::function<std::uint64_t&()>& value) {
+        AddSetting(place, value, [this, value](std::uint64_t wanted) {
             const std::uint64_t before = state.values.LineLevels();
             value() = wanted;
             OnLinesChanged(before);
         });
     };
     for (std::size_t line = 0; line < 2; ++line)
-        add(0x748 + stepBytes * line, [this, line]() -> std::uint64_t& { return state.values.lineInverted[line]; });
-    add(0x75C, [this]() -> std::uint64_t& { return state.values.lineSource; });
-    add(0x764, [this]() -> std::uint64_t& { return state.values.userOutput; });
-    map.AddInteger(0x760, 4, [this] { return state.values.LineLevels(); });
+        add(registers::LineInverterReg.At(line),
+            [this, line]() -> std::uint64_t& { return state.values.lineInverted[line]; });
+    add(registers::LineSourceReg, [this]() -> std::uint64_t& { return state.values.lineSource; });
+    add(registers::UserOutputValueReg, [this]() -> std::uint64_t& { return state.values.userOutput; });
+    map.AddInteger(registers::LineStatusAll, [this] { return state.values.LineLevels(); });
 }
 
 void CameraFeatures::AddUserSets()
 {
     for (std::size_t set = 0; set < state.userSets.size(); ++set)
     {
-        map.AddCommand(0x780 + stepBytes * set, [this, set] {
+        map.AddCommand(registers::UserSetLoadReg.At(set), [this, set] {
             RequireUnlocked();
             Load(set);
         });
-        if (set > 0) map.AddCommand(0x790 + stepBytes * set, [this, set] { state.userSets[set] = state.values; });
+        if (set > 0)
+            map.AddCommand(registers::UserSetSaveReg.At(set), [this, set] { state.userSets[set] = state.values; });
     }
-    AddNumber(
-        0x7A0, [this]() -> std::uint64_t& { return state.userSetDefault; }, 0, state.userSets.size() - 1);
+    static_assert(registers::UserSetDefaultReg.most + 1 == std::tuple_size_v<decltype(state.userSets)>);
+    AddNumber(registers::UserSetDefaultReg, [this]() -> std::uint64_t& { return state.userSetDefault; });
 }
 
 } // namespace koro::simulator

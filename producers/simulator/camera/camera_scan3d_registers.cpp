@@ -1,5 +1,5 @@
 // The registers of a camera that measures distances.
-#include "producers/simulator/camera/camera_features.h"
+#include "producers/simulator/camera/register_settings.h"
 #include "producers/simulator/frames/surface.h"
 
 namespace koro::simulator
@@ -7,40 +7,35 @@ namespace koro::simulator
 namespace
 {
 
-constexpr std::uint64_t componentStep = 0xA00; // between the registers of PixelFormat[ComponentSelector]
-constexpr std::size_t firstFormatBit = 42;     // of Coord3D_C16 in the words of the formats
+constexpr std::size_t firstFormatBit = 42; // of Coord3D_C16 in the words of the formats
 
 } // namespace
 
 void CameraFeatures::AddScan3d()
 {
-    map.AddInteger(0xD2C, 4, sensor.measures ? 1 : 0);
+    map.AddInteger(registers::HasScan3d, sensor.measures ? 1 : 0);
     if (!sensor.measures) return;
-    AddNumber(0xD00, &FeatureValues::scan3dMode, 0, 1, Lock::WithFormat);
+    AddNumber(registers::Scan3dOutputModeReg, &FeatureValues::scan3dMode);
     for (std::uint32_t index = 0; index < numPartKinds; ++index)
     {
         const auto kind = static_cast<PartKind>(index);
-        map.AddInteger(
-            0xD20 + 4 * index, 4, [this, index] { return state.values.partSet >> index & 1; },
-            [this, kind](std::uint64_t wanted) {
-                RequireUnlocked();
-                state.values.SetPart(kind, wanted);
-            });
+        AddSetting(
+            registers::ComponentEnableReg.At(index), [this, index] { return state.values.partSet >> index & 1; },
+            [this, kind](std::uint64_t wanted) { state.values.SetPart(kind, wanted); });
         if (kind == PartKind::Intensity) continue;
         const std::uint64_t code = FormatOf(kind).code;
-        map.AddInteger(
-            0x308 + componentStep * index, 4, [code] { return code; },
-            [this, code](std::uint64_t wanted) {
-                RequireUnlocked();
+        AddSetting(
+            registers::PixelFormatReg.At(index), [code] { return code; },
+            [code](std::uint64_t wanted) {
                 if (wanted != code) RefuseValue("the component has one format");
             });
-        map.AddInteger(0x380 + componentStep * index, 4, 0);
-        map.AddInteger(0x384 + componentStep * index, 4, std::uint64_t{1} << (firstFormatBit - 32 + index - 1));
+        map.AddInteger(registers::HasMono8.At(index), 0);
+        map.AddInteger(registers::HasCoord3D.At(index), std::uint64_t{1} << (firstFormatBit - 32 + index - 1));
     }
     for (std::size_t axis = 0; axis < 3; ++axis)
     {
-        map.AddFloat(0xD30 + 8 * axis, 8, [this, axis] { return Coordinate(axis).scale_mm; });
-        map.AddFloat(0xD48 + 8 * axis, 8, [this, axis] { return Coordinate(axis).offset_mm; });
+        map.AddFloat(registers::Scan3dCoordinateScale.At(axis), [this, axis] { return Coordinate(axis).scale_mm; });
+        map.AddFloat(registers::Scan3dCoordinateOffset.At(axis), [this, axis] { return Coordinate(axis).offset_mm; });
     }
 }
 

@@ -4,6 +4,7 @@
 #include "producers/simulator/kit.h"
 
 #include <algorithm>
+#include <camera_register_names.h>
 #include <cmath>
 #include <numeric>
 
@@ -17,6 +18,7 @@ constexpr double usualExposure_us = 10'000;
 constexpr double usualRate = 25;
 constexpr double fastestRate = 1000; // of a paced camera that is left to itself
 constexpr std::uint64_t largestBinning = 4;
+constexpr RealRegister exposureRegister = registers::ExposureTimeReg;
 
 bool IsBayer(Colours colours) noexcept
 {
@@ -36,7 +38,8 @@ bool IsWithin(Number value, Number least, Number most) noexcept
 
 bool TriggerFits(const Trigger& trigger) noexcept
 {
-    return trigger.mode <= 1 && trigger.source <= 1 && trigger.activation <= 2;
+    return registers::TriggerModeReg.Allows(trigger.mode) && registers::TriggerSourceReg.Allows(trigger.source) &&
+           registers::TriggerActivationReg.Allows(trigger.activation);
 }
 
 } // namespace
@@ -47,7 +50,7 @@ Sensor::Sensor(const CameraSettings& settings)
       measures(settings.scan3d)
 {
     if (settings.rate > 0)
-        neutralExposure_us = std::clamp(microseconds / settings.rate, minExposure_us, usualExposure_us);
+        neutralExposure_us = std::clamp(microseconds / settings.rate, exposureRegister.least, usualExposure_us);
 }
 
 bool Sensor::CanSend(const PixelFormat& format) const noexcept
@@ -156,7 +159,7 @@ double FeatureValues::GainFactor() const
 
 double FeatureValues::AutomaticExposure_us(const Sensor& sensor) const
 {
-    return std::clamp(sensor.neutralExposure_us / GainFactor(), minExposure_us, maxExposure_us);
+    return std::clamp(sensor.neutralExposure_us / GainFactor(), exposureRegister.least, exposureRegister.most);
 }
 
 double FeatureValues::Exposure_us(const Sensor& sensor) const
@@ -263,40 +266,53 @@ bool FeatureValues::GeometryFits(const Sensor& sensor) const
     if (!IsWithin<std::uint64_t>(width, 1, WidthMax(sensor)) || width % WidthStep() != 0) return false;
     if (!IsWithin<std::uint64_t>(height, 1, HeightMax(sensor))) return false;
     return offsetX <= WidthMax(sensor) - width && offsetX % offsetStep == 0 && offsetY <= HeightMax(sensor) - height &&
-           offsetY % offsetStep == 0 && reverseX <= 1 && reverseY <= 1 && Parts().Bytes() <= maxPayloadBytes &&
-           testPattern <= static_cast<std::uint64_t>(TestPattern::ColorBar) && chunkModeActive <= 1 &&
+           offsetY % offsetStep == 0 && registers::ReverseXReg.Allows(reverseX) &&
+           registers::ReverseYReg.Allows(reverseY) && Parts().Bytes() <= maxPayloadBytes &&
+           registers::TestPatternReg.Allows(testPattern) && registers::ChunkModeActiveReg.Allows(chunkModeActive) &&
            (chunkSet & imageChunk) != 0 && chunkSet <= allChunks && partSet >= 1 &&
-           partSet <= (sensor.measures ? allParts : intensityPart) && scan3dMode <= 1;
+           partSet <= (sensor.measures ? allParts : intensityPart) && registers::Scan3dOutputModeReg.Allows(scan3dMode);
 }
 
 bool FeatureValues::AcquisitionFits() const noexcept
 {
-    return acquisitionMode <= static_cast<std::uint64_t>(AcquisitionMode::MultiFrame) &&
-           IsWithin<std::uint64_t>(frameCount, 1, 65535) && rateEnabled <= 1 && IsWithin(rate, 0.001, 100'000.0) &&
-           IsWithin(exposure_us, minExposure_us, maxExposure_us) && TriggerFits(triggers[0]) &&
-           TriggerFits(triggers[1]);
+    return registers::AcquisitionModeReg.Allows(acquisitionMode) &&
+           registers::AcquisitionFrameCountReg.Allows(frameCount) &&
+           registers::AcquisitionFrameRateEnableReg.Allows(rateEnabled) &&
+           registers::AcquisitionFrameRateReg.Allows(rate) && registers::ExposureTimeReg.Allows(exposure_us) &&
+           TriggerFits(triggers[0]) && TriggerFits(triggers[1]);
+}
+
+bool FeatureValues::AnalogFits() const noexcept
+{
+    const auto isRatio = [](double ratio) { return registers::BalanceRatioReg.Allows(ratio); };
+    return IsWithin(gain[0], minGain[0], maxGain[0]) && IsWithin(gain[1], minGain[1], maxGain[1]) &&
+           blackLevel <= maxBlackLevel && registers::GammaReg.Allows(gamma) &&
+           std::all_of(balance.begin(), balance.end(), isRatio) && registers::LUTEnableReg.Allows(tableEnabled);
+}
+
+bool FeatureValues::LinesFit() const noexcept
+{
+    const auto& counterSources = registers::CounterEventSourceReg;
+    const auto& inverter = registers::LineInverterReg;
+    return counterSources.Allows(counterSource[0]) && counterSources.Allows(counterSource[1]) &&
+           registers::TimerDurationReg.Allows(timerDuration_us) && inverter.Allows(lineInverted[0]) &&
+           inverter.Allows(lineInverted[1]) && registers::LineSourceReg.Allows(lineSource) &&
+           registers::UserOutputValueReg.Allows(userOutput) && notifiedEvents >> numCameraEvents == 0;
 }
 
 bool FeatureValues::TransportFits() const noexcept
 {
-    return heartbeat <= 1 && IsWithin<std::uint64_t>(heartbeatTimeout_us, 500'000, 60'000'000) &&
-           IsWithin<std::uint64_t>(packetSize, 576, 9000) && packetDelay <= 1'000'000 &&
-           IsWithin<std::uint64_t>(maximumLeader, 52, 65536) && IsWithin<std::uint64_t>(maximumTrailer, 52, 65536) &&
-           IsWithin<std::uint64_t>(transferSize, 1024, 1'048'576);
+    return registers::DeviceLinkHeartbeatModeReg.Allows(heartbeat) &&
+           registers::DeviceLinkHeartbeatTimeoutReg.Allows(heartbeatTimeout_us) &&
+           registers::GevSCPSPacketSizeReg.Allows(packetSize) && registers::GevSCPDReg.Allows(packetDelay) &&
+           registers::SIMaximumLeaderSizeReg.Allows(maximumLeader) &&
+           registers::SIMaximumTrailerSizeReg.Allows(maximumTrailer) &&
+           registers::SIPayloadTransferSizeReg.Allows(transferSize);
 }
 
 bool FeatureValues::Fits(const Sensor& sensor) const
 {
-    const bool analogFits =
-        IsWithin(gain[0], 0, 2400) && IsWithin(gain[1], -600, 1200) && blackLevel <= 1023 &&
-        IsWithin(gamma, 0.25, 4.0) &&
-        std::all_of(balance.begin(), balance.end(), [](double ratio) { return IsWithin(ratio, 0.25, 4.0); }) &&
-        tableEnabled <= 1;
-    const bool linesFit = counterSource[0] <= 4 && counterSource[1] <= 4 &&
-                          IsWithin(timerDuration_us, 1.0, 60'000'000.0) && lineInverted[0] <= 1 &&
-                          lineInverted[1] <= 1 && lineSource <= 1 && userOutput <= 1 &&
-                          notifiedEvents >> numCameraEvents == 0;
-    return GeometryFits(sensor) && AcquisitionFits() && analogFits && linesFit && TransportFits();
+    return GeometryFits(sensor) && AcquisitionFits() && AnalogFits() && LinesFit() && TransportFits();
 }
 
 } // namespace koro::simulator

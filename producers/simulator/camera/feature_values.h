@@ -149,12 +149,16 @@ private:
     ChunkValues MakeChunkValues(const Sensor& sensor) const noexcept;
     bool GeometryFits(const Sensor& sensor) const;
     bool AcquisitionFits() const noexcept;
+    bool AnalogFits() const noexcept;
+    bool LinesFit() const noexcept;
     bool TransportFits() const noexcept;
 };
 
-inline constexpr double minExposure_us = 10;
-inline constexpr double maxExposure_us = 10'000'000;
 inline constexpr std::uint64_t offsetStep = 2; // keeps the colours of a Bayer pattern in place
+// Ranges that the descriptions compute, here in the numbers of the registers.
+inline constexpr std::array<std::int32_t, 2> minGain{0, -600};
+inline constexpr std::array<std::int32_t, 2> maxGain{2400, 1200};
+inline constexpr std::uint64_t maxBlackLevel = 1023;
 
 template <typename Values, typename Each>
 void FeatureValues::ForEachField(Values& values, const Each& each)

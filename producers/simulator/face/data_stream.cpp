@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <stream_register_names.h>
 #include <utility>
 
 namespace koro::simulator
@@ -57,22 +58,22 @@ PortRegisters DataStream::MakeRegisters()
 {
     auto map = std::make_shared<RegisterMap>();
     AddCommonRegisters(*map, StreamFacts(*device), streamDescription);
-    map->AddInteger(0x140, 4, TransportTypeNumber(camera->TLType()));
-    map->AddInteger(0x144, 4, oldestFirst);
-    const auto mirror = [this, &map](std::uint64_t address, std::size_t bytes, STREAM_INFO_CMD command) {
-        map->AddInteger(address, bytes, [this, command] { return NumberIn(Info(command)); });
+    map->AddInteger(registers::stream::StreamTypeReg, TransportTypeNumber(camera->TLType()));
+    map->AddInteger(registers::stream::StreamBufferHandlingModeReg, oldestFirst);
+    const auto mirror = [this, &map](RegisterPlace place, STREAM_INFO_CMD command) {
+        map->AddInteger(place, [this, command] { return NumberIn(Info(command)); });
     };
-    mirror(0x148, 4, STREAM_INFO_IS_GRABBING);
-    mirror(0x180, 8, STREAM_INFO_PAYLOAD_SIZE);
-    mirror(0x188, 8, STREAM_INFO_NUM_ANNOUNCED);
-    mirror(0x190, 8, STREAM_INFO_BUF_ANNOUNCE_MIN);
-    mirror(0x198, 8, STREAM_INFO_BUF_ALIGNMENT);
-    mirror(0x1A0, 8, STREAM_INFO_NUM_QUEUED);
-    mirror(0x1A8, 8, STREAM_INFO_NUM_AWAIT_DELIVERY);
-    mirror(0x1B0, 8, STREAM_INFO_NUM_CHUNKS_MAX);
-    mirror(0x1B8, 8, STREAM_INFO_NUM_STARTED);
-    mirror(0x1C0, 8, STREAM_INFO_NUM_DELIVERED);
-    mirror(0x1C8, 8, STREAM_INFO_NUM_UNDERRUN);
+    mirror(registers::stream::StreamIsGrabbingReg, STREAM_INFO_IS_GRABBING);
+    mirror(registers::stream::PayloadSize, STREAM_INFO_PAYLOAD_SIZE);
+    mirror(registers::stream::StreamAnnouncedBufferCount, STREAM_INFO_NUM_ANNOUNCED);
+    mirror(registers::stream::StreamAnnounceBufferMinimum, STREAM_INFO_BUF_ANNOUNCE_MIN);
+    mirror(registers::stream::StreamBufferAlignment, STREAM_INFO_BUF_ALIGNMENT);
+    mirror(registers::stream::StreamInputBufferCount, STREAM_INFO_NUM_QUEUED);
+    mirror(registers::stream::StreamOutputBufferCount, STREAM_INFO_NUM_AWAIT_DELIVERY);
+    mirror(registers::stream::StreamChunkCountMaximum, STREAM_INFO_NUM_CHUNKS_MAX);
+    mirror(registers::stream::StreamStartedFrameCount, STREAM_INFO_NUM_STARTED);
+    mirror(registers::stream::StreamDeliveredFrameCount, STREAM_INFO_NUM_DELIVERED);
+    mirror(registers::stream::StreamLostFrameCount, STREAM_INFO_NUM_UNDERRUN);
     AddEventRegisters(*map, camera->TLType());
     return {map, {LocalURL(streamDescription)}};
 }

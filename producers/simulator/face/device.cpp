@@ -7,6 +7,7 @@
 #include "producers/simulator/face/library.h"
 #include "producers/simulator/face/system.h"
 
+#include <device_register_names.h>
 #include <utility>
 
 namespace koro::simulator
@@ -19,12 +20,12 @@ constexpr std::uint64_t timestampTicksPerSecond = 1'000'000'000;
 constexpr std::uint64_t standardEndianess = 1; // of DeviceEndianessMechanism
 
 // A number that nothing follows from.
-void AddSetting(RegisterMap& map, std::uint64_t address, std::uint64_t& value, std::uint64_t least, std::uint64_t most)
+void AddSetting(RegisterMap& map, const NumberRegister& place, std::uint64_t& value)
 {
     map.AddInteger(
-        address, 4, [&value] { return value; },
-        [&value, least, most](std::uint64_t wanted) {
-            if (wanted < least || wanted > most) RefuseValue("the value is out of range");
+        place, [&value] { return value; },
+        [&value, place](std::uint64_t wanted) {
+            if (!place.Allows(wanted)) RefuseValue("the value is out of range");
             value = wanted;
         });
 }
@@ -113,21 +114,22 @@ PortRegisters Device::MakeRegisters()
     auto map = std::make_shared<RegisterMap>();
     const NetworkAddress& network = camera->Network();
     AddCommonRegisters(*map, camera->Facts("TLDevice", "DevicePort"), deviceDescription);
-    map->AddText(0x100, textRegisterBytes, camera->Settings().serial);
-    map->AddInteger(0x140, 4, TransportTypeNumber(camera->TLType()));
-    map->AddInteger(0x144, 4, [this] { return static_cast<std::uint64_t>(AccessStatus()); });
-    map->AddInteger(0x148, 8, timestampTicksPerSecond);
-    map->AddInteger(0x150, 4, camera->TLType() == "GEV" ? 1 : 0);
-    map->AddInteger(0x154, 4, standardEndianess);
-    map->AddInteger(0x180, 8, network.mac);
-    map->AddInteger(0x188, 4, network.ip);
-    map->AddInteger(0x18C, 4, network.mask);
-    map->AddInteger(0x190, 4, network.gateway);
-    AddSetting(*map, 0x1A0, commandTimeout_us, 1'000, 60'000'000);
+    map->AddText(registers::device::DeviceSerialNumber, camera->Settings().serial);
+    map->AddInteger(registers::device::DeviceTypeReg, TransportTypeNumber(camera->TLType()));
+    map->AddInteger(
+        registers::device::DeviceAccessStatusReg, [this] { return static_cast<std::uint64_t>(AccessStatus()); });
+    map->AddInteger(registers::device::DeviceTimestampFrequency, timestampTicksPerSecond);
+    map->AddInteger(registers::device::DeviceIsGigEVision, camera->TLType() == "GEV" ? 1 : 0);
+    map->AddInteger(registers::device::DeviceEndianessMechanismReg, standardEndianess);
+    map->AddInteger(registers::device::GevDeviceMACAddress, network.mac);
+    map->AddInteger(registers::device::GevDeviceIPAddress, network.ip);
+    map->AddInteger(registers::device::GevDeviceSubnetMask, network.mask);
+    map->AddInteger(registers::device::GevDeviceGateway, network.gateway);
+    AddSetting(*map, registers::device::LinkCommandTimeoutReg, commandTimeout_us);
     AddRetries(*map);
-    AddSetting(*map, 0x1B0, commandLength, 36, 65535);
-    map->AddText(0x200, textRegisterBytes, StreamId(0));
-    map->AddText(0x1100, 512, camera->DisplayNameUnder(id));
+    AddSetting(*map, registers::device::GevGVCPCMDLengthReg, commandLength);
+    map->AddText(registers::device::StreamID, StreamId(0));
+    map->AddText(registers::device::DeviceDisplayName, camera->DisplayNameUnder(id));
     AddEventRegisters(*map, camera->TLType());
     return {map, {LocalURL(deviceDescription)}};
 }
@@ -137,11 +139,13 @@ void Device::AddRetries(RegisterMap& map)
     const CommandRetries& retries = camera->Settings().retries;
     commandRetries = retries.number;
     if (retries.isReadOnly)
-        map.AddInteger(0x1A4, 4, commandRetries);
+        map.AddInteger(registers::device::LinkCommandRetryCountReg, commandRetries);
     else
-        AddSetting(map, 0x1A4, commandRetries, 0, retries.maximum);
-    map.AddInteger(0x1A8, 4, retries.maximum);
-    map.AddInteger(0x1AC, 4, (retries.isImplemented ? 1U : 0U) | (retries.isReadOnly ? 2U : 0U));
+        AddSetting(map, {registers::device::LinkCommandRetryCountReg, 0, retries.maximum, 1}, commandRetries);
+    map.AddInteger(registers::device::LinkCommandRetryMaximum, retries.maximum);
+    map.AddInteger(
+        registers::device::LinkCommandRetriesAreThere,
+        (retries.isImplemented ? 1U : 0U) | (retries.isReadOnly ? 2U : 0U));
 }
 
 bool Device::SupportsEvent(EVENT_TYPE type) const noexcept

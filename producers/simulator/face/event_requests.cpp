@@ -8,6 +8,7 @@
 #include "producers/simulator/kit.h"
 
 #include <algorithm>
+#include <system_register_names.h>
 #include <utility>
 
 namespace koro::simulator
@@ -15,7 +16,6 @@ namespace koro::simulator
 namespace
 {
 
-constexpr std::size_t textBytes = 256;
 std::uint64_t IndexOf(EVENT_TYPE type)
 {
     const auto* const found = std::find(requestableEvents.begin(), requestableEvents.end(), type);
@@ -70,33 +70,33 @@ void EventRequests::AddRegisters(RegisterMap& map, std::function<void(const Even
         return next;
     };
     map.AddInteger(
-        0x640, 4, [present] { return static_cast<std::uint64_t>(present().module); },
+        registers::system::SimulatedEventModuleReg, [present] { return static_cast<std::uint64_t>(present().module); },
         [change](std::uint64_t module) {
             if (module >= numEventModules) RefuseValue("there is no such module");
             change([module](EventRequest& request) { request.module = static_cast<EventModule>(module); });
         });
     map.AddInteger(
-        0x644, 4, [present] { return IndexOf(present().type); },
+        registers::system::SimulatedEventTypeReg, [present] { return IndexOf(present().type); },
         [change](std::uint64_t type) {
             if (type >= requestableEvents.size()) RefuseValue("there is no such event");
             change([type](EventRequest& request) { request.type = requestableEvents[type]; });
         });
     map.AddInteger(
-        0x648, 4, [present] { return static_cast<std::uint32_t>(present().code); },
+        registers::system::SimulatedEventErrorCodeReg, [present] { return static_cast<std::uint32_t>(present().code); },
         [change](std::uint64_t code) {
             change([code](EventRequest& request) { request.code = static_cast<GC_ERROR>(code); });
         });
-    map.AddAction(0x64C, [present, send = std::move(send)] { send(present()); });
-    const auto addText = [&](std::uint64_t address, std::string EventRequest::*member) {
+    map.AddAction(registers::system::SimulatedEventSendReg, [present, send = std::move(send)] { send(present()); });
+    const auto addText = [&](RegisterPlace place, std::string EventRequest::*member) {
         map.AddText(
-            address, textBytes, [present, member] { return present().*member; },
+            place, [present, member] { return present().*member; },
             [change, member](const std::string& text) {
                 change([&text, member](EventRequest& request) { request.*member = text; });
             });
     };
-    addText(0x1500, &EventRequest::feature);
-    addText(0x1600, &EventRequest::value);
-    addText(0x1700, &EventRequest::text);
+    addText(registers::system::SimulatedEventFeature, &EventRequest::feature);
+    addText(registers::system::SimulatedEventValue, &EventRequest::value);
+    addText(registers::system::SimulatedEventErrorText, &EventRequest::text);
 }
 
 } // namespace koro::simulator

@@ -7,6 +7,7 @@
 #include "producers/simulator/face/system.h"
 
 #include <algorithm>
+#include <interface_register_names.h>
 #include <utility>
 
 namespace koro::simulator
@@ -30,18 +31,19 @@ PortRegisters Interface::MakeRegisters()
 {
     auto map = std::make_shared<RegisterMap>();
     AddCommonRegisters(*map, FactsOf(*model), interfaceDescription);
-    map->AddText(0x1100, 256, model->displayName);
-    map->AddInteger(0x140, 4, TransportTypeNumber(model->tlType));
-    map->AddInteger(0x144, 4, system->TheLibrary().Facts().claimed.major);
-    map->AddInteger(0x148, 4, system->TheLibrary().Facts().claimed.minor);
-    map->AddInteger(0x14C, 4, model->tlType == "GEV" ? 1 : 0);
-    map->AddAction(0x160, [this] { UpdateDevices(updateTimeout_ms); });
+    map->AddText(registers::interface::InterfaceDisplayName, model->displayName);
+    map->AddInteger(registers::interface::InterfaceTypeReg, TransportTypeNumber(model->tlType));
+    map->AddInteger(registers::interface::InterfaceTLVersionMajor, system->TheLibrary().Facts().claimed.major);
+    map->AddInteger(registers::interface::InterfaceTLVersionMinor, system->TheLibrary().Facts().claimed.minor);
+    map->AddInteger(registers::interface::InterfaceIsGigEVision, model->tlType == "GEV" ? 1 : 0);
+    map->AddAction(registers::interface::DeviceUpdateListReg, [this] { UpdateDevices(updateTimeout_ms); });
     map->AddInteger(
-        0x164, 4, [this] { return updateTimeout_ms; }, [this](std::uint64_t value) { updateTimeout_ms = value; });
-    map->AddInteger(0x180, 8, model->network.mac);
-    map->AddInteger(0x188, 4, model->network.gateway);
-    map->AddInteger(0x18C, 4, model->network.ip);
-    map->AddInteger(0x190, 4, model->network.mask);
+        registers::interface::DeviceUpdateTimeoutReg, [this] { return updateTimeout_ms; },
+        [this](std::uint64_t value) { updateTimeout_ms = value; });
+    map->AddInteger(registers::interface::GevInterfaceMACAddress, model->network.mac);
+    map->AddInteger(registers::interface::GevInterfaceGateway, model->network.gateway);
+    map->AddInteger(registers::interface::GevInterfaceSubnetIPAddress, model->network.ip);
+    map->AddInteger(registers::interface::GevInterfaceSubnetMask, model->network.mask);
     AddDeviceRegisters(*map);
     AddEventRegisters(*map, model->tlType);
     return {map, {LocalURL(interfaceDescription)}};
@@ -51,24 +53,26 @@ void Interface::AddDeviceRegisters(RegisterMap& map)
 {
     const auto maximum = [this]() -> std::uint64_t { return std::max<std::size_t>(NumDevices(), 1) - 1; };
     map.AddInteger(
-        0x168, 4, [this] { return deviceSelector; },
+        registers::interface::DeviceSelectorReg, [this] { return deviceSelector; },
         [this, maximum](std::uint64_t value) {
             if (value > maximum()) RefuseValue("the list has fewer devices");
             deviceSelector = value;
         });
-    map.AddInteger(0x16C, 4, maximum);
-    map.AddInteger(0x170, 4, [this] { return NumDevices(); });
-    map.AddInteger(0x174, 4, [this] { return static_cast<std::uint64_t>(AccessStatusOf(*SelectedCamera())); });
-    map.AddInteger(0x178, 4, system->TheLibrary().Facts().claimed.major);
-    map.AddInteger(0x17C, 4, system->TheLibrary().Facts().claimed.minor);
-    map.AddInteger(0x1A0, 8, [this] { return SelectedCamera()->Network().mac; });
-    map.AddInteger(0x1A8, 4, [this] { return SelectedCamera()->Network().ip; });
-    map.AddInteger(0x1AC, 4, [this] { return SelectedCamera()->Network().mask; });
-    map.AddText(0x200, 128, [this] { return SelectedCamera()->Id(); });
-    map.AddText(0x280, 128, [this] { return SelectedCamera()->Settings().vendor; });
-    map.AddText(0x300, 128, [this] { return SelectedCamera()->Settings().model; });
-    map.AddText(0x380, 128, [this] { return SelectedCamera()->Settings().serial; });
-    map.AddText(0x400, 128, [this] { return SelectedCamera()->UserName(); });
+    map.AddInteger(registers::interface::DeviceSelectorMax, maximum);
+    map.AddInteger(registers::interface::DeviceCount, [this] { return NumDevices(); });
+    map.AddInteger(registers::interface::DeviceAccessStatusReg, [this] {
+        return static_cast<std::uint64_t>(AccessStatusOf(*SelectedCamera()));
+    });
+    map.AddInteger(registers::interface::DeviceTLVersionMajor, system->TheLibrary().Facts().claimed.major);
+    map.AddInteger(registers::interface::DeviceTLVersionMinor, system->TheLibrary().Facts().claimed.minor);
+    map.AddInteger(registers::interface::GevDeviceMACAddress, [this] { return SelectedCamera()->Network().mac; });
+    map.AddInteger(registers::interface::GevDeviceIPAddress, [this] { return SelectedCamera()->Network().ip; });
+    map.AddInteger(registers::interface::GevDeviceSubnetMask, [this] { return SelectedCamera()->Network().mask; });
+    map.AddText(registers::interface::DeviceID, [this] { return SelectedCamera()->Id(); });
+    map.AddText(registers::interface::DeviceVendorName, [this] { return SelectedCamera()->Settings().vendor; });
+    map.AddText(registers::interface::DeviceModelName, [this] { return SelectedCamera()->Settings().model; });
+    map.AddText(registers::interface::DeviceSerialNumber, [this] { return SelectedCamera()->Settings().serial; });
+    map.AddText(registers::interface::DeviceUserID, [this] { return SelectedCamera()->UserName(); });
 }
 
 std::shared_ptr<Camera> Interface::SelectedCamera() const

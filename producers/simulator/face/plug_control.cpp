@@ -6,6 +6,7 @@
 #include "producers/simulator/kit.h"
 
 #include <algorithm>
+#include <system_register_names.h>
 
 namespace koro::simulator
 {
@@ -23,21 +24,26 @@ void PlugControl::AddRegisters(RegisterMap& map)
 {
     const auto maximum = [this]() -> std::uint64_t { return std::max<std::size_t>(places.size(), 1) - 1; };
     map.AddInteger(
-        0x1C0, 4, [this]() -> std::uint64_t { return selector; },
+        registers::system::SimulatedCameraSelectorReg, [this]() -> std::uint64_t { return selector; },
         [this, maximum](std::uint64_t value) {
             if (value > maximum()) RefuseValue("there are fewer cameras");
             selector = value;
         });
-    map.AddInteger(0x1C4, 4, maximum());
-    map.AddInteger(0x1C8, 4, places.size());
-    map.AddInteger(0x1CC, 4, [this]() -> std::uint64_t { return Selected().camera->IsUnplugged() ? 0 : 1; });
-    map.AddAction(0x1D0, [this] { PerformOnSelected(ConnectionStep::Kind::Unplug); });
-    map.AddAction(0x1D4, [this] { PerformOnSelected(ConnectionStep::Kind::Replug); });
-    map.AddAction(0x1D8, [this] { script.Step(); });
-    map.AddInteger(0x1DC, 4, [this]() -> std::uint64_t { return script.CanStep() ? 1 : 0; });
-    map.AddInteger(0x1E0, 8, [this] { return script.StepsLeft(); });
+    map.AddInteger(registers::system::SimulatedCameraSelectorMax, maximum());
+    map.AddInteger(registers::system::SimulatedCameraCount, places.size());
+    map.AddInteger(registers::system::SimulatedCameraIsPluggedReg, [this]() -> std::uint64_t {
+        return Selected().camera->IsUnplugged() ? 0 : 1;
+    });
+    map.AddAction(
+        registers::system::SimulatedCameraUnplugReg, [this] { PerformOnSelected(ConnectionStep::Kind::Unplug); });
+    map.AddAction(
+        registers::system::SimulatedCameraReplugReg, [this] { PerformOnSelected(ConnectionStep::Kind::Replug); });
+    map.AddAction(registers::system::SimulatedScriptStepReg, [this] { script.Step(); });
+    map.AddInteger(
+        registers::system::SimulatedScriptCanStep, [this]() -> std::uint64_t { return script.CanStep() ? 1 : 0; });
+    map.AddInteger(registers::system::SimulatedScriptStepsLeft, [this] { return script.StepsLeft(); });
     requests.AddRegisters(map, [this](const EventRequest& request) { SendOfSelected(request); });
-    map.AddText(0x1400, 256, [this] { return Selected().camera->Id(); });
+    map.AddText(registers::system::SimulatedCameraID, [this] { return Selected().camera->Id(); });
 }
 
 bool PlugControl::IsUnpluggedAt(const Camera& camera, std::uint64_t frame)

@@ -5,12 +5,19 @@
 #include "producers/simulator/face/library.h"
 
 #include <algorithm>
+#include <system_register_names.h>
 #include <utility>
 
 namespace koro::simulator
 {
 namespace
 {
+
+// The registers that the kit adds are where the description expects them.
+static_assert(registers::system::TLID.address == idRegister && registers::system::TLID.bytes == idRegisterBytes);
+static_assert(registers::system::TLVendorName.address == vendorRegister);
+static_assert(registers::system::TLModelName.address == modelRegister);
+static_assert(registers::system::TLVersion.address == versionRegister);
 
 PortFacts FactsOf(const Library& library)
 {
@@ -29,17 +36,18 @@ PortRegisters System::MakeRegisters()
 {
     auto map = std::make_shared<RegisterMap>();
     AddCommonRegisters(*map, FactsOf(*library), systemDescription);
-    map->AddText(0x100, 64, library->Info(TL_INFO_DISPLAYNAME).bytes);
-    map->AddInteger(0x140, 4, TransportTypeNumber(library->Facts().tlType));
-    map->AddInteger(0x144, 4, library->Facts().claimed.major);
-    map->AddInteger(0x148, 4, library->Facts().claimed.minor);
-    map->AddInteger(0x14C, 4, sfncVersionMajor);
-    map->AddInteger(0x150, 4, sfncVersionMinor);
-    map->AddAction(0x160, [this] { UpdateInterfaces(updateTimeout_ms); });
+    map->AddText(registers::system::TLDisplayName, library->Info(TL_INFO_DISPLAYNAME).bytes);
+    map->AddInteger(registers::system::TLTypeReg, TransportTypeNumber(library->Facts().tlType));
+    map->AddInteger(registers::system::GenTLVersionMajor, library->Facts().claimed.major);
+    map->AddInteger(registers::system::GenTLVersionMinor, library->Facts().claimed.minor);
+    map->AddInteger(registers::system::GenTLSFNCVersionMajor, sfncVersionMajor);
+    map->AddInteger(registers::system::GenTLSFNCVersionMinor, sfncVersionMinor);
+    map->AddAction(registers::system::InterfaceUpdateListReg, [this] { UpdateInterfaces(updateTimeout_ms); });
     map->AddInteger(
-        0x164, 4, [this] { return updateTimeout_ms; }, [this](std::uint64_t value) { updateTimeout_ms = value; });
-    map->AddText(0x1100, 256, library->Info(TL_INFO_NAME).bytes);
-    map->AddText(0x2000, 4096, LoadedFile());
+        registers::system::InterfaceUpdateTimeoutReg, [this] { return updateTimeout_ms; },
+        [this](std::uint64_t value) { updateTimeout_ms = value; });
+    map->AddText(registers::system::TLFileName, library->Info(TL_INFO_NAME).bytes);
+    map->AddText(registers::system::TLPath, LoadedFile());
     AddInterfaceRegisters(*map);
     plugs.AddRegisters(*map);
     AddEventRegisters(*map, library->Facts().tlType);
@@ -50,22 +58,24 @@ void System::AddInterfaceRegisters(RegisterMap& map)
 {
     const auto maximum = [this]() -> std::uint64_t { return std::max<std::size_t>(NumInterfaces(), 1) - 1; };
     map.AddInteger(
-        0x168, 4, [this] { return interfaceSelector; },
+        registers::system::InterfaceSelectorReg, [this] { return interfaceSelector; },
         [this, maximum](std::uint64_t value) {
             if (value > maximum()) RefuseValue("the list has fewer interfaces");
             interfaceSelector = value;
         });
-    map.AddInteger(0x16C, 4, maximum);
-    map.AddInteger(0x170, 4, [this] { return NumInterfaces(); });
-    map.AddInteger(0x174, 4, [this]() -> std::uint64_t {
+    map.AddInteger(registers::system::InterfaceSelectorMax, maximum);
+    map.AddInteger(registers::system::InterfaceCount, [this] { return NumInterfaces(); });
+    map.AddInteger(registers::system::InterfaceIsGigEVision, [this]() -> std::uint64_t {
         return NumInterfaces() > 0 && SelectedInterface().tlType == "GEV" ? 1 : 0;
     });
-    map.AddInteger(0x178, 4, [this] { return TransportTypeNumber(SelectedInterface().tlType); });
-    map.AddInteger(0x180, 8, [this] { return SelectedInterface().network.mac; });
-    map.AddInteger(0x188, 4, [this] { return SelectedInterface().network.ip; });
-    map.AddInteger(0x18C, 4, [this] { return SelectedInterface().network.mask; });
-    map.AddText(0x1200, 256, [this] { return SelectedInterface().id; });
-    map.AddText(0x1300, 256, [this] { return SelectedInterface().displayName; });
+    map.AddInteger(
+        registers::system::InterfaceTypeReg, [this] { return TransportTypeNumber(SelectedInterface().tlType); });
+    map.AddInteger(registers::system::GevInterfaceMACAddress, [this] { return SelectedInterface().network.mac; });
+    map.AddInteger(registers::system::GevInterfaceDefaultIPAddress, [this] { return SelectedInterface().network.ip; });
+    map.AddInteger(
+        registers::system::GevInterfaceDefaultSubnetMask, [this] { return SelectedInterface().network.mask; });
+    map.AddText(registers::system::InterfaceID, [this] { return SelectedInterface().id; });
+    map.AddText(registers::system::InterfaceDisplayName, [this] { return SelectedInterface().displayName; });
 }
 
 const InterfaceModel& System::SelectedInterface() const

@@ -99,6 +99,15 @@ TEST(KitRegisterMap, RunsActionsBehindItsLock)
     EXPECT_EQ(CodeOfAccess([&] { Write(map, 0, std::string("\2\0\0\0", 4)); }), GC_ERR_INVALID_VALUE);
 }
 
+TEST(KitRegisterMap, PlacesTheElementsOfAnArrayAtTheirDistance)
+{
+    constexpr RegisterPlace first{0x20, 2, 4};
+    RegisterMap map;
+    for (std::uint64_t index = 0; index < 3; ++index)
+        map.AddInteger(first.At(index), 0x6161 + index);
+    EXPECT_EQ(Bytes(map, 0x20, 2) + Bytes(map, 0x24, 2) + Bytes(map, 0x28, 2), "aabaca");
+}
+
 TEST(KitRegisterMap, RefusesRegistersThatOverlap)
 {
     RegisterMap map;
