@@ -1,5 +1,6 @@
 # Puts a camera's description together: the parts into the frame, byte order and bit numbers into the registers. Bit n of the
-# parts counts from the least significant bit; in big-endian registers the schema counts from the other end.
+# parts counts from the least significant bit; in big-endian registers the schema counts from the other end. Comments are
+# for docs/simulator.md and not for the cameras' users.
 # Run by: cmake -DFRAME=... -DPARTS=a.xml,b.xml -DMODEL=... -DGUID=... -DORDER=BigEndian
 # -DEVENTORDER=LittleEndian -DCHUNKTAIL=... -DOUTPUT=... -P
 cmake_minimum_required(VERSION 3.25) # which leaves @...@ alone
@@ -7,6 +8,7 @@ string(REPLACE "," ";" files "${PARTS}")
 set(parts "")
 foreach(file IN LISTS files)
     file(READ ${file} part)
+    string(REGEX REPLACE " *<!--[^>]*-->\n" "" part "${part}")
     string(APPEND parts "${part}")
 endforeach()
 string(REGEX REPLACE "\n$" "" parts "${parts}")
