@@ -1,3 +1,4 @@
+#include "tests/support/feature_file_forms.h"
 #include "tests/unit/genicam/persistence_bag.h"
 
 #include <gtest/gtest.h>
@@ -47,6 +48,12 @@ TEST(FeatureFile, ReadsWhatItWrites)
 {
     const std::string records = "A\t1\nB\t{S=x\tT=y}\ttext with\ttabs = and }\nC\t#1\nD\t{open\nE\t{a\tb\n";
     EXPECT_EQ(Read(magic + records), records);
+}
+
+TEST(FeatureFile, CommonFormIsReadAsByEveryReader)
+{
+    for (const koro::test::FeatureFileForm& form : koro::test::featureFileForms)
+        EXPECT_EQ(Read(magic + form.lines), form.records) << form.lines;
 }
 
 TEST(FeatureFile, LineEndsOfBothKindsAreRead)

@@ -1,4 +1,5 @@
 #include "nodes/feature_file.h"
+#include "tests/support/feature_file_forms.h"
 
 #include <Base/GCException.h>
 #include <GenApi/SelectorState.h>
@@ -95,6 +96,31 @@ TEST(FeatureFileReader, NamesSelectorsAndValuesAreRead)
     EXPECT_EQ(
         ReadRecords("Width\t640\nGain\t{Channel=Red\tBank=2}\t1.5\nHeight\t480\n"),
         "Width=640;Gain{Channel=Red}{Bank=2}=1.5;Height=480;");
+}
+
+TEST(FeatureFileReader, CommonFormIsReadAsByEveryReader)
+{
+    class Lines final : public FeatureRecords
+    {
+    public:
+        void Clear() override {}
+        CSelectorState* AllocateSelector() override { return &states.emplace_back(); }
+        void DeleteSelector(CSelectorState*&) override {}
+        void Push(const char* name, const char* value, CSelectorState* state) override
+        {
+            WriteFeatureRecord(text, name, value, *state);
+        }
+
+        std::ostringstream text;
+        std::list<CSelectorState> states;
+    };
+    for (const FeatureFileForm& form : featureFileForms)
+    {
+        std::istringstream stream(head + form.lines);
+        Lines lines;
+        ReadFeatureFile(stream, lines);
+        EXPECT_EQ(lines.text.str(), form.records) << form.lines;
+    }
 }
 
 TEST(FeatureFileReader, StreamAtItsEndIsRefusedAndNothingIsCleared)
