@@ -6,6 +6,7 @@
 // Without a file it uses the largest one of camera-descriptions/ below KORO_REFERENCE_DATA, otherwise a generated one.
 #include "bench/genapi_descriptions.h"
 #include "bench/measure.h"
+#include "bench/parse_only.h"
 
 #include <GenApi/NodeMapFactory.h>
 #include <GenICam.h>
@@ -13,7 +14,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <expat.h>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -64,14 +64,6 @@ Map MakeMap(const std::string& xml, MemoryPort& port)
 {
     CNodeMapFactory factory(ContentType_Xml, xml.data(), xml.size());
     return MakeMap(factory, port);
-}
-
-void ParseOnly(const std::string& xml)
-{
-    const XML_Parser parser = XML_ParserCreateNS(nullptr, '|');
-    const XML_Status status = XML_Parse(parser, xml.data(), static_cast<int>(xml.size()), XML_TRUE);
-    XML_ParserFree(parser);
-    if (status != XML_STATUS_OK) throw std::runtime_error("the description is no XML");
 }
 
 std::int64_t Status_KiB(const char* name)

@@ -7,6 +7,7 @@
 // Without a file it uses the largest one of camera-descriptions/ below KORO_REFERENCE_DATA, otherwise a generated one.
 #include "bench/genapi_descriptions.h"
 #include "bench/measure.h"
+#include "bench/parse_only.h"
 #include "bench/producer_access.h"
 #include "bench/runtime_map.h"
 #include "bench/served_description.h"
@@ -14,7 +15,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <expat.h>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -141,14 +141,6 @@ void PrintLongLists()
         "entries found by name"};
     for (std::size_t row = 0; row < columns[0].size(); ++row)
         std::printf("%-34s %10.1f %10.1f\n", names[row], columns[0][row], columns[1][row]);
-}
-
-void ParseOnly(const std::string& xml)
-{
-    const XML_Parser parser = XML_ParserCreateNS(nullptr, '|');
-    const XML_Status status = XML_Parse(parser, xml.data(), static_cast<int>(xml.size()), XML_TRUE);
-    XML_ParserFree(parser);
-    if (status != XML_STATUS_OK) throw std::runtime_error("the description is no XML");
 }
 
 // The first ten features that can be read and are whole numbers, as an application would look for them.

@@ -1,5 +1,6 @@
 #include "firmware/control_file.h"
 
+#include "base/quoted.h"
 #include "firmware/bounds.h"
 #include "firmware/control_grammar.h"
 #include "xml/xml_reader.h"
@@ -24,9 +25,9 @@ std::string_view WithoutBlanks(std::string_view text)
     return text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
-std::string Quoted(std::string_view text)
+std::string QuotedAndShown(std::string_view text)
 {
-    return "'" + Shown(text) + "'";
+    return Quoted(Shown(text));
 }
 
 bool IsDigit(char letter)
@@ -122,7 +123,7 @@ void Parser::Start(std::string_view name, const XmlAttributes& attributes)
     const bool known = name.substr(0, elementPrefix.size()) == elementPrefix;
     const Tag tag = known ? FindTag(name.substr(elementPrefix.size())) : Tag::None;
     const bool misplaced = open.empty() && tag != Tag::GufRuleSet;
-    if (tag == Tag::None || misplaced) throw Error("unexpected element encountered: " + Quoted(name));
+    if (tag == Tag::None || misplaced) throw Error("unexpected element encountered: " + QuotedAndShown(name));
 
     const bool hasPattern = tag == Tag::Condition || tag == Tag::AssertPattern;
     if (hasPattern && ++patterns > maxControlPatterns)
@@ -145,14 +146,14 @@ void Parser::EnterChild(const ElementRule& rule)
     const auto end = std::find_if(
         begin, std::end(parent.rule->children), [](const ChildRule& child) { return child.tag == Tag::None; });
     const auto found = std::find_if(begin, end, [&](const ChildRule& child) { return child.tag == rule.tag; });
-    if (found == end) throw Error("unexpected element encountered: " + Quoted(rule.name));
+    if (found == end) throw Error("unexpected element encountered: " + QuotedAndShown(rule.name));
     if (parent.rule->inAnyOrder) return;
 
     const size_t place = static_cast<size_t>(found - begin);
     const bool repeats = found->occurs == Occurs::OnceOrMore || found->occurs == Occurs::AnyNumber;
     if (place < parent.child || (place == parent.child && parent.childSeen && !repeats))
     {
-        throw Error("unexpected element encountered: " + Quoted(rule.name));
+        throw Error("unexpected element encountered: " + QuotedAndShown(rule.name));
     }
     for (; parent.child < place; ++parent.child)
     {
@@ -167,7 +168,7 @@ void Parser::RequireSeen(const OpenElement& element) const
     const ChildRule& child = element.rule->children[element.child];
     const bool needed = child.occurs == Occurs::Once || child.occurs == Occurs::OnceOrMore;
     if (child.tag == Tag::None || !needed || element.childSeen) return;
-    throw Error("expected element not encountered: " + Quoted(RuleOf(child.tag).name));
+    throw Error("expected element not encountered: " + QuotedAndShown(RuleOf(child.tag).name));
 }
 
 void Parser::CheckAttributes(const ElementRule& rule, const XmlAttributes& attributes)
@@ -179,12 +180,12 @@ void Parser::CheckAttributes(const ElementRule& rule, const XmlAttributes& attri
                 return taken.name && name == taken.name;
             });
         const bool hint = name.substr(0, instancePrefix.size()) == instancePrefix;
-        if (!known && !hint) throw Error("unexpected attribute encountered: " + Quoted(name));
+        if (!known && !hint) throw Error("unexpected attribute encountered: " + QuotedAndShown(name));
     });
     for (const AttributeRule& attribute : rule.attributes)
     {
         if (!attribute.required || attributes.Find(attribute.name)) continue;
-        throw Error("expected attribute not encountered: " + Quoted(attribute.name));
+        throw Error("expected attribute not encountered: " + QuotedAndShown(attribute.name));
     }
 }
 
@@ -198,14 +199,14 @@ std::string Parser::Attribute(const char* name) const
 std::string Parser::Name(std::string_view given) const
 {
     const std::string_view name = WithoutBlanks(given);
-    if (!IsName(name)) throw Error("invalid name: " + Quoted(given));
+    if (!IsName(name)) throw Error("invalid name: " + QuotedAndShown(given));
     return std::string(name);
 }
 
 uint32_t Parser::Number(std::string_view given) const
 {
     uint32_t number = 0;
-    if (!ReadNumber(WithoutBlanks(given), number)) throw Error("invalid number: " + Quoted(given));
+    if (!ReadNumber(WithoutBlanks(given), number)) throw Error("invalid number: " + QuotedAndShown(given));
     return number;
 }
 
@@ -224,7 +225,7 @@ void Parser::Begin(Tag tag)
         break;
     case Tag::Procedure: {
         const auto [place, inserted] = procedures.try_emplace(Name(Attribute("Id")));
-        if (!inserted) throw Error("there are two procedures " + Quoted(place->first));
+        if (!inserted) throw Error("there are two procedures " + QuotedAndShown(place->first));
         procedure = &place->second;
         break;
     }
@@ -256,7 +257,7 @@ void Parser::Text(std::string_view part)
     }
     else if (part.find_first_not_of(blanks) != std::string_view::npos)
     {
-        throw Error("unexpected characters encountered: " + Quoted(part));
+        throw Error("unexpected characters encountered: " + QuotedAndShown(part));
     }
 }
 

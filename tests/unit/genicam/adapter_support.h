@@ -1,11 +1,11 @@
 // For the tests of adapters. Bytes: what a device sends, put together field by field. HeapBlock: such bytes in a heap
-// block of exactly their size, so that a sanitizer sees a read beyond. Listener: whose callbacks were called.
+// block of exactly their size, so that a sanitizer sees a read beyond.
 #pragma once
 
+#include "tests/unit/genicam/listener.h"
 #include "tests/unit/genicam/small_map.h"
 
 #include <GenApi/IPort.h>
-#include <GenApi/NodeCallback.h>
 #include <algorithm>
 #include <initializer_list>
 #include <memory>
@@ -91,33 +91,6 @@ private:
     size_t count;
     std::unique_ptr<uint8_t[]> block;
 };
-
-// The names of the nodes whose callbacks were called, sorted.
-class Listener
-{
-public:
-    void Changed(GENAPI_NAMESPACE::INode* node) { names.push_back(node->GetName().c_str()); }
-    std::string Take()
-    {
-        std::sort(names.begin(), names.end());
-        std::string text;
-        for (const std::string& name : names)
-            text += (text.empty() ? "" : " ") + name;
-        names.clear();
-        return text;
-    }
-
-private:
-    std::vector<std::string> names;
-};
-
-inline void ListenToAll(const SmallMap& map, Listener& listener)
-{
-    GENAPI_NAMESPACE::NodeList_t nodes;
-    map.map->GetNodes(nodes);
-    for (GENAPI_NAMESPACE::INode* const node : nodes)
-        GENAPI_NAMESPACE::Register(node, listener, &Listener::Changed);
-}
 
 // "<Port>" with the given children.
 inline std::string PortElement(const std::string& name, const std::string& children)
