@@ -16,8 +16,14 @@ add_library(koro_options INTERFACE)
 target_include_directories(koro_options INTERFACE
     $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/src> $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
     $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>)
+# A constructor's parameters have the names of the members that they initialise, so only what hides a local name is worth a
+# warning. clang's -Wshadow excepts such constructors by itself.
+set(shadowing -Wshadow)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT CMAKE_UNITY_BUILD) # see below
+    set(shadowing -Wshadow=local)
+endif()
 target_compile_options(koro_options INTERFACE
-    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wformat=2
+    -Wall -Wextra -Wpedantic ${shadowing} -Wconversion -Wsign-conversion -Wformat=2
     $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Woverloaded-virtual>)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
     # g++ 12 takes text + std::string for overlapping memory when it optimises.

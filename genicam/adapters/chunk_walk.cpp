@@ -30,8 +30,8 @@ bool IsGood(ChunkWalk& walk)
     return step == ChunkWalk::Step::End;
 }
 
-TrailerWalk::TrailerWalk(ByteOrder byteOrder, const uint8_t* buffer, int64_t length)
-    : start(buffer), rest(buffer && length > 0 ? length : 0), order(byteOrder)
+TrailerWalk::TrailerWalk(ByteOrder order, const uint8_t* buffer, int64_t length)
+    : start(buffer), rest(buffer && length > 0 ? length : 0), order(order)
 {}
 
 ChunkWalk::Step TrailerWalk::Next(Chunk& chunk)

@@ -19,7 +19,7 @@ private:
     bool OpenContainer();
     bool OpenComponent();
     bool OpenPart();
-    bool Has(int64_t offset, int64_t size) const;
+    bool Has(int64_t offset, int64_t wanted) const;
     int64_t OffsetAt(int64_t list, int64_t position) const;
     bool Refuse(const char* reason, int64_t position);
 

@@ -75,7 +75,7 @@ size_t FindEnd(std::string_view bytes)
 
 } // namespace
 
-Archive::Archive(std::string_view archiveBytes) : bytes(archiveBytes)
+Archive::Archive(std::string_view bytes) : bytes(bytes)
 {
     ReadDirectory();
 }

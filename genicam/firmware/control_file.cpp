@@ -95,8 +95,8 @@ private:
     void CountText(size_t size);
 
     std::string Attribute(const char* name) const;
-    std::string Name(std::string_view text) const;
-    uint32_t Number(std::string_view text) const;
+    std::string Name(std::string_view given) const;
+    uint32_t Number(std::string_view given) const;
     Step& CurrentStep() { return procedure->steps.back(); }
 
     XmlReader reader;

@@ -26,8 +26,8 @@ bool Selects(IEnumeration& selector, const char* entry)
 
 } // namespace
 
-DeviceFile::DeviceFile(INodeMap& map, const std::string& fileName, uint32_t operationLimit_ms)
-    : lock(map.GetLock()), name(fileName), limit_ms(operationLimit_ms)
+DeviceFile::DeviceFile(INodeMap& map, const std::string& name, uint32_t limit_ms)
+    : lock(map.GetLock()), name(name), limit_ms(limit_ms)
 {
     Find(map, "FileSelector", fileSelector);
     Find(map, "FileOperationSelector", operationSelector);

@@ -30,11 +30,11 @@ public:
     void CloseAfterFailure() noexcept;
 
 private:
-    void Select(const char* operation);
-    void SelectAgain(const char* operation);
+    void Select(const char* selected);
+    void SelectAgain(const char* selected);
     void Run();
     void CheckStatus();
-    size_t WriteBlock(std::string_view block, size_t offset);
+    size_t WriteBlock(std::string_view rest, size_t offset);
 
     CLock& lock;
     const std::string name;

@@ -72,10 +72,9 @@ bool PointsOutside(std::string_view name)
 
 } // namespace
 
-UpdateFile::UpdateFile(const std::string& givenPath) : UpdateFile(givenPath, ReadUpdateFile(givenPath)) {}
+UpdateFile::UpdateFile(const std::string& path) : UpdateFile(path, ReadUpdateFile(path)) {}
 
-UpdateFile::UpdateFile(const std::string& givenPath, std::string givenBytes)
-    : path(givenPath), bytes(std::move(givenBytes))
+UpdateFile::UpdateFile(const std::string& path, std::string givenBytes) : path(path), bytes(std::move(givenBytes))
 {
     if (bytes.empty()) throw GENFW_FILE_IO_EXCEPTION("The update file '%s' is empty", ShownPath(path).c_str());
     try

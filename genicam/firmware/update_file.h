@@ -25,7 +25,7 @@ class UpdateFile
 public:
     explicit UpdateFile(const std::string& path);
     // The file's bytes, already read; the path is for messages.
-    UpdateFile(const std::string& path, std::string bytes);
+    UpdateFile(const std::string& path, std::string givenBytes);
     UpdateFile(const UpdateFile&) = delete;
     UpdateFile& operator=(const UpdateFile&) = delete;
 

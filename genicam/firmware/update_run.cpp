@@ -17,9 +17,9 @@ namespace GENAPI_NAMESPACE::runtime
 using GENICAM_NAMESPACE::GenericException;
 
 UpdateRun::UpdateRun(
-    IFirmwareUpdatableDevice& updatedDevice, const CFirmwareUpdateInfo& appliedInfo,
-    IFirmwareUpdateProgressObserver* progressObserver, const char* preferredLanguage)
-    : device(updatedDevice), info(appliedInfo), record(InfoAccess::RecordOf(appliedInfo)), observer(progressObserver),
+    IFirmwareUpdatableDevice& device, const CFirmwareUpdateInfo& info, IFirmwareUpdateProgressObserver* observer,
+    const char* preferredLanguage)
+    : device(device), info(info), record(InfoAccess::RecordOf(info)), observer(observer),
       language(preferredLanguage ? preferredLanguage : "")
 {}
 

@@ -121,13 +121,14 @@ bool ReadLiteral(std::string_view text, double& number)
 
 template <class Number>
 FormulaCompiler<Number>::FormulaCompiler(
-    Formula<Number>& result, std::string_view source, const std::vector<std::string_view>& names)
-    : formula(result), text(source), variables(names), byName(names.size()), token(NextToken(source, 0))
+    Formula<Number>& result, std::string_view text, const std::vector<std::string_view>& variables)
+    : formula(result), text(text), variables(variables), byName(variables.size()), token(NextToken(text, 0))
 {
     formula.depth = 0;
     std::iota(byName.begin(), byName.end(), 0u);
-    std::stable_sort(
-        byName.begin(), byName.end(), [&](uint32_t left, uint32_t right) { return names[left] < names[right]; });
+    std::stable_sort(byName.begin(), byName.end(), [&](uint32_t left, uint32_t right) {
+        return variables[left] < variables[right];
+    });
 }
 
 template <class Number>

@@ -5,8 +5,9 @@
 namespace GENAPI_NAMESPACE::runtime
 {
 
-FilledCaches::FilledCaches(const NodeLists& lists)
-    : dependents(lists), nodes(lists.firsts.size() - 1), sources(lists.nodes.size()), next(lists.nodes.size())
+FilledCaches::FilledCaches(const NodeLists& dependents)
+    : dependents(dependents), nodes(dependents.firsts.size() - 1), sources(dependents.nodes.size()),
+      next(dependents.nodes.size())
 {
     met.reserve(nodes.size());
     for (NodeIndex source = 0; source < nodes.size(); ++source)

@@ -37,8 +37,8 @@ public:
     void DropBytes();
 
 private:
-    void ReadPort(uint8_t* bytes, int64_t address, int64_t count);
-    RegisterCache::Block* Block(int64_t address, int64_t length);
+    void ReadPort(uint8_t* bytes, int64_t start, int64_t count);
+    RegisterCache::Block* Block(int64_t start, int64_t length);
     void Release();
     // Returns the length; throws RangeError when `count` is larger.
     int64_t LengthFor(int64_t count, bool verify);

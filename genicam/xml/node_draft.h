@@ -36,7 +36,7 @@ struct NodeDraft
     std::vector<PropertyRecord> properties;
 
     void Start(Element startedElement, NodeIndex startedNode, TextPlace startedName);
-    bool Has(Property property) const;
+    bool Has(Property wanted) const;
     // The property that is missing or excluded by another one; empty when there is no fault.
     std::string Fault() const;
 };

@@ -16,8 +16,8 @@ const char* XmlAttributes::Find(std::string_view name) const
     return nullptr;
 }
 
-XmlReader::XmlReader(std::string_view source, XmlHandler& told)
-    : xml(source), handler(told), expat(XML_ParserCreateNS(nullptr, nameSpaceSeparator))
+XmlReader::XmlReader(std::string_view xml, XmlHandler& handler)
+    : xml(xml), handler(handler), expat(XML_ParserCreateNS(nullptr, nameSpaceSeparator))
 {
     if (!expat) throw BAD_ALLOC_EXCEPTION("Error while creating the XML parser");
     XML_SetUserData(expat, this);

@@ -20,13 +20,13 @@ PortFacts NameByAddress(PortFacts facts, const void* memory)
 
 } // namespace
 
-Buffer::Buffer(void* consumersMemory, std::size_t bytes, void* privatePointer, PortFacts portFacts)
-    : memory(static_cast<std::byte*>(consumersMemory), bytes), userPointer(privatePointer),
-      port(NameByAddress(std::move(portFacts), consumersMemory))
+Buffer::Buffer(void* memory, std::size_t bytes, void* userPointer, PortFacts portFacts)
+    : memory(static_cast<std::byte*>(memory), bytes), userPointer(userPointer),
+      port(NameByAddress(std::move(portFacts), memory))
 {}
 
-Buffer::Buffer(std::size_t bytes, void* privatePointer, PortFacts portFacts)
-    : ownMemory(std::make_unique<std::byte[]>(bytes)), memory(ownMemory.get(), bytes), userPointer(privatePointer),
+Buffer::Buffer(std::size_t bytes, void* userPointer, PortFacts portFacts)
+    : ownMemory(std::make_unique<std::byte[]>(bytes)), memory(ownMemory.get(), bytes), userPointer(userPointer),
       port(NameByAddress(std::move(portFacts), ownMemory.get()))
 {}
 

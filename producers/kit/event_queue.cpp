@@ -121,10 +121,9 @@ std::string ErrorBlock(GC_ERROR code, const std::string& text)
 }
 
 EventQueue::EventQueue(
-    EVENT_TYPE eventType, std::shared_ptr<Module> owningModule, std::mutex& ownersMutex, BufferObserver* bufferObserver,
-    std::size_t longestBlock)
-    : type(eventType), owner(std::move(owningModule)), observer(bufferObserver), maxBlockBytes(longestBlock),
-      mutex(ownersMutex)
+    EVENT_TYPE type, std::shared_ptr<Module> owner, std::mutex& ownersMutex, BufferObserver* observer,
+    std::size_t maxBlockBytes)
+    : type(type), owner(std::move(owner)), observer(observer), maxBlockBytes(maxBlockBytes), mutex(ownersMutex)
 {}
 
 GC_ERROR EventQueue::Take(void* buffer, std::size_t* size, std::uint64_t timeout_ms)

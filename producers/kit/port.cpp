@@ -38,8 +38,8 @@ void AddCommonRegisters(RegisterMap& map, const PortFacts& facts, const Descript
     map.AddBlock(descriptionAddress, description.text);
 }
 
-Port::Port(PortFacts portFacts, PortRegisters portRegisters, Gate portGate)
-    : facts(std::move(portFacts)), registers(std::move(portRegisters)), gate(std::move(portGate))
+Port::Port(PortFacts facts, PortRegisters registers, Gate gate)
+    : facts(std::move(facts)), registers(std::move(registers)), gate(std::move(gate))
 {}
 
 void Port::RequirePort() const

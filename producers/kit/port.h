@@ -70,7 +70,7 @@ public:
     using Gate = std::function<void(bool write)>;
 
     // Without registers there is no port: accesses answer GC_ERR_NOT_IMPLEMENTED.
-    explicit Port(PortFacts facts, PortRegisters portRegisters = {}, Gate gate = {});
+    explicit Port(PortFacts facts, PortRegisters registers = {}, Gate gate = {});
 
     void Read(std::uint64_t address, std::span<std::byte> out) const;
     void Write(std::uint64_t address, std::span<const std::byte> in);

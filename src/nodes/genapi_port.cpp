@@ -19,7 +19,7 @@ size_t CheckedLength(int64_t length)
 
 } // namespace
 
-GenApiPort::GenApiPort(std::shared_ptr<Port> connectedPort) : port(std::move(connectedPort)) {}
+GenApiPort::GenApiPort(std::shared_ptr<Port> port) : port(std::move(port)) {}
 
 GenApiPort::~GenApiPort() = default;
 

@@ -1,6 +1,6 @@
 // CameraMemory: a file that holds the state of one camera for all processes that open it, and who has the camera.
 //
-// The file: a head that tells whose it is, and two slots, each a state with a number and a check sum. A change goes
+// The file: a head that identifies the camera, and two slots, each a state with a number and a check sum. A change goes
 // into the older slot, so one that is cut off leaves the one before it. It is read and written, not mapped: a file that
 // somebody cuts short is then a failure and not a signal.
 //
@@ -35,9 +35,9 @@ class CameraMemory
 public:
     static constexpr std::size_t maxStateBytes = 4080;
 
-    // Opens the file of that serial number; where there is none it is made, with `initial`. `identity` tells all
-    // settings that the state depends on. Throws Failure (GC_ERR_ERROR), also for a file that is not of this camera,
-    // which is never touched.
+    // Opens the file of that serial number; where there is none it is made, with `initial`. `identity` contains
+    // all settings that the state depends on. Throws Failure (GC_ERR_ERROR), also for a file that is not of this
+    // camera, which is never touched.
     CameraMemory(
         const std::filesystem::path& folder, const std::string& serial, std::string_view identity,
         std::span<const std::byte> initial);
@@ -72,7 +72,7 @@ private:
 
     Image MakeImage(std::span<const std::byte> initial) const;
     void Open(std::span<const std::byte> initial);
-    void Create(const Image& image) const;
+    void Create(const Image& whole) const;
     void CheckKind() const;
     void ReadImage(GC_ERROR code);
     void WriteSlot(

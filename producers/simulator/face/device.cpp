@@ -86,9 +86,9 @@ InfoValue Device::Info(DEVICE_INFO_CMD command) const
 }
 
 Device::Device(
-    std::shared_ptr<Interface> parentInterface, std::shared_ptr<Camera> openedCamera, DEVICE_ACCESS_FLAGS openedWith)
+    std::shared_ptr<Interface> parentInterface, std::shared_ptr<Camera> openedCamera, DEVICE_ACCESS_FLAGS access)
     : kit::Device(parentInterface), interface(std::move(parentInterface)), camera(std::move(openedCamera)),
-      id(camera->Id()), access(openedWith), claim(Claim(*camera, access)),
+      id(camera->Id()), access(access), claim(Claim(*camera, access)),
       connection(std::make_shared<Connection>(interface->TheSystem().TheLibrary().Connection().deadCameraError)),
       port(camera->Facts("TLDevice", "DevicePort"), MakeRegisters())
 {}

@@ -18,7 +18,7 @@ class JsonObject
 {
 public:
     // Refuses a value that is no object.
-    JsonObject(const nlohmann::json& value, std::string place);
+    JsonObject(const nlohmann::json& value, std::string placeInDocument);
 
     bool Has(const char* key) const { return object.contains(key); }
 
