@@ -1,4 +1,4 @@
-// Answers: what a test has told the producer to answer. Guarded by the mutex of State.
+// Answers: what the producer answers, as set by a test. Guarded by the mutex of State.
 #pragma once
 
 #include "producers/scripted/script.h"

@@ -19,7 +19,7 @@ std::string Say(std::int32_t number);
 std::string Say(std::uint32_t number);
 std::string Say(std::uint64_t number);
 
-// Tells the two halves of a query apart.
+// Distinguishes the two halves of a query.
 struct Half
 {
     const void* buffer;

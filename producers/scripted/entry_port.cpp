@@ -59,7 +59,7 @@ GC_ERROR Write(Port& port, std::uint64_t address, const void* buffer, std::size_
     return port.written ? port.written(port, address) : GC_ERR_SUCCESS;
 }
 
-// One after the other to the first failure; the count then tells how many were done.
+// One after the other up to the first failure; the count then is the number of finished transfers.
 template <class Transfer>
 GC_ERROR TransferStacked(
     Port& port, const PORT_REGISTER_STACK_ENTRY* entries, std::size_t* count, const Transfer& transfer)
@@ -77,7 +77,7 @@ GC_ERROR TransferStacked(
     return GC_ERR_SUCCESS;
 }
 
-// What one transfer does: the size that is asked for, or less of it if the test has set a count, which it then tells.
+// The bytes of one transfer: the requested size, or less if the test has set a count, which is then reported.
 std::size_t TransferSize(const State& state, const char* function, std::size_t* size)
 {
     const auto set = state.answers.counts.find(function);

@@ -114,7 +114,7 @@ public:
     std::shared_ptr<Event> FindEvent(Handle handle);
     Port& PortOf(Module& module);
 
-    // What is below goes first; waiters on events are told by `ended`.
+    // What is below goes first; `ended` informs waiters on events.
     void Close(Handle handle);
     void CloseAll();
     void RemoveBuffer(Module& stream, Handle buffer);

@@ -66,16 +66,16 @@ public:
     virtual void Edit(const std::function<void(Tree&)>& edit) = 0;
 
     // Fills the oldest queued buffer of the open stream and hands it out. Without one it counts an underrun; both
-    // only while acquiring. Tells whether a buffer was filled.
+    // only while acquiring. Returns whether a buffer was filled.
     virtual bool Deliver(const std::string& streamID, const Frame& frame = Frame()) = 0;
-    // Queues an entry, if the event is registered on the open module. Tells whether it is.
+    // Queues an entry, if the event is registered on the open module. Returns whether it is.
     virtual bool Fire(const std::string& moduleID, GenTL::EVENT_TYPE type, const std::string& block) = 0;
     // The handle of an open module, for blocks that carry one; null when it is not open.
     virtual void* HandleOf(const std::string& moduleID) const = 0;
     // Blocks until that many threads wait inside EventGetData.
     virtual void AwaitWaiters(std::size_t count) = 0;
 
-    // The calls in order, as "IFOpenDevice(if0, if0-dev0, 3)"; info queries tell "size" or "data".
+    // The calls in order, as "IFOpenDevice(if0, if0-dev0, 3)"; info queries are marked "size" or "data".
     virtual std::vector<std::string> Journal() const = 0;
     virtual void ClearJournal() = 0;
     virtual void KeepJournal(bool keep) = 0;

@@ -50,7 +50,7 @@ public:
     std::vector<std::string> Open() const override;
     std::int64_t InitCount() const override;
 
-    // For the entry points; they hold `mutex` and tell `happened` what a waiter may wait for.
+    // For the entry points; they hold `mutex` and notify `happened` of everything that a waiter may wait for.
     Live live;
     Answers answers;
     std::size_t waiters = 0;

@@ -31,7 +31,7 @@ struct SensorTime
 class Acquisition
 {
 public:
-    // Anew: images left, frame ids and triggers begin again.
+    // The number of images left, frame ids and triggers begin again.
     void Start(const FeatureValues& values);
     void Stop() noexcept { active = false; }
     // A consumer begins to listen: frame ids begin again.
@@ -56,7 +56,7 @@ public:
     // The next frame's id, counted from 1; ends the acquisition behind its last one.
     std::uint64_t TakeFrame(const FeatureValues& values);
 
-    // Triggers and edges that the settings want to be told, oldest first.
+    // Triggers and edges that the settings want to be reported, oldest first.
     std::vector<Occurrence> TakeHappened() { return std::exchange(happened, {}); }
 
     void ResetCounter(std::size_t index) { counters.at(index) = 0; }
@@ -92,7 +92,7 @@ private:
     std::array<std::uint64_t, 4> exposures_ns{};
     std::uint64_t lastExposure_ns = 0;
     std::array<std::uint64_t, 2> counters{};
-    std::vector<Occurrence> happened; // by this process; not told to others
+    std::vector<Occurrence> happened; // by this process; not reported to others
 };
 
 } // namespace koro::simulator

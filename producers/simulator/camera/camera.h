@@ -57,11 +57,11 @@ public:
     // Neither unplugged nor gone otherwise.
     bool IsPresent() const;
     // The cable is pulled until Replug; false when the camera was gone before. One that gets its power over the cable
-    // begins anew.
+    // starts again.
     bool Unplug(bool losesPower);
     bool Replug(); // false when the cable was not pulled
     bool IsUnplugged() const;
-    // A camera that is gone already stays gone as long as it was told.
+    // A camera that is already gone keeps the time for which it stays away.
     void Vanish();
     // Goes after each DeviceReset when the settings want it.
     void VanishAfterReset();

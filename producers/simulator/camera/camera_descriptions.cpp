@@ -43,7 +43,7 @@ const Description& OwnDescription(const std::string& tlType, bool zipped)
     return zipped ? plainArchiveDescription : plainDescription;
 }
 
-// Beside the producer, whatever link it was loaded through.
+// Beside the producer's file, also when it was loaded through a link.
 std::string FileBesideProducer(std::string_view name)
 {
     std::error_code error;

@@ -1,4 +1,4 @@
-// The registers of EventControl, and what happened since it was told last.
+// The registers of EventControl, and the events since the last report.
 #include "producers/simulator/camera/register_settings.h"
 
 #include <vector>

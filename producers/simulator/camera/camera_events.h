@@ -1,4 +1,4 @@
-// CameraEvents: what a camera tells by itself, packed for its transport and handed to the open device.
+// CameraEvents: the events that a camera sends, packed for its transport and handed to the open device.
 //
 // Owned by the camera's features. Any thread. The sink runs with the mutex of this class held, and without others.
 #pragma once

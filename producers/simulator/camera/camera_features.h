@@ -86,7 +86,7 @@ public:
     void OnStreamStop() noexcept;
     // The device was closed: as a camera whose control link went, it stops and gives up its lock.
     void OnRelease() noexcept;
-    // The cable was pulled: what comes back has started anew.
+    // The cable was pulled: a camera that comes back has started again.
     void OnPowerLoss() noexcept;
 
     FrameRequest Look() const;
@@ -99,7 +99,7 @@ public:
     // Calls the listeners.
     void Announce();
 
-    // What is told by events. Sending is for the generator: the features send the rest.
+    // The events. The generator sends ExposureEnd, the features send the rest.
     CameraEvents& Events() noexcept { return events; }
 
     // How often DeviceReset was executed by this process, since the power was lost.

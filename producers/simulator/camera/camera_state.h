@@ -1,4 +1,4 @@
-// CameraState: all that changes of a camera. A plain value; it can be told as bytes, for a CameraMemory.
+// CameraState: all that changes of a camera. A plain value; it can be encoded as bytes, for a CameraMemory.
 #pragma once
 
 #include "producers/simulator/camera/acquisition.h"
@@ -35,7 +35,7 @@ struct CameraState
     std::optional<CameraClock::time_point> timerStart;
     CameraClock::time_point clockStart;
     std::uint64_t latched_ns = 0;
-    std::uint64_t numResets = 0; // by this process since the power was lost; not told
+    std::uint64_t numResets = 0; // by this process since the power was lost; not encoded
 
     // Takes images, or somebody is about to.
     bool IsInUse() const noexcept { return acquisition.IsActive() || paramsLocked == 1 || isStreaming; }

@@ -227,7 +227,7 @@ void DeviceFiles::Perform()
     registers.status = FileStatus::Failure; // of one that runs out of memory
     const bool moves = registers.operation == FileOperation::Read || registers.operation == FileOperation::Write;
     const FileStatus wanted = pending->status;
-    // An operation that has to fail moves what it was told to, and does nothing else.
+    // An operation that has to fail moves the bytes that the settings state, and does nothing else.
     FileStatus reached = wanted;
     try
     {
@@ -300,7 +300,7 @@ bool DeviceFiles::Save(File& file)
     return true;
 }
 
-// Closed in any case: a refused image has to be sent anew.
+// Closed in any case: a refused image has to be sent again.
 FileStatus DeviceFiles::InstallFirmware()
 {
     File& file = Selected();

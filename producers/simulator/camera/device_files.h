@@ -1,7 +1,7 @@
 // DeviceFiles: the files of a camera, and the operations on them that its registers start.
 //
 // An operation happens when the command says that it is done: at once, or after as many questions as the settings ask
-// for. What it refuses it tells by its status; only a busy device and what the settings ask for are failed accesses.
+// for. Its status reports refusals; only a busy device and what the settings ask for are failed accesses.
 //
 // With a memory, what the user's files hold is in files beside it: read when one is opened, saved when it is closed.
 //
@@ -74,7 +74,7 @@ public:
 
     // Nobody is there any more who uses them; what was written stays, but for half firmware.
     void CloseAll();
-    // The device starts anew.
+    // The device starts again.
     void Restart();
 
 private:

@@ -28,8 +28,8 @@ public:
     std::size_t DescriptionBytes() const noexcept { return description.size(); }
 
     void Read(std::uint64_t address, std::span<std::byte> out) const override;
-    // GC_ERR_ACCESS_DENIED on the description, GC_ERR_RESOURCE_EXHAUSTED when too much was written. Whatever is written
-    // from `resetAddress` on forgets all that was written before, and is not kept itself.
+    // GC_ERR_ACCESS_DENIED on the description, GC_ERR_RESOURCE_EXHAUSTED when too much was written. A write
+    // from `resetAddress` on forgets everything that was written before, and is not kept itself.
     void Write(std::uint64_t address, std::span<const std::byte> in) override;
 
 private:

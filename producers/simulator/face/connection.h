@@ -18,10 +18,10 @@ public:
     explicit Connection(GC_ERROR code) : failure(code) {}
 
     bool IsUp() const noexcept { return state == State::Up; }
-    // For good: what comes back has to be opened anew.
+    // Permanently: a camera that comes back has to be opened again.
     bool IsLost() const noexcept { return state == State::Lost; }
 
-    // Each tells whether it changed what a consumer sees.
+    // Each returns whether it changed what a consumer sees.
     bool Interrupt() noexcept
     {
         State expected = State::Up;

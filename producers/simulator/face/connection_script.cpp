@@ -66,7 +66,7 @@ void ConnectionScript::Advance()
     numMissed = 0;
 }
 
-// Each step is due by the sum of the times before it, however long those took. The times begin anew with an occasion.
+// Each step is due by the sum of the times before it, however long those took. An occasion starts the times again.
 void ConnectionScript::Run()
 {
     auto due = std::chrono::steady_clock::now();

@@ -18,7 +18,7 @@ std::string CommonType(const std::vector<InterfaceSettings>& interfaces)
     return interfaces.front().tlType;
 }
 
-// All functions are answered, whatever version the settings claim.
+// All functions are answered, regardless of the version that the settings claim.
 ProducerFacts FactsOf(const Settings& settings)
 {
     return {

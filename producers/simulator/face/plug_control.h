@@ -1,5 +1,5 @@
-// PlugControl: pulls cameras out and plugs them in again, at the wish of features or of a script, and tells it by the
-// system's connection event. Lets modules send events in the same way.
+// PlugControl: pulls cameras out and plugs them in again, at the wish of features or of a script, and reports it by
+// the system's connection event. Lets modules send events in the same way.
 //
 // Owned by its System. Any thread. One change at a time: its mutex comes before all others.
 #pragma once

@@ -11,7 +11,7 @@ namespace koro::simulator
 namespace
 {
 
-constexpr std::size_t maxChunks = 256; // of one buffer, whatever its memory says by now
+constexpr std::size_t maxChunks = 256; // of one buffer, regardless of what its memory contains by now
 constexpr std::size_t guidBytes = 16;
 
 constexpr std::array<std::uint16_t, 256> MakeChecksumTable() noexcept

@@ -1,4 +1,4 @@
-// Chunks: what a camera tells behind an image, and where each piece of it lies in the payload.
+// Chunks: the data that a camera sends behind an image, and the place of each piece in the payload.
 //
 // Plain values. The numbers are those of the enumeration ChunkSelector of the descriptions.
 #pragma once
@@ -65,8 +65,8 @@ struct ChunkValues
 enum class ChunkSpoil
 {
     None,
-    TooLong,      // the last trailer tells more bytes than the buffer has
-    ZeroLength,   // the last trailer tells 0
+    TooLong,      // the last trailer states more bytes than the buffer has
+    ZeroLength,   // the last trailer states 0
     Truncated,    // half of the last trailer does not arrive
     LeftOver,     // the first trailer leaves four bytes that belong to no chunk
     WrongChecksum // of IIDC

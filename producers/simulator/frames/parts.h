@@ -32,7 +32,7 @@ inline constexpr PartSet allParts = 7;
 // Of the parts that have one format only.
 const PixelFormat& FormatOf(PartKind kind);
 std::size_t DataTypeOf(PartKind kind) noexcept; // a PARTDATATYPE_ID
-// As ComponentIDValue tells it.
+// The value of ComponentIDValue.
 std::uint64_t PurposeOf(PartKind kind) noexcept;
 
 struct Part

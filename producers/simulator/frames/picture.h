@@ -16,7 +16,7 @@ struct Picture
     std::size_t width = 0;
     std::size_t height = 0;
     std::size_t channels = 0;           // 1 grey or 3 red, green, blue
-    std::vector<std::uint16_t> samples; // full 16-bit range, whatever the file had
+    std::vector<std::uint16_t> samples; // full 16-bit range, regardless of the depth in the file
 
     // Black outside the picture; grey pictures give every component the same, colour ones a luminance for Mono.
     std::uint16_t ValueAt(Component component, std::size_t x, std::size_t y) const noexcept;

@@ -9,7 +9,7 @@
 namespace koro::simulator
 {
 
-// Of a camera. Leaves what no key tells.
+// Of a camera. Leaves settings without a key unchanged.
 void ReadChunks(JsonObject& object, std::optional<ChunkSet>& chunks, bool& withChecksum);
 // Of a frame.
 ChunkSpoil ReadChunkSpoil(JsonObject& object);

@@ -1,4 +1,4 @@
-// What the settings say of unplugging cameras and plugging them in again, and of the records that tell it.
+// What the settings say of unplugging cameras and plugging them in again, and of the records that report it.
 #pragma once
 
 #include "producers/simulator/settings/connection_record.h"

@@ -39,7 +39,7 @@ struct CallFault
     Occurrences calls;
     std::uint64_t delay_ms = 0;
     GC_ERROR error = GC_ERR_SUCCESS;         // success: the call is only delayed
-    GC_ERROR lastErrorCode = GC_ERR_SUCCESS; // what GCGetLastError tells afterwards; as a rule the same as `error`
+    GC_ERROR lastErrorCode = GC_ERR_SUCCESS; // what GCGetLastError returns afterwards; as a rule the same as `error`
     std::string text = "a failure that the settings ask for";
 };
 
@@ -53,7 +53,7 @@ struct InfoFault
     std::optional<std::string> bytes;       // text with terminator, or raw bytes
     std::optional<std::int64_t> number;     // in the width of the (new) type
     std::optional<std::size_t> size;        // cut or filled with zeros to that many bytes
-    std::optional<std::size_t> claimedSize; // told by size queries only
+    std::optional<std::size_t> claimedSize; // returned by size queries only
 };
 
 // What happens to frames of one camera, counted from the start of the acquisition.

@@ -81,7 +81,7 @@ void ReadName(JsonObject& object, const char* key, std::string& value)
         object.Refuse(key, "must have at most " + std::to_string(maxNameLength) + " bytes");
 }
 
-// Everything of a camera but what tells it from others.
+// Everything of a camera except what distinguishes it from others.
 void ReadCommon(JsonObject& object, CameraSettings& camera)
 {
     ReadName(object, "vendor", camera.vendor);
@@ -357,7 +357,7 @@ Settings LoadSettings()
     if (file == nullptr || *file == '\0') return DefaultSettings();
     try
     {
-        std::error_code noFolder; // a base that cannot be told leaves the memory relative
+        std::error_code noFolder; // without a known base the memory stays relative
         return ParseSettings(ReadFile(file), std::filesystem::absolute(file, noFolder).parent_path());
     }
     catch (const Failure& failure)
