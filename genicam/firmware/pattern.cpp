@@ -37,9 +37,9 @@ PCRE2_SPTR Units(std::string_view text)
 
 } // namespace
 
-void Pattern::Free::operator()(pcre2_real_code_8* freed) const
+void Pattern::Free::operator()(pcre2_real_code_8* code) const
 {
-    pcre2_code_free(freed);
+    pcre2_code_free(code);
 }
 
 Pattern::Pattern(std::string_view text) : pattern(text)

@@ -66,8 +66,8 @@ public:
     virtual const GENICAM_NAMESPACE::gcstring& GetBagName() const { return bagName; }
     virtual void SetBagName(const GENICAM_NAMESPACE::gcstring& name) { bagName = name; }
 
-    friend std::istream& operator>>(std::istream& is, CFeatureBag& bag);
-    friend std::ostream& operator<<(std::ostream& os, const CFeatureBag& bag);
+    friend std::istream& operator>>(std::istream& stream, CFeatureBag& bag);
+    friend std::ostream& operator<<(std::ostream& stream, const CFeatureBag& bag);
 
 private:
     struct Triplet
@@ -159,16 +159,16 @@ inline void TrimSpace(GENICAM_NAMESPACE::gcstring& text)
 }
 
 // A RuntimeException states the error in a file; the bag is not changed then.
-inline std::istream& operator>>(std::istream& is, CFeatureBag& bag)
+inline std::istream& operator>>(std::istream& stream, CFeatureBag& bag)
 {
-    bag.ReadFrom(is);
-    return is;
+    bag.ReadFrom(stream);
+    return stream;
 }
 
-inline std::ostream& operator<<(std::ostream& os, const CFeatureBag& bag)
+inline std::ostream& operator<<(std::ostream& stream, const CFeatureBag& bag)
 {
-    bag.WriteTo(os);
-    return os;
+    bag.WriteTo(stream);
+    return stream;
 }
 
 #endif
