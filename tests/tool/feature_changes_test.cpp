@@ -278,6 +278,7 @@ TEST(Describe, TellsEntriesAndSelectors)
     EXPECT_THAT(
         camera.Run({"describe", "cam", "GainSelector"}).out,
         ContainsRegex("\nentries +AnalogAll \\(0\\), DigitalAll \\(1\\)\n.*"));
+    EXPECT_THAT(camera.Run({"describe", "cam", "PixelFormat"}).out, ContainsRegex("\nentries +.*Mono8 \\(0x01080001\\)"));
     EXPECT_THAT(camera.Run({"describe", "cam", "GainSelector"}).out, ContainsRegex("\nselects +Gain"));
     EXPECT_THAT(camera.Run({"describe", "cam", "Gain"}).out, ContainsRegex("\nselected by +GainSelector\n"));
     EXPECT_THAT(

@@ -418,6 +418,8 @@ TEST(KoroRegisterNode, BytesAreReadAndWrittenWhole)
     EXPECT_EQ(node.Length(), 8u);
     node.Write({1, 2, 3, 4, 5, 6, 7, 8});
     EXPECT_THAT(node.Read(), ElementsAre(1, 2, 3, 4, 5, 6, 7, 8));
+    EXPECT_NO_THROW(node.Write({}));
+    EXPECT_THAT(node.Read(), ElementsAre(1, 2, 3, 4, 5, 6, 7, 8));
 }
 
 TEST(KoroRegisterNode, AbsurdLengthIsRefusedBeforeMemoryIsAskedFor)

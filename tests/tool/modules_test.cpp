@@ -17,6 +17,11 @@ using nlohmann::json;
 using testing::ContainsRegex;
 using testing::HasSubstr;
 
+ToolResult With(const Camera& camera, Arguments arguments, const Arguments& more)
+{
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    return camera.Run(arguments);
+}
 
 TEST(ModuleSettings, ReachEveryModuleOfTheBranch)
 {
@@ -96,6 +101,25 @@ TEST(ModuleSettings, ComeFirstInEveryCommandThatHasThem)
         camera.Run({"get", "cam", "DeviceUpdateTimeout", "--module", "interface", "--set", "DeviceUpdateTimeout=8"})
             .out,
         "8\n");
+}
+
+TEST(ModuleSettings, ReachEachCommandThatOpensACamera)
+{
+    const TemporaryFolder folder;
+    const Camera camera;
+    const std::string saved = folder.File("saved");
+    EXPECT_EQ(camera.Run({"settings", "save", "cam", saved, "--set", "Width=32"}).status, 0);
+    EXPECT_EQ(camera.Run({"settings", "diff", "cam", saved, "--set", "Width=32"}).status, 0);
+    EXPECT_EQ(camera.Run({"settings", "diff", "cam", saved}).status, different);
+
+    for (const Arguments& command :
+         {Arguments{"settings", "save", "cam", folder.File("other")}, Arguments{"settings", "load", "cam", saved},
+          Arguments{"settings", "check", "cam", saved}, Arguments{"files", "list", "cam"},
+          Arguments{"files", "read", "cam", "FactoryData", "-"}, Arguments{"files", "delete", "cam", "UserFile"},
+          Arguments{"events", "cam", "--acquire", "--events", "1"}, Arguments{"xml", "cam"}})
+        for (const std::string module : {"system", "interface", "device", "stream", "remote"})
+            EXPECT_EQ(With(camera, command, {"--set", module + ":Nothing=1"}).status, noSuchFeature)
+                << command[0] << " " << module;
 }
 
 TEST(ModuleSettings, OfAnUnknownModuleAreRefused)

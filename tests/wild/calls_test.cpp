@@ -47,7 +47,9 @@ INSTANTIATE_TEST_SUITE_P(
 INSTANTIATE_TEST_SUITE_P(Dead, WildProducers, testing::ValuesIn(Cases({dead}, deadRows)), NameOf);
 // Each of these is as any other, only later.
 INSTANTIATE_TEST_SUITE_P(
-    Slow, WildProducers, testing::ValuesIn(Cases({"slow_call", "slow_lists"}, {"info", "grab"}, {})), NameOf);
+    Slow, WildProducers, testing::ValuesIn(Cases({"slow_call KORO_WILD_MS=200", "slow_lists"}, {})), NameOf);
+INSTANTIATE_TEST_SUITE_P(
+    VerySlow, WildProducers, testing::ValuesIn(Cases({"slow_call"}, {"info", "grab", "grab_raw"}, {})), NameOf);
 
 TEST(ProducerThatHangsAtItsStart, IsNamedByTheDoctorWithTheCall)
 {

@@ -104,7 +104,7 @@ void ReportCrash(int number, const CallInProgress& call)
     if (producer)
         line << "hint: `koro doctor` checks the producers. A camera that was open is free again when it notices the "
                 "end.\n";
-    line.WriteTo(STDERR_FILENO);
+    line.WriteTo(KeptErrors());
 }
 
 // The look at a broken stack crashed as well.
@@ -153,7 +153,7 @@ void ReportEnd(const CallInProgress& call, const int* status)
     AddPlace(line, call);
     if (status) line << ", with status " << *status;
     line << ".\n";
-    line.WriteTo(STDERR_FILENO);
+    line.WriteTo(KeptErrors());
     WriteOutWhatThereIs();
 }
 

@@ -1,6 +1,5 @@
 #include "tools/koro/background_stream.h"
 
-#include "tools/koro/first_stream.h"
 #include "tools/koro/if_known.h"
 
 #include <algorithm>
@@ -18,7 +17,7 @@ constexpr uint64_t longestWait_ms = 500;
 
 } // namespace
 
-BackgroundStream::BackgroundStream(const Device& device, const NodeMap& nodes) : stream(OpenFirstStream(device))
+BackgroundStream::BackgroundStream(const DataStream& stream, const NodeMap& nodes) : stream(stream)
 {
     const size_t size = FrameSize(stream, nodes);
     const size_t required = IfKnown([&] { return stream.NumBuffersAnnouncedMinRequired(); }).value_or(1);

@@ -1,6 +1,6 @@
 // BackgroundStream: a camera that takes pictures which nobody looks at, for what else comes with them.
 //
-// Owned by one command; the device and the nodes outlive it. Its thread gives finished buffers back until its end.
+// Owned by one command; the stream and the nodes outlive it. Its thread gives finished buffers back until its end.
 #pragma once
 
 #include <koro/koro.hpp>
@@ -15,8 +15,8 @@ namespace koro::tool
 class BackgroundStream
 {
 public:
-    // Opens the first stream and starts the camera. Throws koro::Error, or ToolError for a camera without a stream.
-    BackgroundStream(const Device& device, const NodeMap& nodes);
+    // Starts the camera. Throws koro::Error.
+    BackgroundStream(const DataStream& stream, const NodeMap& nodes);
     BackgroundStream(const BackgroundStream&) = delete;
     BackgroundStream& operator=(const BackgroundStream&) = delete;
     ~BackgroundStream();
@@ -24,7 +24,7 @@ public:
 private:
     void GiveBack() noexcept;
 
-    DataStream stream;
+    const DataStream& stream;
     std::optional<Acquisition> acquisition;
     std::atomic<bool> ending{false};
     std::thread worker; // last: it uses everything above

@@ -1,3 +1,4 @@
+#include "tools/koro/assignments.h"
 #include "tools/koro/background_stream.h"
 #include "tools/koro/camera_tree_json.h"
 #include "tools/koro/commands.h"
@@ -129,7 +130,7 @@ EventController EnableEvents(const Device& device)
 int Events(const EventsCommand& command)
 {
     Interrupt interrupt;
-    const FeatureSession session(command.target, FeatureSession::Access::Write);
+    FeatureSession session(command.target, FeatureSession::Access::Write);
     const NodeMap& nodes = session.Nodes();
     SwitchedFeatures switched(nodes);
     EventNodes eventNodes(nodes);
@@ -145,7 +146,7 @@ int Events(const EventsCommand& command)
         KORO_EventController_KillWait(controller.Get());
     });
     std::optional<BackgroundStream> pictures;
-    if (command.acquire) pictures.emplace(session.Device(), nodes);
+    if (command.acquire) pictures.emplace(session.OpenStream(), nodes);
     const ClosingMark mark;
     while (!interrupt.IsRequested() && !printer.IsOver() && OutputHasReader())
     {
@@ -162,6 +163,7 @@ Action DefineEvents(CLI::App& command)
 {
     const auto options = std::make_shared<EventsCommand>();
     DefineCamera(command, options->target);
+    DefineSettings(command, options->target.settings);
     command.add_option("--enable", options->enabled, "An event of EventSelector; without it all of them")
         ->type_name("NAME")
         ->allow_extra_args(false);

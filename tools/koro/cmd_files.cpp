@@ -264,7 +264,7 @@ Action DefineFiles(CLI::App& command)
     command.require_subcommand(1);
     const auto define = [&](const char* name, const char* help, Run run) {
         CLI::App* const part = command.add_subcommand(name, help);
-        DefineTarget(*part, options->target, false);
+        DefineTarget(*part, options->target, true);
         part->callback([run, chosen] { *chosen = run; });
         return part;
     };

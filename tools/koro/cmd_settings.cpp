@@ -292,7 +292,7 @@ CLI::App* DefinePart(
     const std::shared_ptr<Run>& chosen, const std::shared_ptr<SettingsCommand>& options)
 {
     CLI::App* const part = parent.add_subcommand(name, help);
-    DefineTarget(*part, options->target, false);
+    DefineTarget(*part, options->target, true);
     TakesPath(part->add_option("file", options->file, fileHelp)->required());
     part->callback([run, chosen] { *chosen = run; });
     return part;

@@ -40,7 +40,7 @@ int WriteXML(XMLCommand command)
 Action DefineXML(CLI::App& command)
 {
     const auto options = std::make_shared<XMLCommand>();
-    DefineAnyModule(command, options->target, false);
+    DefineAnyModule(command, options->target, true);
     TakesWholeNumber(command.add_option("--url", options->url, "Which of the URLs, from 0"), 0, 1000000)
         ->capture_default_str();
     command.add_flag("--unzip", options->unzip, "Expand a description that comes as an archive");

@@ -79,6 +79,9 @@ public:
     const koro::Device& Device() const { return device; }
     koro::Port Port() const;
     const NodeMap& Nodes() const { return nodes; }
+    // The first stream of the camera, which is opened when it is first asked for, or for a setting. Throws koro::Error,
+    // or ToolError for a camera without a stream.
+    const DataStream& OpenStream();
     // The feature of that name. Throws ToolError (exit status 6) with names that look alike.
     Node Feature(const std::string& name) const;
     // Why the camera could not be opened for control, if so.
@@ -88,7 +91,6 @@ private:
     void OpenCamera(const FeatureTarget& target, const ModuleSettings& settings, Access access);
     void OpenAboveCameras(const FeatureTarget& target, const ModuleSettings& settings);
     void OpenDevice(Access access);
-    const DataStream& OpenStream();
     const koro::System& System() const;
     const koro::Interface& Interface() const;
     NodeMap OpenNodes() const;

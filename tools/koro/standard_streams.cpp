@@ -102,6 +102,11 @@ Descriptors RestoreDescriptors()
     return wereOpen ? Descriptors::Untouched : Descriptors::Restored;
 }
 
+int KeptErrors()
+{
+    return keptErrors >= 0 ? keptErrors : STDERR_FILENO;
+}
+
 std::FILE* Output()
 {
     return keptOutput ? keptOutput : stdout;

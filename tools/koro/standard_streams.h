@@ -29,6 +29,10 @@ enum class Descriptors
 // when it returns, so that no file that is opened later takes their place.
 Descriptors RestoreDescriptors();
 
+// The descriptor of a copy of the standard error, which outlives a producer that closes descriptors. May be called in a
+// signal handler.
+int KeptErrors();
+
 // The tool's standard output, in place of stdout. Any thread.
 std::FILE* Output();
 bool OutputIsTerminal();

@@ -183,9 +183,10 @@ def main():
     print(sequences.summary("sequences of calls"))
     print(order.summary("order of nodes"))
     print(f"left out: {' '.join(left_out)}")
+    without_sequences = second.exists() and not sequences.files
     differences = answers.differences + sequences.differences + order.differences
     print("\n".join(differences))
-    return 1 if differences or not answers.files or not order.files else 0
+    return 1 if differences or not answers.files or not order.files or without_sequences else 0
 
 
 if __name__ == "__main__":

@@ -46,11 +46,14 @@ TEST_F(ProducerWatchDeathTest, CallThatHangsAfterAnInterruptEndsTheProcess)
 
 TEST_F(ProducerWatchDeathTest, WaitIsNotNamedButBoundedAfterAnInterrupt)
 {
-    const auto wait = [](ProducerWatch& watch) {
-        watch.BeginWait();
+    const auto hang = [] {
+        ProducerWatch& watch = *new ProducerWatch({soon, soon, never, never});
+        watch.BeginWait(); // before the call, which could be named otherwise
+        watch.Call("/p/a.cti");
         watch.NoteInterrupt();
+        Hang();
     };
-    EXPECT_EXIT(HangIn({soon, soon, never, never}, wait), testing::ExitedWithCode(130), "^koro: /p/a.cti does not");
+    EXPECT_EXIT(hang(), testing::ExitedWithCode(130), "^koro: /p/a.cti does not");
 }
 
 TEST_F(ProducerWatchDeathTest, CloseThatHangsIsNamedAndEndsTheProcess)
