@@ -105,6 +105,12 @@ bool Camera::IsPresent() const
     return present && !unplugged;
 }
 
+bool Camera::IsGone() const
+{
+    const std::lock_guard lock(mutex);
+    return !present;
+}
+
 bool Camera::IsUnplugged() const
 {
     const std::lock_guard lock(mutex);

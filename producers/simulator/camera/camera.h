@@ -54,8 +54,10 @@ public:
 
     std::string UserName() const { return features->UserName(); }
 
-    // Neither unplugged nor gone otherwise.
+    // Neither unplugged nor gone.
     bool IsPresent() const;
+    // Absent for another reason than its cable.
+    bool IsGone() const;
     // The cable is pulled until Replug; false when the camera was gone before. One that gets its power over the cable
     // starts again.
     bool Unplug(bool losesPower);

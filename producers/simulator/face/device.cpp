@@ -212,7 +212,8 @@ void Device::OnRestoration()
 void Device::OnCameraWritten()
 {
     camera->VanishAfterReset();
-    if (!camera->IsPresent()) OnCameraLost();
+    // A cable may have been pulled while the write was under way; that alone does not end the connection for good.
+    if (camera->IsGone()) OnCameraLost();
 }
 
 std::shared_ptr<kit::DataStream> Device::MakeStream(const std::string&)

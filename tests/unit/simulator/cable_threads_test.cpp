@@ -78,6 +78,32 @@ TEST(SimulatorCableThreads, CableIsPulledAgainAndAgainUnderARunningStream)
     exposures.Kill();
 }
 
+TEST(SimulatorCableThreads, CableIsPulledAgainAndAgainWhileTheCameraIsWritten)
+{
+    constexpr std::uint64_t blackLevelRegister = 0x508;
+    const Producer producer(std::string(settings) + "}");
+    const Tree tree(producer);
+    std::atomic<bool> done{false};
+    std::atomic<std::uint64_t> numWrites{0};
+    std::thread writer([&] {
+        while (!done)
+        {
+            const GC_ERROR written = Write(producer, tree.remote, blackLevelRegister);
+            EXPECT_TRUE(written == GC_ERR_SUCCESS || written == GC_ERR_IO) << written;
+            if (written == GC_ERR_SUCCESS) ++numWrites;
+        }
+    });
+    for (int round = 0; round < 300 && !testing::Test::HasFailure(); ++round)
+    {
+        for (const std::uint64_t action : {unplugRegister, replugRegister})
+            EXPECT_EQ(Write(producer, tree.system, action), GC_ERR_SUCCESS);
+        const std::uint64_t before = numWrites;
+        EXPECT_TRUE(Eventually([&] { return numWrites != before; })) << "round " << round;
+    }
+    done = true;
+    writer.join();
+}
+
 TEST(SimulatorCableThreads, DevicesOpenAndCloseWhileAScriptPullsTheirCable)
 {
     const Producer producer(std::string(settings) + R"(, "connection": {"repeat": 200, "script": [
