@@ -1,5 +1,6 @@
 // The manual pages and the completion that the tool writes from the definitions of its command line.
 #include "tests/support/temporary_folder.h"
+#include "tests/tool/help_text.h"
 #include "tests/tool/tool_run.h"
 
 #include <cstdlib>
@@ -9,7 +10,6 @@
 #include <gtest/gtest.h>
 #include <iterator>
 #include <regex>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -30,31 +30,6 @@ std::string TextOf(const std::filesystem::path& path)
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-std::vector<std::string> LinesOf(const std::string& text)
-{
-    std::vector<std::string> lines;
-    std::istringstream stream(text);
-    for (std::string line; std::getline(stream, line);)
-        lines.push_back(line);
-    return lines;
-}
-
-// The words at the start of the indented lines under a heading of a help text.
-std::vector<std::string> FirstWordsUnder(const std::string& help, const std::string& heading)
-{
-    std::vector<std::string> words;
-    bool isUnder = false;
-    for (const std::string& line : LinesOf(help))
-    {
-        std::smatch match;
-        if (!line.empty() && line[0] != ' ')
-            isUnder = line == heading;
-        else if (isUnder && std::regex_search(line, match, std::regex("^  ([^ ]+)")))
-            words.push_back(match[1]);
-    }
-    return words;
-}
-
 class Reference : public testing::Test
 {
 protected:
@@ -73,7 +48,7 @@ protected:
                << folder.File("replies") << "'\n";
         script.close();
         EXPECT_EQ(std::system(("bash '" + folder.File("complete.sh") + "'").c_str()), 0);
-        auto replies = LinesOf(TextOf(folder.File("replies")));
+        auto replies = SplitLines(TextOf(folder.File("replies")));
         std::erase(replies, "");
         return replies;
     }

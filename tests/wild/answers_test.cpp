@@ -1,6 +1,8 @@
 // Producers that answer less than they should, or something else.
+#include "tests/tool/help_text.h"
 #include "tests/wild/suite.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <iterator>
 
@@ -35,6 +37,7 @@ const std::vector<Row> rows = {
     {"open_elsewhere", "info", {0, {Says("W-wild0-camera"), Says("not opened: .*-1005")}}},
     {"open_elsewhere", "watch", {0, {Says("found +wild0:wild0-camera")}}},
     {"open_elsewhere", "firmware_pack", {0, {Says("Better pictures")}}},
+    {"open_elsewhere", "set_of_*", {0, {Says("^(ForcedAddress|StreamPacketSize)=")}}},
     {"open_elsewhere", "*", {1, {Warns(accessDenied), Warns("hint: Another program")}}},
 
     // The reason that the producer itself has is for the doctor, who may ask it.
@@ -43,18 +46,45 @@ const std::vector<Row> rows = {
     {"refuses_to_start", "doctor", {4, {Says("line 7 of the settings has no number"), NeverSays("cables")}}},
     {"refuses_to_start", "watch", {1, {Warns(whyNotStarted), Warns("no producer that works")}}},
     {"refuses_to_start", "firmware_pack", {0, {Says("Better pictures")}}},
+    {"refuses_to_start", "set_of_system", {1, {Warns(whyNotStarted)}}},
     {"refuses_to_start", "*", {3, {Warns(whyNotStarted), NeverWarns("There is no camera\\.")}}},
 
     {"no_streamable", "settings_save", {0, {Warns("marks no feature"), Warns("--all-writable")}}},
 
     // Nothing can be read behind the first failed query, so no command that opens the stream gets far.
-    {"poisoned_threads", "grab", {1, {Warns("tells the size of a frame")}}},
-    {"poisoned_threads", "grab_raw", {1, {Warns("tells the size of a frame")}}},
+    {"poisoned_threads", "grab*", {1, {Warns("tells the size of a frame")}}},
 };
+
+// "settings save", but not "settings", whose parts are the commands.
+std::vector<std::string> CommandsOfTheTool()
+{
+    std::vector<std::string> commands;
+    for (const std::string& command : FirstWordsUnder(RunTool({"--help"}).out, "Subcommands:"))
+    {
+        const auto parts = FirstWordsUnder(RunTool({command, "--help"}).out, "Subcommands:");
+        for (const std::string& part : parts)
+            commands.push_back(command + " " + part);
+        if (parts.empty()) commands.push_back(command);
+    }
+    return commands;
+}
 
 } // namespace
 
 INSTANTIATE_TEST_SUITE_P(Answers, WildProducers, testing::ValuesIn(Cases(producers, rows)), NameOf);
+
+TEST(CommandsOfTheSuite, AreAllThatTheToolHas)
+{
+    const auto commands = CommandsOfTheTool();
+    EXPECT_GE(commands.size(), 20u);
+    for (const std::string& command : commands)
+    {
+        EXPECT_TRUE(std::any_of(
+            Commands().begin(), Commands().end(),
+            [&](const Command& row) { return (row.line + " ").starts_with(command + " "); }))
+            << "koro " << command << " has no row";
+    }
+}
 
 TEST(CamerasOfOneSerialNumber, AreNamedAsCandidatesByWhatTellsThemApart)
 {

@@ -2,7 +2,9 @@
 #include "tests/wild/gate.h"
 #include "tests/wild/suite.h"
 
+#include <algorithm>
 #include <csignal>
+#include <deque>
 #include <gmock/gmock.h>
 
 namespace koro::test::wild
@@ -12,6 +14,7 @@ namespace
 {
 
 const std::string dead = "dead_camera KORO_WILD_FRAMES=0 KORO_WILD_MS=100";
+const std::string deadAndSlow = "dead_camera KORO_WILD_FRAMES=0 KORO_WILD_MS=1000";
 const std::string dying = "dead_camera KORO_WILD_FRAMES=2";
 const std::string hangs = "hangs_at_start";
 
@@ -22,34 +25,61 @@ const std::vector<Row> dyingRows = {
     // The table comes, then what ended the grab, then what failed behind it.
     {dying, "grab", tableAndReason},
     {dying, "grab_raw", tableAndReason},
+    {dying, "grab_none", {5, {Says("frames +2\n"), Says("timeouts +3\n"), Warns("-1011")}}},
+    {dying, "grab_json", {5, {Says("\"pictures\":2,"), Says("\"timeouts\":3,"), Warns("-1011")}}},
 };
 
-const std::vector<Row> deadRows = {
-    // What is known without the camera is known of a dead one.
-    {dead, "list", {0, {Says("W-wild0-camera")}}},
-    {dead, "list_json", {0, {Says("wild0-camera")}}},
-    {dead, "doctor", {0, {Says("1 usable camera")}}},
-    {dead, "info", {0, {Says("W-wild0-camera")}}},
-    {dead, "watch", {0, {Says("found +wild0:wild0-camera")}}},
-    {dead, "grab", {5, {Says("pictures +0\n"), Says("timeouts +3\n"), Warns("No features of the camera are used")}}},
-    {dead, "grab_raw", {5, {Says("pictures +0\n"), Warns("No features of the camera are used")}}},
-    {dead, "firmware_pack", {0, {Says("Better pictures")}}},
-    {dead, "xml", {1, {Warns("koro: .*-1011"), Warns(noAnswer), NeverWarns("trigger")}}},
-    {dead, "read", {1, {Warns("cannot be read: .*-1011"), Warns(noAnswer)}}},
-    {dead, "write", {1, {Warns("cannot be written: .*-1011"), Warns(noAnswer)}}},
-    {dead, "*", {1, {Warns("no description that can be fetched: .*-1011"), Warns(noAnswer)}}},
-};
+// What each command shows of a camera that was dead before.
+std::vector<Row> DeadRows(const std::string& producer)
+{
+    const std::string noFeatures = "No features of the camera are used";
+    const Expected noDescription = {1, {Warns("no description that can be fetched: .*-1011"), Warns(noAnswer)}};
+    return {
+        // What is known without the camera is known of a dead one.
+        {producer, "list", {0, {Says("W-wild0-camera")}}},
+        {producer, "list_json", {0, {Says("wild0-camera")}}},
+        {producer, "doctor", {0, {Says("1 usable camera")}}},
+        {producer, "info", {0, {Says("W-wild0-camera")}}},
+        {producer, "watch", {0, {Says("found +wild0:wild0-camera")}}},
+        {producer, "grab*", {5, {Says("pictures +0\n"), Says("timeouts +3\n"), Warns(noFeatures)}}},
+        {producer, "grab_none", {5, {Says("frames +0\n"), Says("timeouts +3\n"), Warns(noFeatures)}}},
+        {producer, "grab_json", {5, {Says("\"pictures\":0,"), Says("\"timeouts\":3,"), Warns(noFeatures)}}},
+        {producer, "set_of_interface", {0, {Says("^ForcedAddress=")}}},
+        {producer, "set_of_system", {0, {Says("^StreamPacketSize=")}}},
+        {producer, "firmware_pack", {0, {Says("Better pictures")}}},
+        {producer, "xml", {1, {Warns("koro: .*-1011"), Warns(noAnswer), NeverWarns("trigger")}}},
+        {producer, "read", {1, {Warns("cannot be read: .*-1011"), Warns(noAnswer)}}},
+        {producer, "write", {1, {Warns("cannot be written: .*-1011"), Warns(noAnswer)}}},
+        {producer, "grab_reconnect", noDescription},
+        {producer, "*", noDescription},
+    };
+}
 
 } // namespace
 
 INSTANTIATE_TEST_SUITE_P(
-    Dying, WildProducers, testing::ValuesIn(Cases({dying}, {"grab", "grab_raw"}, dyingRows)), NameOf);
-INSTANTIATE_TEST_SUITE_P(Dead, WildProducers, testing::ValuesIn(Cases({dead}, deadRows)), NameOf);
+    Dying, WildProducers, testing::ValuesIn(Cases({dying}, {"grab", "grab_raw", "grab_none", "grab_json"}, dyingRows)),
+    NameOf);
+INSTANTIATE_TEST_SUITE_P(Dead, WildProducers, testing::ValuesIn(Cases({dead}, DeadRows(dead))), NameOf);
 // Each of these is as any other, only later.
 INSTANTIATE_TEST_SUITE_P(
     Slow, WildProducers, testing::ValuesIn(Cases({"slow_call KORO_WILD_MS=200", "slow_lists"}, {})), NameOf);
 INSTANTIATE_TEST_SUITE_P(
     VerySlow, WildProducers, testing::ValuesIn(Cases({"slow_call"}, {"info", "grab", "grab_raw"}, {})), NameOf);
+
+TEST(DeadCameraWhoseCallsTakeASecond, IsHandledByEachCommand)
+{
+    constexpr std::size_t atOnce = 14; // they wait most of the time
+    const std::vector<Case> cases = Cases({deadAndSlow}, DeadRows(deadAndSlow));
+    for (std::size_t begin = 0; begin < cases.size(); begin += atOnce)
+    {
+        std::deque<CaseRun> runs;
+        for (std::size_t index = begin; index < std::min(begin + atOnce, cases.size()); ++index)
+            runs.emplace_back(cases[index]);
+        for (CaseRun& run : runs)
+            run.ExpectHandled();
+    }
+}
 
 TEST(ProducerThatHangsAtItsStart, IsNamedByTheDoctorWithTheCall)
 {

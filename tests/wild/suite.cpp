@@ -16,6 +16,7 @@
 #include <sstream>
 #include <stdexcept>
 #include <thread>
+#include <utility>
 
 namespace koro::test::wild
 {
@@ -66,7 +67,7 @@ std::vector<std::string> Split(const std::string& line)
 }
 
 // The settings of a tame camera, and an update for it.
-void FillFolder(const TemporaryFolder& folder)
+const TemporaryFolder& FillFolder(const TemporaryFolder& folder)
 {
     const std::string upload = "<DeviceFileName>Firmware</DeviceFileName><FileName>image.bin</FileName>";
     const std::string update = Update(neededEntries, "<Condition Feature=\"PixelFormat\">Mono8</Condition>");
@@ -77,13 +78,19 @@ void FillFolder(const TemporaryFolder& folder)
     folder.MakeFile("write.guf", Container(Package(Control(Procedure(Step("FeatureWrite", write)) + update))));
     folder.MakeFile("saved", "# {05D8C294-F295-4dfb-9D01-096BD04049F4}\n# GenApi persistence file\nWidth\t32\n");
     folder.MakeFile("update.guf", Container(Package(control, {{"image.bin", "image"}})));
+    return folder;
+}
+
+std::string FileOf(const std::string& producer)
+{
+    return "wild_" + Split(producer).front() + ".cti";
 }
 
 // The folder of the producers is a folder of the run with this one in it.
 Environment EnvironmentOf(const std::string& producer, const TemporaryFolder& folder)
 {
     const std::vector<std::string> parts = Split(producer);
-    const std::string file = "wild_" + parts.front() + ".cti";
+    const std::string file = FileOf(producer);
     if (!std::filesystem::exists(folder.File("producers")))
     {
         std::filesystem::create_directory(folder.File("producers"));
@@ -98,30 +105,38 @@ Environment EnvironmentOf(const std::string& producer, const TemporaryFolder& fo
     return variables;
 }
 
-Arguments ArgumentsOf(const std::string& line, const TemporaryFolder& folder)
+Arguments ArgumentsOf(const std::string& producer, const std::string& line, const TemporaryFolder& folder)
 {
-    const std::string place = "FOLDER";
+    const std::pair<std::string, std::string> places[] = {
+        {"FOLDER", folder.Path().string()}, {"PRODUCER", folder.File("producers/" + FileOf(producer))}};
     Arguments arguments = Split(line);
     for (std::string& argument : arguments)
     {
-        const std::size_t at = argument.find(place);
-        if (at != std::string::npos) argument.replace(at, place.size(), folder.Path().string());
+        for (const auto& [place, path] : places)
+        {
+            const std::size_t at = argument.find(place);
+            if (at != std::string::npos) argument.replace(at, place.size(), path);
+        }
     }
     return arguments;
 }
 
-bool FitsRow(const Row& row, const std::string& producer, const std::string& command)
+// `name` is that of a command, or the start of several with "*" behind.
+bool Stands(const std::string& name, const std::string& command)
 {
-    return row.producer == producer && (row.command == command || row.command == "*");
+    return name.ends_with('*') ? command.starts_with(name.substr(0, name.size() - 1)) : name == command;
 }
 
-// The row that names the command goes before the one for all.
+// The longest name of those that stand for the command goes first; an equally long one is the command's own.
 const Row* FindRow(const std::vector<Row>& rows, const std::string& producer, const std::string& command)
 {
     const Row* found = nullptr;
     for (const Row& row : rows)
     {
-        if (FitsRow(row, producer, command) && (!found || row.command == command)) found = &row;
+        if (row.producer != producer || !Stands(row.command, command)) continue;
+        if (!found || row.command == command ||
+            (found->command != command && row.command.size() > found->command.size()))
+            found = &row;
     }
     return found;
 }
@@ -159,6 +174,18 @@ bool IsUTF8(const std::string& text)
     return nlohmann::json::parse(written).get<std::string>() == text;
 }
 
+// One value, or one in each line.
+bool IsJSON(const std::string& text)
+{
+    if (nlohmann::json::accept(text)) return true;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);)
+    {
+        if (!nlohmann::json::accept(line)) return false;
+    }
+    return text.empty() || text.back() == '\n';
+}
+
 void ExpectLine(const ToolResult& result, const Line& line)
 {
     using testing::ContainsRegex;
@@ -188,14 +215,13 @@ void ExpectManners(const ToolResult& result, const std::string& line)
     EXPECT_TRUE(IsUTF8(all)) << "bytes that are no text";
     EXPECT_THAT(result.out, testing::Not(testing::HasSubstr("Exception: by"))) << "the producer's own output";
     EXPECT_TRUE(result.status == 0 || !all.empty()) << "a failure without a word";
-    const bool isJSON = result.out.empty() || nlohmann::json::accept(result.out);
-    EXPECT_TRUE(!isForPrograms || isJSON) << "no whole JSON";
+    EXPECT_TRUE(!isForPrograms || IsJSON(result.out)) << "no whole JSON";
 }
 
 } // namespace
 
 WildRun::WildRun(const std::string& producer, const std::string& line, const TemporaryFolder& folder)
-    : run(ArgumentsOf(line, folder), EnvironmentOf(producer, folder))
+    : run(ArgumentsOf(producer, line, folder), EnvironmentOf(producer, folder))
 {}
 
 ToolResult WildRun::Finish()
@@ -228,7 +254,8 @@ std::vector<Case> Cases(
 {
     for (const Row& row : rows)
     {
-        if (!Has(producers, row.producer) || (row.command != "*" && !Has(commands, row.command)))
+        const auto isMeant = [&](const std::string& command) { return Stands(row.command, command); };
+        if (!Has(producers, row.producer) || std::none_of(commands.begin(), commands.end(), isMeant))
             throw std::logic_error("no case for the row " + row.producer + ", " + row.command);
     }
     std::vector<Case> cases;
@@ -257,17 +284,23 @@ void PrintTo(const Case& run, std::ostream* out)
     *out << "koro " << run.command.line << " against " << run.producer;
 }
 
-TEST_P(WildProducers, AreHandled)
+CaseRun::CaseRun(const Case& of) : what(of), run(of.producer, of.command.line, FillFolder(folder)) {}
+
+void CaseRun::ExpectHandled()
 {
-    const Case& run = GetParam();
-    FillFolder(folder);
-    const ToolResult result = RunAgainst(run.producer, run.command.line, folder);
-    ExpectShown(result, run.command.expected);
-    ExpectManners(result, run.command.line);
-    if (HasFailure())
-        std::cerr << "koro " << run.command.line << "\n--- output\n"
+    const testing::ScopedTrace trace(__FILE__, __LINE__, testing::PrintToString(what));
+    const ToolResult result = run.Finish();
+    ExpectShown(result, what.command.expected);
+    ExpectManners(result, what.command.line);
+    if (testing::Test::HasFailure())
+        std::cerr << "koro " << what.command.line << "\n--- output\n"
                   << result.out << "--- error\n"
                   << result.err << result.notices;
+}
+
+TEST_P(WildProducers, AreHandled)
+{
+    CaseRun(GetParam()).ExpectHandled();
 }
 
 } // namespace koro::test::wild

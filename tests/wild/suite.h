@@ -56,7 +56,7 @@ struct Expected
 
 // A command of the tool as a tame producer has it. FOLDER is a folder of the run, with the file "saved" of settings,
 // the update files "update.guf", which uploads, and "write.guf", which writes a feature, and what the first is made of:
-// "control.xml" and "image.bin".
+// "control.xml" and "image.bin". PRODUCER is the file of the producer.
 struct Command
 {
     std::string name;
@@ -66,7 +66,8 @@ struct Command
 const std::vector<Command>& Commands();
 
 // What a command shows that is not as usual. The producer may have variables behind its name, as in
-// "exits KORO_WILD_CALL=TLOpen". The command "*" stands for all that have no row.
+// "exits KORO_WILD_CALL=TLOpen". A command that ends with "*" stands for all whose names begin so and that have no row
+// which names them, or more of their names.
 struct Row
 {
     std::string producer;
@@ -102,10 +103,21 @@ private:
 ToolResult RunAgainst(const std::string& producer, const std::string& line, const TemporaryFolder& folder);
 void ExpectShown(const ToolResult& result, const Expected& expected);
 
-class WildProducers : public testing::TestWithParam<Case>
+// The run of a case, begun.
+class CaseRun
 {
-protected:
-    TemporaryFolder folder;
+public:
+    explicit CaseRun(const Case& of);
+    // Blocks until the end of the run, and compares it with what is expected.
+    void ExpectHandled();
+
+private:
+    const Case what;
+    const TemporaryFolder folder;
+    WildRun run;
 };
+
+class WildProducers : public testing::TestWithParam<Case>
+{};
 
 } // namespace koro::test::wild

@@ -1,6 +1,7 @@
 #include "producers/scripted/wild/camera.h"
 
 #include <cstring>
+#include <vector>
 
 namespace scripted::wild
 {
@@ -18,6 +19,9 @@ constexpr std::uint64_t startAddress = registers + 0x0C;
 constexpr std::uint64_t stopAddress = registers + 0x10;
 constexpr std::uint64_t packetSizeAddress = registers + 0x14;
 constexpr std::uint64_t exposureAddress = registers + 0x18;
+constexpr std::uint64_t fileOperationAddress = registers + 0x20;
+constexpr std::uint64_t fileAddress = registers + 0x28;
+constexpr char fileContent[] = "the file"; // eight bytes
 constexpr std::uint32_t mono8 = 0x01080001;
 constexpr std::uint32_t firstPacketSize = 1500;
 
@@ -36,10 +40,11 @@ void Set(Port& port, std::uint64_t address, T value)
 }
 
 // A register of four bytes under the name of the feature that stands on it, with "Reg" behind.
-std::string Register(const std::string& feature, std::uint64_t address, const std::string& port)
+std::string Register(
+    const std::string& feature, std::uint64_t address, const std::string& port, const std::string& access = "RW")
 {
     return "<IntReg Name=\"" + feature + "Reg\"><Address>" + std::to_string(address) +
-           "</Address><Length>4</Length><AccessMode>RW</AccessMode><pPort>" + port +
+           "</Address><Length>4</Length><AccessMode>" + access + "</AccessMode><pPort>" + port +
            "</pPort><Sign>Unsigned</Sign><Endianess>LittleEndian</Endianess></IntReg>";
 }
 
@@ -62,10 +67,49 @@ std::string Range(int minimum, int maximum, int increment)
            std::to_string(increment) + "</Inc>";
 }
 
+// A number that the camera knows without a register.
+std::string Constant(const std::string& name, int value)
+{
+    return "<Integer Name=\"" + name + "\"><ImposedAccessMode>RO</ImposedAccessMode><Value>" + std::to_string(value) +
+           "</Value>" + Range(0, value, 1) + "</Integer>";
+}
+
+// The entries have the values 0, 1, ...; the choice is the host's only.
+std::string Choice(const std::string& name, const std::vector<std::string>& entries, const std::string& access = "RW")
+{
+    std::string nodes = "<Enumeration Name=\"" + name + "\"><ImposedAccessMode>" + access + "</ImposedAccessMode>";
+    for (std::size_t value = 0; value < entries.size(); ++value)
+        nodes += "<EnumEntry Name=\"" + entries[value] + "\"><Value>" + std::to_string(value) + "</Value></EnumEntry>";
+    return nodes + "<Value>0</Value></Enumeration>";
+}
+
+// One file, which can be read as a whole, and where each operation succeeds at once.
+std::string FileNodes()
+{
+    constexpr int size = sizeof fileContent - 1;
+    return "<Category Name=\"FileAccessControl\"><pFeature>FileSelector</pFeature>"
+           "<pFeature>FileOperationSelector</pFeature><pFeature>FileOperationExecute</pFeature>"
+           "<pFeature>FileOpenMode</pFeature><pFeature>FileAccessBuffer</pFeature>"
+           "<pFeature>FileAccessOffset</pFeature><pFeature>FileAccessLength</pFeature>"
+           "<pFeature>FileOperationStatus</pFeature><pFeature>FileOperationResult</pFeature>"
+           "<pFeature>FileSize</pFeature></Category>" +
+           Choice("FileSelector", {"Notes"}) + Choice("FileOperationSelector", {"Open", "Close", "Read"}) +
+           Choice("FileOpenMode", {"Read"}) + Choice("FileOperationStatus", {"Success"}, "RO") +
+           "<Integer Name=\"FileAccessOffset\"><Value>0</Value></Integer>"
+           "<Integer Name=\"FileAccessLength\"><Value>0</Value></Integer>" +
+           Constant("FileOperationResult", size) + Constant("FileSize", size) +
+           "<Register Name=\"FileAccessBuffer\"><Address>" + std::to_string(fileAddress) + "</Address><Length>" +
+           std::to_string(size) +
+           "</Length><AccessMode>RO</AccessMode><pPort>Device</pPort></Register>"
+           "<Command Name=\"FileOperationExecute\"><pValue>FileOperationExecuteReg</pValue>"
+           "<CommandValue>1</CommandValue></Command>" +
+           Register("FileOperationExecute", fileOperationAddress, "Device", "WO");
+}
+
 std::string CameraNodes()
 {
     return "<Category Name=\"Root\"><pFeature>ImageFormatControl</pFeature><pFeature>AcquisitionControl</pFeature>"
-           "<pFeature>TransportLayerControl</pFeature></Category>"
+           "<pFeature>TransportLayerControl</pFeature><pFeature>FileAccessControl</pFeature></Category>"
            "<Category Name=\"ImageFormatControl\"><pFeature>Width</pFeature><pFeature>Height</pFeature>"
            "<pFeature>PixelFormat</pFeature></Category>"
            "<Category Name=\"AcquisitionControl\"><pFeature>AcquisitionStart</pFeature>"
@@ -87,7 +131,7 @@ std::string CameraNodes()
            "<IntSwissKnife Name=\"PayloadSize\"><pVariable Name=\"W\">WidthReg</pVariable>"
            "<pVariable Name=\"H\">HeightReg</pVariable><Formula>W * H</Formula></IntSwissKnife>"
            "<Integer Name=\"TLParamsLocked\"><Value>0</Value><Min>0</Min><Max>1</Max></Integer>" +
-           Integer("GevSCPSPacketSize", packetSizeAddress, Range(576, 9000, 4));
+           Integer("GevSCPSPacketSize", packetSizeAddress, Range(576, 9000, 4)) + FileNodes();
 }
 
 // One feature of a host module, in its category.
@@ -121,6 +165,7 @@ void SetFirstValues(const Camera& camera, Port& port)
     Set(port, pixelFormatAddress, mono8);
     Set(port, packetSizeAddress, camera.packetSize.load());
     Set(port, exposureAddress, 5000.0);
+    std::memcpy(port.registers[registers].data() + (fileAddress - registers), fileContent, sizeof fileContent - 1);
 }
 
 } // namespace
