@@ -19,7 +19,6 @@ using nlohmann::json;
 using testing::EndsWith;
 using testing::HasSubstr;
 
-
 // What the simulated camera takes as new firmware.
 std::string Image(const std::string& version, size_t size = 100'000)
 {
@@ -231,6 +230,41 @@ TEST_F(Firmware, OneOfSeveralUpdatesForACameraIsNotChosen)
     EXPECT_EQ(result.status, failure);
     EXPECT_THAT(result.err, HasSubstr("koro: 2 updates of the file fit the camera: 2.0, 3.0.\nhint: "));
     EXPECT_NE(Koro({"get", "cam", "DeviceFirmwareVersion"}).out, "2.0\n");
+}
+
+TEST_F(Firmware, SettingsAreWrittenBeforeTheUpdate)
+{
+    const std::string condition = "<Condition Feature=\"PixelFormat\">Mono16</Condition>";
+    control = folder.MakeFile("rules.xml", Control(Procedure(Steps()) + Update(neededEntries, condition)));
+    const std::string file = Packed();
+    EXPECT_EQ(Koro({"firmware", "update", "cam", file}).status, failure);
+    const ToolResult result = Koro({"firmware", "update", "cam", file, "--set", "PixelFormat=Mono16"});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.out, EndsWith(" s, the camera reports version 2.0\n"));
+}
+
+TEST_F(Firmware, SettingThatCannotBeWrittenPreventsTheUpdate)
+{
+    const std::string file = Packed();
+    for (const char* const setting : {"system:Nothing=1", "interface:Nothing=1", "Nothing=1"})
+        EXPECT_EQ(Koro({"firmware", "update", "cam", file, "--set", setting}).status, noSuchFeature) << setting;
+    for (const char* const setting : {"device:LinkCommandTimeout=2000", "stream:EventNotification=Off"})
+        EXPECT_EQ(Koro({"firmware", "update", "cam", file, "--set", setting}).status, usage) << setting;
+    EXPECT_NE(Koro({"get", "cam", "DeviceFirmwareVersion"}).out, "2.0\n");
+}
+
+TEST_F(Firmware, SettingsOfAllAreThoseOfCamerasThatFit)
+{
+    json& cameras = settings["interfaces"][0]["cameras"];
+    cameras.push_back(cameras[0]);
+    cameras[1]["serial"] = "two";
+    cameras[1]["model"] = "Other";
+    const ToolResult result = Koro(
+        {"firmware", "update", "*", Packed(), "--all", "--set", "system:InterfaceUpdateTimeout=7", "--set",
+         "Width=32"});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.out, HasSubstr("\n1 camera updated, 0 failed\n"));
+    EXPECT_NE(Koro({"get", "two", "Width"}).out, "32\n");
 }
 
 TEST_F(Firmware, ImageThatTheCameraRefusesIsAFailure)

@@ -1,9 +1,11 @@
+#include "tools/koro/assignments.h"
 #include "tools/koro/camera_connection.h"
 #include "tools/koro/commands.h"
 #include "tools/koro/description_bytes.h"
 #include "tools/koro/discovery.h"
 #include "tools/koro/if_known.h"
 #include "tools/koro/interrupt.h"
+#include "tools/koro/module_settings.h"
 #include "tools/koro/number_option.h"
 #include "tools/koro/path_option.h"
 #include "tools/koro/pending_file.h"
@@ -21,6 +23,7 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <stdexcept>
 #include <system_error>
 #include <unistd.h>
 
@@ -38,6 +41,7 @@ struct FirmwareCommand
     std::string file;
     std::string control;
     std::vector<std::string> contents;
+    std::vector<std::string> settings; // [MODULE:]NAME=VALUE, written before an update
     bool all = false;
     uint64_t resetTimeout_ms = 60000;
 };
@@ -178,9 +182,36 @@ std::string VersionOf(const CameraConnection& connection, const std::string& ser
     return "unknown";
 }
 
+ModuleSettings SettingsOf(const FirmwareCommand& command)
+{
+    return ModuleSettings(command.settings, ModuleKind::Remote);
+}
+
+// The library opens the camera for the update, so what a setting changes must outlive an open camera. Throws ToolError.
+void RefuseSettingsThatEndBefore(const FirmwareCommand& command)
+{
+    for (const Assignment& setting : ParseAssignments(command.settings, ModuleKind::Remote))
+    {
+        if (setting.module != ModuleKind::Device && setting.module != ModuleKind::Stream) continue;
+        throw ToolError(
+            std::string("A setting of the ") + NameOf(setting.module) + " would end before the update.",
+            "There are settings of system, interface and remote.", exitUsage);
+    }
+}
+
+// Those of the camera itself; those above it are written where their modules are opened.
+void WriteSettings(const ModuleSettings& settings, const DeviceDescriptor& camera)
+{
+    if (!settings.NeedCamera()) return;
+    const Device device = camera.OpenDevice(AccessType::Control);
+    settings.ApplyTo(device, [&]() -> const DataStream& { throw std::logic_error("a setting of a stream"); });
+}
+
 void UpdateOne(const FirmwareCommand& command, const Discovery& discovery, const CameraChoice& choice)
 {
-    const CameraConnection connection(discovery, choice);
+    const ModuleSettings settings = SettingsOf(command);
+    const CameraConnection connection(discovery, choice, settings);
+    WriteSettings(settings, connection.Descriptor());
     const FirmwareUpdater updater;
     const auto updates = UpdatesFor(updater, command.file, connection.Descriptor());
     if (updates.empty()) throw ToolError("No update of " + Printable(command.file) + " fits the camera.");
@@ -220,9 +251,10 @@ void UpdateOne(const FirmwareCommand& command, const Discovery& discovery, const
         Printable(VersionOf(connection, choice.camera->serialNumber.value_or(""))).c_str());
 }
 
+// The settings of the camera itself are not written yet: it may be one that the file is not for.
 bool Fits(const FirmwareCommand& command, const Discovery& discovery, const CameraChoice& choice)
 {
-    const CameraConnection connection(discovery, choice);
+    const CameraConnection connection(discovery, choice, SettingsOf(command));
     return !UpdatesFor(FirmwareUpdater(), command.file, connection.Descriptor()).empty();
 }
 
@@ -256,6 +288,7 @@ int UpdateAll(const FirmwareCommand& command, const Discovery& discovery, const 
 
 int Update(const FirmwareCommand& command)
 {
+    RefuseSettingsThatEndBefore(command);
     // Half an update may leave a camera that never starts again.
     const Interrupt interrupt("the update of a camera is not cut off", Interrupt::Calls::NotCutOff);
     const Library library = Library::Initialize();
@@ -336,6 +369,7 @@ Action DefineFirmware(CLI::App& command)
             "--reset-timeout", options->resetTimeout_ms, "Milliseconds that a camera may take to come back"),
         0, 3600000)
         ->capture_default_str();
+    DefineSettings(*update, options->settings);
     for (CLI::App* const part : {info, update})
         DefineProducer(*part, options->producer);
     CLI::App* const pack = define("pack", "Make an update file", Pack);
