@@ -15,7 +15,6 @@ using namespace koro::test;
 using nlohmann::json;
 using testing::HasSubstr;
 
-
 json EventCamera(const char* tlType = "GEV")
 {
     json settings = OneCamera("Mono8", 64, 48);
@@ -93,6 +92,15 @@ TEST(Events, DurationEndsTheWaitWithoutEvents)
     const ToolResult result = RunTool({"events", "cam", "--duration", "50"}, SimulatorWith(folder, EventCamera()));
     EXPECT_EQ(result.status, 0) << result.err;
     EXPECT_EQ(result.out, "");
+}
+
+TEST(Events, StreamOfASettingIsTheOneOfTheAcquisition)
+{
+    // The simulator, like most producers, opens a stream only once.
+    const ToolResult result =
+        Events(EventCamera(), {"--enable", "ExposureEnd", "--events", "1", "--set", "stream:EventNotification=Off"});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.out, HasSubstr("ExposureEnd"));
 }
 
 TEST(Events, PicturesThatDoNotComeDoNotHoldUpTheEnd)
