@@ -23,6 +23,8 @@ const std::vector<std::string> producers = {
     "falls_over_at_exit",
     "changes_directory",
     "closes_descriptors",
+    "becomes_a_daemon",
+    "closes_and_ends",
     "leaves_a_thread",
 };
 
@@ -64,9 +66,13 @@ std::vector<Row> Rows()
     add(LeftOut(
         "crashes KORO_WILD_CALL=TLOpen", "wild_crashes.cti.*signal 11",
         named(128 + 11, "wild_crashes.cti crashed in TLOpen: signal 11")));
+    add(LeftOut(
+        "closes_and_ends", "wild_closes_and_ends.cti.*status 0",
+        named(1, "wild_closes_and_ends.cti ended the process in GCInitLib, with status 0")));
     // No command but the probe asks it for its version.
     add(LeftOut("writes_null", "wild_writes_null.cti.*signal 11", {0, {Says("^StreamPacketSize=9000\n$")}}));
-    rows.push_back({"closes_descriptors", "doctor", {0, {Says("closes: descriptors"), Says("1 usable camera")}}});
+    for (const char* const closing : {"closes_descriptors", "becomes_a_daemon"})
+        rows.push_back({closing, "doctor", {0, {Says("closes: descriptors"), Says("1 usable camera")}}});
     return rows;
 }
 
@@ -116,6 +122,26 @@ TEST(ProducerThatForksAnOrphan, DoesNotKeepTheOutputOpen)
     const ToolResult result = RunAgainst("forks_an_orphan " + gate.Variable(), "info wild0-camera", folder);
     ExpectShown(result, {0, {Says("W-wild0-camera")}});
     EXPECT_TRUE(gate.IsWaitedAt());
+}
+
+TEST(ProducerThatBecomesADaemon, DoesNotTakeTheMessages)
+{
+    const TemporaryFolder folder;
+    const ToolResult result = RunAgainst("becomes_a_daemon", "get wild0-camera Widht --producer PRODUCER", folder);
+    ExpectShown(result, {6, {Warns("has no feature \"Widht\""), Warns("hint: .*Width")}});
+}
+
+// In the tool's own process, which has no other descriptor 2 for the report any more.
+TEST(ProducerThatClosesDescriptorsAndEnds, IsNamedOnTheErrorsThatTheToolHadBefore)
+{
+    const TemporaryFolder folder;
+    const std::string line = "get wild0-camera Width --producer PRODUCER";
+    ExpectShown(
+        RunAgainst("closes_and_ends", line, folder),
+        {1, {Warns("wild_closes_and_ends.cti ended the process in GCInitLib, with status 0\\.\n")}});
+    ExpectShown(
+        RunAgainst("closes_and_ends KORO_WILD_SIGNAL=11", line, folder),
+        {128 + 11, {Warns("wild_closes_and_ends.cti crashed in GCInitLib: signal 11 ")}});
 }
 
 TEST(ProducerThatWritesThroughTheNullBuffer, IsNamedByTheDoctorWithTheCall)

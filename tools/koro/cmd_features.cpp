@@ -113,7 +113,7 @@ int Features(FeaturesCommand command)
     if (session.WhyReadOnly())
     {
         std::fprintf(
-            stderr, "koro: The camera could be opened for reading only, so nothing is writable: %s\n",
+            Errors(), "koro: The camera could be opened for reading only, so nothing is writable: %s\n",
             PrintableStart(*session.WhyReadOnly(), 4096).c_str());
     }
     const bool isTree = !command.all || session.Nodes().TryNode("Root");

@@ -196,7 +196,7 @@ int Read(const FilesCommand& command)
     const FileAdapter file = Open(session, command.name);
     const uint64_t size = file.Size();
     RequireMode(session, command, "Read", "read");
-    TransferProgress progress(stderr, isatty(STDERR_FILENO) != 0, size);
+    TransferProgress progress(Errors(), isatty(fileno(Errors())) != 0, size);
     const BlockWatch blocks(session.Nodes(), progress);
     std::vector<uint8_t> bytes;
     AnswerWatch(session.Nodes()).Run(command.name, "read", [&] { bytes = file.Read(size); });
@@ -214,7 +214,7 @@ int Write(const FilesCommand& command)
     const FeatureSession session(command.target, FeatureSession::Access::Write);
     const FileAdapter file = Open(session, command.name);
     RequireMode(session, command, "Write", "written");
-    TransferProgress progress(stderr, isatty(STDERR_FILENO) != 0, bytes.size());
+    TransferProgress progress(Errors(), isatty(fileno(Errors())) != 0, bytes.size());
     const BlockWatch blocks(session.Nodes(), progress);
     // Writing need not shorten a file.
     if (IfKnown([&] { return file.Size(); }).value_or(0) > bytes.size()) IfKnown([&] { return file.Delete(), true; });

@@ -278,7 +278,7 @@ int UpdateAll(const FirmwareCommand& command, const Discovery& discovery, const 
         {
             ++numFailed;
             std::fprintf(
-                stderr, "koro: %s: %s\n", DescribeCamera(choice).c_str(), PrintableLines(error.what()).c_str());
+                Errors(), "koro: %s: %s\n", DescribeCamera(choice).c_str(), PrintableLines(error.what()).c_str());
         }
     }
     PrintOut("%s updated, %zu failed\n", CountOf(numUpdated, "camera").c_str(), numFailed);

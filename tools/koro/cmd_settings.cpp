@@ -135,7 +135,7 @@ void RequireControl(const FeatureSession& session)
 // Nothing is a strange thing to save, and stranger to load.
 void WarnOfNoValues(const std::string& what, const std::string& hint)
 {
-    std::fprintf(stderr, "koro: %s\nhint: %s\n", what.c_str(), hint.c_str());
+    std::fprintf(Errors(), "koro: %s\nhint: %s\n", what.c_str(), hint.c_str());
 }
 
 std::string LineOf(const PlannedRecord& plan)
@@ -167,7 +167,7 @@ int SaveSettings(const SettingsCommand& command)
     file.Commit();
     for (const std::string& title : settings.leftOut)
         std::fprintf(
-            stderr, "%s is left out: a file holds no text that is empty, begins with a brace or has several lines\n",
+            Errors(), "%s is left out: a file holds no text that is empty, begins with a brace or has several lines\n",
             PrintableStart(title).c_str());
     if (settings.records.empty() && !command.allWritable)
         WarnOfNoValues(
@@ -179,7 +179,7 @@ int SaveSettings(const SettingsCommand& command)
 
 void RefuseProblems(const std::vector<PlannedRecord>& plans, size_t numRecords, const std::string& reason)
 {
-    const size_t numProblems = PrintProblems(plans, stderr);
+    const size_t numProblems = PrintProblems(plans, Errors());
     if (numProblems == 0) return;
     throw ToolError(
         std::to_string(numProblems) + " of " + CountOf(numRecords, "value") + " could not be written: " + reason,

@@ -240,7 +240,7 @@ std::vector<std::string> WorkingProducers(const ProducerChoice& choice)
     }
     const Discovery discovery = Discover(choice);
     for (const ProbeResult& failed : discovery.failed)
-        std::fprintf(stderr, "koro: %s\n", DescribeFailure(failed).c_str());
+        std::fprintf(Errors(), "koro: %s\n", DescribeFailure(failed).c_str());
     std::vector<std::string> producers;
     for (const ProducerRecord& producer : discovery.producers)
         producers.push_back(producer.path);

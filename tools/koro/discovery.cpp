@@ -2,6 +2,7 @@
 
 #include "tools/koro/opened_producer.h"
 #include "tools/koro/report.h"
+#include "tools/koro/standard_streams.h"
 #include "tools/koro/tool_error.h"
 #include <koro/koro.hpp>
 
@@ -28,7 +29,7 @@ void LeaveOutStandIn(const std::string& simulator, std::vector<ProducerRecord>& 
 void SayWhoIsWaitedFor(const std::vector<std::string>& paths)
 {
     for (const std::string& path : paths)
-        std::fprintf(stderr, "koro: waiting for %s\n", Printable(path).c_str());
+        std::fprintf(Errors(), "koro: waiting for %s\n", Printable(path).c_str());
 }
 
 Discovery ProbeAll(const ProducerChoice& choice, const std::string& wanted)
@@ -38,7 +39,7 @@ Discovery ProbeAll(const ProducerChoice& choice, const std::string& wanted)
     if (!search.ownFolder.empty())
     {
         std::fprintf(
-            stderr, "koro: %s %s; these producers came with the tool: %s\n", producerPathVariable,
+            Errors(), "koro: %s %s; these producers came with the tool: %s\n", producerPathVariable,
             search.variableIsEmpty ? "names no directory" : "is not set", Printable(search.ownFolder).c_str());
     }
     else if (search.candidates.empty() && search.variableIsEmpty)
@@ -116,7 +117,7 @@ std::vector<CameraChoice> FindCameras(const Discovery& discovery, const std::str
 {
     for (const ProbeResult& failed : discovery.failed)
     {
-        std::fprintf(stderr, "koro: %s\n", DescribeFailure(failed).c_str());
+        std::fprintf(Errors(), "koro: %s\n", DescribeFailure(failed).c_str());
     }
     try
     {
@@ -127,7 +128,7 @@ std::vector<CameraChoice> FindCameras(const Discovery& discovery, const std::str
         // The camera may be one of those that could not be listed.
         const std::vector<std::string> problems = ProblemsOf(discovery.producers);
         for (const std::string& problem : problems)
-            std::fprintf(stderr, "koro: %s\n", Printable(problem).c_str());
+            std::fprintf(Errors(), "koro: %s\n", Printable(problem).c_str());
         const bool somethingFailed = !problems.empty() || !discovery.failed.empty();
         if (!somethingFailed || !AllCameras(discovery.producers).empty()) throw;
     }

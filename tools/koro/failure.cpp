@@ -1,6 +1,7 @@
 #include "tools/koro/failure.h"
 
 #include "tools/koro/report.h"
+#include "tools/koro/standard_streams.h"
 #include "tools/koro/tool_error.h"
 #include <koro/koro.hpp>
 
@@ -15,8 +16,8 @@ namespace
 
 int Fail(const char* text, const std::string& hint, int status)
 {
-    std::fprintf(stderr, "koro: %s\n", PrintableLines(text).c_str());
-    if (!hint.empty()) std::fprintf(stderr, "hint: %s\n", PrintableLines(hint).c_str());
+    std::fprintf(Errors(), "koro: %s\n", PrintableLines(text).c_str());
+    if (!hint.empty()) std::fprintf(Errors(), "hint: %s\n", PrintableLines(hint).c_str());
     return status;
 }
 

@@ -7,6 +7,7 @@
 #include "tools/koro/producer_option.h"
 #include "tools/koro/report.h"
 #include "tools/koro/similar_names.h"
+#include "tools/koro/standard_streams.h"
 #include "tools/koro/tool_error.h"
 
 #include <CLI/CLI.hpp>
@@ -123,9 +124,10 @@ void FeatureSession::OpenAboveCameras(const FeatureTarget& target, const ModuleS
         aboveCameras.emplace(target.systemFile, "", settings);
         return;
     }
-    const Discovery discovery = Discover(target.systemFile.empty() ? target.producer : ProducerChoice{.file = target.systemFile});
+    const Discovery discovery =
+        Discover(target.systemFile.empty() ? target.producer : ProducerChoice{.file = target.systemFile});
     for (const ProbeResult& failed : discovery.failed)
-        std::fprintf(stderr, "koro: %s\n", DescribeFailure(failed).c_str());
+        std::fprintf(Errors(), "koro: %s\n", DescribeFailure(failed).c_str());
     const InterfaceChoice choice = SelectInterface(discovery.producers, target.interfaceName);
     aboveCameras.emplace(choice.producer->path, choice.interfaceRecord->id, settings);
 }

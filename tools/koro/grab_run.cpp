@@ -33,7 +33,7 @@ ProgressForm FormOf(const GrabOptions& options)
 void PrintEnd(const std::string& reason, const GrabOutput& output, uint64_t numPictures, const char* hint)
 {
     std::fprintf(
-        stderr, "%skoro: The camera gave %llu of %llu pictures.\nhint: %s\n", reason.c_str(),
+        Errors(), "%skoro: The camera gave %llu of %llu pictures.\nhint: %s\n", reason.c_str(),
         static_cast<unsigned long long>(output.numHanded), static_cast<unsigned long long>(numPictures), hint);
 }
 
@@ -178,12 +178,12 @@ int GrabRun::Conclude()
     int status = ReportEnd();
     for (const std::string& failure : closing.Failures())
     {
-        std::fprintf(stderr, "koro: %s\n", PrintableLines(failure).c_str());
+        std::fprintf(Errors(), "koro: %s\n", PrintableLines(failure).c_str());
         if (status == exitSuccess) status = exitFailure;
     }
     if (isGivenUp)
     {
-        std::fprintf(stderr, "koro: The camera could not be closed.\n");
+        std::fprintf(Errors(), "koro: The camera could not be closed.\n");
         if (status == exitSuccess) status = exitFailure;
     }
     return interrupt.IsRequested() ? exitInterrupted : status;

@@ -5,6 +5,7 @@
 #include "tools/koro/frame_reader.h"
 #include "tools/koro/if_known.h"
 #include "tools/koro/report.h"
+#include "tools/koro/standard_streams.h"
 #include "tools/koro/tool_error.h"
 
 #include <algorithm>
@@ -103,7 +104,7 @@ void GrabSession::FindNodes()
         // One that is not back yet has its features later.
         if (link && !detail::Answers(device.RemoteDevice())) throw Error(KORO_RETURN_CODE_IO_ERROR, error.what());
         if (modules.NeedCamera() || settings.chunks) throw;
-        std::fprintf(stderr, "koro: No features of the camera are used: %s\n", PrintableLines(error.what()).c_str());
+        std::fprintf(Errors(), "koro: No features of the camera are used: %s\n", PrintableLines(error.what()).c_str());
     }
 }
 

@@ -3,6 +3,7 @@
 #include "tools/koro/exit_codes.h"
 #include "tools/koro/process_end.h"
 #include "tools/koro/producer_watch.h"
+#include "tools/koro/standard_streams.h"
 
 #include <cstdio>
 #include <pthread.h>
@@ -65,7 +66,7 @@ void Interrupt::WatchSignals()
     anyRequested = true;
     // Before the wake, which calls a producer and may never come back.
     EndAtNextSignal();
-    std::fprintf(stderr, "koro: %s; once more ends at once\n", answer);
+    std::fprintf(Errors(), "koro: %s; once more ends at once\n", answer);
     if (calls == Calls::Bounded) ProducerWatch::OfProcess().NoteInterrupt();
     {
         const std::lock_guard<std::mutex> lock(wakeMutex);

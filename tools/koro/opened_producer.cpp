@@ -44,7 +44,8 @@ void CheckDescriptors(const std::string& path)
             "The producer cannot be used from the tool; ask its maker for another version.");
     if (found == Descriptors::Restored)
         std::fprintf(
-            stderr, "koro: %s has closed descriptors of the process; they are open again.\n", Printable(path).c_str());
+            Errors(), "koro: %s has closed descriptors of the process; they are open again.\n",
+            Printable(path).c_str());
 }
 
 } // namespace

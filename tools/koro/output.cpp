@@ -72,7 +72,7 @@ int FinishOutput(int status)
     if (reason == EPIPE || HasLostItsReader(fileno(Output()))) return hasFailed ? status : exitBrokenPipe;
     const std::string text = reason == 0 ? "a part is lost" : std::generic_category().message(reason);
     std::fprintf(
-        stderr, "koro: Cannot write the output: %s.\nhint: Check that the disk has room and the output is open.\n",
+        Errors(), "koro: Cannot write the output: %s.\nhint: Check that the disk has room and the output is open.\n",
         text.c_str());
     return hasFailed ? status : exitFailure;
 }

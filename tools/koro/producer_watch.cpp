@@ -192,8 +192,8 @@ void ProducerWatch::GiveNotice()
 {
     isNoticed = true;
     if (phase == Phase::Calling && OutputIsFull()) return;
-    if (phase == Phase::Closing) std::fprintf(stderr, "koro: closing, the camera does not answer\n");
-    std::fprintf(stderr, "koro: waiting for %s\n", Printable(producer).c_str());
+    if (phase == Phase::Closing) std::fprintf(Errors(), "koro: closing, the camera does not answer\n");
+    std::fprintf(Errors(), "koro: waiting for %s\n", Printable(producer).c_str());
 }
 
 void ProducerWatch::EndProcess(std::unique_lock<std::mutex> lock)
@@ -219,12 +219,12 @@ void ProducerWatch::SayWhy() const
     const std::string name = Printable(producer);
     if (phase == Phase::Leaving)
     {
-        std::fprintf(stderr, "koro: %s does not let the process end.\n", name.c_str());
+        std::fprintf(Errors(), "koro: %s does not let the process end.\n", name.c_str());
         return;
     }
     const char* const what = phase == Phase::Closing ? "cannot be closed" : "does not return from a call";
     std::fprintf(
-        stderr,
+        Errors(),
         "koro: %s %s.\nhint: `koro doctor` checks the producers. A camera that was open is free again when it notices "
         "the end.\n",
         name.c_str(), what);

@@ -1,5 +1,7 @@
 #include "tools/koro/progress.h"
 
+#include "tools/koro/standard_streams.h"
+
 #include <algorithm>
 
 namespace koro::tool
@@ -50,7 +52,7 @@ void Progress::Warn(const std::string& line)
     // Away with the bar, which stands in the same line of the terminal.
     if (isDrawn) std::fputs("\r\33[K", stream);
     std::fflush(stream);
-    std::fprintf(stderr, "%s\n", line.c_str());
+    std::fprintf(Errors(), "%s\n", line.c_str());
     lastDrawn = {};
     if (isDrawn) DrawBar();
 }
@@ -60,7 +62,7 @@ void Progress::Say(const std::string& line)
     const std::lock_guard<std::mutex> lock(mutex);
     if (form == ProgressForm::Objects)
     {
-        std::fprintf(stderr, "%s\n", line.c_str());
+        std::fprintf(Errors(), "%s\n", line.c_str());
         return;
     }
     ShowLine(line);

@@ -16,6 +16,8 @@ namespace
 
 // Null until the output is kept. Never closed.
 std::FILE* keptOutput = nullptr;
+// Likewise, without a buffer as stderr has none.
+std::FILE* keptErrorStream = nullptr;
 int keptErrors = -1;
 
 bool IsOpen(int descriptor)
@@ -58,6 +60,8 @@ void KeepOutput()
 {
     std::fflush(stdout);
     keptErrors = CopyBeyondReach(STDERR_FILENO);
+    keptErrorStream = keptErrors < 0 ? nullptr : StreamOver(keptErrors);
+    if (keptErrorStream) std::setvbuf(keptErrorStream, nullptr, _IONBF, 0);
     const int copy = CopyBeyondReach(STDOUT_FILENO);
     keptOutput = copy < 0 ? nullptr : StreamOver(copy);
     if (!keptOutput) return;
@@ -104,7 +108,12 @@ Descriptors RestoreDescriptors()
 
 int KeptErrors()
 {
-    return keptErrors >= 0 ? keptErrors : STDERR_FILENO;
+    return IsOpen(keptErrors) ? keptErrors : STDERR_FILENO;
+}
+
+std::FILE* Errors()
+{
+    return keptErrorStream && IsOpen(keptErrors) ? keptErrorStream : stderr;
 }
 
 std::FILE* Output()

@@ -33,6 +33,8 @@ Descriptors RestoreDescriptors();
 // signal handler.
 int KeptErrors();
 
+// The tool's messages, in place of stderr, on that copy. Any thread.
+std::FILE* Errors();
 // The tool's standard output, in place of stdout. Any thread.
 std::FILE* Output();
 bool OutputIsTerminal();

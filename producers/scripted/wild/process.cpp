@@ -93,6 +93,13 @@ private:
     _exit(0);
 }
 
+void CloseAll()
+{
+    const auto limit = static_cast<int>(NumberOf("KORO_WILD_LIMIT", 256));
+    for (int number = 0; number < limit; ++number)
+        close(number);
+}
+
 } // namespace
 
 // Speaks on standard output, in each of the three ways, when it starts and whenever a feature is read.
@@ -182,10 +189,26 @@ void ForksAnOrphan(Producer& producer)
 // Its start closes all descriptors of the process, as programs do that become daemons. Their usual limit was 256 once.
 void ClosesDescriptors(Producer& producer)
 {
+    At(producer, "GCInitLib", CloseAll);
+}
+
+// Its start leaves the descriptors as a daemon has them: closed, with the first three on nothing.
+void BecomesADaemon(Producer& producer)
+{
     At(producer, "GCInitLib", [] {
-        const auto limit = static_cast<int>(NumberOf("KORO_WILD_LIMIT", 256));
-        for (int number = 0; number < limit; ++number)
-            close(number);
+        CloseAll();
+        const int first = open("/dev/null", O_RDWR);
+        if (dup(first) < 0 || dup(first) < 0) std::abort();
+    });
+}
+
+// Its start closes the descriptors and then ends the process: with success, or by a signal.
+void ClosesAndEnds(Producer& producer)
+{
+    At(producer, "GCInitLib", [] {
+        CloseAll();
+        if (const auto signal = static_cast<int>(NumberOf("KORO_WILD_SIGNAL", 0))) std::raise(signal);
+        std::exit(0);
     });
 }
 
