@@ -1,8 +1,11 @@
 #include "tests/support/temporary_folder.h"
 #include "tests/tool/tool_run.h"
 
+#include <cstdlib>
+#include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <iterator>
 
 namespace
 {
@@ -10,7 +13,6 @@ namespace
 using namespace koro::test;
 using testing::HasSubstr;
 using testing::Not;
-
 
 ToolResult Doctor(const std::string& variable, const Arguments& more = {})
 {
@@ -169,6 +171,27 @@ TEST(Doctor, CamerasThatAreMissingAreLookedForAtTheCables)
     const ToolResult result = RunTool({"doctor", "--producer", SimulatorPath()}, {{"KORO_SIMULATOR_CONFIG", settings}});
     EXPECT_EQ(result.status, noUsableCamera);
     EXPECT_THAT(result.out, HasSubstr("\nhint: Check the cameras' cables, power and network.\n"));
+}
+
+// In a namespace with another /opt.
+TEST(Doctor, ProducersThatAreNotSearchedAreNamedWithTheLineThatAddsThem)
+{
+    const TemporaryFolder folder;
+    folder.MakeFolder("my maker");
+    folder.MakeFile("my maker/camera.cti", "");
+    const std::string tool = std::getenv("KORO_TEST_TOOL");
+    const auto runs = [&](const std::string& command) {
+        const std::string inside = "mount --bind " + folder.Path().string() + " /opt && " + command;
+        return std::system(("unshare --user --map-root-user --mount sh -c '" + inside + "' 2>/dev/null").c_str()) == 0;
+    };
+    if (!runs("test -x " + tool)) GTEST_SKIP() << "there is no other /opt for this test";
+
+    const std::string searched = folder.MakeFolder("searched");
+    runs("GENICAM_GENTL64_PATH=" + searched + " " + tool + " doctor >" + folder.File("output"));
+    std::ifstream file(folder.File("output"));
+    const std::string output(std::istreambuf_iterator<char>(file), {});
+    EXPECT_THAT(output, HasSubstr("\n/opt/my maker holds .cti files and is not searched\n"));
+    EXPECT_THAT(output, HasSubstr("\nto search them: export GENICAM_GENTL64_PATH='" + searched + ":/opt/my maker"));
 }
 
 TEST(Doctor, ProducerWithoutErrorsLacksAFunctionAndWorks)

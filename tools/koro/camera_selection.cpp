@@ -2,6 +2,7 @@
 
 #include "tools/koro/name_pattern.h"
 #include "tools/koro/report.h"
+#include "tools/koro/shell_word.h"
 #include "tools/koro/tool_error.h"
 
 #include <algorithm>
@@ -52,17 +53,6 @@ std::vector<CameraChoice> WithFullID(const std::vector<CameraChoice>& cameras, c
     return found;
 }
 
-// As a shell takes it for one word.
-std::string Quoted(const std::string& word)
-{
-    static const char* const plain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-+.,:/@%=";
-    if (!word.empty() && word.front() != '-' && word.find_first_not_of(plain) == word.npos) return word;
-    std::string quoted = "'";
-    for (const char c : word)
-        quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return quoted + "'";
-}
-
 // An "interface:id" comes before the other names, and exact matches before patterns.
 std::vector<CameraChoice> Fitting(const std::vector<CameraChoice>& cameras, const std::string& name)
 {
@@ -78,14 +68,14 @@ std::string HintFor(const std::vector<CameraChoice>& all, const CameraChoice& ca
 {
     const std::string id = FullID(*camera.interfaceRecord, *camera.camera);
     const std::string name = Printable(id) == id ? id : PrintablePattern(id);
-    const std::string word = name.front() == '-' ? "-- " + Quoted(name) : Quoted(name);
+    const std::string word = name.front() == '-' ? "-- " + ShellWord(name) : ShellWord(name);
     const std::string title = "Name one by interface:id, the first one for instance as ";
     if (Fitting(all, name).size() == 1) return title + word;
 
     std::vector<CameraChoice> ofProducer = all;
     std::erase_if(ofProducer, [&](const CameraChoice& other) { return other.producer != camera.producer; });
     if (Fitting(ofProducer, name).size() == 1)
-        return title + "--producer " + Quoted(camera.producer->path) + " " + word;
+        return title + "--producer " + ShellWord(camera.producer->path) + " " + word;
     return "Name one by interface:id; `koro list --json` shows them with all of their characters.";
 }
 

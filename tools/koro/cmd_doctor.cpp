@@ -7,15 +7,13 @@
 #include "tools/koro/producer_search.h"
 #include "tools/koro/report.h"
 #include "tools/koro/standard_streams.h"
+#include "tools/koro/unsearched_places.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
-#include <filesystem>
 #include <memory>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -158,35 +156,11 @@ const char* Advice(const ProducerSearch& search, const Findings& findings)
     return "Check the cameras' cables, power and network.";
 }
 
-// In quotation marks for a shell.
-std::string Quoted(const std::string& text)
-{
-    std::string quoted;
-    for (const char c : text)
-        quoted += (std::strchr("\\\"$`", c) ? "\\" : "") + std::string(1, c);
-    return "\"" + quoted + "\"";
-}
-
 // The folders of producers that lie on this computer and are not searched, with the line that changes it.
 void PrintPlaces(const ProducerSearch& search)
 {
-    std::set<std::string> known;
-    for (const std::string& candidate : search.candidates)
-        known.insert(std::filesystem::path(candidate).parent_path().string());
-    const ProducerPlaces places = FindProducerPlaces(usualPlaces, {});
-    std::string folders;
-    for (const std::string& folder : places.folders)
-    {
-        // The variable has no way to name a folder with a separator in it.
-        if (known.count(folder) > 0 || folder.find_first_of(":;") != folder.npos) continue;
-        PrintOut("%s holds .cti files and is not searched\n", Printable(folder).c_str());
-        folders += ":" + folder;
-    }
-    if (!places.isWhole) PrintOut("/opt, /usr/lib and /usr/local/lib are too large to be searched as a whole\n");
-    if (folders.empty()) return;
-    const char* const before = std::getenv(producerPathVariable);
-    const std::string value = before && *before ? before + folders : folders.substr(1);
-    PrintOut("to search them: export %s=%s\n", producerPathVariable, Printable(Quoted(value)).c_str());
+    const char* const searched = std::getenv(producerPathVariable);
+    PrintOut("%s", DescribeUnsearchedPlaces(usualPlaces, {}, search.candidates, searched).c_str());
 }
 
 int Doctor(const DoctorSettings& settings)

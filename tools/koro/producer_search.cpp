@@ -16,8 +16,6 @@ namespace koro::tool
 
 namespace fs = std::filesystem;
 
-const char* const producerPathVariable = "GENICAM_GENTL64_PATH";
-
 namespace
 {
 

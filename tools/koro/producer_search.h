@@ -9,7 +9,7 @@
 namespace koro::tool
 {
 
-extern const char* const producerPathVariable; // GENICAM_GENTL64_PATH
+inline constexpr char producerPathVariable[] = "GENICAM_GENTL64_PATH";
 
 struct SearchedDirectory
 {

@@ -44,6 +44,13 @@ TEST(ProducerPlaces, TooManyEntriesEndTheSearch)
     EXPECT_FALSE(FindProducerPlaces({folder.Path().string()}, {.numEntries = 1}).isWhole);
 }
 
+TEST(ProducerPlaces, TimeThatIsOverEndsTheSearch)
+{
+    const TemporaryFolder folder;
+    folder.MakeFile("a", "");
+    EXPECT_FALSE(FindProducerPlaces({folder.Path().string()}, {.time = std::chrono::milliseconds(0)}).isWhole);
+}
+
 TEST(ProducerPlaces, LinksToFoldersAreNotFollowed)
 {
     const TemporaryFolder folder;
