@@ -86,6 +86,21 @@ std::vector<std::string> ProblemsOf(const std::vector<ProducerRecord>& producers
     return problems;
 }
 
+void PrintFailures(const Discovery& discovery)
+{
+    for (const ProbeResult& failed : discovery.failed)
+        std::fprintf(Errors(), "koro: %s\n", DescribeFailure(failed).c_str());
+}
+
+// What the producers that work could not list. False when there is nothing.
+bool PrintProblems(const Discovery& discovery)
+{
+    const std::vector<std::string> problems = ProblemsOf(discovery.producers);
+    for (const std::string& problem : problems)
+        std::fprintf(Errors(), "koro: %s\n", Printable(problem).c_str());
+    return !problems.empty();
+}
+
 } // namespace
 
 Discovery Discover(const ProducerChoice& choice)
@@ -115,10 +130,7 @@ CameraChoice FindCamera(const Discovery& discovery, const std::string& name)
 
 std::vector<CameraChoice> FindCameras(const Discovery& discovery, const std::string& name)
 {
-    for (const ProbeResult& failed : discovery.failed)
-    {
-        std::fprintf(Errors(), "koro: %s\n", DescribeFailure(failed).c_str());
-    }
+    PrintFailures(discovery);
     try
     {
         return SelectCameras(discovery.producers, name);
@@ -126,15 +138,26 @@ std::vector<CameraChoice> FindCameras(const Discovery& discovery, const std::str
     catch (const ToolError&)
     {
         // The camera may be one of those that could not be listed.
-        const std::vector<std::string> problems = ProblemsOf(discovery.producers);
-        for (const std::string& problem : problems)
-            std::fprintf(Errors(), "koro: %s\n", Printable(problem).c_str());
-        const bool somethingFailed = !problems.empty() || !discovery.failed.empty();
+        const bool somethingFailed = PrintProblems(discovery) || !discovery.failed.empty();
         if (!somethingFailed || !AllCameras(discovery.producers).empty()) throw;
     }
     throw ToolError(
         discovery.producers.empty() ? "No producer works, so no camera can be found." : "No camera could be listed.",
         "`koro doctor` tells why.", exitNoSuchCamera);
+}
+
+InterfaceChoice FindInterface(const Discovery& discovery, const std::string& name)
+{
+    PrintFailures(discovery);
+    try
+    {
+        return SelectInterface(discovery.producers, name);
+    }
+    catch (const ToolError&)
+    {
+        PrintProblems(discovery);
+        throw;
+    }
 }
 
 std::string DescribeFailure(const ProbeResult& failed)

@@ -18,7 +18,7 @@ class OpenedProducer;
 
 struct Discovery
 {
-    std::vector<ProducerRecord> producers;  // those that work
+    std::vector<ProducerRecord> producers; // those that work
     std::vector<ProbeResult> failed;
     std::shared_ptr<OpenedProducer> opened; // the only producer, loaded into this process; null after probes
 };
@@ -35,6 +35,8 @@ Discovery DiscoverFor(const ProducerChoice& choice, const std::string& wanted);
 CameraChoice FindCamera(const Discovery& discovery, const std::string& name);
 // The same for all that a name or a pattern means, at least one.
 std::vector<CameraChoice> FindCameras(const Discovery& discovery, const std::string& name);
+// Likewise for an interface.
+InterfaceChoice FindInterface(const Discovery& discovery, const std::string& name);
 
 // One line: "<path> is left out: <why>".
 std::string DescribeFailure(const ProbeResult& failed);

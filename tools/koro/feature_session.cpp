@@ -7,11 +7,9 @@
 #include "tools/koro/producer_option.h"
 #include "tools/koro/report.h"
 #include "tools/koro/similar_names.h"
-#include "tools/koro/standard_streams.h"
 #include "tools/koro/tool_error.h"
 
 #include <CLI/CLI.hpp>
-#include <cstdio>
 #include <utility>
 
 namespace koro::tool
@@ -126,9 +124,7 @@ void FeatureSession::OpenAboveCameras(const FeatureTarget& target, const ModuleS
     }
     const Discovery discovery =
         Discover(target.systemFile.empty() ? target.producer : ProducerChoice{.file = target.systemFile});
-    for (const ProbeResult& failed : discovery.failed)
-        std::fprintf(Errors(), "koro: %s\n", DescribeFailure(failed).c_str());
-    const InterfaceChoice choice = SelectInterface(discovery.producers, target.interfaceName);
+    const InterfaceChoice choice = FindInterface(discovery, target.interfaceName);
     aboveCameras.emplace(choice.producer->path, choice.interfaceRecord->id, settings);
 }
 
