@@ -9,7 +9,7 @@ FilledCaches::FilledCaches(const NodeLists& dependents)
     : dependents(dependents), nodes(dependents.firsts.size() - 1), sources(dependents.nodes.size()),
       next(dependents.nodes.size())
 {
-    met.reserve(nodes.size());
+    met.reserve(nodes.size() + 1); // one may become idle and then active
     for (NodeIndex source = 0; source < nodes.size(); ++source)
     {
         for (Link link = dependents.firsts[source]; link < dependents.firsts[source + 1]; ++link)
@@ -20,10 +20,36 @@ FilledCaches::FilledCaches(const NodeLists& dependents)
     }
 }
 
-void FilledCaches::AddNew(NodeIndex node) noexcept
+void FilledCaches::Share(Sharers& sharers, NodeIndex node)
+{
+    sharers.nodes.push_back(node);
+    NodeState& own = nodes[node];
+    own.sharers = &sharers;
+    own.seat = static_cast<uint32_t>(sharers.nodes.size() - 1);
+    SetState(node, std::exchange(own.state, active));
+}
+
+void FilledCaches::Unshare(NodeIndex node) noexcept
+{
+    NodeState& own = nodes[node];
+    const State state = own.state;
+    SetState(node, active);
+    Swap(own, static_cast<uint32_t>(own.sharers->nodes.size() - 1));
+    own.sharers->nodes.pop_back();
+    own.sharers = nullptr;
+    own.state = state;
+}
+
+void FilledCaches::AddSharers(Sharers& sharers) noexcept
+{
+    while (sharers.ends[removed] > 0)
+        AddNew(sharers.nodes.front(), idle);
+}
+
+void FilledCaches::AddNew(NodeIndex node, State state) noexcept
 {
     met.clear();
-    Enter(node);
+    Enter(node, state);
     for (size_t i = 0; i < met.size(); ++i)
         OpenLinksTo(met[i]);
     visits += met.size();
@@ -36,18 +62,42 @@ const std::vector<NodeIndex>& FilledCaches::Take(Span<NodeIndex> starts) noexcep
         Leave(start);
     for (size_t i = 0; i < met.size(); ++i)
         CloseLinksFrom(met[i]);
-    visits += met.size();
+    visits += starts.size() + met.size();
     return met;
 }
 
-void FilledCaches::Enter(NodeIndex node) noexcept
+void FilledCaches::Enter(NodeIndex node, State state) noexcept
 {
-    if (!std::exchange(nodes[node].entered, true)) met.push_back(node);
+    if (nodes[node].state >= state) return;
+    SetState(node, state);
+    met.push_back(node);
 }
 
 void FilledCaches::Leave(NodeIndex node) noexcept
 {
-    if (std::exchange(nodes[node].entered, false)) met.push_back(node);
+    if (nodes[node].state == removed) return;
+    SetState(node, removed);
+    met.push_back(node);
+}
+
+// A sharer moves to the next part until it is in the right one.
+void FilledCaches::SetState(NodeIndex node, State state) noexcept
+{
+    NodeState& own = nodes[node];
+    for (; own.sharers && own.state < state; ++own.state)
+        Swap(own, --own.sharers->ends[own.state]);
+    for (; own.sharers && own.state > state; --own.state)
+        Swap(own, own.sharers->ends[own.state - 1]++);
+    own.state = state;
+}
+
+// Exchanges the seats of two sharers.
+void FilledCaches::Swap(NodeState& own, uint32_t seat) noexcept
+{
+    std::vector<NodeIndex>& sharers = own.sharers->nodes;
+    nodes[sharers[seat]].seat = own.seat;
+    std::swap(sharers[seat], sharers[own.seat]);
+    own.seat = seat;
 }
 
 void FilledCaches::OpenLinksTo(NodeIndex node) noexcept
@@ -57,7 +107,7 @@ void FilledCaches::OpenLinksTo(NodeIndex node) noexcept
         const NodeIndex source = sources[link];
         const Link following = std::exchange(next[link], nodes[source].open);
         nodes[source].open = link;
-        Enter(source);
+        Enter(source, active);
         link = following;
     }
 }

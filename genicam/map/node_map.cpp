@@ -45,7 +45,7 @@ bool IsReadOnlyKind(Element kind)
 
 NodeMap::NodeMap(std::shared_ptr<const Description> source, const gcstring& device, CLock* userLock)
     : description(std::move(source)), deviceName(device), lock(userLock ? userLock : &ownLock),
-      filled(description->dependents), maxDescents(MostDescents(description->nodes.size()))
+      filled(description->dependents), registers(filled), maxDescents(MostDescents(description->nodes.size()))
 {
     nodes.reserve(description->nodes.size());
     for (NodeIndex node = 0; node < description->nodes.size(); ++node)

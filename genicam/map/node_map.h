@@ -153,9 +153,9 @@ private:
     GENICAM_NAMESPACE::gcstring deviceName;
     mutable CLock ownLock;
     CLock* lock;
+    FilledCaches filled;
     RegisterCache registers;
     std::vector<std::unique_ptr<Node>> nodes;
-    FilledCaches filled;
     std::vector<PollState> polled;
     UserData_t userData = nullptr;
 

@@ -5,7 +5,7 @@
 namespace GENAPI_NAMESPACE::runtime
 {
 
-RegisterCache::Block* RegisterCache::Acquire(const Place& place, Node& user)
+RegisterCache::Block* RegisterCache::Acquire(const Place& place, NodeIndex user)
 {
     const auto [entry, isNew] = blocks.try_emplace(place);
     Block& block = entry->second;
@@ -14,17 +14,23 @@ RegisterCache::Block* RegisterCache::Acquire(const Place& place, Node& user)
         block.place = place;
         if (place.length > narrow) wideBlocks.push_back(&block);
     }
-    block.users.push_back(&user);
+    filled.Share(block.users, user);
     return &block;
 }
 
-void RegisterCache::Release(Block* block, Node& user)
+void RegisterCache::Release(Block* block, NodeIndex user)
 {
     if (ended) return;
-    block->users.erase(std::find(block->users.begin(), block->users.end(), &user));
-    if (!block->users.empty()) return;
+    filled.Unshare(user);
+    if (!block->users.IsEmpty()) return;
     wideBlocks.erase(std::remove(wideBlocks.begin(), wideBlocks.end(), block), wideBlocks.end());
     blocks.erase(block->place);
+}
+
+void RegisterCache::Fill(Block& block)
+{
+    block.valid = true;
+    filled.AddSharers(block.users);
 }
 
 } // namespace GENAPI_NAMESPACE::runtime

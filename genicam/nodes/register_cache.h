@@ -3,6 +3,8 @@
 // Owned by the node map, used while its lock is held.
 #pragma once
 
+#include "map/filled_caches.h"
+
 #include <Base/GCNamespace.h>
 #include <map>
 #include <stdint.h>
@@ -11,8 +13,6 @@
 
 namespace GENAPI_NAMESPACE::runtime
 {
-
-class Node;
 
 class RegisterCache
 {
@@ -32,13 +32,16 @@ public:
     {
         Place place;
         bool valid = false;
-        std::vector<Node*> users;
+        FilledCaches::Sharers users;
         std::vector<uint8_t> bytes;
     };
 
-    // Returns the block of a place; creates it for the first user.
-    Block* Acquire(const Place& place, Node& user);
-    void Release(Block* block, Node& user);
+    explicit RegisterCache(FilledCaches& filled) : filled(filled) {}
+    // Returns the block of a place; creates it for the first user. A node uses one block at a time.
+    Block* Acquire(const Place& place, NodeIndex user);
+    void Release(Block* block, NodeIndex user);
+    // The bytes are now in the cache for all users.
+    void Fill(Block& block);
     // Reports that all users end now: the lists need not be maintained from here on.
     void End() { ended = true; }
 
@@ -72,6 +75,7 @@ private:
         return place.address > INT64_MAX - place.length ? INT64_MAX : place.address + place.length;
     }
 
+    FilledCaches& filled;
     std::map<Place, Block> blocks; // the blocks do not move in memory
     std::vector<Block*> wideBlocks;
     bool ended = false;

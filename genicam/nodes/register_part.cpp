@@ -50,7 +50,7 @@ RegisterPart::~RegisterPart()
 
 void RegisterPart::Release()
 {
-    if (block) node.Map().Registers().Release(block, node);
+    if (block) node.Map().Registers().Release(block, node.Index());
     block = nullptr;
 }
 
@@ -154,7 +154,7 @@ RegisterCache::Block* RegisterPart::Block(int64_t start, int64_t length)
     const RegisterCache::Place place = {port, start, length};
     if (block && block->place == place) return block;
     Release();
-    block = node.Map().Registers().Acquire(place, node);
+    block = node.Map().Registers().Acquire(place, node.Index());
     if (block->valid) node.NoteFilled();
     return block;
 }
@@ -207,7 +207,7 @@ void RegisterPart::ReadBytes(uint8_t* bytes, int64_t count, ReadOptions options)
     // The length may have changed while the device responded.
     if (Length(options.verify) != length) return;
     cache->bytes.assign(bytes, bytes + length);
-    Fill(*cache);
+    node.Map().Registers().Fill(*cache);
 }
 
 void RegisterPart::WriteBytes(const uint8_t* bytes, int64_t count, bool verify)
@@ -237,15 +237,7 @@ void RegisterPart::WriteBytes(const uint8_t* bytes, int64_t count, bool verify)
     if (!known) return;
     cache->bytes.resize(static_cast<size_t>(length));
     memcpy(cache->bytes.data(), bytes, static_cast<size_t>(count));
-    Fill(*cache);
-}
-
-// The bytes are now in the cache for all nodes with this address.
-void RegisterPart::Fill(RegisterCache::Block& filled)
-{
-    filled.valid = true;
-    for (const Node* const user : filled.users)
-        user->NoteFilled();
+    node.Map().Registers().Fill(*cache);
 }
 
 // Discards the cached values of overlapping registers and everything computed from them.
@@ -254,9 +246,9 @@ void RegisterPart::DropOverlapping(const RegisterCache::Place& place)
     std::vector<NodeIndex> users;
     node.Map().Registers().ForEachOverlapping(place, [&](RegisterCache::Block& overlapping) {
         overlapping.valid = false;
-        for (const Node* const user : overlapping.users)
+        for (const NodeIndex user : overlapping.users.Active())
         {
-            if (user != &node) users.push_back(user->Index());
+            if (user != node.Index()) users.push_back(user);
         }
     });
     if (!users.empty()) node.Map().DropWithDependents({users.data(), users.data() + users.size()});

@@ -42,7 +42,6 @@ private:
     void Release();
     // Returns the length; throws RangeError when `count` is larger.
     int64_t LengthFor(int64_t count, bool verify);
-    void Fill(RegisterCache::Block& filled);
     void DropOverlapping(const RegisterCache::Place& place);
     const PropertyRecord* OffsetBehind(const PropertyRecord* index) const;
     int64_t IndexPart(const PropertyRecord* record, ReadOptions options);
