@@ -1,6 +1,6 @@
 // Measures the cost of a camera's settings and files through the exports, beside the GenICam runtime without the
-// library and beside plain accesses to the same registers. Then measures one feature of many that share a selector,
-// whose cost must not grow with their number.
+// library and beside plain accesses to the same registers. Then measures one feature of many that share a selector, and
+// one of many that are bits of one register: their cost must not grow with their number.
 #include "bench/measure.h"
 #include "bench/producer_access.h"
 #include "bench/runtime_map.h"
@@ -248,10 +248,27 @@ std::string DescribedBehindOneSelector(std::size_t count)
         "<Min>0</Min><Max>1</Max>" + selected + "</Integer>" + Register("SelectorReg", 16, "RW") + nodes);
 }
 
-// Microseconds for one feature: stored, loaded.
-std::vector<double> OneFeatureOf(std::size_t count)
+// Features that are bits of one register.
+std::string DescribedInOneRegister(std::size_t count)
 {
-    const ServedDescription served(DescribedBehindOneSelector(count));
+    std::string names;
+    std::string nodes;
+    for (std::size_t number = 0; number < count; ++number)
+    {
+        const std::string name = "Feature" + std::to_string(number);
+        names += "<pFeature>" + name + "</pFeature>";
+        nodes += "<Integer Name=\"" + name + "\"><Streamable>Yes</Streamable><pValue>" + name +
+                 "Reg</pValue></Integer><MaskedIntReg Name=\"" + name +
+                 "Reg\"><Address>0</Address><Length>8</Length><AccessMode>RW</AccessMode><pPort>Device</pPort><Bit>" +
+                 std::to_string(number % 64) + "</Bit><Endianess>LittleEndian</Endianess></MaskedIntReg>";
+    }
+    return Described("<Category Name=\"Root\">" + names + "</Category>" + nodes);
+}
+
+// Microseconds for one of the features: stored, loaded.
+std::vector<double> OneFeatureOf(const std::string& xml, std::size_t count)
+{
+    const ServedDescription served(xml);
     Tree tree;
     const KORO_NodeMapHandle map = NodeMapOf(tree.OpenDevice(0));
     const TemporaryFile file;
@@ -262,14 +279,14 @@ std::vector<double> OneFeatureOf(std::size_t count)
     return {ProcessorNanosecondsPerCall(1, store) / scale, ProcessorNanosecondsPerCall(1, load) / scale};
 }
 
-void PrintGrowth(bool quick)
+void PrintGrowth(const char* title, std::string (*describe)(std::size_t), bool quick)
 {
     const std::size_t few = quick ? 50 : 2000;
     std::vector<std::vector<double>> columns;
-    std::printf("\n%-34s", "us per feature behind one selector");
+    std::printf("\n%-34s", title);
     for (const std::size_t count : {few, 2 * few, 4 * few})
     {
-        columns.push_back(OneFeatureOf(count));
+        columns.push_back(OneFeatureOf(describe(count), count));
         std::printf(" %10zu", count);
     }
     const char* const names[] = {"settings stored", "settings loaded"};
@@ -294,7 +311,8 @@ int main(int argc, char** argv)
         PrintTransfers(effort, 65536);
         PrintTransfers(effort, 512);
         PrintSettings(effort);
-        PrintGrowth(effort.rounds == 1);
+        PrintGrowth("us per feature behind one selector", DescribedBehindOneSelector, effort.rounds == 1);
+        PrintGrowth("us per feature in one register", DescribedInOneRegister, effort.rounds == 1);
     }
     catch (const std::exception& exception)
     {
