@@ -97,6 +97,18 @@ TEST(Drops, BytesThatTwoRegistersShareAreDroppedWithEither)
     }
 }
 
+TEST(Drops, BytesThatOneRegisterHasReadAreDroppedWithEachThatSharesThem)
+{
+    SmallMap map(Features("One Other") + IntReg("One", "8") + IntReg("Other", "8"));
+    map.Integer("Other")->GetValue();
+    map.Node("Other")->InvalidateNode();
+    map.port.bytes[8] = 1;
+    EXPECT_EQ(map.Integer("One")->GetValue(), 1);
+    map.port.bytes[8] = 2;
+    map.Node("Other")->InvalidateNode();
+    EXPECT_EQ(map.Integer("Other")->GetValue(), 2);
+}
+
 TEST(Drops, ARefusedWriteDropsTheValuesOfDependentsAndKeepsTheBytes)
 {
     SmallMap map(selected + "<Integer Name=\"Small\"><pValue>AReg</pValue><Max>9</Max></Integer>");
