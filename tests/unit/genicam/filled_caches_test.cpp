@@ -265,6 +265,21 @@ TEST(FilledCaches, FillingSharedBytesAgainEntersOnlyTheSharersThatWereRemoved)
     EXPECT_EQ(sharers.Active()[0], 8u);
 }
 
+TEST(FilledCaches, ANodeThatSharesNoLongerLeavesTheSharersAsTheyAre)
+{
+    const NodeLists lists = ListsOf(Graph(3));
+    FilledCaches filled(lists);
+    FilledCaches::Sharers sharers;
+    for (NodeIndex node = 0; node < 3; ++node)
+        filled.Share(sharers, node);
+    for (NodeIndex node = 0; node < 2; ++node)
+        filled.Add(node);
+    filled.Unshare(0);
+    EXPECT_EQ(Take(filled, 0), Nodes({0}));
+    ASSERT_EQ(sharers.Active().size(), 1u);
+    EXPECT_EQ(sharers.Active()[0], 1u);
+}
+
 std::string ManyBehindASelector(int count, const std::string& selector)
 {
     std::string names, selected, nodes;
